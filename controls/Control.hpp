@@ -1,0 +1,92 @@
+// What all controls of a form have in common. Controls know no operating system: a peer draws
+// them, and everything works the same without one.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+
+#include "platform/Peers.hpp"
+
+namespace vantor {
+
+class Form;
+
+enum class ControlKind : std::uint8_t {
+    Label,
+    CommandButton,
+    PictureBox,
+    Image,
+    ProgressBar,
+    ListView,
+    MenuItem,
+    Timer,
+    SerialControl,
+};
+
+/// Position and size in twips (1440 to the inch), within the control's container.
+struct Place {
+    float left = 0;
+    float top = 0;
+    float width = 0;
+    float height = 0;
+
+    friend bool operator==(const Place&, const Place&) = default;
+};
+
+/// A control of a form. It joins the form's collection when it is made and is a member of the
+/// form, so it never outlives it. Setting a property tells the form's peer.
+class Control {
+public:
+    /// `index` tells the members of a control array apart; -1 for a single control.
+    Control(Form& parent, ControlKind kind, std::string name, int index = -1);
+    virtual ~Control() = default;
+    Control(const Control&) = delete;
+    Control& operator=(const Control&) = delete;
+
+    Form& Parent() const { return mParent; }
+    ControlKind Kind() const { return mKind; }
+    const std::string& Name() const { return mName; }
+    int Index() const { return mIndex; }
+
+    const std::string& Tag() const { return mTag; }
+    void Tag(std::string tag) { mTag = std::move(tag); }
+
+    const std::string& Caption() const { return mCaption; }
+    void Caption(std::string caption);
+
+    bool Enabled() const { return mEnabled; }
+    /// Virtual because enabling some controls (a timer) starts something.
+    virtual void Enabled(bool enabled);
+
+    bool Visible() const { return mVisible; }
+    void Visible(bool visible);
+
+    const std::string& ToolTip() const { return mToolTip; }
+    void ToolTip(std::string toolTip);
+
+    const vantor::Place& Place() const { return mPlace; }
+    void Place(const vantor::Place& place);
+
+    /// Draws the control at once, without waiting for the message loop.
+    void Refresh();
+
+protected:
+    void Changed(Property property);
+    /// Keeps the form alive while one of its handlers runs; for the owners of events.
+    std::shared_ptr<void> KeepParent() const;
+
+private:
+    Form& mParent;
+    ControlKind mKind;
+    std::string mName;
+    int mIndex;
+    std::string mTag;
+    std::string mCaption;
+    std::string mToolTip;
+    vantor::Place mPlace;
+    bool mEnabled = true;
+    bool mVisible = true;
+};
+
+}  // namespace vantor

@@ -1,0 +1,106 @@
+// The plain controls of the program's windows.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <vector>
+
+#include "controls/Control.hpp"
+#include "controls/Event.hpp"
+#include "platform/MessagePump.hpp"
+
+namespace vantor {
+
+class Label : public Control {
+public:
+    Label(Form& parent, std::string name, int index = -1)
+        : Control(parent, ControlKind::Label, std::move(name), index) {}
+};
+
+/// Anything whose event is a click. A peer raises it; code may press it with `Press`.
+class ClickControl : public Control {
+public:
+    Event<> Click{[this] { return KeepParent(); }};
+
+    /// A click by the user or standing for one: nothing happens while the control is disabled.
+    void Press() {
+        if (Enabled()) Click.Raise();
+    }
+
+protected:
+    using Control::Control;
+};
+
+class CommandButton : public ClickControl {
+public:
+    CommandButton(Form& parent, std::string name, int index = -1)
+        : ClickControl(parent, ControlKind::CommandButton, std::move(name), index) {}
+};
+
+/// A menu or menu entry. The caption "-" makes a separator.
+class MenuItem : public ClickControl {
+public:
+    MenuItem(Form& parent, std::string name, int index = -1)
+        : ClickControl(parent, ControlKind::MenuItem, std::move(name), index) {}
+};
+
+/// A panel or a picture that can be clicked.
+class PictureBox : public ClickControl {
+public:
+    PictureBox(Form& parent, std::string name, int index = -1)
+        : ClickControl(parent, ControlKind::PictureBox, std::move(name), index) {}
+};
+
+/// A picture that only shows.
+class Image : public Control {
+public:
+    Image(Form& parent, std::string name, int index = -1)
+        : Control(parent, ControlKind::Image, std::move(name), index) {}
+};
+
+/// A bar from 0 to 100.
+class ProgressBar : public Control {
+public:
+    ProgressBar(Form& parent, std::string name, int index = -1)
+        : Control(parent, ControlKind::ProgressBar, std::move(name), index) {}
+
+    std::int16_t Value() const { return mValue; }
+    /// Raises RuntimeError 380 outside 0 to 100.
+    void Value(std::int16_t value);
+
+private:
+    std::int16_t mValue = 0;
+};
+
+/// A list with columns, of which one row can be selected.
+class ListView : public ClickControl {
+public:
+    ListView(Form& parent, std::string name, int index = -1)
+        : ClickControl(parent, ControlKind::ListView, std::move(name), index) {}
+
+    std::vector<std::string> columns;
+    std::vector<std::vector<std::string>> rows;
+    int selectedRow = -1;  ///< -1 when nothing is selected
+};
+
+/// Raises its event every `Interval` milliseconds while enabled. Disabled when made; enabling
+/// it again while it runs changes nothing.
+class Timer : public Control {
+public:
+    Timer(Form& parent, std::string name, MessagePump& pump, std::uint32_t intervalMs);
+    ~Timer() override;
+
+    Event<> Tick{[this] { return KeepParent(); }};
+
+    std::uint32_t Interval() const { return mIntervalMs; }
+
+    using Control::Enabled;
+    void Enabled(bool enabled) override;
+
+private:
+    MessagePump& mPump;
+    std::uint32_t mIntervalMs;
+    TimerId mTimer = 0;
+};
+
+}  // namespace vantor

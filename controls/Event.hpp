@@ -1,0 +1,48 @@
+// Event slots of controls.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <utility>
+
+namespace vantor {
+
+/// One event with at most one handler. Handlers pump messages, so any event can be raised while
+/// others are being handled; an event is not raised again while its own handler runs.
+template <typename... Args>
+class Event {
+public:
+    /// `owner` says what must stay alive until the handler has returned: the form.
+    explicit Event(std::function<std::shared_ptr<void>()> owner = {}) : mOwner(std::move(owner)) {}
+    Event(const Event&) = delete;
+    Event& operator=(const Event&) = delete;
+
+    /// Sets the handler; an empty function removes it.
+    void Handle(std::function<void(Args...)> handler) { mHandler = std::move(handler); }
+
+    /// Runs the handler. Returns false, having done nothing, when there is none or it is
+    /// running already.
+    bool Raise(Args... args) {
+        if (!mHandler || mRunning) return false;
+        const std::shared_ptr<void> keepAlive = mOwner ? mOwner() : nullptr;
+        const Running guard(mRunning);
+        const std::function<void(Args...)> handler = mHandler;
+        handler(std::forward<Args>(args)...);
+        return true;
+    }
+
+private:
+    struct Running {
+        explicit Running(bool& flag) : mFlag(flag) { mFlag = true; }
+        ~Running() { mFlag = false; }
+        Running(const Running&) = delete;
+        Running& operator=(const Running&) = delete;
+        bool& mFlag;
+    };
+
+    std::function<std::shared_ptr<void>()> mOwner;
+    std::function<void(Args...)> mHandler;
+    bool mRunning = false;
+};
+
+}  // namespace vantor

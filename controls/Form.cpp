@@ -1,0 +1,88 @@
+#include "controls/Form.hpp"
+
+#include <algorithm>
+#include <utility>
+
+#include "support/RuntimeError.hpp"
+
+namespace vantor {
+
+Form::Form(Desktop& desktop, const FormDesign& design) : mDesktop(desktop), mDesign(design) {}
+
+Form::~Form() = default;
+
+void Form::Caption(std::string caption) {
+    mCaption = std::move(caption);
+    FormChanged(Property::Caption);
+}
+
+void Form::Place(const vantor::Place& place) {
+    mPlace = place;
+    FormChanged(Property::Place);
+}
+
+void Form::Load() {
+    if (mLoaded || mGone) return;
+    ApplyDesign();
+    mLoaded = true;
+    mDesktop.mOpen.push_back(shared_from_this());
+    mPeer = mDesktop.mPeers.Draw(*this);
+    Form_Load();
+}
+
+void Form::Show(ShowMode mode, const Form* owner) {
+    Load();
+    if (mGone) return;
+    mVisible = true;
+    if (mPeer) mPeer->Show(mode, owner ? owner->Handle() : 0);
+}
+
+bool Form::Unload() {
+    if (!mLoaded || mUnloading) return mGone;
+    const std::shared_ptr<Form> keepAlive = shared_from_this();
+    mUnloading = true;
+    if (!Form_QueryUnload()) {
+        mUnloading = false;
+        return false;
+    }
+    Form_Unload();
+    mPeer.reset();
+    mVisible = false;
+    mLoaded = false;
+    mGone = true;
+    std::erase(mDesktop.mOpen, keepAlive);
+    return true;
+}
+
+void Form::ControlChanged(const Control& control, Property property) {
+    if (mPeer) mPeer->ControlChanged(control, property);
+}
+
+void Form::FormChanged(Property property) {
+    if (mPeer) mPeer->FormChanged(property);
+}
+
+void Form::ApplyDesign() {
+    mCaption = mDesign.caption;
+    mTag = mDesign.tag;
+    mPlace = mDesign.place;
+    std::size_t applied = 0;
+    for (const ControlDesign& row : mDesign.controls) {
+        const auto found = std::ranges::find_if(mControls, [&row](const Control* control) {
+            return control->Kind() == row.kind && control->Name() == row.name &&
+                   control->Index() == row.index;
+        });
+        if (found == mControls.end())
+            throw RuntimeError(ErrorNumber::InternalError,
+                               std::string("No control for the design row ") + row.name);
+        (*found)->Caption(row.caption);
+        (*found)->Tag(row.tag);
+        (*found)->Place(row.place);
+        ++applied;
+    }
+    if (applied != mControls.size())
+        throw RuntimeError(ErrorNumber::InternalError,
+                           std::string("A control of ") + mDesign.name + " has no design row");
+}
+
+}  // namespace vantor

@@ -1,0 +1,125 @@
+// Windows as plain objects: their controls, their life from load to unload, and the set of those
+// that are open.
+#pragma once
+
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "controls/Control.hpp"
+#include "platform/Peers.hpp"
+
+namespace vantor {
+
+class MessagePump;
+
+/// One control of a window's design.
+struct ControlDesign {
+    ControlKind kind;
+    const char* name;
+    int index;           ///< -1 for a single control
+    const char* parent;  ///< name of the panel or menu it lies in, empty for the window itself
+    Place place;         ///< twips, within the parent; all 0 for what has no place of its own
+    const char* caption;
+    const char* tag;
+};
+
+/// A window's design: data that says what the window looks like before any code runs.
+struct FormDesign {
+    const char* name;
+    const char* caption;
+    const char* tag;
+    Place place;  ///< outer size in twips
+    std::span<const ControlDesign> controls;
+};
+
+/// The open windows of the program, and what they need to be drawn.
+class Desktop {
+public:
+    Desktop(Peers& peers, MessagePump& pump) : mPeers(peers), mPump(pump) {}
+
+    Peers& GetPeers() const { return mPeers; }
+    MessagePump& Pump() const { return mPump; }
+
+    /// The loaded windows, in the order in which they were loaded.
+    const std::vector<std::shared_ptr<Form>>& OpenForms() const { return mOpen; }
+
+private:
+    friend class Form;
+    Peers& mPeers;
+    MessagePump& mPump;
+    std::vector<std::shared_ptr<Form>> mOpen;
+};
+
+/// A window. Made with std::make_shared; the desktop keeps it alive while it is loaded, and an
+/// event keeps it alive until its outermost handler has returned, so code may unload the window
+/// that it belongs to. Once it is gone nothing is drawn any more and it cannot be loaded again.
+class Form : public std::enable_shared_from_this<Form> {
+public:
+    Form(Desktop& desktop, const FormDesign& design);
+    virtual ~Form();
+    Form(const Form&) = delete;
+    Form& operator=(const Form&) = delete;
+
+    std::string Name() const { return mDesign.name; }
+    /// The controls in collection order: the order in which the class declares them.
+    const std::vector<Control*>& Controls() const { return mControls; }
+    const FormDesign& Design() const { return mDesign; }
+
+    const std::string& Tag() const { return mTag; }
+    const std::string& Caption() const { return mCaption; }
+    void Caption(std::string caption);
+
+    /// Outer position and size in twips.
+    const vantor::Place& Place() const { return mPlace; }
+    void Place(const vantor::Place& place);
+
+    bool Visible() const { return mVisible; }
+    bool Loaded() const { return mLoaded; }
+    /// True once the window has been unloaded. A wait that runs in its code ends then.
+    bool Gone() const { return mGone; }
+
+    /// Applies the design, makes the peer and runs Form_Load; a second call does nothing.
+    /// Raises RuntimeError 51 when the design and the class disagree about the controls.
+    void Load();
+
+    /// Loads the window if needed and shows it; a modal one returns when it has closed.
+    void Show(ShowMode mode = ShowMode::Modeless, const Form* owner = nullptr);
+
+    /// Closes the window: asks Form_QueryUnload and, when that lets it, runs Form_Unload and
+    /// destroys the peer. True when the window is gone.
+    bool Unload();
+
+    /// The native window, 0 where nothing is drawn.
+    NativeWindow Handle() const { return mPeer ? mPeer->Handle() : 0; }
+
+protected:
+    virtual void Form_Load() {}
+    /// False refuses the close.
+    virtual bool Form_QueryUnload() { return true; }
+    virtual void Form_Unload() {}
+
+    Desktop& GetDesktop() const { return mDesktop; }
+
+private:
+    friend class Control;
+    void Join(Control& control) { mControls.push_back(&control); }
+    void ControlChanged(const Control& control, Property property);
+    void FormChanged(Property property);
+    void ApplyDesign();
+
+    Desktop& mDesktop;
+    const FormDesign& mDesign;
+    std::vector<Control*> mControls;
+    std::unique_ptr<FormPeer> mPeer;
+    std::string mTag;
+    std::string mCaption;
+    vantor::Place mPlace;
+    bool mLoaded = false;
+    bool mVisible = false;
+    bool mUnloading = false;
+    bool mGone = false;
+};
+
+}  // namespace vantor

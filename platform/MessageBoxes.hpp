@@ -1,0 +1,36 @@
+// Message boxes and the system beep.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace vantor {
+
+using NativeWindow = std::uintptr_t;  ///< a window handle of the platform; 0 is none
+
+enum class BoxIcon : std::uint8_t { None, Critical, Question, Exclamation, Information };
+enum class BoxButtons : std::uint8_t { Ok, YesNo, YesNoCancel };
+enum class BoxAnswer : std::uint8_t { Ok, Yes, No, Cancel };
+
+struct MessageBoxRequest {
+    std::string text;
+    std::string title;  ///< empty: the application's title
+    BoxIcon icon = BoxIcon::None;
+    BoxButtons buttons = BoxButtons::Ok;
+    NativeWindow owner = 0;  ///< disabled while the box is open
+};
+
+class MessageBoxes {
+public:
+    virtual ~MessageBoxes() = default;
+
+    /// Shows a box and returns the user's answer (MessageBoxW). Modal: events go on being
+    /// delivered meanwhile. A box that cannot be shown counts as answered with the refusing
+    /// button: No, Cancel, or Ok where there is no other.
+    virtual BoxAnswer Show(const MessageBoxRequest& request) = 0;
+
+    /// The default system sound (MessageBeep).
+    virtual void Beep() = 0;
+};
+
+}  // namespace vantor

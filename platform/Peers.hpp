@@ -1,0 +1,60 @@
+// What draws forms and the mouse pointer. The control model works the same with no peer at all.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+
+#include "platform/MessageBoxes.hpp"
+
+namespace vantor {
+
+class Control;
+class Form;
+
+enum class MousePointer : std::uint8_t { Default = 0, Hourglass = 11 };
+
+/// What of a control changed, so that its peer can follow.
+enum class Property : std::uint8_t {
+    Caption,
+    Enabled,
+    Visible,
+    ToolTip,
+    Place,
+    Value,
+    Repaint,  ///< draw now, even while the caller keeps the message loop busy
+};
+
+/// How a form is shown.
+enum class ShowMode : std::uint8_t { Modeless, Modal };
+
+/// The drawn side of one form; destroyed when the form unloads.
+class FormPeer {
+public:
+    virtual ~FormPeer() = default;
+
+    /// Shows the window; a modal one returns only when it has been hidden or unloaded.
+    virtual void Show(ShowMode mode, NativeWindow owner) = 0;
+
+    /// `property` of the form itself changed.
+    virtual void FormChanged(Property property) = 0;
+
+    /// `property` of one of its controls changed.
+    virtual void ControlChanged(const Control& control, Property property) = 0;
+
+    /// The window's handle; 0 where nothing is drawn.
+    virtual NativeWindow Handle() const = 0;
+};
+
+/// Makes peers. Used from one thread.
+class Peers {
+public:
+    virtual ~Peers() = default;
+
+    /// A peer for `form`, hidden until shown. The form outlives it.
+    virtual std::unique_ptr<FormPeer> Draw(Form& form) = 0;
+
+    /// Sets the pointer of the whole screen until set again.
+    virtual void SetMousePointer(MousePointer pointer) = 0;
+};
+
+}  // namespace vantor

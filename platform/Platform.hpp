@@ -1,0 +1,36 @@
+// All services of the platform in one place, as the start-up code lends them to the house.
+#pragma once
+
+namespace vantor {
+
+class Clock;
+class CodePage;
+class CommonDialogs;
+class Files;
+class Folders;
+class MessageBoxes;
+class MessagePump;
+class Peers;
+class Process;
+class Registry;
+class SerialPorts;
+class StringTable;
+
+/// References to the services; they outlive everything that they are lent to. A class that
+/// needs one or two of them takes those, not the whole.
+struct Platform {
+    Clock& clock;
+    CodePage& codePage;
+    CommonDialogs& dialogs;
+    Files& files;
+    Folders& folders;
+    MessageBoxes& boxes;
+    MessagePump& pump;
+    Peers& peers;
+    Process& process;
+    Registry& registry;
+    SerialPorts& ports;
+    StringTable& strings;
+};
+
+}  // namespace vantor

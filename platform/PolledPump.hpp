@@ -1,0 +1,54 @@
+// A message pump for systems without a window queue: timers and sources are asked at each pump.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+
+#include "platform/Clock.hpp"
+#include "platform/MessagePump.hpp"
+
+namespace vantor {
+
+using SourceId = std::uint32_t;
+
+class PolledPump : public MessagePump {
+public:
+    /// `clock` must outlive the pump.
+    explicit PolledPump(Clock& clock) : mClock(clock) {}
+
+    void PumpPending() override;
+    void Run() override;
+    void Quit() override;
+    TimerId StartTimer(std::uint32_t intervalMs, std::function<void()> tick) override;
+    void StopTimer(TimerId id) override;
+
+    /// Calls `poll` once at every pump until removed. A source may add and remove sources and
+    /// timers, itself included, and may pump.
+    SourceId AddSource(std::function<void()> poll);
+    void RemoveSource(SourceId id);
+
+protected:
+    /// What `Run` does when a pass is over, so that it does not burn the processor.
+    virtual void Rest();
+
+    Clock& GetClock() { return mClock; }
+
+private:
+    struct RunningTimer {
+        std::uint32_t intervalMs;
+        std::uint32_t startedAt;
+        std::function<void()> tick;
+    };
+
+    void FireDueTimers();
+    void PollSources();
+
+    Clock& mClock;
+    std::map<TimerId, RunningTimer> mTimers;
+    std::map<SourceId, std::function<void()>> mSources;
+    std::uint32_t mLastId = 0;
+    bool mQuit = false;
+};
+
+}  // namespace vantor

@@ -1,0 +1,19 @@
+// Every text that a person reads, by number, in the language of the user's interface.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+namespace vantor {
+
+class StringTable {
+public:
+    virtual ~StringTable() = default;
+
+    /// The text `id` as UTF-8 (Windows: LoadStringW on the program's two-language STRINGTABLE):
+    /// Spanish when that is the language of the user's interface, English otherwise. Nothing is
+    /// cached. Raises RuntimeError 326 for a number that the table does not hold.
+    virtual std::string LoadResString(std::int32_t id) const = 0;
+};
+
+}  // namespace vantor

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <utility>
 
+#include "platform/MessagePump.hpp"
 #include "support/RuntimeError.hpp"
 
 namespace vantor {
@@ -51,6 +52,7 @@ bool Form::Unload() {
     mLoaded = false;
     mGone = true;
     std::erase(mDesktop.mOpen, keepAlive);
+    if (mDesktop.mOpen.empty()) mDesktop.mPump.Quit();
     return true;
 }
 

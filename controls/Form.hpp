@@ -88,8 +88,10 @@ public:
     void Show(ShowMode mode = ShowMode::Modeless, const Form* owner = nullptr);
 
     /// Closes the window: asks Form_QueryUnload and, when that lets it, runs Form_Unload and
-    /// destroys the peer. True when the window is gone.
+    /// destroys the peer. The last window to go ends the message pump. True when it is gone.
     bool Unload();
+
+    Desktop& GetDesktop() const { return mDesktop; }
 
     /// The native window, 0 where nothing is drawn.
     NativeWindow Handle() const { return mPeer ? mPeer->Handle() : 0; }
@@ -99,8 +101,6 @@ protected:
     /// False refuses the close.
     virtual bool Form_QueryUnload() { return true; }
     virtual void Form_Unload() {}
-
-    Desktop& GetDesktop() const { return mDesktop; }
 
 private:
     friend class Control;

@@ -6,6 +6,7 @@
 #include <span>
 #include <utility>
 
+#include "support/Conversions.hpp"
 #include "support/RuntimeError.hpp"
 
 namespace vantor {
@@ -44,8 +45,9 @@ std::uint8_t OneOf(std::string_view digits, std::uint32_t low, std::uint32_t hig
     return static_cast<std::uint8_t>(number);
 }
 
-bool IsNumber(const std::string& text) {
-    return !text.empty() && std::ranges::all_of(text, [](char c) { return c >= '0' && c <= '9'; });
+/// The settings may name a port by its bare number.
+std::string PortName(const std::string& port) {
+    return IsNumeric(port) ? "COM" + std::to_string(ToInt16(port)) : port;
 }
 
 }  // namespace
@@ -64,8 +66,7 @@ SerialControl::SerialControl(Form& parent, std::string name, SerialPorts& ports)
 void SerialControl::OpenPort() {
     ClosePort();
     try {
-        mPort = mPorts.Open(IsNumber(mPortName) ? "COM" + mPortName : mPortName,
-                            ParseLineSettings(mSettings));
+        mPort = mPorts.Open(PortName(mPortName), ParseLineSettings(mSettings));
     } catch (const RuntimeError&) {
         // A port that cannot be opened stays closed: its user asks PortOpen and says so.
         return;

@@ -34,6 +34,8 @@ constexpr std::array kStandardTexts = {
     NumberedText{ErrorNumber::ResourceNotFound, "Resource not found"},
     NumberedText{ErrorNumber::InvalidPropertyValue, "Invalid property value"},
     NumberedText{ErrorNumber::ActionNotSupported, "Object doesn't support this action"},
+    NumberedText{ErrorNumber::KeyAlreadyUsed,
+                 "This key is already associated with an element of this collection"},
 };
 
 RuntimeError FromSystemError(const std::error_code& code) {

@@ -30,6 +30,7 @@ enum class ErrorNumber : std::int32_t {
     ResourceNotFound = 326,
     InvalidPropertyValue = 380,
     ActionNotSupported = 445,
+    KeyAlreadyUsed = 457,
 };
 
 /// Errors of business objects count from here (hexadecimal 80040000).

@@ -1,0 +1,204 @@
+#include "app/base/CErrHandler.hpp"
+
+#include <algorithm>
+#include <utility>
+
+#include "app/base/modSupport.hpp"
+#include "platform/Clock.hpp"
+#include "platform/Files.hpp"
+#include "platform/Folders.hpp"
+#include "platform/MessageBoxes.hpp"
+#include "platform/Process.hpp"
+#include "support/Conversions.hpp"
+
+namespace vantor {
+namespace {
+
+constexpr const char* kLineEnd = "\r\n";
+
+std::string TraceFile(const Process& process) {
+    return AppPath(process) + "trace.log";
+}
+
+}  // namespace
+
+CErrHandler::CErrHandler(const Services& services) : mServices(services) {
+    BoxedSetup("Morvane.CErrHandler.Class_Initialize",
+               [this] { mStack.reserve(mMaxProcStackItems); });
+}
+
+void CErrHandler::Destination(std::shared_ptr<DestinationObject> object) {
+    auto records = std::dynamic_pointer_cast<ErrorRecordSet>(object);
+    if (object && !records)
+        throw RuntimeError(ErrorNumber::TypeMismatch,
+                           "Invalid object type: " + object->TypeName());
+    mDestination = std::move(records);
+}
+
+void CErrHandler::MaxProcStackItems(std::size_t items) {
+    mMaxProcStackItems = items;
+    mStack.reserve(items);
+}
+
+void CErrHandler::TraceExecution(bool trace) {
+    if (trace) mServices.files.WriteAll(TraceFile(mServices.process), {});
+    mTraceExecution = trace;
+}
+
+void CErrHandler::Push(std::string_view name) {
+    if (mStack.size() == mStack.capacity())
+        mStack.reserve(mStack.size() + std::max<std::size_t>(mMaxProcStackItems, 1));
+    mStack.emplace_back(name);
+    if (mTraceExecution) Trace("> ", name);
+}
+
+void CErrHandler::Pop() {
+    if (mStack.empty()) return;
+    if (mTraceExecution) Trace("< ", mStack.back());
+    mStack.pop_back();
+}
+
+void CErrHandler::Trace(std::string_view mark, std::string_view name) {
+    // A trace that cannot be written must not stop the procedure that it traces.
+    Ignoring([&] {
+        std::string line = std::to_string(mServices.clock.Milliseconds()) + " ";
+        line.append(2 * (mStack.size() - 1), ' ').append(mark).append(name).append(kLineEnd);
+        mServices.files.Append(TraceFile(mServices.process), line);
+    });
+}
+
+void CErrHandler::HandleError() {
+    mLastError = PendingError();
+    const std::string procedure = CurrentProcedure();
+    Ignoring([&] {
+        if (Title.empty()) Title = mApp.title;
+        bool cancel = false;
+        if (BeforeHandlerCalled) BeforeHandlerCalled(cancel);
+        if (cancel) return;
+        Ignoring([&] { WriteReport(procedure); });
+        if (DisplayMsgOnError) ShowReport(procedure);
+        if (AfterHandlerCalled) AfterHandlerCalled();
+    });
+}
+
+void CErrHandler::ShowBox(std::string_view title, std::string_view text) {
+    Ignoring([&] {
+        mServices.boxes.Show({.text = std::string(text), .title = std::string(title)});
+    });
+}
+
+void CErrHandler::ClearLog() {
+    Ignoring([this] {
+        if (const auto* path = std::get_if<std::string>(&mDestination))
+            mServices.files.WriteAll(*path, {});
+    });
+}
+
+std::string CErrHandler::CurrentProcedure() const {
+    return mStack.empty() ? std::string() : mStack.back();
+}
+
+void CErrHandler::ShowReport(const std::string& procedure) {
+    std::string text = std::string("The following error has occurred in procedure: ") + kLineEnd +
+                       procedure + " on line " + std::to_string(mLastError.Line()) + kLineEnd +
+                       "Error (" + std::to_string(mLastError.Number()) + ") " +
+                       mLastError.Description();
+    if (!CurrentOperation.empty()) text += kLineEnd + OperationLine();
+    mServices.boxes.Beep();
+    mServices.boxes.Show({.text = text, .title = Title, .icon = BoxIcon::Critical});
+}
+
+std::string CErrHandler::OperationLine() const {
+    return "Current Operation: " + CurrentOperation;
+}
+
+std::string CErrHandler::StackText() const {
+    std::string text;
+    for (std::size_t i = 0; i < mStack.size(); ++i) {
+        if (mStack[i].empty()) continue;
+        text += TwoDigits(static_cast<std::int32_t>(i)) + std::string(2 * i, ' ') + mStack[i] +
+                kLineEnd;
+    }
+    return text;
+}
+
+std::vector<CErrHandler::FieldText> CErrHandler::ExpandedInfo() const {
+    return {{"Current Directory: ", mServices.folders.Current()},
+            {"App Title: ", mApp.title},
+            {"App CompanyName: ", mApp.companyName},
+            {"App Major: ", std::to_string(mApp.major)},
+            {"App Minor: ", std::to_string(mApp.minor)},
+            {"App Revision: ", std::to_string(mApp.revision)},
+            {"App Path: ", AppPath(mServices.process)},
+            {"App ProductName: ", mApp.productName}};
+}
+
+std::string CErrHandler::ReportText(const std::string& procedure) const {
+    std::string text;
+    const auto line = [&text](const std::string& content) { text += content + kLineEnd; };
+    line(" Application Error Information");
+    line(std::string(36, '='));
+    line("Current Time   : " + FormatDateTime(mServices.clock.Now()));
+    line("Error String   : " + mLastError.Description());
+    line("Error Number   : " + std::to_string(mLastError.Number()));
+    line("Error Line     : " + std::to_string(mLastError.Line()));
+    line("Error Procedure: " + procedure);
+    line("");
+    line("Procedure Stack");
+    line("---------------");
+    line(StackText());
+    if (!CurrentOperation.empty()) line(OperationLine());
+    if (IncludeExpandedInfo) {
+        line("");
+        line("Additional Information");
+        line(std::string(22, '-'));
+        for (const auto& [name, value] : ExpandedInfo()) line(name + value);
+    }
+    return text;
+}
+
+void CErrHandler::WriteReport(const std::string& procedure) {
+    if (const auto* path = std::get_if<std::string>(&mDestination))
+        WriteFile(*path, procedure);
+    else
+        WriteRecord(std::get<std::shared_ptr<ErrorRecordSet>>(mDestination), procedure);
+}
+
+// The file holds the most recent error only, which is what a technician is asked to send in.
+void CErrHandler::WriteFile(const std::string& path, const std::string& procedure) {
+    if (const std::size_t slash = path.find_last_of("\\/"); slash != std::string::npos)
+        Ignoring([&] { mServices.files.CreateFolders(path.substr(0, slash)); });
+    if (mServices.files.Exists(path)) mServices.files.Delete(path);
+    mServices.files.Append(path, ReportText(procedure));
+}
+
+void CErrHandler::WriteRecord(const std::shared_ptr<ErrorRecordSet>& records,
+                              const std::string& procedure) {
+    if (!records) {
+        ShowBox(Title, "Error handler cannot write to the [" + ErrorsTable +
+                           "] errors table because the Destination recordset "
+                           "variable has not been initialized.");
+        return;
+    }
+    try {
+        records->Open();
+    } catch (...) {
+        ShowBox(Title, "Error opening recordset: " + PendingError().Description());
+        return;
+    }
+    std::string stack = StackText();
+    if (!CurrentOperation.empty()) stack += OperationLine();
+    std::string additional;
+    for (const auto& [name, value] : ExpandedInfo()) additional += name + value + kLineEnd;
+    records->AddNew();
+    records->Field("ErrorDate", FormatDateTime(mServices.clock.Now()));
+    records->Field("ErrorString", mLastError.Description());
+    records->Field("ErrorNumber", std::to_string(mLastError.Number()));
+    records->Field("ErrorLine", std::to_string(mLastError.Line()));
+    records->Field("ErrorProc", procedure);
+    records->Field("CallStack", stack);
+    records->Field("AdditionalInfo", additional);
+    records->Update();
+}
+
+}  // namespace vantor

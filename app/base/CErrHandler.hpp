@@ -1,0 +1,122 @@
+// The one error reporter of the program: the stack of running procedures, the message box and
+// the report. It shows and writes errors; what happens next is the procedure's business.
+#pragma once
+
+#include <cstddef>
+#include <functional>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <variant>
+#include <vector>
+
+#include "app/base/AppInfo.hpp"
+#include "support/Traps.hpp"
+
+namespace vantor {
+
+class Clock;
+class Files;
+class Folders;
+class MessageBoxes;
+class Process;
+
+/// Anything that may be assigned as a destination. Only a record set is accepted.
+class DestinationObject {
+public:
+    virtual ~DestinationObject() = default;
+    virtual std::string TypeName() const = 0;
+};
+
+/// A database table that takes error records. Its operations may raise anything.
+class ErrorRecordSet : public DestinationObject {
+public:
+    virtual void Open() = 0;
+    virtual void AddNew() = 0;
+    virtual void Field(std::string_view name, const std::string& value) = 0;
+    virtual void Update() = 0;
+};
+
+class CErrHandler : public ErrorSink {
+public:
+    struct Services {
+        Clock& clock;
+        Files& files;
+        Folders& folders;
+        MessageBoxes& boxes;
+        Process& process;
+    };
+
+    /// `services` must outlive the handler.
+    explicit CErrHandler(const Services& services);
+
+    /// The application's title, above every box; taken from the application when left empty.
+    std::string Title;
+    /// Show the message box.
+    bool DisplayMsgOnError = false;
+    /// Add the "Additional Information" section to the report.
+    bool IncludeExpandedInfo = false;
+    /// What the program was doing; reported when set.
+    std::string CurrentOperation;
+    /// Name of the table in messages about the record set.
+    std::string ErrorsTable = "Errors";
+
+    /// Raised first; setting `cancel` stops the report.
+    std::function<void(bool& cancel)> BeforeHandlerCalled;
+    /// Raised last, unless the report was cancelled.
+    std::function<void()> AfterHandlerCalled;
+
+    /// Where reports go: the path of the report file ("C:\ERRORS.TXT" at creation), or a record
+    /// set. Any other object raises "Invalid object type: " and its type name; a null pointer
+    /// stands for a record set not yet assigned.
+    void Destination(std::string path) { mDestination = std::move(path); }
+    void Destination(std::shared_ptr<DestinationObject> object);
+    const std::variant<std::string, std::shared_ptr<ErrorRecordSet>>& Destination() const {
+        return mDestination;
+    }
+
+    /// Capacity reserved for the procedure stack; deeper nesting grows it by as much again.
+    void MaxProcStackItems(std::size_t items);
+    std::size_t MaxProcStackItems() const { return mMaxProcStackItems; }
+
+    /// Switching it on deletes "trace.log" in the program's folder and opens it anew; every
+    /// procedure's begin and end is then written to it, a line each, with the clock's time in
+    /// milliseconds.
+    void TraceExecution(bool trace);
+    bool TraceExecution() const { return mTraceExecution; }
+
+    /// Number, description and line of the error reported last.
+    const RuntimeError& LastError() const { return mLastError; }
+
+    void Push(std::string_view name) override;
+    void Pop() override;
+    void HandleError() override;
+    void ShowBox(std::string_view title, std::string_view text) override;
+
+    /// Empties the report file; a record set keeps its records, which others may have read.
+    void ClearLog();
+
+private:
+    using FieldText = std::pair<std::string, std::string>;
+
+    std::string CurrentProcedure() const;
+    std::string StackText() const;
+    std::string OperationLine() const;
+    std::vector<FieldText> ExpandedInfo() const;
+    std::string ReportText(const std::string& procedure) const;
+    void WriteReport(const std::string& procedure);
+    void WriteFile(const std::string& path, const std::string& procedure);
+    void WriteRecord(const std::shared_ptr<ErrorRecordSet>& records, const std::string& procedure);
+    void ShowReport(const std::string& procedure);
+    void Trace(std::string_view mark, std::string_view name);
+
+    Services mServices;
+    AppInfo mApp;
+    std::vector<std::string> mStack;
+    std::size_t mMaxProcStackItems = 100;
+    std::variant<std::string, std::shared_ptr<ErrorRecordSet>> mDestination = "C:\\ERRORS.TXT";
+    bool mTraceExecution = false;
+    RuntimeError mLastError{0};
+};
+
+}  // namespace vantor

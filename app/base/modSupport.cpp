@@ -1,0 +1,43 @@
+#include "app/base/modSupport.hpp"
+
+#include <cstdint>
+
+#include "platform/MessagePump.hpp"
+#include "platform/Process.hpp"
+#include "support/Traps.hpp"
+
+namespace vantor {
+
+std::string AppPath(const Process& process) {
+    std::string folder;
+    BoxedSetup("Pellin.modSupport.AppPath", [&] {
+        const std::string path = process.ExecutablePath();
+        // Off Windows the system reports its own separator.
+        folder = AddFinalSlash(path.substr(0, path.find_last_of("\\/")));
+    });
+    return folder;
+}
+
+std::string AddFinalSlash(const std::string& path) {
+    std::string result = path;
+    BoxedSetup("Pellin.modSupport.AddFinalSlash", [&] {
+        if (!path.ends_with('\\')) result += '\\';
+    });
+    return result;
+}
+
+void DoEventsNice(MessagePump& pump) {
+    static std::int16_t counter = 0;
+    Ignoring([&pump] {
+        // The counter only ever takes the values 0 and 1, so every second call pumps. Kept: the
+        // reply wait's rhythm rests on this ratio.
+        if (counter % 10 != 0) {
+            pump.PumpPending();
+            counter = 0;
+        } else {
+            ++counter;
+        }
+    });
+}
+
+}  // namespace vantor

@@ -1,0 +1,94 @@
+// The main window: owner of the settings, of the serial control used for flashing, and of
+// everything that the user starts.
+#pragma once
+
+#include <array>
+#include <memory>
+
+#include "controls/Controls.hpp"
+#include "controls/Form.hpp"
+#include "controls/SerialControl.hpp"
+#include "flash/FlashHost.hpp"
+#include "flash/FlashSession.hpp"
+#include "platform/Platform.hpp"
+#include "settings/CAppSettings.hpp"
+
+namespace vantor {
+
+class frmMain : public Form, public FlashHost {
+public:
+    frmMain(Desktop& desktop, Platform& platform);
+
+    CAppSettings& Settings() { return mSettings; }
+    FlashSession& Session() { return mSession; }
+
+    // FlashHost
+    Form& Window() override { return *this; }
+    FlashControls SessionControls() override;
+    FlashFlags& Flags() override { return mFlags; }
+    /// Makes exactly one of the three panels visible.
+    void ShowFunction(MainPanel panel) override;
+    /// The commands that must not run during a flash.
+    void EnableButtons(bool enabled) override;
+    /// Unloads the window, which ends the program.
+    void mnuFileExit_Click() override;
+
+    // The list of updates' buttons. They have no actions of their own.
+    void SetButtonState(bool enabled);
+
+    MenuItem mnuFile{*this, "mnuFile"};
+    MenuItem mnuFileFlash{*this, "mnuFileFlash"};
+    MenuItem mnuFileBar1{*this, "mnuFileBar1"};
+    MenuItem mnuFileExit{*this, "mnuFileExit"};
+    MenuItem mnuTools{*this, "mnuTools"};
+    MenuItem mnuToolsOptions{*this, "mnuToolsOptions"};
+    MenuItem mnuToolsMonitor{*this, "mnuToolsMonitor"};
+    MenuItem mnuToolsCurrentVersions{*this, "mnuToolsCurrentVersions"};
+    MenuItem mnuHelp{*this, "mnuHelp"};
+    MenuItem mnuHelpAbout{*this, "mnuHelpAbout"};
+
+    PictureBox picPicture{*this, "picPicture"};
+
+    PictureBox picStartup{*this, "picStartup"};
+    CommandButton cmdFlash{*this, "cmdFlash"};
+
+    PictureBox picUpdate{*this, "picUpdate"};
+    ListView lvwUpdates{*this, "lvwUpdates"};
+    Label lblUpdateStatus{*this, "lblUpdateStatus"};
+    CommandButton cmdDetails{*this, "cmdDetails"};
+    CommandButton cmdDownload{*this, "cmdDownload"};
+    CommandButton cmdDownloadAll{*this, "cmdDownloadAll"};
+
+    PictureBox picFlash{*this, "picFlash"};
+    Label lblStatus{*this, "lblStatus"};
+    Label lblElapsed{*this, "lblElapsed"};
+    ProgressBar pbarStatus{*this, "pbarStatus"};
+    Label lblWarning{*this, "lblWarning"};
+    CommandButton cmdFlashAbort{*this, "cmdFlashAbort"};
+
+    /// Welcome, "Available Updates", "Sending:", "Elapsed Time:".
+    std::array<Label, 4> lblLabels{Label{*this, "lblLabels", 0}, Label{*this, "lblLabels", 1},
+                                   Label{*this, "lblLabels", 2}, Label{*this, "lblLabels", 3}};
+
+    Timer tmrFlashTimeout;
+    SerialControl mobjComm;
+
+protected:
+    void Form_Load() override;
+    bool Form_QueryUnload() override;
+    void Form_Unload() override;
+
+private:
+    void LoadResources();
+    void LoadSettings();
+    void UnloadOthers();
+    void DeleteUpdateList();
+    void lvwUpdates_Click();
+
+    Platform& mPlatform;
+    CAppSettings mSettings;
+    FlashFlags mFlags;
+    FlashSession mSession;
+};
+
+}  // namespace vantor

@@ -1,0 +1,42 @@
+// Where the program starts: the error handler first, then one instance, then the main window.
+#pragma once
+
+#include <memory>
+#include <string>
+
+#include "app/base/CErrHandler.hpp"
+#include "controls/Form.hpp"
+#include "platform/Platform.hpp"
+
+namespace vantor {
+
+class frmMain;
+
+/// The program's globals. After `Main` the program lives in the main window's events: its caller
+/// runs the message pump, which ends when the last window has closed.
+class modStartup {
+public:
+    explicit modStartup(Platform& platform);
+    ~modStartup();
+    modStartup(const modStartup&) = delete;
+    modStartup& operator=(const modStartup&) = delete;
+
+    /// Sets the process up and shows the main window. False when another instance runs already:
+    /// the program is then to end at once, silently.
+    bool Main();
+
+    CErrHandler& Errors() { return *mErrors; }
+    const std::string& HelpFile() const { return mHelpFile; }
+    const std::shared_ptr<frmMain>& MainWindow() const { return mMain; }
+
+private:
+    void PrepareErrorHandler();
+
+    Platform& mPlatform;
+    std::unique_ptr<CErrHandler> mErrors;
+    Desktop mDesktop;
+    std::shared_ptr<frmMain> mMain;
+    std::string mHelpFile;
+};
+
+}  // namespace vantor

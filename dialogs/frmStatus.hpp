@@ -1,0 +1,41 @@
+// The status window: a message that shows while a long operation runs, with or without OK.
+#pragma once
+
+#include <string>
+
+#include "controls/Controls.hpp"
+#include "controls/Form.hpp"
+
+namespace vantor {
+
+class StringTable;
+
+class frmStatus : public Form {
+public:
+    frmStatus(Desktop& desktop, const StringTable& strings);
+
+    /// Outer heights in twips: the message alone, and with the OK button in view.
+    static constexpr float kShortHeight = 1100;
+    static constexpr float kTallHeight = 1800;
+
+    /// Sets the message and draws it at once, even while the caller keeps the message loop busy.
+    void Message(const std::string& text);
+
+    /// True gives the window its tall size, with the OK button; false the short one.
+    void DisplayOK(bool display);
+
+    vantor::Image Image1{*this, "Image1"};
+    Label lblMessage{*this, "lblMessage"};
+    CommandButton cmdOK{*this, "cmdOK"};
+
+protected:
+    void Form_Load() override;
+
+private:
+    void Height(float twips);
+    void cmdOK_Click();
+
+    const StringTable& mStrings;
+};
+
+}  // namespace vantor

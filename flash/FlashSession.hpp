@@ -1,0 +1,97 @@
+// One firmware update from the choice of the image to the indicator's verdict: the dialogue with
+// the boot monitor, the stream of lines, and the supervision of the final phase.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <string>
+#include <string_view>
+
+#include "flash/FirmwareImage.hpp"
+#include "flash/FlashHost.hpp"
+#include "flash/SerialLink.hpp"
+#include "platform/MessageBoxes.hpp"
+#include "platform/Platform.hpp"
+#include "support/CMMTimer.hpp"
+
+namespace vantor {
+
+class CHourglass;
+class frmStatus;
+
+/// How the last session ended, or what it waits for.
+enum class FlashOutcome : std::uint8_t {
+    None,               ///< no session yet, or it has not reached an end
+    Declined,           ///< the warning was not answered Yes
+    PortNotOpen,
+    NotInBootMonitor,
+    SystemLoadRefused,
+    LineRefused,        ///< a line failed four times
+    Aborted,
+    NothingAccepted,    ///< the image is through, and no line of it was answered OK: it waits
+    AwaitingVerdict,
+    Done,
+    VerifyFailed,
+    NoVerdict,          ///< 60 s without one
+};
+
+class FlashSession {
+public:
+    /// Whole allowance for writing flash memory and reporting the verdict.
+    static constexpr std::uint32_t kVerdictTimeoutMs = 60000;
+
+    /// Takes the host's events (abort button, timer, receive event). All outlive the session.
+    FlashSession(FlashHost& host, const CAppSettings& settings, Platform& platform);
+    ~FlashSession();
+    FlashSession(const FlashSession&) = delete;
+    FlashSession& operator=(const FlashSession&) = delete;
+
+    /// Lets the user choose an image and runs a session with it, pumping messages until it is
+    /// over; then closes the port, and the window too when that was asked for meanwhile.
+    void doFlash();
+
+    /// The streaming phase. On return the session has ended (mblnFlashing false), or the final
+    /// phase is armed and its events will end it. A file that does not exist ends it silently.
+    void FlashIndicator(const std::string& fileName);
+
+    FlashOutcome Outcome() const { return mOutcome; }
+
+private:
+    enum class Line : std::uint8_t { Sent, Refused, EndWanted };
+
+    void Dialogue(const std::string& fileName, CHourglass& hourglass);
+    bool Confirmed();
+    bool OpenLine(CHourglass& hourglass);
+    bool Handshake(CHourglass& hourglass);
+    void SpeedUp();
+    SendResult Command(std::string_view command);
+    void Stream(const std::string& fileName, const CMMTimer& stopwatch);
+    Line SendLine(std::string_view line);
+    void ShowProgress(std::int32_t index, std::int32_t last, const CMMTimer& stopwatch);
+    void ScalePercentLong(std::int32_t value, std::int32_t total, std::int16_t& percent);
+    void ArmFinalPhase();
+    void EndStreaming();
+
+    void cmdFlashAbort_Click();
+    void mobjComm_Receive();
+    void tmrFlashTimeout_Timer();
+    void VerdictDone();
+    void VerdictVerifyFailed();
+    void CloseStatus();
+    void ClearProgress();
+
+    void Say(BoxIcon icon, const std::string& text, const std::string& title = {});
+    std::string Text(std::int32_t id) const;
+
+    FlashHost& mHost;
+    FlashControls mControls;
+    FlashFlags& mFlags;
+    Platform& mPlatform;
+    SerialLink mLink;
+    FlashOutcome mOutcome = FlashOutcome::None;
+    bool mLastAccepted = false;
+    std::shared_ptr<frmStatus> mStatus;
+    std::string mstrReply;  // text of the final phase, piece by piece
+};
+
+}  // namespace vantor

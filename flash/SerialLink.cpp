@@ -1,0 +1,112 @@
+#include "flash/SerialLink.hpp"
+
+#include <array>
+#include <utility>
+
+#include "app/base/modSupport.hpp"
+#include "controls/Form.hpp"
+#include "platform/Clock.hpp"
+#include "settings/CAppSettings.hpp"
+#include "support/CDelay.hpp"
+#include "support/Conversions.hpp"
+#include "support/Traps.hpp"
+
+namespace vantor {
+
+std::optional<SendResult> ReplyIn(std::string_view reply) {
+    constexpr std::array<std::pair<std::string_view, SendResult>, 4> kWords = {{
+        {"VERIFY FAILED", SendResult::SendVerifyFailed},
+        {"DONE", SendResult::SendDone},
+        {"OK", SendResult::SendOK},
+        {"??", SendResult::SendFailed},
+    }};
+    for (const auto& [word, result] : kWords)
+        if (reply.find(word) != std::string_view::npos) return result;
+    return std::nullopt;
+}
+
+SerialLink::SerialLink(FlashHost& host, const CAppSettings& settings, Clock& clock,
+                       MessagePump& pump)
+    : mHost(host),
+      mComm(host.SessionControls().mobjComm),
+      mSettings(settings),
+      mClock(clock),
+      mPump(pump) {}
+
+void SerialLink::SetupCommPortFlash() {
+    Trapped("frmMain.SetupCommPortFlash", [this] {
+        // The control is raw, without echo and flow control, whenever it is open; what a
+        // session can have left behind is its interest in receive events.
+        mComm.ReceiveThreshold(0);
+        mComm.Port(mSettings.CommPort());
+        mComm.Settings(SettingsAt(mSettings.BaudRate()));
+    });
+}
+
+std::string SerialLink::SettingsAt(std::string_view speed) const {
+    return std::string(speed) + "," + mSettings.Parity() + "," + mSettings.DataBits() + "," +
+           mSettings.StopBits();
+}
+
+void SerialLink::RawSend(std::string_view text) {
+    Raising("Morvane.frmMain.RawSend", [&] {
+        if (mComm.PortOpen()) mComm.Output(text);
+    });
+}
+
+void SerialLink::DelayedSend(std::string_view text) {
+    Raising("Morvane.frmMain.DelayedSend", [&] {
+        for (const char byte : text) {
+            mComm.Output({&byte, 1});
+            Wait(kPacedDelayMs);
+        }
+    });
+}
+
+void SerialLink::SendData(std::string& text, bool paced, SendResult& result) {
+    result = SendResult::SendFailed;
+    Trapped(
+        "frmMain.SendData",
+        [&] {
+            if (text.ends_with("\r\n")) text.pop_back();
+            if (!text.ends_with('\r')) text += '\r';
+            if (!mComm.PortOpen()) return;
+            const std::int32_t start = mClock.Ticks();
+            if (paced)
+                DelayedSend(text);
+            else
+                RawSend(text);
+            result = AwaitReply(start);
+        },
+        [this] { mComm.ClearInput(); });
+}
+
+SendResult SerialLink::AwaitReply(std::int32_t start) {
+    const std::int32_t limit = CheckedAdd(start, kReplyTimeoutMs);
+    std::string reply;
+    bool late = false;
+    for (;;) {
+        if (mComm.InBufferCount() > 0) {
+            reply += mComm.Input();
+            if (const auto result = ReplyIn(reply)) return *result;
+        }
+        if (late || EndWanted() || !mComm.PortOpen()) return SendResult::SendFailed;
+        DoEventsNice(mPump);
+        // A held menu may have paused the pump past the limit: what arrived meanwhile is looked
+        // at once more before the time counts.
+        late = mClock.Ticks() > limit;
+    }
+}
+
+bool SerialLink::EndWanted() const {
+    const FlashFlags& flags = mHost.Flags();
+    return flags.mblnCloseRequested || flags.mblnAbortFlash || mHost.Window().Gone();
+}
+
+void SerialLink::Wait(std::int16_t ms) {
+    CDelay delay(mClock, mPump);
+    delay.Waiting = [this](bool& cancel) { cancel = mHost.Window().Gone(); };
+    delay.Delay(ms);
+}
+
+}  // namespace vantor

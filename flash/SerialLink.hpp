@@ -1,0 +1,74 @@
+// Talking to the indicator's boot monitor: configuring the line, sending one command or image
+// line, and collecting the reply to it.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "flash/FlashHost.hpp"
+
+namespace vantor {
+
+class CAppSettings;
+class Clock;
+class MessagePump;
+
+enum class SendResult : std::int32_t {
+    SendOK = 0,            ///< the reply contains "OK"
+    SendFailed = 1,        ///< "??", abort or close wanted, no known reply in time, port not open
+    SendDone = 2,          ///< "DONE"
+    SendVerifyFailed = 3,  ///< "VERIFY FAILED"
+};
+
+/// What a reply says: the first of "VERIFY FAILED", "DONE", "OK" and "??", in this order, that
+/// stands anywhere in it; none while it holds none of them.
+std::optional<SendResult> ReplyIn(std::string_view reply);
+
+class SerialLink {
+public:
+    /// How long a reply may take, from before the send.
+    static constexpr std::int32_t kReplyTimeoutMs = 20000;
+    /// Pause after each character of a paced send.
+    static constexpr std::int16_t kPacedDelayMs = 50;
+
+    /// All of these outlive the link.
+    SerialLink(FlashHost& host, const CAppSettings& settings, Clock& clock, MessagePump& pump);
+
+    /// Prepares the closed control from the settings: port, line, no receive events.
+    void SetupCommPortFlash();
+
+    /// The settings string with `speed` in place of the configured one: "115200,N,8,2".
+    std::string SettingsAt(std::string_view speed) const;
+
+    /// Writes `text` at once when the port is open, and does nothing when it is not.
+    /// Errors go on with the source "Morvane.frmMain.RawSend".
+    void RawSend(std::string_view text);
+
+    /// Writes `text` byte by byte with a pause after each, without asking whether the port is
+    /// open. Errors go on with the source "Morvane.frmMain.DelayedSend".
+    void DelayedSend(std::string_view text);
+
+    /// Sends `text` and waits for the reply, pumping messages. `text` is changed in place: a
+    /// CR LF at its end becomes CR, and a CR is added when there is none. `result` is SendOK
+    /// only when the reply said so, whatever went wrong. The input buffer is empty afterwards.
+    void SendData(std::string& text, bool paced, SendResult& result);
+
+    /// True when the user wants the session to end, or its window has gone.
+    bool EndWanted() const;
+
+    /// Waits, pumping messages; ends at once when the window has gone.
+    void Wait(std::int16_t ms);
+
+private:
+    SendResult AwaitReply(std::int32_t start);
+
+    FlashHost& mHost;
+    SerialControl& mComm;
+    const CAppSettings& mSettings;
+    Clock& mClock;
+    MessagePump& mPump;
+};
+
+}  // namespace vantor

@@ -1,0 +1,61 @@
+// The registry in memory, with the system's semantics, and its text export and import.
+// It stores nothing by itself and watches no rights other than those a key was opened with.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <memory>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/Registry.hpp"
+#include "platform/RegistryText.hpp"
+
+namespace vantor {
+
+/// Handles name their key by its path: they stay good when the contents are imported anew.
+class RegistryHive : public Registry {
+public:
+    RegistryHive();
+    ~RegistryHive() override;
+
+    RegistryResult OpenKey(RegistryRoot root, const std::string& path, std::uint32_t access,
+                           RegistryKey& key) override;
+    RegistryResult CreateKey(RegistryRoot root, const std::string& path, std::uint32_t access,
+                             RegistryKey& key) override;
+    RegistryResult QueryValue(RegistryKey key, const std::string& name, std::uint32_t& type,
+                              char* data, std::uint32_t& size) override;
+    RegistryResult SetValue(RegistryKey key, const std::string& name, std::uint32_t type,
+                            std::string_view bytes) override;
+    RegistryResult CloseKey(RegistryKey key) override;
+
+    /// All keys and values in the format of the system's registry editor (REGEDIT4), printable
+    /// ASCII and line feeds only.
+    std::string Export() const;
+
+    /// Adds what `text` holds to the contents. What cannot be read is left out; never raises.
+    void Import(std::string_view text);
+
+    /// Removes all keys and values. Open handles stay.
+    void Clear();
+
+private:
+    struct Node;
+    struct Handle {
+        RegistryPath path;
+        std::uint32_t access = 0;
+    };
+
+    static Node* FindChild(const Node& parent, const std::string& name);
+    static void ExportKeys(const Node& parent, RegistryPath& path, std::string& text);
+    Node* Find(const RegistryPath& path) const;
+    RegistryResult Create(const RegistryPath& path, Node*& node);
+    RegistryKey NewHandle(RegistryPath path, std::uint32_t access);
+
+    std::map<RegistryRoot, std::unique_ptr<Node>> mRoots;
+    std::map<RegistryKey, Handle> mHandles;
+    RegistryKey mLastHandle = 0;
+};
+
+}  // namespace vantor

@@ -1,0 +1,56 @@
+// A file system in memory for tests. Paths are compared with letter case, "\" and "/" alike.
+// It knows no rights, no links and no current folder.
+#pragma once
+
+#include <cstdint>
+#include <map>
+#include <set>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/Files.hpp"
+
+namespace vantor {
+
+class HeadlessFiles : public Files {
+public:
+    bool Exists(const std::string& path) const override;
+    std::uint64_t Size(const std::string& path) const override;
+    std::string ReadAll(const std::string& path) const override;
+    void WriteAll(const std::string& path, std::string_view bytes) override;
+    void Append(const std::string& path, std::string_view bytes) override;
+    void Delete(const std::string& path) override;
+    void CreateFolders(const std::string& path) override;
+    std::vector<std::string> List(const std::string& folder, const std::string& pattern,
+                                  ListFilter filter) const override;
+
+    /// Puts a file there, with the folders above it.
+    void Add(const std::string& path, std::string_view bytes);
+
+    /// From now on every operation on `path` that may raise raises `errorNumber`; 0 ends that.
+    void FailOn(const std::string& path, std::int32_t errorNumber);
+
+    /// Makes `path` a file that is there when asked for and gone (53) when used.
+    void MakeVanishing(const std::string& path);
+
+    /// Marks a file as a hidden or a system one.
+    void SetHidden(const std::string& path) { mHidden.insert(Normal(path)); }
+    void SetSystem(const std::string& path) { mSystem.insert(Normal(path)); }
+
+private:
+    static std::string Normal(const std::string& path);
+    static std::string FolderOf(const std::string& normalPath);
+    void CheckFailure(const std::string& normalPath) const;
+    const std::string& Contents(const std::string& path) const;
+    std::string& Writable(const std::string& path);
+
+    std::map<std::string, std::string> mFiles;  // by normal path, like all the others
+    std::set<std::string> mFolders;
+    std::set<std::string> mVanishing;
+    std::set<std::string> mHidden;
+    std::set<std::string> mSystem;
+    std::map<std::string, std::int32_t> mFailures;
+};
+
+}  // namespace vantor

@@ -1,0 +1,76 @@
+#include "platform/headless/HeadlessPlatform.hpp"
+
+#include "controls/Form.hpp"
+#include "support/RuntimeError.hpp"
+
+namespace vantor {
+namespace {
+
+class HeadlessPeer : public FormPeer {
+public:
+    HeadlessPeer(HeadlessPeers& peers, std::string name) : mPeers(peers), mName(std::move(name)) {
+        mPeers.open.push_back(mName);
+    }
+    ~HeadlessPeer() override { std::erase(mPeers.open, mName); }
+    HeadlessPeer(const HeadlessPeer&) = delete;
+    HeadlessPeer& operator=(const HeadlessPeer&) = delete;
+
+    void Show(ShowMode, NativeWindow) override {}
+    void FormChanged(Property) override {}
+    void ControlChanged(const Control& control, Property property) override {
+        if (mPeers.onChange) mPeers.onChange(control, property);
+    }
+    NativeWindow Handle() const override { return 0; }
+
+private:
+    HeadlessPeers& mPeers;
+    std::string mName;
+};
+
+}  // namespace
+
+BoxAnswer HeadlessMessageBoxes::Show(const MessageBoxRequest& request) {
+    shown.push_back(request);
+    if (whileOpen) whileOpen(request);
+    if (answers.empty())
+        return request.buttons == BoxButtons::Ok ? BoxAnswer::Ok : BoxAnswer::Yes;
+    const BoxAnswer answer = answers.front();
+    answers.pop_front();
+    return answer;
+}
+
+bool HeadlessDialogs::Answer(FileDialogRecord& record) {
+    shown.push_back(record);
+    if (choices.empty()) return false;
+    record.file = choices.front() + std::string(2, '\0');
+    record.fileTitle =
+        choices.front().substr(choices.front().find_last_of("\\/") + 1) + std::string(2, '\0');
+    choices.pop_front();
+    return true;
+}
+
+std::string HeadlessProcess::ExecutablePath() const {
+    if (executable.empty()) throw RuntimeError(ErrorNumber::FileNotFound);
+    return executable;
+}
+
+std::unique_ptr<FormPeer> HeadlessPeers::Draw(Form& form) {
+    return std::make_unique<HeadlessPeer>(*this, form.Name());
+}
+
+HeadlessPlatform::HeadlessPlatform(Language language)
+    : strings(language),
+      platform{.clock = clock,
+               .codePage = codePage,
+               .dialogs = dialogs,
+               .files = files,
+               .folders = folders,
+               .boxes = boxes,
+               .pump = pump,
+               .peers = peers,
+               .process = process,
+               .registry = registry,
+               .ports = ports,
+               .strings = strings} {}
+
+}  // namespace vantor

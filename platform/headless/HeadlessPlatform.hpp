@@ -1,0 +1,131 @@
+// A whole platform without a screen, on a clock that only the message pump moves: each pump is
+// one millisecond. Boxes and dialogs are answered from a script and recorded.
+#pragma once
+
+#include <cstdint>
+#include <deque>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "platform/Clock.hpp"
+#include "platform/CodePage1252.hpp"
+#include "platform/CommonDialogs.hpp"
+#include "platform/CompiledStrings.hpp"
+#include "platform/Folders.hpp"
+#include "platform/MessageBoxes.hpp"
+#include "platform/Peers.hpp"
+#include "platform/Platform.hpp"
+#include "platform/PolledPump.hpp"
+#include "platform/Process.hpp"
+#include "platform/RegistryHive.hpp"
+#include "platform/headless/HeadlessFiles.hpp"
+#include "platform/headless/HeadlessSerial.hpp"
+
+namespace vantor {
+
+class HeadlessClock : public Clock {
+public:
+    std::uint32_t Milliseconds() const override { return mNow; }
+    void Sleep(std::uint32_t ms) override { mNow += ms; }
+    DateTime Now() const override { return {2026, 11, 24, 21, 18, 5}; }
+    void Set(std::uint32_t ms) { mNow = ms; }
+
+private:
+    std::uint32_t mNow = 1000;
+};
+
+class HeadlessPump : public PolledPump {
+public:
+    explicit HeadlessPump(HeadlessClock& clock) : PolledPump(clock) {}
+
+    void PumpPending() override {
+        ++pumps;
+        GetClock().Sleep(1);
+        PolledPump::PumpPending();
+    }
+
+    std::uint64_t pumps = 0;
+
+protected:
+    void Rest() override {}  // each pump has moved the clock already
+};
+
+class HeadlessMessageBoxes : public MessageBoxes {
+public:
+    BoxAnswer Show(const MessageBoxRequest& request) override;
+    void Beep() override { ++beeps; }
+
+    std::vector<MessageBoxRequest> shown;
+    std::deque<BoxAnswer> answers;  ///< taken one by one; then Yes, or Ok
+    /// Runs while a box is open, to let something happen behind it.
+    std::function<void(const MessageBoxRequest&)> whileOpen;
+    int beeps = 0;
+};
+
+class HeadlessDialogs : public CommonDialogs {
+public:
+    bool OpenFile(FileDialogRecord& record) override { return Answer(record); }
+    bool SaveFile(FileDialogRecord& record) override { return Answer(record); }
+
+    std::vector<FileDialogRecord> shown;
+    std::deque<std::string> choices;  ///< paths taken one by one; then every dialog is cancelled
+
+private:
+    bool Answer(FileDialogRecord& record);
+};
+
+class HeadlessFolders : public Folders {
+public:
+    std::string ApplicationData() const override { return "/home/tech/.config"; }
+    std::string PersonalDocuments() const override { return "/home/tech/Documents"; }
+    std::string Current() const override { return "/home/tech"; }
+};
+
+class HeadlessProcess : public Process {
+public:
+    const std::vector<std::string>& Arguments() const override { return arguments; }
+    std::string ExecutablePath() const override;
+    bool AnotherInstanceRuns(const std::string&) override { return anotherRuns; }
+    void InstallUnhandledExceptionFilter(const std::string&) override { ++filters; }
+
+    std::vector<std::string> arguments;
+    std::string executable = "/opt/vantor/tsupdate";  ///< empty: the system does not tell
+    bool anotherRuns = false;
+    int filters = 0;
+};
+
+/// Draws nothing; remembers what was shown.
+class HeadlessPeers : public Peers {
+public:
+    std::unique_ptr<FormPeer> Draw(Form& form) override;
+    void SetMousePointer(MousePointer shape) override { pointer = shape; }
+
+    MousePointer pointer = MousePointer::Default;
+    std::vector<std::string> open;  ///< names of the forms that have a peer now
+    /// Told of every change of a control's property.
+    std::function<void(const Control&, Property)> onChange;
+};
+
+struct HeadlessPlatform {
+    explicit HeadlessPlatform(Language language = Language::English);
+
+    HeadlessClock clock;
+    HeadlessPump pump{clock};
+    CodePage1252 codePage;
+    HeadlessDialogs dialogs;
+    HeadlessFiles files;
+    HeadlessFolders folders;
+    HeadlessMessageBoxes boxes;
+    HeadlessPeers peers;
+    HeadlessProcess process;
+    RegistryHive registry;
+    HeadlessSerialPorts ports{pump};
+    CompiledStrings strings;
+
+    Platform platform;
+};
+
+}  // namespace vantor

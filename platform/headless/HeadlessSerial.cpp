@@ -1,0 +1,116 @@
+#include "platform/headless/HeadlessSerial.hpp"
+
+#include <algorithm>
+#include <functional>
+#include <utility>
+
+#include "support/RuntimeError.hpp"
+
+namespace vantor {
+
+class HeadlessSerialPort : public SerialPort {
+public:
+    HeadlessSerialPort(HeadlessSerialPorts& ports, std::string name)
+        : mPorts(ports), mName(std::move(name)) {}
+
+    ~HeadlessSerialPort() override {
+        NotifyOnInput({});
+        const auto socket = mPorts.mSockets.find(mName);
+        if (socket == mPorts.mSockets.end()) return;
+        socket->second.open = false;
+        if (socket->second.farEnd) socket->second.farEnd->Closed();
+    }
+    HeadlessSerialPort(const HeadlessSerialPort&) = delete;
+    HeadlessSerialPort& operator=(const HeadlessSerialPort&) = delete;
+
+    std::size_t Read(std::span<char> into) override {
+        Arrive();
+        const std::size_t count = std::min(into.size(), mArrived.size());
+        std::copy_n(mArrived.begin(), count, into.begin());
+        mArrived.erase(0, count);
+        return count;
+    }
+
+    std::size_t Write(std::string_view bytes) override {
+        const std::string_view taken = bytes.substr(0, mPorts.mWriteLimit);
+        Device().Receive(taken);
+        return taken.size();
+    }
+
+    std::size_t InputCount() override {
+        Arrive();
+        return mArrived.size();
+    }
+
+    std::size_t OutputCount() override {
+        Device();
+        return 0;
+    }
+
+    void DiscardInput() override {
+        Arrive();
+        mArrived.clear();
+    }
+
+    void NotifyOnInput(std::function<void()> notify) override {
+        if (mSource != 0) mPorts.mPump.RemoveSource(std::exchange(mSource, 0));
+        mGoneTold = false;
+        if (!notify) return;
+        mSource = mPorts.mPump.AddSource([this, call = std::move(notify)] {
+            // The callback may destroy this port.
+            if (HasNews()) call();
+        });
+    }
+
+private:
+    /// The far end; raises when there is none any more.
+    FarEnd& Device() {
+        const auto socket = mPorts.mSockets.find(mName);
+        if (socket == mPorts.mSockets.end() || !socket->second.farEnd ||
+            socket->second.farEnd->HungUp())
+            throw RuntimeError(ErrorNumber::DeviceIO);
+        return *socket->second.farEnd;
+    }
+
+    void Arrive() { mArrived += Device().Transmit(); }
+
+    bool HasNews() {
+        try {
+            return InputCount() > 0;
+        } catch (const RuntimeError&) {
+            return !std::exchange(mGoneTold, true);
+        }
+    }
+
+    HeadlessSerialPorts& mPorts;
+    std::string mName;
+    std::string mArrived;
+    SourceId mSource = 0;
+    bool mGoneTold = false;
+};
+
+bool HeadlessSerialPorts::IsOpen(const std::string& name) const {
+    const auto socket = mSockets.find(name);
+    return socket != mSockets.end() && socket->second.open;
+}
+
+std::unique_ptr<SerialPort> HeadlessSerialPorts::Open(const std::string& name,
+                                                      const LineSettings& line) {
+    const auto socket = mSockets.find(name);
+    if (socket == mSockets.end() || !socket->second.farEnd || socket->second.farEnd->HungUp())
+        throw RuntimeError(ErrorNumber::DeviceUnavailable);
+    if (socket->second.busy || socket->second.open)
+        throw RuntimeError(ErrorNumber::PermissionDenied);
+    if (line.bitsPerSecond == 0) throw RuntimeError(ErrorNumber::InvalidCall);
+    socket->second.open = true;
+    socket->second.farEnd->Opened(line);
+    return std::make_unique<HeadlessSerialPort>(*this, name);
+}
+
+std::vector<SerialPortInfo> HeadlessSerialPorts::List() const {
+    std::vector<SerialPortInfo> ports;
+    for (const auto& entry : mSockets) ports.push_back({entry.first, entry.first, "in memory"});
+    return ports;
+}
+
+}  // namespace vantor

@@ -1,0 +1,32 @@
+#include "platform/posix/PosixClock.hpp"
+
+#include <time.h>
+
+#include <cerrno>
+
+namespace vantor {
+
+std::uint32_t PosixClock::Milliseconds() const {
+    timespec now{};
+    static_cast<void>(clock_gettime(CLOCK_MONOTONIC, &now));  // this clock is always there
+    const std::int64_t ms = static_cast<std::int64_t>(now.tv_sec) * 1000 + now.tv_nsec / 1000000;
+    return static_cast<std::uint32_t>(ms);
+}
+
+void PosixClock::Sleep(std::uint32_t ms) {
+    timespec left{};
+    left.tv_sec = static_cast<time_t>(ms / 1000);
+    left.tv_nsec = static_cast<long>(ms % 1000) * 1000000;
+    // A signal ends the sleep early; "at least" is what callers rely on.
+    while (nanosleep(&left, &left) != 0 && errno == EINTR) continue;
+}
+
+DateTime PosixClock::Now() const {
+    const time_t now = time(nullptr);
+    tm local{};
+    if (localtime_r(&now, &local) == nullptr) return {};
+    return {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
+            local.tm_hour,        local.tm_min,     local.tm_sec};
+}
+
+}  // namespace vantor

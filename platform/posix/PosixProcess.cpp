@@ -1,0 +1,158 @@
+#include "platform/posix/PosixProcess.hpp"
+
+#include <fcntl.h>
+#include <signal.h>
+#include <sys/file.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <climits>
+#include <cstddef>
+#include <cstdlib>
+#include <exception>
+#include <string_view>
+
+#include "support/RuntimeError.hpp"
+
+namespace vantor {
+namespace {
+
+// What a signal handler uses is set up beforehand and never freed: it may run at any instruction.
+constexpr std::size_t kAlternateStackSize = 65536;
+std::array<char, 256> gTitle{};
+std::array<char, kAlternateStackSize> gAlternateStack{};
+
+struct SignalName {
+    int signal;
+    int code;  // 0: any other code of the signal
+    std::string_view name;
+};
+
+constexpr std::array kSignalNames = {
+    SignalName{SIGBUS, BUS_ADRALN, "Datatype Misalignment"},
+    SignalName{SIGBUS, 0, "In Page Error"},
+    SignalName{SIGFPE, FPE_INTDIV, "Integer Divide By Zero"},
+    SignalName{SIGFPE, FPE_INTOVF, "Integer Overflow"},
+    SignalName{SIGFPE, FPE_FLTDIV, "Float Divide By Zero"},
+    SignalName{SIGFPE, FPE_FLTOVF, "Float Overflow"},
+    SignalName{SIGFPE, FPE_FLTUND, "Float Underflow"},
+    SignalName{SIGFPE, 0, "Float Invalid Operation"},
+    SignalName{SIGILL, ILL_PRVOPC, "Privileged Instruction"},
+    SignalName{SIGILL, 0, "Illegal Instruction"},
+    SignalName{SIGSEGV, 0, "Access Violation"},
+};
+
+// Async-signal-safe. There is nobody left to tell that the words did not get out.
+void Say(std::string_view words) {
+    while (!words.empty()) {
+        const ssize_t count =
+            Uninterrupted([&] { return write(STDERR_FILENO, words.data(), words.size()); });
+        if (count <= 0) return;
+        words.remove_prefix(static_cast<std::size_t>(count));
+    }
+}
+
+void SayTitle() {
+    Say(gTitle.data());
+    Say(": Unhandled Exception: ");
+}
+
+// The default action is back in place by now (SA_RESETHAND) and takes over on return.
+void OnFatalSignal(int signal, siginfo_t* info, void*) {
+    std::string_view name;
+    for (const SignalName& entry : kSignalNames) {
+        if (entry.signal != signal) continue;
+        name = entry.name;
+        if (entry.code == info->si_code) break;
+    }
+    SayTitle();
+    Say(name);
+    Say("\n");
+    static_cast<void>(raise(signal));
+}
+
+[[noreturn]] void OnTerminate() {
+    SayTitle();
+    if (const std::exception_ptr pending = std::current_exception()) {
+        try {
+            std::rethrow_exception(pending);
+        } catch (const std::exception& error) {
+            Say(error.what());
+        } catch (...) {
+            Say("Unknown Exception");
+        }
+    }
+    Say("\n");
+    std::abort();
+}
+
+std::string LockFile(const std::string& title) {
+    std::string name = title;
+    const auto isPlain = [](char c) {
+        return (c >= '0' && c <= '9') || (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z');
+    };
+    std::replace_if(
+        name.begin(), name.end(), [&](char c) { return !isPlain(c); }, '-');
+    const char* const runtimeFolder = std::getenv("XDG_RUNTIME_DIR");
+    if (runtimeFolder != nullptr && *runtimeFolder == '/')
+        return std::string(runtimeFolder) + '/' + name + ".lock";
+    return "/tmp/" + name + '-' + std::to_string(getuid()) + ".lock";
+}
+
+std::string_view Environment(const char* name) {
+    const char* const value = std::getenv(name);
+    return value == nullptr ? std::string_view() : value;
+}
+
+}  // namespace
+
+Language LanguageOfEnvironment() {
+    return LanguageOfLocale(Environment("LC_ALL"), Environment("LC_MESSAGES"), Environment("LANG"));
+}
+
+PosixProcess::PosixProcess(int argumentCount, const char* const* arguments) {
+    for (int i = 1; i < argumentCount; ++i) mArguments.emplace_back(arguments[i]);
+}
+
+std::string PosixProcess::ExecutablePath() const {
+    std::array<char, PATH_MAX> path{};
+    const ssize_t length = readlink("/proc/self/exe", path.data(), path.size());
+    if (length <= 0) throw RuntimeError(ErrorNumber::FileNotFound);
+    return {path.data(), static_cast<std::size_t>(length)};
+}
+
+bool PosixProcess::AnotherInstanceRuns(const std::string& title) {
+    if (mPlaces.contains(title)) return false;
+    const std::string path = LockFile(title);
+    // O_NOFOLLOW: anybody can leave a link in a shared folder.
+    PosixHandle file(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+    if (!file.IsOpen()) return false;
+    if (Uninterrupted([&] { return flock(file.Get(), LOCK_EX | LOCK_NB); }) != 0)
+        return errno == EWOULDBLOCK;
+    mPlaces.emplace(title, std::move(file));
+    return false;
+}
+
+void PosixProcess::InstallUnhandledExceptionFilter(const std::string& title) {
+    const std::size_t length = std::min(title.size(), gTitle.size() - 1);
+    std::copy_n(title.begin(), length, gTitle.begin());
+    gTitle[length] = '\0';
+    std::set_terminate(OnTerminate);
+
+    // A stack that has overflowed has no room for the handler.
+    stack_t stack{};
+    stack.ss_sp = gAlternateStack.data();
+    stack.ss_size = gAlternateStack.size();
+    static_cast<void>(sigaltstack(&stack, nullptr));  // without it only that one case is mute
+
+    struct sigaction action {};
+    action.sa_sigaction = OnFatalSignal;
+    action.sa_flags = SA_SIGINFO | SA_ONSTACK | static_cast<int>(SA_RESETHAND);
+    static_cast<void>(sigemptyset(&action.sa_mask));
+    for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL})
+        static_cast<void>(sigaction(signal, &action, nullptr));  // fails for bad numbers only
+}
+
+}  // namespace vantor

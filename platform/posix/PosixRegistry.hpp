@@ -1,0 +1,56 @@
+// The registry off Windows: one text file in the registry editor's export format, shared by all
+// programs that run for the user. It adds storage to the registry in memory, nothing else.
+#pragma once
+
+#include <sys/types.h>
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "platform/Folders.hpp"
+#include "platform/RegistryHive.hpp"
+
+namespace vantor {
+
+/// The place of the file below the user's application-data folder.
+std::string DefaultRegistryFile(const Folders& folders);
+
+/// The file is looked at again whenever a key is opened; queries answer from memory. Every change
+/// is on the disk when its call returns, and the file is whole at any time. Programs that change
+/// it at the same time wait for each other for up to a few seconds.
+class PosixRegistry : public Registry {
+public:
+    explicit PosixRegistry(std::string file) : mFile(std::move(file)) {}
+
+    RegistryResult OpenKey(RegistryRoot root, const std::string& path, std::uint32_t access,
+                           RegistryKey& key) override;
+    RegistryResult CreateKey(RegistryRoot root, const std::string& path, std::uint32_t access,
+                             RegistryKey& key) override;
+    RegistryResult QueryValue(RegistryKey key, const std::string& name, std::uint32_t& type,
+                              char* data, std::uint32_t& size) override;
+    RegistryResult SetValue(RegistryKey key, const std::string& name, std::uint32_t type,
+                            std::string_view bytes) override;
+    RegistryResult CloseKey(RegistryKey key) override;
+
+private:
+    /// Tells one state of the file from another; all zero when there is no file.
+    struct Stamp {
+        std::uint64_t node = 0;
+        std::int64_t size = 0;
+        std::int64_t seconds = 0;
+        std::int64_t nanoseconds = 0;
+        friend bool operator==(const Stamp&, const Stamp&) = default;
+    };
+
+    static Stamp StampOf(int descriptor);
+    RegistryResult Refresh();
+    RegistryResult Change(const std::function<RegistryResult()>& change);
+    RegistryResult Save(const std::string& text);
+
+    std::string mFile;
+    RegistryHive mHive;
+    Stamp mStamp;
+};
+
+}  // namespace vantor

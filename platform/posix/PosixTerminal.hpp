@@ -1,0 +1,41 @@
+// The text terminal off Windows. One object at a time: it owns the process's interrupt signal.
+#pragma once
+
+#include <signal.h>
+
+#include <cstdint>
+#include <string>
+
+#include "platform/Terminal.hpp"
+
+namespace vantor {
+
+class PosixTerminal : public Terminal {
+public:
+    /// Takes over SIGINT, and ignores SIGPIPE: a reader of our output that goes away must not
+    /// end a running update.
+    PosixTerminal();
+    ~PosixTerminal() override;
+    PosixTerminal(const PosixTerminal&) = delete;
+    PosixTerminal& operator=(const PosixTerminal&) = delete;
+
+    bool InputIsTerminal() const override;
+    bool OutputIsTerminal() const override;
+    unsigned Columns() const override;
+    void Write(std::string_view utf8) override;
+    void WriteError(std::string_view utf8) override;
+
+    /// A line without terminator at the end of the input counts as a line.
+    std::optional<std::string> ReadLine() override;
+    bool TakeInterrupt() override;
+
+private:
+    bool WaitForInput() const;
+
+    struct sigaction mOldInterrupt {};
+    struct sigaction mOldPipe {};
+    std::string mUnread;
+    std::uint32_t mTaken = 0;
+};
+
+}  // namespace vantor

@@ -1,0 +1,13 @@
+// The designs of the program's windows: one table a window, in the order in which its class
+// declares the controls. Places are twips; captions that begin with a number, and tags, name the
+// text that replaces the caption when the window loads.
+#pragma once
+
+#include "controls/Form.hpp"
+
+namespace vantor {
+
+extern const FormDesign kMainWindowDesign;
+extern const FormDesign kStatusWindowDesign;
+
+}  // namespace vantor

@@ -1,0 +1,19 @@
+// The status window: one message, a picture, and an OK button below the short height.
+#include <array>
+
+#include "resources/Designs.hpp"
+
+namespace vantor {
+namespace {
+
+constexpr std::array kControls = {
+    ControlDesign{ControlKind::Image, "Image1", -1, "", {150, 120, 480, 480}, "", ""},
+    ControlDesign{ControlKind::Label, "lblMessage", -1, "", {780, 240, 3600, 480}, "", ""},
+    ControlDesign{ControlKind::CommandButton, "cmdOK", -1, "", {1650, 840, 1215, 375}, "&OK", "101"},
+};
+
+}  // namespace
+
+const FormDesign kStatusWindowDesign = {"frmStatus", "", "", {0, 0, 4590, 1800}, kControls};
+
+}  // namespace vantor

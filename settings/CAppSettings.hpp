@@ -1,0 +1,158 @@
+// The user's settings: loaded from the registry, changed only inside an edit, checked value by
+// value, and written back as a whole when the edit is applied.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <string>
+#include <string_view>
+
+#include "settings/CBrokenRules.hpp"
+#include "support/Conversions.hpp"
+#include "support/RuntimeError.hpp"
+
+namespace vantor {
+
+class CodePage;
+class CProgramSettings;
+class Files;
+class Registry;
+
+/// A text field of `Width` characters: padded with blanks on the right, or cut.
+template <std::size_t Width>
+class FixedText {
+public:
+    static constexpr std::size_t kWidth = Width;
+
+    FixedText() : mText(Width, ' ') {}
+    FixedText& operator=(std::string_view text) {
+        mText = FixedWidth(text, Width);
+        return *this;
+    }
+    /// The whole field, blanks included.
+    const std::string& Padded() const { return mText; }
+    std::string Trimmed() const { return std::string(TrimBlanks(mText)); }
+
+private:
+    std::string mText;
+};
+
+struct SettingsRecord {
+    FixedText<5> CommPort;
+    FixedText<6> BaudRate;
+    FixedText<1> DataBits;
+    FixedText<1> StopBits;
+    FixedText<1> Parity;
+    bool AutoUnZip = false;
+    bool PassiveFTP = false;
+    bool ProxyEnable = false;
+    std::int32_t ProxyType = 0;
+    FixedText<50> ProxyHostname;
+    FixedText<5> ProxyPort;
+    FixedText<20> ProxyPassword;  // plain in memory
+    FixedText<30> ProxyUsername;
+};
+
+/// One shared object for the run. Getters return texts trimmed of blanks; those of the serial
+/// line answer at any time, the others only once initialised. Setters check in this order and
+/// leave everything as it was on failure. Every error carries "Morvane.CAppSettings." and the
+/// operation's name as its source:
+///   kNotInitialised  a setter, a transaction or a guarded getter before Initialize
+///   445              a setter or the end of an edit outside one; BeginEdit inside one
+///   kTooLong         a text longer than its field
+///   kInvalidValue    a breach of the property's rule
+class CAppSettings {
+public:
+    static constexpr std::int32_t kTooLong = kObjectError + 10001;
+    static constexpr std::int32_t kInvalidValue = kObjectError + 10002;
+    static constexpr std::int32_t kNotInitialised = kObjectError + 10006;
+
+    /// Loads the settings. A stored value that cannot be read as what it should be ends the load
+    /// there, without an error yet. The services must outlive the object.
+    CAppSettings(vantor::Registry& registry, const CodePage& codePage, Files& files);
+    CAppSettings(const CAppSettings&) = delete;
+    CAppSettings& operator=(const CAppSettings&) = delete;
+
+    /// Marks the object initialised and loads again. Raises the error that ended the load (13 for
+    /// a stored boolean that is none); the object is usable all the same: what was read before
+    /// stays, the rest keeps its defaults.
+    void Initialize();
+
+    void BeginEdit();
+    /// Writes the record when a property was set since BeginEdit, and ends the edit.
+    void ApplyEdit();
+    /// Brings every field back to what it was at BeginEdit, and ends the edit.
+    void CancelEdit();
+
+    /// 300 to 115200 in the usual steps.
+    std::string BaudRate() const { return mRecord.BaudRate.Trimmed(); }
+    void BaudRate(const std::string& value);
+    /// "COM1" to "COM32", or the number alone.
+    std::string CommPort() const { return mRecord.CommPort.Trimmed(); }
+    void CommPort(const std::string& value);
+    std::string DataBits() const { return mRecord.DataBits.Trimmed(); }
+    void DataBits(const std::string& value);
+    /// "N", "O" or "E" in either case, kept as given.
+    std::string Parity() const { return mRecord.Parity.Trimmed(); }
+    void Parity(const std::string& value);
+    /// "2" after every load, yet only 1 can be set.
+    std::string StopBits() const { return mRecord.StopBits.Trimmed(); }
+    void StopBits(const std::string& value);
+
+    bool AutoUnZip() const;
+    void AutoUnZip(bool value);
+    bool PassiveFTP() const;
+    void PassiveFTP(bool value);
+    bool ProxyEnable() const;
+    void ProxyEnable(bool value);
+    std::string ProxyHostname() const;
+    void ProxyHostname(const std::string& value);
+    std::string ProxyPassword() const;
+    void ProxyPassword(const std::string& value);
+    /// 1 to 65535, but see the setter.
+    std::string ProxyPort() const;
+    void ProxyPort(const std::string& value);
+    /// 1 to 5.
+    std::int32_t ProxyType() const;
+    void ProxyType(std::int32_t value);
+    std::string ProxyUsername() const;
+    void ProxyUsername(const std::string& value);
+
+    /// True when no rule is broken.
+    bool IsValid() const { return mBrokenRules.Count() == 0; }
+    /// Raised when that changes. No rule is ever entered, so it never is; the options dialog of
+    /// a business object listens to it all the same.
+    std::function<void(bool& valid)> Valid;
+
+private:
+    void Load();
+    void Save();
+    CProgramSettings OpenStore() const;
+    std::string Scrambled(const std::string& text) const;
+    void RaiseValid(bool valid);
+
+    void RequireInitialised() const;
+    void RequireEditing() const;
+    /// The frame of every setter: checks, then `rule`, then `store`, then the dirty flag.
+    void Set(std::string_view property, const std::function<void()>& rule,
+             const std::function<void()>& store);
+    template <std::size_t Width>
+    void SetText(std::string_view property, FixedText<Width>& field, const std::string& value,
+                 const std::function<bool()>& keepsRule);
+    /// The frame of every guarded getter.
+    template <typename Value>
+    Value Get(std::string_view property, const std::function<Value()>& value) const;
+
+    vantor::Registry& mRegistry;
+    const CodePage& mCodePage;
+    Files& mFiles;
+    SettingsRecord mRecord;
+    SettingsRecord mSaved;
+    bool mInitialised = false;
+    bool mEditing = false;
+    bool mDirty = false;
+    CBrokenRules mBrokenRules;
+};
+
+}  // namespace vantor

@@ -1,0 +1,124 @@
+#include "settings/CEncryption.hpp"
+
+#include "platform/CodePage.hpp"
+#include "platform/Files.hpp"
+#include "support/Conversions.hpp"
+#include "support/Traps.hpp"
+
+namespace vantor {
+namespace {
+
+/// UTF-8 to UTF-16 units, each as two bytes, low byte first; what is no UTF-8 becomes U+FFFD.
+std::vector<std::uint8_t> WideBytes(std::string_view utf8) {
+    std::vector<std::uint8_t> bytes;
+    const auto unit = [&bytes](std::uint32_t value) {
+        bytes.push_back(static_cast<std::uint8_t>(value & 0xffu));
+        bytes.push_back(static_cast<std::uint8_t>(value >> 8));
+    };
+    for (std::size_t i = 0; i < utf8.size();) {
+        const auto lead = static_cast<unsigned char>(utf8[i++]);
+        const int more = lead < 0x80 ? 0 : lead >= 0xf0 ? 3 : lead >= 0xe0 ? 2 : lead >= 0xc0 ? 1 : -1;
+        std::uint32_t point = more < 0 ? 0xfffdu : more == 0 ? lead : lead & (0x3fu >> more);
+        for (int k = 0; k < more; ++k) {
+            if (i == utf8.size() || (static_cast<unsigned char>(utf8[i]) & 0xc0u) != 0x80u) {
+                point = 0xfffdu;
+                break;
+            }
+            point = point << 6 | (static_cast<unsigned char>(utf8[i++]) & 0x3fu);
+        }
+        if (point > 0xffffu) {
+            unit(0xd800u + ((point - 0x10000u) >> 10 & 0x3ffu));
+            unit(0xdc00u + (point & 0x3ffu));
+        } else {
+            unit(point);
+        }
+    }
+    return bytes;
+}
+
+std::int16_t Product16(std::int32_t a, std::int32_t b) {
+    return ToInt16(static_cast<double>(CheckedMultiply(a, b)));
+}
+
+}  // namespace
+
+CEncryption::CEncryption(const CodePage& codePage, Files& files)
+    : mCodePage(codePage), mFiles(files) {
+    BoxedSetup("Morvane.CEncryption.Class_Initialize", [this] { Password = "KORBENAL"; });
+}
+
+void CEncryption::TakeKey() {
+    mKey = WideBytes(Password);
+    mPosition = 0;
+}
+
+bool CEncryption::EncryptByte(std::uint8_t& byte) {
+    return Boxed("EncryptByte", [&] {
+        // An empty password has no key byte to take.
+        std::uint8_t& key = mKey.at(static_cast<std::size_t>(mPosition));
+        byte ^= key;
+        byte ^= static_cast<std::uint8_t>(Product16(key, mPosition) % 256);
+        const auto last = static_cast<std::int16_t>(mKey.size() - 1);
+        // Past the end the key goes on from index 1: index 0 serves the first byte only.
+        const std::int16_t next =
+            mPosition >= last ? std::int16_t{1} : static_cast<std::int16_t>(mPosition + 1);
+        key = static_cast<std::uint8_t>(mKey[static_cast<std::size_t>(next)] + key);
+        mPosition = next;
+    });
+}
+
+bool CEncryption::EncryptAll(std::string& bytes) {
+    for (char& c : bytes) {
+        auto byte = static_cast<std::uint8_t>(c);
+        if (!EncryptByte(byte)) return false;
+        c = static_cast<char>(byte);
+    }
+    return true;
+}
+
+std::string CEncryption::EncryptStringAscii(const std::string& text) {
+    if (text.empty()) return {};
+    std::string result;
+    Boxed("EncryptStringAscii", [&] {
+        TakeKey();
+        std::string bytes = mCodePage.ToAnsi(text);
+        if (EncryptAll(bytes)) result = mCodePage.FromAnsi(bytes);
+    });
+    return result;
+}
+
+std::u16string CEncryption::EncryptString(const std::u16string& text) {
+    if (text.empty()) return {};
+    std::u16string result;
+    Boxed("EncryptString", [&] {
+        TakeKey();
+        std::string bytes;
+        for (const char16_t unit : text) {
+            bytes += static_cast<char>(unit & 0xffu);
+            bytes += static_cast<char>(unit >> 8);
+        }
+        if (!EncryptAll(bytes)) return;
+        for (std::size_t i = 0; i < bytes.size(); i += 2)
+            result += static_cast<char16_t>(static_cast<unsigned char>(bytes[i]) |
+                                            static_cast<unsigned char>(bytes[i + 1]) << 8);
+    });
+    return result;
+}
+
+// The input is read before the output is touched, so an input that cannot be read costs nothing
+// and a file can be scrambled onto itself.
+void CEncryption::EncryptFile() {
+    Boxed("EncryptFile", [&] {
+        TakeKey();
+        std::string bytes;
+        if (!ReadFile(InputFileName, bytes) || !EncryptAll(bytes)) return;
+        if (mFiles.Exists(OutputFileName)) mFiles.Delete(OutputFileName);
+        mFiles.WriteAll(OutputFileName, bytes);
+    });
+}
+
+bool CEncryption::ReadFile(const std::string& name, std::string& bytes) {
+    return Boxed("ReadFile", [&] { bytes = mFiles.ReadAll(name); });
+}
+
+}  // namespace vantor

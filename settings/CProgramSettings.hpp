@@ -1,0 +1,49 @@
+// Named text values under one registry key.
+#pragma once
+
+#include <cstdint>
+#include <string>
+#include <variant>
+
+#include "platform/Registry.hpp"
+
+namespace vantor {
+
+class CodePage;
+
+/// A store whose key is composed from a root and four path parts. Failures of the registry are
+/// silent: what cannot be read is the caller's default. Run-time errors are shown in the class's
+/// own box. Texts are UTF-8 here and bytes of the system's code page in the registry.
+class CProgramSettings {
+public:
+    CProgramSettings(vantor::Registry& registry, const CodePage& codePage)
+        : mRegistry(registry), mCodePage(codePage) {}
+
+    RegistryRoot RootKey = RegistryRoot::LocalMachine;
+    std::string MainBranch = "SOFTWARE";
+    std::string RegBase;  ///< company
+    std::string Program;
+    std::string Section = "Settings";
+
+    /// The value `name` as text (a DWORD in decimal); `fallback` when the key or the value is
+    /// missing, is of another type, or is empty. Never creates the key.
+    std::string ReadEntry(const std::string& name, const std::string& fallback);
+
+    /// Sets the value `name` to `value` as REG_SZ, creating the key when it is missing.
+    void WriteEntry(const std::string& name, const std::string& value);
+
+private:
+    /// What a registry value reads as: nothing, a text, or a number.
+    using Value = std::variant<std::monostate, std::string, std::uint32_t>;
+
+    std::string KeyPath() const;
+    Value GetKeyValue(RegistryRoot root, const std::string& path, const std::string& name);
+    Value QueryOpenKey(RegistryKey key, const std::string& name);
+    void SetKeyValue(RegistryRoot root, const std::string& path, const std::string& name,
+                     const std::string& value, std::uint32_t type);
+
+    vantor::Registry& mRegistry;
+    const CodePage& mCodePage;
+};
+
+}  // namespace vantor

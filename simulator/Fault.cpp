@@ -1,0 +1,109 @@
+// The spelling of faults.
+#include "simulator/Fault.hpp"
+
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <stdexcept>
+#include <string>
+#include <system_error>
+
+namespace vantor {
+
+namespace {
+
+struct Spelling {
+    std::string_view name;
+    FaultKind kind;
+    bool ofLine;
+};
+
+constexpr std::array<Spelling, 16> kSpellings{{
+    {"nak", FaultKind::Nak, true},
+    {"silent", FaultKind::Silent, true},
+    {"late", FaultKind::Late, true},
+    {"drop", FaultKind::Drop, true},
+    {"garble", FaultKind::Garble, true},
+    {"noise", FaultKind::Noise, true},
+    {"split", FaultKind::Split, true},
+    {"done", FaultKind::Done, true},
+    {"verify", FaultKind::Verify, true},
+    {"hangup", FaultKind::Hangup, true},
+    {"no-trav", FaultKind::NoTrav, false},
+    {"no-baud", FaultKind::NoBaud, false},
+    {"no-sysload", FaultKind::NoSysload, false},
+    {"verify-failed", FaultKind::VerifyFailed, false},
+    {"no-verdict", FaultKind::NoVerdict, false},
+    {"split-verdict", FaultKind::SplitVerdict, false},
+}};
+
+constexpr std::int64_t kLongestDelayMs = 3'600'000;
+constexpr std::int64_t kLargestCount = 1'000'000;
+
+[[noreturn]] void Reject(std::string_view text, const std::string& reason) {
+    throw std::invalid_argument("The fault \"" + std::string(text) + "\" " + reason + ".");
+}
+
+std::int64_t Number(std::string_view digits, std::int64_t least, std::int64_t most,
+                    std::string_view text, const std::string& what) {
+    std::int64_t value = 0;
+    const char* const end = digits.data() + digits.size();
+    const auto [stop, error] = std::from_chars(digits.data(), end, value);
+    if (error != std::errc{} || stop != end || value < least || value > most) {
+        Reject(text,
+               "needs " + what + " from " + std::to_string(least) + " to " + std::to_string(most));
+    }
+    return value;
+}
+
+// Splits `text` at the first `mark`: takes off and returns what stands before it, and leaves what
+// follows in `rest`.
+std::string_view Before(std::string_view text, char mark, std::string_view& rest) {
+    const std::size_t at = text.find(mark);
+    rest = at == std::string_view::npos ? std::string_view{} : text.substr(at + 1);
+    return text.substr(0, at);
+}
+
+void SetValue(Fault& fault, bool given, std::string_view value, std::string_view text) {
+    if (fault.kind == FaultKind::Late) {
+        fault.lateMs = Number(value, 1, kLongestDelayMs, text, "a delay (late=MS)");
+        return;
+    }
+    if (!given) return;
+    const bool maySilence = fault.kind == FaultKind::NoTrav || fault.kind == FaultKind::NoBaud ||
+                            fault.kind == FaultKind::NoSysload;
+    if (!maySilence) Reject(text, "takes no value after \"=\"");
+    if (value != "silent") Reject(text, "knows only \"=silent\"");
+    fault.silent = true;
+}
+
+}  // namespace
+
+Fault ParseFault(std::string_view text) {
+    std::string_view place;
+    std::string_view value;
+    const std::string_view left = Before(text, '@', place);
+    const std::string_view name = Before(left, '=', value);
+    const auto* const spelling = std::find_if(kSpellings.begin(), kSpellings.end(),
+                                              [&](const Spelling& s) { return s.name == name; });
+    if (spelling == kSpellings.end()) Reject(text, "is of no known kind");
+
+    Fault fault;
+    fault.kind = spelling->kind;
+    SetValue(fault, left.size() != name.size(), value, text);
+    if (!spelling->ofLine) {
+        if (left.size() != text.size()) Reject(text, "is of a phase and takes no line after \"@\"");
+        return fault;
+    }
+    std::string_view times;
+    const std::string_view line = Before(place, 'x', times);
+    fault.line =
+        static_cast<std::size_t>(Number(line, 0, kLargestCount, text, "a line after \"@\""));
+    if (line.size() != place.size()) {
+        fault.times = static_cast<unsigned>(
+            Number(times, 1, kLargestCount, text, "a number of times after \"x\""));
+    }
+    return fault;
+}
+
+}  // namespace vantor

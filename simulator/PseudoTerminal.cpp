@@ -1,0 +1,152 @@
+// The pseudo-terminal of a POSIX system.
+#include "simulator/PseudoTerminal.hpp"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <stdlib.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <array>
+#include <cerrno>
+#include <system_error>
+#include <utility>
+
+namespace vantor {
+
+namespace {
+
+constexpr std::chrono::microseconds kClosedInterval{2'000};
+
+[[noreturn]] void Fail(const char* what) {
+    throw std::system_error(errno, std::generic_category(), what);
+}
+
+constexpr std::array<std::pair<speed_t, std::uint32_t>, 15> kSpeeds{{
+    {B300, 300},
+    {B600, 600},
+    {B1200, 1200},
+    {B2400, 2400},
+    {B4800, 4800},
+    {B9600, 9600},
+    {B19200, 19200},
+    {B38400, 38400},
+    {B57600, 57600},
+    {B115200, 115200},
+    {B230400, 230400},
+    {B460800, 460800},
+    {B500000, 500000},
+    {B576000, 576000},
+    {B921600, 921600},
+}};
+
+// The far end must be open to be set up on every system; it keeps its settings when closed.
+void MakeRaw(const std::string& path) {
+    const int slave = open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
+    if (slave < 0) Fail("The pseudo-terminal cannot be opened");
+    termios settings{};
+    tcgetattr(slave, &settings);
+    cfmakeraw(&settings);
+    settings.c_cflag |= CLOCAL | CREAD;
+    cfsetspeed(&settings, B38400);
+    const int set = tcsetattr(slave, TCSANOW, &settings);
+    close(slave);
+    if (set != 0) Fail("The pseudo-terminal cannot be set up");
+}
+
+}  // namespace
+
+PseudoTerminal::PseudoTerminal() {
+    sigset_t blocked;
+    sigemptyset(&blocked);
+    sigaddset(&blocked, SIGTERM);
+    sigaddset(&blocked, SIGINT);
+    sigprocmask(SIG_BLOCK, &blocked, &mWaitMask);
+
+    mMaster = posix_openpt(O_RDWR | O_NOCTTY);
+    if (mMaster < 0) Fail("No pseudo-terminal can be had");
+    if (grantpt(mMaster) != 0 || unlockpt(mMaster) != 0) Fail("The pseudo-terminal stays locked");
+    const char* const path = ptsname(mMaster);
+    if (path == nullptr) Fail("The pseudo-terminal has no name");
+    mPath = path;
+    fcntl(mMaster, F_SETFL, fcntl(mMaster, F_GETFL) | O_NONBLOCK);
+    fcntl(mMaster, F_SETFD, FD_CLOEXEC);
+    MakeRaw(mPath);
+}
+
+PseudoTerminal::~PseudoTerminal() {
+    Close();
+}
+
+PseudoTerminal::State PseudoTerminal::Look() const {
+    pollfd look{mMaster, POLLIN, 0};
+    // Asked with the waiting mask, so that a signal gets in even while bytes keep streaming.
+    const timespec now{};
+    if (ppoll(&look, 1, &now, &mWaitMask) < 0) {
+        if (errno != EINTR) Fail("The pseudo-terminal cannot be watched");
+        look.revents = 0;
+        if (poll(&look, 1, 0) < 0) Fail("The pseudo-terminal cannot be watched");
+    }
+    return {(look.revents & POLLHUP) == 0, (look.revents & POLLIN) != 0};
+}
+
+void PseudoTerminal::Wait(std::optional<std::chrono::microseconds> atMost) const {
+    const State state = Look();
+    if (state.readable) return;
+    // Without a host the terminal reports a hang-up at once and always, so it is no use waiting
+    // for it.
+    if (!state.hostOpen) atMost = std::min(atMost.value_or(kClosedInterval), kClosedInterval);
+    timespec limit{};
+    if (atMost) {
+        limit.tv_sec = static_cast<time_t>(atMost->count() / 1'000'000);
+        limit.tv_nsec = static_cast<long>(atMost->count() % 1'000'000 * 1'000);
+    }
+    pollfd wait{mMaster, POLLIN, 0};
+    const nfds_t watched = state.hostOpen ? 1 : 0;
+    if (ppoll(&wait, watched, atMost ? &limit : nullptr, &mWaitMask) < 0 && errno != EINTR) {
+        Fail("The pseudo-terminal cannot be waited for");
+    }
+}
+
+std::string PseudoTerminal::Read() {
+    std::string all;
+    std::array<char, 4096> some{};
+    for (;;) {
+        const ssize_t count = read(mMaster, some.data(), some.size());
+        // EIO: the far end is closed and everything written before has been read.
+        if (count <= 0) return all;
+        all.append(some.data(), static_cast<std::size_t>(count));
+    }
+}
+
+void PseudoTerminal::Write(std::string_view bytes) {
+    while (!bytes.empty()) {
+        const ssize_t count = write(mMaster, bytes.data(), bytes.size());
+        if (count <= 0) return;
+        bytes.remove_prefix(static_cast<std::size_t>(count));
+    }
+}
+
+LineSettings PseudoTerminal::Line() const {
+    termios settings{};
+    if (tcgetattr(mMaster, &settings) != 0) Fail("The line parameters cannot be read");
+    LineSettings line;
+    const speed_t speed = cfgetospeed(&settings);
+    const auto* const known = std::find_if(kSpeeds.begin(), kSpeeds.end(),
+                                           [&](const auto& entry) { return entry.first == speed; });
+    line.bitsPerSecond = known == kSpeeds.end() ? 0 : known->second;
+    line.stopBits = (settings.c_cflag & CSTOPB) != 0 ? 2 : 1;
+    line.dataBits = (settings.c_cflag & CSIZE) == CS7 ? 7 : 8;
+    if ((settings.c_cflag & PARENB) != 0) {
+        line.parity = (settings.c_cflag & PARODD) != 0 ? Parity::Odd : Parity::Even;
+    }
+    return line;
+}
+
+void PseudoTerminal::Close() {
+    if (mMaster >= 0) close(mMaster);
+    mMaster = -1;
+}
+
+}  // namespace vantor

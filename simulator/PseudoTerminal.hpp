@@ -1,0 +1,56 @@
+// The near end of a pseudo-terminal whose far end a host program opens like a serial port. Moves
+// bytes and tells whether somebody has the far end open; says nothing on what they mean.
+#pragma once
+
+#include <chrono>
+#include <csignal>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "platform/SerialPort.hpp"
+
+namespace vantor {
+
+/// Used from one thread. Blocks SIGTERM and SIGINT except within `Wait`, so that a handler for
+/// them runs only there and a signal cannot slip in between a check and the wait after it.
+/// Failures of the system throw std::system_error.
+class PseudoTerminal {
+public:
+    /// Opens the terminal, raw from the start: nothing is echoed or translated even before the
+    /// first host has set it up.
+    PseudoTerminal();
+    ~PseudoTerminal();
+    PseudoTerminal(const PseudoTerminal&) = delete;
+    PseudoTerminal& operator=(const PseudoTerminal&) = delete;
+
+    /// What a host opens.
+    const std::string& Path() const { return mPath; }
+
+    struct State {
+        bool hostOpen;  ///< somebody has the far end open
+        bool readable;  ///< bytes wait, possibly from a host that has closed since
+    };
+    State Look() const;
+    /// Returns when a host has written or closed, at a signal, or after `atMost`; without a
+    /// limit when unset. While no host has the far end open it returns every 2 ms, for the
+    /// system gives no notice of an open.
+    void Wait(std::optional<std::chrono::microseconds> atMost) const;
+
+    /// All bytes that wait; empty when there are none.
+    std::string Read();
+    /// Hands `bytes` to the host. What a host that does not read leaves no room for is lost.
+    void Write(std::string_view bytes);
+    /// The host's line parameters. A pseudo-terminal keeps speed and stop bits as the host set
+    /// them, but always reports 8 data bits without parity.
+    LineSettings Line() const;
+    /// Closes for good: the host sees its device gone. No other operation is allowed after it.
+    void Close();
+
+private:
+    int mMaster = -1;
+    std::string mPath;
+    sigset_t mWaitMask{};
+};
+
+}  // namespace vantor

@@ -1,0 +1,32 @@
+// One line of a firmware image as the indicator's monitor reads it: type, address, data and
+// checksum in hexadecimal. Knows nothing of line ends, files or the dialogue around it.
+#pragma once
+
+#include <cstdint>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vantor {
+
+/// An S-record. The types in use: S0 header, S1/S2/S3 data at a 16/24/32-bit address, S5/S6
+/// count of the records before (in the address field), S7/S8/S9 end with a start address.
+struct SerialRecord {
+    char type = '0';  ///< '0' to '9' except the reserved '4'
+    std::uint32_t address = 0;
+    std::vector<std::uint8_t> data;
+
+    bool IsData() const { return type >= '1' && type <= '3'; }
+    bool IsEnd() const { return type >= '7'; }
+
+    /// The record that `line` (without its line end) spells; hexadecimal digits of either case.
+    /// None when the type, the length, a digit or the checksum is wrong.
+    static std::optional<SerialRecord> Parse(std::string_view line);
+
+    /// The line of this record, without a line end, in capital digits. The data must leave room
+    /// for address and checksum in a count of 255, and the address must fit the type.
+    std::string Format() const;
+};
+
+}  // namespace vantor

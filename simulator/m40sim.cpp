@@ -1,0 +1,403 @@
+// The virtual indicator as a program: it serves on a pseudo-terminal what a host would find on a
+// serial port with an M40 in its boot monitor. Options and time only; the behaviour is the model's.
+#include <algorithm>
+#include <array>
+#include <charconv>
+#include <chrono>
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <iostream>
+#include <iterator>
+#include <optional>
+#include <span>
+#include <stdexcept>
+#include <string>
+#include <string_view>
+#include <system_error>
+#include <utility>
+
+#include "simulator/Fault.hpp"
+#include "simulator/FlashMemory.hpp"
+#include "simulator/PseudoTerminal.hpp"
+#include "simulator/VirtualIndicator.hpp"
+
+namespace vantor {
+namespace {
+
+namespace fs = std::filesystem;
+
+constexpr Micros kMicrosPerMilli = 1'000;
+// The last stretch before a due byte is spun: waking up from a sleep is that uncertain.
+constexpr Micros kSpin = 200;
+// After a byte the next one is polled for so long without sleeping, so that the time to wake up
+// is not charged to a host that streams.
+constexpr Micros kAttentive = 2'000;
+// How long a host may keep the terminal open after BOOT until `--once` ends all the same.
+constexpr Micros kFarewell = 2'000'000;
+
+constexpr std::string_view kHelp =
+    R"(m40sim: an M40 indicator in its boot monitor, on a pseudo-terminal.
+
+Usage: m40sim [options]
+
+Prints "port: PATH" and serves on PATH until SIGTERM or SIGINT.
+
+  --image FILE       DONE only for an image equal to FILE (S-records)
+  --save FILE        write the memory as records at every verdict and at exit
+  --link PATH        symbolic link to the terminal, removed at exit
+  --once             end after one session; status 0 only when an image was taken,
+                     verified and booted
+  --baud N           first speed in bit/s (default 38400)
+  --pace             bytes take the time of a UART in both directions
+  --think MS         time before each acknowledgement (default 0)
+  --write MS         time to write flash memory before the verdict (default 1000)
+  --fault SPEC       show a fault; repeatable
+  --transcript FILE  record what passes: ms since start, direction, bytes
+  --help             this text
+
+Faults at image line LINE (from 0, a repeated line counts once), shown on its first TIMES
+arrivals (default 1), as KIND@LINE[xTIMES]:
+  nak silent late=MS drop garble noise split done verify hangup
+Faults of a phase: no-trav no-baud no-sysload (each also =silent), verify-failed,
+  no-verdict, split-verdict
+
+Status: 0 well, 1 the session failed or the host broke the dialogue, 2 wrong usage.
+)";
+
+struct UsageError : std::runtime_error {
+    using std::runtime_error::runtime_error;
+};
+
+struct Options {
+    IndicatorOptions indicator;
+    std::optional<fs::path> save;
+    std::optional<fs::path> link;
+    std::optional<fs::path> transcript;
+    bool once = false;
+    bool help = false;
+};
+
+std::int64_t Number(std::string_view text, std::int64_t least, std::string_view option) {
+    constexpr std::int64_t most = 3'600'000;
+    std::int64_t value = 0;
+    const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), value);
+    if (error != std::errc{} || stop != text.data() + text.size() || value < least ||
+        value > most) {
+        throw UsageError(std::string(option) + " needs a number from " + std::to_string(least) +
+                         " to " + std::to_string(most) + ", not \"" + std::string(text) + "\".");
+    }
+    return value;
+}
+
+FlashMemory LoadImage(const fs::path& path) {
+    std::ifstream file(path, std::ios::binary);
+    if (!file) throw UsageError("The image " + path.string() + " cannot be read.");
+    return FlashMemory::FromRecords(std::string(std::istreambuf_iterator<char>(file), {}));
+}
+
+struct Switch {
+    std::string_view name;
+    void (*set)(Options&);
+};
+
+struct Setting {
+    std::string_view name;
+    void (*set)(Options&, std::string_view name, std::string_view value);
+};
+
+constexpr std::array<Switch, 3> kSwitches{{
+    {"--once", [](Options& o) { o.once = true; }},
+    {"--pace", [](Options& o) { o.indicator.paced = true; }},
+    {"--help", [](Options& o) { o.help = true; }},
+}};
+
+using Text = std::string_view;
+constexpr std::array<Setting, 8> kSettings{{
+    {"--image", [](Options& o, Text, Text v) { o.indicator.expected = LoadImage(v); }},
+    {"--save", [](Options& o, Text, Text v) { o.save = v; }},
+    {"--link", [](Options& o, Text, Text v) { o.link = v; }},
+    {"--transcript", [](Options& o, Text, Text v) { o.transcript = v; }},
+    {"--baud",
+     [](Options& o, Text name, Text v) {
+         o.indicator.bitsPerSecond = static_cast<std::uint32_t>(Number(v, 300, name));
+     }},
+    {"--think", [](Options& o, Text name,
+                   Text v) { o.indicator.think = Number(v, 0, name) * kMicrosPerMilli; }},
+    {"--write", [](Options& o, Text name,
+                   Text v) { o.indicator.writeFlash = Number(v, 0, name) * kMicrosPerMilli; }},
+    {"--fault", [](Options& o, Text, Text v) { o.indicator.faults.push_back(ParseFault(v)); }},
+}};
+
+Options ParseOptions(std::span<char* const> arguments) {
+    Options options;
+    for (auto argument = arguments.begin(); argument != arguments.end(); ++argument) {
+        const std::string_view name = *argument;
+        const auto named = [&](const auto& entry) { return entry.name == name; };
+        const auto* const flag = std::find_if(kSwitches.begin(), kSwitches.end(), named);
+        if (flag != kSwitches.end()) {
+            flag->set(options);
+            continue;
+        }
+        const auto* const setting = std::find_if(kSettings.begin(), kSettings.end(), named);
+        if (setting == kSettings.end()) {
+            throw UsageError("\"" + std::string(name) + "\" is no option; see --help.");
+        }
+        if (++argument == arguments.end()) {
+            throw UsageError(std::string(name) + " needs a value.");
+        }
+        setting->set(options, name, *argument);
+    }
+    return options;
+}
+
+// A symbolic link that lasts as long as the program serves.
+class Link {
+public:
+    Link(fs::path path, const fs::path& target) : mPath(std::move(path)), mTarget(target) {
+        if (fs::is_symlink(mPath)) fs::remove(mPath);
+        fs::create_symlink(target, mPath);
+    }
+    ~Link() {
+        std::error_code ignored;
+        // Another simulator may have taken the name over.
+        if (fs::read_symlink(mPath, ignored) == mTarget) fs::remove(mPath, ignored);
+    }
+    Link(const Link&) = delete;
+    Link& operator=(const Link&) = delete;
+
+private:
+    fs::path mPath;
+    fs::path mTarget;
+};
+
+std::string Readable(std::string_view bytes) {
+    std::string text;
+    for (const char byte : bytes) {
+        std::array<char, 8> code{};
+        if (byte == '\r') {
+            text += "\\r";
+        } else if (byte == '\n') {
+            text += "\\n";
+        } else if (byte == '\\') {
+            text += "\\\\";
+        } else if (byte >= ' ' && byte <= '~') {
+            text += byte;
+        } else {
+            std::snprintf(code.data(), code.size(), "\\x%02X",
+                          static_cast<unsigned>(static_cast<unsigned char>(byte)));
+            text += code.data();
+        }
+    }
+    return text;
+}
+
+// What passed when, for people. Does nothing when no file is asked for.
+class Transcript {
+public:
+    explicit Transcript(const std::optional<fs::path>& path) {
+        if (!path) return;
+        mFile.open(*path, std::ios::binary | std::ios::trunc);
+        if (!mFile) throw UsageError("The transcript " + path->string() + " cannot be written.");
+    }
+    void Add(Micros now, std::string_view direction, std::string_view bytes) {
+        if (!mFile.is_open()) return;
+        std::array<char, 32> time{};
+        std::snprintf(time.data(), time.size(), "%12.3f ", static_cast<double>(now) / 1000.0);
+        mFile << time.data() << direction << ' ' << Readable(bytes) << '\n';
+    }
+    void Flush() {
+        if (mFile.is_open()) mFile.flush();
+    }
+
+private:
+    std::ofstream mFile;
+};
+
+volatile std::sig_atomic_t stopAsked = 0;
+
+class Server {
+public:
+    explicit Server(Options options)
+        : mOptions(std::move(options)),
+          mTranscript(mOptions.transcript),
+          mIndicator(mOptions.indicator) {
+        if (mOptions.link) mLink.emplace(*mOptions.link, mTerminal.Path());
+    }
+
+    // Serves until its end; returns the exit status.
+    int Run();
+
+private:
+    Micros Now() const;
+    void Listen();
+    void Speak();
+    void Report();
+    void Pause();
+    bool Finished();
+    void Save() const;
+    int Status() const;
+
+    Options mOptions;
+    Transcript mTranscript;
+    PseudoTerminal mTerminal;
+    std::optional<Link> mLink;
+    VirtualIndicator mIndicator;
+    std::chrono::steady_clock::time_point mStart = std::chrono::steady_clock::now();
+    bool mHostOpen = false;
+    LineSettings mHostLine;
+    Micros mLastByte = -kAttentive;
+    std::optional<Micros> mOverSince;
+    unsigned mVerdictsSaved = 0;
+    std::size_t mViolationsTold = 0;
+};
+
+int Server::Run() {
+    std::cout << "port: " << mTerminal.Path() << std::endl;
+    for (;;) {
+        Listen();
+        Speak();
+        Report();
+        if (stopAsked != 0 || Finished()) break;
+        Pause();
+    }
+    Save();
+    if (mIndicator.HungUp()) {
+        mTerminal.Close();
+        std::cerr << "m40sim: The terminal was hung up, as the fault asked.\n";
+    }
+    return Status();
+}
+
+Micros Server::Now() const {
+    return std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() -
+                                                                 mStart)
+        .count();
+}
+
+void Server::Listen() {
+    const PseudoTerminal::State state = mTerminal.Look();
+    // The host may have opened, written and closed since the last look: its bytes count.
+    const std::string bytes = state.readable ? mTerminal.Read() : std::string{};
+    const Micros now = Now();
+    const bool opened = !mHostOpen && (state.hostOpen || !bytes.empty());
+    if (opened || !bytes.empty()) {
+        const LineSettings line = mTerminal.Line();
+        if (opened || line != mHostLine) {
+            mTranscript.Add(now, "-",
+                            "host at " + std::to_string(line.bitsPerSecond) + " bit/s, " +
+                                std::to_string(line.stopBits) + " stop bits");
+            mIndicator.HostLine(line, now);
+        }
+        mHostLine = line;
+        mHostOpen = true;
+    }
+    if (!bytes.empty()) {
+        mTranscript.Add(now, ">", bytes);
+        mIndicator.Receive(bytes, now);
+        mLastByte = now;
+    }
+    if (mHostOpen && !state.hostOpen) {
+        mHostOpen = false;
+        mIndicator.HostClosed(now);
+        mTranscript.Add(now, "-", "host closed");
+        mTranscript.Flush();
+    }
+}
+
+void Server::Speak() {
+    const Micros now = Now();
+    const std::string bytes = mIndicator.Transmit(now);
+    if (bytes.empty()) return;
+    mTerminal.Write(bytes);
+    mTranscript.Add(now, "<", bytes);
+    mLastByte = now;
+}
+
+void Server::Report() {
+    for (; mViolationsTold < mIndicator.Violations().size(); ++mViolationsTold) {
+        std::cerr << "m40sim: " << mIndicator.Violations()[mViolationsTold] << std::endl;
+    }
+    if (mVerdictsSaved == mIndicator.Verdicts()) return;
+    mVerdictsSaved = mIndicator.Verdicts();
+    Save();
+}
+
+void Server::Pause() {
+    const Micros now = Now();
+    const std::optional<Micros> due = mIndicator.NextDue();
+    if (due && *due - now <= kSpin) {
+        while (Now() < *due) {
+        }
+    } else if (due) {
+        mTerminal.Wait(std::chrono::microseconds(*due - now - kSpin));
+    } else if (!mHostOpen || now - mLastByte >= kAttentive) {
+        const bool parting = mOverSince.has_value();
+        mTerminal.Wait(parting ? std::optional(std::chrono::microseconds(kFarewell))
+                               : std::nullopt);
+    }
+}
+
+bool Server::Finished() {
+    if (mIndicator.HungUp()) return true;
+    if (!mOptions.once || !mIndicator.SessionOver()) {
+        mOverSince.reset();
+        return false;
+    }
+    // The host is given time to close first, lest it finds its port gone while it still sends.
+    if (!mOverSince) mOverSince = Now();
+    return !mHostOpen || Now() - *mOverSince >= kFarewell;
+}
+
+void Server::Save() const {
+    if (!mOptions.save) return;
+    std::ofstream file(*mOptions.save, std::ios::binary | std::ios::trunc);
+    file << mIndicator.Memory().ToRecords();
+    if (!file.flush()) {
+        throw std::runtime_error("The memory cannot be written to " + mOptions.save->string() +
+                                 ".");
+    }
+}
+
+int Server::Status() const {
+    if (mIndicator.HungUp() || !mIndicator.Violations().empty()) return 1;
+    if (mOptions.once && !mIndicator.Booted()) return 1;
+    return 0;
+}
+
+void StopOnSignals() {
+    struct sigaction action {};
+    action.sa_handler = [](int) { stopAsked = 1; };
+    sigaction(SIGTERM, &action, nullptr);
+    sigaction(SIGINT, &action, nullptr);
+}
+
+}  // namespace
+}  // namespace vantor
+
+int main(int argc, char** argv) {
+    using namespace vantor;
+    const std::span<char* const> arguments(argv, static_cast<std::size_t>(argc));
+    try {
+        Options options =
+            ParseOptions(arguments.subspan(std::min<std::size_t>(1, arguments.size())));
+        if (options.help) {
+            std::cout << kHelp;
+            return 0;
+        }
+        StopOnSignals();
+        return Server(std::move(options)).Run();
+    } catch (const UsageError& error) {
+        std::cerr << "m40sim: " << error.what() << '\n';
+        return 2;
+    } catch (const std::invalid_argument& error) {
+        std::cerr << "m40sim: " << error.what() << '\n';
+        return 2;
+    } catch (const std::exception& error) {
+        std::cerr << "m40sim: " << error.what() << '\n';
+        return 1;
+    }
+}

@@ -1,0 +1,26 @@
+// The wait cursor for the span of a procedure.
+#pragma once
+
+namespace vantor {
+
+class Peers;
+
+/// Sets the default pointer again when destroyed, however the procedure ends and whatever
+/// `Value` was.
+class CHourglass {
+public:
+    explicit CHourglass(Peers& peers) : mPeers(peers) {}
+    ~CHourglass();
+    CHourglass(const CHourglass&) = delete;
+    CHourglass& operator=(const CHourglass&) = delete;
+
+    /// True shows the hourglass, false the default pointer.
+    void Value(bool wait);
+    bool Value() const { return mValue; }
+
+private:
+    Peers& mPeers;
+    bool mValue = false;
+};
+
+}  // namespace vantor

@@ -1,0 +1,58 @@
+// Conversions between texts and numbers with the rules that the stored settings and the window
+// designs rely on. Digits are ASCII, the decimal separator is a point, in every language.
+#pragma once
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+namespace vantor {
+
+/// `text` without blanks (character 32 only) at both ends.
+std::string_view TrimBlanks(std::string_view text);
+
+/// The number at the start of `text`: leading blanks are skipped, then sign, digits, point and
+/// exponent are read up to the first character that is no part of a number. 0 without one.
+/// Raises RuntimeError 6 when it is too large for a double.
+double LeadingNumber(std::string_view text);
+
+/// True when the whole of `text`, blanks around it aside, is a number: sign, digits with at
+/// most one point, exponent, or a hexadecimal "&H" or octal "&O" integer.
+bool IsNumeric(std::string_view text);
+
+/// `text` as a number. Raises RuntimeError 13 when it is not numeric.
+double ToDouble(std::string_view text);
+
+/// `value` rounded half to even. Raises RuntimeError 6 outside the type's range.
+std::int16_t ToInt16(double value);
+std::int32_t ToInt32(double value);
+
+/// `text` as a rounded integer. Raises RuntimeError 13 or 6.
+std::int16_t ToInt16(std::string_view text);
+std::int32_t ToInt32(std::string_view text);
+
+/// "True" or "False" in any letter case, or a number, of which all but 0 are true.
+/// Raises RuntimeError 13 for anything else.
+bool ToBool(std::string_view text);
+
+/// "True" or "False".
+std::string FromBool(bool value);
+
+/// `value` with at least two digits: "05", "12".
+std::string TwoDigits(std::int32_t value);
+
+/// a + b and a * b as 32-bit signed numbers. Raise RuntimeError 6 when they do not fit.
+std::int32_t CheckedAdd(std::int32_t a, std::int32_t b);
+std::int32_t CheckedMultiply(std::int32_t a, std::int32_t b);
+
+/// Number of characters in UTF-8 text; a stray byte counts as one.
+std::size_t CharacterCount(std::string_view utf8);
+
+/// `utf8` as a field of exactly `width` characters: blanks added on the right, or cut.
+std::string FixedWidth(std::string_view utf8, std::size_t width);
+
+/// `text` with every ASCII letter in upper case.
+std::string UpperCase(std::string_view text);
+
+}  // namespace vantor

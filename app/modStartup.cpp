@@ -46,10 +46,7 @@ void modStartup::PrepareErrorHandler() {
         SetErrorSink(mErrors.get());
     });
     Ignoring([this] { mErrors->Title = AppInfo{}.title; });
-    Ignoring([this] {
-        mErrors->Destination(AddFinalSlash(mPlatform.folders.ApplicationData()) +
-                             "TSMR\\CALDOR\\" + "errorlog.txt");
-    });
+    Ignoring([this] { mErrors->Destination(ErrorLogPath(mPlatform.folders)); });
     Ignoring([this] { mErrors->DisplayMsgOnError = true; });
 }
 

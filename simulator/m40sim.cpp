@@ -18,6 +18,7 @@
 #include <string>
 #include <string_view>
 #include <system_error>
+#include <thread>
 #include <utility>
 
 #include "simulator/Fault.hpp"
@@ -329,12 +330,15 @@ void Server::Report() {
 void Server::Pause() {
     const Micros now = Now();
     const std::optional<Micros> due = mIndicator.NextDue();
-    if (due && *due - now <= kSpin) {
-        while (Now() < *due) {
-        }
+    const bool dueSoon = due && *due - now <= kSpin;
+    const bool attentive = !due && mHostOpen && now - mLastByte < kAttentive;
+    if (dueSoon || attentive) {
+        // The system's own thread that carries bytes between the two ends may need this very
+        // processor; without it nothing would arrive however fast this loop spins.
+        std::this_thread::yield();
     } else if (due) {
         mTerminal.Wait(std::chrono::microseconds(*due - now - kSpin));
-    } else if (!mHostOpen || now - mLastByte >= kAttentive) {
+    } else {
         const bool parting = mOverSince.has_value();
         mTerminal.Wait(parting ? std::optional(std::chrono::microseconds(kFarewell))
                                : std::nullopt);

@@ -52,6 +52,7 @@ bool Boxed(std::string_view name, const std::function<void()>& body);
 bool BoxedSetup(std::string_view where, const std::function<void()>& body);
 
 /// Runs one statement whose error is dropped on purpose, so that the next one still runs.
-void Ignoring(const std::function<void()>& step) noexcept;
+/// True when there was none, for the caller whose answer to any error is the same.
+bool Ignoring(const std::function<void()>& step) noexcept;
 
 }  // namespace vantor

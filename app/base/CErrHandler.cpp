@@ -22,6 +22,10 @@ std::string TraceFile(const Process& process) {
 
 }  // namespace
 
+std::string ErrorLogPath(const Folders& folders) {
+    return AddFinalSlash(folders.ApplicationData()) + "TSMR\\CALDOR\\" + "errorlog.txt";
+}
+
 CErrHandler::CErrHandler(const Services& services) : mServices(services) {
     BoxedSetup("Morvane.CErrHandler.Class_Initialize",
                [this] { mStack.reserve(mMaxProcStackItems); });

@@ -37,6 +37,10 @@ public:
     virtual void Update() = 0;
 };
 
+/// The report file of the program: "TSMR\CALDOR\errorlog.txt" below the user's
+/// application-data folder. The folder is created when a report is written.
+std::string ErrorLogPath(const Folders& folders);
+
 class CErrHandler : public ErrorSink {
 public:
     struct Services {

@@ -1,0 +1,107 @@
+#include "console/ConsoleUi.hpp"
+
+#include "console/ConsoleWindow.hpp"
+#include "platform/StringTable.hpp"
+#include "platform/Terminal.hpp"
+#include "support/Conversions.hpp"
+
+namespace vantor {
+namespace {
+
+/// The terminal's own line ends, and no blank before them.
+std::string ForTerminal(const std::string& text) {
+    std::string lines;
+    for (const char c : text) {
+        if (c == '\r') continue;
+        if (c == '\n')
+            while (lines.ends_with(' ')) lines.pop_back();
+        lines += c;
+    }
+    return lines;
+}
+
+/// The console's own window: its progress bar is the progress line.
+class WindowPeer : public FormPeer {
+public:
+    WindowPeer(ConsoleWindow& window, ProgressLine& progress, Terminal& terminal)
+        : mWindow(window), mProgress(progress), mTerminal(terminal) {}
+
+    void Show(ShowMode, NativeWindow) override {}
+    void FormChanged(Property) override {}
+    void ControlChanged(const Control& control, Property property) override {
+        // The session sets the bar last of what a line changes. It clears the line's text
+        // before it sets the bar back at the end, which is no progress.
+        if (&control == &mWindow.pbarStatus && property == Property::Value &&
+            !mWindow.lblStatus.Caption().empty())
+            mProgress.Show(mWindow.pbarStatus.Value(), mWindow.lblStatus.Caption(),
+                           mWindow.lblElapsed.Caption());
+        if (&control == &mWindow.lblWarning && property == Property::Caption &&
+            !control.Caption().empty()) {
+            mProgress.Finish();
+            mTerminal.Write(ForTerminal(control.Caption()) + "\n");
+        }
+    }
+    NativeWindow Handle() const override { return 0; }
+
+private:
+    ConsoleWindow& mWindow;
+    ProgressLine& mProgress;
+    Terminal& mTerminal;
+};
+
+/// Any other window: what it wants drawn at once is its message.
+class MessagePeer : public FormPeer {
+public:
+    MessagePeer(ProgressLine& progress, Terminal& terminal)
+        : mProgress(progress), mTerminal(terminal) {}
+
+    void Show(ShowMode, NativeWindow) override {}
+    void FormChanged(Property) override {}
+    void ControlChanged(const Control& control, Property property) override {
+        if (property != Property::Repaint) return;
+        mProgress.Finish();
+        mTerminal.Write(ForTerminal(control.Caption()) + "\n");
+    }
+    NativeWindow Handle() const override { return 0; }
+
+private:
+    ProgressLine& mProgress;
+    Terminal& mTerminal;
+};
+
+}  // namespace
+
+BoxAnswer ConsoleBoxes::Show(const MessageBoxRequest& request) {
+    mProgress.Finish();
+    const bool bad = request.icon == BoxIcon::Critical || request.icon == BoxIcon::Exclamation;
+    const std::string& title = request.title.empty() ? mDefaultTitle : request.title;
+    const std::string text = title + "\n" + ForTerminal(request.text) + "\n";
+    if (bad)
+        mTerminal.WriteError(text);
+    else
+        mTerminal.Write(text);
+    if (request.buttons == BoxButtons::Ok) return BoxAnswer::Ok;
+    return mAlwaysYes ? BoxAnswer::Yes : Ask();
+}
+
+BoxAnswer ConsoleBoxes::Ask() {
+    mTerminal.Write(mStrings.LoadResString(2039));
+    const std::string answer = UpperCase(TrimBlanks(mTerminal.ReadLine().value_or("")));
+    const bool yes = !answer.empty() && answer.substr(0, 1) == UpperCase(mStrings.LoadResString(2040));
+    return yes ? BoxAnswer::Yes : BoxAnswer::No;
+}
+
+bool ConsoleDialogs::OpenFile(FileDialogRecord& record) {
+    record.file = mPath + std::string(2, '\0');
+    record.fileTitle = mPath.substr(mPath.find_last_of("\\/") + 1) + std::string(2, '\0');
+    return true;
+}
+
+std::unique_ptr<FormPeer> ConsolePeers::Draw(Form& form) {
+    if (mQuiet) return nullptr;
+    if (auto* window = dynamic_cast<ConsoleWindow*>(&form))
+        return std::make_unique<WindowPeer>(*window, mProgress, mTerminal);
+    return std::make_unique<MessagePeer>(mProgress, mTerminal);
+}
+
+}  // namespace vantor

@@ -1,0 +1,92 @@
+// What stands for windows, boxes and dialogs in a console program: everything that the session
+// would show is written to the terminal.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+#include <utility>
+
+#include "console/ProgressLine.hpp"
+#include "platform/CommonDialogs.hpp"
+#include "platform/MessageBoxes.hpp"
+#include "platform/MessagePump.hpp"
+#include "platform/Peers.hpp"
+
+namespace vantor {
+
+/// Boxes as text: the title above the message. Warnings and failures go to standard error. A
+/// question is asked on the terminal unless it is answered in advance.
+class ConsoleBoxes : public MessageBoxes {
+public:
+    ConsoleBoxes(Terminal& terminal, const StringTable& strings, ProgressLine& progress,
+                 std::string defaultTitle, bool alwaysYes)
+        : mTerminal(terminal),
+          mStrings(strings),
+          mProgress(progress),
+          mDefaultTitle(std::move(defaultTitle)),
+          mAlwaysYes(alwaysYes) {}
+
+    BoxAnswer Show(const MessageBoxRequest& request) override;
+    void Beep() override { mTerminal.WriteError("\a"); }
+
+private:
+    BoxAnswer Ask();
+
+    Terminal& mTerminal;
+    const StringTable& mStrings;
+    ProgressLine& mProgress;
+    std::string mDefaultTitle;
+    bool mAlwaysYes;
+};
+
+/// The file dialog of a program that was told the file on its command line.
+class ConsoleDialogs : public CommonDialogs {
+public:
+    explicit ConsoleDialogs(std::string path) : mPath(std::move(path)) {}
+    bool OpenFile(FileDialogRecord& record) override;
+    bool SaveFile(FileDialogRecord&) override { return false; }
+
+private:
+    std::string mPath;
+};
+
+/// Draws the progress bar of the console's window as a line, and the messages of others.
+class ConsolePeers : public Peers {
+public:
+    ConsolePeers(Terminal& terminal, ProgressLine& progress, bool quiet)
+        : mTerminal(terminal), mProgress(progress), mQuiet(quiet) {}
+
+    std::unique_ptr<FormPeer> Draw(Form& form) override;
+    void SetMousePointer(MousePointer) override {}  // a terminal has none
+
+private:
+    Terminal& mTerminal;
+    ProgressLine& mProgress;
+    bool mQuiet;
+};
+
+/// A pump that forwards to another and calls a function after each round, so that the interrupt
+/// key is noticed wherever the session waits.
+class WatchedPump : public MessagePump {
+public:
+    WatchedPump(MessagePump& inner, std::function<void()> afterRound)
+        : mInner(inner), mAfterRound(std::move(afterRound)) {}
+
+    void PumpPending() override {
+        mInner.PumpPending();
+        mAfterRound();
+    }
+    void Run() override { mInner.Run(); }
+    void Quit() override { mInner.Quit(); }
+    TimerId StartTimer(std::uint32_t intervalMs, std::function<void()> tick) override {
+        return mInner.StartTimer(intervalMs, std::move(tick));
+    }
+    void StopTimer(TimerId id) override { mInner.StopTimer(id); }
+
+private:
+    MessagePump& mInner;
+    std::function<void()> mAfterRound;
+};
+
+}  // namespace vantor

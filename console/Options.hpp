@@ -1,0 +1,41 @@
+// The command line of tsflash.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+namespace vantor {
+
+class StringTable;
+
+enum class Action : unsigned char { Flash, ListPorts, Version, Help };
+
+struct Options {
+    Action action = Action::Flash;
+    std::string image;
+    // What overrides a stored setting, checked by the settings themselves.
+    std::optional<std::string> port;
+    std::optional<std::string> baud;
+    std::optional<std::string> parity;
+    std::optional<std::string> dataBits;
+    std::optional<std::string> stopBits;
+    std::string log;  ///< empty: no transcript
+    bool yes = false;
+    bool quiet = false;
+    bool practice = false;
+    std::vector<std::string> faults;
+};
+
+/// Reads the arguments behind the program's name. Values follow an option as "--baud 9600",
+/// "--baud=9600" or "-b 9600"; "--" ends the options. Raises RuntimeError 5 with a sentence in
+/// the user's language for anything that it does not know.
+Options ParseOptions(const std::vector<std::string>& arguments, const StringTable& strings);
+
+/// The help text.
+std::string HelpText(const StringTable& strings);
+
+/// `text` with "%1" and "%2" replaced.
+std::string Filled(std::string text, const std::string& first, const std::string& second = {});
+
+}  // namespace vantor

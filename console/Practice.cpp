@@ -1,0 +1,48 @@
+#include "console/Practice.hpp"
+
+#include <stdexcept>
+#include <utility>
+
+#include "settings/CAppSettings.hpp"
+#include "support/Conversions.hpp"
+#include "support/RuntimeError.hpp"
+#include "support/Traps.hpp"
+
+namespace vantor {
+namespace {
+
+constexpr int kHighestPort = 32;
+
+IndicatorOptions OptionsFor(const CAppSettings& settings, const std::vector<std::string>& faults,
+                            const std::string& image) {
+    IndicatorOptions options;
+    options.bitsPerSecond = static_cast<std::uint32_t>(ToInt32(settings.BaudRate()));
+    options.paced = true;
+    for (const std::string& fault : faults) options.faults.push_back(ParseFault(fault));
+    // What is no image for this indicator it refuses line by line, as a real one would.
+    Ignoring([&] { options.expected = FlashMemory::FromRecords(image); });
+    return options;
+}
+
+IndicatorOptions CheckedOptions(const CAppSettings& settings,
+                                const std::vector<std::string>& faults,
+                                const std::string& image) {
+    try {
+        return OptionsFor(settings, faults, image);
+    } catch (const std::invalid_argument& error) {
+        throw RuntimeError(static_cast<std::int32_t>(ErrorNumber::InvalidCall), error.what());
+    }
+}
+
+}  // namespace
+
+Practice::Practice(Clock& clock, const CAppSettings& settings,
+                   const std::vector<std::string>& faults, const std::string& image)
+    : mPump(clock),
+      mPorts(mPump),
+      mIndicator(CheckedOptions(settings, faults, image)),
+      mFarEnd(mIndicator, clock) {
+    for (int n = 1; n <= kHighestPort; ++n) mPorts.Plug("COM" + std::to_string(n), mFarEnd);
+}
+
+}  // namespace vantor

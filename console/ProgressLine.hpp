@@ -1,0 +1,41 @@
+// The progress of a session on a text terminal.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "platform/Clock.hpp"
+#include "platform/StringTable.hpp"
+#include "platform/Terminal.hpp"
+
+namespace vantor {
+
+/// On a terminal one line that is drawn over and over: bar, percentage, line of lines, elapsed
+/// time, time left. Elsewhere a line for each ten per cent.
+class ProgressLine {
+public:
+    /// All outlive the object.
+    ProgressLine(Terminal& terminal, const Clock& clock, const StringTable& strings)
+        : mTerminal(terminal), mClock(clock), mStrings(strings) {}
+
+    /// Shows `percent` (0 to 100) with the session's own texts for the line and the time.
+    void Show(int percent, const std::string& status, const std::string& elapsed);
+
+    /// Ends the line, so that other text can follow. The next `Show` starts a new one.
+    void Finish();
+
+private:
+    void Draw(int percent, const std::string& status, const std::string& elapsed);
+    std::string TimeLeft(int percent) const;
+
+    Terminal& mTerminal;
+    const Clock& mClock;
+    const StringTable& mStrings;
+    bool mRunning = false;
+    bool mLineOpen = false;
+    std::uint32_t mStart = 0;
+    std::uint32_t mDrawnAt = 0;
+    int mDrawnPercent = -1;
+};
+
+}  // namespace vantor

@@ -1,0 +1,252 @@
+#include "console/TsFlash.hpp"
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <utility>
+
+#include "app/base/AppInfo.hpp"
+#include "app/base/CErrHandler.hpp"
+#include "console/ConsoleUi.hpp"
+#include "console/ConsoleWindow.hpp"
+#include "console/Options.hpp"
+#include "console/Practice.hpp"
+#include "console/Transcript.hpp"
+#include "flash/FirmwareImage.hpp"
+#include "flash/FlashSession.hpp"
+#include "settings/CAppSettings.hpp"
+#include "support/Conversions.hpp"
+#include "support/Traps.hpp"
+
+namespace vantor {
+namespace {
+
+/// What a run cannot begin with: shown as a sentence, exit status 2.
+RuntimeError Refusal(const StringTable& strings, std::int32_t text, const std::string& what) {
+    return RuntimeError(ErrorNumber::InvalidCall, Filled(strings.LoadResString(text), what));
+}
+
+std::string Version() {
+    const AppInfo app;
+    return "tsflash " + std::to_string(app.major) + "." + TwoDigits(app.minor) + "." +
+           std::to_string(app.revision) + " (" + app.title + ")\n";
+}
+
+std::string PortList(const SerialPorts& ports, const StringTable& strings) {
+    std::string text;
+    for (const SerialPortInfo& port : ports.List())
+        text += FixedWidth(port.name, 7) + port.device +
+                (port.description.empty() ? "" : "  " + port.description) + "\n";
+    return text.empty() ? strings.LoadResString(2045) + "\n" : text;
+}
+
+void CheckImage(const std::string& path, const Files& files, const StringTable& strings) {
+    if (!files.Exists(path)) throw Refusal(strings, 2034, path);
+    std::string text;
+    if (!Ignoring([&] { text = files.ReadAll(path); })) throw Refusal(strings, 2035, path);
+    const ImageLines lines(std::move(text));
+    for (std::size_t i = 0; i <= lines.UBound(); ++i)
+        if (!TrimBlanks(lines[i]).empty()) return;
+    throw Refusal(strings, 2036, path);
+}
+
+ExitStatus StatusOf(FlashOutcome outcome) {
+    switch (outcome) {
+        case FlashOutcome::Done: return ExitStatus::Done;
+        case FlashOutcome::PortNotOpen: return ExitStatus::PortNotOpen;
+        case FlashOutcome::NotInBootMonitor:
+        case FlashOutcome::SystemLoadRefused: return ExitStatus::NotReady;
+        case FlashOutcome::VerifyFailed: return ExitStatus::VerifyFailed;
+        case FlashOutcome::Declined:
+        case FlashOutcome::Aborted: return ExitStatus::Aborted;
+        case FlashOutcome::LineRefused:
+        case FlashOutcome::NothingAccepted:
+        case FlashOutcome::AwaitingVerdict:
+        case FlashOutcome::NoVerdict: return ExitStatus::UpdateFailure;
+        case FlashOutcome::None: break;
+    }
+    // The image vanished between the look at it and the stream.
+    return ExitStatus::Usage;
+}
+
+/// The error handler as the sink of all traps, while this lives.
+class SinkScope {
+public:
+    explicit SinkScope(CErrHandler& errors, const Folders& folders) {
+        errors.Title = AppInfo{}.title;
+        errors.Destination(ErrorLogPath(folders));
+        errors.DisplayMsgOnError = true;
+        SetErrorSink(&errors);
+    }
+    ~SinkScope() { SetErrorSink(nullptr); }
+    SinkScope(const SinkScope&) = delete;
+    SinkScope& operator=(const SinkScope&) = delete;
+};
+
+/// One flash with everything that it needs; members stand in the order of making.
+class Run {
+public:
+    Run(NativePlatform& native, const Options& options);
+    Run(const Run&) = delete;
+    Run& operator=(const Run&) = delete;
+
+    ExitStatus Flash();
+
+private:
+    void LoadSettings();
+    void Override(const std::optional<std::string>& value, const char* option,
+                  void (CAppSettings::*set)(const std::string&));
+    std::unique_ptr<Practice> MakePractice();
+    std::unique_ptr<Transcript> MakeTranscript();
+    std::unique_ptr<SerialPorts> MakeLoggedPorts();
+    SerialPorts& RealPorts() { return mPractice ? mPractice->Ports() : *mNative.ports; }
+    void Watch();
+    void Interrupted();
+
+    NativePlatform& mNative;
+    const Options& mOptions;
+    ProgressLine mProgress{*mNative.terminal, *mNative.clock, *mNative.strings};
+    ConsoleBoxes mBoxes{*mNative.terminal, *mNative.strings, mProgress, AppInfo{}.title,
+                        mOptions.yes};
+    CErrHandler mErrors{
+        {*mNative.clock, *mNative.files, *mNative.folders, mBoxes, *mNative.process}};
+    SinkScope mSink{mErrors, *mNative.folders};
+    CAppSettings mSettings{*mNative.registry, *mNative.codePage, *mNative.files};
+    std::unique_ptr<Practice> mPractice;
+    std::unique_ptr<Transcript> mTranscript;
+    std::unique_ptr<SerialPorts> mLoggedPorts;
+    WatchedPump mPump;
+    ConsoleDialogs mDialogs{mOptions.image};
+    ConsolePeers mPeers{*mNative.terminal, mProgress, mOptions.quiet};
+    Platform mPlatform;
+    Desktop mDesktop{mPeers, mPump};
+    std::shared_ptr<ConsoleWindow> mWindow;
+    std::unique_ptr<FlashSession> mSession;
+};
+
+Run::Run(NativePlatform& native, const Options& options)
+    : mNative(native),
+      mOptions(options),
+      mPractice((LoadSettings(), MakePractice())),
+      mTranscript(MakeTranscript()),
+      mLoggedPorts(MakeLoggedPorts()),
+      mPump(mPractice ? mPractice->Pump() : *native.pump, [this] { Watch(); }),
+      mPlatform{.clock = *native.clock,
+                .codePage = *native.codePage,
+                .dialogs = mDialogs,
+                .files = *native.files,
+                .folders = *native.folders,
+                .boxes = mBoxes,
+                .pump = mPump,
+                .peers = mPeers,
+                .process = *native.process,
+                .registry = *native.registry,
+                .ports = mLoggedPorts ? *mLoggedPorts : RealPorts(),
+                .strings = *native.strings},
+      mWindow(std::make_shared<ConsoleWindow>(mDesktop, mPlatform)),
+      mSession(std::make_unique<FlashSession>(*mWindow, mSettings, mPlatform)) {}
+
+ExitStatus Run::Flash() {
+    mWindow->Load();
+    mSession->doFlash();
+    mProgress.Finish();
+    const FlashOutcome outcome = mSession->Outcome();
+    mWindow->Unload();
+    return StatusOf(outcome);
+}
+
+// What the command line says goes through the settings' own setters, in an edit that is never
+// applied: nothing of it is stored.
+void Run::LoadSettings() {
+    Trapped("tsflash.LoadSettings", [this] { mSettings.Initialize(); });
+    mSettings.BeginEdit();
+    std::optional<std::string> port = mOptions.port;
+    if (port && !mOptions.practice) port = mNative.portName(*port);
+    Override(port, "--port", &CAppSettings::CommPort);
+    Override(mOptions.baud, "--baud", &CAppSettings::BaudRate);
+    Override(mOptions.parity, "--parity", &CAppSettings::Parity);
+    Override(mOptions.dataBits, "--data-bits", &CAppSettings::DataBits);
+    // "2" is what every load gives and what no setter takes.
+    if (mOptions.stopBits != mSettings.StopBits())
+        Override(mOptions.stopBits, "--stop-bits", &CAppSettings::StopBits);
+}
+
+void Run::Override(const std::optional<std::string>& value, const char* option,
+                   void (CAppSettings::*set)(const std::string&)) {
+    if (!value) return;
+    if (!Ignoring([&] { (mSettings.*set)(*value); }))
+        throw RuntimeError(ErrorNumber::InvalidCall,
+                           Filled(mNative.strings->LoadResString(2032), *value, option));
+}
+
+std::unique_ptr<Practice> Run::MakePractice() {
+    if (!mOptions.practice) return nullptr;
+    auto practice = std::make_unique<Practice>(*mNative.clock, mSettings, mOptions.faults,
+                                               mNative.files->ReadAll(mOptions.image));
+    if (!mOptions.quiet) mNative.terminal->Write(mNative.strings->LoadResString(2047) + "\n");
+    return practice;
+}
+
+std::unique_ptr<Transcript> Run::MakeTranscript() {
+    if (mOptions.log.empty()) return nullptr;
+    std::unique_ptr<Transcript> transcript;
+    if (!Ignoring([&] {
+            transcript = std::make_unique<Transcript>(mOptions.log, *mNative.clock);
+        }))
+        throw Refusal(*mNative.strings, 2037, mOptions.log);
+    return transcript;
+}
+
+std::unique_ptr<SerialPorts> Run::MakeLoggedPorts() {
+    if (!mTranscript) return nullptr;
+    return std::make_unique<LoggedSerialPorts>(RealPorts(), *mTranscript);
+}
+
+void Run::Watch() {
+    if (mNative.terminal->TakeInterrupt()) Interrupted();
+    // Nobody can close this window, so the wait that only a close request ends is ended here.
+    if (mSession && mSession->Outcome() == FlashOutcome::NothingAccepted &&
+        !mWindow->Flags().mblnCloseRequested) {
+        mProgress.Finish();
+        mNative.terminal->WriteError(mNative.strings->LoadResString(2043) + "\n");
+        mWindow->Flags().mblnCloseRequested = true;
+    }
+}
+
+void Run::Interrupted() {
+    mProgress.Finish();
+    const bool honoured = mWindow->cmdFlashAbort.Enabled();
+    const bool inFlash = mWindow->Flags().mblnFlashing;
+    mNative.terminal->WriteError(
+        mNative.strings->LoadResString(honoured ? 714 : inFlash ? 2041 : 2042) + "\n");
+    mWindow->cmdFlashAbort.Press();
+}
+
+}  // namespace
+
+ExitStatus RunTsFlash(NativePlatform& native) {
+    ExitStatus status = ExitStatus::Usage;
+    const StringTable& strings = *native.strings;
+    try {
+        const Options options = ParseOptions(native.process->Arguments(), strings);
+        switch (options.action) {
+            case Action::Help: native.terminal->Write(HelpText(strings)); break;
+            case Action::Version: native.terminal->Write(Version()); break;
+            case Action::ListPorts:
+                native.terminal->Write(PortList(*native.ports, strings));
+                break;
+            case Action::Flash:
+                CheckImage(options.image, *native.files, strings);
+                if (!options.yes && !native.terminal->InputIsTerminal())
+                    throw Refusal(strings, 2038, {});
+                return Run(native, options).Flash();
+        }
+        status = ExitStatus::Done;
+    } catch (const RuntimeError& error) {
+        native.terminal->WriteError("tsflash: " + error.Description() + "\n" +
+                                    strings.LoadResString(2048) + "\n");
+    }
+    return status;
+}
+
+}  // namespace vantor

@@ -1,0 +1,42 @@
+// The services of the system that a program is built for, as its start-up file takes them.
+#pragma once
+
+#include <functional>
+#include <memory>
+#include <string>
+
+#include "platform/Clock.hpp"
+#include "platform/CodePage.hpp"
+#include "platform/Files.hpp"
+#include "platform/Folders.hpp"
+#include "platform/MessagePump.hpp"
+#include "platform/Process.hpp"
+#include "platform/Registry.hpp"
+#include "platform/SerialPort.hpp"
+#include "platform/StringTable.hpp"
+#include "platform/Terminal.hpp"
+
+namespace vantor {
+
+/// What needs no window. Declared in the order of making: later ones may use earlier ones.
+struct NativePlatform {
+    std::unique_ptr<Process> process;
+    std::unique_ptr<Clock> clock;
+    std::unique_ptr<CodePage> codePage;
+    std::unique_ptr<Files> files;
+    std::unique_ptr<Folders> folders;
+    std::unique_ptr<StringTable> strings;
+    std::unique_ptr<Terminal> terminal;
+    std::unique_ptr<MessagePump> pump;
+    std::unique_ptr<Registry> registry;
+    std::unique_ptr<SerialPorts> ports;
+    /// The COM name that opens what a person calls `port`: a COM name as it is, a device path
+    /// (where the system has those) mapped to a free name for this run. Raises RuntimeError 68
+    /// when no name is free.
+    std::function<std::string(const std::string& port)> portName;
+};
+
+/// Makes them for this process. `argc` and `argv` are those of main.
+NativePlatform MakeNativePlatform(int argc, char** argv);
+
+}  // namespace vantor

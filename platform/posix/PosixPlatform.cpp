@@ -1,0 +1,38 @@
+// The native platform off Windows.
+#include <utility>
+
+#include "platform/CodePage1252.hpp"
+#include "platform/CompiledStrings.hpp"
+#include "platform/NativePlatform.hpp"
+#include "platform/PolledPump.hpp"
+#include "platform/posix/PosixClock.hpp"
+#include "platform/posix/PosixFiles.hpp"
+#include "platform/posix/PosixFolders.hpp"
+#include "platform/posix/PosixProcess.hpp"
+#include "platform/posix/PosixRegistry.hpp"
+#include "platform/posix/PosixSerialPorts.hpp"
+#include "platform/posix/PosixTerminal.hpp"
+
+namespace vantor {
+
+NativePlatform MakeNativePlatform(int argc, char** argv) {
+    NativePlatform native;
+    native.process = std::make_unique<PosixProcess>(argc, argv);
+    native.clock = std::make_unique<PosixClock>();
+    native.codePage = std::make_unique<CodePage1252>();
+    native.files = std::make_unique<PosixFiles>();
+    native.folders = std::make_unique<PosixFolders>();
+    native.strings = std::make_unique<CompiledStrings>(LanguageOfEnvironment());
+    native.terminal = std::make_unique<PosixTerminal>();
+    auto pump = std::make_unique<PolledPump>(*native.clock);
+    native.registry = std::make_unique<PosixRegistry>(DefaultRegistryFile(*native.folders));
+    auto ports = std::make_unique<PosixSerialPorts>(*pump);
+    native.portName = [&mapper = *ports](const std::string& port) {
+        return port.find('/') == std::string::npos ? port : mapper.MapDevice(port);
+    };
+    native.pump = std::move(pump);
+    native.ports = std::move(ports);
+    return native;
+}
+
+}  // namespace vantor

@@ -1,0 +1,210 @@
+#include "platform/posix/PosixSerialPort.hpp"
+
+#include <fcntl.h>
+#include <poll.h>
+#include <sys/file.h>
+#include <sys/ioctl.h>
+#include <sys/stat.h>
+#include <sys/sysmacros.h>
+#include <termios.h>
+
+#include <array>
+#include <cerrno>
+#include <utility>
+
+#include "support/RuntimeError.hpp"
+
+namespace vantor {
+namespace {
+
+struct Speed {
+    std::uint32_t bitsPerSecond;
+    speed_t code;
+};
+
+constexpr std::array kSpeeds = {
+    Speed{50, B50},         Speed{75, B75},         Speed{110, B110},       Speed{134, B134},
+    Speed{150, B150},       Speed{200, B200},       Speed{300, B300},       Speed{600, B600},
+    Speed{1200, B1200},     Speed{1800, B1800},     Speed{2400, B2400},     Speed{4800, B4800},
+    Speed{9600, B9600},     Speed{19200, B19200},   Speed{38400, B38400},   Speed{57600, B57600},
+    Speed{115200, B115200}, Speed{230400, B230400}, Speed{460800, B460800}, Speed{921600, B921600}};
+
+speed_t SpeedCode(std::uint32_t bitsPerSecond) {
+    for (const Speed& speed : kSpeeds)
+        if (speed.bitsPerSecond == bitsPerSecond) return speed.code;
+    throw RuntimeError(ErrorNumber::InvalidCall);
+}
+
+[[noreturn]] void RaiseOpenError(int systemError) {
+    switch (systemError) {
+        case EACCES:
+        case EPERM:
+        case EBUSY:
+        case EWOULDBLOCK:
+            throw RuntimeError(ErrorNumber::PermissionDenied);
+        default:
+            throw RuntimeError(ErrorNumber::DeviceUnavailable);
+    }
+}
+
+tcflag_t FrameFlags(const LineSettings& line) {
+    if (line.dataBits != 7 && line.dataBits != 8) throw RuntimeError(ErrorNumber::InvalidCall);
+    if (line.stopBits != 1 && line.stopBits != 2) throw RuntimeError(ErrorNumber::InvalidCall);
+    tcflag_t flags = line.dataBits == 7 ? CS7 : CS8;
+    if (line.stopBits == 2) flags |= CSTOPB;
+    if (line.parity != Parity::None) flags |= PARENB;
+    if (line.parity == Parity::Odd) flags |= PARODD;
+    return flags;
+}
+
+// A pseudo-terminal carries characters, not bits: it keeps 8 of them and no parity, whatever it
+// is asked for. That is no reason to refuse it.
+bool IsPseudoTerminal(int descriptor) {
+    constexpr unsigned kFirstMajor = 136;
+    constexpr unsigned kLastMajor = 143;
+    struct stat status {};
+    if (fstat(descriptor, &status) != 0) return false;
+    const unsigned number = major(status.st_rdev);
+    return number >= kFirstMajor && number <= kLastMajor;
+}
+
+}  // namespace
+
+PosixSerialPort::PosixSerialPort(PolledPump& pump, const std::string& device,
+                                 const LineSettings& line)
+    : mPump(pump) {
+    constexpr int kFlags = O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC;
+    mDevice = PosixHandle(Uninterrupted([&] { return open(device.c_str(), kFlags); }));
+    if (!mDevice.IsOpen()) RaiseOpenError(errno);
+    if (isatty(mDevice.Get()) != 1) throw RuntimeError(ErrorNumber::DeviceUnavailable);
+    // The lock comes before anything is changed on a line that may be in use, and binds the
+    // superuser too, whom the driver's own mark does not. The mark keeps out programs that do
+    // not lock; it comes last because a refused line must not be left marked.
+    if (Uninterrupted([&] { return flock(mDevice.Get(), LOCK_EX | LOCK_NB); }) != 0)
+        RaiseOpenError(errno);
+    SetLine(line);
+    RaiseModemLines();
+    if (ioctl(mDevice.Get(), TIOCEXCL) != 0) RaiseOpenError(errno);
+    // Looking makes the driver deliver what it still holds, so that this throws all of it away.
+    static_cast<void>(Look());
+    static_cast<void>(tcflush(mDevice.Get(), TCIFLUSH));  // a device gone by now shows later
+}
+
+PosixSerialPort::~PosixSerialPort() {
+    StopNotifying();
+    // The mark outlives us where another program holds the device too, such as the other side of
+    // a pseudo-terminal; it would lock out whoever comes next.
+    static_cast<void>(ioctl(mDevice.Get(), TIOCNXCL));
+}
+
+void PosixSerialPort::SetLine(const LineSettings& line) const {
+    const int descriptor = mDevice.Get();
+    const speed_t speed = SpeedCode(line.bitsPerSecond);
+    termios wanted{};
+    if (tcgetattr(descriptor, &wanted) != 0) RaiseOpenError(errno);
+    cfmakeraw(&wanted);
+    wanted.c_iflag = IGNBRK;  // an indicator switched off pulls the line low; that is no byte
+    const tcflag_t frameBits = CSIZE | CSTOPB | PARENB | PARODD;
+    wanted.c_cflag &= ~(frameBits | static_cast<tcflag_t>(CRTSCTS));
+    wanted.c_cflag |= FrameFlags(line) | CLOCAL | CREAD | HUPCL;
+    wanted.c_cc[VMIN] = 1;  // with 0, "nothing there" could not be told from "device gone"
+    wanted.c_cc[VTIME] = 0;
+    if (cfsetispeed(&wanted, speed) != 0 || cfsetospeed(&wanted, speed) != 0 ||
+        tcsetattr(descriptor, TCSANOW, &wanted) != 0)
+        throw RuntimeError(ErrorNumber::InvalidCall);
+
+    // Setting succeeds when any part of it did, so what counts is what can be read back.
+    termios got{};
+    if (tcgetattr(descriptor, &got) != 0) RaiseOpenError(errno);
+    const bool frameHolds = (got.c_cflag & frameBits) == (wanted.c_cflag & frameBits);
+    if (cfgetospeed(&got) != speed || (!frameHolds && !IsPseudoTerminal(descriptor)))
+        throw RuntimeError(ErrorNumber::InvalidCall);
+}
+
+void PosixSerialPort::RaiseModemLines() const {
+    const int lines = TIOCM_DTR | TIOCM_RTS;
+    if (ioctl(mDevice.Get(), TIOCMBIS, &lines) == 0) return;
+    // Pseudo-terminals and three-wire adapters have no such lines.
+    if (errno != ENOTTY && errno != EINVAL) RaiseOpenError(errno);
+}
+
+/// One system call, since this is asked in busy waits. A count of bytes alone would not do: it
+/// stays 0 on some drivers when the device has gone.
+PosixSerialPort::State PosixSerialPort::Look() const {
+    pollfd device{mDevice.Get(), POLLIN, 0};
+    if (Uninterrupted([&] { return poll(&device, 1, 0); }) == 0) return State::Quiet;
+    if ((device.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0) return State::Gone;
+    return (device.revents & POLLIN) != 0 ? State::HasInput : State::Quiet;
+}
+
+void PosixSerialPort::RaiseGone() {
+    mGone = true;
+    throw RuntimeError(ErrorNumber::DeviceIO);
+}
+
+std::size_t PosixSerialPort::Read(std::span<char> into) {
+    if (mGone) RaiseGone();
+    if (into.empty()) return 0;
+    const ssize_t count =
+        Uninterrupted([&] { return read(mDevice.Get(), into.data(), into.size()); });
+    if (count > 0) return static_cast<std::size_t>(count);
+    if (count < 0 && errno == EAGAIN) return 0;
+    RaiseGone();
+}
+
+std::size_t PosixSerialPort::Write(std::string_view bytes) {
+    if (mGone) RaiseGone();
+    if (bytes.empty()) return 0;
+    const ssize_t count =
+        Uninterrupted([&] { return write(mDevice.Get(), bytes.data(), bytes.size()); });
+    if (count >= 0) return static_cast<std::size_t>(count);
+    if (errno == EAGAIN) return 0;
+    RaiseGone();
+}
+
+std::size_t PosixSerialPort::QueueCount(unsigned long request) {
+    int count = 0;
+    if (ioctl(mDevice.Get(), request, &count) == 0) return static_cast<std::size_t>(count);
+    if (errno == ENOTTY || errno == EINVAL) return 0;  // the driver does not count this queue
+    RaiseGone();
+}
+
+std::size_t PosixSerialPort::InputCount() {
+    const State state = mGone ? State::Gone : Look();
+    if (state == State::Gone) RaiseGone();
+    return state == State::Quiet ? 0 : QueueCount(FIONREAD);
+}
+
+std::size_t PosixSerialPort::OutputCount() {
+    if (mGone || Look() == State::Gone) RaiseGone();
+    return QueueCount(TIOCOUTQ);
+}
+
+void PosixSerialPort::DiscardInput() {
+    if (mGone || Look() == State::Gone || tcflush(mDevice.Get(), TCIFLUSH) != 0) RaiseGone();
+}
+
+void PosixSerialPort::NotifyOnInput(std::function<void()> notify) {
+    StopNotifying();
+    mNotify = std::move(notify);
+    if (mNotify) mSource = mPump.AddSource([this] { PollInput(); });
+}
+
+void PosixSerialPort::StopNotifying() {
+    if (mSource != 0) mPump.RemoveSource(std::exchange(mSource, 0));
+    mNotify = nullptr;
+}
+
+// The callback may destroy this port: it is called as a copy, and nothing follows it.
+void PosixSerialPort::PollInput() {
+    const State state = mGone ? State::Gone : Look();
+    if (state == State::Quiet) return;
+    const std::function<void()> notify = mNotify;
+    if (state == State::Gone) {
+        mGone = true;
+        StopNotifying();
+    }
+    notify();
+}
+
+}  // namespace vantor

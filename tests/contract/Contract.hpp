@@ -1,0 +1,31 @@
+// The fixture that all contract suites share.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <cstdint>
+#include <memory>
+
+#include "support/RuntimeError.hpp"
+#include "tests/contract/Subjects.hpp"
+
+namespace vantor::contract {
+
+template <typename Subject>
+class Contract : public testing::TestWithParam<Maker<Subject>> {
+protected:
+    std::unique_ptr<Subject> subject = this->GetParam().make();
+};
+
+/// The number of the error that `body` raises; 0 when it raises none.
+template <typename Body>
+std::int32_t ErrorOf(Body&& body) {
+    try {
+        body();
+    } catch (const RuntimeError& error) {
+        return error.Number();
+    }
+    return 0;
+}
+
+}  // namespace vantor::contract

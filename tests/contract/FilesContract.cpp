@@ -1,0 +1,74 @@
+// What the code above relies on from the file system.
+#include "tests/contract/Contract.hpp"
+
+namespace vantor::contract {
+
+class FilesContract : public Contract<FilesSubject> {
+protected:
+    std::string At(const std::string& name) const { return subject->Folder() + name; }
+    Files& files = subject->Get();
+};
+
+TEST_P(FilesContract, BytesComeBackAsTheyWereWritten) {
+    std::string bytes = "line\r\nline\n\x1A";
+    for (int byte = 0; byte < 256; ++byte) bytes += static_cast<char>(byte);
+    files.WriteAll(At("\\image.s19"), "an older and longer text" + bytes);
+    files.WriteAll(At("\\image.s19"), bytes);
+    files.Append(At("/image.s19"), "tail\n");
+    EXPECT_EQ(files.ReadAll(At("\\image.s19")), bytes + "tail\n");
+    EXPECT_EQ(files.Size(At("/image.s19")), bytes.size() + 5);
+    files.Append(At("/new.log"), "");
+    EXPECT_EQ(files.ReadAll(At("/new.log")), "");
+}
+
+TEST_P(FilesContract, FoldersAreMadeWithAllAboveThemAndAreNoFiles) {
+    files.CreateFolders(At("\\reports\\2026/may"));
+    files.CreateFolders(At("\\reports\\2026/may"));
+    files.WriteAll(At("/reports/2026\\may\\error.txt"), "x");
+    EXPECT_TRUE(files.Exists(At("\\reports\\2026\\may/error.txt")));
+    EXPECT_FALSE(files.Exists(At("\\reports")));
+    EXPECT_EQ(ErrorOf([&] { files.Size(At("\\reports")); }), 53);
+    EXPECT_NE(ErrorOf([&] { files.CreateFolders(At("\\reports\\2026\\may\\error.txt\\x")); }), 0);
+}
+
+TEST_P(FilesContract, WhatIsMissingHasItsErrorNumber) {
+    EXPECT_FALSE(files.Exists(At("\\none.txt")));
+    EXPECT_FALSE(files.Exists(At("\\no folder\\none.txt")));
+    EXPECT_FALSE(files.Exists(""));
+    EXPECT_EQ(ErrorOf([&] { files.Size(At("\\none.txt")); }), 53);
+    EXPECT_EQ(ErrorOf([&] { files.ReadAll(At("\\none.txt")); }), 53);
+    EXPECT_EQ(ErrorOf([&] { files.Delete(At("\\none.txt")); }), 53);
+    EXPECT_EQ(ErrorOf([&] { files.ReadAll(At("\\no folder\\none.txt")); }), 76);
+    EXPECT_EQ(ErrorOf([&] { files.WriteAll(At("\\no folder\\new.txt"), "x"); }), 76);
+    EXPECT_EQ(ErrorOf([&] { files.Append(At("\\no folder\\new.txt"), "x"); }), 76);
+    EXPECT_NE(ErrorOf([&] { files.WriteAll(subject->Folder(), "x"); }), 0);
+}
+
+TEST_P(FilesContract, ADeletedFileIsGone) {
+    files.WriteAll(At("/old.txt"), "x");
+    files.Delete(At("\\old.txt"));
+    EXPECT_FALSE(files.Exists(At("/old.txt")));
+}
+
+TEST_P(FilesContract, AListHoldsTheMatchingFilesInOrder) {
+    for (const char* name : {"/b.GIF", "/a.gif", "/c.gif.txt", "/pict1.jpg"})
+        files.WriteAll(At(name), "x");
+    files.CreateFolders(At("/folder.gif"));
+    using Names = std::vector<std::string>;
+    EXPECT_EQ(files.List(subject->Folder(), "*.gif", {}), (Names{"a.gif", "b.GIF"}));
+    EXPECT_EQ(files.List(subject->Folder(), "PICT?.*", {}), Names{"pict1.jpg"});
+    EXPECT_EQ(files.List(subject->Folder(), "*", {}).size(), 4u);
+    EXPECT_EQ(files.List(subject->Folder(), "*.bmp", {}), Names{});
+    EXPECT_EQ(files.List(At("\\no folder"), "*", {}), Names{});
+}
+
+TEST_P(FilesContract, NamesOutsideTheCodePageWork) {
+    files.WriteAll(At("\\ñandú 重量.txt"), "x");
+    EXPECT_EQ(files.List(subject->Folder(), "*.txt", {}),
+              std::vector<std::string>{"ñandú 重量.txt"});
+    EXPECT_EQ(files.ReadAll(At("/ñandú 重量.txt")), "x");
+}
+
+INSTANTIATE_CONTRACT(FilesContract, HeadlessFileSystems, NativeFileSystems);
+
+}  // namespace vantor::contract

@@ -1,0 +1,179 @@
+// What the serial link relies on from a line.
+#include <array>
+#include <functional>
+
+#include "tests/contract/Contract.hpp"
+
+namespace vantor::contract {
+
+using namespace std::string_literals;
+
+class SerialPortContract : public Contract<SerialSubject> {
+protected:
+    std::unique_ptr<SerialPort> Open(const LineSettings& line = {115200, Parity::None, 8, 2}) {
+        return subject->Get().Open(subject->PortName(), line);
+    }
+
+    /// `count` bytes from the far end; fewer when they stop coming.
+    std::string Read(SerialPort& port, std::size_t count) {
+        std::string bytes;
+        std::array<char, 100> buffer{};
+        for (int idle = 0; bytes.size() < count && idle < kPatience; ++idle) {
+            const std::size_t got = port.Read(buffer);
+            bytes.append(buffer.data(), got);
+            if (got != 0) idle = 0;
+            if (got == 0) subject->Wait();
+        }
+        return bytes;
+    }
+
+    bool Becomes(const std::function<bool()>& condition) {
+        for (int i = 0; i < kPatience; ++i, subject->Wait())
+            if (condition()) return true;
+        return false;
+    }
+
+    static std::string AllBytes() {
+        std::string bytes;
+        for (int byte = 0; byte < 256; ++byte) bytes += static_cast<char>(byte);
+        return bytes;
+    }
+
+    static constexpr int kPatience = 1000;
+    WireEnd* const farEnd = subject->FarEnd();
+};
+
+#define NEEDS_FAR_END() \
+    if (farEnd == nullptr) GTEST_SKIP() << "nothing is connected to the port"
+
+TEST_P(SerialPortContract, APortThatDoesNotExistIsError68) {
+    for (const std::string& name : {subject->MissingPortName(), "COM33"s, "COM0"s, ""s})
+        EXPECT_EQ(ErrorOf([&] { subject->Get().Open(name, {}); }), 68) << name;
+}
+
+TEST_P(SerialPortContract, AnOpenPortIsBusyUntilItIsClosed) {
+    auto port = Open();
+    EXPECT_EQ(ErrorOf([&] { Open(); }), 70);
+    port.reset();
+    EXPECT_EQ(ErrorOf([&] { Open({9600, Parity::None, 8, 1}); }), 0);
+}
+
+TEST_P(SerialPortContract, ARefusedOpenLeavesThePortFree) {
+    EXPECT_EQ(ErrorOf([&] { Open({0, Parity::None, 8, 1}); }), 5);
+    EXPECT_EQ(ErrorOf([&] { Open(); }), 0);
+}
+
+TEST_P(SerialPortContract, EveryByteArrivesUnchangedAndOnce) {
+    NEEDS_FAR_END();
+    const auto port = Open();
+    const std::string bytes = AllBytes();
+    farEnd->Send(bytes);
+    EXPECT_EQ(Read(*port, bytes.size()), bytes);
+    EXPECT_EQ(port->Write(bytes), bytes.size());
+    EXPECT_EQ(farEnd->Receive(bytes.size() + 1), bytes) << "changed, or more than was written";
+    EXPECT_EQ(port->InputCount(), 0u) << "an echo";
+}
+
+TEST_P(SerialPortContract, WhatWaitsIsCountedAndDiscardedAndNeverWaitedFor) {
+    NEEDS_FAR_END();
+    const auto port = Open();
+    EXPECT_EQ(port->InputCount(), 0u);
+    std::array<char, 2> two{};
+    EXPECT_EQ(port->Read(two), 0u);
+    farEnd->Send("+12345");
+    EXPECT_TRUE(Becomes([&] { return port->InputCount() == 6; }));
+    EXPECT_EQ(port->Read(two), 2u);
+    EXPECT_EQ(port->InputCount(), 4u);
+    port->DiscardInput();
+    EXPECT_EQ(port->InputCount(), 0u);
+    farEnd->Send("=");
+    EXPECT_EQ(Read(*port, 1), "=");
+}
+
+TEST_P(SerialPortContract, NothingIsLostWhenTheDriverTakesAWriteInParts) {
+    NEEDS_FAR_END();
+    const auto port = Open();
+    std::string sent;
+    while (sent.size() < 65536) sent += AllBytes();
+    std::string received;
+    std::size_t written = 0;
+    while (written < sent.size()) {
+        const std::size_t accepted = port->Write(std::string_view(sent).substr(written));
+        written += accepted;
+        if (accepted != 0) continue;
+        const std::string some = farEnd->Receive(written - received.size());
+        ASSERT_FALSE(some.empty()) << "stuck after " << written;
+        received += some;
+    }
+    received += farEnd->Receive(sent.size() - received.size());
+    EXPECT_TRUE(received == sent) << received.size();
+    EXPECT_TRUE(Becomes([&] { return port->OutputCount() == 0; }));
+}
+
+TEST_P(SerialPortContract, EachPumpTellsOfWaitingBytesUntilTheyAreRead) {
+    NEEDS_FAR_END();
+    const auto port = Open();
+    int calls = 0;
+    port->NotifyOnInput([&] { ++calls; });
+    subject->Pump().PumpPending();
+    EXPECT_EQ(calls, 0);
+    farEnd->Send("ab");
+    const auto pumped = [&] { return subject->Pump().PumpPending(), calls; };
+    EXPECT_TRUE(Becomes([&] { return pumped() >= 2; }));
+    EXPECT_EQ(Read(*port, 2), "ab");
+    subject->Pump().PumpPending();  // a notification may have been on its way
+    const int before = calls;
+    EXPECT_EQ(pumped(), before);
+    port->NotifyOnInput({});
+    farEnd->Send("c");
+    EXPECT_TRUE(Becomes([&] { return port->InputCount() == 1; }));
+    EXPECT_EQ(pumped(), before);
+}
+
+TEST_P(SerialPortContract, ANotificationMayCloseThePort) {
+    NEEDS_FAR_END();
+    auto port = Open();
+    port->NotifyOnInput([&] { port.reset(); });
+    farEnd->Send("x");
+    EXPECT_TRUE(Becomes([&] { return subject->Pump().PumpPending(), port == nullptr; }));
+    subject->Pump().PumpPending();
+}
+
+TEST_P(SerialPortContract, ADeviceThatGoesAwayIsError57FromEveryOperationAndToldOnce) {
+    NEEDS_FAR_END();
+    const auto port = Open();
+    int calls = 0;
+    port->NotifyOnInput([&] { ++calls; });
+    farEnd->HangUp();
+    EXPECT_TRUE(Becomes([&] { return subject->Pump().PumpPending(), calls > 0; }));
+    subject->Pump().PumpPending();
+    EXPECT_EQ(calls, 1);
+    std::array<char, 4> buffer{};
+    EXPECT_EQ(ErrorOf([&] { port->InputCount(); }), 57);
+    EXPECT_EQ(ErrorOf([&] { port->Read(buffer); }), 57);
+    EXPECT_EQ(ErrorOf([&] { port->Write("x"); }), 57);
+    EXPECT_EQ(ErrorOf([&] { port->OutputCount(); }), 57);
+    EXPECT_EQ(ErrorOf([&] { port->DiscardInput(); }), 57);
+}
+
+TEST_P(SerialPortContract, OldInputIsNotTakenForAnAnswer) {
+    NEEDS_FAR_END();
+    auto first = Open();
+    farEnd->Send("stale");
+    EXPECT_TRUE(Becomes([&] { return first->InputCount() == 5; }));
+    first.reset();
+    const auto second = Open();
+    farEnd->Send("fresh");
+    EXPECT_EQ(Read(*second, 5), "fresh");
+}
+
+TEST_P(SerialPortContract, ThePortIsListed) {
+    bool found = false;
+    for (const SerialPortInfo& port : subject->Get().List())
+        found = found || port.name == subject->PortName();
+    EXPECT_TRUE(found);
+}
+
+INSTANTIATE_CONTRACT(SerialPortContract, HeadlessSerialLines, NativeSerialLines);
+
+}  // namespace vantor::contract

@@ -1,0 +1,144 @@
+// The native subjects off Windows. The far end of a line is the other side of a pseudo-terminal.
+#include <fcntl.h>
+#include <poll.h>
+#include <stdlib.h>
+
+#include <array>
+#include <filesystem>
+#include <stdexcept>
+
+#include "platform/posix/PosixClock.hpp"
+#include "platform/posix/PosixFiles.hpp"
+#include "platform/posix/PosixHandle.hpp"
+#include "platform/posix/PosixRegistry.hpp"
+#include "platform/posix/PosixSerialPorts.hpp"
+#include "tests/contract/Subjects.hpp"
+
+namespace vantor::contract {
+namespace {
+
+class TemporaryFolder {
+public:
+    TemporaryFolder() {
+        mPath = (std::filesystem::temp_directory_path() / "contract-XXXXXX").string();
+        if (mkdtemp(mPath.data()) == nullptr) throw std::runtime_error("no temporary folder");
+    }
+    ~TemporaryFolder() {
+        std::error_code failed;  // a folder left behind harms nobody
+        std::filesystem::remove_all(mPath, failed);
+    }
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    const std::string& Path() const { return mPath; }
+
+private:
+    std::string mPath;
+};
+
+class HostFiles : public FilesSubject {
+public:
+    Files& Get() override { return mFiles; }
+    std::string Folder() const override { return mFolder.Path(); }
+
+private:
+    TemporaryFolder mFolder;
+    PosixFiles mFiles;
+};
+
+class FileRegistry : public RegistrySubject {
+public:
+    Registry& Get() override { return *mRegistry; }
+    std::string Path() const override { return "Software\\Contract"; }
+    void Restart() override { mRegistry = Opened(); }
+
+private:
+    // The folder does not exist at first, as in a new home.
+    std::unique_ptr<PosixRegistry> Opened() const {
+        return std::make_unique<PosixRegistry>(mFolder.Path() + "/new/registry.reg");
+    }
+
+    TemporaryFolder mFolder;
+    std::unique_ptr<PosixRegistry> mRegistry = Opened();
+};
+
+class PseudoTerminal : public WireEnd {
+public:
+    PseudoTerminal() : mMaster(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) {
+        const int master = mMaster.Get();
+        if (grantpt(master) != 0 || unlockpt(master) != 0 ||
+            ptsname_r(master, mDevice.data(), mDevice.size()) != 0)
+            throw std::runtime_error("no pseudo-terminal");
+    }
+
+    std::string Device() const { return mDevice.data(); }
+
+    void Send(std::string_view bytes) override {
+        if (write(mMaster.Get(), bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size()))
+            throw std::runtime_error("the pseudo-terminal took only a part");
+    }
+
+    std::string Receive(std::size_t count) override {
+        constexpr int kQuietMs = 200;  // nothing is on its way any longer than that
+        std::string bytes(count, '\0');
+        std::size_t length = 0;
+        pollfd master{mMaster.Get(), POLLIN, 0};
+        while (length < count && poll(&master, 1, kQuietMs) == 1) {
+            const ssize_t got = read(mMaster.Get(), bytes.data() + length, count - length);
+            if (got <= 0) break;
+            length += static_cast<std::size_t>(got);
+        }
+        bytes.resize(length);
+        return bytes;
+    }
+
+    void HangUp() override { PosixHandle(std::move(mMaster)); }
+
+private:
+    PosixHandle mMaster;
+    std::array<char, 64> mDevice{};
+};
+
+class PseudoTerminalLine : public SerialSubject {
+public:
+    SerialPorts& Get() override { return mPorts; }
+    std::string PortName() const override { return "COM5"; }
+    std::string MissingPortName() const override { return "COM6"; }
+    WireEnd* FarEnd() override { return &mTerminal; }
+    MessagePump& Pump() override { return mPump; }
+    void Wait() override { mClock.Sleep(1); }
+
+private:
+    PosixClock mClock;
+    PolledPump mPump{mClock};
+    PseudoTerminal mTerminal;
+    PosixSerialPorts mPorts{mPump, {{"COM5", mTerminal.Device()}, {"COM6", "/dev/null"}}};
+};
+
+}  // namespace
+
+Makers<ClockSubject> NativeClocks() {
+    return {MakerOf<ClockSubject, Owning<Clock, PosixClock>>("Posix")};
+}
+
+Makers<FilesSubject> NativeFileSystems() {
+    return {MakerOf<FilesSubject, HostFiles>("Posix")};
+}
+
+Makers<RegistrySubject> NativeRegistries() {
+    return {MakerOf<RegistrySubject, FileRegistry>("PosixFile")};
+}
+
+Makers<SerialSubject> NativeSerialLines() {
+    return {MakerOf<SerialSubject, PseudoTerminalLine>("PseudoTerminal")};
+}
+
+// These two services are the portable ones here.
+Makers<CodePageSubject> NativeCodePages() {
+    return {};
+}
+
+Makers<StringsSubject> NativeStringTables() {
+    return {};
+}
+
+}  // namespace vantor::contract

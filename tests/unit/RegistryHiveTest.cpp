@@ -1,0 +1,115 @@
+// The registry's text form: what is written, and what becomes of files that people or accidents
+// have changed. The registry's calls themselves are the contract suite's business.
+#include <gtest/gtest.h>
+
+#include <string>
+#include <string_view>
+
+#include "platform/RegistryHive.hpp"
+
+namespace vantor {
+namespace {
+
+using namespace std::string_literals;
+
+std::string Exported(std::string_view text) {
+    RegistryHive hive;
+    hive.Import(text);
+    return hive.Export();
+}
+
+const std::string kHead = "REGEDIT4\n\n[HKEY_CURRENT_USER\\Software\\Vantor]\n";
+
+struct Line {
+    const char* read;
+    const char* written;  // what the key holds afterwards, as lines
+};
+
+class ReadLine : public testing::TestWithParam<Line> {};
+
+TEST_P(ReadLine, BecomesTheValueOrNothing) {
+    const auto [read, written] = GetParam();
+    const std::string expected = kHead + written + "\"z\"=\"\"\n";
+    EXPECT_EQ(Exported(kHead + read + "\n\"z\"=\"\"\n"), expected);
+    EXPECT_EQ(Exported(expected), expected);
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    Sound, ReadLine,
+    testing::Values(
+        Line{"\"a\"=\"38400\"\r", "\"a\"=\"38400\"\n"}, Line{"  \"a\" = \"x\"  ", "\"a\"=\"x\"\n"},
+        Line{"@=\"default\"", "@=\"default\"\n"},
+        Line{"\"a\\\"\\\\\"=\"C:\\\\d \\\"q\\\"\"", "\"a\\\"\\\\\"=\"C:\\\\d \\\"q\\\"\"\n"},
+        Line{"\"a\"=\"C:\\dir\"", "\"a\"=\"C:\\\\dir\"\n"},
+        Line{"\"a\"=\"\xF3\"", "\"a\"=hex(1):f3,00\n"}, Line{"\"a\"=hex(1):41,00", "\"a\"=\"A\"\n"},
+        Line{"\"a\"=hex(1):41", "\"a\"=hex(1):41\n"},
+        Line{"\"a\"=hex(1):41,00,42,00", "\"a\"=hex(1):41,00,42,00\n"},
+        Line{"\"a\"=dword:0000FFfe", "\"a\"=dword:0000fffe\n"},
+        Line{"\"a\"=dword:1", "\"a\"=dword:00000001\n"},
+        Line{"\"a\"=hex(4):01", "\"a\"=hex(4):01\n"}, Line{"\"a\"=hex(0):", "\"a\"=hex(0):\n"},
+        Line{"\"a\"=hex(ffffffff):00", "\"a\"=hex(ffffffff):00\n"},
+        Line{"\"a\"=hex:", "\"a\"=hex:\n"},
+        Line{"\"a\"=hex:01,\\\n  02,03,\\\r\n  04", "\"a\"=hex:01,02,03,04\n"},
+        Line{"\"a\\xf1\"=\"\"", "\"a\\xf1\"=\"\"\n"},
+        Line{"\"A\"=\"1\"\n\"a\"=\"2\"", "\"a\"=\"2\"\n"}));
+
+INSTANTIATE_TEST_SUITE_P(
+    Damaged, ReadLine,
+    testing::Values(
+        Line{"\"a\"=\"open end", ""}, Line{"\"a\"=\"open end\\", ""}, Line{"\"a\"=\"x\" y", ""},
+        Line{"\"a", ""}, Line{"\"a\"", ""}, Line{"\"a\"=", ""}, Line{"a=\"x\"", ""}, Line{"=", ""},
+        Line{"\"", ""}, Line{"\"a\"=-", ""}, Line{"; remark", ""}, Line{"\"a\"=dword:", ""},
+        Line{"\"a\"=dword:123456789", ""}, Line{"\"a\"=dword:12g4", ""}, Line{"\"a\"=hex", ""},
+        Line{"\"a\"=hex:0", ""}, Line{"\"a\"=hex:01,0", ""}, Line{"\"a\"=hex:01,", ""},
+        Line{"\"a\"=hex:01,,02", ""}, Line{"\"a\"=hex:001", ""}, Line{"\"a\"=hex(:01", ""},
+        Line{"\"a\"=hex():01", ""}, Line{"\"a\"=hex(1:01", ""}, Line{"\"a\"=hex(x):01", ""},
+        // The rest of the list is lost; the value after it must not be.
+        Line{"\"a\"=hex:01,\\", ""}));
+
+TEST(RegistryText, ValuesBelowADamagedKeyLineGoToNoKey) {
+    for (const char* line :
+         {"[HKEY_CURRENT_USER\\Soft", "[HKEY_NOBODY\\Soft]", "[]", "[",
+          "[-HKEY_CURRENT_USER\\Software\\Vantor]", "[HKEY_CURRENT_USER\\a%5cb]"})
+        EXPECT_EQ(Exported(kHead + "\"a\"=\"1\"\n" + line + "\n\"a\"=\"2\"\n"),
+                  kHead + "\"a\"=\"1\"\n")
+            << line;
+}
+
+TEST(RegistryText, HasOneSpellingForEveryNameAndIsPlainAscii) {
+    RegistryHive hive;
+    RegistryKey key = 0;
+    std::string name;
+    for (int byte = 1; byte < 256; ++byte)
+        if (byte != '\\') name += static_cast<char>(byte);
+    for (const RegistryRoot root : {RegistryRoot::CurrentUser, RegistryRoot::LocalMachine}) {
+        ASSERT_EQ(hive.CreateKey(root, name + "\\100%41]", kRegistrySetValue, key),
+                  kRegistrySuccess);
+        ASSERT_EQ(hive.SetValue(key, name, kRegistryString, name), kRegistrySuccess);
+    }
+    const std::string text = hive.Export();
+    EXPECT_EQ(
+        text.find_first_not_of("\n !\"#$%&'()*+,-./0123456789:;<=>?@ABCDEFGHIJKLMNOPQRSTUVWXYZ"
+                               "[\\]^_`abcdefghijklmnopqrstuvwxyz{|}~"),
+        std::string::npos);
+    RegistryHive copy;
+    copy.Import(text);
+    EXPECT_EQ(copy.Export(), text);
+    EXPECT_EQ(copy.OpenKey(RegistryRoot::LocalMachine, name + "\\100%41]", 0, key),
+              kRegistrySuccess);
+}
+
+TEST(RegistryText, AFileCutAnywhereKeepsItsWholeLines) {
+    const std::string whole = kHead + "\"a\"=\"1\"\n\"b\"=dword:00000002\n\"c\"=hex:01,02\n";
+    for (std::size_t length = kHead.size() + 8; length < whole.size(); ++length)
+        EXPECT_TRUE(Exported(whole.substr(0, length)).starts_with(kHead + "\"a\"=\"1\"\n"))
+            << length;
+}
+
+TEST(RegistryText, AKeyOfHugeDepthIsRefusedWithoutHarm) {
+    std::string deep = "[HKEY_CURRENT_USER";
+    for (int i = 0; i < 200000; ++i) deep += "\\a";
+    EXPECT_EQ(Exported(deep + "]\n\"a\"=\"1\"\n"), "REGEDIT4\n");
+}
+
+}  // namespace
+}  // namespace vantor

@@ -1,23 +1,24 @@
-// The pseudo-terminal of a POSIX system.
+// The pseudo-terminal of a Linux system, watched for opens and closes by inotify: the terminal
+// itself shows that it is closed, but not that it was for a moment.
 #include "simulator/PseudoTerminal.hpp"
 
 #include <fcntl.h>
 #include <poll.h>
 #include <stdlib.h>
+#include <sys/inotify.h>
 #include <termios.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <cerrno>
+#include <cstring>
 #include <system_error>
 #include <utility>
 
 namespace vantor {
 
 namespace {
-
-constexpr std::chrono::microseconds kClosedInterval{2'000};
 
 [[noreturn]] void Fail(const char* what) {
     throw std::system_error(errno, std::generic_category(), what);
@@ -73,13 +74,20 @@ PseudoTerminal::PseudoTerminal() {
     fcntl(mMaster, F_SETFL, fcntl(mMaster, F_GETFL) | O_NONBLOCK);
     fcntl(mMaster, F_SETFD, FD_CLOEXEC);
     MakeRaw(mPath);
+
+    mEvents = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
+    if (mEvents < 0 || inotify_add_watch(mEvents, path, IN_OPEN | IN_CLOSE) < 0) {
+        Fail("The pseudo-terminal cannot be watched for opens");
+    }
 }
 
 PseudoTerminal::~PseudoTerminal() {
     Close();
 }
 
-PseudoTerminal::State PseudoTerminal::Look() const {
+PseudoTerminal::State PseudoTerminal::Look() {
+    // Before the look at the terminal: an event that comes between the two ends the next wait.
+    const bool reopened = ReadEvents();
     pollfd look{mMaster, POLLIN, 0};
     // Asked with the waiting mask, so that a signal gets in even while bytes keep streaming.
     const timespec now{};
@@ -88,23 +96,45 @@ PseudoTerminal::State PseudoTerminal::Look() const {
         look.revents = 0;
         if (poll(&look, 1, 0) < 0) Fail("The pseudo-terminal cannot be watched");
     }
-    return {(look.revents & POLLHUP) == 0, (look.revents & POLLIN) != 0};
+    return {(look.revents & POLLHUP) == 0, reopened, (look.revents & POLLIN) != 0};
+}
+
+// Takes note of opens and closes; true when an open follows the close of the last host. The
+// close is told before the terminal shows it, so that a close alone says nothing yet.
+bool PseudoTerminal::ReadEvents() {
+    bool reopened = false;
+    alignas(inotify_event) std::array<char, 4096> buffer{};
+    for (;;) {
+        const ssize_t count = read(mEvents, buffer.data(), buffer.size());
+        if (count <= 0) return reopened;
+        inotify_event event{};
+        for (std::size_t at = 0; at < static_cast<std::size_t>(count);
+             at += sizeof event + event.len) {
+            std::memcpy(&event, buffer.data() + at, sizeof event);
+            if ((event.mask & IN_OPEN) != 0) {
+                reopened = reopened || mWasEmptied;
+                mWasEmptied = false;
+                ++mOpenCount;
+            } else if ((event.mask & IN_CLOSE) != 0) {
+                mOpenCount = std::max(0, mOpenCount - 1);
+                mWasEmptied = mOpenCount == 0;
+            }
+        }
+    }
 }
 
 void PseudoTerminal::Wait(std::optional<std::chrono::microseconds> atMost) const {
-    const State state = Look();
-    if (state.readable) return;
-    // Without a host the terminal reports a hang-up at once and always, so it is no use waiting
-    // for it.
-    if (!state.hostOpen) atMost = std::min(atMost.value_or(kClosedInterval), kClosedInterval);
+    std::array<pollfd, 2> wait{{{mEvents, POLLIN, 0}, {mMaster, POLLIN, 0}}};
+    if (poll(&wait[1], 1, 0) < 0) Fail("The pseudo-terminal cannot be waited for");
+    if ((wait[1].revents & POLLIN) != 0) return;
+    // Without a host the terminal reports a hang-up at once and always; then only an open counts.
+    const nfds_t watched = (wait[1].revents & POLLHUP) != 0 ? 1 : 2;
     timespec limit{};
     if (atMost) {
         limit.tv_sec = static_cast<time_t>(atMost->count() / 1'000'000);
         limit.tv_nsec = static_cast<long>(atMost->count() % 1'000'000 * 1'000);
     }
-    pollfd wait{mMaster, POLLIN, 0};
-    const nfds_t watched = state.hostOpen ? 1 : 0;
-    if (ppoll(&wait, watched, atMost ? &limit : nullptr, &mWaitMask) < 0 && errno != EINTR) {
+    if (ppoll(wait.data(), watched, atMost ? &limit : nullptr, &mWaitMask) < 0 && errno != EINTR) {
         Fail("The pseudo-terminal cannot be waited for");
     }
 }
@@ -145,8 +175,10 @@ LineSettings PseudoTerminal::Line() const {
 }
 
 void PseudoTerminal::Close() {
-    if (mMaster >= 0) close(mMaster);
-    mMaster = -1;
+    for (int* const descriptor : {&mMaster, &mEvents}) {
+        if (*descriptor >= 0) close(*descriptor);
+        *descriptor = -1;
+    }
 }
 
 }  // namespace vantor

@@ -29,15 +29,15 @@ public:
 
     struct State {
         bool hostOpen;  ///< somebody has the far end open
+        bool reopened;  ///< it was closed and opened again since the last look
         bool readable;  ///< bytes wait, possibly from a host that has closed since
     };
-    State Look() const;
-    /// Returns when a host has written or closed, at a signal, or after `atMost`; without a
-    /// limit when unset. While no host has the far end open it returns every 2 ms, for the
-    /// system gives no notice of an open.
+    State Look();
+    /// Returns when a host has opened, written or closed, at a signal, or after `atMost`;
+    /// without a limit when unset.
     void Wait(std::optional<std::chrono::microseconds> atMost) const;
 
-    /// All bytes that wait; empty when there are none.
+    /// All bytes that wait, those of a host that has closed included; empty when there are none.
     std::string Read();
     /// Hands `bytes` to the host. What a host that does not read leaves no room for is lost.
     void Write(std::string_view bytes);
@@ -48,7 +48,12 @@ public:
     void Close();
 
 private:
+    bool ReadEvents();
+
     int mMaster = -1;
+    int mEvents = -1;          // opens and closes of the far end
+    int mOpenCount = 0;        // by these events
+    bool mWasEmptied = false;  // the last close left nobody
     std::string mPath;
     sigset_t mWaitMask{};
 };

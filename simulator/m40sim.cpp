@@ -36,7 +36,7 @@ constexpr Micros kMicrosPerMilli = 1'000;
 constexpr Micros kSpin = 200;
 // After a byte the next one is polled for so long without sleeping, so that the time to wake up
 // is not charged to a host that streams.
-constexpr Micros kAttentive = 2'000;
+constexpr Micros kAttentive = 500;
 // How long a host may keep the terminal open after BOOT until `--once` ends all the same.
 constexpr Micros kFarewell = 2'000'000;
 
@@ -235,6 +235,7 @@ public:
 private:
     Micros Now() const;
     void Listen();
+    void NoteLine(Micros now);
     void Speak();
     void Report();
     void Pause();
@@ -281,32 +282,34 @@ Micros Server::Now() const {
 
 void Server::Listen() {
     const PseudoTerminal::State state = mTerminal.Look();
-    // The host may have opened, written and closed since the last look: its bytes count.
-    const std::string bytes = state.readable ? mTerminal.Read() : std::string{};
+    // A close may follow the last bytes so quickly that the look shows only the close.
+    const bool mayHold = state.readable || !state.hostOpen || state.reopened;
+    const std::string bytes = mayHold ? mTerminal.Read() : std::string{};
     const Micros now = Now();
-    const bool opened = !mHostOpen && (state.hostOpen || !bytes.empty());
-    if (opened || !bytes.empty()) {
-        const LineSettings line = mTerminal.Line();
-        if (opened || line != mHostLine) {
-            mTranscript.Add(now, "-",
-                            "host at " + std::to_string(line.bitsPerSecond) + " bit/s, " +
-                                std::to_string(line.stopBits) + " stop bits");
-            mIndicator.HostLine(line, now);
-        }
-        mHostLine = line;
-        mHostOpen = true;
-    }
+    // The host may also have opened, written and closed since the last look.
+    if ((!mHostOpen && state.hostOpen) || !bytes.empty()) NoteLine(now);
     if (!bytes.empty()) {
         mTranscript.Add(now, ">", bytes);
         mIndicator.Receive(bytes, now);
         mLastByte = now;
     }
-    if (mHostOpen && !state.hostOpen) {
+    if (mHostOpen && (!state.hostOpen || state.reopened)) {
         mHostOpen = false;
         mIndicator.HostClosed(now);
         mTranscript.Add(now, "-", "host closed");
         mTranscript.Flush();
     }
+}
+
+void Server::NoteLine(Micros now) {
+    const LineSettings line = mTerminal.Line();
+    if (mHostOpen && line == mHostLine) return;
+    mHostOpen = true;
+    mHostLine = line;
+    mIndicator.HostLine(line, now);
+    mTranscript.Add(now, "-",
+                    "host at " + std::to_string(line.bitsPerSecond) + " bit/s, " +
+                        std::to_string(line.stopBits) + " stop bits");
 }
 
 void Server::Speak() {

@@ -147,7 +147,7 @@ void PosixFiles::CreateFolders(const std::string& path) {
 std::vector<std::string> PosixFiles::List(const std::string& folder, const std::string& pattern,
                                           ListFilter filter) const {
     std::vector<std::string> names;
-    const std::string hostFolder = HostPath(folder.empty() ? "." : folder);
+    const std::string hostFolder = HostPath(folder.empty() ? "." : folder) + '/';
     struct Closer {
         void operator()(DIR* stream) const { static_cast<void>(closedir(stream)); }
     };
@@ -157,7 +157,7 @@ std::vector<std::string> PosixFiles::List(const std::string& folder, const std::
         const std::string name = entry->d_name;
         if (name.starts_with('.') && !filter.hidden) continue;
         if (!MatchesPattern(name, pattern)) continue;
-        if (Exists(hostFolder + '/' + name)) names.push_back(name);
+        if (Exists(hostFolder + name)) names.push_back(name);
     }
     std::sort(names.begin(), names.end());
     return names;

@@ -56,7 +56,7 @@ std::string FirstLine(const fs::path& file) {
 
 }  // namespace
 
-PosixSerialPorts::PosixSerialPorts(PolledPump& pump, Devices extra, std::string deviceClass)
+PosixSerialPorts::PosixSerialPorts(PolledPump& pump, const Devices& extra, std::string deviceClass)
     : mPump(pump), mDeviceClass(std::move(deviceClass)) {
     for (unsigned number = 1; number <= kLastComNumber; ++number)
         mDevices[ComName(number)] = TableDevice(number);
@@ -95,10 +95,11 @@ std::string PosixSerialPorts::Description(const std::string& device) const {
     constexpr int kLevels = 4;
     fs::path level = Resolved(entry);
     for (int i = 0; i < kLevels; ++i, level = level.parent_path()) {
-        const std::string product = FirstLine(level / "product");
+        std::string product = FirstLine(level / "product");
         if (product.empty()) continue;
         const std::string maker = FirstLine(level / "manufacturer");
-        return maker.empty() || product.starts_with(maker) ? product : maker + ' ' + product;
+        if (!maker.empty() && !product.starts_with(maker)) product.insert(0, maker + ' ');
+        return product;
     }
     const fs::path driver = entry / "driver";
     return fs::exists(driver, failed) ? Resolved(driver).filename().string() : std::string();
@@ -119,7 +120,7 @@ std::string PosixSerialPorts::MapDevice(const std::string& path) {
         if (device == path || Resolved(device) == wanted) return name;
     // From the far end of the table: an adapter plugged in later gets a low number.
     for (unsigned number = kLastComNumber; number != 0; --number) {
-        const std::string name = ComName(number);
+        std::string name = ComName(number);
         if (mExtra.contains(name) || IsPresent(name)) continue;
         mExtra[name] = path;
         mDevices[name] = path;

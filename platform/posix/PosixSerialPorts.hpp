@@ -17,7 +17,7 @@ public:
 
     /// `extra` adds to the table above or overrides it. `pump` must outlive the ports opened.
     /// `deviceClass` is where the system describes its terminals.
-    explicit PosixSerialPorts(PolledPump& pump, Devices extra = {},
+    explicit PosixSerialPorts(PolledPump& pump, const Devices& extra = {},
                               std::string deviceClass = "/sys/class/tty");
 
     std::unique_ptr<SerialPort> Open(const std::string& name, const LineSettings& line) override;

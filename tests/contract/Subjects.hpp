@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <ostream>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -27,6 +28,11 @@ struct Maker {
     std::string name;  ///< letters and digits: it becomes part of the tests' names
     std::function<std::unique_ptr<Subject>()> make;
 };
+/// What the test runner shows of a maker.
+template <typename Subject>
+void PrintTo(const Maker<Subject>& maker, std::ostream* stream) {
+    *stream << maker.name;
+}
 template <typename Subject>
 using Makers = std::vector<Maker<Subject>>;
 

@@ -54,7 +54,7 @@ public:
 
     void Send(std::string_view bytes) override { mToPort += bytes; }
     std::string Receive(std::size_t count) override {
-        const std::string bytes = mFromPort.substr(0, count);
+        std::string bytes = mFromPort.substr(0, count);
         mFromPort.erase(0, count);
         return bytes;
     }

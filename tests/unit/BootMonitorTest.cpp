@@ -427,10 +427,11 @@ constexpr Micros CharactersInMicros(std::int64_t count, std::int64_t bitsPerSeco
 }
 
 TEST(Pacing, ALongRunDoesNotDrift) {
+    constexpr std::int64_t count = 153'000;  // a whole image
     UartPacing pacing;
     Nanos end = 0;
-    for (int i = 0; i < 3'400 * 45; ++i) end = pacing.Next(7, 11, 115200);
-    EXPECT_EQ(end, 7 + Characters(3'400 * 45, 115200));
+    for (std::int64_t i = 0; i < count; ++i) end = pacing.Next(7, 11, 115200);
+    EXPECT_EQ(end, 7 + Characters(count, 115200));
 }
 
 TEST(Pacing, IdleTimeEarnsNoCreditAndASpeedChangeWaitsForTheCharacterBefore) {

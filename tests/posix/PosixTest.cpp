@@ -1,9 +1,10 @@
 // What the native services off Windows do beyond their contracts: several programs on one
 // registry file, crashes, last words, interrupts, names of ports.
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <stdlib.h>
-#include <sys/stat.h>
+#include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -48,7 +49,7 @@ protected:
         const RegistryResult result =
             registry.CreateKey(RegistryRoot::CurrentUser, "Soft", kRegistryAllButOwner, key);
         if (result != kRegistrySuccess) return result;
-        return registry.SetValue(key, name, kRegistryString, {"x", 2});
+        return registry.SetValue(key, name, kRegistryString, std::string_view("x\0", 2));
     }
     bool Has(const std::string& name) const {
         PosixRegistry registry(file);
@@ -127,7 +128,7 @@ TEST(PosixProcessDeathTest, SignalsAndExceptionsAreNamedBeforeTheEnd) {
     EXPECT_EXIT(dying([] { raise(SIGSEGV); }), KilledBySignal(SIGSEGV),
                 "Update: Unhandled Exception: Access Violation");
     EXPECT_EXIT(dying([] { raise(SIGFPE); }), KilledBySignal(SIGFPE), "Float Invalid Operation");
-    const auto lost = []() noexcept { std::vector<int>().at(0); };
+    const auto lost = []() noexcept { static_cast<void>(std::vector<int>().at(0)); };
     EXPECT_EXIT(dying(lost), KilledBySignal(SIGABRT), "Update: Unhandled Exception: vector");
 }
 
@@ -227,6 +228,20 @@ TEST_F(PosixPortNames, ADeviceHasOneNameHoweverItIsWritten) {
     EXPECT_EQ(ports.MapDevice("/dev/zero"), "COM32");
     EXPECT_EQ(ports.MapDevice("/dev/full"), "COM31");
     EXPECT_EQ(ports.MapDevice("/dev/zero"), "COM32");
+}
+
+TEST_F(PosixPortNames, AClosedPortIsNotMarkedAsTakenWhileOthersHoldTheDevice) {
+    const PosixHandle master(posix_openpt(O_RDWR | O_NOCTTY));
+    ASSERT_EQ(grantpt(master.Get()), 0);
+    ASSERT_EQ(unlockpt(master.Get()), 0);
+    const std::string device = ptsname(master.Get());
+    const PosixHandle other(open(device.c_str(), O_RDWR | O_NOCTTY));
+    PosixSerialPorts ports(pump, {{"COM5", device}});
+    int taken = -1;
+    auto port = ports.Open("COM5", {});
+    EXPECT_TRUE(ioctl(other.Get(), TIOCGEXCL, &taken) == 0 && taken == 1);
+    port.reset();
+    EXPECT_TRUE(ioctl(other.Get(), TIOCGEXCL, &taken) == 0 && taken == 0);
 }
 
 }  // namespace

@@ -1,0 +1,125 @@
+// Scrambling is part of the stored format: what an older version wrote must still be read.
+#include "settings/CEncryption.hpp"
+
+#include <gtest/gtest.h>
+
+#include <string>
+
+#include "ReportingPlatform.hpp"
+
+namespace vantor {
+namespace {
+
+using namespace std::string_literals;
+
+class CEncryptionTest : public testing::Test {
+protected:
+    /// The bytes that stand for `text` scrambled.
+    std::string Bytes(const std::string& text) {
+        return mPlatform.codePage.ToAnsi(mEncryption.EncryptStringAscii(text));
+    }
+
+    ReportingPlatform mPlatform;
+    CEncryption mEncryption{mPlatform.codePage, mPlatform.files};
+};
+
+// 25 bytes lead past the end of the 16-byte key, so the vector holds the step back to index 1.
+TEST_F(CEncryptionTest, TheStoredFormatMustNotChange) {
+    EXPECT_EQ(Bytes("The quick brown fox jumps"),
+              "\x1f\x68\xb4\x20\x6b\x75\xa7\x63\x06\x20\x20\x72\x22\x77\x0a\x20\x66\xbe\xdc\x3a"
+              "\x62\xbb\xcb\x1d\x83");
+    mEncryption.Password = "A";
+    EXPECT_EQ(Bytes("ABCDEF"), "\0BCDEF"s) << "the key goes on from its byte 1, never from 0";
+}
+
+TEST_F(CEncryptionTest, EveryCallStartsFromAFreshKeyAndUndoesTheOther) {
+    std::string all;
+    for (int c = 0; c < 256; ++c) all += static_cast<char>(c);
+    const std::string text = mPlatform.codePage.FromAnsi(all + all);
+    for (const char* password : {"KORBENAL", "x", "contraseña", "€"}) {
+        mEncryption.Password = password;
+        const std::string scrambled = mEncryption.EncryptStringAscii(text);
+        EXPECT_NE(scrambled, text) << password;
+        EXPECT_EQ(mEncryption.EncryptStringAscii(scrambled), text) << password;
+    }
+}
+
+TEST_F(CEncryptionTest, AByteThatScramblesToZeroMustNotEndTheText) {
+    const std::string scrambled = mEncryption.EncryptStringAscii("K123");
+    EXPECT_EQ(scrambled.substr(0, 2), "\0"s + "1");
+    EXPECT_EQ(scrambled.size(), mPlatform.codePage.FromAnsi(Bytes("K123")).size());
+    EXPECT_EQ(mEncryption.EncryptStringAscii(scrambled), "K123");
+    EXPECT_EQ(mEncryption.EncryptStringAscii(""), "");
+    EXPECT_EQ(mEncryption.EncryptString(u""), u"");
+    EXPECT_TRUE(mPlatform.boxes.shown.empty());
+}
+
+TEST_F(CEncryptionTest, WideTextIsScrambledByteByByteLowByteFirst) {
+    // Bytes 1d 00 b0 00 74 00 ba 00 02 00 30 00.
+    EXPECT_EQ(mEncryption.EncryptString(u"Vantor"),
+              u"\x1d\xb0t\xba\x02"
+              u"0");
+    const std::u16string text = u"Grüße, \U0001F600 €\0end";
+    EXPECT_EQ(mEncryption.EncryptString(mEncryption.EncryptString(text)), text);
+}
+
+// Position 129 is the first at which a key byte of 255 takes the product beyond 16 bits.
+TEST_F(CEncryptionTest, AnOverflowIsToldOnceAndGivesNoHalfScrambledText) {
+    const auto password = [](int characters) {
+        std::string text;
+        for (int i = 0; i < characters; ++i) text += "\uffff";
+        return text;
+    };
+    const std::string text(1000, 'a');
+    mEncryption.Password = password(64);
+    EXPECT_EQ(mEncryption.EncryptStringAscii(mEncryption.EncryptStringAscii(text)), text);
+    EXPECT_TRUE(mPlatform.boxes.shown.empty()) << "64 characters are few enough";
+
+    mEncryption.Password = password(65);
+    EXPECT_EQ(Bytes(text.substr(0, 129)).size(), 129u);
+    EXPECT_TRUE(mPlatform.boxes.shown.empty()) << "position 128 is still in range";
+    EXPECT_EQ(mEncryption.EncryptStringAscii(text), "");
+    ASSERT_EQ(mPlatform.boxes.shown.size(), 1u);
+    EXPECT_EQ(mPlatform.boxes.shown[0].title, "EncryptByte");
+    EXPECT_EQ(mPlatform.boxes.shown[0].text, "Error: 6. Overflow");
+    EXPECT_EQ(mPlatform.boxes.shown[0].icon, BoxIcon::None);
+    EXPECT_EQ(mEncryption.EncryptString(std::u16string(100, u'a')), u"");
+    EXPECT_EQ(mPlatform.boxes.shown.size(), 2u);
+}
+
+TEST_F(CEncryptionTest, AFileIsReplacedByItsScrambledBytes) {
+    const std::string plain = "line\r\n\0\xff end"s;
+    mPlatform.files.Add("/d/in", plain);
+    mPlatform.files.Add("/d/out", std::string(100, 'x'));
+    mEncryption.InputFileName = "/d/in";
+    mEncryption.OutputFileName = "/d/out";
+    mEncryption.EncryptFile();
+    const std::string scrambled = mPlatform.files.ReadAll("/d/out");
+    EXPECT_EQ(scrambled, Bytes(mPlatform.codePage.FromAnsi(plain)));
+
+    mEncryption.InputFileName = "/d/out";
+    mEncryption.EncryptFile();
+    EXPECT_EQ(mPlatform.files.ReadAll("/d/out"), plain) << "scrambled onto itself";
+    EXPECT_TRUE(mPlatform.boxes.shown.empty());
+}
+
+TEST_F(CEncryptionTest, AFileErrorIsToldUnderTheProcedureThatMetIt) {
+    mPlatform.files.Add("/d/out", "kept");
+    mEncryption.InputFileName = "/d/missing";
+    mEncryption.OutputFileName = "/d/out";
+    mEncryption.EncryptFile();
+    ASSERT_EQ(mPlatform.boxes.shown.size(), 1u);
+    EXPECT_EQ(mPlatform.boxes.shown[0].title, "ReadFile");
+    EXPECT_EQ(mPlatform.boxes.shown[0].text, "Error: 53. File not found");
+    EXPECT_EQ(mPlatform.files.ReadAll("/d/out"), "kept");
+
+    mPlatform.files.Add("/d/missing", "text");
+    mEncryption.OutputFileName = "/nowhere/out";
+    mEncryption.EncryptFile();
+    ASSERT_EQ(mPlatform.boxes.shown.size(), 2u);
+    EXPECT_EQ(mPlatform.boxes.shown[1].title, "EncryptFile");
+    EXPECT_EQ(mPlatform.boxes.shown[1].text, "Error: 76. Path not found");
+}
+
+}  // namespace
+}  // namespace vantor

@@ -1,0 +1,88 @@
+// Splitting a firmware image into lines. A line lost or altered here is a broken indicator.
+#include "flash/FirmwareImage.hpp"
+
+#include <gtest/gtest.h>
+
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "ReportingPlatform.hpp"
+
+namespace vantor {
+namespace {
+
+using namespace std::string_literals;
+
+std::vector<std::string> Lines(const ImageLines& image) {
+    std::vector<std::string> lines;
+    for (std::size_t i = 0; i <= image.UBound(); ++i) lines.emplace_back(image[i]);
+    return lines;
+}
+
+TEST(FirmwareImage, NoLineEndMayCostOrAddALine) {
+    const struct {
+        const char* what;
+        std::string text;
+        std::vector<std::string> lines;
+    } kCases[] = {
+        {"line feeds", "a\nb\n", {"a", "b"}},
+        {"carriage returns before them", "a\r\nb\r\n", {"a", "b"}},
+        {"both in one file", "a\r\nb\nc\r\n", {"a", "b", "c"}},
+        {"no end behind the last line", "a\nb", {"a", "b"}},
+        {"a lone carriage return at the end", "a\nb\r", {"a", "b\r"}},
+        {"carriage returns only", "a\rb\rc", {"a\rb\rc"}},
+        {"a double carriage return", "a\r\r\nb", {"a\r", "b"}},
+        {"blank lines are kept", "\na\n\n  \n", {"", "a", "", "  "}},
+        {"one line end only", "\r\n", {""}},
+        {"an empty file is one empty line", "", {""}},
+        {"NUL bytes and the upper half", "a\0b\n\0\n\x80\xff"s, {"a\0b"s, "\0"s, "\x80\xff"}},
+        {"an end-of-file character",
+         "a\n\x1a"
+         "b\n",
+         {"a",
+          "\x1a"
+          "b"}}};
+    for (const auto& c : kCases) EXPECT_EQ(Lines(ImageLines(c.text)), c.lines) << c.what;
+}
+
+TEST(FirmwareImage, GrowingByAStepLosesNoLine) {
+    for (const std::size_t count : {14999u, 15000u, 15001u, 15002u, 20000u, 20001u, 25001u}) {
+        std::string text;
+        for (std::size_t i = 0; i < count; ++i) text += "S2" + std::to_string(i) + "\r\n";
+        ImageLines grown(std::move(text));
+        const ImageLines image = std::move(grown);
+        ASSERT_EQ(image.UBound(), count - 1);
+        std::size_t wrong = 0;
+        for (std::size_t i = 0; i < count; ++i) wrong += image[i] != "S2" + std::to_string(i);
+        EXPECT_EQ(wrong, 0u) << count;
+        EXPECT_EQ(Raised([&] { static_cast<void>(image[count]); }).Number(), 9) << count;
+    }
+}
+
+TEST(FirmwareImage, AMissingFileIsSilentAndHasNoLastIndex) {
+    ReportingPlatform platform;
+    const ImageLines image = FileToStringArray("/images/none.run", platform.files);
+    EXPECT_FALSE(image.Sized());
+    EXPECT_EQ(Raised([&] { static_cast<void>(image.UBound()); }).Number(), 9);
+    EXPECT_TRUE(platform.boxes.shown.empty());
+}
+
+TEST(FirmwareImage, AReadErrorIsReportedAndGivesNoHalfImage) {
+    ReportingPlatform platform;
+    platform.files.Add("/images/m40.run", "S0\r\nS8\r\n");
+    EXPECT_EQ(Lines(FileToStringArray("/images/m40.run", platform.files)),
+              (std::vector<std::string>{"S0", "S8"}));
+    platform.files.FailOn("/images/m40.run", 70);
+    platform.files.MakeVanishing("/images/gone.run");
+    EXPECT_FALSE(FileToStringArray("/images/m40.run", platform.files).Sized());
+    EXPECT_FALSE(FileToStringArray("/images/gone.run", platform.files).Sized());
+    ASSERT_EQ(platform.boxes.shown.size(), 2u);
+    EXPECT_EQ(platform.boxes.shown[0].text,
+              ReportBox("frmMain.FileToStringArray", "(70) Permission denied"));
+    EXPECT_EQ(platform.boxes.shown[1].text,
+              ReportBox("frmMain.FileToStringArray", "(53) File not found"));
+}
+
+}  // namespace
+}  // namespace vantor

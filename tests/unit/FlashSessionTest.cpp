@@ -1,0 +1,390 @@
+// Whole sessions against the virtual indicator, on virtual time: what the user is told, what the
+// indicator holds afterwards, and how the window is left.
+#include "flash/FlashSession.hpp"
+
+#include <gmock/gmock.h>
+
+#include <functional>
+
+#include "tests/unit/SessionFixture.hpp"
+
+namespace vantor {
+namespace {
+
+using testing::ElementsAre;
+using testing::HasSubstr;
+using testing::IsEmpty;
+
+constexpr const char* kDone =
+    "i|Flash Update Successful|Program Download Complete. Check the indicator for additional "
+    "progress messages.";
+constexpr const char* kNoPort =
+    "!||Unable to open communications port. Check your settings and try again.";
+constexpr const char* kNoMonitor = "i||Place indicator into boot monitor mode and try again.";
+constexpr const char* kNoSysload = "!||Unable to initiate System Load.";
+constexpr const char* kFailure =
+    "!|Update Failure|Flash Update Failure. Cycle power on the indicator. Please try the update "
+    "again before calling technical support.";
+constexpr const char* kAborted =
+    "!|Update Aborted|Flash Update Aborted. Cycle power on the indicator.";
+constexpr const char* kVerify =
+    "stop|Critical Error!|Critical Flash Update Failure! \r\n\r\nIt is recommended that you "
+    "return the indicator to Tessmar Instruments for repair.";
+
+// --- one row a way in which a session can go, faults included --------------------------------
+
+struct Course {
+    const char* name;
+    unsigned dataLines;
+    std::vector<std::string> faults;
+    std::vector<std::string> boxes;
+    FlashOutcome outcome;
+    bool memoryWhole;
+    std::int32_t leastMs;  // virtual time that it has to take
+    std::int32_t mostMs;
+};
+
+class Courses : public SessionFixture, public testing::WithParamInterface<Course> {};
+
+TEST_P(Courses, EndWithTheirOwnReportAndLeaveTheWindowReady) {
+    const Course& course = GetParam();
+    const std::string image = ImageOf(course.dataLines);
+    Connect(image, course.faults);
+    const std::int32_t start = headless.clock.Ticks();
+    Flash();
+    const std::int32_t took = headless.clock.Ticks() - start;
+
+    EXPECT_EQ(Boxes(), course.boxes);
+    EXPECT_EQ(window->Session().Outcome(), course.outcome);
+    EXPECT_EQ(MemoryIs(image), course.memoryWhole);
+    EXPECT_EQ(indicator->Booted(), course.outcome == FlashOutcome::Done);
+    EXPECT_THAT(indicator->Violations(), IsEmpty());
+    EXPECT_GE(took, course.leastMs);
+    EXPECT_LE(took, course.mostMs);
+    ExpectAtRest();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    FlashSession, Courses,
+    testing::Values(
+        Course{"Clean", 30, {}, {kDone}, FlashOutcome::Done, true, 5000, 9000},
+        Course{"NoTrav", 30, {"no-trav"}, {kNoMonitor}, FlashOutcome::NotInBootMonitor, false, 0,
+               1000},
+        Course{"SilentTrav", 30, {"no-trav=silent"}, {kNoMonitor},
+               FlashOutcome::NotInBootMonitor, false, 20000, 20100},
+        Course{"SpeedRefused", 30, {"no-baud"}, {kDone}, FlashOutcome::Done, true, 1000, 4000},
+        Course{"SpeedUnanswered", 30, {"no-baud=silent"}, {kDone}, FlashOutcome::Done, true,
+               20000, 24000},
+        Course{"NoSysload", 30, {"no-sysload"}, {kNoSysload}, FlashOutcome::SystemLoadRefused,
+               false, 4000, 5000},
+        Course{"RefusedThreeTimes", 30, {"nak@7x3"}, {kDone}, FlashOutcome::Done, true, 5000,
+               9000},
+        Course{"RefusedFourTimes", 30, {"nak@7x4"}, {kFailure}, FlashOutcome::LineRefused, false,
+               4000, 6000},
+        Course{"SilentOnce", 30, {"silent@7"}, {kDone}, FlashOutcome::Done, true, 25000, 30000},
+        Course{"SilentFourTimes", 30, {"silent@7x4"}, {kFailure}, FlashOutcome::LineRefused,
+               false, 84000, 85000},
+        Course{"LateButInTime", 30, {"late=19000@7"}, {kDone}, FlashOutcome::Done, true, 24000,
+               30000},
+        Course{"LateBeyondTheLimit", 30, {"late=25000@7"}, {kDone}, FlashOutcome::Done, true,
+               25000, 40000},
+        Course{"ByteLost", 30, {"drop@7"}, {kDone}, FlashOutcome::Done, true, 5000, 40000},
+        Course{"ByteDamaged", 30, {"garble@7"}, {kDone}, FlashOutcome::Done, true, 5000, 40000},
+        Course{"NoiseAndPieces", 30, {"noise@3", "split@5"}, {kDone}, FlashOutcome::Done, true,
+               5000, 9000},
+        Course{"VerdictWordsToLines", 30, {"done@3", "verify@5"}, {kDone}, FlashOutcome::Done,
+               true, 5000, 9000},
+        Course{"HangUp", 30, {"hangup@7"}, {kFailure}, FlashOutcome::LineRefused, false, 4000,
+               5000},
+        Course{"VerifyFailed", 30, {"verify-failed"}, {kVerify}, FlashOutcome::VerifyFailed, true,
+               5000, 9000},
+        Course{"NoVerdict", 30, {"no-verdict"}, {kFailure}, FlashOutcome::NoVerdict, true, 64000,
+               66000},
+        Course{"VerdictInPieces", 30, {"split-verdict"}, {kDone}, FlashOutcome::Done, true, 5000,
+               9000}),
+    [](const auto& row) { return std::string(row.param.name); });
+
+// --- what is shown on the way ----------------------------------------------------------------
+
+TEST_F(SessionFixture, TheWarningAndTheDialogAreExactlyTheirTexts) {
+    Connect(ImageOf(30));
+    Flash();
+    const MessageBoxRequest& warning = headless.boxes.shown.at(0);
+    EXPECT_EQ(warning.text,
+              "Caution! Critial Operation!\r\n\r\nDuring the update, do not turn off the "
+              "indicator. Doing so may require Factory service. \r\n\r\nDo you wish to proceed?");
+    EXPECT_EQ(warning.title, "");
+    EXPECT_EQ(warning.icon, BoxIcon::Question);
+    EXPECT_EQ(warning.buttons, BoxButtons::YesNo);
+    const FileDialogRecord& dialog = headless.dialogs.shown.at(0);
+    EXPECT_EQ(dialog.title, "Indicator Flash Image");
+    EXPECT_EQ(dialog.defaultExtension, ".run");
+    EXPECT_EQ(dialog.initialFolder, "/home/tech/Documents\\Caldor Downloads\\");
+    EXPECT_THAT(dialog.filter, HasSubstr(std::string("M40 firmware files (*.run)\0*.run\0All "
+                                                     "Files (*.*)\0*.*\0",
+                                                     51)));
+}
+
+TEST_F(SessionFixture, LinesAreNumberedFromZeroAndTheLastElevenCannotBeAborted) {
+    struct Seen {
+        std::string status;
+        bool abort;
+        std::int16_t percent;
+    };
+    std::vector<Seen> seen;
+    std::string warningAt;
+    headless.peers.onChange = [&](const Control& control, Property what) {
+        if (what != Property::Caption || &control != &window->lblWarning) return;
+        if (!control.Caption().empty()) warningAt = window->lblStatus.Caption();
+        if (window->Flags().mblnFlashing && window->Session().Outcome() == FlashOutcome::None)
+            seen.push_back({window->lblStatus.Caption(), window->cmdFlashAbort.Enabled(),
+                            window->pbarStatus.Value()});
+    };
+    Connect(ImageOf(30));
+    Flash();
+    ASSERT_EQ(seen.size(), 31u);
+    EXPECT_EQ(seen[0].status, "Line 0 of 30");
+    EXPECT_EQ(seen[19].percent, 63);  // 63.33, floored
+    EXPECT_TRUE(seen[19].abort);
+    EXPECT_FALSE(seen[20].abort);
+    EXPECT_EQ(seen[30].status, "Line 30 of 30");
+    EXPECT_EQ(warningAt, "Line 30 of 30");
+    EXPECT_EQ(window->lblStatus.Caption(), "");
+    EXPECT_EQ(window->pbarStatus.Value(), 0);
+}
+
+TEST_F(SessionFixture, ElapsedTimeIsShownAsATimeOfDay) {
+    Connect(ImageOf(30), {"late=19000@3", "late=19000@4", "late=19000@5", "late=19000@6"});
+    std::string elapsed;
+    WhenStatusIs("Line 8 of 30", [&] { elapsed = window->lblElapsed.Caption(); });
+    Flash();
+    // Shown before the line's own number is; so this is the time at the line before.
+    EXPECT_EQ(elapsed, "00:01:20");
+}
+
+// --- the user's hand -------------------------------------------------------------------------
+
+TEST_F(SessionFixture, AnyAnswerButYesEndsItWithoutAWord) {
+    Connect(ImageOf(30));
+    headless.boxes.answers = {BoxAnswer::No};
+    Flash();
+    EXPECT_THAT(Boxes(), IsEmpty());
+    EXPECT_EQ(window->Session().Outcome(), FlashOutcome::Declined);
+    ExpectAtRest();
+}
+
+TEST_F(SessionFixture, ACancelledDialogLeavesTheStartupPanelWithoutAWord) {
+    window->cmdFlash.Press();
+    EXPECT_THAT(headless.boxes.shown, IsEmpty());
+    ExpectAtRest();
+}
+
+TEST_F(SessionFixture, AMissingOrBusyPortIsToldOnce) {
+    headless.files.Add(kPath, ImageOf(30));
+    Flash();
+    EXPECT_THAT(Boxes(), ElementsAre(kNoPort));
+    Connect(ImageOf(30));
+    headless.ports.Hold("COM1", true);
+    Flash();
+    EXPECT_THAT(Boxes(), ElementsAre(kNoPort, kNoPort));
+    ExpectAtRest();
+}
+
+TEST_F(SessionFixture, AbortEndsTheStreamBeforeTheNextSend) {
+    Connect(ImageOf(30));
+    WhenStatusIs("Line 12 of 30", [&] { window->cmdFlashAbort.Press(); });
+    Flash();
+    EXPECT_THAT(Boxes(), ElementsAre(kAborted));
+    EXPECT_EQ(window->lblStatus.Caption(), "Update Aborted");
+    EXPECT_EQ(indicator->Memory().Size(), 24u);
+    ExpectAtRest();
+}
+
+TEST_F(SessionFixture, AbortDuringTheHandshakeShowsTheCommandsOwnMessageToo) {
+    Connect(ImageOf(30), {"no-trav=silent"});
+    WhenStatusIs("Initializing", [&] {
+        headless.pump.StartTimer(500, [&] { window->cmdFlashAbort.Press(); });
+    });
+    Flash();
+    EXPECT_THAT(Boxes(), ElementsAre(kNoMonitor, kAborted));
+    ExpectAtRest();
+}
+
+TEST_F(SessionFixture, ACloseDuringTheStreamWaitsForTheSessionAndThenEndsTheProgram) {
+    Connect(ImageOf(30));
+    WhenStatusIs("Line 25 of 30", [&] {
+        EXPECT_FALSE(window->Unload());
+        EXPECT_FALSE(window->Gone());
+    });
+    Flash();
+    EXPECT_THAT(Boxes(), ElementsAre(kAborted));
+    EXPECT_TRUE(window->Gone());
+    EXPECT_THAT(desktop.OpenForms(), IsEmpty());
+}
+
+TEST_F(SessionFixture, ACloseWhileTheVerdictIsOutstandingWaitsForIt) {
+    Connect(ImageOf(30));
+    headless.peers.onChange = [&](const Control& control, Property) {
+        if (control.Name() == "lblMessage") {
+            EXPECT_FALSE(window->Unload());
+        }
+    };
+    Flash();
+    EXPECT_EQ(Boxes().back(), kAborted);
+    EXPECT_TRUE(window->Gone());
+}
+
+TEST_F(SessionFixture, AWindowThatGoesDuringTheHandshakeTakesItsMessagesWithIt) {
+    Connect(ImageOf(30), {"no-trav=silent"});
+    WhenStatusIs("Initializing", [&] {
+        headless.pump.StartTimer(500, [&] { window->Unload(); });
+    });
+    const std::int32_t start = headless.clock.Ticks();
+    Flash();
+    EXPECT_THAT(Boxes(), IsEmpty());
+    EXPECT_TRUE(window->Gone());
+    EXPECT_FALSE(headless.ports.IsOpen("COM1"));
+    EXPECT_LT(headless.clock.Ticks() - start, 600);
+}
+
+// --- images that are odd ---------------------------------------------------------------------
+
+TEST_F(SessionFixture, AnImageOfOneLineReportsItsDivisionAndIsFlashedAllTheSame) {
+    Connect(ImageOf(0));
+    Flash();
+    EXPECT_THAT(Boxes(), ElementsAre("stop|Tessmar Vantor Update|The following error has occurred "
+                                     "in procedure: \r\nfrmMain.ScalePercentLong on line 0\r\n"
+                                     "Error (11) Division by zero",
+                                     kDone));
+    ExpectAtRest();
+}
+
+TEST_F(SessionFixture, BlankLinesAreCountedAndNotSent) {
+    const std::string image = "\r\n   \r\n" + ImageOf(20) + "\n";
+    Connect(image);
+    std::string last;
+    headless.peers.onChange = [&](const Control& control, Property) {
+        if (&control == &window->lblStatus && !control.Caption().empty()) last = control.Caption();
+    };
+    Flash();
+    EXPECT_THAT(Boxes(), ElementsAre(kDone));
+    EXPECT_EQ(last, "Line 22 of 23");
+    EXPECT_TRUE(MemoryIs(image));
+}
+
+class NothingAccepted : public SessionFixture,
+                        public testing::WithParamInterface<std::string> {};
+
+TEST_P(NothingAccepted, WaitsWithoutEndUntilTheWindowIsClosed) {
+    Connect(GetParam(), {"done@0"});
+    const std::int32_t start = headless.clock.Ticks();
+    bool refused = false;
+    headless.pump.StartTimer(300000, [&] {
+        EXPECT_TRUE(headless.ports.IsOpen("COM1"));
+        refused = !window->Unload();
+    });
+    Flash();
+    EXPECT_TRUE(refused);
+    EXPECT_GE(headless.clock.Ticks() - start, 300000);
+    EXPECT_TRUE(window->Gone());
+    EXPECT_FALSE(headless.ports.IsOpen("COM1"));
+}
+
+INSTANTIATE_TEST_SUITE_P(FlashSession, NothingAccepted,
+                         testing::Values("   \r\n\r\n", "\n" + ImageOf(0)));
+
+TEST_F(SessionFixture, AnImageThatVanishesDuringTheHandshakeIsReportedAndEndsTheSession) {
+    Connect(ImageOf(30));
+    WhenStatusIs("Initializing", [&] { headless.files.Delete(kPath); });
+    Flash();
+    EXPECT_THAT(Boxes(), ElementsAre("stop|Tessmar Vantor Update|The following error has occurred "
+                                     "in procedure: \r\nfrmMain.FlashIndicator on line 0\r\n"
+                                     "Error (9) Subscript out of range"));
+    ExpectAtRest();
+}
+
+TEST_F(SessionFixture, AnImageThatVanishesBeforeTheSessionEndsItSilently) {
+    headless.dialogs.choices = {"/home/tech/gone/m40.run"};
+    window->cmdFlash.Press();
+    EXPECT_THAT(headless.boxes.shown, IsEmpty());
+    ExpectAtRest();
+}
+
+// --- the line -------------------------------------------------------------------------------
+
+TEST_F(SessionFixture, AnUnpluggedPortMidImageEndsWithAFailureAndTheNextAttemptWorks) {
+    Connect(ImageOf(30));
+    WhenStatusIs("Line 12 of 30", [&] { headless.ports.Unplug("COM1"); });
+    const std::int32_t start = headless.clock.Ticks();
+    Flash();
+    EXPECT_THAT(Boxes(), ElementsAre(kFailure));
+    EXPECT_LT(headless.clock.Ticks() - start, 25000);
+    Connect(ImageOf(30));
+    Flash();
+    EXPECT_EQ(Boxes().back(), kDone);
+    EXPECT_TRUE(MemoryIs(ImageOf(30)));
+    ExpectAtRest();
+}
+
+TEST_F(SessionFixture, AnUnpluggedPortInTheFinalPhaseIsFoundByTheTimer) {
+    Connect(ImageOf(30), {"no-verdict"});
+    headless.peers.onChange = [&](const Control& control, Property) {
+        if (control.Name() == "lblMessage") headless.ports.Unplug("COM1");
+    };
+    Flash();
+    EXPECT_THAT(Boxes(), ElementsAre(kFailure));
+    EXPECT_EQ(window->Session().Outcome(), FlashOutcome::NoVerdict);
+    ExpectAtRest();
+}
+
+TEST_F(SessionFixture, HalfAWordOfOneSessionNeverCompletesTheVerdictOfTheNext) {
+    for (const char* half : {"DO", "NE"}) {
+        Connect(ImageOf(30));
+        farEnd->verdict = half;
+        Flash();
+    }
+    EXPECT_THAT(Boxes(), ElementsAre(kFailure, kFailure));
+    EXPECT_EQ(window->Session().Outcome(), FlashOutcome::NoVerdict);
+}
+
+TEST_F(SessionFixture, APauseOfTheMessageLoopDoesNotFailALineThatWasAnswered) {
+    Connect(ImageOf(30));
+    WhenStatusIs("Line 12 of 30", [&] {
+        // A held menu: the pump comes back 25 s later, with the reply waiting.
+        const TimerId hold = headless.pump.StartTimer(1, [&] { headless.clock.Sleep(25000); });
+        headless.pump.StartTimer(10, [&, hold] { headless.pump.StopTimer(hold); });
+    });
+    Flash();
+    EXPECT_THAT(Boxes(), ElementsAre(kDone));
+    const std::string sent = farEnd->received;
+    EXPECT_EQ(sent.find(DataRecord(12)), sent.rfind(DataRecord(12))) << "sent twice";
+}
+
+TEST_F(SessionFixture, TheSecondSpeedKeepsTheFrameOfTheSettings) {
+    window->Settings().BeginEdit();
+    window->Settings().Parity("e");
+    window->Settings().DataBits("7");
+    Connect(ImageOf(30));
+    Flash();
+    EXPECT_THAT(farEnd->opened, ElementsAre(LineSettings{38400, Parity::Even, 7, 2},
+                                            LineSettings{115200, Parity::Even, 7, 2}));
+}
+
+TEST_F(SessionFixture, StoredNonsenseForTheLineIsAPortThatDoesNotOpen) {
+    Connect(ImageOf(30));
+    RegistryKey key = 0;
+    ASSERT_EQ(headless.registry.CreateKey(RegistryRoot::CurrentUser,
+                                          "SOFTWARE\\Tessmar Instruments\\Tessmar Vantor Update"
+                                          "\\Settings",
+                                          kRegistryAllButOwner, key),
+              kRegistrySuccess);
+    ASSERT_EQ(headless.registry.SetValue(key, "Baud", kRegistryString, std::string("fast!\0", 6)),
+              kRegistrySuccess);
+    window->Settings().Initialize();
+    Flash();
+    EXPECT_THAT(Boxes(), ElementsAre(kNoPort));
+    ExpectAtRest();
+}
+
+}  // namespace
+}  // namespace vantor

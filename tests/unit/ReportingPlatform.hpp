@@ -1,0 +1,45 @@
+// The platform of the unit tests: headless, with the error handler installed, so that whatever
+// the code under test reports stands in the recorded message boxes.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <string>
+
+#include "app/base/CErrHandler.hpp"
+#include "platform/headless/HeadlessPlatform.hpp"
+#include "support/RuntimeError.hpp"
+#include "support/Traps.hpp"
+
+namespace vantor {
+
+struct ReportingPlatform : HeadlessPlatform {
+    explicit ReportingPlatform(Language language = Language::English) : HeadlessPlatform(language) {
+        errors.DisplayMsgOnError = true;
+        before = SetErrorSink(&errors);
+    }
+    ~ReportingPlatform() { SetErrorSink(before); }
+    ReportingPlatform(const ReportingPlatform&) = delete;
+    ReportingPlatform& operator=(const ReportingPlatform&) = delete;
+
+    CErrHandler errors{CErrHandler::Services{clock, files, folders, boxes, process}};
+    ErrorSink* before = nullptr;
+};
+
+/// The box that reports `error` ("(13) Type mismatch") of `procedure`.
+inline std::string ReportBox(const std::string& procedure, const std::string& error) {
+    return "The following error has occurred in procedure: \r\n" + procedure +
+           " on line 0\r\nError " + error;
+}
+
+/// The error that `operation` raises; number 0 when it raises none.
+inline RuntimeError Raised(const std::function<void()>& operation) {
+    try {
+        operation();
+    } catch (const RuntimeError& error) {
+        return error;
+    }
+    return RuntimeError(0);
+}
+
+}  // namespace vantor

@@ -1,0 +1,139 @@
+// One command or line and its reply: terminators, the order of the reply words, pacing, and what
+// never counts as success.
+#include "flash/SerialLink.hpp"
+
+#include <gmock/gmock.h>
+
+#include <functional>
+
+#include "settings/CAppSettings.hpp"
+#include "tests/unit/SessionFixture.hpp"
+
+namespace vantor {
+namespace {
+
+/// A far end that takes notes and answers with what a test tells it to.
+class Scripted : public FarEnd {
+public:
+    void Opened(const LineSettings&) override {}
+    void Closed() override {}
+    void Receive(std::string_view bytes) override {
+        received += bytes;
+        if (onReceive) onReceive();
+    }
+    std::string Transmit() override { return std::exchange(reply, {}); }
+    bool HungUp() const override { return false; }
+
+    std::string received;
+    std::string reply;
+    std::function<void()> onReceive;
+};
+
+class LinkFixture : public SessionFixture {
+protected:
+    LinkFixture() {
+        headless.ports.Plug("COM1", far);
+        link.SetupCommPortFlash();
+        window->mobjComm.OpenPort();
+    }
+    ~LinkFixture() override { window->mobjComm.ClosePort(); }
+
+    SendResult Send(std::string text, bool paced = false) {
+        auto result = SendResult::SendOK;
+        link.SendData(text, paced, result);
+        return result;
+    }
+
+    Scripted far;
+    SerialLink link{*window, window->Settings(), headless.clock, headless.pump};
+};
+
+TEST_F(LinkFixture, EveryTextGoesOutWithExactlyOneCarriageReturn) {
+    const std::pair<std::string, std::string> rows[] = {
+        {"ABC", "ABC\r"}, {"ABC\r\n", "ABC\r"}, {"ABC\r", "ABC\r"},
+        {"", "\r"},       {"A\n", "A\n\r"},     {"\r\n", "\r"}};
+    for (const auto& [text, sent] : rows) {
+        far.received.clear();
+        far.onReceive = [&] { far.reply = "OK"; };
+        std::string changed = text;
+        auto result = SendResult::SendFailed;
+        link.SendData(changed, false, result);
+        EXPECT_EQ(far.received, sent);
+        EXPECT_EQ(changed, sent);
+        EXPECT_EQ(result, SendResult::SendOK);
+    }
+}
+
+TEST_F(LinkFixture, TheFirstKnownWordInTheOrderOfTheTestsWins) {
+    const std::pair<std::string, SendResult> rows[] = {
+        {"OK", SendResult::SendOK},
+        {"xxOKxx", SendResult::SendOK},
+        {"??OK", SendResult::SendOK},
+        {"OK DONE", SendResult::SendDone},
+        {"DONE OK VERIFY FAILED", SendResult::SendVerifyFailed},
+        {"??", SendResult::SendFailed},
+        {"ok ??", SendResult::SendFailed},
+    };
+    for (const auto& [reply, result] : rows) {
+        far.onReceive = [&] { far.reply = reply; };
+        EXPECT_EQ(Send("L"), result) << reply;
+        EXPECT_EQ(window->mobjComm.InBufferCount(), 0u);
+    }
+}
+
+TEST_F(LinkFixture, ATextThatIsNoReplyFailsAfterTwentySecondsAndAWordInPiecesIsFound) {
+    far.onReceive = [&] { far.reply = "ok O K ? ? DON E"; };
+    const std::int32_t start = headless.clock.Ticks();
+    EXPECT_EQ(Send("L"), SendResult::SendFailed);
+    EXPECT_NEAR(headless.clock.Ticks() - start, 20000, 5);
+
+    far.onReceive = [&] {
+        far.reply = "O";
+        headless.pump.StartTimer(300, [&] { far.reply = "K"; });
+    };
+    EXPECT_EQ(Send("L"), SendResult::SendOK);
+}
+
+TEST_F(LinkFixture, AClosedPortSendsNothingAndFails) {
+    window->mobjComm.ClosePort();
+    EXPECT_EQ(Send("L"), SendResult::SendFailed);
+    link.RawSend("raw");
+    EXPECT_EQ(far.received, "");
+    EXPECT_TRUE(Boxes().empty());
+}
+
+TEST_F(LinkFixture, WhateverGoesWrongInsideTheResultIsNeverOK) {
+    // 20 s from here lie beyond the clock's signed range.
+    headless.clock.Set(0x7fffffffu - 5000u);
+    far.onReceive = [&] { far.reply = "OK"; };
+    EXPECT_EQ(Send("L"), SendResult::SendFailed);
+    EXPECT_THAT(Boxes(), testing::ElementsAre(testing::HasSubstr(
+                             "frmMain.SendData on line 0\r\nError (6) Overflow")));
+}
+
+TEST_F(LinkFixture, APacedSendWaitsAfterEachCharacter) {
+    std::vector<std::int32_t> times;
+    far.onReceive = [&] {
+        times.push_back(headless.clock.Ticks());
+        if (times.size() == 4) far.reply = "OK";
+    };
+    EXPECT_EQ(Send("A\xe9z", true), SendResult::SendOK);
+    EXPECT_EQ(far.received, "A\xe9z\r");
+    ASSERT_EQ(times.size(), 4u);
+    EXPECT_GE(times[3] - times[0], 150);
+    EXPECT_GE(headless.clock.Ticks() - times[3], 50);
+}
+
+TEST_F(LinkFixture, AnErrorOfAPacedSendCarriesItsOwnName) {
+    headless.clock.Set(0x7fffffffu - 10u);
+    try {
+        link.DelayedSend("A");
+        FAIL() << "no error";
+    } catch (const RuntimeError& error) {
+        EXPECT_TRUE(error.Is(ErrorNumber::Overflow));
+        EXPECT_EQ(error.Source(), "Morvane.frmMain.DelayedSend");
+    }
+}
+
+}  // namespace
+}  // namespace vantor

@@ -1,0 +1,124 @@
+// A main window on a headless platform with a virtual indicator on COM1: whole sessions in
+// milliseconds of real time.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "app/base/CErrHandler.hpp"
+#include "app/frmMain.hpp"
+#include "platform/headless/HeadlessPlatform.hpp"
+#include "simulator/VirtualIndicator.hpp"
+#include "tests/Images.hpp"
+
+namespace vantor {
+
+/// An indicator whose line is looked at, and whose verdict can be put into other words.
+class SpiedFarEnd : public IndicatorFarEnd {
+public:
+    using IndicatorFarEnd::IndicatorFarEnd;
+    void Opened(const LineSettings& line) override {
+        opened.push_back(line);
+        IndicatorFarEnd::Opened(line);
+    }
+    void Receive(std::string_view bytes) override {
+        received += bytes;
+        IndicatorFarEnd::Receive(bytes);
+    }
+    std::string Transmit() override {
+        std::string text = IndicatorFarEnd::Transmit();
+        if (text.find("DONE") != std::string::npos) text = verdict;
+        return text;
+    }
+
+    std::vector<LineSettings> opened;
+    std::string received;
+    std::string verdict = "DONE\r\n";
+};
+
+class SessionFixture : public testing::Test {
+protected:
+    static constexpr const char* kPath = "/home/tech/Documents/Caldor Downloads/m40.run";
+
+    SessionFixture() {
+        errors.DisplayMsgOnError = true;
+        SetErrorSink(&errors);
+        window->Load();
+        window->Show();
+    }
+    ~SessionFixture() override {
+        window->Flags().mblnFlashing = false;
+        window->Unload();
+        SetErrorSink(nullptr);
+    }
+
+    /// Plugs an indicator with `faults` that expects `image`, which the dialog will choose.
+    void Connect(const std::string& image, const std::vector<std::string>& faults = {}) {
+        IndicatorOptions options;
+        options.expected = FlashMemory::FromRecords(image);
+        for (const std::string& fault : faults) options.faults.push_back(ParseFault(fault));
+        indicator.emplace(std::move(options));
+        farEnd.emplace(*indicator, headless.clock);
+        headless.ports.Plug("COM1", *farEnd);
+        headless.files.Add(kPath, image);
+    }
+
+    /// Presses "Update Indicator" and chooses the image.
+    void Flash() {
+        headless.dialogs.choices = {kPath};
+        window->cmdFlash.Press();
+    }
+
+    /// Runs `action` once, when the session shows `status`.
+    void WhenStatusIs(const std::string& status, std::function<void()> action) {
+        headless.peers.onChange = [this, status, action](const Control& control, Property what) {
+            if (&control != &window->lblStatus || what != Property::Caption) return;
+            if (control.Caption() != status) return;
+            headless.peers.onChange = {};
+            action();
+        };
+    }
+
+    /// The boxes behind the warning, "icon|title|text" each.
+    std::vector<std::string> Boxes() const {
+        std::vector<std::string> boxes;
+        for (const MessageBoxRequest& box : headless.boxes.shown) {
+            if (box.icon == BoxIcon::Question) continue;
+            constexpr const char* kIcons[] = {"none", "stop", "?", "!", "i"};
+            boxes.push_back(std::string(kIcons[static_cast<int>(box.icon)]) + "|" + box.title +
+                            "|" + box.text);
+        }
+        return boxes;
+    }
+
+    /// What holds after every session that has ended with the window still there.
+    void ExpectAtRest() {
+        EXPECT_FALSE(headless.ports.IsOpen("COM1"));
+        EXPECT_FALSE(window->tmrFlashTimeout.Enabled());
+        EXPECT_FALSE(window->Flags().mblnFlashing);
+        EXPECT_TRUE(window->cmdFlash.Enabled() && window->mnuFileFlash.Enabled() &&
+                    window->mnuToolsOptions.Enabled() && window->mnuToolsMonitor.Enabled());
+        EXPECT_TRUE(window->picStartup.Visible());
+        EXPECT_FALSE(window->picFlash.Visible());
+        EXPECT_EQ(headless.peers.open, std::vector<std::string>{"frmMain"});
+        EXPECT_EQ(headless.peers.pointer, MousePointer::Default);
+    }
+
+    bool MemoryIs(const std::string& image) const {
+        return indicator->Memory() == FlashMemory::FromRecords(image);
+    }
+
+    HeadlessPlatform headless;
+    CErrHandler errors{{headless.clock, headless.files, headless.folders, headless.boxes,
+                        headless.process}};
+    Desktop desktop{headless.peers, headless.pump};
+    std::shared_ptr<frmMain> window = std::make_shared<frmMain>(desktop, headless.platform);
+    std::optional<VirtualIndicator> indicator;
+    std::optional<SpiedFarEnd> farEnd;
+};
+
+}  // namespace vantor

@@ -1,0 +1,150 @@
+// From Main to the last window's end, and the small procedures that start-up brings along.
+#include "app/modStartup.hpp"
+
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <utility>
+#include <variant>
+
+#include "ReportingPlatform.hpp"
+#include "app/base/modSupport.hpp"
+#include "app/frmMain.hpp"
+#include "dialogs/frmStatus.hpp"
+
+namespace vantor {
+namespace {
+
+class StartupTest : public testing::Test {
+protected:
+    /// Runs the pump; false when it had to be stopped from here.
+    bool RunsToItsEnd() {
+        bool ended = true;
+        const TimerId stop = mPlatform.pump.StartTimer(10000, [&] {
+            ended = false;
+            mPlatform.pump.Quit();
+        });
+        mPlatform.pump.Run();
+        mPlatform.pump.StopTimer(stop);
+        return ended;
+    }
+
+    HeadlessPlatform mPlatform;
+    modStartup mStartup{mPlatform.platform};
+};
+
+const std::string kUpdates = "/home/tech/Documents/updates.txt";
+
+TEST_F(StartupTest, MainPreparesTheReporterAndShowsTheStartPanel) {
+    ASSERT_TRUE(mStartup.Main());
+    EXPECT_EQ(mStartup.Errors().Title, "Tessmar Vantor Update");
+    EXPECT_EQ(std::get<std::string>(mStartup.Errors().Destination()),
+              "/home/tech/.config\\TSMR\\CALDOR\\errorlog.txt");
+    EXPECT_EQ(mStartup.HelpFile(), "/opt/vantor\\tswuhelp.chm");
+    frmMain& window = *mStartup.MainWindow();
+    EXPECT_TRUE(window.Visible());
+    EXPECT_TRUE(window.picStartup.Visible());
+    EXPECT_FALSE(window.picUpdate.Visible() || window.picFlash.Visible());
+    EXPECT_TRUE(mPlatform.boxes.shown.empty());
+
+    Trapped("a.b", [] { throw RuntimeError(6); });
+    ASSERT_EQ(mPlatform.boxes.shown.size(), 1u) << "errors are to be shown from now on";
+    EXPECT_EQ(mPlatform.boxes.shown[0].text, ReportBox("a.b", "(6) Overflow"));
+    const std::string report =
+        mPlatform.files.ReadAll("/home/tech/.config/TSMR/CALDOR/errorlog.txt");
+    EXPECT_NE(report.find("\r\n00a.b\r\n"), std::string::npos) << "Main left its name behind";
+}
+
+TEST_F(StartupTest, ASecondInstanceEndsWithoutWindowOrMessage) {
+    mPlatform.process.anotherRuns = true;
+    EXPECT_FALSE(mStartup.Main());
+    EXPECT_EQ(mStartup.MainWindow(), nullptr);
+    EXPECT_TRUE(mPlatform.peers.open.empty());
+    EXPECT_TRUE(mPlatform.boxes.shown.empty());
+}
+
+TEST_F(StartupTest, AnUnknownProgramFolderIsToldAndDoesNotStopTheStart) {
+    mPlatform.process.executable.clear();
+    EXPECT_TRUE(mStartup.Main());
+    ASSERT_EQ(mPlatform.boxes.shown.size(), 1u);
+    EXPECT_EQ(mPlatform.boxes.shown[0].text,
+              "An error has occured in Pellin.modSupport.AppPath \r\n"
+              "Error:53\r\nDescription:File not found\r\nLine:0");
+    EXPECT_EQ(mPlatform.boxes.shown[0].icon, BoxIcon::None);
+    EXPECT_TRUE(mStartup.MainWindow()->Visible());
+}
+
+TEST_F(StartupTest, ABrokenSettingIsReportedOnceAndTheDefaultsAreUsed) {
+    mPlatform.registry.Import(
+        "[HKEY_CURRENT_USER\\SOFTWARE\\Tessmar Instruments\\Tessmar Vantor Update\\Settings]\n"
+        "\"AutoUnZip\"=\"perhaps\"\n\"Port\"=\"COM9\"\n");
+    ASSERT_TRUE(mStartup.Main());
+    ASSERT_EQ(mPlatform.boxes.shown.size(), 1u);
+    EXPECT_TRUE(mPlatform.boxes.shown[0].text.ends_with("Error (13) Type mismatch"));
+    frmMain& window = *mStartup.MainWindow();
+    EXPECT_TRUE(window.picStartup.Visible() && !window.picFlash.Visible());
+    EXPECT_EQ(window.cmdFlash.Caption(), "Update Indicator");
+    EXPECT_EQ(window.Settings().CommPort(), "COM1");
+    EXPECT_TRUE(window.Settings().AutoUnZip());
+}
+
+TEST_F(StartupTest, ClosingTheMainWindowEndsTheProgramAndCleansUp) {
+    mPlatform.files.Add(kUpdates, "x");
+    mStartup.Main();
+    const auto other =
+        std::make_shared<frmStatus>(mStartup.MainWindow()->GetDesktop(), mPlatform.strings);
+    other->Load();
+    mPlatform.pump.StartTimer(5, [this] { mStartup.MainWindow()->mnuFileExit.Press(); });
+    EXPECT_TRUE(RunsToItsEnd());
+    EXPECT_TRUE(other->Gone());
+    EXPECT_TRUE(mPlatform.peers.open.empty());
+    EXPECT_FALSE(mPlatform.files.Exists(kUpdates));
+    EXPECT_TRUE(mPlatform.boxes.shown.empty());
+}
+
+TEST_F(StartupTest, AnUpdateListThatCannotBeDeletedDoesNotKeepTheWindowOpen) {
+    mPlatform.files.Add(kUpdates, "x");
+    mPlatform.files.FailOn(kUpdates, 70);
+    mStartup.Main();
+    EXPECT_TRUE(mStartup.MainWindow()->Unload());
+    EXPECT_TRUE(mPlatform.boxes.shown.empty());
+}
+
+TEST_F(StartupTest, TheDownloadButtonsWaitForASelection) {
+    mStartup.Main();
+    frmMain& window = *mStartup.MainWindow();
+    const auto enabled = [&window] {
+        return window.cmdDetails.Enabled() + window.cmdDownload.Enabled() +
+               window.cmdDownloadAll.Enabled();
+    };
+    window.lvwUpdates.Press();
+    EXPECT_EQ(enabled(), 0);
+    window.lvwUpdates.selectedRow = 0;
+    window.lvwUpdates.Press();
+    EXPECT_EQ(enabled(), 3);
+}
+
+TEST(modSupport, EveryPathGetsExactlyOneFinalBackslash) {
+    // clang-format off
+    const std::pair<const char*, const char*> kCases[] = {
+        {"", "\\"}, {"C:\\", "C:\\"}, {"C:", "C:\\"}, {"/home/x", "/home/x\\"},
+        {"/home/x/", "/home/x/\\"}, {"a\\\\", "a\\\\"},
+    };
+    // clang-format on
+    for (const auto& [path, result] : kCases) EXPECT_EQ(AddFinalSlash(path), result) << path;
+    HeadlessProcess process;
+    process.executable = "C:\\Program Files\\Vantor\\tsupdate.exe";
+    EXPECT_EQ(AppPath(process), "C:\\Program Files\\Vantor\\");
+}
+
+TEST(modSupport, EverySecondCallOfTheNicePumpPumps) {
+    HeadlessPlatform platform;
+    for (int round = 0; round < 2; ++round) {
+        for (int i = 0; i < 10; ++i) DoEventsNice(platform.pump);
+        EXPECT_EQ(platform.pump.pumps, 5u * static_cast<unsigned>(round + 1));
+    }
+}
+
+}  // namespace
+}  // namespace vantor

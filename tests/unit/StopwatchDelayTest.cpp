@@ -1,0 +1,119 @@
+// The stopwatch, the waiting loop and the wait cursor, on a clock that the tests move.
+#include <gtest/gtest.h>
+
+#include <limits>
+#include <stdexcept>
+
+#include "ReportingPlatform.hpp"
+#include "support/CDelay.hpp"
+#include "support/CHourglass.hpp"
+#include "support/CMMTimer.hpp"
+
+namespace vantor {
+namespace {
+
+constexpr std::uint32_t kLastSigned = std::numeric_limits<std::int32_t>::max();
+
+TEST(Stopwatch, ItsRunsAddUpAndPausesDoNotCount) {
+    HeadlessClock clock;
+    CMMTimer watch(clock);
+    EXPECT_EQ(watch.ElapsedTime(), 0);
+    clock.Sleep(500);
+    watch.StartTimer();
+    clock.Sleep(1500);
+    EXPECT_EQ(watch.ElapsedTime(), 1.5);
+    watch.StopTimer();
+    clock.Sleep(9000);
+    EXPECT_EQ(watch.ElapsedTime(), 1.5) << "it ran on while stopped";
+    watch.StopTimer();
+    EXPECT_EQ(watch.ElapsedTime(), 1.5) << "a second stop counted the run twice";
+    watch.ResumeTimer();
+    clock.Sleep(250);
+    EXPECT_EQ(watch.ElapsedTime(), 1.75);
+    watch.ScaleFactor(10);
+    EXPECT_EQ(watch.ElapsedTime(), 175);
+    watch.StopTimer();
+    watch.StartTimer();
+    EXPECT_EQ(watch.ElapsedTime(), 0) << "a new start must forget the old runs";
+}
+
+TEST(Stopwatch, ASumBeyond32BitsRaisesRatherThanWraps) {
+    HeadlessClock clock;
+    clock.Set(1);
+    CMMTimer watch(clock);
+    watch.StartTimer();
+    clock.Set(kLastSigned);
+    watch.StopTimer();
+    watch.ResumeTimer();
+    clock.Sleep(1);
+    EXPECT_EQ(watch.ElapsedTime(), 2147483.647);
+    clock.Sleep(1);
+    EXPECT_EQ(Raised([&] { static_cast<void>(watch.ElapsedTime()); }).Number(), 6);
+    EXPECT_EQ(Raised([&] { watch.StopTimer(); }).Number(), 6);
+}
+
+class DelayTest : public testing::Test {
+protected:
+    HeadlessPlatform mPlatform;
+    CDelay mDelay{mPlatform.clock, mPlatform.pump};
+};
+
+// Each pump is a millisecond of this clock: a sleep on the way would save pumps.
+TEST_F(DelayTest, ItPumpsOnEveryPassAndNeverSleeps) {
+    const std::uint32_t start = mPlatform.clock.Milliseconds();
+    int waits = 0;
+    mDelay.Waiting = [&waits](bool& cancel) {
+        EXPECT_FALSE(cancel);
+        ++waits;
+    };
+    mDelay.Delay(250);
+    EXPECT_EQ(mPlatform.clock.Milliseconds(), start + 250);
+    EXPECT_EQ(mPlatform.pump.pumps, 250u);
+    EXPECT_EQ(waits, 250);
+}
+
+TEST_F(DelayTest, NothingToWaitForReturnsBeforeTheFirstPass) {
+    mDelay.Waiting = [](bool&) { ADD_FAILURE() << "asked although the time was up"; };
+    for (const int ms : {0, -1, -32768}) mDelay.Delay(static_cast<std::int16_t>(ms));
+    EXPECT_EQ(mPlatform.pump.pumps, 0u);
+}
+
+TEST_F(DelayTest, ACancelEndsTheWaitBeforeAnotherPump) {
+    int passes = 0;
+    mDelay.Waiting = [&passes](bool& cancel) { cancel = ++passes == 3; };
+    mDelay.Delay(32767);
+    EXPECT_EQ(mPlatform.pump.pumps, 2u);
+}
+
+TEST_F(DelayTest, AnEndBeyondTheClocksRangeRaisesRatherThanWaitsForever) {
+    mPlatform.clock.Set(kLastSigned - 10);
+    mDelay.Delay(10);
+    EXPECT_EQ(mPlatform.clock.Milliseconds(), kLastSigned);
+    mPlatform.clock.Set(kLastSigned - 9);
+    EXPECT_EQ(Raised([this] { mDelay.Delay(10); }).Number(), 6);
+    mPlatform.clock.Set(kLastSigned + 1);
+    mDelay.Delay(10);
+    EXPECT_EQ(mPlatform.clock.Milliseconds(), kLastSigned + 11) << "a negative clock still runs";
+}
+
+TEST(Hourglass, ThePointerComesBackHoweverTheProcedureEnds) {
+    HeadlessPeers peers;
+    const auto fails = [&peers] {
+        CHourglass hourglass(peers);
+        hourglass.Value(true);
+        EXPECT_EQ(peers.pointer, MousePointer::Hourglass);
+        hourglass.Value(false);
+        EXPECT_EQ(peers.pointer, MousePointer::Default);
+        hourglass.Value(true);
+        throw std::runtime_error("ends early");
+    };
+    EXPECT_THROW(fails(), std::runtime_error);
+    EXPECT_EQ(peers.pointer, MousePointer::Default);
+
+    peers.pointer = MousePointer::Hourglass;
+    { const CHourglass neverSet(peers); }
+    EXPECT_EQ(peers.pointer, MousePointer::Default);
+}
+
+}  // namespace
+}  // namespace vantor

@@ -76,7 +76,7 @@ PseudoTerminal::PseudoTerminal() {
     MakeRaw(mPath);
 
     mEvents = inotify_init1(IN_NONBLOCK | IN_CLOEXEC);
-    if (mEvents < 0 || inotify_add_watch(mEvents, path, IN_OPEN | IN_CLOSE) < 0) {
+    if (mEvents < 0 || inotify_add_watch(mEvents, path, IN_OPEN | IN_CLOSE | IN_MODIFY) < 0) {
         Fail("The pseudo-terminal cannot be watched for opens");
     }
 }
@@ -86,8 +86,28 @@ PseudoTerminal::~PseudoTerminal() {
 }
 
 PseudoTerminal::State PseudoTerminal::Look() {
-    // Before the look at the terminal: an event that comes between the two ends the next wait.
-    const bool reopened = ReadEvents();
+    State state{};
+    bool hangup = Gather(state);
+    // The last bytes may have come between the reading and the close: only a reading that began
+    // after the hang-up was seen, and found nothing, proves that there are none.
+    if (hangup && state.bytes.empty() && !state.reopened) hangup = Gather(state);
+    state.hostOpen = !hangup || !state.bytes.empty() || state.reopened;
+    mLookAgain = hangup && state.hostOpen;
+    return state;
+}
+
+// Reads bytes and then events, in this order: the event of a write comes after its bytes, but
+// before the close that follows, so the events tell on which side of it the bytes were written.
+// Returns whether nobody has the far end open.
+bool PseudoTerminal::Gather(State& state) {
+    std::array<char, 4096> some{};
+    for (;;) {
+        const ssize_t count = read(mMaster, some.data(), some.size());
+        // EIO: the far end is closed and everything written before has been read.
+        if (count <= 0) break;
+        state.bytes.append(some.data(), static_cast<std::size_t>(count));
+    }
+    ReadEvents(state);
     pollfd look{mMaster, POLLIN, 0};
     // Asked with the waiting mask, so that a signal gets in even while bytes keep streaming.
     const timespec now{};
@@ -96,34 +116,41 @@ PseudoTerminal::State PseudoTerminal::Look() {
         look.revents = 0;
         if (poll(&look, 1, 0) < 0) Fail("The pseudo-terminal cannot be watched");
     }
-    return {(look.revents & POLLHUP) == 0, reopened, (look.revents & POLLIN) != 0};
+    if ((look.revents & POLLIN) == 0) mWrote = false;
+    return (look.revents & POLLHUP) != 0;
 }
 
-// Takes note of opens and closes; true when an open follows the close of the last host. The
-// close is told before the terminal shows it, so that a close alone says nothing yet.
-bool PseudoTerminal::ReadEvents() {
-    bool reopened = false;
+void PseudoTerminal::ReadEvents(State& state) {
     alignas(inotify_event) std::array<char, 4096> buffer{};
     for (;;) {
         const ssize_t count = read(mEvents, buffer.data(), buffer.size());
-        if (count <= 0) return reopened;
+        if (count <= 0) return;
         inotify_event event{};
         for (std::size_t at = 0; at < static_cast<std::size_t>(count);
              at += sizeof event + event.len) {
             std::memcpy(&event, buffer.data() + at, sizeof event);
-            if ((event.mask & IN_OPEN) != 0) {
-                reopened = reopened || mWasEmptied;
-                mWasEmptied = false;
-                ++mOpenCount;
-            } else if ((event.mask & IN_CLOSE) != 0) {
-                mOpenCount = std::max(0, mOpenCount - 1);
-                mWasEmptied = mOpenCount == 0;
-            }
+            TakeEvent(event.mask, state);
         }
     }
 }
 
+// A close is told before the terminal shows it, and so says nothing before an open follows.
+void PseudoTerminal::TakeEvent(std::uint32_t mask, State& state) {
+    if ((mask & IN_MODIFY) != 0) mWrote = true;
+    if ((mask & IN_CLOSE) != 0) {
+        mOpenCount = std::max(0, mOpenCount - 1);
+        mWasEmptied = mOpenCount == 0;
+    }
+    if ((mask & IN_OPEN) != 0) {
+        ++mOpenCount;
+        if (!std::exchange(mWasEmptied, false)) return;
+        state.reopened = true;
+        state.wroteBefore = mWrote;
+    }
+}
+
 void PseudoTerminal::Wait(std::optional<std::chrono::microseconds> atMost) const {
+    if (mLookAgain) return;
     std::array<pollfd, 2> wait{{{mEvents, POLLIN, 0}, {mMaster, POLLIN, 0}}};
     if (poll(&wait[1], 1, 0) < 0) Fail("The pseudo-terminal cannot be waited for");
     if ((wait[1].revents & POLLIN) != 0) return;
@@ -136,17 +163,6 @@ void PseudoTerminal::Wait(std::optional<std::chrono::microseconds> atMost) const
     }
     if (ppoll(wait.data(), watched, atMost ? &limit : nullptr, &mWaitMask) < 0 && errno != EINTR) {
         Fail("The pseudo-terminal cannot be waited for");
-    }
-}
-
-std::string PseudoTerminal::Read() {
-    std::string all;
-    std::array<char, 4096> some{};
-    for (;;) {
-        const ssize_t count = read(mMaster, some.data(), some.size());
-        // EIO: the far end is closed and everything written before has been read.
-        if (count <= 0) return all;
-        all.append(some.data(), static_cast<std::size_t>(count));
     }
 }
 

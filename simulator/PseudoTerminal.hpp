@@ -4,6 +4,7 @@
 
 #include <chrono>
 #include <csignal>
+#include <cstdint>
 #include <optional>
 #include <string>
 #include <string_view>
@@ -27,18 +28,21 @@ public:
     /// What a host opens.
     const std::string& Path() const { return mPath; }
 
+    /// What has befallen the far end since the last look.
     struct State {
-        bool hostOpen;  ///< somebody has the far end open
-        bool reopened;  ///< it was closed and opened again since the last look
-        bool readable;  ///< bytes wait, possibly from a host that has closed since
+        std::string bytes;  ///< what a host wrote, one that has closed since included
+        bool hostOpen;      ///< somebody has it open, or had until a moment ago: see `Wait`
+        bool reopened;      ///< it was closed and opened again
+        /// `reopened`, and the bytes were written before the close. (A host that wrote on both
+        /// sides of it is not told apart; all its bytes count as before.)
+        bool wroteBefore;
     };
+    /// Never waits. A close is shown only when everything written before it has been given.
     State Look();
-    /// Returns when a host has opened, written or closed, at a signal, or after `atMost`;
-    /// without a limit when unset.
+    /// Returns when another look is worth while - a host has opened, written or closed -, at a
+    /// signal, or after `atMost`; without a limit when unset.
     void Wait(std::optional<std::chrono::microseconds> atMost) const;
 
-    /// All bytes that wait, those of a host that has closed included; empty when there are none.
-    std::string Read();
     /// Hands `bytes` to the host. What a host that does not read leaves no room for is lost.
     void Write(std::string_view bytes);
     /// The host's line parameters. A pseudo-terminal keeps speed and stop bits as the host set
@@ -48,12 +52,16 @@ public:
     void Close();
 
 private:
-    bool ReadEvents();
+    bool Gather(State& state);
+    void ReadEvents(State& state);
+    void TakeEvent(std::uint32_t mask, State& state);
 
     int mMaster = -1;
-    int mEvents = -1;          // opens and closes of the far end
+    int mEvents = -1;          // what befalls the far end
     int mOpenCount = 0;        // by these events
     bool mWasEmptied = false;  // the last close left nobody
+    bool mWrote = false;       // a host wrote what may not have been read yet
+    bool mLookAgain = false;   // the last look saw bytes and a close
     std::string mPath;
     sigset_t mWaitMask{};
 };

@@ -236,6 +236,7 @@ private:
     Micros Now() const;
     void Listen();
     void NoteLine(Micros now);
+    void NoteClose();
     void Speak();
     void Report();
     void Pause();
@@ -282,23 +283,24 @@ Micros Server::Now() const {
 
 void Server::Listen() {
     const PseudoTerminal::State state = mTerminal.Look();
-    // A close may follow the last bytes so quickly that the look shows only the close.
-    const bool mayHold = state.readable || !state.hostOpen || state.reopened;
-    const std::string bytes = mayHold ? mTerminal.Read() : std::string{};
+    if (state.reopened && !state.wroteBefore) NoteClose();
     const Micros now = Now();
-    // The host may also have opened, written and closed since the last look.
-    if ((!mHostOpen && state.hostOpen) || !bytes.empty()) NoteLine(now);
-    if (!bytes.empty()) {
-        mTranscript.Add(now, ">", bytes);
-        mIndicator.Receive(bytes, now);
+    const bool opened = !mHostOpen && state.hostOpen;
+    if (opened || !state.bytes.empty()) NoteLine(now);
+    if (!state.bytes.empty()) {
+        mTranscript.Add(now, ">", state.bytes);
+        mIndicator.Receive(state.bytes, now);
         mLastByte = now;
     }
-    if (mHostOpen && (!state.hostOpen || state.reopened)) {
-        mHostOpen = false;
-        mIndicator.HostClosed(now);
-        mTranscript.Add(now, "-", "host closed");
-        mTranscript.Flush();
-    }
+    if (!state.hostOpen || (state.reopened && state.wroteBefore)) NoteClose();
+}
+
+void Server::NoteClose() {
+    if (!std::exchange(mHostOpen, false)) return;
+    const Micros now = Now();
+    mIndicator.HostClosed(now);
+    mTranscript.Add(now, "-", "host closed");
+    mTranscript.Flush();
 }
 
 void Server::NoteLine(Micros now) {

@@ -1,0 +1,178 @@
+// Streaming an image into m40sim over a pseudo-terminal: against the time that the wire alone
+// needs (paced), and against a bare loop that writes the same lines and waits for OK (unpaced).
+#include <fcntl.h>
+#include <poll.h>
+#include <termios.h>
+#include <unistd.h>
+
+#include <array>
+#include <cstdio>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <stdexcept>
+#include <string>
+#include <vector>
+
+#include "bench/Measure.hpp"
+#include "console/ConsoleWindow.hpp"
+#include "flash/FirmwareImage.hpp"
+#include "flash/FlashSession.hpp"
+#include "platform/headless/HeadlessPlatform.hpp"
+#include "platform/posix/PosixClock.hpp"
+#include "platform/posix/PosixFiles.hpp"
+#include "platform/posix/PosixSerialPorts.hpp"
+#include "settings/CAppSettings.hpp"
+#include "tests/terminal/Child.hpp"
+
+namespace vantor::bench {
+namespace {
+
+/// m40sim as a process of its own, for one session.
+class Indicator {
+public:
+    Indicator(const std::string& tools, const std::string& image, bool paced)
+        : mChild(paced ? std::vector<std::string>{tools + "/m40sim", "--once", "--write", "0",
+                                                  "--image", image, "--pace"}
+                       : std::vector<std::string>{tools + "/m40sim", "--once", "--write", "0",
+                                                  "--image", image}) {
+        if (!mChild.WaitFor("\n")) throw std::runtime_error("m40sim does not start");
+        mPort = mChild.Out().substr(6, mChild.Out().find('\n') - 6);
+    }
+    const std::string& Port() const { return mPort; }
+    /// Both ends agree that a whole image was taken.
+    void Finish() {
+        if (mChild.Wait() != 0) throw std::runtime_error("m40sim: " + mChild.Err());
+    }
+
+private:
+    Child mChild;
+    std::string mPort;
+};
+
+/// The program's own session, without a screen, on the real line. Returns the seconds from the
+/// first line's display to the status window of the final phase.
+double StreamOurs(const std::string& tools, const std::string& image, bool paced) {
+    Indicator indicator(tools, image, paced);
+    HeadlessPlatform stage;
+    PosixClock clock;
+    PosixFiles files;
+    PolledPump pump(clock);
+    PosixSerialPorts ports(pump, {{"COM1", indicator.Port()}});
+    Platform platform = stage.platform;
+    Platform real{clock,      platform.codePage, platform.dialogs,  files,
+                  platform.folders, platform.boxes, pump,     platform.peers,
+                  platform.process, platform.registry, ports, platform.strings};
+    Desktop desktop(stage.peers, pump);
+    auto window = std::make_shared<ConsoleWindow>(desktop, real);
+    CAppSettings settings(stage.registry, stage.codePage, files);
+    FlashSession session(*window, settings, real);
+    SteadyClock::time_point start;
+    double seconds = -1;
+    bool streaming = false;
+    stage.peers.onChange = [&](const Control& control, Property what) {
+        if (!streaming && &control == &window->pbarStatus && what == Property::Value) {
+            streaming = true;
+            start = SteadyClock::now();
+        } else if (seconds < 0 && control.Name() == "lblMessage") {
+            seconds = SecondsSince(start);
+        }
+    };
+    window->Load();
+    stage.dialogs.choices = {image};
+    session.doFlash();
+    if (session.Outcome() != FlashOutcome::Done) throw std::runtime_error("the flash failed");
+    stage.peers.onChange = {};
+    window->Unload();
+    indicator.Finish();
+    return seconds;
+}
+
+/// A bare loop on the same kind of terminal.
+class BareLine {
+public:
+    explicit BareLine(const std::string& port) : mFd(open(port.c_str(), O_RDWR | O_NOCTTY)) {
+        termios raw{};
+        if (mFd < 0 || tcgetattr(mFd, &raw) != 0) throw std::runtime_error("cannot open " + port);
+        cfmakeraw(&raw);
+        cfsetspeed(&raw, B38400);
+        raw.c_cflag |= CSTOPB;
+        if (tcsetattr(mFd, TCSANOW, &raw) != 0) throw std::runtime_error("cannot set " + port);
+    }
+    ~BareLine() { close(mFd); }
+    BareLine(const BareLine&) = delete;
+    BareLine& operator=(const BareLine&) = delete;
+
+    void Write(const std::string& text) {
+        if (write(mFd, text.data(), text.size()) != static_cast<ssize_t>(text.size()))
+            throw std::runtime_error("write");
+    }
+    void WaitFor(const std::string& word) {
+        std::string reply;
+        std::array<char, 256> chunk;
+        while (reply.find(word) == std::string::npos) {
+            const ssize_t count = read(mFd, chunk.data(), chunk.size());
+            if (count <= 0) throw std::runtime_error("read");
+            reply.append(chunk.data(), static_cast<std::size_t>(count));
+        }
+    }
+
+private:
+    int mFd;
+};
+
+double StreamBare(const std::string& tools, const std::string& image) {
+    Indicator indicator(tools, image, false);
+    const ImageLines lines = FileToStringArray(image, PosixFiles());
+    double seconds = 0;
+    {
+        BareLine line(indicator.Port());
+        for (const char* command : {"TRAV\r", "SYSLOAD\r"}) {
+            line.Write(command);
+            line.WaitFor("OK");
+        }
+        const auto start = SteadyClock::now();
+        for (std::size_t i = 0; i <= lines.UBound(); ++i) {
+            line.Write(std::string(lines[i]) + "\r");
+            line.WaitFor("OK");
+        }
+        seconds = SecondsSince(start);
+        line.WaitFor("DONE");
+        line.Write("BOOT\r");
+    }
+    indicator.Finish();
+    return seconds;
+}
+
+double WireSeconds(const std::string& image) {
+    constexpr double kBitsPerCharacter = 11;
+    constexpr double kBitsPerSecond = 115200;
+    constexpr std::size_t kAcknowledgement = 4;  // OK, CR, LF
+    const ImageLines lines = FileToStringArray(image, PosixFiles());
+    std::size_t characters = 0;
+    for (std::size_t i = 0; i <= lines.UBound(); ++i)
+        characters += lines[i].size() + 1 + kAcknowledgement;
+    return static_cast<double>(characters) * kBitsPerCharacter / kBitsPerSecond;
+}
+
+}  // namespace
+}  // namespace vantor::bench
+
+int main(int argc, char** argv) {
+    using namespace vantor::bench;
+    if (argc != 2) {
+        std::fprintf(stderr, "Usage: stream_bench FOLDER-OF-THE-PROGRAMS\n");
+        return 2;
+    }
+    const std::string tools = argv[1];
+    const std::string image = tools + "/sample.run";
+    const double wire = WireSeconds(image);
+    const double paced = StreamOurs(tools, image, true);
+    std::printf("paced stream: %.3f s, the wire alone %.3f s, ratio %.3f\n", paced, wire,
+                paced / wire);
+    const Pair seconds = SideBySide(
+        5, [&] { return StreamOurs(tools, image, false); },
+        [&] { return StreamBare(tools, image); });
+    std::printf("unpaced stream: %.3f s, bare loop %.3f s, ratio %.2f\n", seconds.ours,
+                seconds.theirs, seconds.ours / seconds.theirs);
+}

@@ -20,12 +20,10 @@ frmMain::frmMain(Desktop& desktop, Platform& platform)
       mPlatform(platform),
       mSettings(platform.registry, platform.codePage, platform.files),
       mSession(*this, mSettings, platform) {
-    cmdFlash.Click.Handle([this] {
-        Trapped("frmMain.cmdFlash_Click", [this] { mSession.doFlash(); });
-    });
-    mnuFileFlash.Click.Handle([this] {
-        Trapped("frmMain.mnuFileFlash_Click", [this] { mSession.doFlash(); });
-    });
+    cmdFlash.Click.Handle(
+        [this] { Trapped("frmMain.cmdFlash_Click", [this] { mSession.doFlash(); }); });
+    mnuFileFlash.Click.Handle(
+        [this] { Trapped("frmMain.mnuFileFlash_Click", [this] { mSession.doFlash(); }); });
     mnuFileExit.Click.Handle([this] { mnuFileExit_Click(); });
     lvwUpdates.Click.Handle([this] { lvwUpdates_Click(); });
 }

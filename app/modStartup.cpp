@@ -40,9 +40,9 @@ bool modStartup::Main() {
 // Nothing can be reported before the handler stands, so each step's error is passed over.
 void modStartup::PrepareErrorHandler() {
     Ignoring([this] {
-        mErrors = std::make_unique<CErrHandler>(CErrHandler::Services{
-            mPlatform.clock, mPlatform.files, mPlatform.folders, mPlatform.boxes,
-            mPlatform.process});
+        mErrors = std::make_unique<CErrHandler>(
+            CErrHandler::Services{mPlatform.clock, mPlatform.files, mPlatform.folders,
+                                  mPlatform.boxes, mPlatform.process});
         SetErrorSink(mErrors.get());
     });
     Ignoring([this] { mErrors->Title = AppInfo{}.title; });

@@ -60,9 +60,18 @@ double StreamOurs(const std::string& tools, const std::string& image, bool paced
     PolledPump pump(clock);
     PosixSerialPorts ports(pump, {{"COM1", indicator.Port()}});
     Platform platform = stage.platform;
-    Platform real{clock,      platform.codePage, platform.dialogs,  files,
-                  platform.folders, platform.boxes, pump,     platform.peers,
-                  platform.process, platform.registry, ports, platform.strings};
+    Platform real{clock,
+                  platform.codePage,
+                  platform.dialogs,
+                  files,
+                  platform.folders,
+                  platform.boxes,
+                  pump,
+                  platform.peers,
+                  platform.process,
+                  platform.registry,
+                  ports,
+                  platform.strings};
     Desktop desktop(stage.peers, pump);
     auto window = std::make_shared<ConsoleWindow>(desktop, real);
     CAppSettings settings(stage.registry, stage.codePage, files);

@@ -87,7 +87,8 @@ BoxAnswer ConsoleBoxes::Show(const MessageBoxRequest& request) {
 BoxAnswer ConsoleBoxes::Ask() {
     mTerminal.Write(mStrings.LoadResString(2039));
     const std::string answer = UpperCase(TrimBlanks(mTerminal.ReadLine().value_or("")));
-    const bool yes = !answer.empty() && answer.substr(0, 1) == UpperCase(mStrings.LoadResString(2040));
+    const bool yes =
+        !answer.empty() && answer.substr(0, 1) == UpperCase(mStrings.LoadResString(2040));
     return yes ? BoxAnswer::Yes : BoxAnswer::No;
 }
 

@@ -22,15 +22,15 @@ constexpr std::array kOptions = {
     OptionRow{"-p", "--port", "PORT", 2002, [](Options& o, const std::string& v) { o.port = v; }},
     OptionRow{"-b", "--baud", "N", 2003, [](Options& o, const std::string& v) { o.baud = v; }},
     OptionRow{"", "--parity", "P", 2004, [](Options& o, const std::string& v) { o.parity = v; }},
-    OptionRow{
-        "", "--data-bits", "N", 2005, [](Options& o, const std::string& v) { o.dataBits = v; }},
-    OptionRow{
-        "", "--stop-bits", "N", 2006, [](Options& o, const std::string& v) { o.stopBits = v; }},
+    OptionRow{"", "--data-bits", "N", 2005,
+              [](Options& o, const std::string& v) { o.dataBits = v; }},
+    OptionRow{"", "--stop-bits", "N", 2006,
+              [](Options& o, const std::string& v) { o.stopBits = v; }},
     OptionRow{"-y", "--yes", "", 2007, [](Options& o, const std::string&) { o.yes = true; }},
     OptionRow{"-q", "--quiet", "", 2008, [](Options& o, const std::string&) { o.quiet = true; }},
     OptionRow{"", "--log", "FILE", 2009, [](Options& o, const std::string& v) { o.log = v; }},
-    OptionRow{
-        "", "--practice", "", 2010, [](Options& o, const std::string&) { o.practice = true; }},
+    OptionRow{"", "--practice", "", 2010,
+              [](Options& o, const std::string&) { o.practice = true; }},
     OptionRow{"", "--fault", "FAULT", 2011,
               [](Options& o, const std::string& v) { o.faults.push_back(v); }},
     OptionRow{"", "--list-ports", "", 2012,
@@ -62,8 +62,7 @@ void Replace(std::string& text, std::string_view mark, const std::string& value)
 void ApplyOption(Options& options, const std::vector<std::string>& arguments, std::size_t& at,
                  const StringTable& strings) {
     const std::string& argument = arguments[at];
-    const std::size_t equals =
-        argument.starts_with("--") ? argument.find('=') : std::string::npos;
+    const std::size_t equals = argument.starts_with("--") ? argument.find('=') : std::string::npos;
     const std::string name = argument.substr(0, equals);
     const OptionRow* const row = FindOption(name);
     if (!row) Fail(strings, 2030, argument);
@@ -106,8 +105,7 @@ Options ParseOptions(const std::vector<std::string>& arguments, const StringTabl
 
 std::string HelpText(const StringTable& strings) {
     constexpr std::size_t kColumn = 24;
-    std::string text =
-        strings.LoadResString(2000) + "\n" + strings.LoadResString(2001) + "\n\n";
+    std::string text = strings.LoadResString(2000) + "\n" + strings.LoadResString(2001) + "\n\n";
     for (const OptionRow& row : kOptions) {
         std::string left = "  ";
         left.append(row.letter.empty() ? "    " : std::string(row.letter) + ", ").append(row.name);

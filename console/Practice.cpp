@@ -25,8 +25,7 @@ IndicatorOptions OptionsFor(const CAppSettings& settings, const std::vector<std:
 }
 
 IndicatorOptions CheckedOptions(const CAppSettings& settings,
-                                const std::vector<std::string>& faults,
-                                const std::string& image) {
+                                const std::vector<std::string>& faults, const std::string& image) {
     try {
         return OptionsFor(settings, faults, image);
     } catch (const std::invalid_argument& error) {

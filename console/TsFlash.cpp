@@ -52,18 +52,25 @@ void CheckImage(const std::string& path, const Files& files, const StringTable& 
 
 ExitStatus StatusOf(FlashOutcome outcome) {
     switch (outcome) {
-        case FlashOutcome::Done: return ExitStatus::Done;
-        case FlashOutcome::PortNotOpen: return ExitStatus::PortNotOpen;
+        case FlashOutcome::Done:
+            return ExitStatus::Done;
+        case FlashOutcome::PortNotOpen:
+            return ExitStatus::PortNotOpen;
         case FlashOutcome::NotInBootMonitor:
-        case FlashOutcome::SystemLoadRefused: return ExitStatus::NotReady;
-        case FlashOutcome::VerifyFailed: return ExitStatus::VerifyFailed;
+        case FlashOutcome::SystemLoadRefused:
+            return ExitStatus::NotReady;
+        case FlashOutcome::VerifyFailed:
+            return ExitStatus::VerifyFailed;
         case FlashOutcome::Declined:
-        case FlashOutcome::Aborted: return ExitStatus::Aborted;
+        case FlashOutcome::Aborted:
+            return ExitStatus::Aborted;
         case FlashOutcome::LineRefused:
         case FlashOutcome::NothingAccepted:
         case FlashOutcome::AwaitingVerdict:
-        case FlashOutcome::NoVerdict: return ExitStatus::UpdateFailure;
-        case FlashOutcome::None: break;
+        case FlashOutcome::NoVerdict:
+            return ExitStatus::UpdateFailure;
+        case FlashOutcome::None:
+            break;
     }
     // The image vanished between the look at it and the stream.
     return ExitStatus::Usage;
@@ -190,9 +197,7 @@ std::unique_ptr<Practice> Run::MakePractice() {
 std::unique_ptr<Transcript> Run::MakeTranscript() {
     if (mOptions.log.empty()) return nullptr;
     std::unique_ptr<Transcript> transcript;
-    if (!Ignoring([&] {
-            transcript = std::make_unique<Transcript>(mOptions.log, *mNative.clock);
-        }))
+    if (!Ignoring([&] { transcript = std::make_unique<Transcript>(mOptions.log, *mNative.clock); }))
         throw Refusal(*mNative.strings, 2037, mOptions.log);
     return transcript;
 }
@@ -217,8 +222,10 @@ void Run::Interrupted() {
     mProgress.Finish();
     const bool honoured = mWindow->cmdFlashAbort.Enabled();
     const bool inFlash = mWindow->Flags().mblnFlashing;
-    mNative.terminal->WriteError(
-        mNative.strings->LoadResString(honoured ? 714 : inFlash ? 2041 : 2042) + "\n");
+    mNative.terminal->WriteError(mNative.strings->LoadResString(honoured  ? 714
+                                                                : inFlash ? 2041
+                                                                          : 2042) +
+                                 "\n");
     mWindow->cmdFlashAbort.Press();
 }
 
@@ -230,8 +237,12 @@ ExitStatus RunTsFlash(NativePlatform& native) {
     try {
         const Options options = ParseOptions(native.process->Arguments(), strings);
         switch (options.action) {
-            case Action::Help: native.terminal->Write(HelpText(strings)); break;
-            case Action::Version: native.terminal->Write(Version()); break;
+            case Action::Help:
+                native.terminal->Write(HelpText(strings));
+                break;
+            case Action::Version:
+                native.terminal->Write(Version());
+                break;
             case Action::ListPorts:
                 native.terminal->Write(PortList(*native.ports, strings));
                 break;

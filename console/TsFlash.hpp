@@ -9,13 +9,13 @@ namespace vantor {
 
 /// Exit statuses.
 enum class ExitStatus : std::uint8_t {
-    Done = 0,              ///< the indicator reported DONE
-    UpdateFailure = 1,     ///< a line refused four times, no line accepted, no verdict in time
-    Usage = 2,             ///< usage, or an image that is missing, unreadable or without lines
+    Done = 0,           ///< the indicator reported DONE
+    UpdateFailure = 1,  ///< a line refused four times, no line accepted, no verdict in time
+    Usage = 2,          ///< usage, or an image that is missing, unreadable or without lines
     PortNotOpen = 3,
-    NotReady = 4,          ///< not in boot monitor, or system load refused
+    NotReady = 4,  ///< not in boot monitor, or system load refused
     VerifyFailed = 5,
-    Aborted = 6,           ///< in whatever phase, a declined warning included
+    Aborted = 6,  ///< in whatever phase, a declined warning included
 };
 
 /// Runs the program with the arguments of `native`'s process.

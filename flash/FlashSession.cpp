@@ -217,8 +217,7 @@ FlashSession::Line FlashSession::SendLine(std::string_view line) {
     return Line::Sent;
 }
 
-void FlashSession::ShowProgress(std::int32_t index, std::int32_t last,
-                                const CMMTimer& stopwatch) {
+void FlashSession::ShowProgress(std::int32_t index, std::int32_t last, const CMMTimer& stopwatch) {
     // Both numbers are indices, counted from 0.
     mControls.lblStatus.Caption(Text(816) + " " + std::to_string(index) + " " + Text(817) + " " +
                                 std::to_string(last));
@@ -232,8 +231,7 @@ void FlashSession::ShowProgress(std::int32_t index, std::int32_t last,
 
 // An image of one line has 0 as its last index: the division is reported, and the session goes
 // on with what `percent` held.
-void FlashSession::ScalePercentLong(std::int32_t value, std::int32_t total,
-                                    std::int16_t& percent) {
+void FlashSession::ScalePercentLong(std::int32_t value, std::int32_t total, std::int16_t& percent) {
     Trapped("frmMain.ScalePercentLong", [&] {
         const std::int32_t scaled = CheckedMultiply(value, 100);
         if (total == 0) throw RuntimeError(ErrorNumber::DivisionByZero);
@@ -258,8 +256,8 @@ void FlashSession::EndStreaming() {
         mOutcome = FlashOutcome::Aborted;
         Say(BoxIcon::Exclamation, Text(713), Text(712));
     }
-    const bool goesOn = mOutcome == FlashOutcome::AwaitingVerdict ||
-                        mOutcome == FlashOutcome::NothingAccepted;
+    const bool goesOn =
+        mOutcome == FlashOutcome::AwaitingVerdict || mOutcome == FlashOutcome::NothingAccepted;
     if (!goesOn) mFlags.mblnFlashing = false;
 }
 

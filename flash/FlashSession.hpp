@@ -21,18 +21,18 @@ class frmStatus;
 
 /// How the last session ended, or what it waits for.
 enum class FlashOutcome : std::uint8_t {
-    None,               ///< no session yet, or it has not reached an end
-    Declined,           ///< the warning was not answered Yes
+    None,      ///< no session yet, or it has not reached an end
+    Declined,  ///< the warning was not answered Yes
     PortNotOpen,
     NotInBootMonitor,
     SystemLoadRefused,
-    LineRefused,        ///< a line failed four times
+    LineRefused,  ///< a line failed four times
     Aborted,
-    NothingAccepted,    ///< the image is through, and no line of it was answered OK: it waits
+    NothingAccepted,  ///< the image is through, and no line of it was answered OK: it waits
     AwaitingVerdict,
     Done,
     VerifyFailed,
-    NoVerdict,          ///< 60 s without one
+    NoVerdict,  ///< 60 s without one
 };
 
 class FlashSession {

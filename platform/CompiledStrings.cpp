@@ -77,7 +77,7 @@ std::string CompiledStrings::LoadResString(std::int32_t id) const {
     const auto found =
         std::lower_bound(rows.begin(), rows.end(), id,
                          [](const Row& row, std::int32_t key) { return row.id < key; });
-    if (found == rows.end() || found->id != id) throw RuntimeError(ErrorNumber::ResourceNotFound);
+    if (found == rows.end() || found->id != id) throw Missing(id);
     return std::string(mLanguage == Language::Spanish ? found->spanish : found->english);
 }
 

@@ -42,8 +42,8 @@ public:
     virtual ~Registry() = default;
 
     /// Opens an existing key (RegOpenKeyExA). `key` is untouched on failure.
-    virtual RegistryResult OpenKey(RegistryRoot root, const std::string& path,
-                                   std::uint32_t access, RegistryKey& key) = 0;
+    virtual RegistryResult OpenKey(RegistryRoot root, const std::string& path, std::uint32_t access,
+                                   RegistryKey& key) = 0;
 
     /// Opens a key, creating what is missing of its path (RegCreateKeyExA, no class, options 0).
     virtual RegistryResult CreateKey(RegistryRoot root, const std::string& path,
@@ -52,8 +52,8 @@ public:
     /// Queries a value (RegQueryValueExA). With a null `data` only `type` and `size` (bytes,
     /// the terminating NUL counted) are set. Otherwise `size` holds the buffer's size on entry
     /// and the value's on return; too small a buffer gives kRegistryMoreData.
-    virtual RegistryResult QueryValue(RegistryKey key, const std::string& name,
-                                      std::uint32_t& type, char* data, std::uint32_t& size) = 0;
+    virtual RegistryResult QueryValue(RegistryKey key, const std::string& name, std::uint32_t& type,
+                                      char* data, std::uint32_t& size) = 0;
 
     /// Sets a value to `bytes`, which for a string include its terminating NUL
     /// (RegSetValueExA). Bytes of value 0 inside a string are kept.

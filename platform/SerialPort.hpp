@@ -75,8 +75,7 @@ public:
 
     /// Opens `name` ("COM1" to "COM32") with `line`. Raises RuntimeError: 68 no such port,
     /// 70 in use by another program or not permitted, 5 parameters that the port refuses.
-    virtual std::unique_ptr<SerialPort> Open(const std::string& name,
-                                             const LineSettings& line) = 0;
+    virtual std::unique_ptr<SerialPort> Open(const std::string& name, const LineSettings& line) = 0;
 
     /// The ports present now, in numeric order of their COM names.
     virtual std::vector<SerialPortInfo> List() const = 0;

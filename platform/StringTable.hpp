@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <string>
 
+#include "support/RuntimeError.hpp"
+
 namespace vantor {
 
 class StringTable {
@@ -14,6 +16,13 @@ public:
     /// Spanish when that is the language of the user's interface, English otherwise. Nothing is
     /// cached. Raises RuntimeError 326 for a number that the table does not hold.
     virtual std::string LoadResString(std::int32_t id) const = 0;
+
+protected:
+    /// The error for a number that is not in the table.
+    static RuntimeError Missing(std::int32_t id) {
+        return RuntimeError(static_cast<std::int32_t>(ErrorNumber::ResourceNotFound),
+                            "Resource with identifier '" + std::to_string(id) + "' not found");
+    }
 };
 
 }  // namespace vantor

@@ -246,7 +246,8 @@ bool CAppSettings::AutoUnZip() const {
 }
 
 void CAppSettings::AutoUnZip(bool value) {
-    Set("AutoUnZip", [] {}, [&] { mRecord.AutoUnZip = value; });
+    Set(
+        "AutoUnZip", [] {}, [&] { mRecord.AutoUnZip = value; });
 }
 
 bool CAppSettings::PassiveFTP() const {
@@ -254,7 +255,8 @@ bool CAppSettings::PassiveFTP() const {
 }
 
 void CAppSettings::PassiveFTP(bool value) {
-    Set("PassiveFTP", [] {}, [&] { mRecord.PassiveFTP = value; });
+    Set(
+        "PassiveFTP", [] {}, [&] { mRecord.PassiveFTP = value; });
 }
 
 bool CAppSettings::ProxyEnable() const {
@@ -262,7 +264,8 @@ bool CAppSettings::ProxyEnable() const {
 }
 
 void CAppSettings::ProxyEnable(bool value) {
-    Set("ProxyEnable", [] {}, [&] { mRecord.ProxyEnable = value; });
+    Set(
+        "ProxyEnable", [] {}, [&] { mRecord.ProxyEnable = value; });
 }
 
 std::string CAppSettings::ProxyHostname() const {

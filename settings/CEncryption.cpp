@@ -17,7 +17,11 @@ std::vector<std::uint8_t> WideBytes(std::string_view utf8) {
     };
     for (std::size_t i = 0; i < utf8.size();) {
         const auto lead = static_cast<unsigned char>(utf8[i++]);
-        const int more = lead < 0x80 ? 0 : lead >= 0xf0 ? 3 : lead >= 0xe0 ? 2 : lead >= 0xc0 ? 1 : -1;
+        const int more = lead < 0x80    ? 0
+                         : lead >= 0xf0 ? 3
+                         : lead >= 0xe0 ? 2
+                         : lead >= 0xc0 ? 1
+                                        : -1;
         std::uint32_t point = more < 0 ? 0xfffdu : more == 0 ? lead : lead & (0x3fu >> more);
         for (int k = 0; k < more; ++k) {
             if (i == utf8.size() || (static_cast<unsigned char>(utf8[i]) & 0xc0u) != 0x80u) {

@@ -7,6 +7,22 @@
 #include "support/Traps.hpp"
 
 namespace vantor {
+namespace {
+
+/// Closes an open key when it goes. What cannot be closed again is the system's loss.
+class KeyCloser {
+public:
+    KeyCloser(Registry& registry, RegistryKey key) : mRegistry(registry), mKey(key) {}
+    ~KeyCloser() { static_cast<void>(mRegistry.CloseKey(mKey)); }
+    KeyCloser(const KeyCloser&) = delete;
+    KeyCloser& operator=(const KeyCloser&) = delete;
+
+private:
+    Registry& mRegistry;
+    RegistryKey mKey;
+};
+
+}  // namespace
 
 std::string CProgramSettings::KeyPath() const {
     std::string path = MainBranch + "\\" + RegBase + "\\" + Program + "\\" + Section;
@@ -38,9 +54,8 @@ CProgramSettings::Value CProgramSettings::GetKeyValue(RegistryRoot root, const s
         const RegistryResult opened =
             mRegistry.OpenKey(root, mCodePage.ToAnsi(path), kRegistryAllButOwner, key);
         if (opened != kRegistrySuccess) return;
+        const KeyCloser closer(mRegistry, key);
         value = QueryOpenKey(key, mCodePage.ToAnsi(name));
-        // A key that cannot be closed again is the system's loss: the value has been read.
-        static_cast<void>(mRegistry.CloseKey(key));
     });
     return value;
 }
@@ -79,11 +94,11 @@ void CProgramSettings::SetKeyValue(RegistryRoot root, const std::string& path,
         const RegistryResult created =
             mRegistry.CreateKey(root, mCodePage.ToAnsi(path), kRegistryAllButOwner, key);
         if (created != kRegistrySuccess) return;
+        const KeyCloser closer(mRegistry, key);
         std::string bytes = mCodePage.ToAnsi(value);
         bytes += '\0';
         // A failed write is silent: the program goes on with the values that it holds.
         static_cast<void>(mRegistry.SetValue(key, mCodePage.ToAnsi(name), type, bytes));
-        static_cast<void>(mRegistry.CloseKey(key));
     });
 }
 

@@ -87,19 +87,23 @@ PseudoTerminal::~PseudoTerminal() {
 
 PseudoTerminal::State PseudoTerminal::Look() {
     State state{};
-    bool hangup = Gather(state);
+    short events = Gather(state);
     // The last bytes may have come between the reading and the close: only a reading that began
     // after the hang-up was seen, and found nothing, proves that there are none.
-    if (hangup && state.bytes.empty() && !state.reopened) hangup = Gather(state);
+    if ((events & POLLHUP) != 0 && state.bytes.empty() && !state.reopened) events = Gather(state);
+    const bool hangup = (events & POLLHUP) != 0;
     state.hostOpen = !hangup || !state.bytes.empty() || state.reopened;
     mLookAgain = hangup && state.hostOpen;
+    Divide(state);
+    // With nothing left to read, every write told of so far is done with.
+    if ((events & POLLIN) == 0) mWrote = false;
     return state;
 }
 
 // Reads bytes and then events, in this order: the event of a write comes after its bytes, but
 // before the close that follows, so the events tell on which side of it the bytes were written.
-// Returns whether nobody has the far end open.
-bool PseudoTerminal::Gather(State& state) {
+// Returns what poll says after it: POLLIN, POLLHUP.
+short PseudoTerminal::Gather(State& state) {
     std::array<char, 4096> some{};
     for (;;) {
         const ssize_t count = read(mMaster, some.data(), some.size());
@@ -116,8 +120,7 @@ bool PseudoTerminal::Gather(State& state) {
         look.revents = 0;
         if (poll(&look, 1, 0) < 0) Fail("The pseudo-terminal cannot be watched");
     }
-    if ((look.revents & POLLIN) == 0) mWrote = false;
-    return (look.revents & POLLHUP) != 0;
+    return look.revents;
 }
 
 void PseudoTerminal::ReadEvents(State& state) {
@@ -145,8 +148,19 @@ void PseudoTerminal::TakeEvent(std::uint32_t mask, State& state) {
         ++mOpenCount;
         if (!std::exchange(mWasEmptied, false)) return;
         state.reopened = true;
-        state.wroteBefore = mWrote;
+        mWroteBefore = std::exchange(mWrote, false);
     }
+}
+
+// Tells the bytes before a close from those after the next open. Where a host wrote on both
+// sides, the first line is what it wrote before: it waits for an answer to every line except the
+// last one of a session.
+void PseudoTerminal::Divide(State& state) const {
+    if (!state.reopened || !mWroteBefore) return;
+    const std::size_t end = mWrote ? state.bytes.find('\r') : std::string::npos;
+    const std::size_t count = end == std::string::npos ? state.bytes.size() : end + 1;
+    state.bytesBefore = state.bytes.substr(0, count);
+    state.bytes.erase(0, count);
 }
 
 void PseudoTerminal::Wait(std::optional<std::chrono::microseconds> atMost) const {

@@ -30,12 +30,10 @@ public:
 
     /// What has befallen the far end since the last look.
     struct State {
-        std::string bytes;  ///< what a host wrote, one that has closed since included
-        bool hostOpen;      ///< somebody has it open, or had until a moment ago: see `Wait`
-        bool reopened;      ///< it was closed and opened again
-        /// `reopened`, and the bytes were written before the close. (A host that wrote on both
-        /// sides of it is not told apart; all its bytes count as before.)
-        bool wroteBefore;
+        bool reopened;            ///< it was closed and opened again
+        std::string bytesBefore;  ///< `reopened`: what a host wrote before the close
+        std::string bytes;        ///< what a host wrote (after it); it may have closed since
+        bool hostOpen;            ///< somebody has it open, or had until a moment ago: see `Wait`
     };
     /// Never waits. A close is shown only when everything written before it has been given.
     State Look();
@@ -52,16 +50,18 @@ public:
     void Close();
 
 private:
-    bool Gather(State& state);
+    short Gather(State& state);
     void ReadEvents(State& state);
     void TakeEvent(std::uint32_t mask, State& state);
+    void Divide(State& state) const;
 
     int mMaster = -1;
-    int mEvents = -1;          // what befalls the far end
-    int mOpenCount = 0;        // by these events
-    bool mWasEmptied = false;  // the last close left nobody
-    bool mWrote = false;       // a host wrote what may not have been read yet
-    bool mLookAgain = false;   // the last look saw bytes and a close
+    int mEvents = -1;           // what befalls the far end
+    int mOpenCount = 0;         // by these events
+    bool mWasEmptied = false;   // the last close left nobody
+    bool mWrote = false;        // a host wrote what may not have been read yet
+    bool mWroteBefore = false;  // so it was at the last close that an open followed
+    bool mLookAgain = false;    // the last look saw bytes and a close
     std::string mPath;
     sigset_t mWaitMask{};
 };

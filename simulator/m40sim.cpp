@@ -235,7 +235,8 @@ public:
 private:
     Micros Now() const;
     void Listen();
-    void NoteLine(Micros now);
+    void Take(std::string_view bytes);
+    void NoteLine();
     void NoteClose();
     void Speak();
     void Report();
@@ -283,16 +284,22 @@ Micros Server::Now() const {
 
 void Server::Listen() {
     const PseudoTerminal::State state = mTerminal.Look();
-    if (state.reopened && !state.wroteBefore) NoteClose();
-    const Micros now = Now();
-    const bool opened = !mHostOpen && state.hostOpen;
-    if (opened || !state.bytes.empty()) NoteLine(now);
-    if (!state.bytes.empty()) {
-        mTranscript.Add(now, ">", state.bytes);
-        mIndicator.Receive(state.bytes, now);
-        mLastByte = now;
+    if (state.reopened) {
+        if (!mHostOpen && !state.bytesBefore.empty()) NoteLine();
+        Take(state.bytesBefore);
+        NoteClose();
     }
-    if (!state.hostOpen || (state.reopened && state.wroteBefore)) NoteClose();
+    if ((!mHostOpen && state.hostOpen) || !state.bytes.empty()) NoteLine();
+    Take(state.bytes);
+    if (!state.hostOpen) NoteClose();
+}
+
+void Server::Take(std::string_view bytes) {
+    if (bytes.empty()) return;
+    const Micros now = Now();
+    mIndicator.Receive(bytes, now);
+    mTranscript.Add(now, ">", bytes);
+    mLastByte = now;
 }
 
 void Server::NoteClose() {
@@ -303,11 +310,12 @@ void Server::NoteClose() {
     mTranscript.Flush();
 }
 
-void Server::NoteLine(Micros now) {
+void Server::NoteLine() {
     const LineSettings line = mTerminal.Line();
     if (mHostOpen && line == mHostLine) return;
     mHostOpen = true;
     mHostLine = line;
+    const Micros now = Now();
     mIndicator.HostLine(line, now);
     mTranscript.Add(now, "-",
                     "host at " + std::to_string(line.bitsPerSecond) + " bit/s, " +

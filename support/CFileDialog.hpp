@@ -15,14 +15,14 @@ public:
     // The properties go into the dialog's record as they stand. Texts are UTF-8.
     std::string DefaultExt;
     std::string DialogTitle;
-    std::string FileName;           ///< in and out: the full path
-    std::string FileTitle;          ///< in and out: the name without folder
-    std::string Filter;             ///< pairs of description and pattern, parts joined by "|"
-    std::int32_t FilterIndex = 0;   ///< passed in; the user's choice is not read back
-    std::int32_t Flags = 0;         ///< the common dialog's flag bits
+    std::string FileName;          ///< in and out: the full path
+    std::string FileTitle;         ///< in and out: the name without folder
+    std::string Filter;            ///< pairs of description and pattern, parts joined by "|"
+    std::int32_t FilterIndex = 0;  ///< passed in; the user's choice is not read back
+    std::int32_t Flags = 0;        ///< the common dialog's flag bits
     NativeWindow hWndParent = 0;
     std::string InitialDir;
-    std::int32_t MaxFileSize = 260; ///< size of both name buffers in characters
+    std::int32_t MaxFileSize = 260;  ///< size of both name buffers in characters
 
     /// Shows the open dialog or the save dialog. True when the user confirmed a file; FileName
     /// and FileTitle then hold it, and otherwise what they held before (a cancel and a dialog

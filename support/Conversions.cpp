@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <charconv>
 #include <cmath>
+#include <cstdlib>
 #include <limits>
 #include <optional>
 
@@ -48,7 +49,10 @@ double ParseDecimal(std::string_view number) {
     double value = 0;
     const auto [end, error] =
         std::from_chars(plain.data() + skip, plain.data() + plain.size(), value);
-    if (error == std::errc::result_out_of_range) throw RuntimeError(ErrorNumber::Overflow);
+    if (error != std::errc::result_out_of_range) return value;
+    // Too large is an error; too small is as good as nothing.
+    value = std::strtod(plain.c_str(), nullptr);
+    if (std::isinf(value)) throw RuntimeError(ErrorNumber::Overflow);
     return value;
 }
 
@@ -59,8 +63,8 @@ std::optional<double> ParseRadix(std::string_view text) {
     if (letter != "H" && letter != "O") return std::nullopt;
     std::uint32_t bits = 0;
     const std::string_view digits = text.substr(2);
-    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), bits,
-                                              letter == "H" ? 16 : 8);
+    const auto [end, error] =
+        std::from_chars(digits.data(), digits.data() + digits.size(), bits, letter == "H" ? 16 : 8);
     if (error != std::errc{} || end != digits.data() + digits.size()) return std::nullopt;
     if (bits <= 0xffffu) return static_cast<std::int16_t>(bits);
     return static_cast<std::int32_t>(bits);
@@ -161,8 +165,7 @@ std::int32_t CheckedMultiply(std::int32_t a, std::int32_t b) {
 }
 
 std::size_t CharacterCount(std::string_view utf8) {
-    return utf8.size() -
-           static_cast<std::size_t>(std::ranges::count_if(utf8, ContinuesCharacter));
+    return utf8.size() - static_cast<std::size_t>(std::ranges::count_if(utf8, ContinuesCharacter));
 }
 
 std::string FixedWidth(std::string_view utf8, std::size_t width) {

@@ -46,7 +46,8 @@ std::string TwoDigits(std::int32_t value);
 std::int32_t CheckedAdd(std::int32_t a, std::int32_t b);
 std::int32_t CheckedMultiply(std::int32_t a, std::int32_t b);
 
-/// Number of characters in UTF-8 text; a stray byte counts as one.
+/// Number of characters in UTF-8 text. In text that is none, a stray continuation byte belongs
+/// to the character before it.
 std::size_t CharacterCount(std::string_view utf8);
 
 /// `utf8` as a field of exactly `width` characters: blanks added on the right, or cut.

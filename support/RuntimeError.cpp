@@ -39,7 +39,8 @@ constexpr std::array kStandardTexts = {
 };
 
 RuntimeError FromSystemError(const std::error_code& code) {
-    if (code == std::errc::no_such_file_or_directory) return RuntimeError(ErrorNumber::FileNotFound);
+    if (code == std::errc::no_such_file_or_directory)
+        return RuntimeError(ErrorNumber::FileNotFound);
     if (code == std::errc::permission_denied) return RuntimeError(ErrorNumber::PermissionDenied);
     if (code == std::errc::no_space_on_device) return RuntimeError(ErrorNumber::DiskFull);
     return RuntimeError(ErrorNumber::PathFileAccess);

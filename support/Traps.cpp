@@ -43,8 +43,7 @@ bool Boxed(std::string_view name, const std::function<void()>& body) {
         return true;
     } catch (...) {
         const RuntimeError error = PendingError();
-        ShowInBox(name,
-                  "Error: " + std::to_string(error.Number()) + ". " + error.Description());
+        ShowInBox(name, "Error: " + std::to_string(error.Number()) + ". " + error.Description());
         return false;
     }
 }
@@ -56,8 +55,8 @@ bool BoxedSetup(std::string_view where, const std::function<void()>& body) {
     } catch (...) {
         const RuntimeError error = PendingError();
         // "occured" is the program's own spelling, in every one of these boxes.
-        ShowInBox({}, "An error has occured in " + std::string(where) + " \r\nError:" +
-                          std::to_string(error.Number()) + "\r\nDescription:" +
+        ShowInBox({}, "An error has occured in " + std::string(where) +
+                          " \r\nError:" + std::to_string(error.Number()) + "\r\nDescription:" +
                           error.Description() + "\r\nLine:" + std::to_string(error.Line()));
         return false;
     }

@@ -27,15 +27,17 @@ std::string ErrorLogPath(const Folders& folders) {
 }
 
 CErrHandler::CErrHandler(const Services& services) : mServices(services) {
+    // No sink is installed yet; this handler's own box tells of its failed set-up.
+    ErrorSink* const before = SetErrorSink(this);
     BoxedSetup("Morvane.CErrHandler.Class_Initialize",
                [this] { mStack.reserve(mMaxProcStackItems); });
+    SetErrorSink(before);
 }
 
 void CErrHandler::Destination(std::shared_ptr<DestinationObject> object) {
     auto records = std::dynamic_pointer_cast<ErrorRecordSet>(object);
     if (object && !records)
-        throw RuntimeError(ErrorNumber::TypeMismatch,
-                           "Invalid object type: " + object->TypeName());
+        throw RuntimeError(ErrorNumber::TypeMismatch, "Invalid object type: " + object->TypeName());
     mDestination = std::move(records);
 }
 
@@ -72,9 +74,9 @@ void CErrHandler::Trace(std::string_view mark, std::string_view name) {
 }
 
 void CErrHandler::HandleError() {
-    mLastError = PendingError();
-    const std::string procedure = CurrentProcedure();
-    Ignoring([&] {
+    Ignoring([this] {
+        mLastError = PendingError();
+        const std::string procedure = CurrentProcedure();
         if (Title.empty()) Title = mApp.title;
         bool cancel = false;
         if (BeforeHandlerCalled) BeforeHandlerCalled(cancel);
@@ -86,9 +88,8 @@ void CErrHandler::HandleError() {
 }
 
 void CErrHandler::ShowBox(std::string_view title, std::string_view text) {
-    Ignoring([&] {
-        mServices.boxes.Show({.text = std::string(text), .title = std::string(title)});
-    });
+    Ignoring(
+        [&] { mServices.boxes.Show({.text = std::string(text), .title = std::string(title)}); });
 }
 
 void CErrHandler::ClearLog() {
@@ -127,13 +128,14 @@ std::string CErrHandler::StackText() const {
 }
 
 std::vector<CErrHandler::FieldText> CErrHandler::ExpandedInfo() const {
+    const std::string path = AppPath(mServices.process);
     return {{"Current Directory: ", mServices.folders.Current()},
             {"App Title: ", mApp.title},
             {"App CompanyName: ", mApp.companyName},
             {"App Major: ", std::to_string(mApp.major)},
             {"App Minor: ", std::to_string(mApp.minor)},
             {"App Revision: ", std::to_string(mApp.revision)},
-            {"App Path: ", AppPath(mServices.process)},
+            {"App Path: ", path.substr(0, path.size() - 1)},
             {"App ProductName: ", mApp.productName}};
 }
 

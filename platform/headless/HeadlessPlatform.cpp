@@ -32,8 +32,7 @@ private:
 BoxAnswer HeadlessMessageBoxes::Show(const MessageBoxRequest& request) {
     shown.push_back(request);
     if (whileOpen) whileOpen(request);
-    if (answers.empty())
-        return request.buttons == BoxButtons::Ok ? BoxAnswer::Ok : BoxAnswer::Yes;
+    if (answers.empty()) return request.buttons == BoxButtons::Ok ? BoxAnswer::Ok : BoxAnswer::Yes;
     const BoxAnswer answer = answers.front();
     answers.pop_front();
     return answer;

@@ -110,6 +110,9 @@ std::unique_ptr<SerialPort> HeadlessSerialPorts::Open(const std::string& name,
 std::vector<SerialPortInfo> HeadlessSerialPorts::List() const {
     std::vector<SerialPortInfo> ports;
     for (const auto& entry : mSockets) ports.push_back({entry.first, entry.first, "in memory"});
+    // Among names of one stem the shorter number is the smaller.
+    std::ranges::stable_sort(ports, {},
+                             [](const SerialPortInfo& port) { return port.name.size(); });
     return ports;
 }
 

@@ -189,8 +189,8 @@ TEST_F(OverATerminal, TheWarningIsAskedOnTheTerminalAndWithoutOneItRefuses) {
 }
 
 TEST_F(OverATerminal, ImagesThatCannotBeSentAreRefusedBeforeThePortIsTouched) {
-    const std::pair<std::string, const char*> rows[] = {
-        {"", "no line to send"}, {"   \r\n\r\n", "no line to send"}};
+    const std::pair<std::string, const char*> rows[] = {{"", "no line to send"},
+                                                        {"   \r\n\r\n", "no line to send"}};
     for (const auto& [text, why] : rows) {
         WriteImage(text);
         Child flash(FlashArguments());
@@ -220,8 +220,8 @@ TEST_F(OverATerminal, OddImagesAreRefusedByTheIndicatorAndNeverASuccess) {
 TEST_F(OverATerminal, AnOverrideIsUsedAndNeverStored) {
     WriteImage(ImageOf(40));
     StartIndicator({"--baud", "9600"});
-    Child flash(FlashArguments({"--yes", "--quiet", "-b", "9600", "--stop-bits=2", "--log",
-                                folder + "/log.txt"}));
+    Child flash(FlashArguments(
+        {"--yes", "--quiet", "-b", "9600", "--stop-bits=2", "--log", folder + "/log.txt"}));
     EXPECT_EQ(flash.Wait(), 0);
     EXPECT_EQ(indicator->Wait(), 0);
     EXPECT_THAT(flash.Out(), Not(HasSubstr("Line ")));

@@ -420,7 +420,7 @@ INSTANTIATE_TEST_SUITE_P(
 // ---- Pacing ----
 
 constexpr Nanos Characters(std::int64_t count, std::int64_t bitsPerSecond) {
-    return (count * 11 * 1'000'000'000 + bitsPerSecond - 1) / bitsPerSecond;
+    return (count * 11 * Nanos{1'000'000'000} + bitsPerSecond - 1) / bitsPerSecond;
 }
 constexpr Micros CharactersInMicros(std::int64_t count, std::int64_t bitsPerSecond) {
     return (Characters(count, bitsPerSecond) + 999) / 1000;

@@ -59,7 +59,7 @@ TEST_F(CEncryptionTest, WideTextIsScrambledByteByByteLowByteFirst) {
     EXPECT_EQ(mEncryption.EncryptString(u"Vantor"),
               u"\x1d\xb0t\xba\x02"
               u"0");
-    const std::u16string text = u"Grüße, \U0001F600 €\0end";
+    const std::u16string text = u"Grüße, \U0001F600 €\0end"s;
     EXPECT_EQ(mEncryption.EncryptString(mEncryption.EncryptString(text)), text);
 }
 

@@ -84,7 +84,7 @@ TEST_F(CErrHandlerTest, TheReportListsTheWholeStackIndentedByDepth) {
               "App Title: Tessmar Vantor Update\r\n"
               "App CompanyName: Tessmar Instruments\r\n" +
                   version +
-                  "App Path: /opt/vantor\\\r\n"
+                  "App Path: /opt/vantor\r\n"
                   "App ProductName: Tessmar Vantor Update Utility\r\n");
 }
 

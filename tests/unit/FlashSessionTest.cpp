@@ -68,39 +68,110 @@ INSTANTIATE_TEST_SUITE_P(
     FlashSession, Courses,
     testing::Values(
         Course{"Clean", 30, {}, {kDone}, FlashOutcome::Done, true, 5000, 9000},
-        Course{"NoTrav", 30, {"no-trav"}, {kNoMonitor}, FlashOutcome::NotInBootMonitor, false, 0,
+        Course{"NoTrav",
+               30,
+               {"no-trav"},
+               {kNoMonitor},
+               FlashOutcome::NotInBootMonitor,
+               false,
+               0,
                1000},
-        Course{"SilentTrav", 30, {"no-trav=silent"}, {kNoMonitor},
-               FlashOutcome::NotInBootMonitor, false, 20000, 20100},
+        Course{"SilentTrav",
+               30,
+               {"no-trav=silent"},
+               {kNoMonitor},
+               FlashOutcome::NotInBootMonitor,
+               false,
+               20000,
+               20100},
         Course{"SpeedRefused", 30, {"no-baud"}, {kDone}, FlashOutcome::Done, true, 1000, 4000},
-        Course{"SpeedUnanswered", 30, {"no-baud=silent"}, {kDone}, FlashOutcome::Done, true,
-               20000, 24000},
-        Course{"NoSysload", 30, {"no-sysload"}, {kNoSysload}, FlashOutcome::SystemLoadRefused,
-               false, 4000, 5000},
-        Course{"RefusedThreeTimes", 30, {"nak@7x3"}, {kDone}, FlashOutcome::Done, true, 5000,
-               9000},
-        Course{"RefusedFourTimes", 30, {"nak@7x4"}, {kFailure}, FlashOutcome::LineRefused, false,
-               4000, 6000},
+        Course{"SpeedUnanswered",
+               30,
+               {"no-baud=silent"},
+               {kDone},
+               FlashOutcome::Done,
+               true,
+               20000,
+               24000},
+        Course{"NoSysload",
+               30,
+               {"no-sysload"},
+               {kNoSysload},
+               FlashOutcome::SystemLoadRefused,
+               false,
+               4000,
+               5000},
+        Course{"RefusedThreeTimes", 30, {"nak@7x3"}, {kDone}, FlashOutcome::Done, true, 5000, 9000},
+        Course{"RefusedFourTimes",
+               30,
+               {"nak@7x4"},
+               {kFailure},
+               FlashOutcome::LineRefused,
+               false,
+               4000,
+               6000},
         Course{"SilentOnce", 30, {"silent@7"}, {kDone}, FlashOutcome::Done, true, 25000, 30000},
-        Course{"SilentFourTimes", 30, {"silent@7x4"}, {kFailure}, FlashOutcome::LineRefused,
-               false, 84000, 85000},
-        Course{"LateButInTime", 30, {"late=19000@7"}, {kDone}, FlashOutcome::Done, true, 24000,
-               30000},
-        Course{"LateBeyondTheLimit", 30, {"late=25000@7"}, {kDone}, FlashOutcome::Done, true,
-               25000, 40000},
+        Course{"SilentFourTimes",
+               30,
+               {"silent@7x4"},
+               {kFailure},
+               FlashOutcome::LineRefused,
+               false,
+               84000,
+               85000},
+        Course{
+            "LateButInTime", 30, {"late=19000@7"}, {kDone}, FlashOutcome::Done, true, 24000, 30000},
+        Course{"LateBeyondTheLimit",
+               30,
+               {"late=25000@7"},
+               {kDone},
+               FlashOutcome::Done,
+               true,
+               25000,
+               40000},
         Course{"ByteLost", 30, {"drop@7"}, {kDone}, FlashOutcome::Done, true, 5000, 40000},
         Course{"ByteDamaged", 30, {"garble@7"}, {kDone}, FlashOutcome::Done, true, 5000, 40000},
-        Course{"NoiseAndPieces", 30, {"noise@3", "split@5"}, {kDone}, FlashOutcome::Done, true,
-               5000, 9000},
-        Course{"VerdictWordsToLines", 30, {"done@3", "verify@5"}, {kDone}, FlashOutcome::Done,
-               true, 5000, 9000},
-        Course{"HangUp", 30, {"hangup@7"}, {kFailure}, FlashOutcome::LineRefused, false, 4000,
-               5000},
-        Course{"VerifyFailed", 30, {"verify-failed"}, {kVerify}, FlashOutcome::VerifyFailed, true,
-               5000, 9000},
-        Course{"NoVerdict", 30, {"no-verdict"}, {kFailure}, FlashOutcome::NoVerdict, true, 64000,
+        Course{"NoiseAndPieces",
+               30,
+               {"noise@3", "split@5"},
+               {kDone},
+               FlashOutcome::Done,
+               true,
+               5000,
+               9000},
+        Course{"VerdictWordsToLines",
+               30,
+               {"done@3", "verify@5"},
+               {kDone},
+               FlashOutcome::Done,
+               true,
+               5000,
+               9000},
+        Course{
+            "HangUp", 30, {"hangup@7"}, {kFailure}, FlashOutcome::LineRefused, false, 4000, 5000},
+        Course{"VerifyFailed",
+               30,
+               {"verify-failed"},
+               {kVerify},
+               FlashOutcome::VerifyFailed,
+               true,
+               5000,
+               9000},
+        Course{"NoVerdict",
+               30,
+               {"no-verdict"},
+               {kFailure},
+               FlashOutcome::NoVerdict,
+               true,
+               64000,
                66000},
-        Course{"VerdictInPieces", 30, {"split-verdict"}, {kDone}, FlashOutcome::Done, true, 5000,
+        Course{"VerdictInPieces",
+               30,
+               {"split-verdict"},
+               {kDone},
+               FlashOutcome::Done,
+               true,
+               5000,
                9000}),
     [](const auto& row) { return std::string(row.param.name); });
 
@@ -202,9 +273,8 @@ TEST_F(SessionFixture, AbortEndsTheStreamBeforeTheNextSend) {
 
 TEST_F(SessionFixture, AbortDuringTheHandshakeShowsTheCommandsOwnMessageToo) {
     Connect(ImageOf(30), {"no-trav=silent"});
-    WhenStatusIs("Initializing", [&] {
-        headless.pump.StartTimer(500, [&] { window->cmdFlashAbort.Press(); });
-    });
+    WhenStatusIs("Initializing",
+                 [&] { headless.pump.StartTimer(500, [&] { window->cmdFlashAbort.Press(); }); });
     Flash();
     EXPECT_THAT(Boxes(), ElementsAre(kNoMonitor, kAborted));
     ExpectAtRest();
@@ -236,9 +306,7 @@ TEST_F(SessionFixture, ACloseWhileTheVerdictIsOutstandingWaitsForIt) {
 
 TEST_F(SessionFixture, AWindowThatGoesDuringTheHandshakeTakesItsMessagesWithIt) {
     Connect(ImageOf(30), {"no-trav=silent"});
-    WhenStatusIs("Initializing", [&] {
-        headless.pump.StartTimer(500, [&] { window->Unload(); });
-    });
+    WhenStatusIs("Initializing", [&] { headless.pump.StartTimer(500, [&] { window->Unload(); }); });
     const std::int32_t start = headless.clock.Ticks();
     Flash();
     EXPECT_THAT(Boxes(), IsEmpty());
@@ -272,8 +340,7 @@ TEST_F(SessionFixture, BlankLinesAreCountedAndNotSent) {
     EXPECT_TRUE(MemoryIs(image));
 }
 
-class NothingAccepted : public SessionFixture,
-                        public testing::WithParamInterface<std::string> {};
+class NothingAccepted : public SessionFixture, public testing::WithParamInterface<std::string> {};
 
 TEST_P(NothingAccepted, WaitsWithoutEndUntilTheWindowIsClosed) {
     Connect(GetParam(), {"done@0"});

@@ -136,9 +136,9 @@ TEST(LoadResources, MistakesEndItWhereTheyStandAndAreReportedUnderTheWindow) {
         {"a bad tag", {.secondTag = "102 Close"},
          "&File|&OK|pic|button|title", "(13) Type mismatch"},
         {"a missing text", {.firstTag = "815"},
-         "&File|label|pic|button|title", "(326) Resource not found"},
+         "&File|label|pic|button|title", "(326) Resource with identifier '815' not found"},
         {"a menu's missing text", {.menu = "1003 x"},
-         "1003 x|label|pic|button|title", "(326) Resource not found"},
+         "1003 x|label|pic|button|title", "(326) Resource with identifier '1003' not found"},
         {"a bad window tag", {.windowTag = "x"},
          "&File|&OK|pic|&Close|title", "(13) Type mismatch"},
     };

@@ -49,9 +49,9 @@ protected:
 };
 
 TEST_F(LinkFixture, EveryTextGoesOutWithExactlyOneCarriageReturn) {
-    const std::pair<std::string, std::string> rows[] = {
-        {"ABC", "ABC\r"}, {"ABC\r\n", "ABC\r"}, {"ABC\r", "ABC\r"},
-        {"", "\r"},       {"A\n", "A\n\r"},     {"\r\n", "\r"}};
+    const std::pair<std::string, std::string> rows[] = {{"ABC", "ABC\r"},   {"ABC\r\n", "ABC\r"},
+                                                        {"ABC\r", "ABC\r"}, {"", "\r"},
+                                                        {"A\n", "A\n\r"},   {"\r\n", "\r"}};
     for (const auto& [text, sent] : rows) {
         far.received.clear();
         far.onReceive = [&] { far.reply = "OK"; };

@@ -113,8 +113,8 @@ protected:
     }
 
     HeadlessPlatform headless;
-    CErrHandler errors{{headless.clock, headless.files, headless.folders, headless.boxes,
-                        headless.process}};
+    CErrHandler errors{
+        {headless.clock, headless.files, headless.folders, headless.boxes, headless.process}};
     Desktop desktop{headless.peers, headless.pump};
     std::shared_ptr<frmMain> window = std::make_shared<frmMain>(desktop, headless.platform);
     std::optional<VirtualIndicator> indicator;

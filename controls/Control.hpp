@@ -15,6 +15,9 @@ class Form;
 enum class ControlKind : std::uint8_t {
     Label,
     CommandButton,
+    Frame,
+    CheckBox,
+    OptionButton,
     PictureBox,
     Image,
     ProgressBar,

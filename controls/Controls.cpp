@@ -12,6 +12,11 @@ void ProgressBar::Value(std::int16_t value) {
     Changed(Property::Value);
 }
 
+void CheckBox::Value(bool value) {
+    mValue = value;
+    Changed(Property::Value);
+}
+
 Timer::Timer(Form& parent, std::string name, MessagePump& pump, std::uint32_t intervalMs)
     : Control(parent, ControlKind::Timer, std::move(name)), mPump(pump), mIntervalMs(intervalMs) {
     Control::Enabled(false);

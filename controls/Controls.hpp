@@ -37,6 +37,37 @@ public:
         : ClickControl(parent, ControlKind::CommandButton, std::move(name), index) {}
 };
 
+/// A box with a caption around other controls.
+class Frame : public Control {
+public:
+    Frame(Form& parent, std::string name, int index = -1)
+        : Control(parent, ControlKind::Frame, std::move(name), index) {}
+};
+
+/// A button that is on or off; the user's click changes it before the event.
+class CheckBox : public ClickControl {
+public:
+    CheckBox(Form& parent, std::string name, int index = -1)
+        : CheckBox(parent, ControlKind::CheckBox, std::move(name), index) {}
+
+    bool Value() const { return mValue; }
+    void Value(bool value);
+
+protected:
+    CheckBox(Form& parent, ControlKind kind, std::string name, int index)
+        : ClickControl(parent, kind, std::move(name), index) {}
+
+private:
+    bool mValue = false;
+};
+
+/// One of several buttons of a container, of which one is on.
+class OptionButton : public CheckBox {
+public:
+    OptionButton(Form& parent, std::string name, int index = -1)
+        : CheckBox(parent, ControlKind::OptionButton, std::move(name), index) {}
+};
+
 /// A menu or menu entry. The caption "-" makes a separator.
 class MenuItem : public ClickControl {
 public:

@@ -68,7 +68,7 @@ void BootMonitor::PowerCycle() {
 }
 
 Answer BootMonitor::TakeCommand(std::string_view line) {
-    mAwaitsNewSpeed = false;
+    HeardHost();
     if (line == "TRAV") {
         mPhase = Phase::Ready;
         return Answer::Ok;

@@ -43,8 +43,10 @@ public:
 
     Phase CurrentPhase() const { return mPhase; }
     std::uint32_t BitsPerSecond() const { return mBitsPerSecond; }
-    /// BAUD was the last command accepted: the host is expected back at the new speed.
+    /// BAUD was the last command heard: the host is expected back at the new speed.
     bool AwaitsNewSpeed() const { return mAwaitsNewSpeed; }
+    /// A command came, whether or not it was passed to `TakeLine`.
+    void HeardHost() { mAwaitsNewSpeed = false; }
     const FlashMemory& Memory() const { return mMemory; }
 
 private:

@@ -212,6 +212,7 @@ void VirtualIndicator::TakeCommand(const std::string& line, Nanos at) {
     const std::uint32_t speed = mMonitor.BitsPerSecond();
     const Nanos ready = at + ToNanos(mOptions.think);
     if (const Fault* const fault = RefusalOf(line)) {
+        mMonitor.HeardHost();
         if (!fault->silent) Say(AnswerText(Answer::Refused), ready, speed, {});
         return;
     }

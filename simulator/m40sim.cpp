@@ -344,7 +344,10 @@ void Server::Pause() {
     const Micros now = Now();
     const std::optional<Micros> due = mIndicator.NextDue();
     const bool dueSoon = due && *due - now <= kSpin;
-    const bool attentive = !due && mHostOpen && now - mLastByte < kAttentive;
+    // Unpaced there is nothing to be exact about, and a sleeping server leaves the processor to
+    // the system's carrying of the bytes.
+    const bool attentive = mOptions.indicator.paced && !due && mHostOpen &&
+                           now - mLastByte < kAttentive;
     if (dueSoon || attentive) {
         // The system's own thread that carries bytes between the two ends may need this very
         // processor; without it nothing would arrive however fast this loop spins.

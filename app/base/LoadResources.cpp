@@ -11,7 +11,14 @@ namespace vantor {
 namespace {
 
 bool TakesCaption(ControlKind kind) {
-    return kind == ControlKind::Label || kind == ControlKind::CommandButton;
+    switch (kind) {
+        case ControlKind::Label:
+        case ControlKind::Frame:
+        case ControlKind::CheckBox:
+        case ControlKind::CommandButton:
+        case ControlKind::OptionButton: return true;
+        default: return false;
+    }
 }
 
 void TranslateMenuItem(Control& item, const StringTable& strings) {

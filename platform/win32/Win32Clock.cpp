@@ -1,0 +1,37 @@
+#include "platform/win32/Win32Clock.hpp"
+
+#include "platform/win32/Windows.hpp"
+// Needs what the system's header defines.
+#include <timeapi.h>
+
+namespace vantor {
+namespace {
+
+constexpr UINT kStepMs = 1;
+
+}  // namespace
+
+// A system that refuses the finer step keeps its own; all that suffers is the pace.
+Win32Clock::Win32Clock() {
+    static_cast<void>(timeBeginPeriod(kStepMs));
+}
+
+Win32Clock::~Win32Clock() {
+    static_cast<void>(timeEndPeriod(kStepMs));
+}
+
+std::uint32_t Win32Clock::Milliseconds() const {
+    return timeGetTime();
+}
+
+void Win32Clock::Sleep(std::uint32_t ms) {
+    ::Sleep(ms);
+}
+
+DateTime Win32Clock::Now() const {
+    SYSTEMTIME now{};
+    GetLocalTime(&now);
+    return {now.wYear, now.wMonth, now.wDay, now.wHour, now.wMinute, now.wSecond};
+}
+
+}  // namespace vantor

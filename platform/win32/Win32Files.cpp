@@ -1,0 +1,169 @@
+#include "platform/win32/Win32Files.hpp"
+
+#include <algorithm>
+#include <cstddef>
+#include <memory>
+#include <optional>
+
+#include "platform/WildCards.hpp"
+#include "platform/win32/Win32Handle.hpp"
+#include "support/RuntimeError.hpp"
+
+namespace vantor {
+namespace {
+
+constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
+
+std::wstring HostPath(std::string_view path) {
+    std::wstring wide = ToWide(path);
+    std::replace(wide.begin(), wide.end(), L'/', L'\\');
+    return wide;
+}
+
+/// "NUL" and its like are devices in every folder; only the system knows which names are.
+bool IsDevice(const std::wstring& hostPath) {
+    const DWORD needed = GetFullPathNameW(hostPath.c_str(), 0, nullptr, nullptr);
+    std::wstring full(needed, L'\0');
+    if (GetFullPathNameW(hostPath.c_str(), needed, full.data(), nullptr) == 0) return false;
+    return full.starts_with(L"\\\\.\\");
+}
+
+struct Status {
+    bool isPlainFile = false;
+    std::uint64_t size = 0;
+};
+
+/// Nothing when there is no such entry; the system's last error then says why.
+std::optional<Status> StatusOf(const std::wstring& hostPath) {
+    WIN32_FILE_ATTRIBUTE_DATA data{};
+    if (GetFileAttributesExW(hostPath.c_str(), GetFileExInfoStandard, &data) == 0)
+        return std::nullopt;
+    const bool isFolder = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
+    return Status{!isFolder && !IsDevice(hostPath),
+                  std::uint64_t{data.nFileSizeHigh} << 32 | data.nFileSizeLow};
+}
+
+Win32Handle Open(const std::wstring& hostPath, DWORD access, DWORD share, DWORD disposition) {
+    Win32Handle file(CreateFileW(hostPath.c_str(), access, share, nullptr, disposition,
+                                 FILE_ATTRIBUTE_NORMAL | FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+    if (!file.IsOpen()) RaiseFileError(GetLastError());
+    // A device such as COM1 would hold us up for ever.
+    if (GetFileType(file.Get()) != FILE_TYPE_DISK) throw RuntimeError(ErrorNumber::PathFileAccess);
+    return file;
+}
+
+/// As many bytes as the system takes in one call.
+DWORD Portion(std::size_t bytes) {
+    constexpr std::size_t kMost = 1u << 30;
+    return static_cast<DWORD>(std::min(bytes, kMost));
+}
+
+void WriteBytes(const Win32Handle& file, std::string_view bytes) {
+    while (!bytes.empty()) {
+        DWORD count = 0;
+        if (WriteFile(file.Get(), bytes.data(), Portion(bytes.size()), &count, nullptr) == 0)
+            RaiseFileError(GetLastError());
+        bytes.remove_prefix(count);
+    }
+}
+
+struct SearchCloser {
+    void operator()(HANDLE search) const { static_cast<void>(FindClose(search)); }
+};
+
+bool PassesFilter(DWORD attributes, ListFilter filter) {
+    if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return false;
+    if ((attributes & FILE_ATTRIBUTE_HIDDEN) != 0 && !filter.hidden) return false;
+    return (attributes & FILE_ATTRIBUTE_SYSTEM) == 0 || filter.system;
+}
+
+/// "C:" and "\\machine\share" are there or not; nobody can create them.
+bool IsRoot(std::wstring_view folder) {
+    if (folder.empty() || folder.ends_with(L':')) return true;
+    if (!folder.starts_with(L"\\\\")) return false;
+    return std::count(folder.begin(), folder.end(), L'\\') <= 3;
+}
+
+}  // namespace
+
+bool Win32Files::Exists(const std::string& path) const {
+    const auto status = StatusOf(HostPath(path));
+    return status && status->isPlainFile;
+}
+
+std::uint64_t Win32Files::Size(const std::string& path) const {
+    const auto status = StatusOf(HostPath(path));
+    if (!status) RaiseFileError(GetLastError());
+    if (!status->isPlainFile) throw RuntimeError(ErrorNumber::FileNotFound);
+    return status->size;
+}
+
+std::string Win32Files::ReadAll(const std::string& path) const {
+    const Win32Handle file = Open(HostPath(path), GENERIC_READ, kShareAll, OPEN_EXISTING);
+    LARGE_INTEGER size{};
+    if (GetFileSizeEx(file.Get(), &size) == 0) RaiseFileError(GetLastError());
+    // The size is a hint only: the file may grow meanwhile. One byte more finds the end without
+    // another round.
+    std::string bytes(static_cast<std::size_t>(size.QuadPart) + 1, '\0');
+    std::size_t length = 0;
+    for (;;) {
+        if (length == bytes.size()) bytes.resize(length + std::max<std::size_t>(length, 4096));
+        DWORD count = 0;
+        if (ReadFile(file.Get(), bytes.data() + length, Portion(bytes.size() - length), &count,
+                     nullptr) == 0)
+            RaiseFileError(GetLastError());
+        if (count == 0) break;
+        length += count;
+    }
+    bytes.resize(length);
+    return bytes;
+}
+
+void Win32Files::WriteAll(const std::string& path, std::string_view bytes) {
+    WriteBytes(Open(HostPath(path), GENERIC_WRITE, FILE_SHARE_READ, CREATE_ALWAYS), bytes);
+}
+
+void Win32Files::Append(const std::string& path, std::string_view bytes) {
+    WriteBytes(Open(HostPath(path), FILE_APPEND_DATA | SYNCHRONIZE, kShareAll, OPEN_ALWAYS), bytes);
+}
+
+void Win32Files::Delete(const std::string& path) {
+    const std::wstring hostPath = HostPath(path);
+    const auto status = StatusOf(hostPath);
+    if (!status) RaiseFileError(GetLastError());
+    if (!status->isPlainFile) throw RuntimeError(ErrorNumber::FileNotFound);
+    if (DeleteFileW(hostPath.c_str()) == 0) RaiseFileError(GetLastError());
+}
+
+void Win32Files::CreateFolders(const std::string& path) {
+    const std::wstring hostPath = HostPath(path);
+    for (std::size_t end = 0; end < hostPath.size();) {
+        end = std::min(hostPath.find(L'\\', end + 1), hostPath.size());
+        const std::wstring folder = hostPath.substr(0, end);
+        if (IsRoot(folder) || CreateDirectoryW(folder.c_str(), nullptr) != 0) continue;
+        const DWORD systemError = GetLastError();  // the look at the folder below overwrites it
+        const DWORD attributes = GetFileAttributesW(folder.c_str());
+        if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
+            continue;
+        RaiseFileError(systemError);
+    }
+}
+
+std::vector<std::string> Win32Files::List(const std::string& folder, const std::string& pattern,
+                                          ListFilter filter) const {
+    std::vector<std::string> names;
+    WIN32_FIND_DATAW entry{};
+    const std::wstring all = HostPath(folder.empty() ? "." : folder) + L"\\*";
+    const HANDLE first = FindFirstFileW(all.c_str(), &entry);
+    if (first == INVALID_HANDLE_VALUE) return names;
+    const std::unique_ptr<void, SearchCloser> search(first);
+    do {
+        if (!PassesFilter(entry.dwFileAttributes, filter)) continue;
+        std::string name = ToUtf8(entry.cFileName);
+        if (MatchesPattern(name, pattern)) names.push_back(std::move(name));
+    } while (FindNextFileW(search.get(), &entry) != 0);
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+}  // namespace vantor

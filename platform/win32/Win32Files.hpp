@@ -1,0 +1,22 @@
+// Files on Windows, by wide paths. Patterns are matched as everywhere else: the system's own
+// search would also match the short names that it keeps beside the long ones.
+#pragma once
+
+#include "platform/Files.hpp"
+
+namespace vantor {
+
+class Win32Files : public Files {
+public:
+    bool Exists(const std::string& path) const override;
+    std::uint64_t Size(const std::string& path) const override;
+    std::string ReadAll(const std::string& path) const override;
+    void WriteAll(const std::string& path, std::string_view bytes) override;
+    void Append(const std::string& path, std::string_view bytes) override;
+    void Delete(const std::string& path) override;
+    void CreateFolders(const std::string& path) override;
+    std::vector<std::string> List(const std::string& folder, const std::string& pattern,
+                                  ListFilter filter) const override;
+};
+
+}  // namespace vantor

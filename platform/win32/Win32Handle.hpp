@@ -1,0 +1,32 @@
+// An open handle of the system that closes itself. Not for registry keys or windows.
+#pragma once
+
+#include <utility>
+
+#include "platform/win32/Windows.hpp"
+
+namespace vantor {
+
+/// Some calls report failure with a null handle, others with an invalid one: neither is open.
+class Win32Handle {
+public:
+    Win32Handle() = default;
+    explicit Win32Handle(HANDLE handle) : mHandle(handle) {}
+    Win32Handle(Win32Handle&& other) noexcept : mHandle(std::exchange(other.mHandle, nullptr)) {}
+    Win32Handle& operator=(Win32Handle&& other) noexcept {
+        std::swap(mHandle, other.mHandle);
+        return *this;
+    }
+    // Nothing can be done about a refused close.
+    ~Win32Handle() {
+        if (IsOpen()) static_cast<void>(CloseHandle(mHandle));
+    }
+
+    bool IsOpen() const { return mHandle != nullptr && mHandle != INVALID_HANDLE_VALUE; }
+    HANDLE Get() const { return mHandle; }
+
+private:
+    HANDLE mHandle = nullptr;
+};
+
+}  // namespace vantor

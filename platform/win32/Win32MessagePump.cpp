@@ -1,0 +1,146 @@
+#include "platform/win32/Win32MessagePump.hpp"
+
+#include <utility>
+#include <vector>
+
+#include "support/RuntimeError.hpp"
+
+namespace vantor {
+namespace {
+
+constexpr wchar_t kClassName[] = L"VantorMessagePump";
+constexpr UINT kWakeUp = WM_APP;
+// Beyond every timer's number: those are 32 bits wide.
+constexpr UINT_PTR kPollTimer = UINT_PTR{1} << 32;
+constexpr std::uint32_t kPollIntervalMs = 10;
+
+}  // namespace
+
+Win32MessagePump::Win32MessagePump() {
+    WNDCLASSW windowClass{};
+    windowClass.lpfnWndProc = OnMessage;
+    windowClass.hInstance = GetModuleHandleW(nullptr);
+    windowClass.lpszClassName = kClassName;
+    // Every pump after the first finds the class there; any other failure shows in the next call.
+    static_cast<void>(RegisterClassW(&windowClass));
+    mWindow = CreateWindowExW(0, kClassName, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
+                              windowClass.hInstance, nullptr);
+    if (mWindow == nullptr) throw RuntimeError(ErrorNumber::OutOfMemory);
+    static_cast<void>(SetWindowLongPtrW(mWindow, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this)));
+}
+
+// Takes the window's timers and whatever was posted to it along.
+Win32MessagePump::~Win32MessagePump() {
+    static_cast<void>(DestroyWindow(mWindow));
+}
+
+void Win32MessagePump::PumpPending() {
+    MSG message{};
+    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != 0) {
+        if (message.message == WM_QUIT) mQuit = true;
+        static_cast<void>(TranslateMessage(&message));  // tells what it did, not whether it failed
+        static_cast<void>(DispatchMessageW(&message));
+    }
+    if (!mSources.empty()) PollSources();
+}
+
+void Win32MessagePump::Run() {
+    mQuit = false;
+    MSG message{};
+    while (!mQuit && GetMessageW(&message, nullptr, 0, 0) > 0) {
+        static_cast<void>(TranslateMessage(&message));
+        static_cast<void>(DispatchMessageW(&message));
+    }
+    mQuit = false;
+}
+
+// A flag and not the system's own quit message, which would also break off the box or menu that
+// may be open in the current callback.
+void Win32MessagePump::Quit() {
+    mQuit = true;
+    static_cast<void>(PostMessageW(mWindow, WM_NULL, 0, 0));  // a full queue wakes it up too
+}
+
+TimerId Win32MessagePump::StartTimer(std::uint32_t intervalMs, std::function<void()> tick) {
+    const TimerId id = ++mLastId;
+    SetSystemTimer(id, intervalMs);
+    mTimers.emplace(id, std::move(tick));
+    return id;
+}
+
+// A tick that is already in the queue finds no timer any more.
+void Win32MessagePump::StopTimer(TimerId id) {
+    if (mTimers.erase(id) != 0) static_cast<void>(KillTimer(mWindow, id));
+}
+
+Win32MessagePump::SourceId Win32MessagePump::AddSource(std::function<void()> poll) {
+    if (mSources.empty()) SetSystemTimer(kPollTimer, kPollIntervalMs);
+    mSources.emplace(++mLastId, std::move(poll));
+    return mLastId;
+}
+
+void Win32MessagePump::RemoveSource(SourceId id) {
+    if (mSources.erase(id) == 0 || !mSources.empty()) return;
+    static_cast<void>(KillTimer(mWindow, kPollTimer));
+}
+
+void Win32MessagePump::WakeUp(SourceId id) const {
+    // With a queue that is full the poll timer comes next.
+    static_cast<void>(PostMessageW(mWindow, kWakeUp, id, 0));
+}
+
+LRESULT CALLBACK Win32MessagePump::OnMessage(HWND window, UINT message, WPARAM first,
+                                             LPARAM second) {
+    auto* const pump =
+        reinterpret_cast<Win32MessagePump*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    if (pump != nullptr && pump->Handle(message, first)) return 0;
+    return DefWindowProcW(window, message, first, second);
+}
+
+bool Win32MessagePump::Handle(UINT message, WPARAM first) {
+    if (message == WM_TIMER) {
+        Tick(first);
+        return true;
+    }
+    if (message == kWakeUp) {
+        PollSource(static_cast<SourceId>(first));
+        return true;
+    }
+    return false;
+}
+
+void Win32MessagePump::SetSystemTimer(UINT_PTR id, std::uint32_t intervalMs) const {
+    if (SetTimer(mWindow, id, intervalMs, nullptr) == 0)
+        throw RuntimeError(ErrorNumber::OutOfMemory);
+}
+
+void Win32MessagePump::Tick(UINT_PTR id) {
+    if (id == kPollTimer) {
+        PollSources();
+        // Counted anew from here: a slow poll must not find itself due again at once, which
+        // would keep the queue from ever being empty.
+        if (!mSources.empty()) SetSystemTimer(kPollTimer, kPollIntervalMs);
+        return;
+    }
+    const auto found = mTimers.find(static_cast<TimerId>(id));
+    if (found == mTimers.end()) return;
+    const std::function<void()> tick = found->second;  // it may stop its own timer
+    tick();
+}
+
+void Win32MessagePump::PollSource(SourceId id) {
+    const auto found = mSources.find(id);
+    if (found == mSources.end()) return;
+    const std::function<void()> poll = found->second;
+    poll();
+}
+
+// Callbacks may change the table, so the pass works from the identifiers that it began with.
+void Win32MessagePump::PollSources() {
+    std::vector<SourceId> ids;
+    ids.reserve(mSources.size());
+    for (const auto& entry : mSources) ids.push_back(entry.first);
+    for (const SourceId id : ids) PollSource(id);
+}
+
+}  // namespace vantor

@@ -1,0 +1,56 @@
+// The window message queue of the thread that makes it, and a hidden window through which timers
+// and serial ports reach that thread even while a modal loop runs it.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <map>
+
+#include "platform/MessagePump.hpp"
+#include "platform/win32/Windows.hpp"
+
+namespace vantor {
+
+class Win32MessagePump : public MessagePump {
+public:
+    using SourceId = std::uint32_t;
+
+    Win32MessagePump();
+    ~Win32MessagePump() override;
+    Win32MessagePump(const Win32MessagePump&) = delete;
+    Win32MessagePump& operator=(const Win32MessagePump&) = delete;
+
+    void PumpPending() override;
+    void Run() override;
+    void Quit() override;
+
+    /// The system takes intervals below 10 ms for 10 ms.
+    TimerId StartTimer(std::uint32_t intervalMs, std::function<void()> tick) override;
+    void StopTimer(TimerId id) override;
+
+    /// Calls `poll` at every `PumpPending`, every 10 ms or so in all other loops of this thread,
+    /// and soon after each `WakeUp`, until removed. A source may add and remove sources and
+    /// timers, itself included, and may pump.
+    SourceId AddSource(std::function<void()> poll);
+    void RemoveSource(SourceId id);
+
+    /// Asks for a poll of the source `id`; may be called from any thread while the pump lives.
+    /// A source that has been removed meanwhile is not called.
+    void WakeUp(SourceId id) const;
+
+private:
+    static LRESULT CALLBACK OnMessage(HWND window, UINT message, WPARAM first, LPARAM second);
+    bool Handle(UINT message, WPARAM first);
+    void SetSystemTimer(UINT_PTR id, std::uint32_t intervalMs) const;
+    void Tick(UINT_PTR id);
+    void PollSource(SourceId id);
+    void PollSources();
+
+    HWND mWindow = nullptr;
+    std::map<TimerId, std::function<void()>> mTimers;
+    std::map<SourceId, std::function<void()>> mSources;
+    std::uint32_t mLastId = 0;
+    bool mQuit = false;
+};
+
+}  // namespace vantor

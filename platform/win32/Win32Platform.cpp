@@ -1,0 +1,36 @@
+// The native platform on Windows.
+#include <utility>
+
+#include "platform/NativePlatform.hpp"
+#include "platform/win32/Win32Clock.hpp"
+#include "platform/win32/Win32CodePage.hpp"
+#include "platform/win32/Win32Files.hpp"
+#include "platform/win32/Win32Folders.hpp"
+#include "platform/win32/Win32MessagePump.hpp"
+#include "platform/win32/Win32Process.hpp"
+#include "platform/win32/Win32Registry.hpp"
+#include "platform/win32/Win32SerialPorts.hpp"
+#include "platform/win32/Win32StringTable.hpp"
+#include "platform/win32/Win32Terminal.hpp"
+
+namespace vantor {
+
+// What main is given has been through the 8-bit code page; the process asks the system itself.
+NativePlatform MakeNativePlatform(int, char**) {
+    NativePlatform native;
+    native.process = std::make_unique<Win32Process>();
+    native.clock = std::make_unique<Win32Clock>();
+    native.codePage = std::make_unique<Win32CodePage>();
+    native.files = std::make_unique<Win32Files>();
+    native.folders = std::make_unique<Win32Folders>();
+    native.strings = std::make_unique<Win32StringTable>();
+    native.terminal = std::make_unique<Win32Terminal>();
+    auto pump = std::make_unique<Win32MessagePump>();
+    native.registry = std::make_unique<Win32Registry>();
+    native.ports = std::make_unique<Win32SerialPorts>(*pump);
+    native.portName = [](const std::string& port) { return port; };
+    native.pump = std::move(pump);
+    return native;
+}
+
+}  // namespace vantor

@@ -1,0 +1,153 @@
+#include "platform/win32/Win32Process.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cstddef>
+#include <exception>
+#include <memory>
+
+#include "support/RuntimeError.hpp"
+// Needs what the system's header defines.
+#include <shellapi.h>
+
+namespace vantor {
+namespace {
+
+// Made beforehand and never freed: the handler may run at any instruction and must not allocate.
+std::array<wchar_t, 128> gTitle{};
+
+struct ExceptionName {
+    DWORD code;
+    const wchar_t* name;
+};
+
+constexpr std::array kExceptionNames = {
+    ExceptionName{EXCEPTION_ACCESS_VIOLATION, L"Access Violation"},
+    ExceptionName{EXCEPTION_DATATYPE_MISALIGNMENT, L"Datatype Misalignment"},
+    ExceptionName{EXCEPTION_BREAKPOINT, L"Breakpoint"},
+    ExceptionName{EXCEPTION_SINGLE_STEP, L"Single Step"},
+    ExceptionName{EXCEPTION_ARRAY_BOUNDS_EXCEEDED, L"Array Bounds Exceeded"},
+    ExceptionName{EXCEPTION_FLT_DENORMAL_OPERAND, L"Float Denormal Operand"},
+    ExceptionName{EXCEPTION_FLT_DIVIDE_BY_ZERO, L"Float Divide By Zero"},
+    ExceptionName{EXCEPTION_FLT_INEXACT_RESULT, L"Float Inexact Result"},
+    ExceptionName{EXCEPTION_FLT_INVALID_OPERATION, L"Float Invalid Operation"},
+    ExceptionName{EXCEPTION_FLT_OVERFLOW, L"Float Overflow"},
+    ExceptionName{EXCEPTION_FLT_STACK_CHECK, L"Float Stack Check"},
+    ExceptionName{EXCEPTION_FLT_UNDERFLOW, L"Float Underflow"},
+    ExceptionName{EXCEPTION_INT_DIVIDE_BY_ZERO, L"Integer Divide By Zero"},
+    ExceptionName{EXCEPTION_INT_OVERFLOW, L"Integer Overflow"},
+    ExceptionName{EXCEPTION_PRIV_INSTRUCTION, L"Privileged Instruction"},
+    ExceptionName{EXCEPTION_IN_PAGE_ERROR, L"In Page Error"},
+    ExceptionName{EXCEPTION_ILLEGAL_INSTRUCTION, L"Illegal Instruction"},
+    ExceptionName{EXCEPTION_NONCONTINUABLE_EXCEPTION, L"Noncontinuable Exception"},
+    ExceptionName{EXCEPTION_STACK_OVERFLOW, L"Stack Overflow"},
+    ExceptionName{EXCEPTION_INVALID_DISPOSITION, L"Invalid Disposition"},
+    ExceptionName{EXCEPTION_GUARD_PAGE, L"Guard Page Violation"},
+    ExceptionName{EXCEPTION_INVALID_HANDLE, L"Invalid Handle"},
+    ExceptionName{CONTROL_C_EXIT, L"Control-C Exit"},
+};
+
+const wchar_t* NameOf(DWORD code) {
+    for (const ExceptionName& entry : kExceptionNames)
+        if (entry.code == code) return entry.name;
+    return L"Unknown Exception";
+}
+
+void WriteLastWords(const wchar_t* words) {
+    std::array<char, 1024> line{};
+    std::size_t length = 0;
+    for (const wchar_t* part : {static_cast<const wchar_t*>(gTitle.data()), L": ", words, L"\n"}) {
+        const int room = static_cast<int>(line.size() - length);
+        const int got =
+            WideCharToMultiByte(CP_UTF8, 0, part, -1, line.data() + length, room, nullptr, nullptr);
+        if (got > 0) length += static_cast<std::size_t>(got) - 1;  // its NUL is overwritten
+    }
+    DWORD count = 0;
+    // There is nobody left to tell that the words did not get out.
+    static_cast<void>(WriteFile(GetStdHandle(STD_ERROR_HANDLE), line.data(),
+                                static_cast<DWORD>(length), &count, nullptr));
+}
+
+/// `what` must be short: the buffer is fixed.
+void SayLastWords(const wchar_t* what) {
+    std::array<wchar_t, 512> words{};
+    std::size_t length = 0;
+    for (const wchar_t* part : {L"Unhandled Exception: ", what})
+        for (; *part != L'\0' && length + 1 < words.size(); ++part) words[length++] = *part;
+    if (MessageBoxW(nullptr, words.data(), gTitle.data(),
+                    MB_OK | MB_ICONERROR | MB_TASKMODAL | MB_SETFOREGROUND) != IDOK)
+        WriteLastWords(words.data());
+}
+
+[[noreturn]] void End(DWORD exitCode) {
+    static_cast<void>(TerminateProcess(GetCurrentProcess(), exitCode));
+    std::abort();  // not reached
+}
+
+LONG WINAPI OnUnhandledException(EXCEPTION_POINTERS* exception) {
+    const DWORD code = exception->ExceptionRecord->ExceptionCode;
+    SayLastWords(NameOf(code));
+    End(code);
+}
+
+[[noreturn]] void OnTerminate() {
+    std::wstring what = L"Unknown Exception";
+    if (const std::exception_ptr pending = std::current_exception()) {
+        try {
+            std::rethrow_exception(pending);
+        } catch (const std::exception& error) {
+            what = ToWide(error.what());
+        } catch (...) {
+            // It has no text; the words above stand.
+        }
+    }
+    SayLastWords(what.c_str());
+    constexpr DWORD kAborted = 3;  // what the C library's own abort reports
+    End(kAborted);
+}
+
+struct LocalMemory {
+    void operator()(wchar_t** memory) const { static_cast<void>(LocalFree(memory)); }
+};
+
+}  // namespace
+
+Win32Process::Win32Process() {
+    int count = 0;
+    const std::unique_ptr<wchar_t*, LocalMemory> arguments(
+        CommandLineToArgvW(GetCommandLineW(), &count));
+    if (!arguments) return;
+    for (int i = 1; i < count; ++i) mArguments.push_back(ToUtf8(arguments.get()[i]));
+}
+
+std::string Win32Process::ExecutablePath() const {
+    constexpr std::size_t kLongestPath = 32768;
+    std::wstring path(kLongestPath, L'\0');
+    const DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
+    if (length == 0 || length >= path.size()) throw RuntimeError(ErrorNumber::FileNotFound);
+    path.resize(length);
+    return ToUtf8(path);
+}
+
+bool Win32Process::AnotherInstanceRuns(const std::string& title) {
+    if (mPlaces.contains(title)) return false;
+    std::wstring name = ToWide(title);
+    std::replace(name.begin(), name.end(), L'\\', L'-');  // would be a folder of names
+    Win32Handle place(CreateMutexW(nullptr, FALSE, (L"Local\\" + name).c_str()));
+    const DWORD systemError = GetLastError();
+    if (!place.IsOpen()) return systemError == ERROR_ACCESS_DENIED;  // somebody else's
+    if (systemError == ERROR_ALREADY_EXISTS) return true;
+    mPlaces.emplace(title, std::move(place));
+    return false;
+}
+
+void Win32Process::InstallUnhandledExceptionFilter(const std::string& title) {
+    const std::wstring wide = ToWide(title);
+    const std::size_t length = std::min(wide.size(), gTitle.size() - 1);
+    std::copy_n(wide.begin(), length, gTitle.begin());
+    gTitle[length] = L'\0';
+    std::set_terminate(OnTerminate);
+    static_cast<void>(SetUnhandledExceptionFilter(OnUnhandledException));  // gives the old one
+}
+
+}  // namespace vantor

@@ -1,0 +1,238 @@
+#include "platform/win32/Win32SerialPort.hpp"
+
+#include <algorithm>
+#include <utility>
+
+#include "support/RuntimeError.hpp"
+
+namespace vantor {
+namespace {
+
+constexpr DWORD kQueueBytes = 65536;
+constexpr std::size_t kMostBytesAtOnce = kQueueBytes;
+
+[[noreturn]] void RaiseOpenError(DWORD systemError) {
+    switch (systemError) {
+        case ERROR_ACCESS_DENIED:
+        case ERROR_SHARING_VIOLATION:
+        case ERROR_ALREADY_EXISTS:
+        case ERROR_BUSY:
+            throw RuntimeError(ErrorNumber::PermissionDenied);
+        default:
+            throw RuntimeError(ErrorNumber::DeviceUnavailable);
+    }
+}
+
+// The system lets one program open a port once. Where that does not hold (a compatibility
+// layer, a driver that shares) two of ours would take each other's acknowledgements.
+Win32Handle Claim(const std::wstring& name) {
+    Win32Handle claim(CreateMutexW(nullptr, FALSE, (L"Local\\Vantor serial line " + name).c_str()));
+    const DWORD systemError = GetLastError();
+    if (!claim.IsOpen() || systemError == ERROR_ALREADY_EXISTS) RaiseOpenError(systemError);
+    return claim;
+}
+
+Win32Handle OpenDevice(const std::wstring& name) {
+    Win32Handle device(CreateFileW((L"\\\\.\\" + name).c_str(), GENERIC_READ | GENERIC_WRITE, 0,
+                                   nullptr, OPEN_EXISTING, FILE_FLAG_OVERLAPPED, nullptr));
+    if (!device.IsOpen()) RaiseOpenError(GetLastError());
+    return device;
+}
+
+Win32Handle Event() {
+    Win32Handle event(CreateEventW(nullptr, TRUE, FALSE, nullptr));
+    if (!event.IsOpen()) throw RuntimeError(ErrorNumber::OutOfMemory);
+    return event;
+}
+
+BYTE ParityCode(Parity parity) {
+    switch (parity) {
+        case Parity::Odd:
+            return ODDPARITY;
+        case Parity::Even:
+            return EVENPARITY;
+        case Parity::None:
+            break;
+    }
+    return NOPARITY;
+}
+
+// What the caller does not choose: raw both ways, no flow control, both modem lines up.
+DCB RawBlock() {
+    DCB block{};
+    block.DCBlength = sizeof block;
+    block.fBinary = TRUE;
+    block.fDtrControl = DTR_CONTROL_ENABLE;
+    block.fRtsControl = RTS_CONTROL_ENABLE;
+    // Without flow control they mean nothing, but drivers refuse two that are equal.
+    block.XonChar = 0x11;
+    block.XoffChar = 0x13;
+    // Adapters hold short replies for some 16 ms unless one contains this character, and every
+    // acknowledgement ends with it.
+    block.EvtChar = '\r';
+    return block;
+}
+
+}  // namespace
+
+Win32SerialPort::Win32SerialPort(Win32MessagePump& pump, const std::wstring& name,
+                                 const LineSettings& line)
+    : mPump(pump),
+      mClaim(Claim(name)),
+      mDevice(OpenDevice(name)),
+      mReadDone(Event()),
+      mWriteDone(Event()),
+      mBitsPerCharacter(BitsPerCharacter(line)),
+      mBitsPerSecond(line.bitsPerSecond) {
+    SetLine(line);
+    // A driver that has queues of another size keeps them.
+    static_cast<void>(SetupComm(mDevice.Get(), kQueueBytes, kQueueBytes));
+    // Reads return at once with what is there; writes have all the time that the line takes.
+    COMMTIMEOUTS timeouts{};
+    timeouts.ReadIntervalTimeout = MAXDWORD;
+    if (SetCommTimeouts(mDevice.Get(), &timeouts) == 0) RaiseOpenError(GetLastError());
+    static_cast<void>(SetCommMask(mDevice.Get(), EV_RXCHAR | EV_RXFLAG));  // for the adapters
+    // A device gone by now shows later.
+    static_cast<void>(PurgeComm(mDevice.Get(), PURGE_RXCLEAR));
+}
+
+Win32SerialPort::~Win32SerialPort() {
+    StopNotifying();
+    if (mWriting) EndWrite();
+}
+
+void Win32SerialPort::SetLine(const LineSettings& line) const {
+    if (line.bitsPerSecond == 0 || (line.dataBits != 7 && line.dataBits != 8) ||
+        (line.stopBits != 1 && line.stopBits != 2))
+        throw RuntimeError(ErrorNumber::InvalidCall);
+    // What opens under a port's name need not be one; only a serial line answers this.
+    DCB present{};
+    present.DCBlength = sizeof present;
+    if (GetCommState(mDevice.Get(), &present) == 0)
+        throw RuntimeError(ErrorNumber::DeviceUnavailable);
+    DCB wanted = RawBlock();
+    wanted.BaudRate = line.bitsPerSecond;
+    wanted.ByteSize = line.dataBits;
+    wanted.Parity = ParityCode(line.parity);
+    wanted.fParity = line.parity != Parity::None;
+    wanted.StopBits = line.stopBits == 2 ? TWOSTOPBITS : ONESTOPBIT;
+    if (SetCommState(mDevice.Get(), &wanted) == 0) throw RuntimeError(ErrorNumber::InvalidCall);
+}
+
+/// One system call, since this is asked in busy waits; false when the device has gone.
+bool Win32SerialPort::Look(COMSTAT& queues) const {
+    DWORD lineErrors = 0;  // the protocol above notices a damaged reply by itself
+    return ClearCommError(mDevice.Get(), &lineErrors, &queues) != 0;
+}
+
+COMSTAT Win32SerialPort::Queues() {
+    COMSTAT queues{};
+    if (mGone || !Look(queues)) RaiseGone();
+    return queues;
+}
+
+void Win32SerialPort::RaiseGone() {
+    mGone = true;
+    throw RuntimeError(ErrorNumber::DeviceIO);
+}
+
+// Only what has been counted is asked for: an empty queue makes some systems hold the read until
+// bytes come, whatever the timeouts say.
+std::size_t Win32SerialPort::Read(std::span<char> into) {
+    const std::size_t count = std::min(InputCount(), into.size());
+    if (count == 0) return 0;
+    OVERLAPPED read{};
+    read.hEvent = mReadDone.Get();
+    DWORD got = 0;
+    if (ReadFile(mDevice.Get(), into.data(), static_cast<DWORD>(count), &got, &read) != 0)
+        return got;
+    if (GetLastError() != ERROR_IO_PENDING ||
+        GetOverlappedResult(mDevice.Get(), &read, &got, TRUE) == 0)
+        RaiseGone();
+    return got;
+}
+
+std::size_t Win32SerialPort::Write(std::string_view bytes) {
+    if (mGone) RaiseGone();
+    if (bytes.empty() || WriteIsPending()) return 0;
+    mOutgoing.assign(bytes.substr(0, kMostBytesAtOnce));
+    mWrite = {};
+    mWrite.hEvent = mWriteDone.Get();
+    DWORD count = 0;
+    const auto size = static_cast<DWORD>(mOutgoing.size());
+    if (WriteFile(mDevice.Get(), mOutgoing.data(), size, &count, &mWrite) != 0) return count;
+    if (GetLastError() != ERROR_IO_PENDING) RaiseGone();
+    mWriting = true;
+    return size;
+}
+
+bool Win32SerialPort::WriteIsPending() {
+    if (!mWriting) return false;
+    if (!HasOverlappedIoCompleted(&mWrite)) return true;
+    mWriting = false;
+    DWORD count = 0;
+    // Without timeouts a write ends when all its bytes are gone, or the device is.
+    if (GetOverlappedResult(mDevice.Get(), &mWrite, &count, FALSE) == 0) RaiseGone();
+    return false;
+}
+
+// The driver works from our memory, so the write must have ended before that goes.
+void Win32SerialPort::EndWrite() {
+    constexpr std::uint64_t kSlackMs = 100;
+    constexpr std::uint64_t kMostMs = 2000;
+    const std::uint64_t bits = std::uint64_t{mOutgoing.size()} * mBitsPerCharacter;
+    const std::uint64_t ms = std::min(bits * 1000 / mBitsPerSecond + kSlackMs, kMostMs);
+    DWORD count = 0;
+    if (WaitForSingleObject(mWriteDone.Get(), static_cast<DWORD>(ms)) != WAIT_OBJECT_0)
+        static_cast<void>(CancelIoEx(mDevice.Get(), &mWrite));
+    static_cast<void>(GetOverlappedResult(mDevice.Get(), &mWrite, &count, TRUE));
+}
+
+std::size_t Win32SerialPort::InputCount() {
+    return Queues().cbInQue;
+}
+
+// The system counts the bytes of a pending write; a compatibility layer may not, and then one
+// byte stands for all.
+std::size_t Win32SerialPort::OutputCount() {
+    const std::size_t count = Queues().cbOutQue;
+    return WriteIsPending() ? std::max<std::size_t>(count, 1) : count;
+}
+
+// Discarding succeeds on a device that has gone, so it is the look that tells.
+void Win32SerialPort::DiscardInput() {
+    static_cast<void>(PurgeComm(mDevice.Get(), PURGE_RXCLEAR));
+    static_cast<void>(Queues());
+}
+
+void Win32SerialPort::NotifyOnInput(std::function<void()> notify) {
+    StopNotifying();
+    if (!notify) return;
+    mNotify = std::move(notify);
+    mSource = mPump.AddSource([this] { PollInput(); });
+    mWatch = std::make_unique<Win32InputWatch>(
+        mDevice.Get(), [&pump = mPump, source = mSource] { pump.WakeUp(source); });
+    mWatch->Arm();
+}
+
+void Win32SerialPort::StopNotifying() {
+    mWatch.reset();
+    if (mSource != 0) mPump.RemoveSource(std::exchange(mSource, 0));
+    mNotify = nullptr;
+}
+
+// The callback may destroy this port: it is called as a copy, and nothing follows it.
+void Win32SerialPort::PollInput() {
+    mWatch->Arm();  // before the look, so that no byte comes between the two unnoticed
+    COMSTAT queues{};
+    const bool gone = mGone || !Look(queues);
+    if (!gone && queues.cbInQue == 0) return;
+    const std::function<void()> notify = mNotify;
+    if (gone) {
+        mGone = true;
+        StopNotifying();
+    }
+    notify();
+}
+
+}  // namespace vantor

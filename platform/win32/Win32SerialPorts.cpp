@@ -1,0 +1,94 @@
+#include "platform/win32/Win32SerialPorts.hpp"
+
+#include <array>
+#include <map>
+
+#include "platform/win32/Win32SerialPort.hpp"
+#include "support/RuntimeError.hpp"
+
+namespace vantor {
+namespace {
+
+constexpr unsigned kLastComNumber = 32;
+
+std::wstring ComName(unsigned number) {
+    return L"COM" + std::to_wstring(number);
+}
+
+/// The number of "com7"; 0 when it is no name of a port.
+unsigned ComNumber(const std::wstring& name) {
+    for (unsigned number = 1; number <= kLastComNumber; ++number)
+        if (CompareStringOrdinal(name.c_str(), -1, ComName(number).c_str(), -1, TRUE) == CSTR_EQUAL)
+            return number;
+    return 0;
+}
+
+/// What the name leads to; empty when it leads nowhere.
+std::string DeviceOf(const std::wstring& name) {
+    std::array<wchar_t, 1024> device{};
+    const DWORD length =
+        QueryDosDeviceW(name.c_str(), device.data(), static_cast<DWORD>(device.size()));
+    return length == 0 ? std::string() : ToUtf8(device.data());  // the first of a list
+}
+
+class SerialMap {
+public:
+    SerialMap() {
+        if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"HARDWARE\\DEVICEMAP\\SERIALCOMM", 0,
+                          KEY_QUERY_VALUE, &mKey) != ERROR_SUCCESS)
+            mKey = nullptr;  // a machine that has never had a port
+    }
+    ~SerialMap() {
+        if (mKey != nullptr) static_cast<void>(RegCloseKey(mKey));
+    }
+    SerialMap(const SerialMap&) = delete;
+    SerialMap& operator=(const SerialMap&) = delete;
+
+    /// Sets the device and the COM name of the entry `index`; false behind the last one.
+    bool Entry(DWORD index, std::wstring& device, std::wstring& name) const {
+        if (mKey == nullptr) return false;
+        std::array<wchar_t, 256> valueName{};
+        std::array<wchar_t, 256> value{};  // its last NUL stays, whatever is stored
+        auto nameLength = static_cast<DWORD>(valueName.size());
+        auto size = static_cast<DWORD>(sizeof value - sizeof value[0]);
+        DWORD type = 0;
+        if (RegEnumValueW(mKey, index, valueName.data(), &nameLength, nullptr, &type,
+                          reinterpret_cast<BYTE*>(value.data()), &size) != ERROR_SUCCESS)
+            return false;
+        device = valueName.data();
+        name = type == REG_SZ ? value.data() : L"";
+        return true;
+    }
+
+private:
+    HKEY mKey = nullptr;
+};
+
+}  // namespace
+
+std::unique_ptr<SerialPort> Win32SerialPorts::Open(const std::string& name,
+                                                   const LineSettings& line) {
+    const unsigned number = ComNumber(ToWide(name));
+    if (number == 0) throw RuntimeError(ErrorNumber::DeviceUnavailable);
+    return std::make_unique<Win32SerialPort>(mPump, ComName(number), line);
+}
+
+// Drivers enter their ports in the map; names given by hand or by redirection are only known to
+// the system itself.
+std::vector<SerialPortInfo> Win32SerialPorts::List() const {
+    std::map<unsigned, std::string> devices;
+    const SerialMap map;
+    std::wstring device;
+    std::wstring name;
+    for (DWORD index = 0; map.Entry(index, device, name); ++index)
+        if (const unsigned number = ComNumber(name); number != 0) devices[number] = ToUtf8(device);
+    for (unsigned number = 1; number <= kLastComNumber; ++number)
+        if (std::string target = DeviceOf(ComName(number)); !target.empty())
+            devices.emplace(number, std::move(target));
+    std::vector<SerialPortInfo> ports;
+    for (const auto& [number, where] : devices)
+        ports.push_back({ToUtf8(ComName(number)), where, {}});
+    return ports;
+}
+
+}  // namespace vantor

@@ -1,0 +1,43 @@
+// The console of a Windows program, or whatever its output and input have been sent to. One
+// object at a time: it owns the process's interrupt key.
+#pragma once
+
+#include <cstdint>
+#include <string>
+
+#include "platform/Terminal.hpp"
+#include "platform/win32/Windows.hpp"
+
+namespace vantor {
+
+class Win32Terminal : public Terminal {
+public:
+    Win32Terminal();
+    ~Win32Terminal() override;
+    Win32Terminal(const Win32Terminal&) = delete;
+    Win32Terminal& operator=(const Win32Terminal&) = delete;
+
+    bool InputIsTerminal() const override;
+    bool OutputIsTerminal() const override;
+    unsigned Columns() const override;
+
+    /// UTF-8 as it is where the output is no console.
+    void Write(std::string_view utf8) override;
+    void WriteError(std::string_view utf8) override;
+
+    /// A line without terminator at the end of the input counts as a line.
+    std::optional<std::string> ReadLine() override;
+    bool TakeInterrupt() override;
+
+private:
+    enum class Input { More, Ended, Interrupted };
+
+    Input ReadMore();
+    Input ReadFromConsole(HANDLE console);
+    Input ReadFromStream(HANDLE stream);
+
+    std::string mUnread;
+    std::uint32_t mTaken = 0;
+};
+
+}  // namespace vantor

@@ -1,0 +1,55 @@
+#include "platform/win32/Windows.hpp"
+
+#include "support/RuntimeError.hpp"
+
+namespace vantor {
+
+// The system counts in int; a text of 2 GB does not occur, and a wrapped length converts nothing.
+std::wstring ToWide(std::string_view utf8) {
+    const int length = static_cast<int>(utf8.size());
+    const int needed = MultiByteToWideChar(CP_UTF8, 0, utf8.data(), length, nullptr, 0);
+    if (needed <= 0) return {};
+    std::wstring wide(static_cast<std::size_t>(needed), L'\0');
+    if (MultiByteToWideChar(CP_UTF8, 0, utf8.data(), length, wide.data(), needed) != needed)
+        return {};
+    return wide;
+}
+
+std::string ToUtf8(std::wstring_view wide) {
+    const int length = static_cast<int>(wide.size());
+    const int needed =
+        WideCharToMultiByte(CP_UTF8, 0, wide.data(), length, nullptr, 0, nullptr, nullptr);
+    if (needed <= 0) return {};
+    std::string utf8(static_cast<std::size_t>(needed), '\0');
+    if (WideCharToMultiByte(CP_UTF8, 0, wide.data(), length, utf8.data(), needed, nullptr,
+                            nullptr) != needed)
+        return {};
+    return utf8;
+}
+
+void RaiseFileError(DWORD systemError) {
+    switch (systemError) {
+        case ERROR_FILE_NOT_FOUND:
+            throw RuntimeError(ErrorNumber::FileNotFound);
+        case ERROR_PATH_NOT_FOUND:
+        case ERROR_DIRECTORY:
+        case ERROR_INVALID_DRIVE:
+        case ERROR_BAD_PATHNAME:
+        case ERROR_BAD_NETPATH:
+        case ERROR_BAD_NET_NAME:
+            throw RuntimeError(ErrorNumber::PathNotFound);
+        case ERROR_ACCESS_DENIED:
+        case ERROR_SHARING_VIOLATION:
+        case ERROR_LOCK_VIOLATION:
+        case ERROR_WRITE_PROTECT:
+        case ERROR_NETWORK_ACCESS_DENIED:
+            throw RuntimeError(ErrorNumber::PermissionDenied);
+        case ERROR_DISK_FULL:
+        case ERROR_HANDLE_DISK_FULL:
+            throw RuntimeError(ErrorNumber::DiskFull);
+        default:
+            throw RuntimeError(ErrorNumber::PathFileAccess);
+    }
+}
+
+}  // namespace vantor

@@ -1,0 +1,33 @@
+// The system's own header, kept small, and the two things that every service here needs with it:
+// text conversion and error numbers. The only place that includes <windows.h>.
+#pragma once
+
+#ifndef NOMINMAX
+#define NOMINMAX
+#endif
+#ifndef WIN32_LEAN_AND_MEAN
+#define WIN32_LEAN_AND_MEAN
+#endif
+#ifndef UNICODE
+#define UNICODE
+#endif
+#ifndef _UNICODE
+#define _UNICODE
+#endif
+#include <windows.h>
+
+#include <string>
+#include <string_view>
+
+namespace vantor {
+
+/// UTF-8 to the system's UTF-16. What is not valid UTF-8 becomes U+FFFD.
+std::wstring ToWide(std::string_view utf8);
+
+/// The system's UTF-16 to UTF-8. Unpaired halves become U+FFFD.
+std::string ToUtf8(std::wstring_view wide);
+
+/// Raises the RuntimeError that a failed file operation means: 53, 76, 70, 61, else 75.
+[[noreturn]] void RaiseFileError(DWORD systemError);
+
+}  // namespace vantor

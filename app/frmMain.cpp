@@ -3,8 +3,10 @@
 #include <string>
 #include <vector>
 
+#include "app/MainLayout.hpp"
 #include "app/base/LoadResources.hpp"
 #include "app/base/modSupport.hpp"
+#include "dialogs/frmAbout.hpp"
 #include "platform/Files.hpp"
 #include "platform/Folders.hpp"
 #include "platform/StringTable.hpp"
@@ -18,12 +20,16 @@ frmMain::frmMain(Desktop& desktop, Platform& platform)
       tmrFlashTimeout(*this, "tmrFlashTimeout", platform.pump, FlashSession::kVerdictTimeoutMs),
       mobjComm(*this, "mobjComm", platform.ports),
       mPlatform(platform),
+      mFormPos(platform.registry, platform.codePage),
       mSettings(platform.registry, platform.codePage, platform.files),
       mSession(*this, mSettings, platform) {
+    picPicture.picture = StockPicture::Banner;
+    lvwUpdates.columns = {"Filename", "File Size", "File Date", "Description"};
     cmdFlash.Click.Handle(
         [this] { Trapped("frmMain.cmdFlash_Click", [this] { mSession.doFlash(); }); });
     mnuFileFlash.Click.Handle(
         [this] { Trapped("frmMain.mnuFileFlash_Click", [this] { mSession.doFlash(); }); });
+    mnuHelpAbout.Click.Handle([this] { mnuHelpAbout_Click(); });
     mnuFileExit.Click.Handle([this] { mnuFileExit_Click(); });
     lvwUpdates.Click.Handle([this] { lvwUpdates_Click(); });
 }
@@ -40,12 +46,25 @@ FlashControls frmMain::SessionControls() {
 
 void frmMain::Form_Load() {
     Trapped("frmMain.Form_Load", [this] {
+        RestorePosition();
         LoadSettings();
         LoadResources();
-        ShowFunction(MainPanel::Startup);
-        SetButtonState(false);
-        lvwUpdates.columns = {"Filename", "File Size", "File Date", "Description"};
+        Startup();
     });
+}
+
+void frmMain::RestorePosition() {
+    mFormPos.Form = this;
+    if (!mFormPos.RestoreForm(true)) mFormPos.CenterForm();
+}
+
+void frmMain::Startup() {
+    ShowFunction(MainPanel::Startup);
+    SetButtonState(false);
+    for (Control* bordered :
+         {static_cast<Control*>(&picPicture), static_cast<Control*>(&lvwUpdates),
+          static_cast<Control*>(&pbarStatus)})
+        bordered->Border(vantor::Border::Static);
 }
 
 // A stored value that cannot be read is told once; the program goes on with the rest.
@@ -73,8 +92,41 @@ bool frmMain::Form_QueryUnload() {
 
 void frmMain::Form_Unload() {
     Trapped("frmMain.Form_Unload", [this] {
+        mFormPos.SaveForm();
         UnloadOthers();
         Ignoring([this] { DeleteUpdateList(); });
+    });
+}
+
+void frmMain::Form_Resize() {
+    // A minimised window has no inside to lay out.
+    if (State() == WindowState::Minimised) return;
+    const MainLayout layout = LayoutMainWindow(InnerSize());
+    picPicture.Place(layout.picture);
+    for (PictureBox* panel : {&picStartup, &picUpdate, &picFlash}) panel->Place(layout.panel);
+    lblLabels[0].Place(layout.welcome);
+    cmdFlash.Place(layout.flash);
+    lblLabels[1].Place(layout.updatesLabel);
+    lvwUpdates.Place(layout.updates);
+    lblUpdateStatus.Place(layout.updateStatus);
+    cmdDetails.Place(layout.details);
+    cmdDownload.Place(layout.download);
+    cmdDownloadAll.Place(layout.downloadAll);
+    lblLabels[2].Place(layout.flashLabels[0]);
+    lblLabels[3].Place(layout.flashLabels[1]);
+    lblStatus.Place(layout.status);
+    lblElapsed.Place(layout.elapsed);
+    pbarStatus.Place(layout.progress);
+    lblWarning.Place(layout.warning);
+    cmdFlashAbort.Place(layout.abort);
+}
+
+void frmMain::mnuHelpAbout_Click() {
+    Trapped("frmMain.mnuHelpAbout_Click", [this] {
+        const auto about = std::make_shared<frmAbout>(GetDesktop(), mPlatform.strings);
+        about->Load();
+        about->Show(ShowMode::Modal);
+        about->Unload();
     });
 }
 

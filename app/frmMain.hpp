@@ -5,6 +5,7 @@
 #include <array>
 #include <memory>
 
+#include "app/base/CFormPos.hpp"
 #include "controls/Controls.hpp"
 #include "controls/Form.hpp"
 #include "controls/SerialControl.hpp"
@@ -76,16 +77,21 @@ public:
 protected:
     void Form_Load() override;
     bool Form_QueryUnload() override;
+    void Form_Resize() override;
     void Form_Unload() override;
 
 private:
     void LoadResources();
     void LoadSettings();
+    void RestorePosition();
+    void Startup();
+    void mnuHelpAbout_Click();
     void UnloadOthers();
     void DeleteUpdateList();
     void lvwUpdates_Click();
 
     Platform& mPlatform;
+    CFormPos mFormPos;
     CAppSettings mSettings;
     FlashFlags mFlags;
     FlashSession mSession;

@@ -58,6 +58,8 @@ public:
         : mTerminal(terminal), mProgress(progress), mQuiet(quiet) {}
 
     std::unique_ptr<FormPeer> Draw(Form& form) override;
+    Size ScreenSize() const override { return {}; }
+    void HoldSystem(const std::string&) override {}
     void SetMousePointer(MousePointer) override {}  // a terminal has none
 
 private:

@@ -34,6 +34,11 @@ void Control::Place(const vantor::Place& place) {
     Changed(Property::Place);
 }
 
+void Control::Border(vantor::Border border) {
+    mBorder = border;
+    Changed(Property::Border);
+}
+
 void Control::Refresh() {
     Changed(Property::Repaint);
 }

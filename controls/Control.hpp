@@ -37,6 +37,9 @@ struct Place {
     friend bool operator==(const Place&, const Place&) = default;
 };
 
+/// The edge around a control.
+enum class Border : std::uint8_t { None, Static, Sunken };
+
 /// A control of a form. It joins the form's collection when it is made and is a member of the
 /// form, so it never outlives it. Setting a property tells the form's peer.
 class Control {
@@ -71,6 +74,10 @@ public:
     const vantor::Place& Place() const { return mPlace; }
     void Place(const vantor::Place& place);
 
+    /// The edge is drawn within the control's place: nothing moves.
+    vantor::Border Border() const { return mBorder; }
+    void Border(vantor::Border border);
+
     /// Draws the control at once, without waiting for the message loop.
     void Refresh();
 
@@ -88,6 +95,7 @@ private:
     std::string mCaption;
     std::string mToolTip;
     vantor::Place mPlace;
+    vantor::Border mBorder = vantor::Border::None;
     bool mEnabled = true;
     bool mVisible = true;
 };

@@ -75,9 +75,14 @@ public:
         : ClickControl(parent, ControlKind::MenuItem, std::move(name), index) {}
 };
 
+/// Pictures of the program's own.
+enum class StockPicture : std::uint8_t { None, Banner, Logo };
+
 /// A panel or a picture that can be clicked.
 class PictureBox : public ClickControl {
 public:
+    StockPicture picture = StockPicture::None;
+
     PictureBox(Form& parent, std::string name, int index = -1)
         : ClickControl(parent, ControlKind::PictureBox, std::move(name), index) {}
 };
@@ -85,6 +90,8 @@ public:
 /// A picture that only shows.
 class Image : public Control {
 public:
+    StockPicture picture = StockPicture::Logo;
+
     Image(Form& parent, std::string name, int index = -1)
         : Control(parent, ControlKind::Image, std::move(name), index) {}
 };

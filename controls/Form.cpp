@@ -22,6 +22,17 @@ void Form::Place(const vantor::Place& place) {
     FormChanged(Property::Place);
 }
 
+void Form::State(WindowState state) {
+    mState = state;
+    FormChanged(Property::State);
+}
+
+void Form::Placed(const vantor::Place& outer, WindowState state, const Size& inner) {
+    mPlace = outer;
+    mState = state;
+    if (std::exchange(mInner, inner) != inner) Form_Resize();
+}
+
 void Form::Load() {
     if (mLoaded || mGone) return;
     ApplyDesign();
@@ -34,7 +45,7 @@ void Form::Load() {
 void Form::Show(ShowMode mode, const Form* owner) {
     Load();
     if (mGone) return;
-    mVisible = true;
+    if (!std::exchange(mVisible, true)) Form_Resize();
     if (mPeer) mPeer->Show(mode, owner ? owner->Handle() : 0);
 }
 
@@ -68,6 +79,7 @@ void Form::ApplyDesign() {
     mCaption = mDesign.caption;
     mTag = mDesign.tag;
     mPlace = mDesign.place;
+    mInner = {mPlace.width, mPlace.height};
     std::size_t applied = 0;
     for (const ControlDesign& row : mDesign.controls) {
         const auto found = std::ranges::find_if(mControls, [&row](const Control* control) {

@@ -14,6 +14,17 @@ namespace vantor {
 
 class MessagePump;
 
+enum class WindowState : std::uint8_t { Normal = 0, Minimised = 1, Maximised = 2 };
+
+/// What is special about a control's looks or its place among the keys.
+struct ControlStyle {
+    float points = 9;  ///< size of its letters
+    bool bold = false;
+    bool centred = false;        ///< of a label's text
+    bool defaultButton = false;  ///< pressed by Enter
+    bool cancelButton = false;   ///< pressed by Esc
+};
+
 /// One control of a window's design.
 struct ControlDesign {
     ControlKind kind;
@@ -23,6 +34,7 @@ struct ControlDesign {
     Place place;         ///< twips, within the parent; all 0 for what has no place of its own
     const char* caption;
     const char* tag;
+    ControlStyle style = {};
 };
 
 /// A window's design: data that says what the window looks like before any code runs.
@@ -32,6 +44,7 @@ struct FormDesign {
     const char* tag;
     Place place;  ///< outer size in twips
     std::span<const ControlDesign> controls;
+    Size smallest = {};  ///< least outer size of a sizable window; none for a fixed one
 };
 
 /// The open windows of the program, and what they need to be drawn.
@@ -75,6 +88,12 @@ public:
     const vantor::Place& Place() const { return mPlace; }
     void Place(const vantor::Place& place);
 
+    WindowState State() const { return mState; }
+    void State(WindowState state);
+
+    /// Size of the inside, which controls can be laid out in.
+    const Size& InnerSize() const { return mInner; }
+
     bool Visible() const { return mVisible; }
     bool Loaded() const { return mLoaded; }
     /// True once the window has been unloaded. A wait that runs in its code ends then.
@@ -91,6 +110,10 @@ public:
     /// destroys the peer. The last window to go ends the message pump. True when it is gone.
     bool Unload();
 
+    /// For peers: the window is now there and so large. Runs Form_Resize when the inside has
+    /// another size than before.
+    void Placed(const vantor::Place& outer, WindowState state, const Size& inner);
+
     Desktop& GetDesktop() const { return mDesktop; }
 
     /// The native window, 0 where nothing is drawn.
@@ -101,6 +124,7 @@ protected:
     /// False refuses the close.
     virtual bool Form_QueryUnload() { return true; }
     virtual void Form_Unload() {}
+    virtual void Form_Resize() {}
 
 private:
     friend class Control;
@@ -116,6 +140,8 @@ private:
     std::string mTag;
     std::string mCaption;
     vantor::Place mPlace;
+    Size mInner;
+    WindowState mState = WindowState::Normal;
     bool mLoaded = false;
     bool mVisible = false;
     bool mUnloading = false;

@@ -68,6 +68,7 @@ void FlashSession::doFlash() {
             AddFinalSlash(mPlatform.folders.PersonalDocuments()) + "Caldor Downloads\\";
         dialog.hWndParent = mHost.Window().Handle();
         if (!dialog.Show(true)) return;
+        mPlatform.peers.HoldSystem(Text(723));
         FlashIndicator(dialog.FileName);
         while (mFlags.mblnFlashing && !mHost.Window().Gone()) {
             DoEventsNice(mPlatform.pump);
@@ -78,6 +79,7 @@ void FlashSession::doFlash() {
     };
     // Whatever happened, the port is closed and the window is usable again.
     const auto restore = [this] {
+        mPlatform.peers.HoldSystem({});
         mControls.mobjComm.ClosePort();
         mControls.tmrFlashTimeout.Enabled(false);
         CloseStatus();

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <string>
 
 #include "platform/MessageBoxes.hpp"
 
@@ -20,8 +21,18 @@ enum class Property : std::uint8_t {
     Visible,
     ToolTip,
     Place,
+    State,  ///< of a form: normal, minimised, maximised
+    Border,
     Value,
     Repaint,  ///< draw now, even while the caller keeps the message loop busy
+};
+
+/// A size in twips.
+struct Size {
+    float width = 0;
+    float height = 0;
+
+    friend bool operator==(const Size&, const Size&) = default;
 };
 
 /// How a form is shown.
@@ -53,8 +64,16 @@ public:
     /// A peer for `form`, hidden until shown. The form outlives it.
     virtual std::unique_ptr<FormPeer> Draw(Form& form) = 0;
 
+    /// Size of the screen that windows are placed on.
+    virtual Size ScreenSize() const = 0;
+
     /// Sets the pointer of the whole screen until set again.
     virtual void SetMousePointer(MousePointer pointer) = 0;
+
+    /// While `reason` is not empty the system is asked to stay awake, and not to end the session
+    /// of the user: a shutdown is refused with `reason`, which the system shows. An empty one
+    /// ends that.
+    virtual void HoldSystem(const std::string& reason) = 0;
 };
 
 }  // namespace vantor

@@ -7,6 +7,7 @@
 
 namespace vantor {
 
+extern const FormDesign kAboutWindowDesign;
 extern const FormDesign kMainWindowDesign;
 extern const FormDesign kStatusWindowDesign;
 

@@ -1,4 +1,5 @@
-// The main window: menus, the promotional picture, and three panels of which one shows.
+// The main window: menus, the promotional picture, and three panels of which one shows. Places
+// within the window are computed from its size, so the rows hold none.
 #include <array>
 
 #include "resources/Designs.hpp"
@@ -11,6 +12,12 @@ using enum ControlKind;
 constexpr const char* kWelcomeInDesign =
     "Welcome to the Vantor update utility. Connect the indicator to this computer, place it into "
     "boot monitor mode and click below to begin.";
+
+constexpr ControlStyle kWelcome = {.points = 11, .centred = true};
+constexpr ControlStyle kFlashButton = {.points = 12, .bold = true, .defaultButton = true};
+constexpr ControlStyle kFigure = {.points = 14, .bold = true};
+constexpr ControlStyle kFigureLabel = {.points = 12};
+constexpr ControlStyle kWarning = {.points = 14, .bold = true};
 
 constexpr std::array kControls = {
     ControlDesign{MenuItem, "mnuFile", -1, "", {}, "201 &File", ""},
@@ -25,26 +32,24 @@ constexpr std::array kControls = {
     ControlDesign{MenuItem, "mnuHelp", -1, "", {}, "209 &Help", ""},
     ControlDesign{MenuItem, "mnuHelpAbout", -1, "mnuHelp", {}, "212 &About...", ""},
 
-    ControlDesign{PictureBox, "picPicture", -1, "", {120, 120, 7200, 1350}, "", ""},
+    ControlDesign{PictureBox, "picPicture", -1, "", {}, "", ""},
 
-    ControlDesign{PictureBox, "picStartup", -1, "", {120, 1590, 7200, 3000}, "", ""},
-    ControlDesign{
-        Label, "lblLabels", 0, "picStartup", {300, 360, 6600, 960}, kWelcomeInDesign, "302"},
+    ControlDesign{PictureBox, "picStartup", -1, "", {}, "", ""},
+    ControlDesign{Label, "lblLabels", 0, "picStartup", {}, kWelcomeInDesign, "302", kWelcome},
     ControlDesign{CommandButton,
                   "cmdFlash",
                   -1,
                   "picStartup",
                   {2250, 1620, 2700, 600},
                   "Update Indicator",
-                  "304"},
+                  "304",
+                  kFlashButton},
 
-    ControlDesign{PictureBox, "picUpdate", -1, "", {120, 1590, 7200, 3000}, "", ""},
-    ControlDesign{
-        Label, "lblLabels", 1, "picUpdate", {0, 0, 3600, 240}, "Available Updates", "305"},
-    ControlDesign{ListView, "lvwUpdates", -1, "picUpdate", {0, 270, 7200, 1830}, "", ""},
-    ControlDesign{Label, "lblUpdateStatus", -1, "picUpdate", {0, 2160, 7200, 240}, "", ""},
-    ControlDesign{
-        CommandButton, "cmdDetails", -1, "picUpdate", {0, 2520, 1500, 375}, "View Details", "306"},
+    ControlDesign{PictureBox, "picUpdate", -1, "", {}, "", ""},
+    ControlDesign{Label, "lblLabels", 1, "picUpdate", {}, "Available Updates", "305"},
+    ControlDesign{ListView, "lvwUpdates", -1, "picUpdate", {}, "", ""},
+    ControlDesign{Label, "lblUpdateStatus", -1, "picUpdate", {}, "", ""},
+    ControlDesign{CommandButton, "cmdDetails", -1, "picUpdate", {}, "View Details", "306"},
     ControlDesign{CommandButton,
                   "cmdDownload",
                   -1,
@@ -60,15 +65,14 @@ constexpr std::array kControls = {
                   "Get All",
                   "308"},
 
-    ControlDesign{PictureBox, "picFlash", -1, "", {120, 1590, 7200, 3000}, "", ""},
-    ControlDesign{Label, "lblLabels", 2, "picFlash", {0, 0, 1800, 300}, "Sending:", "309"},
-    ControlDesign{Label, "lblStatus", -1, "picFlash", {1860, 0, 5340, 300}, "", ""},
-    ControlDesign{Label, "lblLabels", 3, "picFlash", {0, 390, 1800, 300}, "Elapsed Time:", "310"},
-    ControlDesign{Label, "lblElapsed", -1, "picFlash", {1860, 390, 5340, 300}, "", ""},
-    ControlDesign{ProgressBar, "pbarStatus", -1, "picFlash", {0, 840, 7200, 360}, "", ""},
-    ControlDesign{Label, "lblWarning", -1, "picFlash", {0, 1350, 7200, 960}, "", ""},
-    ControlDesign{
-        CommandButton, "cmdFlashAbort", -1, "picFlash", {5700, 2520, 1500, 375}, "&Abort", "311"},
+    ControlDesign{PictureBox, "picFlash", -1, "", {}, "", ""},
+    ControlDesign{Label, "lblLabels", 2, "picFlash", {}, "Sending:", "309", kFigureLabel},
+    ControlDesign{Label, "lblStatus", -1, "picFlash", {}, "", "", kFigure},
+    ControlDesign{Label, "lblLabels", 3, "picFlash", {}, "Elapsed Time:", "310", kFigureLabel},
+    ControlDesign{Label, "lblElapsed", -1, "picFlash", {}, "", "", kFigure},
+    ControlDesign{ProgressBar, "pbarStatus", -1, "picFlash", {}, "", ""},
+    ControlDesign{Label, "lblWarning", -1, "picFlash", {}, "", "", kWarning},
+    ControlDesign{CommandButton, "cmdFlashAbort", -1, "picFlash", {}, "&Abort", "311"},
 
     ControlDesign{Timer, "tmrFlashTimeout", -1, "", {}, "", ""},
     ControlDesign{SerialControl, "mobjComm", -1, "", {}, "", ""},
@@ -77,6 +81,6 @@ constexpr std::array kControls = {
 }  // namespace
 
 const FormDesign kMainWindowDesign = {
-    "frmMain", "Tessmar Vantor Update Utility", "301", {0, 0, 7560, 5400}, kControls};
+    "frmMain", "Tessmar Vantor Update Utility", "301", {0, 0, 8400, 6600}, kControls, {7560, 6000}};
 
 }  // namespace vantor

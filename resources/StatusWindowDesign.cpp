@@ -9,8 +9,14 @@ namespace {
 constexpr std::array kControls = {
     ControlDesign{ControlKind::Image, "Image1", -1, "", {150, 120, 480, 480}, "", ""},
     ControlDesign{ControlKind::Label, "lblMessage", -1, "", {780, 240, 3600, 480}, "", ""},
-    ControlDesign{
-        ControlKind::CommandButton, "cmdOK", -1, "", {1650, 840, 1215, 375}, "&OK", "101"},
+    ControlDesign{ControlKind::CommandButton,
+                  "cmdOK",
+                  -1,
+                  "",
+                  {1650, 780, 1215, 375},
+                  "&OK",
+                  "101",
+                  {.defaultButton = true, .cancelButton = true}},
 };
 
 }  // namespace

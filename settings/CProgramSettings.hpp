@@ -3,8 +3,8 @@
 
 #include <cstdint>
 #include <string>
-#include <variant>
 
+#include "app/base/RegistryValue.hpp"
 #include "platform/Registry.hpp"
 
 namespace vantor {
@@ -33,12 +33,10 @@ public:
     void WriteEntry(const std::string& name, const std::string& value);
 
 private:
-    /// What a registry value reads as: nothing, a text, or a number.
-    using Value = std::variant<std::monostate, std::string, std::uint32_t>;
+    using Value = RegistryValue;
 
     std::string KeyPath() const;
     Value GetKeyValue(RegistryRoot root, const std::string& path, const std::string& name);
-    Value QueryOpenKey(RegistryKey key, const std::string& name);
     void SetKeyValue(RegistryRoot root, const std::string& path, const std::string& name,
                      const std::string& value, std::uint32_t type);
 

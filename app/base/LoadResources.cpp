@@ -16,8 +16,10 @@ bool TakesCaption(ControlKind kind) {
         case ControlKind::Frame:
         case ControlKind::CheckBox:
         case ControlKind::CommandButton:
-        case ControlKind::OptionButton: return true;
-        default: return false;
+        case ControlKind::OptionButton:
+            return true;
+        default:
+            return false;
     }
 }
 

@@ -18,7 +18,8 @@ public:
     void Show(ShowMode, NativeWindow) override {}
     void FormChanged(Property) override {}
     void ControlChanged(const Control& control, Property property) override {
-        if (mPeers.onChange) mPeers.onChange(control, property);
+        const auto told = mPeers.onChange;  // it may replace itself while it runs
+        if (told) told(control, property);
     }
     NativeWindow Handle() const override { return 0; }
 

@@ -101,8 +101,12 @@ public:
 class HeadlessPeers : public Peers {
 public:
     std::unique_ptr<FormPeer> Draw(Form& form) override;
+    Size ScreenSize() const override { return {28800, 16200}; }  // 1920 by 1080 at 96 dpi
     void SetMousePointer(MousePointer shape) override { pointer = shape; }
 
+    void HoldSystem(const std::string& reason) override { held = reason; }
+
+    std::string held;  ///< why the system is held; empty when it is not
     MousePointer pointer = MousePointer::Default;
     std::vector<std::string> open;  ///< names of the forms that have a peer now
     /// Told of every change of a control's property.

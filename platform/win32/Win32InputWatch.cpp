@@ -17,9 +17,8 @@ Win32InputWatch::Win32InputWatch(HANDLE device, std::function<void()> arrived)
       mEvent(CreateEventW(nullptr, FALSE, FALSE, nullptr)) {
     if (!mEvent.IsOpen() || SetCommMask(mDevice, kEvents) == 0) return;
     mWait.hEvent = mEvent.Get();
-    if (RegisterWaitForSingleObject(&mRegistration, mEvent.Get(), OnEvent, this, INFINITE,
-                                    WT_EXECUTEDEFAULT) == 0)
-        mRegistration = nullptr;
+    mUsable = RegisterWaitForSingleObject(&mRegistration, mEvent.Get(), OnEvent, this, INFINITE,
+                                          WT_EXECUTEDEFAULT) != 0;
 }
 
 Win32InputWatch::~Win32InputWatch() {
@@ -35,9 +34,17 @@ Win32InputWatch::~Win32InputWatch() {
 }
 
 void Win32InputWatch::Arm() {
-    if (mRegistration == nullptr || !HasOverlappedIoCompleted(&mWait)) return;
-    // A wait that ends at once sets the event like any other, one that fails never does.
-    static_cast<void>(WaitCommEvent(mDevice, &mEvents, &mWait));
+    constexpr ULONGLONG kLeastMs = 8;  // under the pump's interval, whose next poll then arms
+    const ULONGLONG now = GetTickCount64();
+    if (!mUsable || !HasOverlappedIoCompleted(&mWait) || now - mArmedAt < kLeastMs) return;
+    // A line without modem signals, as under a compatibility layer, may end every wait at once
+    // and in failure. Trying again and again would cost half a processor.
+    DWORD unused = 0;
+    mUsable = mArmedAt == 0 || GetOverlappedResult(mDevice, &mWait, &unused, FALSE) != 0;
+    if (!mUsable) return;
+    mArmedAt = now;
+    // A wait that ends at once sets the event like any other.
+    if (WaitCommEvent(mDevice, &mEvents, &mWait) == 0) mUsable = GetLastError() == ERROR_IO_PENDING;
 }
 
 void CALLBACK Win32InputWatch::OnEvent(void* watch, BOOLEAN) {

@@ -19,7 +19,8 @@ public:
     Win32InputWatch& operator=(const Win32InputWatch&) = delete;
 
     /// Waits for the next report: one `arrived`, then silence until armed again. Does nothing
-    /// while a wait is on its way, or when the device has gone.
+    /// while a wait is on its way, when the device has gone, and within some milliseconds of the
+    /// last time, so that a stream of bytes becomes no stream of reports.
     void Arm();
 
 private:
@@ -30,6 +31,8 @@ private:
     Win32Handle mEvent;
     HANDLE mRegistration = nullptr;
     OVERLAPPED mWait{};
+    ULONGLONG mArmedAt = 0;
+    bool mUsable = false;
     DWORD mEvents = 0;  // written by the system when the wait ends
 };
 

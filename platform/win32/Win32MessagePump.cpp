@@ -38,8 +38,7 @@ void Win32MessagePump::PumpPending() {
     MSG message{};
     while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != 0) {
         if (message.message == WM_QUIT) mQuit = true;
-        static_cast<void>(TranslateMessage(&message));  // tells what it did, not whether it failed
-        static_cast<void>(DispatchMessageW(&message));
+        Dispatch(message);
     }
     if (!mSources.empty()) PollSources();
 }
@@ -47,11 +46,21 @@ void Win32MessagePump::PumpPending() {
 void Win32MessagePump::Run() {
     mQuit = false;
     MSG message{};
-    while (!mQuit && GetMessageW(&message, nullptr, 0, 0) > 0) {
-        static_cast<void>(TranslateMessage(&message));
-        static_cast<void>(DispatchMessageW(&message));
-    }
+    while (!mQuit && GetMessageW(&message, nullptr, 0, 0) > 0) Dispatch(message);
     mQuit = false;
+}
+
+bool Win32MessagePump::WaitAndPump() {
+    if (mQuit) return false;
+    static_cast<void>(WaitMessage());  // a failed wait is a pump more
+    PumpPending();
+    return !mQuit;
+}
+
+void Win32MessagePump::Dispatch(MSG& message) {
+    if (mFilter && mFilter(message)) return;
+    static_cast<void>(TranslateMessage(&message));  // tells what it did, not whether it failed
+    static_cast<void>(DispatchMessageW(&message));
 }
 
 // A flag and not the system's own quit message, which would also break off the box or menu that

@@ -34,12 +34,21 @@ public:
     SourceId AddSource(std::function<void()> poll);
     void RemoveSource(SourceId id);
 
+    /// Asks `filter` about each message of the two loops above; true means that it has dealt
+    /// with it (the keys of a window's controls).
+    void Filter(std::function<bool(MSG&)> filter) { mFilter = std::move(filter); }
+
+    /// Waits for one message and dispatches all that are pending, for the loop of a modal window.
+    /// False when `Quit` has been called: the loop then ends, and so does the one around it.
+    bool WaitAndPump();
+
     /// Asks for a poll of the source `id`; may be called from any thread while the pump lives.
     /// A source that has been removed meanwhile is not called.
     void WakeUp(SourceId id) const;
 
 private:
     static LRESULT CALLBACK OnMessage(HWND window, UINT message, WPARAM first, LPARAM second);
+    void Dispatch(MSG& message);
     bool Handle(UINT message, WPARAM first);
     void SetSystemTimer(UINT_PTR id, std::uint32_t intervalMs) const;
     void Tick(UINT_PTR id);
@@ -47,6 +56,7 @@ private:
     void PollSources();
 
     HWND mWindow = nullptr;
+    std::function<bool(MSG&)> mFilter;
     std::map<TimerId, std::function<void()>> mTimers;
     std::map<SourceId, std::function<void()>> mSources;
     std::uint32_t mLastId = 0;

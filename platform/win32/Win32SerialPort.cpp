@@ -179,7 +179,7 @@ bool Win32SerialPort::WriteIsPending() {
 // The driver works from our memory, so the write must have ended before that goes.
 void Win32SerialPort::EndWrite() {
     constexpr std::uint64_t kSlackMs = 100;
-    constexpr std::uint64_t kMostMs = 2000;
+    constexpr std::uint64_t kMostMs = 500;
     const std::uint64_t bits = std::uint64_t{mOutgoing.size()} * mBitsPerCharacter;
     const std::uint64_t ms = std::min(bits * 1000 / mBitsPerSecond + kSlackMs, kMostMs);
     DWORD count = 0;

@@ -17,7 +17,7 @@ std::atomic<HANDLE> gWaitingThread = nullptr;
 BOOL WINAPI OnControl(DWORD control) {
     if (control != CTRL_C_EVENT) return FALSE;
     gInterrupts.fetch_add(1);
-    // A console ends its read by itself, a pipe does not. When there is no read to end, good.
+    // Not every console ends its read by itself, and no pipe does. Without a read to end, good.
     if (const HANDLE thread = gWaitingThread) static_cast<void>(CancelSynchronousIo(thread));
     return TRUE;
 }
@@ -103,13 +103,17 @@ void Win32Terminal::WriteError(std::string_view utf8) {
 }
 
 Win32Terminal::Input Win32Terminal::ReadFromConsole(HANDLE console) {
+    const WaitingThread waiting;
+    const std::uint32_t before = gInterrupts;
     std::array<wchar_t, 1024> buffer{};
     DWORD count = 0;
     SetLastError(ERROR_SUCCESS);
     const BOOL read =
         ReadConsoleW(console, buffer.data(), static_cast<DWORD>(buffer.size()), &count, nullptr);
-    // The interrupt key ends the read with success and nothing in it.
-    if (GetLastError() == ERROR_OPERATION_ABORTED) return Input::Interrupted;
+    // The interrupt key ends the read with success and nothing in it; where it does not, a line
+    // that began before it is not wanted any more.
+    if (GetLastError() == ERROR_OPERATION_ABORTED || before != gInterrupts)
+        return Input::Interrupted;
     constexpr wchar_t kEndKey = 0x1A;  // Ctrl-Z at the start of a line
     if (read == 0 || count == 0 || (mUnread.empty() && buffer[0] == kEndKey)) return Input::Ended;
     mUnread += ToUtf8({buffer.data(), count});
@@ -118,13 +122,14 @@ Win32Terminal::Input Win32Terminal::ReadFromConsole(HANDLE console) {
 
 Win32Terminal::Input Win32Terminal::ReadFromStream(HANDLE stream) {
     const WaitingThread waiting;
+    const std::uint32_t before = gInterrupts;
     std::array<char, 4096> buffer{};
     DWORD count = 0;
     if (ReadFile(stream, buffer.data(), static_cast<DWORD>(buffer.size()), &count, nullptr) == 0)
         return GetLastError() == ERROR_OPERATION_ABORTED ? Input::Interrupted : Input::Ended;
-    if (count == 0) return Input::Ended;
     mUnread.append(buffer.data(), count);
-    return Input::More;
+    if (before != gInterrupts) return Input::Interrupted;
+    return count == 0 ? Input::Ended : Input::More;
 }
 
 Win32Terminal::Input Win32Terminal::ReadMore() {

@@ -12,7 +12,6 @@
 #include <cstdio>
 #include <exception>
 #include <filesystem>
-#include <stdexcept>
 #include <string>
 #include <string_view>
 #include <system_error>
@@ -126,30 +125,38 @@ private:
     std::string mUnsent;
 };
 
-void Serve(Side& first, Side& second, const sigset_t& waitMask) {
-    std::string lately;  // the last that side 2 has written
-    while (stopAsked == 0) {
-        std::array<pollfd, 2> ends = {first.Watched(second.HasRoom()),
-                                      second.Watched(first.HasRoom())};
-        if (ppoll(ends.data(), ends.size(), nullptr, &waitMask) < 0) continue;  // a signal
-        if (second.HasRoom()) second.Send(first.Read());
-        if (first.HasRoom()) {
-            const std::string bytes = second.Read();
-            first.Send(bytes);
-            lately = (lately + bytes)
-                         .substr(lately.size() + bytes.size() > kHangUp.size()
-                                     ? lately.size() + bytes.size() - kHangUp.size()
-                                     : 0);
-            if (lately == kHangUp) {
-                lately.clear();
-                first.HangUp();
-                second.Send(kHangUp);
-            }
+/// Both sides and what passes between them.
+class Wire {
+public:
+    Wire(const char* firstLink, const char* secondLink) : mFirst(firstLink), mSecond(secondLink) {}
+
+    /// Carries bytes until asked to stop, asleep while there are none.
+    void Serve(const sigset_t& waitMask) {
+        while (stopAsked == 0) {
+            std::array<pollfd, 2> ends = {mFirst.Watched(mSecond.HasRoom()),
+                                          mSecond.Watched(mFirst.HasRoom())};
+            if (ppoll(ends.data(), ends.size(), nullptr, &waitMask) < 0) continue;  // a signal
+            mSecond.Send(mSecond.HasRoom() ? mFirst.Read() : "");
+            FromSecond(mFirst.HasRoom() ? mSecond.Read() : "");
         }
-        if ((ends[0].revents & POLLOUT) != 0) first.Send({});
-        if ((ends[1].revents & POLLOUT) != 0) second.Send({});
     }
-}
+
+private:
+    void FromSecond(const std::string& bytes) {
+        mFirst.Send(bytes);
+        mLately += bytes;
+        if (mLately.ends_with(kHangUp)) {
+            mFirst.HangUp();
+            mSecond.Send(kHangUp);
+            mLately.clear();
+        }
+        if (mLately.size() > kHangUp.size()) mLately.erase(0, mLately.size() - kHangUp.size());
+    }
+
+    Side mFirst;
+    Side mSecond;
+    std::string mLately;  // the last that side 2 has written
+};
 
 /// Signals come in only where the program waits, so that none slips in between.
 sigset_t BlockStopSignals() {
@@ -178,11 +185,10 @@ int main(int argc, char** argv) {
     }
     try {
         const sigset_t waitMask = BlockStopSignals();
-        Side first(argv[2]);
-        Side second(argv[4]);
+        Wire wire(argv[2], argv[4]);
         std::puts("ready");
         std::fflush(stdout);
-        Serve(first, second, waitMask);
+        wire.Serve(waitMask);
         return 0;
     } catch (const std::exception& error) {
         std::fprintf(stderr, "null_modem: %s\n", error.what());

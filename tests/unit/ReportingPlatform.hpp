@@ -2,9 +2,10 @@
 // the code under test reports stands in the recorded message boxes.
 #pragma once
 
-#include <cstdint>
+#include <array>
 #include <functional>
 #include <string>
+#include <vector>
 
 #include "app/base/CErrHandler.hpp"
 #include "platform/headless/HeadlessPlatform.hpp"
@@ -26,10 +27,23 @@ struct ReportingPlatform : HeadlessPlatform {
     ErrorSink* before = nullptr;
 };
 
+using Texts = std::vector<std::string>;
+
+/// The boxes shown on `platform`, "icon|title|text" each. Questions are left out.
+inline Texts Told(const HeadlessPlatform& platform) {
+    constexpr std::array kIcons = {"none|", "stop|", "?|", "!|", "i|"};
+    Texts told;
+    for (const MessageBoxRequest& box : platform.boxes.shown)
+        if (box.icon != BoxIcon::Question)
+            told.push_back(kIcons.at(static_cast<std::size_t>(box.icon)) + box.title + "|" +
+                           box.text);
+    return told;
+}
+
 /// The box that reports `error` ("(13) Type mismatch") of `procedure`.
 inline std::string ReportBox(const std::string& procedure, const std::string& error) {
-    return "The following error has occurred in procedure: \r\n" + procedure +
-           " on line 0\r\nError " + error;
+    return "stop|Tessmar Vantor Update|The following error has occurred in procedure: \r\n" +
+           procedure + " on line 0\r\nError " + error;
 }
 
 /// The error that `operation` raises; number 0 when it raises none.

@@ -9,11 +9,10 @@
 #include <string>
 #include <vector>
 
-#include "app/base/CErrHandler.hpp"
 #include "app/frmMain.hpp"
-#include "platform/headless/HeadlessPlatform.hpp"
 #include "simulator/VirtualIndicator.hpp"
 #include "tests/Images.hpp"
+#include "tests/unit/ReportingPlatform.hpp"
 
 namespace vantor {
 
@@ -45,15 +44,12 @@ protected:
     static constexpr const char* kPath = "/home/tech/Documents/Caldor Downloads/m40.run";
 
     SessionFixture() {
-        errors.DisplayMsgOnError = true;
-        SetErrorSink(&errors);
         window->Load();
         window->Show();
     }
     ~SessionFixture() override {
         window->Flags().mblnFlashing = false;
         window->Unload();
-        SetErrorSink(nullptr);
     }
 
     /// Plugs an indicator with `faults` that expects `image`, which the dialog will choose.
@@ -83,27 +79,13 @@ protected:
         };
     }
 
-    /// The boxes behind the warning, "icon|title|text" each.
-    std::vector<std::string> Boxes() const {
-        std::vector<std::string> boxes;
-        for (const MessageBoxRequest& box : headless.boxes.shown) {
-            if (box.icon == BoxIcon::Question) continue;
-            constexpr const char* kIcons[] = {"none", "stop", "?", "!", "i"};
-            boxes.push_back(std::string(kIcons[static_cast<int>(box.icon)]) + "|" + box.title +
-                            "|" + box.text);
-        }
-        return boxes;
-    }
-
     /// What holds after every session that has ended with the window still there.
     void ExpectAtRest() {
-        EXPECT_FALSE(headless.ports.IsOpen("COM1"));
-        EXPECT_FALSE(window->tmrFlashTimeout.Enabled());
-        EXPECT_FALSE(window->Flags().mblnFlashing);
+        EXPECT_FALSE(headless.ports.IsOpen("COM1") || window->tmrFlashTimeout.Enabled() ||
+                     window->Flags().mblnFlashing);
         EXPECT_TRUE(window->cmdFlash.Enabled() && window->mnuFileFlash.Enabled() &&
                     window->mnuToolsOptions.Enabled() && window->mnuToolsMonitor.Enabled());
-        EXPECT_TRUE(window->picStartup.Visible());
-        EXPECT_FALSE(window->picFlash.Visible());
+        EXPECT_TRUE(window->picStartup.Visible() && !window->picFlash.Visible());
         EXPECT_EQ(headless.peers.open, std::vector<std::string>{"frmMain"});
         EXPECT_EQ(headless.peers.pointer, MousePointer::Default);
     }
@@ -112,9 +94,10 @@ protected:
         return indicator->Memory() == FlashMemory::FromRecords(image);
     }
 
-    HeadlessPlatform headless;
-    CErrHandler errors{
-        {headless.clock, headless.files, headless.folders, headless.boxes, headless.process}};
+    /// The boxes behind the warning.
+    Texts Boxes() const { return Told(headless); }
+
+    ReportingPlatform headless;
     Desktop desktop{headless.peers, headless.pump};
     std::shared_ptr<frmMain> window = std::make_shared<frmMain>(desktop, headless.platform);
     std::optional<VirtualIndicator> indicator;

@@ -1,0 +1,32 @@
+// The Windows program's entry point: takes the platform, starts the house, runs the message loop.
+#include "app/base/AppInfo.hpp"
+#include "app/modStartup.hpp"
+#include "platform/NativePlatform.hpp"
+#include "platform/win32/Win32CommonDialogs.hpp"
+#include "platform/win32/Win32MessageBoxes.hpp"
+#include "platform/win32/Win32MessagePump.hpp"
+#include "platform/win32/Win32Peers.hpp"
+
+int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int) {
+    using namespace vantor;
+    NativePlatform native = MakeNativePlatform(0, nullptr);
+    auto& pump = static_cast<Win32MessagePump&>(*native.pump);
+    Win32MessageBoxes boxes{AppInfo{}.title};
+    Win32CommonDialogs dialogs;
+    Win32Peers peers(pump);
+    Platform platform{.clock = *native.clock,
+                      .codePage = *native.codePage,
+                      .dialogs = dialogs,
+                      .files = *native.files,
+                      .folders = *native.folders,
+                      .boxes = boxes,
+                      .pump = pump,
+                      .peers = peers,
+                      .process = *native.process,
+                      .registry = *native.registry,
+                      .ports = *native.ports,
+                      .strings = *native.strings};
+    modStartup startup(platform);
+    if (startup.Main()) pump.Run();
+    return 0;
+}

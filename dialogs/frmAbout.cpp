@@ -1,0 +1,33 @@
+#include "dialogs/frmAbout.hpp"
+
+#include <string>
+
+#include "app/base/AppInfo.hpp"
+#include "app/base/LoadResources.hpp"
+#include "platform/StringTable.hpp"
+#include "resources/Designs.hpp"
+#include "support/Conversions.hpp"
+#include "support/Traps.hpp"
+
+namespace vantor {
+
+frmAbout::frmAbout(Desktop& desktop, const StringTable& strings)
+    : Form(desktop, kAboutWindowDesign), mStrings(strings) {
+    cmdOK.Click.Handle([this] { Trapped("frmAbout.cmdOK_Click", [this] { Unload(); }); });
+    cmdFocus.Click.Handle([this] { Trapped("frmAbout.cmdFocus_Click", [this] { Unload(); }); });
+}
+
+void frmAbout::Form_Load() {
+    Trapped("frmAbout.Form_Load", [this] {
+        LoadResources(*this, mStrings, Translate::WithoutMenusAndTitle);
+        const AppInfo app;
+        lblVersion.Caption(mStrings.LoadResString(401) + " " + std::to_string(app.major) + "." +
+                           TwoDigits(app.minor) + "." + std::to_string(app.revision));
+        lblRelease.Caption("");
+        // "Acerca de..." and "About..." without the menu's dots and accelerator would need a
+        // text of their own; the program's name serves both languages.
+        Caption(app.title);
+    });
+}
+
+}  // namespace vantor

@@ -1,0 +1,11 @@
+// The picture that stands for the promotional one: drawn, so that it fits every size.
+#pragma once
+
+#include "platform/win32/Win32Stage.hpp"
+
+namespace vantor {
+
+/// Fills `area` of `target` with the banner.
+void DrawBanner(Win32Stage& stage, HDC target, const RECT& area);
+
+}  // namespace vantor

@@ -1,0 +1,160 @@
+#include "platform/win32/Win32ChildControl.hpp"
+
+#include <commctrl.h>
+
+#include "controls/Controls.hpp"
+
+namespace vantor {
+namespace {
+
+struct Looks {
+    const wchar_t* windowClass;
+    DWORD style;
+    DWORD extendedStyle;
+};
+
+Looks LooksOf(const Control& control, const ControlDesign& row) {
+    switch (control.Kind()) {
+        case ControlKind::Label:
+            return {L"STATIC", row.style.centred ? DWORD{SS_CENTER} : DWORD{SS_LEFT}, 0};
+        case ControlKind::CommandButton:
+            return {L"BUTTON",
+                    WS_TABSTOP |
+                        (row.style.defaultButton ? DWORD{BS_DEFPUSHBUTTON} : DWORD{BS_PUSHBUTTON}),
+                    0};
+        case ControlKind::Frame:
+            return {L"BUTTON", BS_GROUPBOX, 0};
+        case ControlKind::CheckBox:
+            return {L"BUTTON", WS_TABSTOP | BS_CHECKBOX, 0};
+        case ControlKind::OptionButton:
+            return {L"BUTTON", WS_TABSTOP | BS_RADIOBUTTON, 0};
+        case ControlKind::Image:
+            return {L"STATIC", SS_ICON | SS_REALSIZECONTROL, 0};
+        case ControlKind::ProgressBar:
+            return {PROGRESS_CLASSW, 0, 0};
+        case ControlKind::ListView:
+            return {WC_LISTVIEWW, WS_TABSTOP | LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS, 0};
+        default:
+            return {kPanelClass, WS_CLIPCHILDREN, WS_EX_CONTROLPARENT};
+    }
+}
+
+}  // namespace
+
+bool HasWindow(ControlKind kind) {
+    return kind != ControlKind::MenuItem && kind != ControlKind::Timer &&
+           kind != ControlKind::SerialControl;
+}
+
+Win32ChildControl::Win32ChildControl(Win32Stage& stage, Control& control, const ControlDesign& row,
+                                     HWND parent, int id)
+    : mStage(stage), mControl(control), mRow(row) {
+    const Looks looks = LooksOf(control, row);
+    const RECT place = stage.ToPixels(control.Place());
+    const DWORD shown = control.Visible() ? WS_VISIBLE : 0;
+    const DWORD usable = control.Enabled() ? 0 : WS_DISABLED;
+    mWindow = CreateWindowExW(
+        looks.extendedStyle, looks.windowClass, ToWide(control.Caption()).c_str(),
+        WS_CHILD | looks.style | shown | usable, place.left, place.top, place.right - place.left,
+        place.bottom - place.top, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
+        stage.Instance(), nullptr);
+    ++mStage.held.windows;
+    const HFONT font = stage.Font(row.style.points, row.style.bold);
+    SendMessageW(mWindow, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
+    if (control.Kind() == ControlKind::ListView) InsertColumns();
+    if (control.Kind() == ControlKind::Image)
+        SendMessageW(mWindow, STM_SETICON,
+                     reinterpret_cast<WPARAM>(LoadImageW(stage.Instance(), MAKEINTRESOURCEW(1),
+                                                         IMAGE_ICON, place.right - place.left,
+                                                         place.bottom - place.top, LR_SHARED)),
+                     0);
+    FollowBorder();
+    FollowValue();
+}
+
+void Win32ChildControl::Follow(Property property) {
+    switch (property) {
+        case Property::Caption:
+            FollowCaption();
+            break;
+        case Property::Enabled:
+            static_cast<void>(EnableWindow(mWindow, mControl.Enabled() ? TRUE : FALSE));
+            break;
+        case Property::Visible:
+            static_cast<void>(ShowWindow(mWindow, mControl.Visible() ? SW_SHOWNA : SW_HIDE));
+            break;
+        case Property::Place: {
+            const RECT place = mStage.ToPixels(mControl.Place());
+            static_cast<void>(SetWindowPos(mWindow, nullptr, place.left, place.top,
+                                           place.right - place.left, place.bottom - place.top,
+                                           SWP_NOZORDER | SWP_NOACTIVATE));
+            // Centred and wrapped text is drawn for the old size otherwise.
+            static_cast<void>(InvalidateRect(mWindow, nullptr, TRUE));
+            break;
+        }
+        case Property::Border:
+            FollowBorder();
+            break;
+        case Property::Value:
+            FollowValue();
+            break;
+        case Property::Repaint:
+            static_cast<void>(RedrawWindow(mWindow, nullptr, nullptr,
+                                           RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW));
+            break;
+        case Property::State:
+        case Property::ToolTip:
+            break;  // the form's affair
+    }
+}
+
+// The session sets texts with every line, mostly to what they are already: drawing them again
+// would cost more than the line.
+void Win32ChildControl::FollowCaption() {
+    const std::wstring wanted = ToWide(mControl.Caption());
+    std::wstring shown(static_cast<std::size_t>(GetWindowTextLengthW(mWindow)) + 1, L'\0');
+    shown.resize(static_cast<std::size_t>(
+        GetWindowTextW(mWindow, shown.data(), static_cast<int>(shown.size()))));
+    if (shown != wanted) static_cast<void>(SetWindowTextW(mWindow, wanted.c_str()));
+}
+
+void Win32ChildControl::FollowBorder() {
+    LONG_PTR style = GetWindowLongPtrW(mWindow, GWL_EXSTYLE);
+    const LONG_PTR before = style;
+    style &= ~static_cast<LONG_PTR>(WS_EX_STATICEDGE | WS_EX_CLIENTEDGE);
+    if (mControl.Border() == Border::Static) style |= WS_EX_STATICEDGE;
+    if (mControl.Border() == Border::Sunken) style |= WS_EX_CLIENTEDGE;
+    if (style == before) return;
+    static_cast<void>(SetWindowLongPtrW(mWindow, GWL_EXSTYLE, style));
+    static_cast<void>(
+        SetWindowPos(mWindow, nullptr, 0, 0, 0, 0,
+                     SWP_NOMOVE | SWP_NOSIZE | SWP_NOZORDER | SWP_NOACTIVATE | SWP_FRAMECHANGED));
+}
+
+void Win32ChildControl::FollowValue() {
+    if (mControl.Kind() == ControlKind::ProgressBar) {
+        const auto value = static_cast<WPARAM>(static_cast<ProgressBar&>(mControl).Value());
+        if (static_cast<WPARAM>(SendMessageW(mWindow, PBM_GETPOS, 0, 0)) != value)
+            SendMessageW(mWindow, PBM_SETPOS, value, 0);
+    } else if (mControl.Kind() == ControlKind::CheckBox ||
+               mControl.Kind() == ControlKind::OptionButton) {
+        SendMessageW(mWindow, BM_SETCHECK,
+                     static_cast<CheckBox&>(mControl).Value() ? BST_CHECKED : BST_UNCHECKED, 0);
+    }
+}
+
+void Win32ChildControl::InsertColumns() {
+    constexpr float kColumnTwips = 1500;
+    int at = 0;
+    for (const std::string& title : static_cast<ListView&>(mControl).columns) {
+        std::wstring text = ToWide(title);
+        LVCOLUMNW column{};
+        column.mask = LVCF_TEXT | LVCF_WIDTH;
+        column.pszText = text.data();
+        column.cx = mStage.ToPixels(kColumnTwips);
+        SendMessageW(mWindow, LVM_INSERTCOLUMNW, static_cast<WPARAM>(at++),
+                     reinterpret_cast<LPARAM>(&column));
+    }
+}
+
+}  // namespace vantor

@@ -1,0 +1,46 @@
+// One control as a child window: made from its model, and kept in step with it.
+#pragma once
+
+#include "controls/Form.hpp"
+#include "platform/win32/Win32Stage.hpp"
+
+namespace vantor {
+
+/// Identifiers of child windows count from here, in collection order.
+inline constexpr int kFirstChildId = 1000;
+
+/// True for the kinds that have a window of their own.
+bool HasWindow(ControlKind kind);
+
+/// The window class of panels and pictures. Registered by the first form window.
+inline constexpr wchar_t kPanelClass[] = L"VantorPanel";
+
+class Win32ChildControl {
+public:
+    /// Makes the child window of `control` in `parent`, with `id`, as its design row says.
+    Win32ChildControl(Win32Stage& stage, Control& control, const ControlDesign& row, HWND parent,
+                      int id);
+    Win32ChildControl(const Win32ChildControl&) = delete;
+    Win32ChildControl& operator=(const Win32ChildControl&) = delete;
+    /// The window goes with its parent; only the count is kept here.
+    ~Win32ChildControl() { --mStage.held.windows; }
+
+    Control& Model() const { return mControl; }
+    const ControlDesign& Row() const { return mRow; }
+    HWND Window() const { return mWindow; }
+
+    void Follow(Property property);
+
+private:
+    void FollowCaption();
+    void FollowBorder();
+    void FollowValue();
+    void InsertColumns();
+
+    Win32Stage& mStage;
+    Control& mControl;
+    const ControlDesign& mRow;
+    HWND mWindow = nullptr;
+};
+
+}  // namespace vantor

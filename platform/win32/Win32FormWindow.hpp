@@ -1,0 +1,69 @@
+// The window of one form: its children, its menu bar, and the routing of the system's messages
+// to the model. Handlers may unload the form; the window object then outlives its own message.
+#pragma once
+
+#include <memory>
+#include <vector>
+
+#include "controls/Form.hpp"
+#include "platform/win32/Win32ChildControl.hpp"
+#include "platform/win32/Win32MenuBar.hpp"
+#include "platform/win32/Win32Stage.hpp"
+
+namespace vantor {
+
+class Win32FormWindow : public std::enable_shared_from_this<Win32FormWindow> {
+public:
+    Win32FormWindow(Win32Stage& stage, Form& form);
+    Win32FormWindow(const Win32FormWindow&) = delete;
+    Win32FormWindow& operator=(const Win32FormWindow&) = delete;
+
+    /// Makes the window, hidden.
+    void Create();
+    /// Destroys it; the model is not looked at any more.
+    void Destroy();
+
+    HWND Handle() const { return mWindow; }
+    void Show(HWND owner);
+    void Hide();
+    void FollowForm(Property property);
+    void FollowControl(const Control& control, Property property);
+
+private:
+    static LRESULT CALLBACK OnFormMessage(HWND window, UINT message, WPARAM first, LPARAM second);
+    static LRESULT CALLBACK OnPanelMessage(HWND window, UINT message, WPARAM first, LPARAM second);
+    static void RegisterClasses(HINSTANCE instance);
+
+    LRESULT Handle(UINT message, WPARAM first, LPARAM second);
+    void OnCommand(UINT id, UINT notification);
+    void OnDefaultKey(UINT id);
+    LRESULT OnNotify(const NMHDR& header);
+    void OnPlaced();
+    void OnActivate(bool active);
+    void OnSmallest(MINMAXINFO& limits) const;
+    bool MayEndSession();
+    LRESULT DefaultButton() const;
+    void ClickPanel(int id);
+    bool PaintPanel(HWND panel, HDC target) const;
+
+    void CreateChildren();
+    void CreateToolTips();
+    void FollowToolTip(const Win32ChildControl& child);
+    void MoveWindowToModel();
+    void KeepFocusUsable();
+    HWND ParentFor(const ControlDesign& row) const;
+    Win32ChildControl* Find(const Control& control) const;
+    Win32ChildControl* FindId(int id) const;
+    DWORD Style() const;
+
+    Win32Stage& mStage;
+    Form* mForm;  // null once destroyed
+    HWND mWindow = nullptr;
+    HWND mToolTips = nullptr;
+    HWND mFocus = nullptr;  // the child that had the focus when the window was left
+    std::unique_ptr<Win32MenuBar> mMenuBar;
+    std::vector<std::unique_ptr<Win32ChildControl>> mChildren;
+    bool mMoving = false;  // the model moves the window, which needs no telling
+};
+
+}  // namespace vantor

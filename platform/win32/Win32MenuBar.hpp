@@ -1,0 +1,47 @@
+// The menu bar of a window, made from the menu rows of its design and kept in step with them.
+#pragma once
+
+#include <map>
+
+#include "controls/Form.hpp"
+#include "platform/win32/Win32Stage.hpp"
+
+namespace vantor {
+
+class MenuItem;
+
+class Win32MenuBar {
+public:
+    /// Command identifiers of the entries count from here.
+    static constexpr UINT kFirstCommand = 2000;
+
+    /// Builds the bar of `form`; `Handle` is null for a form without menus.
+    Win32MenuBar(Win32Stage& stage, Form& form);
+    ~Win32MenuBar();
+    Win32MenuBar(const Win32MenuBar&) = delete;
+    Win32MenuBar& operator=(const Win32MenuBar&) = delete;
+
+    HMENU Handle() const { return mBar; }
+    /// The entry with the command identifier `command`; null when there is none.
+    MenuItem* Find(UINT command) const;
+    /// Follows a changed property of one of the entries.
+    void Follow(const Control& item, Property property, HWND window);
+
+private:
+    struct Entry {
+        MenuItem* item;
+        HMENU menu;   // the menu that it stands in
+        HMENU popup;  // the menu that it opens; null for a command
+        UINT position;
+    };
+
+    Entry Insert(MenuItem& item, const ControlDesign& row, UINT command);
+    HMENU MenuOf(const char* parent) const;
+    bool HasEntries(const Form& form, const std::string& name) const;
+
+    Win32Stage& mStage;
+    HMENU mBar = nullptr;
+    std::map<UINT, Entry> mEntries;  // by command
+};
+
+}  // namespace vantor

@@ -1,0 +1,122 @@
+#include "platform/win32/Win32Peers.hpp"
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "platform/win32/Win32FormWindow.hpp"
+
+namespace vantor {
+
+/// The peer of one form: owner of its window.
+class Win32FormPeer : public FormPeer {
+public:
+    Win32FormPeer(Win32Peers& peers, Form& form)
+        : mPeers(peers),
+          mForm(form),
+          mWindow(std::make_shared<Win32FormWindow>(peers.mStage, form)) {
+        mWindow->Create();
+        mPeers.mWindows.push_back(mWindow->Handle());
+    }
+    ~Win32FormPeer() override {
+        EnableOthers();
+        std::erase(mPeers.mWindows, mWindow->Handle());
+        mWindow->Destroy();
+    }
+    Win32FormPeer(const Win32FormPeer&) = delete;
+    Win32FormPeer& operator=(const Win32FormPeer&) = delete;
+
+    void Show(ShowMode mode, NativeWindow owner) override;
+    void FormChanged(Property property) override { mWindow->FollowForm(property); }
+    void ControlChanged(const Control& control, Property property) override {
+        mWindow->FollowControl(control, property);
+    }
+    NativeWindow Handle() const override {
+        return reinterpret_cast<NativeWindow>(mWindow->Handle());
+    }
+
+private:
+    void DisableOthers();
+    void EnableOthers();
+
+    Win32Peers& mPeers;
+    Form& mForm;
+    std::shared_ptr<Win32FormWindow> mWindow;
+    std::vector<HWND> mDisabled;  // by this window while it is modal
+};
+
+void Win32FormPeer::Show(ShowMode mode, NativeWindow owner) {
+    HWND above = reinterpret_cast<HWND>(owner);
+    if (mode == ShowMode::Modeless) {
+        mWindow->Show(above);
+        return;
+    }
+    // A modal window that was given no owner stays above the one that was in use.
+    if (above == nullptr) above = GetActiveWindow();
+    DisableOthers();
+    mWindow->Show(above);
+    // The peer goes when the form unloads; what the loop needs is held here.
+    Win32MessagePump& pump = mPeers.mPump;
+    const std::shared_ptr<Form> form = mForm.shared_from_this();
+    while (!form->Gone() && pump.WaitAndPump()) continue;
+}
+
+void Win32FormPeer::DisableOthers() {
+    for (const HWND window : mPeers.mWindows) {
+        if (window == mWindow->Handle() || IsWindowEnabled(window) == 0) continue;
+        static_cast<void>(EnableWindow(window, FALSE));
+        mDisabled.push_back(window);
+    }
+}
+
+// Before the modal window goes, or the system would activate another program's window.
+void Win32FormPeer::EnableOthers() {
+    for (const HWND window : std::exchange(mDisabled, {}))
+        static_cast<void>(EnableWindow(window, TRUE));
+}
+
+Win32Peers::Win32Peers(Win32MessagePump& pump) : mPump(pump) {
+    INITCOMMONCONTROLSEX wanted{};
+    wanted.dwSize = sizeof wanted;
+    wanted.dwICC = ICC_WIN95_CLASSES;
+    // Without the classes the children that need them are missing from their window.
+    static_cast<void>(InitCommonControlsEx(&wanted));
+    mPump.Filter([this](MSG& message) {
+        return std::ranges::any_of(
+            mWindows, [&message](HWND window) { return IsDialogMessageW(window, &message) != 0; });
+    });
+}
+
+Win32Peers::~Win32Peers() {
+    mPump.Filter({});
+}
+
+std::unique_ptr<FormPeer> Win32Peers::Draw(Form& form) {
+    return std::make_unique<Win32FormPeer>(*this, form);
+}
+
+Size Win32Peers::ScreenSize() const {
+    return {mStage.ToTwips(GetSystemMetrics(SM_CXSCREEN)),
+            mStage.ToTwips(GetSystemMetrics(SM_CYSCREEN))};
+}
+
+void Win32Peers::SetMousePointer(MousePointer pointer) {
+    mStage.cursor = pointer == MousePointer::Hourglass ? LoadCursorW(nullptr, IDC_WAIT) : nullptr;
+    static_cast<void>(
+        SetCursor(mStage.cursor != nullptr ? mStage.cursor : LoadCursorW(nullptr, IDC_ARROW)));
+}
+
+void Win32Peers::HoldSystem(const std::string& reason) {
+    mStage.reasonToStay = ToWide(reason);
+    const bool hold = !reason.empty();
+    // A refusal leaves things as they are on a machine that was not asked: the flash goes on.
+    static_cast<void>(
+        SetThreadExecutionState(hold ? ES_CONTINUOUS | ES_SYSTEM_REQUIRED : ES_CONTINUOUS));
+    if (mWindows.empty()) return;
+    static_cast<void>(hold
+                          ? ShutdownBlockReasonCreate(mWindows.front(), mStage.reasonToStay.c_str())
+                          : ShutdownBlockReasonDestroy(mWindows.front()));
+}
+
+}  // namespace vantor

@@ -1,0 +1,35 @@
+// Draws forms as real windows.
+#pragma once
+
+#include <vector>
+
+#include "platform/Peers.hpp"
+#include "platform/win32/Win32MessagePump.hpp"
+#include "platform/win32/Win32Stage.hpp"
+
+namespace vantor {
+
+class Win32Peers : public Peers {
+public:
+    /// Gives the keys of the windows' controls to them through `pump`, which outlives the peers.
+    explicit Win32Peers(Win32MessagePump& pump);
+    ~Win32Peers() override;
+    Win32Peers(const Win32Peers&) = delete;
+    Win32Peers& operator=(const Win32Peers&) = delete;
+
+    std::unique_ptr<FormPeer> Draw(Form& form) override;
+    Size ScreenSize() const override;
+    void SetMousePointer(MousePointer pointer) override;
+    void HoldSystem(const std::string& reason) override;
+
+    const HeldObjects& Held() const { return mStage.held; }
+
+private:
+    friend class Win32FormPeer;
+
+    Win32MessagePump& mPump;
+    Win32Stage mStage;
+    std::vector<HWND> mWindows;  // in the order of making; the first is the main window
+};
+
+}  // namespace vantor

@@ -1,0 +1,62 @@
+#include "platform/win32/Win32Stage.hpp"
+
+#include <cmath>
+
+namespace vantor {
+namespace {
+
+constexpr float kTwipsPerInch = 1440;
+constexpr float kPointsPerInch = 72;
+
+int ScreenDpi() {
+    const HDC screen = GetDC(nullptr);
+    const int dpi = screen == nullptr ? 0 : GetDeviceCaps(screen, LOGPIXELSY);
+    if (screen != nullptr) static_cast<void>(ReleaseDC(nullptr, screen));
+    return dpi > 0 ? dpi : USER_DEFAULT_SCREEN_DPI;
+}
+
+}  // namespace
+
+Win32Stage::Win32Stage() : mInstance(GetModuleHandleW(nullptr)), mDpi(ScreenDpi()) {}
+
+Win32Stage::~Win32Stage() {
+    for (const auto& [key, font] : mFonts) static_cast<void>(DeleteObject(font));
+}
+
+int Win32Stage::ToPixels(float twips) const {
+    return static_cast<int>(std::lround(twips * static_cast<float>(mDpi) / kTwipsPerInch));
+}
+
+float Win32Stage::ToTwips(int pixels) const {
+    return static_cast<float>(pixels) * kTwipsPerInch / static_cast<float>(mDpi);
+}
+
+// Edges are rounded, not sizes: neighbours stay neighbours at every resolution.
+RECT Win32Stage::ToPixels(const Place& place) const {
+    return {ToPixels(place.left), ToPixels(place.top), ToPixels(place.left + place.width),
+            ToPixels(place.top + place.height)};
+}
+
+Place Win32Stage::ToTwips(const RECT& pixels) const {
+    return {ToTwips(pixels.left), ToTwips(pixels.top), ToTwips(pixels.right - pixels.left),
+            ToTwips(pixels.bottom - pixels.top)};
+}
+
+HFONT Win32Stage::Font(float points, bool bold) {
+    HFONT& font = mFonts[{static_cast<int>(std::lround(points * 10)), bold}];
+    if (font != nullptr) return font;
+    NONCLIENTMETRICSW metrics{};
+    metrics.cbSize = sizeof metrics;
+    // Without an answer the record's zeros ask for the system's default face.
+    static_cast<void>(SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0));
+    LOGFONTW wanted = metrics.lfMessageFont;
+    wanted.lfHeight =
+        -static_cast<LONG>(std::lround(points * static_cast<float>(mDpi) / kPointsPerInch));
+    wanted.lfWidth = 0;
+    wanted.lfWeight = bold ? FW_SEMIBOLD : FW_NORMAL;
+    font = CreateFontIndirectW(&wanted);
+    ++held.fonts;
+    return font;
+}
+
+}  // namespace vantor

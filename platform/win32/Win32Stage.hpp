@@ -1,0 +1,49 @@
+// What all drawn windows share: resolution, fonts, the pointer, and the count of what the peers
+// hold of the system, so that a leak can be seen.
+#pragma once
+
+#include <map>
+#include <string>
+#include <utility>
+
+#include "controls/Control.hpp"
+#include "platform/win32/Windows.hpp"
+
+namespace vantor {
+
+/// System objects that the peers hold at the moment.
+struct HeldObjects {
+    int windows = 0;
+    int menus = 0;
+    int fonts = 0;
+};
+
+class Win32Stage {
+public:
+    Win32Stage();
+    ~Win32Stage();
+    Win32Stage(const Win32Stage&) = delete;
+    Win32Stage& operator=(const Win32Stage&) = delete;
+
+    HINSTANCE Instance() const { return mInstance; }
+
+    /// Twips to pixels and back at the system's resolution.
+    int ToPixels(float twips) const;
+    float ToTwips(int pixels) const;
+    RECT ToPixels(const Place& place) const;
+    Place ToTwips(const RECT& pixels) const;
+
+    /// The system's message font in another size; kept for all windows.
+    HFONT Font(float points, bool bold);
+
+    HeldObjects held;
+    HCURSOR cursor = nullptr;   ///< the pointer of all windows; null: each window's own
+    std::wstring reasonToStay;  ///< why the system must not go down; empty: it may
+
+private:
+    HINSTANCE mInstance;
+    int mDpi = 96;
+    std::map<std::pair<int, bool>, HFONT> mFonts;  // by tenths of points, bold
+};
+
+}  // namespace vantor

@@ -15,10 +15,10 @@ void LayoutStartup(MainLayout& layout, Size panel) {
     constexpr Size kFlashButton = {3600, 690};
     const float width = std::min(panel.width, 7800.0f);
     const float left = (panel.width - width) / 2;
-    const float textHeight = panel.height / 2 - kGap;
-    layout.welcome = {left, kGap, width, textHeight};
-    layout.flash = {(panel.width - kFlashButton.width) / 2,
-                    kGap + textHeight + (panel.height / 2 - kFlashButton.height) / 2,
+    constexpr float kTextHeight = 1080;  // four lines, which the longer language needs
+    const float spare = panel.height - kTextHeight - kFlashButton.height;
+    layout.welcome = {left, spare / 4, width, kTextHeight};
+    layout.flash = {(panel.width - kFlashButton.width) / 2, spare / 2 + kTextHeight,
                     kFlashButton.width, kFlashButton.height};
 }
 
@@ -62,7 +62,9 @@ MainLayout LayoutMainWindow(Size inner) {
     const float pictureHeight = std::clamp(height / 4, 1200.0f, 2400.0f);
     layout.picture = {kMargin, kMargin, width, pictureHeight};
     layout.panel = {kMargin, kMargin + pictureHeight + kGap, width, height - pictureHeight - kGap};
-    const Size panel = {layout.panel.width, layout.panel.height};
+    // Two pixels less, so that rounding never cuts an edge off.
+    constexpr float kEdge = 30;
+    const Size panel = {layout.panel.width - kEdge, layout.panel.height - kEdge};
     LayoutStartup(layout, panel);
     LayoutFlash(layout, panel);
     LayoutUpdates(layout, panel);

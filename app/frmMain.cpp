@@ -125,6 +125,7 @@ void frmMain::mnuHelpAbout_Click() {
     Trapped("frmMain.mnuHelpAbout_Click", [this] {
         const auto about = std::make_shared<frmAbout>(GetDesktop(), mPlatform.strings);
         about->Load();
+        about->CenterIn(Place());
         about->Show(ShowMode::Modal);
         about->Unload();
     });

@@ -22,6 +22,13 @@ void Form::Place(const vantor::Place& place) {
     FormChanged(Property::Place);
 }
 
+void Form::CenterIn(const vantor::Place& area) {
+    vantor::Place place = mPlace;
+    place.left = area.left + (area.width - place.width) / 2;
+    place.top = area.top + (area.height - place.height) / 2;
+    Place(place);
+}
+
 void Form::State(WindowState state) {
     mState = state;
     FormChanged(Property::State);

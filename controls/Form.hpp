@@ -88,6 +88,9 @@ public:
     const vantor::Place& Place() const { return mPlace; }
     void Place(const vantor::Place& place);
 
+    /// Moves the window to the middle of `area` (twips of the screen), its size unchanged.
+    void CenterIn(const vantor::Place& area);
+
     WindowState State() const { return mState; }
     void State(WindowState state);
 

@@ -29,7 +29,7 @@ CProgramSettings::Value CProgramSettings::GetKeyValue(RegistryRoot root, const s
                                                       const std::string& name) {
     Value value;
     Boxed("GetKeyValue", [&] {
-        value = ReadRegistryValue(mRegistry, mCodePage, root, path, name, kRegistryAllButOwner);
+        value = ReadStoredValue(mRegistry, mCodePage, root, path, name, kRegistryAllButOwner);
     });
     return value;
 }
@@ -38,7 +38,7 @@ void CProgramSettings::SetKeyValue(RegistryRoot root, const std::string& path,
                                    const std::string& name, const std::string& value,
                                    std::uint32_t type) {
     Boxed("SetKeyValue",
-          [&] { WriteRegistryText(mRegistry, mCodePage, root, path, name, value, type); });
+          [&] { WriteStoredText(mRegistry, mCodePage, root, path, name, value, type); });
 }
 
 }  // namespace vantor

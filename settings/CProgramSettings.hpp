@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "app/base/RegistryValue.hpp"
+#include "app/base/StoredValue.hpp"
 #include "platform/Registry.hpp"
 
 namespace vantor {
@@ -33,7 +33,7 @@ public:
     void WriteEntry(const std::string& name, const std::string& value);
 
 private:
-    using Value = RegistryValue;
+    using Value = StoredValue;
 
     std::string KeyPath() const;
     Value GetKeyValue(RegistryRoot root, const std::string& path, const std::string& name);

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <string_view>
 
-#include "app/base/RegistryValue.hpp"
+#include "app/base/StoredValue.hpp"
 #include "controls/Form.hpp"
 #include "support/Conversions.hpp"
 #include "support/Traps.hpp"
@@ -82,18 +82,15 @@ void CFormPos::CenterForm() {
     Boxed("CenterForm", [this] {
         if (!Form) throw RuntimeError(ErrorNumber::ObjectNotSet);
         const Size screen = Form->GetDesktop().GetPeers().ScreenSize();
-        Place place = Form->Place();
-        place.left = (screen.width - place.width) / 2;
-        place.top = (screen.height - place.height) / 2;
-        Form->Place(place);
+        Form->CenterIn({0, 0, screen.width, screen.height});
     });
 }
 
 std::string CFormPos::RegistryGetKeyValue(const std::string& name) {
     std::string text;
     Boxed("RegistryGetKeyValue", [&] {
-        const RegistryValue value =
-            ReadRegistryValue(mRegistry, mCodePage, RootKey, KeyPath(), name, kRegistryQueryValue);
+        const StoredValue value =
+            ReadStoredValue(mRegistry, mCodePage, RootKey, KeyPath(), name, kRegistryQueryValue);
         if (const auto* stored = std::get_if<std::string>(&value)) text = *stored;
     });
     return text;
@@ -101,7 +98,7 @@ std::string CFormPos::RegistryGetKeyValue(const std::string& name) {
 
 void CFormPos::RegistrySetKeyValue(const std::string& name, const std::string& value) {
     Boxed("RegistrySetKeyValue", [&] {
-        WriteRegistryText(mRegistry, mCodePage, RootKey, KeyPath(), name, value, kRegistryString);
+        WriteStoredText(mRegistry, mCodePage, RootKey, KeyPath(), name, value, kRegistryString);
     });
 }
 

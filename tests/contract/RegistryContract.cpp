@@ -67,14 +67,16 @@ TEST_P(RegistryContract, ValuesSurviveARestartByteForByte) {
         {"No bytes", kRegistryBinary, ""},
         {"Contraseña \\\"", kRegistryString, "x\0"s},
     };
-    const RegistryKey written = Create(path + "\\Settings");
-    for (const Value& value : values) Set(written, value.name, value.type, value.bytes);
-    for (const Value& value : values)
-        EXPECT_EQ(Query(written, value.name, value.type), value.bytes) << value.name;
+    RegistryKey key = Create(path + "\\Settings");
+    const auto expectAll = [&] {
+        for (const Value& value : values)
+            EXPECT_EQ(Query(key, value.name, value.type), value.bytes) << value.name;
+    };
+    for (const Value& value : values) Set(key, value.name, value.type, value.bytes);
+    expectAll();
     subject->Restart();
-    const RegistryKey read = Open(path + "\\Settings");
-    for (const Value& value : values)
-        EXPECT_EQ(Query(read, value.name, value.type), value.bytes) << value.name;
+    key = Open(path + "\\Settings");
+    expectAll();
 }
 
 TEST_P(RegistryContract, TheSizeOfAStringCountsItsNul) {

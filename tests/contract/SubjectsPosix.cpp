@@ -4,7 +4,6 @@
 #include <stdlib.h>
 
 #include <array>
-#include <filesystem>
 #include <stdexcept>
 
 #include "platform/posix/PosixClock.hpp"
@@ -12,33 +11,16 @@
 #include "platform/posix/PosixHandle.hpp"
 #include "platform/posix/PosixRegistry.hpp"
 #include "platform/posix/PosixSerialPorts.hpp"
+#include "tests/TemporaryFolder.hpp"
 #include "tests/contract/Subjects.hpp"
 
 namespace vantor::contract {
 namespace {
 
-class TemporaryFolder {
-public:
-    TemporaryFolder() {
-        mPath = (std::filesystem::temp_directory_path() / "contract-XXXXXX").string();
-        if (mkdtemp(mPath.data()) == nullptr) throw std::runtime_error("no temporary folder");
-    }
-    ~TemporaryFolder() {
-        std::error_code failed;  // a folder left behind harms nobody
-        std::filesystem::remove_all(mPath, failed);
-    }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    const std::string& Path() const { return mPath; }
-
-private:
-    std::string mPath;
-};
-
 class HostFiles : public FilesSubject {
 public:
     Files& Get() override { return mFiles; }
-    std::string Folder() const override { return mFolder.Path(); }
+    std::string Folder() const override { return mFolder.Path().string(); }
 
 private:
     TemporaryFolder mFolder;
@@ -54,7 +36,7 @@ public:
 private:
     // The folder does not exist at first, as in a new home.
     std::unique_ptr<PosixRegistry> Opened() const {
-        return std::make_unique<PosixRegistry>(mFolder.Path() + "/new/registry.reg");
+        return std::make_unique<PosixRegistry>(mFolder / "new/registry.reg");
     }
 
     TemporaryFolder mFolder;

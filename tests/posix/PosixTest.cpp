@@ -3,15 +3,14 @@
 #include <fcntl.h>
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <stdlib.h>
 #include <sys/ioctl.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
-#include <filesystem>
 #include <fstream>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/posix/PosixClock.hpp"
@@ -20,6 +19,7 @@
 #include "platform/posix/PosixRegistry.hpp"
 #include "platform/posix/PosixSerialPorts.hpp"
 #include "platform/posix/PosixTerminal.hpp"
+#include "tests/TemporaryFolder.hpp"
 
 namespace vantor {
 namespace {
@@ -28,18 +28,14 @@ namespace fs = std::filesystem;
 
 class InFolder : public testing::Test {
 protected:
-    InFolder() {
-        std::string path = (fs::temp_directory_path() / "posix-XXXXXX").string();
-        folder = mkdtemp(path.data());
-    }
-    ~InFolder() override { fs::remove_all(folder); }
-
-    void Put(const fs::path& name, const std::string& text) const {
-        fs::create_directories((folder / name).parent_path());
+    void Put(const std::string& name, const std::string& text) const {
+        fs::create_directories(fs::path(folder / name).parent_path());
         std::ofstream(folder / name) << text;
     }
 
-    fs::path folder;
+    const TemporaryFolder folder;
+    PosixClock clock;
+    PolledPump pump{clock};
 };
 
 class PosixRegistryFile : public InFolder {
@@ -56,26 +52,24 @@ protected:
         RegistryKey key = 0;
         std::uint32_t type = 0;
         std::uint32_t size = 0;
-        return registry.OpenKey(RegistryRoot::CurrentUser, "Soft", kRegistryQueryValue, key) ==
-                   kRegistrySuccess &&
-               registry.QueryValue(key, name, type, nullptr, size) == kRegistrySuccess;
+        registry.OpenKey(RegistryRoot::CurrentUser, "Soft", kRegistryQueryValue, key);
+        return registry.QueryValue(key, name, type, nullptr, size) == kRegistrySuccess;
     }
 
-    const std::string file = (folder / "registry.reg").string();
+    const std::string file = folder / "registry.reg";
 };
 
 TEST_F(PosixRegistryFile, ProgramsThatWriteAtOnceLoseNothingOfEachOther) {
-    constexpr int kPrograms = 4;
+    const auto valueOf = [](int program, int i) { return std::to_string(program * 100 + i); };
     constexpr int kValues = 25;
-    std::array<pid_t, kPrograms> children{};
-    for (int program = 0; program < kPrograms; ++program) {
+    std::array<pid_t, 4> children{};
+    for (int program = 0; program < 4; ++program) {
         pid_t& child = children.at(static_cast<std::size_t>(program));
         child = fork();
         if (child != 0) continue;
         PosixRegistry registry(file);
         RegistryResult worst = kRegistrySuccess;
-        for (int i = 0; i < kValues; ++i)
-            worst |= Set(registry, std::to_string(program) + '.' + std::to_string(i));
+        for (int i = 0; i < kValues; ++i) worst |= Set(registry, valueOf(program, i));
         _exit(worst);
     }
     for (const pid_t child : children) {
@@ -83,37 +77,23 @@ TEST_F(PosixRegistryFile, ProgramsThatWriteAtOnceLoseNothingOfEachOther) {
         ASSERT_EQ(waitpid(child, &status, 0), child);
         EXPECT_EQ(status, 0);
     }
-    for (int program = 0; program < kPrograms; ++program)
-        for (int i = 0; i < kValues; ++i)
-            EXPECT_TRUE(Has(std::to_string(program) + '.' + std::to_string(i)));
+    for (int i = 0; i < 4 * kValues; ++i) EXPECT_TRUE(Has(valueOf(i / kValues, i % kValues))) << i;
 }
 
-TEST_F(PosixRegistryFile, AnOpenKeySeesNewContentsAfterTheNextOpen) {
-    PosixRegistry first(file);
-    PosixRegistry second(file);
-    ASSERT_EQ(Set(first, "a"), kRegistrySuccess);
-    ASSERT_EQ(Set(second, "b"), kRegistrySuccess);
-    ASSERT_EQ(Set(first, "c"), kRegistrySuccess);
+TEST_F(PosixRegistryFile, NeitherOtherProgramsNorCrashesNorFailedWritesCostAValue) {
+    PosixRegistry registry(file);
+    PosixRegistry other(file);
+    ASSERT_EQ(Set(registry, "a") + Set(other, "b") + Set(registry, "c"), kRegistrySuccess);
     EXPECT_TRUE(Has("a") && Has("b") && Has("c"));
-}
+    Put("registry.reg.new", "REGEDIT4\n\n[HKEY_CURRENT_USER\\So");  // what a crash leaves
+    ASSERT_EQ(Set(registry, "d"), kRegistrySuccess);
+    EXPECT_TRUE(Has("a") && Has("b") && Has("c") && Has("d"));
 
-TEST_F(PosixRegistryFile, WhatACrashLeavesBesideTheFileIsHarmless) {
-    PosixRegistry registry(file);
-    ASSERT_EQ(Set(registry, "a"), kRegistrySuccess);
-    Put("registry.reg.new", "REGEDIT4\n\n[HKEY_CURRENT_USER\\So");
-    EXPECT_TRUE(Has("a"));
-    ASSERT_EQ(Set(registry, "b"), kRegistrySuccess);
-    EXPECT_TRUE(Has("a") && Has("b"));
-}
-
-TEST_F(PosixRegistryFile, AChangeThatCannotBeStoredIsRefusedAndTakenBack) {
-    PosixRegistry registry(file);
-    ASSERT_EQ(Set(registry, "a"), kRegistrySuccess);
     fs::create_directory(file + ".new");
-    EXPECT_EQ(Set(registry, "b"), kRegistryWriteFault);
+    EXPECT_EQ(Set(registry, "refused"), kRegistryWriteFault);
     fs::remove(file + ".new");
-    ASSERT_EQ(Set(registry, "c"), kRegistrySuccess);
-    EXPECT_TRUE(Has("a") && !Has("b") && Has("c"));
+    ASSERT_EQ(Set(registry, "e"), kRegistrySuccess);
+    EXPECT_TRUE(Has("a") && !Has("refused") && Has("e"));
     PosixRegistry nowhere("/dev/null/registry.reg");
     EXPECT_NE(Set(nowhere, "a"), kRegistrySuccess);
 }
@@ -132,43 +112,40 @@ TEST(PosixProcessDeathTest, SignalsAndExceptionsAreNamedBeforeTheEnd) {
     EXPECT_EXIT(dying(lost), KilledBySignal(SIGABRT), "Update: Unhandled Exception: vector");
 }
 
-class PosixPrograms : public InFolder {};
-
-TEST_F(PosixPrograms, TheSecondInstanceOfATitleIsTold) {
-    setenv("XDG_RUNTIME_DIR", folder.c_str(), 1);
+TEST_F(InFolder, TheSecondInstanceOfATitleIsTold) {
+    setenv("XDG_RUNTIME_DIR", folder.Path().c_str(), 1);
     PosixProcess first(0, nullptr);
     EXPECT_FALSE(first.AnotherInstanceRuns("Update / Utility"));
     EXPECT_FALSE(first.AnotherInstanceRuns("Update / Utility"));
     PosixProcess second(0, nullptr);
     EXPECT_TRUE(second.AnotherInstanceRuns("Update / Utility"));
     EXPECT_FALSE(second.AnotherInstanceRuns("Monitor"));
-    EXPECT_FALSE(fs::is_empty(folder));
+    EXPECT_FALSE(fs::is_empty(folder.Path()));
     unsetenv("XDG_RUNTIME_DIR");
 }
 
-TEST_F(PosixPrograms, FoldersFollowTheDesktopConventions) {
-    setenv("HOME", folder.c_str(), 1);
-    unsetenv("XDG_CONFIG_HOME");
+TEST_F(InFolder, FoldersFollowTheDesktopConventions) {
+    const std::string home = folder.Path().string();
+    setenv("HOME", home.c_str(), 1);
+    setenv("XDG_CONFIG_HOME", "not/a/full/path", 1);
     const PosixFolders folders;
-    const std::string home = folder.string();
+    EXPECT_EQ(folders.ApplicationData(), home + "/.config");
+    unsetenv("XDG_CONFIG_HOME");
     EXPECT_EQ(folders.ApplicationData(), home + "/.config");
     EXPECT_EQ(folders.PersonalDocuments(), home + "/Documents");
-    const std::array<std::pair<const char*, std::string>, 4> cases = {
-        {{"# XDG_DOCUMENTS_DIR=\"/no\"\nXDG_DOCUMENTS_DIR=\"$HOME/Mis \\\"docs\\\"/\"\n",
-          home + "/Mis \"docs\""},
-         {"XDG_MUSIC_DIR=\"/m\"\nXDG_DOCUMENTS_DIR=\"/srv/docs\"", "/srv/docs"},
-         {"XDG_DOCUMENTS_DIR=\"$HOME/\"", home},
-         {"XDG_DOCUMENTS_DIR=\"relative\"", home + "/Documents"}}};
+    const std::pair<const char*, std::string> cases[] = {
+        {"# XDG_DOCUMENTS_DIR=\"/no\"\nXDG_DOCUMENTS_DIR=\"$HOME/Mis \\\"docs\\\"/\"\n",
+         home + "/Mis \"docs\""},
+        {"XDG_MUSIC_DIR=\"/m\"\nXDG_DOCUMENTS_DIR=\"/srv/docs\"", "/srv/docs"},
+        {"XDG_DOCUMENTS_DIR=\"$HOME/\"", home},
+        {"XDG_DOCUMENTS_DIR=\"relative\"", home + "/Documents"}};
     for (const auto& [text, expected] : cases) {
         Put(".config/user-dirs.dirs", text);
         EXPECT_EQ(folders.PersonalDocuments(), expected);
     }
-    setenv("XDG_CONFIG_HOME", "not/a/full/path", 1);
-    EXPECT_EQ(folders.ApplicationData(), home + "/.config");
-    unsetenv("XDG_CONFIG_HOME");
 }
 
-TEST_F(PosixPrograms, LinesAreReadUntilAnInterruptOrTheEnd) {
+TEST_F(InFolder, LinesAreReadUntilAnInterruptOrTheEnd) {
     std::array<int, 2> ends{};
     ASSERT_EQ(pipe(ends.data()), 0);
     const int oldInput = dup(STDIN_FILENO);
@@ -178,11 +155,10 @@ TEST_F(PosixPrograms, LinesAreReadUntilAnInterruptOrTheEnd) {
     ASSERT_EQ(write(ends[1], "one\r\n\ntwo", 9), 9);
     EXPECT_EQ(terminal.ReadLine(), "one") << "an interrupt from before the wait ended it";
     EXPECT_EQ(terminal.ReadLine(), "");
-    const pid_t parent = getpid();
     const pid_t child = fork();
     if (child == 0) {
         usleep(50000);
-        _exit(kill(parent, SIGINT));
+        _exit(kill(getppid(), SIGINT));
     }
     EXPECT_EQ(terminal.ReadLine(), std::nullopt);
     EXPECT_EQ(waitpid(child, nullptr, 0), child);
@@ -195,53 +171,48 @@ TEST_F(PosixPrograms, LinesAreReadUntilAnInterruptOrTheEnd) {
     dup2(oldInput, STDIN_FILENO);
 }
 
-class PosixPortNames : public InFolder {
-protected:
-    PosixClock clock;
-    PolledPump pump{clock};
-};
-
-TEST_F(PosixPortNames, TheListHoldsRealPortsInNumericOrderWithWhatUsbSaysOfThem) {
+TEST_F(InFolder, TheListHoldsRealPortsInNumericOrderWithWhatUsbSaysOfThem) {
     Put("tty/ttyS0/type", "4\n");
     Put("tty/ttyS1/type", "0\n");
-    for (const char* name : {"ttyUSB0", "ttyUSB1"}) {
-        Put(fs::path("usb/1-1") / name / "marker", "");
-        fs::create_directories(folder / "tty" / name);
-        fs::create_directory_symlink(folder / "usb/1-1" / name, folder / "tty" / name / "device");
+    for (const std::string name : {"ttyUSB0", "ttyUSB1"}) {
+        Put("usb/1-1/" + name + "/marker", "");
+        fs::create_directories(folder / ("tty/" + name));
+        fs::create_directory_symlink(folder / ("usb/1-1/" + name),
+                                     folder / ("tty/" + name + "/device"));
     }
     Put("usb/1-1/product", "Serial Converter\n");
     Put("usb/1-1/manufacturer", "Acme\n");
-    std::string names;
     const PosixSerialPorts ports(pump, {{"COM3", "/dev/null"}, {"com4", "/no/such/device"}},
-                                 (folder / "tty").string());
+                                 folder / "tty");
+    std::string names;
     for (const SerialPortInfo& port : ports.List()) names += port.name + '=' + port.device + ';';
     EXPECT_EQ(names, "COM1=/dev/ttyS0;COM3=/dev/null;COM9=/dev/ttyUSB0;COM10=/dev/ttyUSB1;");
     EXPECT_EQ(ports.List()[2].description, "Acme Serial Converter");
 }
 
-TEST_F(PosixPortNames, ADeviceHasOneNameHoweverItIsWritten) {
-    PosixSerialPorts ports(pump, {{"COM5", "/dev/null"}}, (folder / "tty").string());
+TEST_F(InFolder, ADeviceHasOneNameHoweverItIsWritten) {
+    PosixSerialPorts ports(pump, {{"COM5", "/dev/null"}}, folder / "tty");
     fs::create_symlink("/dev/null", folder / "by-id");
-    EXPECT_EQ(ports.MapDevice("/dev/ttyUSB2"), "COM11");
-    EXPECT_EQ(ports.MapDevice("com7"), "COM7");
-    EXPECT_EQ(ports.MapDevice((folder / "by-id").string()), "COM5");
-    EXPECT_EQ(ports.MapDevice("/dev/zero"), "COM32");
-    EXPECT_EQ(ports.MapDevice("/dev/full"), "COM31");
-    EXPECT_EQ(ports.MapDevice("/dev/zero"), "COM32");
+    const std::pair<std::string, const char*> cases[] = {
+        {"/dev/ttyUSB2", "COM11"}, {"com7", "COM7"},       {folder / "by-id", "COM5"},
+        {"/dev/zero", "COM32"},    {"/dev/full", "COM31"}, {"/dev/zero", "COM32"}};
+    for (const auto& [device, name] : cases) EXPECT_EQ(ports.MapDevice(device), name);
 }
 
-TEST_F(PosixPortNames, AClosedPortIsNotMarkedAsTakenWhileOthersHoldTheDevice) {
+TEST_F(InFolder, AClosedPortIsNotMarkedAsTakenWhileOthersHoldTheDevice) {
     const PosixHandle master(posix_openpt(O_RDWR | O_NOCTTY));
-    ASSERT_EQ(grantpt(master.Get()), 0);
-    ASSERT_EQ(unlockpt(master.Get()), 0);
+    ASSERT_EQ(grantpt(master.Get()) + unlockpt(master.Get()), 0);
     const std::string device = ptsname(master.Get());
     const PosixHandle other(open(device.c_str(), O_RDWR | O_NOCTTY));
+    const auto taken = [&other] {
+        int answer = -1;
+        return ioctl(other.Get(), TIOCGEXCL, &answer) == 0 ? answer : -1;
+    };
     PosixSerialPorts ports(pump, {{"COM5", device}});
-    int taken = -1;
     auto port = ports.Open("COM5", {});
-    EXPECT_TRUE(ioctl(other.Get(), TIOCGEXCL, &taken) == 0 && taken == 1);
+    EXPECT_EQ(taken(), 1);
     port.reset();
-    EXPECT_TRUE(ioctl(other.Get(), TIOCGEXCL, &taken) == 0 && taken == 0);
+    EXPECT_EQ(taken(), 0);
 }
 
 }  // namespace

@@ -4,12 +4,12 @@
 #include <signal.h>
 #include <stdlib.h>
 
-#include <filesystem>
 #include <fstream>
 #include <optional>
 #include <sstream>
 
 #include "tests/Images.hpp"
+#include "tests/TemporaryFolder.hpp"
 #include "tests/terminal/Child.hpp"
 
 namespace vantor {
@@ -38,40 +38,48 @@ const char* const kVerify =
     "Critical Error!\nCritical Flash Update Failure!\n\nIt is recommended that you return the "
     "indicator to Tessmar Instruments for repair.\n";
 
-/// A folder of its own for each test, and the two programs in it.
+struct Ended {
+    int status;
+    std::string out;
+    std::string err;
+};
+
+/// A folder of its own for each test, with an image in it, and the two programs.
 class OverATerminal : public testing::Test {
 protected:
     OverATerminal() {
-        std::string pattern = std::filesystem::temp_directory_path() / "tsflash-XXXXXX";
-        folder = mkdtemp(pattern.data());
-        setenv("XDG_CONFIG_HOME", folder.c_str(), 1);
+        setenv("XDG_CONFIG_HOME", folder.Path().c_str(), 1);
         setenv("LC_ALL", "C.UTF-8", 1);
-    }
-    ~OverATerminal() override { std::filesystem::remove_all(folder); }
-
-    std::string WriteImage(const std::string& text) {
-        std::ofstream(folder + "/image.run", std::ios::binary) << text;
-        return folder + "/image.run";
+        WriteImage(ImageOf(40));
     }
 
-    /// Starts the indicator; it expects the image of the test.
-    void StartIndicator(std::vector<std::string> options) {
-        std::vector<std::string> arguments = {kTools + "/m40sim", "--once", "--image",
-                                              folder + "/image.run"};
+    void WriteImage(const std::string& text) { std::ofstream(image, std::ios::binary) << text; }
+
+    /// Starts the indicator; it expects the image as it is now.
+    void StartIndicator(const std::vector<std::string>& options = {}) {
+        std::vector<std::string> arguments = {kTools + "/m40sim", "--once", "--image", image};
         arguments.insert(arguments.end(), options.begin(), options.end());
         indicator.emplace(arguments);
         ASSERT_TRUE(indicator->WaitFor("\n"));
         port = indicator->Out().substr(6, indicator->Out().find('\n') - 6);
     }
 
-    std::vector<std::string> FlashArguments(std::vector<std::string> options = {"--yes"}) {
-        std::vector<std::string> arguments = {kTools + "/tsflash", "--port", port};
+    /// The command that flashes the image, to the indicator if there is one.
+    std::vector<std::string> Command(const std::vector<std::string>& options = {"--yes"}) {
+        std::vector<std::string> arguments = {kTools + "/tsflash"};
+        if (!port.empty()) arguments.insert(arguments.end(), {"--port", port});
         arguments.insert(arguments.end(), options.begin(), options.end());
-        arguments.push_back(folder + "/image.run");
+        arguments.push_back(image);
         return arguments;
     }
+    Ended Flash(const std::vector<std::string>& options = {"--yes"}) {
+        Child flash(Command(options));
+        const int status = flash.Wait();
+        return {status, flash.Out(), flash.Err()};
+    }
 
-    std::string folder;
+    const TemporaryFolder folder;
+    const std::string image = folder / "image.run";
     std::string port;
     std::optional<Child> indicator;
 };
@@ -93,12 +101,11 @@ class StateTable : public OverATerminal, public testing::WithParamInterface<Row>
 
 TEST_P(StateTable, EachWayOutHasItsTextAndItsStatus) {
     const Row& row = GetParam();
-    WriteImage(ImageOf(40));
     StartIndicator(row.indicator);
-    Child flash(FlashArguments());
-    EXPECT_EQ(flash.Wait(), row.status);
-    EXPECT_THAT(flash.Out(), HasSubstr(row.out));
-    EXPECT_EQ(flash.Err(), row.err);
+    const Ended flash = Flash();
+    EXPECT_EQ(flash.status, row.status);
+    EXPECT_THAT(flash.out, HasSubstr(row.out));
+    EXPECT_EQ(flash.err, row.err);
     EXPECT_EQ(indicator->Wait(), row.indicatorStatus);
     EXPECT_EQ(indicator->Err().find("violation"), std::string::npos) << indicator->Err();
 }
@@ -124,18 +131,17 @@ INSTANTIATE_TEST_SUITE_P(
 TEST_F(OverATerminal, ALineThatIsLostForGoodIsNeverASuccess) {
     // The indicator expects one record more than the file has: as if it had never arrived.
     WriteImage(ImageOf(41));
-    StartIndicator({});
+    StartIndicator();
     WriteImage(ImageOf(40));
-    Child flash(FlashArguments());
-    EXPECT_EQ(flash.Wait(), 5);
-    EXPECT_EQ(flash.Err(), kVerify);
+    const Ended flash = Flash();
+    EXPECT_EQ(flash.status, 5);
+    EXPECT_EQ(flash.err, kVerify);
     EXPECT_EQ(indicator->Wait(), 1);
 }
 
 TEST_F(OverATerminal, TheInterruptKeyIsTheAbortButtonWhileTheSessionHasOne) {
-    WriteImage(ImageOf(40));
     StartIndicator({"--think", "50"});
-    Child flash(FlashArguments());
+    Child flash(Command());
     ASSERT_TRUE(flash.WaitFor("Line 4 of 40"));
     flash.Signal(SIGINT);
     EXPECT_EQ(flash.Wait(), 6);
@@ -143,9 +149,8 @@ TEST_F(OverATerminal, TheInterruptKeyIsTheAbortButtonWhileTheSessionHasOne) {
 }
 
 TEST_F(OverATerminal, TheInterruptKeyIsAnsweredWithAReasonInTheFinalPhase) {
-    WriteImage(ImageOf(40));
     StartIndicator({"--write", "3000"});
-    Child flash(FlashArguments());
+    Child flash(Command());
     ASSERT_TRUE(flash.WaitFor("Updating Indicator"));
     flash.Signal(SIGINT);
     EXPECT_EQ(flash.Wait(), 0);
@@ -154,34 +159,32 @@ TEST_F(OverATerminal, TheInterruptKeyIsAnsweredWithAReasonInTheFinalPhase) {
 }
 
 TEST_F(OverATerminal, AMissingAndABusyPortAreTold) {
-    WriteImage(ImageOf(40));
-    port = folder + "/no-such-device";
-    Child missing(FlashArguments());
-    EXPECT_EQ(missing.Wait(), 3);
-    EXPECT_EQ(missing.Err(), kNoPort);
+    port = folder / "no-such-device";
+    const Ended missing = Flash();
+    EXPECT_EQ(missing.status, 3);
+    EXPECT_EQ(missing.err, kNoPort);
 
     StartIndicator({"--think", "100"});
-    Child first(FlashArguments());
+    Child first(Command());
     ASSERT_TRUE(first.WaitFor("Line 4 of 40"));
-    Child second(FlashArguments());
-    EXPECT_EQ(second.Wait(), 3);
-    EXPECT_EQ(second.Err(), kNoPort);
+    const Ended second = Flash();
+    EXPECT_EQ(second.status, 3);
+    EXPECT_EQ(second.err, kNoPort);
     EXPECT_EQ(first.Wait(), 0);
 }
 
 TEST_F(OverATerminal, TheWarningIsAskedOnTheTerminalAndWithoutOneItRefuses) {
-    WriteImage(ImageOf(40));
-    StartIndicator({});
-    Child blind(FlashArguments({}));
-    EXPECT_EQ(blind.Wait(), 2);
-    EXPECT_THAT(blind.Err(), HasSubstr("--yes"));
+    StartIndicator();
+    const Ended blind = Flash({});
+    EXPECT_EQ(blind.status, 2);
+    EXPECT_THAT(blind.err, HasSubstr("--yes"));
 
-    Child declined(FlashArguments({}), Child::Output::Terminal);
+    Child declined(Command({}), Child::Output::Terminal);
     ASSERT_TRUE(declined.WaitFor("[y/N]"));
     declined.Type("n\n");
     EXPECT_EQ(declined.Wait(), 6);
 
-    Child accepted(FlashArguments({}), Child::Output::Terminal);
+    Child accepted(Command({}), Child::Output::Terminal);
     ASSERT_TRUE(accepted.WaitFor("[y/N]"));
     accepted.Type("y\n");
     EXPECT_EQ(accepted.Wait(), 0);
@@ -189,52 +192,50 @@ TEST_F(OverATerminal, TheWarningIsAskedOnTheTerminalAndWithoutOneItRefuses) {
 }
 
 TEST_F(OverATerminal, ImagesThatCannotBeSentAreRefusedBeforeThePortIsTouched) {
-    const std::pair<std::string, const char*> rows[] = {{"", "no line to send"},
-                                                        {"   \r\n\r\n", "no line to send"}};
-    for (const auto& [text, why] : rows) {
+    port = "/dev/null";  // never a port
+    const auto expectRefused = [this](const char* why) {
+        const Ended flash = Flash();
+        EXPECT_EQ(flash.status, 2);
+        EXPECT_THAT(flash.err, HasSubstr(why));
+    };
+    for (const char* text : {"", "   \r\n\r\n"}) {
         WriteImage(text);
-        Child flash(FlashArguments());
-        EXPECT_EQ(flash.Wait(), 2);
-        EXPECT_THAT(flash.Err(), HasSubstr(why));
+        expectRefused("no line to send");
     }
-    std::filesystem::remove(folder + "/image.run");
-    Child flash(FlashArguments());
-    EXPECT_EQ(flash.Wait(), 2);
-    EXPECT_THAT(flash.Err(), HasSubstr("Image file not found"));
+    std::filesystem::remove(image);
+    expectRefused("Image file not found");
 }
 
 TEST_F(OverATerminal, OddImagesAreRefusedByTheIndicatorAndNeverASuccess) {
-    const std::string images[] = {std::string(100000, 'S') + "\n" + ImageOf(3),
-                                  std::string("\0\1\2\377\n\200\r", 7),
-                                  DataRecord(0) + "\r" + DataRecord(1) + "\r"};
-    for (const std::string& image : images) {
+    for (const std::string& odd :
+         {std::string(100000, 'S') + "\n" + ImageOf(3), std::string("\0\1\2\377\n\200\r", 7),
+          DataRecord(0) + "\r" + DataRecord(1) + "\r"}) {
         WriteImage(ImageOf(40));
-        StartIndicator({});
-        WriteImage(image);
-        Child flash(FlashArguments());
-        EXPECT_EQ(flash.Wait(), 1);
-        EXPECT_THAT(flash.Err(), HasSubstr(kFailure));
+        StartIndicator();
+        WriteImage(odd);
+        const Ended flash = Flash();
+        EXPECT_EQ(flash.status, 1);
+        EXPECT_THAT(flash.err, HasSubstr(kFailure));
     }
 }
 
 TEST_F(OverATerminal, AnOverrideIsUsedAndNeverStored) {
-    WriteImage(ImageOf(40));
     StartIndicator({"--baud", "9600"});
-    Child flash(FlashArguments(
-        {"--yes", "--quiet", "-b", "9600", "--stop-bits=2", "--log", folder + "/log.txt"}));
-    EXPECT_EQ(flash.Wait(), 0);
+    const std::string transcript = folder / "log.txt";
+    const Ended flash =
+        Flash({"--yes", "--quiet", "-b", "9600", "--stop-bits=2", "--log", transcript});
+    EXPECT_EQ(flash.status, 0);
     EXPECT_EQ(indicator->Wait(), 0);
-    EXPECT_THAT(flash.Out(), Not(HasSubstr("Line ")));
+    EXPECT_THAT(flash.out, Not(HasSubstr("Line ")));
     std::stringstream log;
-    log << std::ifstream(folder + "/log.txt").rdbuf();
+    log << std::ifstream(transcript).rdbuf();
     EXPECT_THAT(log.str(), testing::ContainsRegex("opened COM[0-9]+ 9600,N,8,2\n"));
     EXPECT_THAT(log.str(), HasSubstr("-> TRAV\\r\n"));
     EXPECT_THAT(log.str(), HasSubstr("<- DONE"));
-    EXPECT_FALSE(std::filesystem::exists(folder + "/tessmar-vantor-update"));
+    EXPECT_FALSE(std::filesystem::exists(folder / "tessmar-vantor-update"));
 }
 
 TEST_F(OverATerminal, BadOptionsAreUsageErrorsWithASentence) {
-    WriteImage(ImageOf(40));
     const std::pair<std::vector<std::string>, const char*> rows[] = {
         {{"--frobnicate"}, "Unknown option: --frobnicate"},
         {{"--baud", "14400"}, "--baud does not take the value '14400'"},
@@ -242,38 +243,32 @@ TEST_F(OverATerminal, BadOptionsAreUsageErrorsWithASentence) {
         {{"--parity=X"}, "--parity does not take the value 'X'"},
         {{"--fault", "nak@1"}, "--practice"},
         {{"--practice", "--fault", "nonsense@1"}, "nonsense@1"},
-        {{"--log", folder + "/none/log.txt"}, "transcript cannot be written"},
+        {{"--log", folder / "none/log.txt"}, "transcript cannot be written"},
         {{"other.run"}, "one image"},
         {{"--log"}, "one image"},  // takes the image's name as its value
     };
     for (const auto& [options, why] : rows) {
-        std::vector<std::string> arguments = {kTools + "/tsflash", "--yes"};
-        arguments.insert(arguments.end(), options.begin(), options.end());
-        arguments.push_back(folder + "/image.run");
-        Child flash(arguments);
-        EXPECT_EQ(flash.Wait(), 2) << why;
-        EXPECT_THAT(flash.Err(), HasSubstr(why));
+        const Ended flash = Flash(options);
+        EXPECT_EQ(flash.status, 2) << why;
+        EXPECT_THAT(flash.err, HasSubstr(why));
     }
 }
 
 TEST_F(OverATerminal, PracticeNeedsNoHardwareAndRehearsesFailures) {
-    WriteImage(ImageOf(40));
-    Child whole({kTools + "/tsflash", "--yes", "--practice", folder + "/image.run"});
-    EXPECT_EQ(whole.Wait(), 0);
-    EXPECT_THAT(whole.Out(), HasSubstr(kDone));
-    Child failing({kTools + "/tsflash", "--yes", "--practice", "--fault", "verify-failed",
-                   folder + "/image.run"});
-    EXPECT_EQ(failing.Wait(), 5);
-    EXPECT_EQ(failing.Err(), kVerify);
+    const Ended whole = Flash({"--yes", "--practice"});
+    EXPECT_EQ(whole.status, 0);
+    EXPECT_THAT(whole.out, HasSubstr(kDone));
+    const Ended failing = Flash({"--yes", "--practice", "--fault", "verify-failed"});
+    EXPECT_EQ(failing.status, 5);
+    EXPECT_EQ(failing.err, kVerify);
 }
 
 TEST_F(OverATerminal, ATerminalThatSpeaksSpanishGetsSpanish) {
     setenv("LC_ALL", "es_ES.UTF-8", 1);
-    WriteImage(ImageOf(40));
     StartIndicator({"--fault", "no-trav"});
-    Child flash(FlashArguments());
-    EXPECT_EQ(flash.Wait(), 4);
-    EXPECT_THAT(flash.Out(), HasSubstr("¿Desea continuar?"));
+    const Ended flash = Flash();
+    EXPECT_EQ(flash.status, 4);
+    EXPECT_THAT(flash.out, HasSubstr("¿Desea continuar?"));
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <functional>
 #include <map>
 #include <string>
@@ -22,15 +23,6 @@ constexpr std::int32_t kInvalid = -2147211502;
 constexpr std::int32_t kNotEditing = 445;
 constexpr std::int32_t kTypeMismatch = 13;
 
-// clang-format off
-const std::map<std::string, std::string> kChanged = {
-    {"AutoUnZip", "False"}, {"PassiveFTP", "True"}, {"CommPort", "COM7"}, {"BaudRate", "9600"},
-    {"Parity", "e"}, {"DataBits", "7"}, {"StopBits", "1"}, {"ProxyEnable", "True"},
-    {"ProxyHostname", " proxy.local "}, {"ProxyPort", "81"}, {"ProxyUsername", "ann"},
-    {"ProxyPassword", "secreto ñ"}, {"ProxyType", "5"},
-};
-// clang-format on
-
 class CAppSettingsTest : public testing::Test {
 protected:
     void Store(const std::string& name, const std::string& text) {
@@ -49,9 +41,6 @@ protected:
         hive.CloseKey(key);
         return result == kRegistrySuccess ? bytes.substr(0, size) : "(none)";
     }
-    CAppSettings Loaded() {
-        return CAppSettings(mPlatform.registry, mPlatform.codePage, mPlatform.files);
-    }
     void BeginEdit() {
         mSettings.Initialize();
         mSettings.BeginEdit();
@@ -59,24 +48,34 @@ protected:
 
     ReportingPlatform mPlatform;
     CAppSettings mSettings{mPlatform.registry, mPlatform.codePage, mPlatform.files};
-    using Setter = std::function<void(const std::string&)>;
-    // clang-format off
-    const std::map<std::string, Setter> mSetters = {
-        {"BaudRate", [this](auto& v) { mSettings.BaudRate(v); }},
-        {"CommPort", [this](auto& v) { mSettings.CommPort(v); }},
-        {"DataBits", [this](auto& v) { mSettings.DataBits(v); }},
-        {"Parity", [this](auto& v) { mSettings.Parity(v); }},
-        {"StopBits", [this](auto& v) { mSettings.StopBits(v); }},
-        {"AutoUnZip", [this](auto& v) { mSettings.AutoUnZip(v == "True"); }},
-        {"PassiveFTP", [this](auto& v) { mSettings.PassiveFTP(v == "True"); }},
-        {"ProxyEnable", [this](auto& v) { mSettings.ProxyEnable(v == "True"); }},
-        {"ProxyHostname", [this](auto& v) { mSettings.ProxyHostname(v); }},
-        {"ProxyPassword", [this](auto& v) { mSettings.ProxyPassword(v); }},
-        {"ProxyPort", [this](auto& v) { mSettings.ProxyPort(v); }},
-        {"ProxyType", [this](auto& v) { mSettings.ProxyType(std::stoi(v)); }},
-        {"ProxyUsername", [this](auto& v) { mSettings.ProxyUsername(v); }},
+    struct Property {
+        const char* name;
+        const char* changed;  // another value than the default
+        const char* storedAs;
+        const char* stored;  // its exact text; null: scrambled
+        std::function<void(const std::string&)> set;
     };
-    // clang-format on
+    const std::vector<Property> mProperties = {
+        {"BaudRate", "9600", "Baud", "9600  ", [this](auto& v) { mSettings.BaudRate(v); }},
+        {"CommPort", "COM7", "Port", "COM7 ", [this](auto& v) { mSettings.CommPort(v); }},
+        {"DataBits", "7", "DataBits", "7", [this](auto& v) { mSettings.DataBits(v); }},
+        {"Parity", "e", "Parity", "e", [this](auto& v) { mSettings.Parity(v); }},
+        {"StopBits", "1", "StopBits", "1", [this](auto& v) { mSettings.StopBits(v); }},
+        {"AutoUnZip", "False", "AutoUnZip", "False",
+         [this](auto& v) { mSettings.AutoUnZip(v == "True"); }},
+        {"PassiveFTP", "True", "PassiveFTP", "True",
+         [this](auto& v) { mSettings.PassiveFTP(v == "True"); }},
+        {"ProxyEnable", "True", "EnableProxy", "True",
+         [this](auto& v) { mSettings.ProxyEnable(v == "True"); }},
+        {"ProxyHostname", " proxy.local ", "ProxyHostname", "proxy.local",
+         [this](auto& v) { mSettings.ProxyHostname(v); }},
+        {"ProxyPassword", "secreto ñ", "ProxyPassword", nullptr,
+         [this](auto& v) { mSettings.ProxyPassword(v); }},
+        {"ProxyPort", "81", "ProxtPort", "81", [this](auto& v) { mSettings.ProxyPort(v); }},
+        {"ProxyType", "5", "ProxyType", "5",
+         [this](auto& v) { mSettings.ProxyType(std::stoi(v)); }},
+        {"ProxyUsername", "ann", "ProxyUsername", "ann",
+         [this](auto& v) { mSettings.ProxyUsername(v); }}};
     /// All fields in one text.
     std::string Fields() {
         const CAppSettings& s = mSettings;
@@ -87,41 +86,40 @@ protected:
                s.ProxyPassword();
     }
     void SetAll() {
-        for (const auto& [name, value] : kChanged) mSetters.at(name)(value);
+        for (const Property& property : mProperties) property.set(property.changed);
     }
 };
 
 const std::string kFresh = "COM1,38400,N,8,2,True,False,False,1,,8080,,";
 
-TEST_F(CAppSettingsTest, AFreshSystemHasTheDefaultsAndNoKeyIsMade) {
+TEST_F(CAppSettingsTest, AFreshSystemHasTheDefaultsAndACancelledEditLeavesNoTrace) {
     EXPECT_EQ(mSettings.CommPort() + mSettings.BaudRate() + mSettings.StopBits(), "COM1384002");
-    mSettings.Initialize();
+    BeginEdit();
     EXPECT_EQ(Fields(), kFresh);
-    EXPECT_EQ(Stored("Port"), "(none)");
+    SetAll();
+    EXPECT_NE(Fields(), kFresh);
+    mSettings.CancelEdit();
+    EXPECT_EQ(Fields(), kFresh);
+    mSettings.BeginEdit();
+    mSettings.ApplyEdit();
+    EXPECT_EQ(Stored("Port"), "(none)") << "the cancelled edit stayed dirty";
 }
 
 TEST_F(CAppSettingsTest, AnAppliedEditStoresEveryValueInItsExactForm) {
     BeginEdit();
     SetAll();
     mSettings.ApplyEdit();
-    // clang-format off
-    const std::map<std::string, std::string> kStored = {
-        {"AutoUnZip", "False"}, {"PassiveFTP", "True"}, {"Port", "COM7 "}, {"Baud", "9600  "},
-        {"Parity", "e"}, {"DataBits", "7"}, {"StopBits", "1"}, {"EnableProxy", "True"},
-        {"ProxyHostname", "proxy.local"}, {"ProxtPort", "81"}, {"ProxyUsername", "ann"},
-        {"ProxyType", "5"},
-    };
-    // clang-format on
-    for (const auto& [name, text] : kStored) EXPECT_EQ(Stored(name), text + '\0') << name;
+    for (const Property& property : mProperties) {
+        if (!property.stored) continue;
+        EXPECT_EQ(Stored(property.storedAs), property.stored + "\0"s) << property.name;
+    }
     EXPECT_EQ(Stored("ProxyPassword").size(), 10u) << "nine characters in the code page and a NUL";
     EXPECT_EQ(Stored("ProxyPassword").find("secreto"), std::string::npos);
     EXPECT_EQ(Stored("ProxyPort"), "(none)") << "under the name that existing settings do not use";
 
-    CAppSettings again = Loaded();
-    again.Initialize();
-    EXPECT_EQ(again.ProxyPassword(), "secreto ñ");
-    EXPECT_EQ(again.ProxyPort(), "81");
-    EXPECT_EQ(again.StopBits(), "2") << "whatever is stored, every load gives two stop bits";
+    mSettings.Initialize();
+    EXPECT_EQ(Fields(), "COM7,9600,e,7,2,False,True,True,5,proxy.local,81,ann,secreto ñ")
+        << "whatever is stored, every load gives two stop bits";
 }
 
 TEST_F(CAppSettingsTest, NoPasswordIsLostThroughTheCharacterThatItScramblesTo) {
@@ -129,60 +127,51 @@ TEST_F(CAppSettingsTest, NoPasswordIsLostThroughTheCharacterThatItScramblesTo) {
         BeginEdit();
         mSettings.ProxyPassword(std::string(1, c));
         mSettings.ApplyEdit();
-        CAppSettings again = Loaded();
-        again.Initialize();
-        EXPECT_EQ(again.ProxyPassword(), std::string(1, c));
+        mSettings.Initialize();
+        EXPECT_EQ(mSettings.ProxyPassword(), std::string(1, c));
     }
 }
 
 TEST_F(CAppSettingsTest, EachRuleRefusesWhatItMustAndLeavesTheFieldAlone) {
-    const std::string ones(51, '1');
     const struct {
         const char* property;
-        std::int32_t error;
-        std::vector<std::string> values;
-    } kCases[] = {
-        // clang-format off
-        {"BaudRate", 0, {"300", "115200"}}, {"BaudRate", kInvalid, {"14400", "fast", "", "0"}},
-        {"BaudRate", kTooLong, {"1152000"}},
-        {"CommPort", 0, {"COM1", "COM32", "32", "1"}},
-        {"CommPort", kTypeMismatch, {"XCOM5", "COM"}},
-        {"CommPort", kInvalid, {"COM33", "COM0", "0", "33", "-1", "com1", "LPT1", ""}},
-        {"CommPort", kTooLong, {"COM032"}},
-        {"DataBits", 0, {"7"}}, {"DataBits", kInvalid, {"9", "x", ""}},
-        {"DataBits", kTooLong, {"10"}},
-        {"Parity", 0, {"e", "O"}}, {"Parity", kInvalid, {"M", ""}}, {"Parity", kTooLong, {"NN"}},
-        {"StopBits", 0, {"1"}}, {"StopBits", kInvalid, {"2", "x", ""}},
-        {"StopBits", kTooLong, {"1.5"}},
-        {"ProxyPort", 0, {"65535", "1"}}, {"ProxyPort", kInvalid, {"65536", "0", "x", ""}},
-        {"ProxyPort", kTooLong, {"123456"}},
-        {"ProxyType", 0, {"2", "5"}}, {"ProxyType", kInvalid, {"0", "6"}},
-        {"ProxyHostname", 0, {ones.substr(0, 50)}},
-        {"ProxyHostname", kTooLong, {ones.substr(0, 51)}},
-        {"ProxyPassword", 0, {"ñ" + ones.substr(0, 19)}},
-        {"ProxyPassword", kTooLong, {ones.substr(0, 21)}},
-        {"ProxyUsername", 0, {ones.substr(0, 30)}},
-        {"ProxyUsername", kTooLong, {ones.substr(0, 31)}},
-        // clang-format on
-    };
+        Texts good;
+        Texts invalid;
+        std::string tooLong;
+    } kCases[] = {{"BaudRate", {"300", "115200"}, {"14400", "fast", "", "0"}, "1152000"},
+                  {"CommPort",
+                   {"COM1", "COM32", "32", "1"},
+                   {"COM33", "COM0", "0", "33", "-1", "com1", "LPT1", ""},
+                   "COM032"},
+                  {"DataBits", {"7"}, {"9", "x", ""}, "10"},
+                  {"Parity", {"e", "O"}, {"M", ""}, "NN"},
+                  {"StopBits", {"1"}, {"2", "x", ""}, "1.5"},
+                  {"ProxyPort", {"65535", "1"}, {"65536", "0", "x", ""}, "123456"},
+                  {"ProxyType", {"2", "5"}, {"0", "6"}, ""},
+                  {"ProxyHostname", {std::string(50, 'h')}, {}, std::string(51, 'h')},
+                  {"ProxyPassword", {"ñ" + std::string(19, 'p')}, {}, std::string(21, 'p')},
+                  {"ProxyUsername", {std::string(30, 'u')}, {}, std::string(31, 'u')}};
     mSettings.Initialize();
-    for (const auto& c : kCases) {
-        for (const std::string& value : c.values) {
-            mSettings.BeginEdit();
-            const RuntimeError error = Raised([&] { mSetters.at(c.property)(value); });
-            EXPECT_EQ(error.Number(), c.error) << c.property << " = " << value;
-            if (c.error != 0) {
-                EXPECT_EQ(error.Source(), "Morvane.CAppSettings."s + c.property);
-                EXPECT_EQ(Fields(), kFresh) << c.property << " = " << value;
-            } else {
-                EXPECT_NE(Fields().find(value), std::string::npos) << c.property;
-            }
+    const auto judge = [this](const char* name, const std::string& value, std::int32_t verdict) {
+        mSettings.BeginEdit();
+        const auto property = std::ranges::find(mProperties, std::string(name), &Property::name);
+        const RuntimeError error = Raised([&] { property->set(value); });
+        EXPECT_EQ(error.Number(), verdict) << name << " = " << value;
+        if (verdict == 0) {
+            EXPECT_NE(Fields().find(value), std::string::npos) << name;
             mSettings.CancelEdit();
+        } else {
+            EXPECT_EQ(error.Source(), "Morvane.CAppSettings."s + name);
+            EXPECT_EQ(Fields(), kFresh) << name << " = " << value;
+            mSettings.ApplyEdit();
         }
+    };
+    for (const auto& c : kCases) {
+        for (const std::string& value : c.good) judge(c.property, value, 0);
+        for (const std::string& value : c.invalid) judge(c.property, value, kInvalid);
+        if (!c.tooLong.empty()) judge(c.property, c.tooLong, kTooLong);
     }
-    mSettings.BeginEdit();
-    EXPECT_NE(Raised([this] { mSettings.BaudRate("1"); }).Number(), 0);
-    mSettings.ApplyEdit();
+    for (const char* text : {"XCOM5", "COM"}) judge("CommPort", text, kTypeMismatch);
     EXPECT_EQ(Stored("Port"), "(none)") << "a refused value must not make the edit dirty";
 }
 
@@ -195,40 +184,28 @@ TEST_F(CAppSettingsTest, TheProxyPortIsJudgedByTheOneHeld) {
 
 TEST_F(CAppSettingsTest, NothingIsAnsweredOrSetTooEarly) {
     const auto errorOf = [](const std::function<void()>& call) { return Raised(call).Number(); };
-    for (const auto& [name, set] : mSetters)
-        EXPECT_EQ(errorOf([&, &set = set] { set("111111111"); }), kNotInitialised) << name;
-    // clang-format off
-    const std::function<void()> kGuarded[] = {
-        [this] { mSettings.AutoUnZip(); }, [this] { mSettings.PassiveFTP(); },
-        [this] { mSettings.ProxyEnable(); }, [this] { mSettings.ProxyHostname(); },
-        [this] { mSettings.ProxyPassword(); }, [this] { mSettings.ProxyPort(); },
-        [this] { mSettings.ProxyType(); }, [this] { mSettings.ProxyUsername(); },
-        [this] { mSettings.BeginEdit(); }, [this] { mSettings.ApplyEdit(); },
-        [this] { mSettings.CancelEdit(); },
+    const auto expectOfAllSetters = [&](std::int32_t error) {
+        for (const Property& property : mProperties)
+            EXPECT_EQ(errorOf([&] { property.set("111111111"); }), error) << property.name;
     };
-    // clang-format on
+    expectOfAllSetters(kNotInitialised);
+    const std::function<void()> kGuarded[] = {
+        [this] { mSettings.AutoUnZip(); },     [this] { mSettings.PassiveFTP(); },
+        [this] { mSettings.ProxyEnable(); },   [this] { mSettings.ProxyHostname(); },
+        [this] { mSettings.ProxyPassword(); }, [this] { mSettings.ProxyPort(); },
+        [this] { mSettings.ProxyType(); },     [this] { mSettings.ProxyUsername(); },
+        [this] { mSettings.BeginEdit(); },     [this] { mSettings.ApplyEdit(); },
+        [this] { mSettings.CancelEdit(); }};
     for (const auto& call : kGuarded) EXPECT_EQ(errorOf(call), kNotInitialised);
 
     mSettings.Initialize();
-    for (const auto& [name, set] : mSetters)
-        EXPECT_EQ(errorOf([&, &set = set] { set("111111111"); }), kNotEditing) << name;
+    expectOfAllSetters(kNotEditing);
     EXPECT_EQ(errorOf([this] { mSettings.ApplyEdit(); }), kNotEditing);
     EXPECT_EQ(errorOf([this] { mSettings.CancelEdit(); }), kNotEditing);
     mSettings.BeginEdit();
     const RuntimeError twice = Raised([this] { mSettings.BeginEdit(); });
     EXPECT_EQ(twice.Number(), kNotEditing);
     EXPECT_EQ(twice.Source(), "Morvane.CAppSettings.BeginEdit");
-}
-
-TEST_F(CAppSettingsTest, ACancelledEditLeavesNoTraceInMemoryOrStore) {
-    BeginEdit();
-    SetAll();
-    EXPECT_NE(Fields(), kFresh);
-    mSettings.CancelEdit();
-    EXPECT_EQ(Fields(), kFresh);
-    mSettings.BeginEdit();
-    mSettings.ApplyEdit();
-    EXPECT_EQ(Stored("Port"), "(none)") << "the cancelled edit stayed dirty";
 }
 
 TEST_F(CAppSettingsTest, AStoredValueThatCannotBeReadEndsTheLoadThere) {

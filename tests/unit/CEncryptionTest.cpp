@@ -51,7 +51,7 @@ TEST_F(CEncryptionTest, AByteThatScramblesToZeroMustNotEndTheText) {
     EXPECT_EQ(mEncryption.EncryptStringAscii(scrambled), "K123");
     EXPECT_EQ(mEncryption.EncryptStringAscii(""), "");
     EXPECT_EQ(mEncryption.EncryptString(u""), u"");
-    EXPECT_TRUE(mPlatform.boxes.shown.empty());
+    EXPECT_EQ(Told(mPlatform), Texts{});
 }
 
 TEST_F(CEncryptionTest, WideTextIsScrambledByteByByteLowByteFirst) {
@@ -65,26 +65,18 @@ TEST_F(CEncryptionTest, WideTextIsScrambledByteByByteLowByteFirst) {
 
 // Position 129 is the first at which a key byte of 255 takes the product beyond 16 bits.
 TEST_F(CEncryptionTest, AnOverflowIsToldOnceAndGivesNoHalfScrambledText) {
-    const auto password = [](int characters) {
-        std::string text;
-        for (int i = 0; i < characters; ++i) text += "\uffff";
-        return text;
-    };
     const std::string text(1000, 'a');
-    mEncryption.Password = password(64);
+    mEncryption.Password.clear();
+    for (int i = 0; i < 64; ++i) mEncryption.Password += "\uffff";
     EXPECT_EQ(mEncryption.EncryptStringAscii(mEncryption.EncryptStringAscii(text)), text);
-    EXPECT_TRUE(mPlatform.boxes.shown.empty()) << "64 characters are few enough";
+    EXPECT_EQ(Told(mPlatform), Texts{}) << "64 characters are few enough";
 
-    mEncryption.Password = password(65);
+    mEncryption.Password += "\uffff";
     EXPECT_EQ(Bytes(text.substr(0, 129)).size(), 129u);
-    EXPECT_TRUE(mPlatform.boxes.shown.empty()) << "position 128 is still in range";
+    EXPECT_EQ(Told(mPlatform), Texts{}) << "position 128 is still in range";
     EXPECT_EQ(mEncryption.EncryptStringAscii(text), "");
-    ASSERT_EQ(mPlatform.boxes.shown.size(), 1u);
-    EXPECT_EQ(mPlatform.boxes.shown[0].title, "EncryptByte");
-    EXPECT_EQ(mPlatform.boxes.shown[0].text, "Error: 6. Overflow");
-    EXPECT_EQ(mPlatform.boxes.shown[0].icon, BoxIcon::None);
     EXPECT_EQ(mEncryption.EncryptString(std::u16string(100, u'a')), u"");
-    EXPECT_EQ(mPlatform.boxes.shown.size(), 2u);
+    EXPECT_EQ(Told(mPlatform), Texts(2, "none|EncryptByte|Error: 6. Overflow"));
 }
 
 TEST_F(CEncryptionTest, AFileIsReplacedByItsScrambledBytes) {
@@ -100,7 +92,7 @@ TEST_F(CEncryptionTest, AFileIsReplacedByItsScrambledBytes) {
     mEncryption.InputFileName = "/d/out";
     mEncryption.EncryptFile();
     EXPECT_EQ(mPlatform.files.ReadAll("/d/out"), plain) << "scrambled onto itself";
-    EXPECT_TRUE(mPlatform.boxes.shown.empty());
+    EXPECT_EQ(Told(mPlatform), Texts{});
 }
 
 TEST_F(CEncryptionTest, AFileErrorIsToldUnderTheProcedureThatMetIt) {
@@ -108,17 +100,12 @@ TEST_F(CEncryptionTest, AFileErrorIsToldUnderTheProcedureThatMetIt) {
     mEncryption.InputFileName = "/d/missing";
     mEncryption.OutputFileName = "/d/out";
     mEncryption.EncryptFile();
-    ASSERT_EQ(mPlatform.boxes.shown.size(), 1u);
-    EXPECT_EQ(mPlatform.boxes.shown[0].title, "ReadFile");
-    EXPECT_EQ(mPlatform.boxes.shown[0].text, "Error: 53. File not found");
     EXPECT_EQ(mPlatform.files.ReadAll("/d/out"), "kept");
-
     mPlatform.files.Add("/d/missing", "text");
     mEncryption.OutputFileName = "/nowhere/out";
     mEncryption.EncryptFile();
-    ASSERT_EQ(mPlatform.boxes.shown.size(), 2u);
-    EXPECT_EQ(mPlatform.boxes.shown[1].title, "EncryptFile");
-    EXPECT_EQ(mPlatform.boxes.shown[1].text, "Error: 76. Path not found");
+    EXPECT_EQ(Told(mPlatform), (Texts{"none|ReadFile|Error: 53. File not found",
+                                      "none|EncryptFile|Error: 76. Path not found"}));
 }
 
 }  // namespace

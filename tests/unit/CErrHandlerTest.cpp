@@ -20,43 +20,42 @@ const std::string kFile = "C:\\ERRORS.TXT";
 
 class CErrHandlerTest : public testing::Test {
 protected:
-    void Fail(const std::string& procedure, const std::function<void()>& how) {
-        Trapped(procedure, how);
+    static std::function<void()> Raise(ErrorNumber number) {
+        return [number] { throw RuntimeError(number); };
     }
-    void Fail(const std::string& procedure, ErrorNumber number) {
-        Trapped(procedure, [number] { throw RuntimeError(number); });
+    void Overflow(const std::string& procedure) {
+        Trapped(procedure, Raise(ErrorNumber::Overflow));
     }
     std::string Report() { return mPlatform.files.ReadAll(kFile); }
-    const std::vector<MessageBoxRequest>& Boxes() { return mPlatform.boxes.shown; }
 
     ReportingPlatform mPlatform;
     CErrHandler& mErrors = mPlatform.errors;
 };
 
+const std::string kOverflowBox = ReportBox("a.b", "(6) Overflow");
+
 TEST_F(CErrHandlerTest, TheBoxMustNameProcedureLineNumberAndOperation) {
-    Fail("frmMain.FlashIndicator", ErrorNumber::TypeMismatch);
+    Trapped("frmMain.FlashIndicator", Raise(ErrorNumber::TypeMismatch));
     mErrors.CurrentOperation = "Opening the image";
-    Fail("frmMain.doFlash", [] { throw RuntimeError(-7, "Of its own"); });
-    ASSERT_EQ(Boxes().size(), 2u);
-    EXPECT_EQ(Boxes()[0].text,
-              "The following error has occurred in procedure: \r\n"
-              "frmMain.FlashIndicator on line 0\r\n"
-              "Error (13) Type mismatch");
-    EXPECT_EQ(Boxes()[0].title, "Tessmar Vantor Update");
-    EXPECT_EQ(Boxes()[0].icon, BoxIcon::Critical);
-    EXPECT_EQ(Boxes()[1].text,
-              "The following error has occurred in procedure: \r\n"
-              "frmMain.doFlash on line 0\r\n"
-              "Error (-7) Of its own\r\n"
-              "Current Operation: Opening the image");
+    Trapped("frmMain.doFlash", [] { throw RuntimeError(-7, "Of its own"); });
+    EXPECT_EQ(Told(mPlatform), (Texts{"stop|Tessmar Vantor Update|"
+                                      "The following error has occurred in procedure: \r\n"
+                                      "frmMain.FlashIndicator on line 0\r\n"
+                                      "Error (13) Type mismatch",
+                                      "stop|Tessmar Vantor Update|"
+                                      "The following error has occurred in procedure: \r\n"
+                                      "frmMain.doFlash on line 0\r\n"
+                                      "Error (-7) Of its own\r\n"
+                                      "Current Operation: Opening the image"}));
     EXPECT_EQ(mPlatform.boxes.beeps, 2);
 }
 
 TEST_F(CErrHandlerTest, TheReportListsTheWholeStackIndentedByDepth) {
     mErrors.CurrentOperation = "Reading";
     mErrors.IncludeExpandedInfo = true;
-    Trapped("modStartup.Main", [this] {
-        Trapped("", [this] { Fail("frmMain.FileToStringArray", ErrorNumber::PermissionDenied); });
+    Trapped("modStartup.Main", [] {
+        Trapped("",
+                [] { Trapped("frmMain.FileToStringArray", Raise(ErrorNumber::PermissionDenied)); });
     });
     const AppInfo app;
     const std::string version = "App Major: " + std::to_string(app.major) +
@@ -88,25 +87,22 @@ TEST_F(CErrHandlerTest, TheReportListsTheWholeStackIndentedByDepth) {
                   "App ProductName: Tessmar Vantor Update Utility\r\n");
 }
 
-TEST_F(CErrHandlerTest, OnlyTheLatestErrorStaysInTheReport) {
-    Fail("a.First", ErrorNumber::DiskFull);
-    Fail("a.Second", ErrorNumber::Overflow);
+TEST_F(CErrHandlerTest, OnlyTheLatestErrorStaysInTheReportAndAForgottenPopShows) {
+    Overflow("a.First");
+    Overflow("a.Second");
     EXPECT_EQ(Report().find("First"), std::string::npos);
     EXPECT_TRUE(Report().ends_with("---------------\r\n00a.Second\r\n\r\n"))
         << "without operation and expanded information the report ends behind the stack";
-    mErrors.ClearLog();
-    EXPECT_EQ(Report(), "");
-}
-
-TEST_F(CErrHandlerTest, AForgottenPopShowsInLaterReports) {
     mErrors.MaxProcStackItems(1);
     mErrors.Push("a.ForgetsItsPop");
-    Fail("a.Next", ErrorNumber::Overflow);
+    Overflow("a.Next");
     EXPECT_NE(Report().find("00a.ForgetsItsPop\r\n01  a.Next\r\n"), std::string::npos);
     mErrors.Pop();
     mErrors.Pop();
-    Fail("a.Last", ErrorNumber::Overflow);
+    Overflow("a.Last");
     EXPECT_NE(Report().find("00a.Last\r\n"), std::string::npos) << "one Pop too many did harm";
+    mErrors.ClearLog();
+    EXPECT_EQ(Report(), "");
 }
 
 TEST_F(CErrHandlerTest, TheEventsComeAroundTheReportAndTheFirstCanCancelIt) {
@@ -115,35 +111,31 @@ TEST_F(CErrHandlerTest, TheEventsComeAroundTheReportAndTheFirstCanCancelIt) {
         order += mPlatform.files.Exists(kFile) ? "late " : "before ";
     };
     mErrors.AfterHandlerCalled = [&] {
-        order += mPlatform.files.Exists(kFile) && Boxes().size() == 1 ? "after" : "early";
+        order += mPlatform.files.Exists(kFile) && Told(mPlatform).size() == 1 ? "after" : "early";
     };
-    Fail("a.b", ErrorNumber::Overflow);
+    Overflow("a.b");
     EXPECT_EQ(order, "before after");
     mPlatform.files.Delete(kFile);
     mErrors.BeforeHandlerCalled = [](bool& cancel) { cancel = true; };
-    Fail("a.b", ErrorNumber::DiskFull);
+    Trapped("a.b", Raise(ErrorNumber::DiskFull));
     EXPECT_EQ(order, "before after");
-    EXPECT_EQ(Boxes().size(), 1u);
+    EXPECT_EQ(Told(mPlatform), Texts{kOverflowBox});
     EXPECT_FALSE(mPlatform.files.Exists(kFile));
     EXPECT_EQ(mErrors.LastError().Number(), 61);
 }
 
-TEST_F(CErrHandlerTest, WithoutBoxesTheReportIsStillWrittenInAFolderMadeForIt) {
-    mErrors.DisplayMsgOnError = false;
-    mErrors.Destination("/new/folder\\errorlog.txt");
-    Fail("a.b", ErrorNumber::Overflow);
-    EXPECT_TRUE(mPlatform.files.Exists("/new/folder/errorlog.txt"));
-    EXPECT_TRUE(Boxes().empty() && mPlatform.boxes.beeps == 0);
-}
-
-TEST_F(CErrHandlerTest, AReportThatCannotBeWrittenCostsNeitherBoxNorProgram) {
+TEST_F(CErrHandlerTest, BoxAndReportComeWithoutEachOther) {
     mPlatform.files.FailOn(kFile, 70);
     bool after = false;
     mErrors.AfterHandlerCalled = [&after] { after = true; };
-    Fail("a.b", ErrorNumber::Overflow);
-    ASSERT_EQ(Boxes().size(), 1u) << "the failure to write is not told";
-    EXPECT_EQ(Boxes()[0].text, ReportBox("a.b", "(6) Overflow"));
+    Overflow("a.b");
+    EXPECT_EQ(Told(mPlatform), Texts{kOverflowBox}) << "the failure to write is not told";
     EXPECT_TRUE(after);
+    mErrors.DisplayMsgOnError = false;
+    mErrors.Destination("/new/folder\\errorlog.txt");
+    Overflow("a.b");
+    EXPECT_TRUE(mPlatform.files.Exists("/new/folder/errorlog.txt")) << "in a folder made for it";
+    EXPECT_TRUE(mPlatform.boxes.shown.size() == 1 && mPlatform.boxes.beeps == 1);
 }
 
 class Records : public ErrorRecordSet {
@@ -165,33 +157,32 @@ TEST_F(CErrHandlerTest, ARecordSetTakesTheFieldsOfTheReport) {
     const auto records = std::make_shared<Records>();
     mErrors.Destination(records);
     mErrors.CurrentOperation = "Op";
-    mErrors.Push("a.Outer");
-    Fail("a.b", ErrorNumber::Overflow);
+    Trapped("a.Outer", [this] { Overflow("a.b"); });
     const std::string start =
         "AddNew|ErrorDate=2026-11-24 21:18:05|ErrorString=Overflow|ErrorNumber=6|ErrorLine=0|"
         "ErrorProc=a.b|CallStack=00a.Outer\r\n01  a.b\r\nCurrent Operation: Op|"
         "AdditionalInfo=Current Directory: /home/tech\r\nApp Title: Tessmar Vantor Update\r\n";
-    EXPECT_EQ(records->log.substr(0, start.size()), start);
+    EXPECT_TRUE(records->log.starts_with(start)) << records->log;
     EXPECT_TRUE(
         records->log.ends_with("App ProductName: Tessmar Vantor Update Utility\r\n|Update"));
     EXPECT_FALSE(mPlatform.files.Exists(kFile));
-    mErrors.Pop();
 }
 
 TEST_F(CErrHandlerTest, ARecordSetThatIsMissingOrClosedIsToldBeforeTheErrorItself) {
     mErrors.Destination(std::shared_ptr<DestinationObject>());
     mErrors.ErrorsTable = "Log";
-    Fail("a.b", ErrorNumber::Overflow);
+    Overflow("a.b");
     const auto records = std::make_shared<Records>();
     records->openError = "No provider";
     mErrors.Destination(records);
-    Fail("a.b", ErrorNumber::Overflow);
-    ASSERT_EQ(Boxes().size(), 4u);
-    EXPECT_EQ(Boxes()[0].text,
-              "Error handler cannot write to the [Log] errors table because the Destination "
-              "recordset variable has not been initialized.");
-    EXPECT_EQ(Boxes()[2].text, "Error opening recordset: No provider");
-    EXPECT_EQ(Boxes()[3].text, ReportBox("a.b", "(6) Overflow"));
+    Overflow("a.b");
+    const Texts told = Told(mPlatform);
+    ASSERT_EQ(told.size(), 4u);
+    EXPECT_TRUE(
+        told[0].ends_with("|Error handler cannot write to the [Log] errors table because "
+                          "the Destination recordset variable has not been initialized."));
+    EXPECT_TRUE(told[2].ends_with("|Error opening recordset: No provider"));
+    EXPECT_EQ(told[3], kOverflowBox);
     EXPECT_EQ(records->log, "");
 }
 
@@ -201,7 +192,7 @@ TEST_F(CErrHandlerTest, AnObjectThatIsNoRecordSetIsRefusedAndTheOldDestinationKe
     };
     const RuntimeError error = Raised([this] { mErrors.Destination(std::make_shared<Picture>()); });
     EXPECT_EQ(error.Description(), "Invalid object type: Picture");
-    Fail("a.b", ErrorNumber::Overflow);
+    Overflow("a.b");
     EXPECT_TRUE(mPlatform.files.Exists(kFile));
 }
 
@@ -222,12 +213,10 @@ TEST_F(CErrHandlerTest, TheTraceStartsAnewAndStopsWithTheSwitch) {
 }
 
 TEST_F(CErrHandlerTest, ErrorsOfTheStandardLibraryKeepTheirMeaning) {
-    using Raise = std::function<void()>;
     const auto refused = [](std::errc code) {
         return [code] { throw std::system_error(std::make_error_code(code)); };
     };
-    // clang-format off
-    const std::pair<std::int32_t, Raise> kCases[] = {
+    const std::pair<std::int32_t, std::function<void()>> kCases[] = {
         {7, [] { throw std::bad_alloc(); }},
         {7, [] { std::string().reserve(std::string().max_size() + 1); }},
         {9, [] { static_cast<void>(std::vector<int>().at(1)); }},
@@ -237,24 +226,19 @@ TEST_F(CErrHandlerTest, ErrorsOfTheStandardLibraryKeepTheirMeaning) {
         {70, refused(std::errc::permission_denied)},
         {61, refused(std::errc::no_space_on_device)},
         {75, refused(std::errc::io_error)},
-        {51, [] { throw 1; }},
-    };
-    // clang-format on
+        {51, [] { throw 1; }}};
     for (const auto& [number, raise] : kCases) {
-        Fail("a.b", raise);
+        Trapped("a.b", raise);
         EXPECT_EQ(mErrors.LastError().Number(), number);
     }
-    Fail("a.b", [] { throw std::logic_error("Told"); });
-    EXPECT_EQ(Boxes().back().text, ReportBox("a.b", "(51) Told"));
+    Trapped("a.b", [] { throw std::logic_error("Told"); });
+    EXPECT_EQ(Told(mPlatform).back(), ReportBox("a.b", "(51) Told"));
 }
 
 TEST_F(CErrHandlerTest, AFailingExitIsReportedAndStillPopsItsName) {
-    const auto fail = [](std::int32_t number) { return [number] { throw RuntimeError(number); }; };
-    EXPECT_FALSE(Trapped("a.b", fail(13), fail(6)));
-    ASSERT_EQ(Boxes().size(), 2u);
-    EXPECT_EQ(Boxes()[0].text, ReportBox("a.b", "(13) Type mismatch"));
-    EXPECT_EQ(Boxes()[1].text, ReportBox("a.b", "(6) Overflow"));
-    Fail("a.Next", ErrorNumber::Overflow);
+    EXPECT_FALSE(Trapped("a.b", Raise(ErrorNumber::TypeMismatch), Raise(ErrorNumber::Overflow)));
+    EXPECT_EQ(Told(mPlatform), (Texts{ReportBox("a.b", "(13) Type mismatch"), kOverflowBox}));
+    Overflow("a.Next");
     EXPECT_NE(Report().find("\r\n00a.Next\r\n"), std::string::npos);
 }
 

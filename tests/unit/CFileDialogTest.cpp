@@ -105,7 +105,7 @@ TEST_F(CFileDialogTest, ACancelKeepsBothNamesWhateverTheBuffersHold) {
     EXPECT_FALSE(mDialog.Show(false));
     EXPECT_EQ(mDialog.FileName, "C:\\old.run");
     EXPECT_EQ(mDialog.FileTitle, "old.run");
-    EXPECT_TRUE(mPlatform.boxes.shown.empty());
+    EXPECT_EQ(Told(mPlatform), Texts{});
 }
 
 TEST_F(CFileDialogTest, ANameBeyondTheBufferIsReportedAndNoDialogShown) {
@@ -113,14 +113,12 @@ TEST_F(CFileDialogTest, ANameBeyondTheBufferIsReportedAndNoDialogShown) {
     mDialog.FileName = "12345";
     mDialog.Show(true);
     EXPECT_EQ(mDialogs.shown.file, "12345") << "a name that just fits";
-    EXPECT_TRUE(mPlatform.boxes.shown.empty());
 
     mDialogs.kind.clear();
     mDialog.FileName = "123456";
     EXPECT_FALSE(mDialog.Show(true));
     EXPECT_EQ(mDialogs.kind, "");
-    ASSERT_EQ(mPlatform.boxes.shown.size(), 1u);
-    EXPECT_EQ(mPlatform.boxes.shown[0].text, ReportBox("CFileDialog.Show", "(6) Overflow"));
+    EXPECT_EQ(Told(mPlatform), Texts{ReportBox("CFileDialog.Show", "(6) Overflow")});
     EXPECT_EQ(mDialog.FileName, "123456");
 }
 

@@ -7,7 +7,6 @@
 #include <new>
 #include <string>
 #include <tuple>
-#include <vector>
 
 #include "ReportingPlatform.hpp"
 
@@ -18,15 +17,13 @@ using namespace std::string_literals;
 
 class NotedRegistry : public RegistryHive {
 public:
-    RegistryResult OpenKey(RegistryRoot under, const std::string& of, std::uint32_t mask,
+    RegistryResult OpenKey(RegistryRoot root, const std::string& path, std::uint32_t access,
                            RegistryKey& key) override {
-        if (refuse) return kRegistryAccessDenied;
-        return Noted(under, of, mask, RegistryHive::OpenKey(under, of, mask, key));
+        return Noted({root, path, access}, RegistryHive::OpenKey(root, path, access, key));
     }
-    RegistryResult CreateKey(RegistryRoot under, const std::string& of, std::uint32_t mask,
+    RegistryResult CreateKey(RegistryRoot root, const std::string& path, std::uint32_t access,
                              RegistryKey& key) override {
-        if (refuse) return kRegistryAccessDenied;
-        return Noted(under, of, mask, RegistryHive::CreateKey(under, of, mask, key));
+        return Noted({root, path, access}, RegistryHive::CreateKey(root, path, access, key));
     }
     RegistryResult QueryValue(RegistryKey key, const std::string& name, std::uint32_t& type,
                               char* data, std::uint32_t& size) override {
@@ -36,8 +33,6 @@ public:
     RegistryResult SetValue(RegistryKey key, const std::string& name, std::uint32_t type,
                             std::string_view bytes) override {
         if (exhausted) throw std::bad_alloc();
-        setType = type;
-        setBytes = bytes;
         return refuseValues ? kRegistryWriteFault : RegistryHive::SetValue(key, name, type, bytes);
     }
     RegistryResult CloseKey(RegistryKey key) override {
@@ -45,22 +40,17 @@ public:
         return RegistryHive::CloseKey(key);
     }
 
-    bool refuse = false;
+    using Request = std::tuple<RegistryRoot, std::string, std::uint32_t>;
+    Request asked;
+    int openKeys = 0;
+    bool refuseKeys = false;
     bool refuseValues = false;
     bool exhausted = false;
-    int openKeys = 0;
-    RegistryRoot root{};
-    std::string path;
-    std::uint32_t access = 0;
-    std::uint32_t setType = 0;
-    std::string setBytes;
 
 private:
-    RegistryResult Noted(RegistryRoot under, const std::string& of, std::uint32_t mask,
-                         RegistryResult result) {
-        root = under;
-        path = of;
-        access = mask;
+    RegistryResult Noted(const Request& request, RegistryResult result) {
+        if (refuseKeys) return kRegistryAccessDenied;
+        asked = request;
         openKeys += result == kRegistrySuccess;
         return result;
     }
@@ -72,6 +62,8 @@ protected:
         mStore.RegBase = "Company";
         mStore.Program = "Program";
     }
+    ~CProgramSettingsTest() override { EXPECT_EQ(mRegistry.openKeys, 0); }
+
     void Put(const std::string& name, std::uint32_t type, std::string_view bytes) {
         RegistryKey key = 0;
         mRegistry.CreateKey(RegistryRoot::LocalMachine, "SOFTWARE\\Company\\Program\\Settings",
@@ -86,7 +78,6 @@ protected:
 };
 
 TEST_F(CProgramSettingsTest, AnUnexpectedKindOfValueMustNotBeTakenForText) {
-    // clang-format off
     const std::tuple<const char*, std::uint32_t, std::string, std::string> kCases[] = {
         {"text", kRegistryString, "COM1 \0"s, "COM1 "},
         {"text stored without its NUL", kRegistryString, "COM1", "COM1"},
@@ -94,19 +85,15 @@ TEST_F(CProgramSettingsTest, AnUnexpectedKindOfValueMustNotBeTakenForText) {
         {"8-bit text", kRegistryString, "Espa\xf1\0"s, "Españ"},
         {"empty text", kRegistryString, "\0"s, "default"},
         {"no bytes at all", kRegistryString, "", "default"},
-        {"number", kRegistryDword, "\x05\0\0\0"s, "5"},
-        {"number, high byte last", kRegistryDword, "\0\x02\0\0"s, "512"},
+        {"number, high byte last", kRegistryDword, "\x05\x02\0\0"s, "517"},
         {"number above the signed range", kRegistryDword, "\xff\xff\xff\xff", "-1"},
         {"zero is not empty", kRegistryDword, "\0\0\0\0"s, "0"},
         {"number of the wrong size", kRegistryDword, "\x05\0\0\0\0"s, "default"},
-        {"binary", kRegistryBinary, "COM1\0"s, "default"},
-    };
-    // clang-format on
+        {"binary", kRegistryBinary, "COM1\0"s, "default"}};
     for (const auto& [what, type, bytes, read] : kCases) {
         Put("Value", type, bytes);
         EXPECT_EQ(mStore.ReadEntry("Value", "default"), read) << what;
     }
-    EXPECT_EQ(mRegistry.openKeys, 0);
 }
 
 TEST_F(CProgramSettingsTest, ReadingMustNotCreateTheKey) {
@@ -115,30 +102,27 @@ TEST_F(CProgramSettingsTest, ReadingMustNotCreateTheKey) {
     EXPECT_EQ(mRegistry.Export(), before);
     Put("Other", kRegistryString, "x\0"s);
     EXPECT_EQ(mStore.ReadEntry("Port", "COM1"), "COM1");
-    EXPECT_EQ(mRegistry.openKeys, 0);
 }
 
 TEST_F(CProgramSettingsTest, TheKeyPathKeepsEmptyMiddlePartsAndLosesOneFinalBackslash) {
-    // clang-format off
     const std::array<std::string, 4> kCases[] = {
         {"Company", "Program", "Settings", "SOFTWARE\\Company\\Program\\Settings"},
         {"Company", "Program", "", "SOFTWARE\\Company\\Program"},
         {"", "Program", "Settings", "SOFTWARE\\\\Program\\Settings"},
         {"Company", "", "", "SOFTWARE\\Company\\"},
-        {"Compañía", "P", "S", "SOFTWARE\\Compa\xf1\xed" "a\\P\\S"},
-    };
-    // clang-format on
+        {"Compañía", "P", "S",
+         "SOFTWARE\\Compa\xf1\xed"
+         "a\\P\\S"}};
     for (const auto& [company, program, section, path] : kCases) {
+        const NotedRegistry::Request expected = {RegistryRoot::LocalMachine, path, 63};
         mStore.RegBase = company;
         mStore.Program = program;
         mStore.Section = section;
         mStore.ReadEntry("x", "");
-        EXPECT_EQ(mRegistry.path, path) << "read";
-        mRegistry.path.clear();
+        EXPECT_EQ(std::get<1>(mRegistry.asked), path) << "read";
+        mRegistry.asked = {};
         mStore.WriteEntry("x", "y");
-        EXPECT_EQ(mRegistry.path, path) << "written";
-        EXPECT_EQ(mRegistry.root, RegistryRoot::LocalMachine);
-        EXPECT_EQ(mRegistry.access, 63u);
+        EXPECT_EQ(mRegistry.asked, expected) << "written";
         EXPECT_EQ(mStore.ReadEntry("x", "lost"), "y");
     }
     mStore.RootKey = RegistryRoot::CurrentUser;
@@ -147,25 +131,22 @@ TEST_F(CProgramSettingsTest, TheKeyPathKeepsEmptyMiddlePartsAndLosesOneFinalBack
 
 TEST_F(CProgramSettingsTest, AWriteStoresExactlyTheBytesAndOneNul) {
     mStore.WriteEntry("Port", "COM1 ");
-    EXPECT_EQ(mRegistry.setBytes, "COM1 \0"s);
-    EXPECT_EQ(mRegistry.setType, 1u);
     mStore.WriteEntry("Name", "a\0ñ"s);
-    EXPECT_EQ(mRegistry.setBytes, "a\0\xf1\0"s);
     EXPECT_EQ(mStore.ReadEntry("Name", ""), "a\0ñ"s);
-    EXPECT_EQ(mRegistry.openKeys, 0);
+    EXPECT_TRUE(mRegistry.Export().ends_with("\"Name\"=hex(1):61,00,f1,00\n\"Port\"=\"COM1 \"\n"))
+        << mRegistry.Export();
 }
 
 TEST_F(CProgramSettingsTest, ARefusingRegistryIsSilentAndReadsAsTheDefault) {
     Put("Port", kRegistryString, "COM7\0"s);
-    mRegistry.refuse = true;
+    mRegistry.refuseKeys = true;
     mStore.WriteEntry("Port", "COM8");
     EXPECT_EQ(mStore.ReadEntry("Port", "COM1"), "COM1");
-    mRegistry.refuse = false;
+    mRegistry.refuseKeys = false;
     mRegistry.refuseValues = true;
     mStore.WriteEntry("Port", "COM8");
     EXPECT_EQ(mStore.ReadEntry("Port", "COM1"), "COM7");
-    EXPECT_EQ(mRegistry.openKeys, 0);
-    EXPECT_TRUE(mPlatform.boxes.shown.empty());
+    EXPECT_EQ(Told(mPlatform), Texts{});
 }
 
 TEST_F(CProgramSettingsTest, ARunTimeErrorIsToldUnderItsProcedureAndDoesNotEscape) {
@@ -173,11 +154,8 @@ TEST_F(CProgramSettingsTest, ARunTimeErrorIsToldUnderItsProcedureAndDoesNotEscap
     mRegistry.exhausted = true;
     EXPECT_EQ(mStore.ReadEntry("Port", "COM1"), "COM1");
     mStore.WriteEntry("Port", "COM8");
-    ASSERT_EQ(mPlatform.boxes.shown.size(), 2u);
-    EXPECT_EQ(mPlatform.boxes.shown[0].title, "GetKeyValue");
-    EXPECT_EQ(mPlatform.boxes.shown[0].text, "Error: 7. Out of memory");
-    EXPECT_EQ(mPlatform.boxes.shown[1].title, "SetKeyValue");
-    EXPECT_EQ(mPlatform.boxes.shown[1].text, "Error: 7. Out of memory");
+    EXPECT_EQ(Told(mPlatform), (Texts{"none|GetKeyValue|Error: 7. Out of memory",
+                                      "none|SetKeyValue|Error: 7. Out of memory"}));
 }
 
 }  // namespace

@@ -249,9 +249,9 @@ TEST_F(SessionFixture, BlankLinesAreCountedAndNotSent) {
     EXPECT_TRUE(MemoryIs(image));
 }
 
-class NothingAccepted : public SessionFixture, public testing::WithParamInterface<std::string> {};
+class NothingToAccept : public SessionFixture, public testing::WithParamInterface<std::string> {};
 
-TEST_P(NothingAccepted, WaitsWithoutEndUntilTheWindowIsClosed) {
+TEST_P(NothingToAccept, WaitsWithoutEndUntilTheWindowIsClosed) {
     Connect(GetParam(), {"done@0"});
     const std::int32_t start = headless.clock.Ticks();
     bool refused = false;
@@ -266,7 +266,7 @@ TEST_P(NothingAccepted, WaitsWithoutEndUntilTheWindowIsClosed) {
     EXPECT_FALSE(headless.ports.IsOpen("COM1"));
 }
 
-INSTANTIATE_TEST_SUITE_P(FlashSession, NothingAccepted,
+INSTANTIATE_TEST_SUITE_P(FlashSession, NothingToAccept,
                          testing::Values("   \r\n\r\n", "\n" + ImageOf(0)));
 
 TEST_F(SessionFixture, AnImageThatVanishesDuringTheHandshakeIsReportedAndEndsTheSession) {

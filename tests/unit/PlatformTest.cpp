@@ -4,8 +4,7 @@
 
 #include "platform/CompiledStrings.hpp"
 #include "platform/WildCards.hpp"
-#include "platform/headless/HeadlessFiles.hpp"
-#include "support/RuntimeError.hpp"
+#include "tests/unit/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {
@@ -43,24 +42,16 @@ TEST(MatchesPattern, FollowsTheWildCards) {
 }
 
 TEST(HeadlessFiles, PlaysTheFaultsItIsToldTo) {
-    const auto errorOf = [](auto body) {
-        try {
-            body();
-        } catch (const RuntimeError& error) {
-            return error.Number();
-        }
-        return 0;
-    };
     HeadlessFiles files;
     files.Add("C:\\fw\\image.s19", "S0");
     files.FailOn("C:/fw/image.s19", 70);
-    EXPECT_EQ(errorOf([&] { files.ReadAll("C:\\fw\\image.s19"); }), 70);
-    EXPECT_EQ(errorOf([&] { files.WriteAll("C:\\fw\\image.s19", ""); }), 70);
+    EXPECT_EQ(Raised([&] { files.ReadAll("C:\\fw\\image.s19"); }).Number(), 70);
+    EXPECT_EQ(Raised([&] { files.WriteAll("C:\\fw\\image.s19", ""); }).Number(), 70);
     files.FailOn("C:\\fw\\image.s19", 0);
     EXPECT_EQ(files.ReadAll("C:\\fw\\image.s19"), "S0");
     files.MakeVanishing("C:\\fw\\image.s19");
     EXPECT_TRUE(files.Exists("C:/fw/image.s19"));
-    EXPECT_EQ(errorOf([&] { files.ReadAll("C:/fw/image.s19"); }), 53);
+    EXPECT_EQ(Raised([&] { files.ReadAll("C:/fw/image.s19"); }).Number(), 53);
     EXPECT_FALSE(files.Exists("C:/FW/image.s19")) << "letter case counts here";
 }
 

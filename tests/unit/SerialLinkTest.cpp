@@ -107,8 +107,7 @@ TEST_F(LinkFixture, WhateverGoesWrongInsideTheResultIsNeverOK) {
     headless.clock.Set(0x7fffffffu - 5000u);
     far.onReceive = [&] { far.reply = "OK"; };
     EXPECT_EQ(Send("L"), SendResult::SendFailed);
-    EXPECT_THAT(Boxes(), testing::ElementsAre(testing::HasSubstr(
-                             "frmMain.SendData on line 0\r\nError (6) Overflow")));
+    EXPECT_EQ(Boxes(), Texts{ReportBox("frmMain.SendData", "(6) Overflow")});
 }
 
 TEST_F(LinkFixture, APacedSendWaitsAfterEachCharacter) {
@@ -126,13 +125,9 @@ TEST_F(LinkFixture, APacedSendWaitsAfterEachCharacter) {
 
 TEST_F(LinkFixture, AnErrorOfAPacedSendCarriesItsOwnName) {
     headless.clock.Set(0x7fffffffu - 10u);
-    try {
-        link.DelayedSend("A");
-        FAIL() << "no error";
-    } catch (const RuntimeError& error) {
-        EXPECT_TRUE(error.Is(ErrorNumber::Overflow));
-        EXPECT_EQ(error.Source(), "Morvane.frmMain.DelayedSend");
-    }
+    const RuntimeError error = Raised([this] { link.DelayedSend("A"); });
+    EXPECT_TRUE(error.Is(ErrorNumber::Overflow));
+    EXPECT_EQ(error.Source(), "Morvane.frmMain.DelayedSend");
 }
 
 }  // namespace

@@ -18,18 +18,6 @@ namespace {
 
 class StartupTest : public testing::Test {
 protected:
-    /// Runs the pump; false when it had to be stopped from here.
-    bool RunsToItsEnd() {
-        bool ended = true;
-        const TimerId stop = mPlatform.pump.StartTimer(10000, [&] {
-            ended = false;
-            mPlatform.pump.Quit();
-        });
-        mPlatform.pump.Run();
-        mPlatform.pump.StopTimer(stop);
-        return ended;
-    }
-
     HeadlessPlatform mPlatform;
     modStartup mStartup{mPlatform.platform};
 };
@@ -43,14 +31,12 @@ TEST_F(StartupTest, MainPreparesTheReporterAndShowsTheStartPanel) {
               "/home/tech/.config\\TSMR\\CALDOR\\errorlog.txt");
     EXPECT_EQ(mStartup.HelpFile(), "/opt/vantor\\tswuhelp.chm");
     frmMain& window = *mStartup.MainWindow();
-    EXPECT_TRUE(window.Visible());
-    EXPECT_TRUE(window.picStartup.Visible());
+    EXPECT_TRUE(window.Visible() && window.picStartup.Visible());
     EXPECT_FALSE(window.picUpdate.Visible() || window.picFlash.Visible());
-    EXPECT_TRUE(mPlatform.boxes.shown.empty());
 
     Trapped("a.b", [] { throw RuntimeError(6); });
-    ASSERT_EQ(mPlatform.boxes.shown.size(), 1u) << "errors are to be shown from now on";
-    EXPECT_EQ(mPlatform.boxes.shown[0].text, ReportBox("a.b", "(6) Overflow"));
+    EXPECT_EQ(Told(mPlatform), Texts{ReportBox("a.b", "(6) Overflow")})
+        << "errors, and nothing else, are to be shown from now on";
     const std::string report =
         mPlatform.files.ReadAll("/home/tech/.config/TSMR/CALDOR/errorlog.txt");
     EXPECT_NE(report.find("\r\n00a.b\r\n"), std::string::npos) << "Main left its name behind";
@@ -60,18 +46,18 @@ TEST_F(StartupTest, ASecondInstanceEndsWithoutWindowOrMessage) {
     mPlatform.process.anotherRuns = true;
     EXPECT_FALSE(mStartup.Main());
     EXPECT_EQ(mStartup.MainWindow(), nullptr);
-    EXPECT_TRUE(mPlatform.peers.open.empty());
-    EXPECT_TRUE(mPlatform.boxes.shown.empty());
+    EXPECT_EQ(mPlatform.peers.open, Texts{});
+    EXPECT_EQ(Told(mPlatform), Texts{});
 }
 
 TEST_F(StartupTest, AnUnknownProgramFolderIsToldAndDoesNotStopTheStart) {
     mPlatform.process.executable.clear();
     EXPECT_TRUE(mStartup.Main());
-    ASSERT_EQ(mPlatform.boxes.shown.size(), 1u);
-    EXPECT_EQ(mPlatform.boxes.shown[0].text,
-              "An error has occured in Pellin.modSupport.AppPath \r\n"
-              "Error:53\r\nDescription:File not found\r\nLine:0");
-    EXPECT_EQ(mPlatform.boxes.shown[0].icon, BoxIcon::None);
+    ASSERT_EQ(Told(mPlatform).size(), 1u);
+    EXPECT_TRUE(Told(mPlatform)[0].starts_with("none|"));
+    EXPECT_TRUE(
+        Told(mPlatform)[0].ends_with("|An error has occured in Pellin.modSupport.AppPath \r\n"
+                                     "Error:53\r\nDescription:File not found\r\nLine:0"));
     EXPECT_TRUE(mStartup.MainWindow()->Visible());
 }
 
@@ -80,8 +66,8 @@ TEST_F(StartupTest, ABrokenSettingIsReportedOnceAndTheDefaultsAreUsed) {
         "[HKEY_CURRENT_USER\\SOFTWARE\\Tessmar Instruments\\Tessmar Vantor Update\\Settings]\n"
         "\"AutoUnZip\"=\"perhaps\"\n\"Port\"=\"COM9\"\n");
     ASSERT_TRUE(mStartup.Main());
-    ASSERT_EQ(mPlatform.boxes.shown.size(), 1u);
-    EXPECT_TRUE(mPlatform.boxes.shown[0].text.ends_with("Error (13) Type mismatch"));
+    ASSERT_EQ(Told(mPlatform).size(), 1u);
+    EXPECT_TRUE(Told(mPlatform)[0].ends_with("Error (13) Type mismatch"));
     frmMain& window = *mStartup.MainWindow();
     EXPECT_TRUE(window.picStartup.Visible() && !window.picFlash.Visible());
     EXPECT_EQ(window.cmdFlash.Caption(), "Update Indicator");
@@ -96,11 +82,13 @@ TEST_F(StartupTest, ClosingTheMainWindowEndsTheProgramAndCleansUp) {
         std::make_shared<frmStatus>(mStartup.MainWindow()->GetDesktop(), mPlatform.strings);
     other->Load();
     mPlatform.pump.StartTimer(5, [this] { mStartup.MainWindow()->mnuFileExit.Press(); });
-    EXPECT_TRUE(RunsToItsEnd());
+    mPlatform.pump.StartTimer(10000, [this] { mPlatform.pump.Quit(); });
+    mPlatform.pump.Run();
+    EXPECT_LT(mPlatform.clock.Milliseconds(), 10000u) << "it had to be stopped from here";
     EXPECT_TRUE(other->Gone());
-    EXPECT_TRUE(mPlatform.peers.open.empty());
+    EXPECT_EQ(mPlatform.peers.open, Texts{});
     EXPECT_FALSE(mPlatform.files.Exists(kUpdates));
-    EXPECT_TRUE(mPlatform.boxes.shown.empty());
+    EXPECT_EQ(Told(mPlatform), Texts{});
 }
 
 TEST_F(StartupTest, AnUpdateListThatCannotBeDeletedDoesNotKeepTheWindowOpen) {
@@ -108,30 +96,28 @@ TEST_F(StartupTest, AnUpdateListThatCannotBeDeletedDoesNotKeepTheWindowOpen) {
     mPlatform.files.FailOn(kUpdates, 70);
     mStartup.Main();
     EXPECT_TRUE(mStartup.MainWindow()->Unload());
-    EXPECT_TRUE(mPlatform.boxes.shown.empty());
+    EXPECT_EQ(Told(mPlatform), Texts{});
 }
 
 TEST_F(StartupTest, TheDownloadButtonsWaitForASelection) {
     mStartup.Main();
     frmMain& window = *mStartup.MainWindow();
-    const auto enabled = [&window] {
-        return window.cmdDetails.Enabled() + window.cmdDownload.Enabled() +
-               window.cmdDownloadAll.Enabled();
-    };
-    window.lvwUpdates.Press();
-    EXPECT_EQ(enabled(), 0);
-    window.lvwUpdates.selectedRow = 0;
-    window.lvwUpdates.Press();
-    EXPECT_EQ(enabled(), 3);
+    for (const int selected : {-1, 0}) {
+        window.lvwUpdates.selectedRow = selected;
+        window.lvwUpdates.Press();
+        for (CommandButton* button :
+             {&window.cmdDetails, &window.cmdDownload, &window.cmdDownloadAll})
+            EXPECT_EQ(button->Enabled(), selected == 0) << button->Name();
+    }
 }
 
 TEST(modSupport, EveryPathGetsExactlyOneFinalBackslash) {
-    // clang-format off
-    const std::pair<const char*, const char*> kCases[] = {
-        {"", "\\"}, {"C:\\", "C:\\"}, {"C:", "C:\\"}, {"/home/x", "/home/x\\"},
-        {"/home/x/", "/home/x/\\"}, {"a\\\\", "a\\\\"},
-    };
-    // clang-format on
+    const std::pair<const char*, const char*> kCases[] = {{"", "\\"},
+                                                          {"C:\\", "C:\\"},
+                                                          {"C:", "C:\\"},
+                                                          {"/home/x", "/home/x\\"},
+                                                          {"/home/x/", "/home/x/\\"},
+                                                          {"a\\\\", "a\\\\"}};
     for (const auto& [path, result] : kCases) EXPECT_EQ(AddFinalSlash(path), result) << path;
     HeadlessProcess process;
     process.executable = "C:\\Program Files\\Vantor\\tsupdate.exe";

@@ -1,4 +1,4 @@
-#include "app/base/RegistryValue.hpp"
+#include "app/base/StoredValue.hpp"
 
 #include <array>
 
@@ -21,8 +21,8 @@ private:
 };
 
 // First the type and the size, with no buffer; then the value itself.
-RegistryValue QueryOpenKey(Registry& registry, const CodePage& codePage, RegistryKey key,
-                           const std::string& name) {
+StoredValue QueryOpenKey(Registry& registry, const CodePage& codePage, RegistryKey key,
+                         const std::string& name) {
     std::uint32_t type = 0;
     std::uint32_t size = 0;
     if (registry.QueryValue(key, name, type, nullptr, size) != kRegistrySuccess) return {};
@@ -48,18 +48,18 @@ RegistryValue QueryOpenKey(Registry& registry, const CodePage& codePage, Registr
 
 }  // namespace
 
-RegistryValue ReadRegistryValue(Registry& registry, const CodePage& codePage, RegistryRoot root,
-                                const std::string& path, const std::string& name,
-                                std::uint32_t access) {
+StoredValue ReadStoredValue(Registry& registry, const CodePage& codePage, RegistryRoot root,
+                            const std::string& path, const std::string& name,
+                            std::uint32_t access) {
     RegistryKey key = 0;
     if (registry.OpenKey(root, codePage.ToAnsi(path), access, key) != kRegistrySuccess) return {};
     const KeyCloser closer(registry, key);
     return QueryOpenKey(registry, codePage, key, codePage.ToAnsi(name));
 }
 
-void WriteRegistryText(Registry& registry, const CodePage& codePage, RegistryRoot root,
-                       const std::string& path, const std::string& name, const std::string& text,
-                       std::uint32_t type) {
+void WriteStoredText(Registry& registry, const CodePage& codePage, RegistryRoot root,
+                     const std::string& path, const std::string& name, const std::string& text,
+                     std::uint32_t type) {
     RegistryKey key = 0;
     if (registry.CreateKey(root, codePage.ToAnsi(path), kRegistryAllButOwner, key) !=
         kRegistrySuccess)

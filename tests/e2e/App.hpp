@@ -1,0 +1,129 @@
+// The program under test as its user has it: windows that are looked at, buttons, menus and keys.
+// Everything goes through the system and nothing through the program's own classes; what waits,
+// waits for a condition.
+#pragma once
+
+#include <cstdint>
+#include <functional>
+#include <iosfwd>
+#include <string>
+#include <vector>
+
+#include "platform/win32/Win32Handle.hpp"
+#include "platform/win32/Windows.hpp"
+
+namespace vantor::e2e {
+
+/// Waits up to 100 s for `condition`; raises an error that names `what` when it does not come.
+void Await(const std::string& what, const std::function<bool()>& condition);
+
+/// A setting of the surroundings, from the script that started the driver.
+std::string Setting(const char* name);
+
+/// The desktop of this run, which no other program of the same Wine prefix shares.
+void EnterDesktop();
+
+/// A message box: what it says, the kind of its icon ("question" and so on), its buttons.
+struct Box {
+    std::string title;
+    std::string text;
+    std::string icon;
+    std::vector<int> buttons = {IDOK};
+
+    bool operator==(const Box&) const = default;
+};
+void PrintTo(const Box& box, std::ostream* stream);
+
+/// Presses and releases a key on the keyboard, for the window in the foreground.
+void Key(WORD key, bool withAlt = false);
+
+/// The text of a window of another program.
+std::string TextOf(HWND window);
+
+/// Sends nothing: posts the press of a dialog's button.
+void PressIn(HWND dialog, int button);
+
+class App {
+public:
+    /// Starts the program and waits for its window.
+    App();
+    /// Ends it, whatever it does.
+    ~App();
+    App(const App&) = delete;
+    App& operator=(const App&) = delete;
+
+    /// Starts the program once more beside a running one; its exit status.
+    static DWORD RunBeside();
+
+    HWND Main() const { return mMain; }
+    HWND Child(const char* name) const;
+    /// The text of a label or the caption of a button.
+    std::string Text(const char* name) const { return TextOf(Child(name)); }
+    bool IsEnabled(const char* name) const { return IsWindowEnabled(Child(name)) != 0; }
+    bool IsShown(const char* name) const { return IsWindowVisible(Child(name)) != 0; }
+    int Percent() const;
+    /// The line that is being sent; -1 while none is.
+    int Line() const;
+
+    void Press(const char* button) const;
+    /// Posts the command of a menu item.
+    void Choose(const char* item) const;
+    bool CanChoose(const char* item) const;
+    std::string MenuText(const char* item) const;
+    void Close() const { static_cast<void>(PostMessageW(mMain, WM_CLOSE, 0, 0)); }
+
+    /// The status or About window; null while there is none.
+    HWND OtherForm() const;
+    /// A message box or file dialog; null while there is none.
+    HWND Dialog() const;
+    static bool IsFileDialog(HWND dialog);
+    /// Waits for the file dialog; returns it.
+    HWND AwaitFileDialog() const;
+    /// Waits for the file dialog, types `path` into it and presses its button.
+    void ChooseFile(const std::string& path) const;
+    /// Waits for a message box, reads it, presses `button` and waits until it has gone.
+    Box TakeBox(int button = IDOK) const;
+    /// Waits for a message box; returns its window.
+    HWND AwaitBox() const;
+    static Box Read(HWND box);
+
+    bool InMenu() const;
+    /// The name of the control with the keyboard focus.
+    HWND Focus() const;
+    bool IsRunning() const;
+    /// Waits for the end of the program; its exit status.
+    DWORD Wait() const;
+    /// False when the window has not answered for 30 s.
+    bool Answers() const;
+
+private:
+    std::vector<HWND> Windows(const wchar_t* windowClass) const;
+
+    Win32Handle mProcess;
+    DWORD mId = 0;
+    HWND mMain = nullptr;
+};
+
+/// The virtual indicator, which the script starts behind COM1.
+class Indicator {
+public:
+    Indicator() = default;
+    ~Indicator() { Stop(); }
+    Indicator(const Indicator&) = delete;
+    Indicator& operator=(const Indicator&) = delete;
+
+    void Start(const std::string& options);
+    void Stop();
+    /// Waits for its end; its exit status.
+    int Wait();
+    /// What it has said against the program.
+    std::string Complaints() const;
+};
+
+/// Has the script do what `words` say, and waits until it has.
+void Ask(const std::string& words);
+
+/// A file of this run, as the program and this driver name it.
+std::string FileOfRun(const char* name);
+
+}  // namespace vantor::e2e

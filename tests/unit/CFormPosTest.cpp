@@ -1,0 +1,143 @@
+// Window positions: what is stored, what a stored record does, and the geometry that follows.
+#include "app/base/CFormPos.hpp"
+
+#include <gtest/gtest.h>
+
+#include "app/MainLayout.hpp"
+#include "app/base/CErrHandler.hpp"
+#include "app/frmMain.hpp"
+#include "dialogs/frmAbout.hpp"
+#include "platform/headless/HeadlessPlatform.hpp"
+
+namespace vantor {
+namespace {
+
+class CFormPosTest : public testing::Test {
+protected:
+    CFormPosTest() {
+        position.Form = window.get();
+        window->Load();
+        window->Place({1, 2, 3000, 4000});
+    }
+
+    void Store(const std::string& record) {
+        RegistryKey key = 0;
+        ASSERT_EQ(headless.registry.CreateKey(RegistryRoot::CurrentUser, kPath,
+                                              kRegistryAllButOwner, key),
+                  kRegistrySuccess);
+        ASSERT_EQ(headless.registry.SetValue(key, "frmAbout", kRegistryString,
+                                             record + std::string(1, '\0')),
+                  kRegistrySuccess);
+    }
+
+    static constexpr const char* kPath =
+        "SOFTWARE\\Tessmar Instruments\\Tessmar Vantor Update\\Positions";
+    HeadlessPlatform headless;  // a screen of 28800 by 16200 twips
+    Desktop desktop{headless.peers, headless.pump};
+    std::shared_ptr<frmAbout> window = std::make_shared<frmAbout>(desktop, headless.strings);
+    CFormPos position{headless.registry, headless.codePage};
+};
+
+TEST_F(CFormPosTest, ARecordIsAppliedMarkerByMarker) {
+    const struct {
+        const char* record;
+        bool keepOnScreen;
+        Place place;
+        WindowState state;
+    } rows[] = {
+        {"L=10;T=20;W=300.5;H=400;S=0;", false, {10, 20, 300.5f, 400}, WindowState::Normal},
+        {"W=300;S=0;", false, {1, 2, 300, 4000}, WindowState::Normal},
+        {"L=abc;T=-5;W=300;H=400;S=0;", false, {0, -5, 300, 400}, WindowState::Normal},
+        {"L=10;T=20;W=300;H=400;S=2;", true, {1, 2, 3000, 4000}, WindowState::Maximised},
+        {"L=10;T=20;W=300;H=400;S=1;", true, {1, 2, 3000, 4000}, WindowState::Minimised},
+        {"L=28800;T=16200;W=300;H=400;S=0;", true, {28500, 15800, 300, 400}, WindowState::Normal},
+        {"L=28799;T=-1;W=300;H=400;S=0;", true, {28799, 0, 300, 400}, WindowState::Normal},
+        {"L=30000;T=0;W=40000;H=400;S=0;", true, {0, 0, 40000, 400}, WindowState::Normal},
+    };
+    for (const auto& row : rows) {
+        window->Place({1, 2, 3000, 4000});
+        window->State(WindowState::Normal);
+        Store(row.record);
+        EXPECT_TRUE(position.RestoreForm(row.keepOnScreen));
+        EXPECT_EQ(window->Place(), row.place) << row.record;
+        EXPECT_EQ(window->State(), row.state) << row.record;
+    }
+}
+
+TEST_F(CFormPosTest, WithoutARecordNothingMovesAndTheCentreIsTheScreens) {
+    EXPECT_FALSE(position.RestoreForm(true));
+    Store("");
+    EXPECT_FALSE(position.RestoreForm(true));
+    EXPECT_EQ(window->Place(), (Place{1, 2, 3000, 4000}));
+    position.CenterForm();
+    EXPECT_EQ(window->Place(), (Place{12900, 6100, 3000, 4000}));
+}
+
+TEST_F(CFormPosTest, WhatIsSavedIsRestored) {
+    window->Place({-15, 30.5f, 8400, 6600});
+    position.SaveForm();
+    std::uint32_t type = 0;
+    std::uint32_t size = 100;
+    std::string stored(size, '\0');
+    RegistryKey key = 0;
+    headless.registry.OpenKey(RegistryRoot::CurrentUser, kPath, kRegistryQueryValue, key);
+    headless.registry.QueryValue(key, "frmAbout", type, stored.data(), size);
+    EXPECT_STREQ(stored.c_str(), "L=-15;T=30.5;W=8400;H=6600;S=0;");
+    window->Place({});
+    EXPECT_TRUE(position.RestoreForm(false));
+    EXPECT_EQ(window->Place(), (Place{-15, 30.5f, 8400, 6600}));
+}
+
+TEST_F(CFormPosTest, AMistakeIsShownInTheOperationsOwnBox) {
+    position.Form = nullptr;
+    CErrHandler errors({headless.clock, headless.files, headless.folders, headless.boxes,
+                        headless.process});
+    ErrorSink* const before = SetErrorSink(&errors);
+    EXPECT_FALSE(position.RestoreForm(true));
+    SetErrorSink(before);
+    ASSERT_EQ(headless.boxes.shown.size(), 1u);
+    EXPECT_EQ(headless.boxes.shown[0].title, "RestoreForm");
+    EXPECT_EQ(headless.boxes.shown[0].text,
+              "Error: 91. Object variable or With block variable not set");
+}
+
+bool Within(const Place& inner, const Place& outer) {
+    return inner.left >= 0 && inner.top >= 0 && inner.width > 0 && inner.height > 0 &&
+           inner.left + inner.width <= outer.width && inner.top + inner.height <= outer.height;
+}
+
+TEST(MainLayout, NothingIsCutOffOrHiddenBehindAnotherAtAnySize) {
+    for (const Size size : {Size{0, 0}, Size{7200, 5100}, Size{8280, 5800}, Size{28800, 15000}}) {
+        const MainLayout at = LayoutMainWindow(size);
+        EXPECT_LE(at.picture.top + at.picture.height, at.panel.top);
+        for (const Place& place :
+             {at.welcome, at.flash, at.flashLabels[0], at.flashLabels[1], at.status, at.elapsed,
+              at.progress, at.warning, at.abort, at.updatesLabel, at.updates, at.updateStatus,
+              at.details, at.download, at.downloadAll})
+            EXPECT_TRUE(Within(place, at.panel)) << place.left << "," << place.top << " of "
+                                                 << size.width << "x" << size.height;
+        EXPECT_LE(at.welcome.top + at.welcome.height, at.flash.top);
+        EXPECT_LE(at.elapsed.top + at.elapsed.height, at.progress.top);
+        EXPECT_LE(at.progress.top + at.progress.height, at.warning.top);
+        EXPECT_LE(at.warning.top + at.warning.height, at.abort.top);
+        EXPECT_LE(at.updates.top + at.updates.height, at.updateStatus.top);
+        EXPECT_GE(at.warning.height, 1000) << "the warning needs three lines";
+    }
+}
+
+TEST(About, TheVersionHasAMinorOfTwoDigitsInBothLanguages) {
+    for (const auto& [language, text] : {std::pair{Language::English, "Version 2.05.31"},
+                                         std::pair{Language::Spanish, "versión 2.05.31"}}) {
+        HeadlessPlatform headless(language);
+        Desktop desktop(headless.peers, headless.pump);
+        const auto about = std::make_shared<frmAbout>(desktop, headless.strings);
+        about->Load();
+        EXPECT_EQ(about->lblVersion.Caption(), text);
+        EXPECT_EQ(about->lblRelease.Caption(), "");
+        about->cmdFocus.Press();
+        EXPECT_TRUE(about->Gone());
+    }
+}
+
+}  // namespace
+}  // namespace vantor

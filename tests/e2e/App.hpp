@@ -56,9 +56,9 @@ public:
     static DWORD RunBeside();
 
     HWND Main() const { return mMain; }
-    HWND Child(const char* name) const;
-    /// The text of a label or the caption of a button.
-    std::string Text(const char* name) const { return TextOf(Child(name)); }
+    /// A control of the main window, by its name in the design; null when that has gone.
+    HWND Child(const char* name, int index = -1) const;
+    std::string Text(const char* name, int index = -1) const { return TextOf(Child(name, index)); }
     bool IsEnabled(const char* name) const { return IsWindowEnabled(Child(name)) != 0; }
     bool IsShown(const char* name) const { return IsWindowVisible(Child(name)) != 0; }
     int Percent() const;
@@ -68,8 +68,6 @@ public:
     void Press(const char* button) const;
     /// Posts the command of a menu item.
     void Choose(const char* item) const;
-    bool CanChoose(const char* item) const;
-    std::string MenuText(const char* item) const;
     void Close() const { static_cast<void>(PostMessageW(mMain, WM_CLOSE, 0, 0)); }
 
     /// The status or About window; null while there is none.
@@ -81,14 +79,15 @@ public:
     HWND AwaitFileDialog() const;
     /// Waits for the file dialog, types `path` into it and presses its button.
     void ChooseFile(const std::string& path) const;
+    static void Fill(HWND fileDialog, const std::string& path);
     /// Waits for a message box, reads it, presses `button` and waits until it has gone.
     Box TakeBox(int button = IDOK) const;
     /// Waits for a message box; returns its window.
     HWND AwaitBox() const;
     static Box Read(HWND box);
+    static std::string TextIn(HWND box);
 
     bool InMenu() const;
-    /// The name of the control with the keyboard focus.
     HWND Focus() const;
     bool IsRunning() const;
     /// Waits for the end of the program; its exit status.

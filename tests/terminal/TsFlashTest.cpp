@@ -72,7 +72,9 @@ protected:
         arguments.push_back(image);
         return arguments;
     }
-    Ended Flash(const std::vector<std::string>& options = {"--yes"}) {
+    /// Runs it with the warning answered.
+    Ended Flash(std::vector<std::string> options = {}) {
+        options.insert(options.begin(), "--yes");
         Child flash(Command(options));
         const int status = flash.Wait();
         return {status, flash.Out(), flash.Err()};
@@ -175,9 +177,9 @@ TEST_F(OverATerminal, AMissingAndABusyPortAreTold) {
 
 TEST_F(OverATerminal, TheWarningIsAskedOnTheTerminalAndWithoutOneItRefuses) {
     StartIndicator();
-    const Ended blind = Flash({});
-    EXPECT_EQ(blind.status, 2);
-    EXPECT_THAT(blind.err, HasSubstr("--yes"));
+    Child blind(Command({}));
+    EXPECT_EQ(blind.Wait(), 2);
+    EXPECT_THAT(blind.Err(), HasSubstr("--yes"));
 
     Child declined(Command({}), Child::Output::Terminal);
     ASSERT_TRUE(declined.WaitFor("[y/N]"));
@@ -222,8 +224,7 @@ TEST_F(OverATerminal, OddImagesAreRefusedByTheIndicatorAndNeverASuccess) {
 TEST_F(OverATerminal, AnOverrideIsUsedAndNeverStored) {
     StartIndicator({"--baud", "9600"});
     const std::string transcript = folder / "log.txt";
-    const Ended flash =
-        Flash({"--yes", "--quiet", "-b", "9600", "--stop-bits=2", "--log", transcript});
+    const Ended flash = Flash({"--quiet", "-b", "9600", "--stop-bits=2", "--log", transcript});
     EXPECT_EQ(flash.status, 0);
     EXPECT_EQ(indicator->Wait(), 0);
     EXPECT_THAT(flash.out, Not(HasSubstr("Line ")));
@@ -255,10 +256,10 @@ TEST_F(OverATerminal, BadOptionsAreUsageErrorsWithASentence) {
 }
 
 TEST_F(OverATerminal, PracticeNeedsNoHardwareAndRehearsesFailures) {
-    const Ended whole = Flash({"--yes", "--practice"});
+    const Ended whole = Flash({"--practice"});
     EXPECT_EQ(whole.status, 0);
     EXPECT_THAT(whole.out, HasSubstr(kDone));
-    const Ended failing = Flash({"--yes", "--practice", "--fault", "verify-failed"});
+    const Ended failing = Flash({"--practice", "--fault", "verify-failed"});
     EXPECT_EQ(failing.status, 5);
     EXPECT_EQ(failing.err, kVerify);
 }

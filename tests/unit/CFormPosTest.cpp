@@ -4,10 +4,9 @@
 #include <gtest/gtest.h>
 
 #include "app/MainLayout.hpp"
-#include "app/base/CErrHandler.hpp"
 #include "app/frmMain.hpp"
 #include "dialogs/frmAbout.hpp"
-#include "platform/headless/HeadlessPlatform.hpp"
+#include "tests/unit/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {
@@ -20,19 +19,15 @@ protected:
         window->Place({1, 2, 3000, 4000});
     }
 
-    void Store(const std::string& record) {
-        RegistryKey key = 0;
-        ASSERT_EQ(headless.registry.CreateKey(RegistryRoot::CurrentUser, kPath,
-                                              kRegistryAllButOwner, key),
-                  kRegistrySuccess);
-        ASSERT_EQ(headless.registry.SetValue(key, "frmAbout", kRegistryString,
-                                             record + std::string(1, '\0')),
-                  kRegistrySuccess);
+    /// The registry with `record` in it, as text.
+    static std::string With(const std::string& record) {
+        return "REGEDIT4\n\n[HKEY_CURRENT_USER\\SOFTWARE\\Tessmar Instruments"
+               "\\Tessmar Vantor Update\\Positions]\n\"frmAbout\"=\"" +
+               record + "\"\n";
     }
+    void Store(const std::string& record) { headless.registry.Import(With(record)); }
 
-    static constexpr const char* kPath =
-        "SOFTWARE\\Tessmar Instruments\\Tessmar Vantor Update\\Positions";
-    HeadlessPlatform headless;  // a screen of 28800 by 16200 twips
+    ReportingPlatform headless;  // a screen of 28800 by 16200 twips
     Desktop desktop{headless.peers, headless.pump};
     std::shared_ptr<frmAbout> window = std::make_shared<frmAbout>(desktop, headless.strings);
     CFormPos position{headless.registry, headless.codePage};
@@ -76,13 +71,7 @@ TEST_F(CFormPosTest, WithoutARecordNothingMovesAndTheCentreIsTheScreens) {
 TEST_F(CFormPosTest, WhatIsSavedIsRestored) {
     window->Place({-15, 30.5f, 8400, 6600});
     position.SaveForm();
-    std::uint32_t type = 0;
-    std::uint32_t size = 100;
-    std::string stored(size, '\0');
-    RegistryKey key = 0;
-    headless.registry.OpenKey(RegistryRoot::CurrentUser, kPath, kRegistryQueryValue, key);
-    headless.registry.QueryValue(key, "frmAbout", type, stored.data(), size);
-    EXPECT_STREQ(stored.c_str(), "L=-15;T=30.5;W=8400;H=6600;S=0;");
+    EXPECT_EQ(headless.registry.Export(), With("L=-15;T=30.5;W=8400;H=6600;S=0;"));
     window->Place({});
     EXPECT_TRUE(position.RestoreForm(false));
     EXPECT_EQ(window->Place(), (Place{-15, 30.5f, 8400, 6600}));
@@ -90,15 +79,9 @@ TEST_F(CFormPosTest, WhatIsSavedIsRestored) {
 
 TEST_F(CFormPosTest, AMistakeIsShownInTheOperationsOwnBox) {
     position.Form = nullptr;
-    CErrHandler errors({headless.clock, headless.files, headless.folders, headless.boxes,
-                        headless.process});
-    ErrorSink* const before = SetErrorSink(&errors);
     EXPECT_FALSE(position.RestoreForm(true));
-    SetErrorSink(before);
-    ASSERT_EQ(headless.boxes.shown.size(), 1u);
-    EXPECT_EQ(headless.boxes.shown[0].title, "RestoreForm");
-    EXPECT_EQ(headless.boxes.shown[0].text,
-              "Error: 91. Object variable or With block variable not set");
+    EXPECT_EQ(Told(headless), Texts{"none|RestoreForm|Error: 91. Object variable or With block "
+                                    "variable not set"});
 }
 
 bool Within(const Place& inner, const Place& outer) {
@@ -114,8 +97,8 @@ TEST(MainLayout, NothingIsCutOffOrHiddenBehindAnotherAtAnySize) {
              {at.welcome, at.flash, at.flashLabels[0], at.flashLabels[1], at.status, at.elapsed,
               at.progress, at.warning, at.abort, at.updatesLabel, at.updates, at.updateStatus,
               at.details, at.download, at.downloadAll})
-            EXPECT_TRUE(Within(place, at.panel)) << place.left << "," << place.top << " of "
-                                                 << size.width << "x" << size.height;
+            EXPECT_TRUE(Within(place, at.panel))
+                << place.left << "," << place.top << " of " << size.width << "x" << size.height;
         EXPECT_LE(at.welcome.top + at.welcome.height, at.flash.top);
         EXPECT_LE(at.elapsed.top + at.elapsed.height, at.progress.top);
         EXPECT_LE(at.progress.top + at.progress.height, at.warning.top);

@@ -1,10 +1,8 @@
-// Small portable parts below the services: the choice of the language, file name patterns, and
-// the faults that the file system in memory plays.
+// Small portable parts below the services: the choice of the language and file name patterns.
 #include <gtest/gtest.h>
 
 #include "platform/CompiledStrings.hpp"
 #include "platform/WildCards.hpp"
-#include "tests/unit/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {
@@ -39,20 +37,6 @@ TEST(MatchesPattern, FollowsTheWildCards) {
                           Case{"a", "", false}, Case{"plain", "*.*", true}, Case{"ñ1", "?1", true},
                           Case{"ñ", "??", false}, Case{"a", "a**", true}})
         EXPECT_EQ(MatchesPattern(c.name, c.pattern), c.matches) << c.name << ' ' << c.pattern;
-}
-
-TEST(HeadlessFiles, PlaysTheFaultsItIsToldTo) {
-    HeadlessFiles files;
-    files.Add("C:\\fw\\image.s19", "S0");
-    files.FailOn("C:/fw/image.s19", 70);
-    EXPECT_EQ(Raised([&] { files.ReadAll("C:\\fw\\image.s19"); }).Number(), 70);
-    EXPECT_EQ(Raised([&] { files.WriteAll("C:\\fw\\image.s19", ""); }).Number(), 70);
-    files.FailOn("C:\\fw\\image.s19", 0);
-    EXPECT_EQ(files.ReadAll("C:\\fw\\image.s19"), "S0");
-    files.MakeVanishing("C:\\fw\\image.s19");
-    EXPECT_TRUE(files.Exists("C:/fw/image.s19"));
-    EXPECT_EQ(Raised([&] { files.ReadAll("C:/fw/image.s19"); }).Number(), 53);
-    EXPECT_FALSE(files.Exists("C:/FW/image.s19")) << "letter case counts here";
 }
 
 }  // namespace

@@ -48,6 +48,7 @@ protected:
         window->Show();
     }
     ~SessionFixture() override {
+        if (!window->Gone()) ExpectAtRest();
         window->Flags().mblnFlashing = false;
         window->Unload();
     }

@@ -1,0 +1,415 @@
+#include "tests/e2e/App.hpp"
+
+#include <commctrl.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <limits>
+#include <optional>
+#include <ostream>
+#include <stdexcept>
+#include <utility>
+
+#include "resources/Designs.hpp"
+
+namespace vantor::e2e {
+namespace {
+
+constexpr ULONGLONG kPatienceMs = 100'000;
+constexpr UINT kAnswerMs = 30'000;
+constexpr int kFirstChild = 1000;
+constexpr int kFirstCommand = 2000;
+constexpr int kBoxIcon = 1088;
+constexpr int kBoxText = 0xffff;
+constexpr int kFileName = 1148;
+
+std::wstring& DesktopName() {
+    static std::wstring name = ToWide("e2e-" + Setting("E2E_RUN"));
+    return name;
+}
+
+/// Controls are numbered in the order of the design, windows and menu items each for themselves.
+int Number(const char* name, int index, bool menuItem) {
+    int number = 0;
+    for (const ControlDesign& row : kMainWindowDesign.controls) {
+        if ((row.kind == ControlKind::MenuItem) != menuItem) continue;
+        if (row.kind == ControlKind::Timer || row.kind == ControlKind::SerialControl) continue;
+        if (std::string(name) == row.name && index == row.index) return number;
+        ++number;
+    }
+    throw std::runtime_error(std::string("no such control: ") + name);
+}
+
+UINT CommandOf(const char* item) {
+    return static_cast<UINT>(kFirstCommand + Number(item, -1, true));
+}
+
+std::wstring ClassOf(HWND window) {
+    std::array<wchar_t, 64> name{};
+    return {name.data(), static_cast<std::size_t>(
+                             GetClassNameW(window, name.data(), static_cast<int>(name.size())))};
+}
+
+LRESULT Send(HWND window, UINT message, WPARAM first, LPARAM second) {
+    DWORD_PTR result = 0;
+    SendMessageTimeoutW(window, message, first, second, SMTO_NORMAL, kAnswerMs, &result);
+    return static_cast<LRESULT>(result);
+}
+
+constexpr int kIconSize = 32;
+using Pixels = std::array<std::uint32_t, kIconSize * kIconSize>;
+
+/// `draw`s on a bitmap in memory and returns what is there then.
+Pixels Draw(const std::function<void(HDC)>& draw) {
+    BITMAPINFO info{};
+    info.bmiHeader = {sizeof info.bmiHeader, kIconSize, -kIconSize, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    void* bits = nullptr;
+    const HDC memory = CreateCompatibleDC(nullptr);
+    const HBITMAP bitmap = CreateDIBSection(memory, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
+    const HGDIOBJ before = SelectObject(memory, bitmap);
+    draw(memory);
+    GdiFlush();
+    Pixels pixels{};
+    std::transform(static_cast<const std::uint32_t*>(bits),
+                   static_cast<const std::uint32_t*>(bits) + pixels.size(), pixels.begin(),
+                   [](std::uint32_t pixel) { return pixel & 0xffffffu; });
+    SelectObject(memory, before);
+    DeleteObject(bitmap);
+    DeleteDC(memory);
+    return pixels;
+}
+
+Pixels OnScreen(const RECT& at) {
+    return Draw([&at](HDC memory) {
+        const HDC screen = GetDC(nullptr);
+        BitBlt(memory, 0, 0, kIconSize, kIconSize, screen, at.left, at.top, SRCCOPY);
+        ReleaseDC(nullptr, screen);
+    });
+}
+
+Pixels OnGround(const wchar_t* icon, std::uint32_t ground) {
+    return Draw([&](HDC memory) {
+        const RECT all = {0, 0, kIconSize, kIconSize};
+        const HBRUSH brush =
+            CreateSolidBrush(RGB(ground >> 16 & 0xffu, ground >> 8 & 0xffu, ground & 0xffu));
+        FillRect(memory, &all, brush);
+        DeleteObject(brush);
+        DrawIconEx(memory, 0, 0, LoadIconW(nullptr, icon), kIconSize, kIconSize, 0, nullptr,
+                   DI_NORMAL);
+    });
+}
+
+/// An icon of another program can only be seen: waits until it is drawn, and is the system's own.
+std::string IconIn(HWND box) {
+    static const std::pair<const wchar_t*, const char*> kKinds[] = {
+        {IDI_QUESTION, "question"},
+        {IDI_WARNING, "exclamation"},
+        {IDI_INFORMATION, "information"},
+        {IDI_ERROR, "critical"}};
+    RECT at{};
+    if (GetWindowRect(GetDlgItem(box, kBoxIcon), &at) == 0) return "none";
+    std::string found;
+    Await("the icon of the box", [&] {
+        const Pixels seen = OnScreen(at);
+        for (const auto& [icon, name] : kKinds)
+            if (seen == OnGround(icon, seen[0])) found = name;
+        return !found.empty();
+    });
+    return found;
+}
+
+STARTUPINFOW OnOurDesktop() {
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    startup.lpDesktop = DesktopName().data();
+    return startup;
+}
+
+PROCESS_INFORMATION StartProgram() {
+    STARTUPINFOW startup = OnOurDesktop();
+    PROCESS_INFORMATION started{};
+    const std::wstring program = ToWide(Setting("E2E_PROGRAM"));
+    if (CreateProcessW(program.c_str(), nullptr, nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                       &startup, &started) == 0)
+        throw std::runtime_error("the program does not start");
+    CloseHandle(started.hThread);
+    return started;
+}
+
+DWORD WaitForEnd(HANDLE process) {
+    DWORD status = 0;
+    if (WaitForSingleObject(process, static_cast<DWORD>(kPatienceMs)) != WAIT_OBJECT_0)
+        throw std::runtime_error("the program does not end");
+    GetExitCodeProcess(process, &status);
+    return status;
+}
+
+std::string Content(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+}  // namespace
+
+void Await(const std::string& what, const std::function<bool()>& condition) {
+    const ULONGLONG start = GetTickCount64();
+    while (!condition()) {
+        if (GetTickCount64() - start > kPatienceMs)
+            throw std::runtime_error("waited in vain for: " + what);
+        Sleep(5);
+    }
+}
+
+std::string Setting(const char* name) {
+    const char* const value = std::getenv(name);
+    return value == nullptr ? "" : value;
+}
+
+std::string FileOfRun(const char* name) {
+    return Setting("E2E_FOLDER") + "\\" + name;
+}
+
+void Ask(const std::string& words) {
+    const std::string request = FileOfRun("request");
+    std::ofstream(request + ".part", std::ios::binary) << words << '\n';
+    std::filesystem::rename(request + ".part", request);
+    Await("the script to: " + words, [&] { return !std::filesystem::exists(request); });
+}
+
+// Wine draws a desktop that has a size in its registry in one window of the display, with window
+// frames and a keyboard focus of its own: no window manager has a say in the tests.
+void EnterDesktop() {
+    constexpr const wchar_t* kSizes = L"Software\\Wine\\Explorer\\Desktops";
+    constexpr wchar_t kSize[] = L"1024x768";
+    RegSetKeyValueW(HKEY_CURRENT_USER, kSizes, DesktopName().c_str(), REG_SZ, kSize, sizeof kSize);
+    const HDESK desktop =
+        CreateDesktopW(DesktopName().c_str(), nullptr, nullptr, 0, GENERIC_ALL, nullptr);
+    if (desktop == nullptr || SetThreadDesktop(desktop) == 0)
+        throw std::runtime_error("no desktop for this run");
+    GetDesktopWindow();  // is drawn now
+    RegDeleteKeyValueW(HKEY_CURRENT_USER, kSizes, DesktopName().c_str());
+}
+
+void PrintTo(const Box& box, std::ostream* stream) {
+    *stream << box.icon << " box [" << box.title << "] \"" << box.text << "\", buttons";
+    for (const int button : box.buttons) *stream << ' ' << button;
+}
+
+void Key(WORD key, bool withAlt) {
+    std::vector<INPUT> inputs;
+    const auto add = [&inputs](WORD which, DWORD flags) {
+        INPUT input{};
+        input.type = INPUT_KEYBOARD;
+        input.ki.wVk = which;
+        input.ki.wScan = static_cast<WORD>(MapVirtualKeyW(which, MAPVK_VK_TO_VSC));
+        input.ki.dwFlags = flags;
+        inputs.push_back(input);
+    };
+    if (withAlt) add(VK_MENU, 0);
+    add(key, 0);
+    add(key, KEYEVENTF_KEYUP);
+    if (withAlt) add(VK_MENU, KEYEVENTF_KEYUP);
+    SendInput(static_cast<UINT>(inputs.size()), inputs.data(), sizeof(INPUT));
+}
+
+std::string TextOf(HWND window) {
+    std::array<wchar_t, 2048> text{};
+    Send(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()));
+    return ToUtf8(text.data());
+}
+
+void PressIn(HWND dialog, int button) {
+    PostMessageW(GetDlgItem(dialog, button), BM_CLICK, 0, 0);
+}
+
+// --- the program --------------------------------------------------------------------------------
+
+App::App() {
+    const PROCESS_INFORMATION started = StartProgram();
+    mProcess = Win32Handle(started.hProcess);
+    mId = started.dwProcessId;
+    Await("the main window", [this] {
+        const std::vector<HWND> forms = Windows(L"VantorForm");
+        if (!forms.empty()) mMain = forms.front();
+        return mMain != nullptr || !IsRunning();
+    });
+}
+
+App::~App() {
+    TerminateProcess(mProcess.Get(), 99);
+    WaitForSingleObject(mProcess.Get(), INFINITE);
+}
+
+DWORD App::RunBeside() {
+    const Win32Handle process(StartProgram().hProcess);
+    return WaitForEnd(process.Get());
+}
+
+std::vector<HWND> App::Windows(const wchar_t* windowClass) const {
+    struct Search {
+        DWORD id;
+        std::wstring windowClass;
+        std::vector<HWND> found;
+    } search = {mId, windowClass, {}};
+    EnumWindows(
+        [](HWND window, LPARAM parameter) {
+            auto& wanted = *reinterpret_cast<Search*>(parameter);
+            DWORD id = 0;
+            GetWindowThreadProcessId(window, &id);
+            if (id == wanted.id && IsWindowVisible(window) != 0 &&
+                ClassOf(window) == wanted.windowClass)
+                wanted.found.push_back(window);
+            return TRUE;
+        },
+        reinterpret_cast<LPARAM>(&search));
+    return search.found;
+}
+
+HWND App::Child(const char* name, int index) const {
+    const int id = kFirstChild + Number(name, index, false);
+    // Panels hold controls of their own.
+    HWND found = GetDlgItem(mMain, id);
+    for (HWND panel = nullptr; found == nullptr;) {
+        panel = FindWindowExW(mMain, panel, L"VantorPanel", nullptr);
+        if (panel == nullptr) break;
+        found = GetDlgItem(panel, id);
+    }
+    return found;
+}
+
+int App::Percent() const {
+    return static_cast<int>(Send(Child("pbarStatus"), PBM_GETPOS, 0, 0));
+}
+
+int App::Line() const {
+    int line = -1;
+    std::sscanf(Text("lblStatus").c_str(), "Line %d of", &line);
+    return line;
+}
+
+void App::Press(const char* button) const {
+    PostMessageW(Child(button), BM_CLICK, 0, 0);
+}
+
+void App::Choose(const char* item) const {
+    PostMessageW(mMain, WM_COMMAND, CommandOf(item), 0);
+}
+
+HWND App::OtherForm() const {
+    for (const HWND form : Windows(L"VantorForm"))
+        if (form != mMain) return form;
+    return nullptr;
+}
+
+HWND App::Dialog() const {
+    const std::vector<HWND> dialogs = Windows(L"#32770");
+    return dialogs.empty() ? nullptr : dialogs.front();
+}
+
+bool App::IsFileDialog(HWND dialog) {
+    return GetDlgItem(dialog, kFileName) != nullptr;
+}
+
+HWND App::AwaitFileDialog() const {
+    HWND dialog = nullptr;
+    Await("the file dialog", [&] {
+        dialog = Dialog();
+        return dialog != nullptr && IsFileDialog(dialog) && IsWindowEnabled(dialog) != 0;
+    });
+    return dialog;
+}
+
+void App::ChooseFile(const std::string& path) const {
+    Fill(AwaitFileDialog(), path);
+}
+
+void App::Fill(HWND dialog, const std::string& path) {
+    HWND edit = GetDlgItem(dialog, kFileName);
+    while (const HWND inner = GetWindow(edit, GW_CHILD)) edit = inner;
+    const std::wstring wide = ToWide(path);
+    Send(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(wide.c_str()));
+    PressIn(dialog, IDOK);
+}
+
+HWND App::AwaitBox() const {
+    HWND box = nullptr;
+    Await("a message box", [&] {
+        box = Dialog();
+        return box != nullptr && GetDlgItem(box, kBoxText) != nullptr;
+    });
+    return box;
+}
+
+std::string App::TextIn(HWND box) {
+    return TextOf(GetDlgItem(box, kBoxText));
+}
+
+Box App::Read(HWND box) {
+    Box read{TextOf(box), TextIn(box), IconIn(box), {}};
+    for (const int button : {IDOK, IDCANCEL, IDYES, IDNO})
+        if (GetDlgItem(box, button) != nullptr) read.buttons.push_back(button);
+    return read;
+}
+
+Box App::TakeBox(int button) const {
+    const HWND window = AwaitBox();
+    const Box box = Read(window);
+    PressIn(window, button);
+    Await("the box to close", [&] { return IsWindow(window) == 0; });
+    return box;
+}
+
+bool App::InMenu() const {
+    GUITHREADINFO info{};
+    info.cbSize = sizeof info;
+    GetGUIThreadInfo(GetWindowThreadProcessId(mMain, nullptr), &info);
+    return (info.flags & GUI_INMENUMODE) != 0;
+}
+
+HWND App::Focus() const {
+    GUITHREADINFO info{};
+    info.cbSize = sizeof info;
+    GetGUIThreadInfo(GetWindowThreadProcessId(mMain, nullptr), &info);
+    return info.hwndFocus;
+}
+
+bool App::IsRunning() const {
+    return WaitForSingleObject(mProcess.Get(), 0) == WAIT_TIMEOUT;
+}
+
+DWORD App::Wait() const {
+    return WaitForEnd(mProcess.Get());
+}
+
+bool App::Answers() const {
+    DWORD_PTR result = 0;
+    return SendMessageTimeoutW(mMain, WM_NULL, 0, 0, SMTO_NORMAL, kAnswerMs, &result) != 0 ||
+           IsWindow(mMain) == 0;
+}
+
+// --- the indicator ------------------------------------------------------------------------------
+
+void Indicator::Start(const std::string& options) {
+    Ask("start " + options);
+}
+
+void Indicator::Stop() {
+    Ask("stop");
+}
+
+int Indicator::Wait() {
+    const std::string status = FileOfRun("indicator.status");
+    Await("the end of the indicator", [&] { return std::filesystem::exists(status); });
+    return std::stoi(Content(status));
+}
+
+std::string Indicator::Complaints() const {
+    return Content(FileOfRun("indicator.err"));
+}
+
+}  // namespace vantor::e2e

@@ -1,0 +1,307 @@
+// tsupdate.exe in the hands of its user, with the virtual indicator behind COM1: every way a
+// flash can end, and what the windows do besides.
+#include <gtest/gtest.h>
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "resources/Version.h"
+#include "tests/e2e/Bench.hpp"
+
+namespace vantor::e2e {
+namespace {
+
+const Box kWarning = {"Tessmar Vantor Update",
+                      "Caution! Critial Operation!\r\n\r\nDuring the update, do not turn off the "
+                      "indicator. Doing so may require Factory service. \r\n\r\nDo you wish to "
+                      "proceed?",
+                      "question",
+                      {IDYES, IDNO}};
+const Box kSuccess = {
+    "Flash Update Successful",
+    "Program Download Complete. Check the indicator for additional progress messages.",
+    "information"};
+const Box kAborted = {"Update Aborted", "Flash Update Aborted. Cycle power on the indicator.",
+                      "exclamation"};
+const Box kFailure = {"Update Failure",
+                      "Flash Update Failure. Cycle power on the indicator. Please try the update "
+                      "again before calling technical support.",
+                      "exclamation"};
+const Box kVerifyFailed = {
+    "Critical Error!",
+    "Critical Flash Update Failure! \r\n\r\nIt is recommended that you return the indicator to "
+    "Tessmar Instruments for repair.",
+    "critical"};
+
+class TsUpdate : public Bench {
+protected:
+    /// As the window is when nothing runs.
+    void ExpectIdle() const {
+        Await("the start panel alone", [this] {
+            return app->IsShown("picStartup") && !app->IsShown("picFlash") &&
+                   !app->IsShown("picUpdate") && app->IsEnabled("cmdFlash");
+        });
+        EXPECT_EQ(app->Dialog(), nullptr);
+        EXPECT_EQ(app->OtherForm(), nullptr);
+    }
+};
+
+TEST_F(TsUpdate, AWholeFlashShowsEachStageAndLeavesTheIndicatorBooted) {
+    indicator.Start("--think 20 --write 3000");
+    ExpectIdle();
+    app->Choose("mnuFileFlash");
+    EXPECT_EQ(TextOf(app->AwaitFileDialog()), "Indicator Flash Image");
+    EXPECT_TRUE(app->IsShown("picFlash"));
+    EXPECT_FALSE(app->IsShown("picStartup"));
+    EXPECT_FALSE(app->IsEnabled("cmdFlash"));
+    app->ChooseFile(image);
+    EXPECT_EQ(app->TakeBox(IDYES), kWarning);
+
+    Await("the handshake", [this] { return app->Text("lblStatus") == "Initializing"; });
+    EXPECT_TRUE(app->IsEnabled("cmdFlashAbort"));
+    AwaitLine(5);
+    EXPECT_TRUE(app->IsEnabled("cmdFlashAbort"));
+    EXPECT_TRUE(app->Text("lblStatus").ends_with(" of 60"));
+    EXPECT_TRUE(app->Text("lblElapsed").starts_with("00:00:0"));
+    EXPECT_EQ(app->Text("lblWarning"), "");
+    AwaitLine(51);
+    EXPECT_FALSE(app->IsEnabled("cmdFlashAbort"));
+    EXPECT_GT(app->Percent(), 80);
+
+    Await("the status window", [this] { return app->OtherForm() != nullptr; });
+    EXPECT_EQ(TextOf(GetDlgItem(app->OtherForm(), 1001)), "Updating Indicator");
+    EXPECT_EQ(GetWindow(app->OtherForm(), GW_OWNER), app->Main());
+    EXPECT_EQ(app->Percent(), 100);
+    EXPECT_FALSE(app->IsEnabled("cmdFlash"));
+
+    EXPECT_EQ(App::Read(app->AwaitBox()), kSuccess);
+    EXPECT_EQ(app->OtherForm(), nullptr);
+    app->TakeBox();
+    ExpectIdle();
+    EXPECT_EQ(app->Text("lblStatus"), "");
+    EXPECT_EQ(app->Percent(), 0);
+    EXPECT_EQ(indicator.Wait(), 0) << indicator.Complaints();
+}
+
+TEST_F(TsUpdate, ACancelledDialogAndTheAnswerNoLeaveTheIndicatorAlone) {
+    indicator.Start("");
+    app->Press("cmdFlash");
+    PressIn(app->AwaitFileDialog(), IDCANCEL);
+    ExpectIdle();
+    AskForFlash();
+    EXPECT_EQ(app->TakeBox(IDNO), kWarning);
+    ExpectIdle();
+    indicator.Stop();
+    EXPECT_EQ(Content("indicator.log"), "");
+}
+
+struct Ending {
+    const char* name;
+    const char* indicator;  // its options; null: there is none
+    Box box;
+    int indicatorStatus = 1;
+};
+
+void PrintTo(const Ending& ending, std::ostream* stream) {
+    *stream << ending.name;
+}
+
+class EveryEnding : public TsUpdate, public testing::WithParamInterface<Ending> {};
+
+TEST_P(EveryEnding, SaysWhatHappenedAndLeavesTheWindowUsable) {
+    if (GetParam().indicator) indicator.Start(GetParam().indicator);
+    StartFlash();
+    EXPECT_EQ(app->TakeBox(), GetParam().box);
+    ExpectIdle();
+    if (GetParam().indicator == nullptr) return;
+    EXPECT_EQ(indicator.Wait(), GetParam().indicatorStatus) << indicator.Complaints();
+}
+
+INSTANTIATE_TEST_SUITE_P(
+    TsUpdate, EveryEnding,
+    testing::Values(
+        Ending{"PortMissing", nullptr,
+               Box{"Tessmar Vantor Update",
+                   "Unable to open communications port. Check your settings and try again.",
+                   "exclamation"}},
+        Ending{"NotInBootMonitor", "--fault no-trav",
+               Box{"Tessmar Vantor Update", "Place indicator into boot monitor mode and try again.",
+                   "information"}},
+        Ending{"SystemLoadRefused", "--fault no-sysload",
+               Box{"Tessmar Vantor Update", "Unable to initiate System Load.", "exclamation"}},
+        Ending{"SpeedRefused", "--fault no-baud", kSuccess, 0},
+        Ending{"LineRefusedFourTimes", "--fault nak@7x4", kFailure},
+        Ending{"LineRefusedThreeTimes", "--fault nak@7x3 --fault split-verdict", kSuccess, 0},
+        Ending{"PortLost", "--fault hangup@7", kFailure},
+        Ending{"VerifyFailed", "--fault verify-failed", kVerifyFailed},
+        Ending{"NoVerdict", "--fault no-verdict", kFailure}),
+    [](const auto& row) { return std::string(row.param.name); });
+
+TEST_F(TsUpdate, TheAbortButtonAndItsKeyEndTheStreamBeforeTheNextLine) {
+    for (const bool byKey : {false, true}) {
+        indicator.Start("--think 100");
+        StartFlash();
+        AwaitLine(5);
+        if (byKey)
+            Key('A', true);
+        else
+            app->Press("cmdFlashAbort");
+        EXPECT_EQ(App::Read(app->AwaitBox()), kAborted);
+        EXPECT_EQ(app->Text("lblStatus"), "Update Aborted");
+        EXPECT_LT(app->Percent(), 50);
+        app->TakeBox();
+        ExpectIdle();
+    }
+}
+
+TEST_F(TsUpdate, AnAbortInTheHandshakeTellsBothThatItFailedAndThatItWasAborted) {
+    indicator.Start("--fault no-trav=silent");
+    StartFlash();
+    Await("the handshake", [this] { return app->Text("lblStatus") == "Initializing"; });
+    app->Press("cmdFlashAbort");
+    EXPECT_EQ(app->TakeBox().text, "Place indicator into boot monitor mode and try again.");
+    EXPECT_EQ(app->TakeBox(), kAborted);
+    ExpectIdle();
+}
+
+TEST_F(TsUpdate, AClosedWindowEndsTheProgramOnceTheStreamIsAborted) {
+    indicator.Start("--think 100");
+    StartFlash();
+    AwaitLine(5);
+    app->Close();
+    EXPECT_EQ(app->TakeBox(), kAborted);
+    EXPECT_EQ(app->Wait(), 0u);
+}
+
+TEST_F(TsUpdate, AClosedWindowInTheHandshakeEndsTheProgramWithoutAWord) {
+    indicator.Start("--fault no-trav=silent");
+    StartFlash();
+    Await("the handshake", [this] { return app->Text("lblStatus") == "Initializing"; });
+    app->Close();
+    EXPECT_EQ(app->Wait(), 0u);
+}
+
+TEST_F(TsUpdate, AClosedWindowAwaitsTheVerdict) {
+    indicator.Start("--write 3000");
+    StartFlash();
+    Await("the status window", [this] { return app->OtherForm() != nullptr; });
+    app->Close();
+    EXPECT_EQ(app->TakeBox(), kSuccess);
+    EXPECT_EQ(app->Wait(), 0u);
+    EXPECT_EQ(indicator.Wait(), 0) << indicator.Complaints();
+}
+
+TEST_F(TsUpdate, AMenuHeldOpenPausesTheStreamAndDoesNotBreakIt) {
+    constexpr ULONGLONG kHeldMs = 25'000;  // longer than the program waits for a reply
+    indicator.Start("--think 20");
+    StartFlash();
+    AwaitLine(5);
+    Key('F', true);
+    Await("the menu", [this] { return app->InMenu(); });
+    const ULONGLONG start = GetTickCount64();
+    const int line = app->Line();
+    Await("the time", [start] { return GetTickCount64() - start > kHeldMs; });
+    EXPECT_TRUE(app->InMenu());
+    EXPECT_LE(app->Line(), line + 1);
+    Key('U');  // is greyed and starts nothing
+    AwaitLine(51);
+    EXPECT_EQ(app->Dialog(), nullptr);
+    EXPECT_EQ(app->TakeBox(), kSuccess);
+    EXPECT_EQ(indicator.Wait(), 0) << indicator.Complaints();
+}
+
+TEST_F(TsUpdate, ASecondStartEndsSilentlyBesideTheFirst) {
+    EXPECT_EQ(App::RunBeside(), 0u);
+    ExpectIdle();
+    app->Close();
+    EXPECT_EQ(app->Wait(), 0u);
+}
+
+TEST_F(TsUpdate, TheWindowComesBackWhereItWasAndMaximisedToo) {
+    const RECT wanted = {40, 30, 40 + 610, 30 + 470};
+    SetWindowPos(app->Main(), nullptr, wanted.left, wanted.top, wanted.right - wanted.left,
+                 wanted.bottom - wanted.top, SWP_NOZORDER | SWP_NOACTIVATE);
+    Restart();
+    RECT found{};
+    GetWindowRect(app->Main(), &found);
+    EXPECT_TRUE(EqualRect(&found, &wanted)) << found.left << ' ' << found.top;
+    PostMessageW(app->Main(), WM_SYSCOMMAND, SC_MAXIMIZE, 0);
+    Await("the large window", [this] { return IsZoomed(app->Main()) != 0; });
+    Restart();
+    EXPECT_TRUE(IsZoomed(app->Main()));
+}
+
+TEST_F(TsUpdate, TheAboutBoxShowsTheVersionAndClosesByEscAndEnter) {
+    for (const WORD key : {WORD{VK_ESCAPE}, WORD{VK_RETURN}}) {
+        app->Choose("mnuHelpAbout");
+        Await("the About box", [this] { return app->OtherForm() != nullptr; });
+        EXPECT_EQ(TextOf(app->OtherForm()), "Tessmar Vantor Update");
+        EXPECT_EQ(TextOf(GetDlgItem(app->OtherForm(), 1002)), "Version 2.05.31");
+        EXPECT_FALSE(IsWindowEnabled(app->Main()));
+        Await("the focus", [this] { return GetForegroundWindow() == app->OtherForm(); });
+        Key(key);
+        Await("its end", [this] { return app->OtherForm() == nullptr; });
+        EXPECT_TRUE(IsWindowEnabled(app->Main()));
+        Restart();
+    }
+}
+
+TEST_F(TsUpdate, TheKeyboardAloneIsEnough) {
+    indicator.Start("--think 20");
+    Await("the focus", [this] { return app->Focus() == app->Child("cmdFlash"); });
+    Key(VK_TAB);  // to the only button
+    Key(VK_RETURN);
+    app->AwaitFileDialog();
+    Key(VK_ESCAPE);
+    ExpectIdle();
+    EXPECT_EQ(app->Focus(), app->Child("cmdFlash"));
+
+    Key('H', true);
+    Await("the menu", [this] { return app->InMenu(); });
+    Key('A');
+    Await("the About box", [this] { return app->OtherForm() != nullptr; });
+    Key(VK_ESCAPE);
+    Await("its end", [this] { return app->OtherForm() == nullptr; });
+
+    Key('F', true);
+    Await("the menu", [this] { return app->InMenu(); });
+    Key('U');
+    app->ChooseFile(image);
+    app->AwaitBox();
+    Key(VK_RETURN);
+    Await("the abort button's focus",
+          [this] { return app->Focus() == app->Child("cmdFlashAbort"); });
+    Await("success", [this] { return app->Dialog() && App::Read(app->Dialog()) == kSuccess; });
+    Key(VK_RETURN);
+    ExpectIdle();
+    EXPECT_EQ(app->Focus(), app->Child("cmdFlash"));
+    EXPECT_EQ(indicator.Wait(), 0) << indicator.Complaints();
+
+    Key('F', true);
+    Await("the menu", [this] { return app->InMenu(); });
+    Key('X');
+    EXPECT_EQ(app->Wait(), 0u);
+}
+
+using Spanish = Bench;
+
+TEST_F(Spanish, CaptionsAndTheWarning) {
+    EXPECT_EQ(TextOf(app->Main()), "Utilidad de actualización Tessmar Vantor");
+    EXPECT_EQ(app->Text("cmdFlash"), "Actualizar indicador");
+    EXPECT_EQ(app->Text("lblLabels", 3), "Tiempo transcurrido:");
+    AskForFlash();
+    EXPECT_EQ(app->TakeBox(IDNO).text,
+              "¡Precaución! ¡Operación crítica!\r\n\r\nNo apague el indicador durante la "
+              "actualización. Si lo hace, el indicador podría requerir servicio técnico de "
+              "fábrica. \r\n\r\n¿Desea continuar?");
+}
+
+}  // namespace
+}  // namespace vantor::e2e
+
+int main(int argc, char** argv) {
+    testing::InitGoogleTest(&argc, argv);
+    vantor::e2e::EnterDesktop();
+    return RUN_ALL_TESTS();
+}

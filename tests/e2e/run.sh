@@ -1,0 +1,141 @@
+#!/bin/sh
+# Runs tsupdate.exe under Wine as its users do, against the virtual indicator.
+#   run.sh                   all tests, in English and in Spanish
+#   run.sh NAME              the tests whose names match (a filter of GoogleTest)
+#   run.sh --screens         pictures of all stages, for the documentation, in build/screens
+#   run.sh --monkey SECONDS  random clicks, keys and close requests; E2E_SEED=N repeats a run
+# Needs build/windows (tsupdate, e2e_tests) and build/native (m40sim). Of a failed test a picture
+# and what passed over the line stay in build/e2e.
+set -eu
+
+root=$(cd "$(dirname "$0")/../.." && pwd)
+folder=$root/build/e2e
+screens=$root/build/screens
+port=$folder/port
+m40sim=$root/build/native/m40sim
+driver=$root/build/windows/e2e_tests.exe
+for program in "$m40sim" "$driver" "$root/build/windows/tsupdate.exe"; do
+    [ -x "$program" ] || { echo "$program is missing; build it first." >&2; exit 1; }
+done
+
+mkdir -p "$folder"
+exec 8>"$folder/lock"
+flock -n 8 || { echo "These tests are running already." >&2; exit 1; }
+find "$folder" -type f ! -name lock -delete
+
+display_server=
+clean_up() {
+    for file in driver indicator; do
+        [ ! -s "$folder/$file.pid" ] || kill "$(cat "$folder/$file.pid")" 2>/dev/null || true
+    done
+    [ -z "$display_server" ] || kill "$display_server" 2>/dev/null || true
+}
+trap clean_up EXIT
+trap 'exit 1' INT TERM
+
+start_display() {
+    [ -z "${DISPLAY:-}" ] || return 0
+    Xvfb -displayfd 3 -screen 0 1280x900x24 -nolisten tcp 3>"$folder/display" \
+        >"$folder/xvfb.log" 2>&1 8>&- &
+    display_server=$!
+    until [ -s "$folder/display" ]; do
+        kill -0 "$display_server"
+        sleep 0.05
+    done
+    DISPLAY=:$(cat "$folder/display")
+    export DISPLAY
+}
+
+# Runs a program, leaves its number and later its exit status in files.
+follow() {
+    name=$1
+    shift
+    rm -f "$folder/$name.status"
+    {
+        status=0
+        "$@" &
+        echo $! >"$folder/$name.pid"
+        wait $! || status=$?
+        echo $status >"$folder/$name.part"
+        mv "$folder/$name.part" "$folder/$name.status"
+        rm -f "$folder/$name.pid"
+    } 8>&- &
+}
+
+start_indicator() {
+    stop_indicator
+    # shellcheck disable=SC2086  # options are words
+    follow indicator "$m40sim" --once --image "$folder/image.run" --link "$port" \
+        --transcript "$folder/indicator.log" $1 >"$folder/indicator.out" 2>"$folder/indicator.err"
+    until [ -s "$folder/indicator.out" ]; do sleep 0.02; done
+}
+
+stop_indicator() {
+    [ -s "$folder/indicator.pid" ] || return 0
+    kill "$(cat "$folder/indicator.pid")" 2>/dev/null || true
+    while [ -e "$folder/indicator.pid" ]; do sleep 0.02; done
+}
+
+# A picture of the screen, or of a part of it (WIDTHxHEIGHT+LEFT+TOP).
+take_picture() {
+    command -v import >/dev/null || return 0
+    import -window "$desktop - Wine desktop" ${2:+-crop "$2"} +repage "$1" 2>>"$folder/pictures.log" ||
+        echo "no picture $1" >&2
+}
+
+# What the driver asks for: one request at a time, gone when it is done.
+answer() {
+    read -r verb words <"$folder/request" || return 0
+    case $verb in
+    start) start_indicator "$words" ;;
+    stop) stop_indicator ;;
+    keep)
+        take_picture "$folder/$words.png"
+        cp "$folder/indicator.log" "$folder/$words.log" 2>/dev/null || true
+        ;;
+    show)
+        mkdir -p "$screens"
+        take_picture "$screens/${words%% *}.png" "${words#* }"
+        ;;
+    esac
+    rm -f "$folder/request"
+}
+
+drive() {
+    language=$1
+    shift
+    follow driver env LC_ALL="$language" "$root/scripts/wine" "$driver" "$@" </dev/null \
+        2>>"$folder/wine.log"
+    until [ -e "$folder/driver.status" ]; do
+        [ ! -e "$folder/request" ] || answer
+        sleep 0.01
+    done
+    return "$(cat "$folder/driver.status")"
+}
+
+E2E_RUN=$$
+E2E_FOLDER=Z:$(echo "$folder" | tr / '\\')
+E2E_PROGRAM=Z:$(echo "$root/build/windows/tsupdate.exe" | tr / '\\')
+VANTOR_COM1=$port
+export E2E_RUN E2E_FOLDER E2E_PROGRAM VANTOR_COM1
+desktop=e2e-$E2E_RUN
+start_display
+
+status=0
+case ${1:-} in
+--screens)
+    E2E_LANGUAGE=en drive C.UTF-8 --gtest_filter='Screens.*' || status=1
+    E2E_LANGUAGE=es drive es_ES.UTF-8 --gtest_filter='Screens.*' || status=1
+    ;;
+--monkey)
+    E2E_SECONDS=$2 drive C.UTF-8 --gtest_filter='Monkey.*' || status=1
+    ;;
+'')
+    drive C.UTF-8 --gtest_filter='-Screens.*:Monkey.*:Spanish.*' || status=1
+    drive es_ES.UTF-8 --gtest_filter='Spanish.*' || status=1
+    ;;
+*)
+    drive C.UTF-8 --gtest_filter="$1" || status=1
+    ;;
+esac
+exit $status

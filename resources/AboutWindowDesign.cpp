@@ -13,19 +13,19 @@ constexpr ControlStyle kOkStyle = {.defaultButton = true, .cancelButton = true};
 
 constexpr std::array kControls = {
     ControlDesign{Image, "imgLogo", -1, "", {240, 240, 960, 960}, "", ""},
-    ControlDesign{Label, "lblTitle", -1, "", {1440, 240, 5400, 330}, "Title", "301", kHeading},
-    ControlDesign{Label, "lblVersion", -1, "", {1440, 630, 3600, 270}, "", ""},
-    ControlDesign{Label, "lblRelease", -1, "", {5040, 630, 1800, 270}, "", ""},
-    ControlDesign{Label, "lblOwnership", 0, "", {1440, 960, 5400, 270}, "Ownership", "403"},
-    ControlDesign{Label, "lblOwnership", 1, "", {1440, 1230, 5400, 480}, "Ownership", "404"},
-    ControlDesign{Label, "lblDisclaimer", -1, "", {240, 1860, 6600, 1500}, "Disclaimer", "402"},
-    ControlDesign{CommandButton, "cmdOK", -1, "", {5475, 3480, 1365, 405}, "OK", "101", kOkStyle},
+    ControlDesign{Label, "lblTitle", -1, "", {1440, 240, 6300, 330}, "Title", "301", kHeading},
+    ControlDesign{Label, "lblVersion", -1, "", {1440, 600, 3600, 270}, "", ""},
+    ControlDesign{Label, "lblRelease", -1, "", {5040, 600, 2700, 270}, "", ""},
+    ControlDesign{Label, "lblOwnership", 0, "", {1440, 930, 6300, 480}, "Ownership", "403"},
+    ControlDesign{Label, "lblOwnership", 1, "", {1440, 1440, 6300, 480}, "Ownership", "404"},
+    ControlDesign{Label, "lblDisclaimer", -1, "", {240, 2100, 7500, 1320}, "Disclaimer", "402"},
+    ControlDesign{CommandButton, "cmdOK", -1, "", {6375, 3540, 1365, 405}, "OK", "101", kOkStyle},
     // Out of sight: it takes the focus when the window opens, so that no button looks chosen.
     ControlDesign{CommandButton, "cmdFocus", -1, "", {-1500, 0, 300, 300}, "", ""},
 };
 
 }  // namespace
 
-const FormDesign kAboutWindowDesign = {"frmAbout", "", "", {0, 0, 7170, 4560}, kControls};
+const FormDesign kAboutWindowDesign = {"frmAbout", "", "", {0, 0, 8070, 4620}, kControls};
 
 }  // namespace vantor

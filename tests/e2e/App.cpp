@@ -123,20 +123,28 @@ std::string IconIn(HWND box) {
     return found;
 }
 
-STARTUPINFOW OnOurDesktop() {
-    STARTUPINFOW startup{};
-    startup.cb = sizeof startup;
-    startup.lpDesktop = DesktopName().data();
-    return startup;
+/// What is put into it ends with this driver, however that ends.
+HANDLE Job() {
+    static const HANDLE job = [] {
+        JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
+        limits.BasicLimitInformation.LimitFlags = JOB_OBJECT_LIMIT_KILL_ON_JOB_CLOSE;
+        const HANDLE made = CreateJobObjectW(nullptr, nullptr);
+        SetInformationJobObject(made, JobObjectExtendedLimitInformation, &limits, sizeof limits);
+        return made;
+    }();
+    return job;
 }
 
 PROCESS_INFORMATION StartProgram() {
-    STARTUPINFOW startup = OnOurDesktop();
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    startup.lpDesktop = DesktopName().data();
     PROCESS_INFORMATION started{};
     const std::wstring program = ToWide(Setting("E2E_PROGRAM"));
     if (CreateProcessW(program.c_str(), nullptr, nullptr, nullptr, FALSE, 0, nullptr, nullptr,
                        &startup, &started) == 0)
         throw std::runtime_error("the program does not start");
+    AssignProcessToJobObject(Job(), started.hProcess);
     CloseHandle(started.hThread);
     return started;
 }

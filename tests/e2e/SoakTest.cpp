@@ -63,14 +63,15 @@ protected:
     void Check();
 
     std::mt19937 random;
-    int starts = 0;
+    int ends = 0;
+    int flashes = 0;
 };
 
 void Monkey::PressAKey() {
     static constexpr WORD kKeys[] = {VK_TAB,  VK_RETURN, VK_ESCAPE, VK_SPACE, VK_UP,
                                      VK_DOWN, VK_LEFT,   VK_RIGHT,  VK_F10,   'A',
                                      'O',     'Y',       'N',       'U',      'F'};
-    if (Below(4) == 0)
+    if (Below(5) == 0)
         Key(OneOf(std::to_array<WORD>({'F', 'T', 'H', 'A', VK_SPACE, VK_F4})), true);
     else
         Key(OneOf(kKeys));
@@ -116,15 +117,16 @@ void Monkey::ActOn(HWND dialog) {
 }
 
 void Monkey::Act() {
-    if (Below(60) == 0) app->Close();
+    if (Below(150) == 0) app->Close();
     if (const HWND dialog = app->Dialog()) return ActOn(dialog);
-    const int what = Below(20);
-    if (IsWindowEnabled(app->Main()) == 0 || what < 6) return PressAKey();
-    if (what < 8) return ClickSomewhere();
-    if (what < 9) return MoveTheWindow();
-    if (what < 10 && app->IsShown("cmdFlashAbort")) return app->Press("cmdFlashAbort");
-    if (what < 11) return app->Choose("mnuHelpAbout");
-    if (what > 14 || !app->IsShown("cmdFlash") || !app->IsEnabled("cmdFlash")) return;
+    const int what = Below(60);
+    if (IsWindowEnabled(app->Main()) == 0 || what < 9) return PressAKey();
+    if (what < 15) return ClickSomewhere();
+    if (what < 18) return MoveTheWindow();
+    if (what < 19 && app->IsShown("cmdFlashAbort")) return app->Press("cmdFlashAbort");
+    if (what < 21) return app->Choose("mnuHelpAbout");
+    if (what > 40 || !app->IsShown("cmdFlash") || !app->IsEnabled("cmdFlash")) return;
+    ++flashes;
     indicator.Start(OneOf(std::to_array(
         {"--think 20 --write 500", "--think 50", "", "--fault no-trav", "--fault no-sysload",
          "--fault nak@7x4", "--fault hangup@20", "--fault verify-failed", "--fault done@9"})));
@@ -138,7 +140,7 @@ void Monkey::Check() {
         return;
     }
     ASSERT_EQ(app->Wait(), 0u) << "crashed";
-    ++starts;
+    ++ends;
     app.emplace();
 }
 
@@ -154,7 +156,7 @@ TEST_F(Monkey, NeitherCrashesNorHangsTheProgram) {
         Sleep(static_cast<DWORD>(Below(300)));
         Check();
     }
-    std::cout << actions << " actions, ended " << starts << " times" << std::endl;
+    std::cout << actions << " actions, " << flashes << " flashes, " << ends << " ends" << std::endl;
 }
 
 }  // namespace

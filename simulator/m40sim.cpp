@@ -56,7 +56,7 @@ Prints "port: PATH" and serves on PATH until SIGTERM or SIGINT.
   --pace             bytes take the time of a UART in both directions
   --think MS         time before each acknowledgement (default 0)
   --write MS         time to write flash memory before the verdict (default 1000)
-  --fault SPEC       show a fault; repeatable
+  --fault FAULT      show a fault; repeatable
   --transcript FILE  record what passes: ms since start, direction, bytes
   --help             this text
 

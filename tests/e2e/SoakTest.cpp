@@ -65,6 +65,8 @@ protected:
     std::mt19937 random;
     int ends = 0;
     int flashes = 0;
+    int successes = 0;
+    HWND lastSuccess = nullptr;
 };
 
 void Monkey::PressAKey() {
@@ -108,6 +110,8 @@ void Monkey::ActOn(HWND dialog) {
         const std::string text = App::TextIn(dialog);
         if (text.starts_with("The following error") || text.starts_with("Unhandled"))
             ADD_FAILURE() << text;
+        if (TextOf(dialog) == "Flash Update Successful" && dialog != lastSuccess) ++successes;
+        lastSuccess = dialog;
         PressIn(dialog, OneOf(std::to_array({IDOK, IDYES, IDYES, IDNO})));
     } else if (Below(4) == 0) {
         PressIn(dialog, IDCANCEL);
@@ -156,7 +160,8 @@ TEST_F(Monkey, NeitherCrashesNorHangsTheProgram) {
         Sleep(static_cast<DWORD>(Below(300)));
         Check();
     }
-    std::cout << actions << " actions, " << flashes << " flashes, " << ends << " ends" << std::endl;
+    std::cout << actions << " actions, " << flashes << " flashes, " << successes << " successes, "
+              << ends << " ends" << std::endl;
 }
 
 }  // namespace

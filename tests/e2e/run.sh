@@ -23,11 +23,19 @@ exec 8>"$folder/lock"
 flock -n 8 || { echo "These tests are running already." >&2; exit 1; }
 find "$folder" -type f ! -name lock -delete
 
+# A path as the Windows programs see it.
+windows_path() { printf 'Z:%s' "$1" | tr / '\134'; }
+
+# Ends what `follow` has started, if it has not ended by itself.
+end() {
+    number=$(cat "$folder/$1.pid" 2>/dev/null) || return 0
+    kill "$number" 2>/dev/null || true
+}
+
 display_server=
 clean_up() {
-    for file in driver indicator; do
-        [ ! -s "$folder/$file.pid" ] || kill "$(cat "$folder/$file.pid")" 2>/dev/null || true
-    done
+    end driver
+    end indicator
     [ -z "$display_server" ] || kill "$display_server" 2>/dev/null || true
 }
 trap clean_up EXIT
@@ -71,8 +79,7 @@ start_indicator() {
 }
 
 stop_indicator() {
-    [ -s "$folder/indicator.pid" ] || return 0
-    kill "$(cat "$folder/indicator.pid")" 2>/dev/null || true
+    end indicator
     while [ -e "$folder/indicator.pid" ]; do sleep 0.02; done
 }
 
@@ -114,8 +121,8 @@ drive() {
 }
 
 E2E_RUN=$$
-E2E_FOLDER=Z:$(echo "$folder" | tr / '\\')
-E2E_PROGRAM=Z:$(echo "$root/build/windows/tsupdate.exe" | tr / '\\')
+E2E_FOLDER=$(windows_path "$folder")
+E2E_PROGRAM=$(windows_path "$root/build/windows/tsupdate.exe")
 VANTOR_COM1=$port
 export E2E_RUN E2E_FOLDER E2E_PROGRAM VANTOR_COM1
 desktop=e2e-$E2E_RUN

@@ -119,8 +119,11 @@ std::string SerialControl::Input() {
     std::string all;
     OnPort([&all](SerialPort& port) {
         std::array<char, 4096> chunk;
-        while (const std::size_t count = port.Read(std::span<char>(chunk)))
+        std::size_t count = 0;
+        do {
+            count = port.Read(std::span<char>(chunk));
             all.append(chunk.data(), count);
+        } while (count == chunk.size());
     });
     return all;
 }

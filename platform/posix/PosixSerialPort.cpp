@@ -181,7 +181,9 @@ std::size_t PosixSerialPort::OutputCount() {
 }
 
 void PosixSerialPort::DiscardInput() {
-    if (mGone || Look() == State::Gone || tcflush(mDevice.Get(), TCIFLUSH) != 0) RaiseGone();
+    const State state = mGone ? State::Gone : Look();
+    if (state == State::Quiet) return;
+    if (state == State::Gone || tcflush(mDevice.Get(), TCIFLUSH) != 0) RaiseGone();
 }
 
 void PosixSerialPort::NotifyOnInput(std::function<void()> notify) {

@@ -79,6 +79,7 @@ public:
         mInner.PumpPending();
         mAfterRound();
     }
+    void AwaitInput() override { mInner.AwaitInput(); }
     void Run() override { mInner.Run(); }
     void Quit() override { mInner.Quit(); }
     TimerId StartTimer(std::uint32_t intervalMs, std::function<void()> tick) override {

@@ -19,6 +19,10 @@ public:
     /// (Windows: PeekMessage until the queue is empty).
     virtual void PumpPending() = 0;
 
+    /// For loops that wait by pumping: gives the processor up until a serial line has input, at
+    /// most 10 ms. Returns at once where that cannot be waited for.
+    virtual void AwaitInput() {}
+
     /// Dispatches until `Quit` is called, sleeping while there is nothing to do.
     virtual void Run() = 0;
 

@@ -1,6 +1,5 @@
 #include "platform/PolledPump.hpp"
 
-#include <thread>
 #include <utility>
 #include <vector>
 
@@ -9,9 +8,6 @@ namespace vantor {
 void PolledPump::PumpPending() {
     if (!mTimers.empty()) FireDueTimers();
     if (!mSources.empty()) PollSources();
-    // A loop that waits by pumping must not keep the system's carrying of bytes off the
-    // processor: what it waits for would come later, the busier it looks for it.
-    std::this_thread::yield();
 }
 
 void PolledPump::Run() {

@@ -33,6 +33,7 @@ void DoEventsNice(MessagePump& pump) {
         // reply wait's rhythm rests on this ratio.
         if (counter % 10 != 0) {
             pump.PumpPending();
+            pump.AwaitInput();
             counter = 0;
         } else {
             ++counter;

@@ -4,10 +4,10 @@
 #include "platform/CodePage1252.hpp"
 #include "platform/CompiledStrings.hpp"
 #include "platform/NativePlatform.hpp"
-#include "platform/PolledPump.hpp"
 #include "platform/posix/PosixClock.hpp"
 #include "platform/posix/PosixFiles.hpp"
 #include "platform/posix/PosixFolders.hpp"
+#include "platform/posix/PosixMessagePump.hpp"
 #include "platform/posix/PosixProcess.hpp"
 #include "platform/posix/PosixRegistry.hpp"
 #include "platform/posix/PosixSerialPorts.hpp"
@@ -24,7 +24,7 @@ NativePlatform MakeNativePlatform(int argc, char** argv) {
     native.folders = std::make_unique<PosixFolders>();
     native.strings = std::make_unique<CompiledStrings>(LanguageOfEnvironment());
     native.terminal = std::make_unique<PosixTerminal>();
-    auto pump = std::make_unique<PolledPump>(*native.clock);
+    auto pump = std::make_unique<PosixMessagePump>(*native.clock);
     native.registry = std::make_unique<PosixRegistry>(DefaultRegistryFile(*native.folders));
     auto ports = std::make_unique<PosixSerialPorts>(*pump);
     native.portName = [&mapper = *ports](const std::string& port) {

@@ -1,7 +1,6 @@
 #include "platform/posix/PosixSerialPort.hpp"
 
 #include <fcntl.h>
-#include <poll.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
@@ -10,6 +9,7 @@
 
 #include <array>
 #include <cerrno>
+#include <chrono>
 #include <utility>
 
 #include "support/RuntimeError.hpp"
@@ -70,7 +70,7 @@ bool IsPseudoTerminal(int descriptor) {
 
 }  // namespace
 
-PosixSerialPort::PosixSerialPort(PolledPump& pump, const std::string& device,
+PosixSerialPort::PosixSerialPort(PosixMessagePump& pump, const std::string& device,
                                  const LineSettings& line)
     : mPump(pump) {
     constexpr int kFlags = O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC;
@@ -85,13 +85,16 @@ PosixSerialPort::PosixSerialPort(PolledPump& pump, const std::string& device,
     SetLine(line);
     RaiseModemLines();
     if (ioctl(mDevice.Get(), TIOCEXCL) != 0) RaiseOpenError(errno);
-    // Looking makes the driver deliver what it still holds, so that this throws all of it away.
-    static_cast<void>(Look());
+    // Reading makes the driver deliver what it still holds, so that this throws all of it away.
+    TakeInput();
+    mInput.clear();
     static_cast<void>(tcflush(mDevice.Get(), TCIFLUSH));  // a device gone by now shows later
+    mPump.Watch(mDevice.Get());
 }
 
 PosixSerialPort::~PosixSerialPort() {
     StopNotifying();
+    mPump.Unwatch(mDevice.Get());
     // The mark outlives us where another program holds the device too, such as the other side of
     // a pseudo-terminal; it would lock out whoever comes next.
     static_cast<void>(ioctl(mDevice.Get(), TIOCNXCL));
@@ -128,13 +131,20 @@ void PosixSerialPort::RaiseModemLines() const {
     if (errno != ENOTTY && errno != EINVAL) RaiseOpenError(errno);
 }
 
-/// One system call, since this is asked in busy waits. A count of bytes alone would not do: it
-/// stays 0 on some drivers when the device has gone.
-PosixSerialPort::State PosixSerialPort::Look() const {
-    pollfd device{mDevice.Get(), POLLIN, 0};
-    if (Uninterrupted([&] { return poll(&device, 1, 0); }) == 0) return State::Quiet;
-    if ((device.revents & (POLLHUP | POLLERR | POLLNVAL)) != 0) return State::Gone;
-    return (device.revents & POLLIN) != 0 ? State::HasInput : State::Quiet;
+/// One system call both looks and takes, since this is asked in wait loops. A device that has
+/// gone shows as an end of the file or an error, once everything that it sent has been read.
+void PosixSerialPort::TakeInput() {
+    constexpr std::size_t kQueue = 4096;  // as the driver: what is not read for long stays there
+    // A wait loop asks again within a microsecond; less than a character arrives in this time.
+    constexpr std::chrono::microseconds kStillTrue(20);
+    const auto now = std::chrono::steady_clock::now();
+    if (mGone || mInput.size() >= kQueue || now - mLookedAt < kStillTrue) return;
+    mLookedAt = now;
+    std::array<char, kQueue> chunk;
+    const ssize_t count =
+        Uninterrupted([&] { return read(mDevice.Get(), chunk.data(), kQueue - mInput.size()); });
+    if (count > 0) mInput.append(chunk.data(), static_cast<std::size_t>(count));
+    mGone = count == 0 || (count < 0 && errno != EAGAIN);
 }
 
 void PosixSerialPort::RaiseGone() {
@@ -143,13 +153,10 @@ void PosixSerialPort::RaiseGone() {
 }
 
 std::size_t PosixSerialPort::Read(std::span<char> into) {
-    if (mGone) RaiseGone();
-    if (into.empty()) return 0;
-    const ssize_t count =
-        Uninterrupted([&] { return read(mDevice.Get(), into.data(), into.size()); });
-    if (count > 0) return static_cast<std::size_t>(count);
-    if (count < 0 && errno == EAGAIN) return 0;
-    RaiseGone();
+    if (mInput.empty() && InputCount() == 0) return 0;
+    const std::size_t count = mInput.copy(into.data(), into.size());
+    mInput.erase(0, count);
+    return count;
 }
 
 std::size_t PosixSerialPort::Write(std::string_view bytes) {
@@ -162,28 +169,27 @@ std::size_t PosixSerialPort::Write(std::string_view bytes) {
     RaiseGone();
 }
 
-std::size_t PosixSerialPort::QueueCount(unsigned long request) {
+std::size_t PosixSerialPort::InputCount() {
+    TakeInput();
+    if (mGone && mInput.empty()) RaiseGone();
+    return mInput.size();
+}
+
+std::size_t PosixSerialPort::OutputCount() {
+    TakeInput();
+    if (mGone) RaiseGone();
     int count = 0;
-    if (ioctl(mDevice.Get(), request, &count) == 0) return static_cast<std::size_t>(count);
+    if (ioctl(mDevice.Get(), TIOCOUTQ, &count) == 0) return static_cast<std::size_t>(count);
     if (errno == ENOTTY || errno == EINVAL) return 0;  // the driver does not count this queue
     RaiseGone();
 }
 
-std::size_t PosixSerialPort::InputCount() {
-    const State state = mGone ? State::Gone : Look();
-    if (state == State::Gone) RaiseGone();
-    return state == State::Quiet ? 0 : QueueCount(FIONREAD);
-}
-
-std::size_t PosixSerialPort::OutputCount() {
-    if (mGone || Look() == State::Gone) RaiseGone();
-    return QueueCount(TIOCOUTQ);
-}
-
 void PosixSerialPort::DiscardInput() {
-    const State state = mGone ? State::Gone : Look();
-    if (state == State::Quiet) return;
-    if (state == State::Gone || tcflush(mDevice.Get(), TCIFLUSH) != 0) RaiseGone();
+    mInput.clear();
+    mLookedAt = {};
+    TakeInput();
+    if (mGone || (!mInput.empty() && tcflush(mDevice.Get(), TCIFLUSH) != 0)) RaiseGone();
+    mInput.clear();
 }
 
 void PosixSerialPort::NotifyOnInput(std::function<void()> notify) {
@@ -199,13 +205,10 @@ void PosixSerialPort::StopNotifying() {
 
 // The callback may destroy this port: it is called as a copy, and nothing follows it.
 void PosixSerialPort::PollInput() {
-    const State state = mGone ? State::Gone : Look();
-    if (state == State::Quiet) return;
+    TakeInput();
+    if (mInput.empty() && !mGone) return;
     const std::function<void()> notify = mNotify;
-    if (state == State::Gone) {
-        mGone = true;
-        StopNotifying();
-    }
+    if (mInput.empty()) StopNotifying();
     notify();
 }
 

@@ -2,12 +2,13 @@
 // its business.
 #pragma once
 
-#include <memory>
+#include <chrono>
+#include <functional>
 #include <string>
 
-#include "platform/PolledPump.hpp"
 #include "platform/SerialPort.hpp"
 #include "platform/posix/PosixHandle.hpp"
+#include "platform/posix/PosixMessagePump.hpp"
 
 namespace vantor {
 
@@ -17,7 +18,7 @@ class PosixSerialPort : public SerialPort {
 public:
     /// Opens the device file `device`. `pump` must outlive the port. Raises 68, 70 or 5 as
     /// SerialPorts::Open does.
-    PosixSerialPort(PolledPump& pump, const std::string& device, const LineSettings& line);
+    PosixSerialPort(PosixMessagePump& pump, const std::string& device, const LineSettings& line);
     ~PosixSerialPort() override;
     PosixSerialPort(const PosixSerialPort&) = delete;
     PosixSerialPort& operator=(const PosixSerialPort&) = delete;
@@ -30,20 +31,19 @@ public:
     void NotifyOnInput(std::function<void()> notify) override;
 
 private:
-    enum class State { Quiet, HasInput, Gone };
-
     void SetLine(const LineSettings& line) const;
     void RaiseModemLines() const;
-    State Look() const;
-    std::size_t QueueCount(unsigned long request);
+    void TakeInput();
     [[noreturn]] void RaiseGone();
     void PollInput();
     void StopNotifying();
 
-    PolledPump& mPump;
+    PosixMessagePump& mPump;
     PosixHandle mDevice;
     std::function<void()> mNotify;
     SourceId mSource = 0;
+    std::string mInput;  // what was read from the device but not yet by our user
+    std::chrono::steady_clock::time_point mLookedAt;
     bool mGone = false;
 };
 

@@ -56,7 +56,8 @@ std::string FirstLine(const fs::path& file) {
 
 }  // namespace
 
-PosixSerialPorts::PosixSerialPorts(PolledPump& pump, const Devices& extra, std::string deviceClass)
+PosixSerialPorts::PosixSerialPorts(PosixMessagePump& pump, const Devices& extra,
+                                   std::string deviceClass)
     : mPump(pump), mDeviceClass(std::move(deviceClass)) {
     for (unsigned number = 1; number <= kLastComNumber; ++number)
         mDevices[ComName(number)] = TableDevice(number);

@@ -4,8 +4,8 @@
 #include <map>
 #include <string>
 
-#include "platform/PolledPump.hpp"
 #include "platform/SerialPort.hpp"
+#include "platform/posix/PosixMessagePump.hpp"
 
 namespace vantor {
 
@@ -17,7 +17,7 @@ public:
 
     /// `extra` adds to the table above or overrides it. `pump` must outlive the ports opened.
     /// `deviceClass` is where the system describes its terminals.
-    explicit PosixSerialPorts(PolledPump& pump, const Devices& extra = {},
+    explicit PosixSerialPorts(PosixMessagePump& pump, const Devices& extra = {},
                               std::string deviceClass = "/sys/class/tty");
 
     std::unique_ptr<SerialPort> Open(const std::string& name, const LineSettings& line) override;
@@ -32,7 +32,7 @@ private:
     bool IsPresent(const std::string& name) const;
     std::string Description(const std::string& device) const;
 
-    PolledPump& mPump;
+    PosixMessagePump& mPump;
     std::string mDeviceClass;
     Devices mDevices;  // all names that mean something
     Devices mExtra;    // those of them that do not follow the table

@@ -91,7 +91,7 @@ public:
 
 private:
     PosixClock mClock;
-    PolledPump mPump{mClock};
+    PosixMessagePump mPump{mClock};
     PseudoTerminal mTerminal;
     PosixSerialPorts mPorts{mPump, {{"COM5", mTerminal.Device()}, {"COM6", "/dev/null"}}};
 };

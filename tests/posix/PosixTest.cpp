@@ -35,7 +35,7 @@ protected:
 
     const TemporaryFolder folder;
     PosixClock clock;
-    PolledPump pump{clock};
+    PosixMessagePump pump{clock};
 };
 
 class PosixRegistryFile : public InFolder {

@@ -6,11 +6,15 @@
 #include "app/MainLayout.hpp"
 #include "app/base/LoadResources.hpp"
 #include "app/base/modSupport.hpp"
+#include "dialogs/CShellExecute.hpp"
+#include "dialogs/CVersionInfo.hpp"
 #include "dialogs/frmAbout.hpp"
 #include "platform/Files.hpp"
 #include "platform/Folders.hpp"
+#include "platform/MessageBoxes.hpp"
 #include "platform/StringTable.hpp"
 #include "resources/Designs.hpp"
+#include "support/CHourglass.hpp"
 #include "support/Traps.hpp"
 
 namespace vantor {
@@ -30,6 +34,8 @@ frmMain::frmMain(Desktop& desktop, Platform& platform)
     mnuFileFlash.Click.Handle(
         [this] { Trapped("frmMain.mnuFileFlash_Click", [this] { mSession.doFlash(); }); });
     mnuHelpAbout.Click.Handle([this] { mnuHelpAbout_Click(); });
+    mnuToolsCurrentVersions.Click.Handle([this] { mnuToolsCurrentVersions_Click(); });
+    picPicture.Click.Handle([this] { picPicture_Click(); });
     mnuFileExit.Click.Handle([this] { mnuFileExit_Click(); });
     lvwUpdates.Click.Handle([this] { lvwUpdates_Click(); });
 }
@@ -59,6 +65,7 @@ void frmMain::RestorePosition() {
 }
 
 void frmMain::Startup() {
+    mPromotion.Choose();
     ShowFunction(MainPanel::Startup);
     SetButtonState(false);
     for (Control* bordered :
@@ -128,6 +135,38 @@ void frmMain::mnuHelpAbout_Click() {
         about->CenterIn(Place());
         about->Show(ShowMode::Modal);
         about->Unload();
+    });
+}
+
+void frmMain::mnuToolsCurrentVersions_Click() {
+    Trapped("frmMain.mnuToolsCurrentVersions_Click", [this] {
+        struct Row {
+            std::int32_t label;
+            const char* file;
+        };
+        constexpr std::array kRows = {Row{315, "caldor.exe"}, Row{316, "caldoredit.exe"},
+                                      Row{317, "pellin.exe"}, Row{318, "tsupdate.exe"}};
+        const std::string folder = AppPath(mPlatform.process);
+        const StringTable& strings = mPlatform.strings;
+        CVersionInfo info(mPlatform.versions, strings);
+        std::string report;
+        for (const Row& row : kRows)
+            report += strings.LoadResString(row.label) + " " + info.FileVersion(folder + row.file) +
+                      "\r\n";
+        mPlatform.boxes.Show({.text = report,
+                              .title = strings.LoadResString(319),
+                              .icon = BoxIcon::Information,
+                              .owner = Handle()});
+    });
+}
+
+void frmMain::picPicture_Click() {
+    Trapped("frmMain.picPicture_Click", [this] {
+        const ImageLines index = mPromotion.Index();
+        CHourglass hourglass(mPlatform.peers);
+        hourglass.Value(true);
+        const std::string address = mPromotion.Address(index);
+        if (!address.empty()) CShellExecute(mPlatform.shell).LaunchURL(Handle(), address);
     });
 }
 

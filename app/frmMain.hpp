@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "app/base/CFormPos.hpp"
+#include "content/PromotionalPicture.hpp"
 #include "controls/Controls.hpp"
 #include "controls/Form.hpp"
 #include "controls/SerialControl.hpp"
@@ -86,6 +87,8 @@ private:
     void RestorePosition();
     void Startup();
     void mnuHelpAbout_Click();
+    void mnuToolsCurrentVersions_Click();
+    void picPicture_Click();
     void UnloadOthers();
     void DeleteUpdateList();
     void lvwUpdates_Click();
@@ -95,6 +98,7 @@ private:
     CAppSettings mSettings;
     FlashFlags mFlags;
     FlashSession mSession;
+    PromotionalPicture mPromotion{picPicture, mPlatform};
 };
 
 }  // namespace vantor

@@ -73,13 +73,16 @@ double StreamOurs(const std::string& tools, const std::string& image, bool paced
                   platform.codePage,
                   platform.dialogs,
                   files,
+                  platform.versions,
                   platform.folders,
                   platform.boxes,
                   pump,
                   platform.peers,
+                  platform.pictures,
                   platform.process,
                   platform.registry,
                   ports,
+                  platform.shell,
                   platform.strings};
     Desktop desktop(stage.peers, pump);
     auto window = std::make_shared<ConsoleWindow>(desktop, real);

@@ -12,6 +12,8 @@
 #include "platform/MessageBoxes.hpp"
 #include "platform/MessagePump.hpp"
 #include "platform/Peers.hpp"
+#include "platform/Pictures.hpp"
+#include "platform/Shell.hpp"
 
 namespace vantor {
 
@@ -49,6 +51,27 @@ public:
 
 private:
     std::string mPath;
+};
+
+/// A terminal shows no pictures.
+class ConsolePictures : public Pictures {
+public:
+    std::shared_ptr<const Picture> Load(const std::string&) override { return nullptr; }
+};
+
+/// A terminal has no program registered for anything.
+class ConsoleShell : public Shell {
+public:
+    std::int32_t Execute(const ShellRequest&) override { return kNoAssociation; }
+    std::int32_t Start(const ShellRequest&, ShellProcess& process) override {
+        process = 0;
+        return kNoAssociation;
+    }
+    bool IsActive(ShellProcess) const override { return false; }
+    void Release(ShellProcess) override {}
+
+private:
+    static constexpr std::int32_t kNoAssociation = 31;
 };
 
 /// Draws the progress bar of the console's window as a line, and the messages of others.

@@ -124,6 +124,8 @@ private:
     std::unique_ptr<SerialPorts> mLoggedPorts;
     WatchedPump mPump;
     ConsoleDialogs mDialogs{mOptions.image};
+    ConsolePictures mPictures;
+    ConsoleShell mShell;
     ConsolePeers mPeers{*mNative.terminal, mProgress, mOptions.quiet};
     Platform mPlatform;
     Desktop mDesktop{mPeers, mPump};
@@ -142,13 +144,16 @@ Run::Run(NativePlatform& native, const Options& options)
                 .codePage = *native.codePage,
                 .dialogs = mDialogs,
                 .files = *native.files,
+                .versions = *native.versions,
                 .folders = *native.folders,
                 .boxes = mBoxes,
                 .pump = mPump,
                 .peers = mPeers,
+                .pictures = mPictures,
                 .process = *native.process,
                 .registry = *native.registry,
                 .ports = mLoggedPorts ? *mLoggedPorts : RealPorts(),
+                .shell = mShell,
                 .strings = *native.strings},
       mWindow(std::make_shared<ConsoleWindow>(mDesktop, mPlatform)),
       mSession(std::make_unique<FlashSession>(*mWindow, mSettings, mPlatform)) {}

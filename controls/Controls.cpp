@@ -12,6 +12,11 @@ void ProgressBar::Value(std::int16_t value) {
     Changed(Property::Value);
 }
 
+void PictureBox::Loaded(std::shared_ptr<const Picture> loaded) {
+    mLoaded = std::move(loaded);
+    Changed(Property::Repaint);
+}
+
 void CheckBox::Value(bool value) {
     mValue = value;
     Changed(Property::Value);

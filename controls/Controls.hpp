@@ -2,12 +2,14 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <vector>
 
 #include "controls/Control.hpp"
 #include "controls/Event.hpp"
 #include "platform/MessagePump.hpp"
+#include "platform/Pictures.hpp"
 
 namespace vantor {
 
@@ -83,8 +85,15 @@ class PictureBox : public ClickControl {
 public:
     StockPicture picture = StockPicture::None;
 
+    /// A picture shown instead, as large as fits undistorted; null shows `picture`.
+    const std::shared_ptr<const Picture>& Loaded() const { return mLoaded; }
+    void Loaded(std::shared_ptr<const Picture> loaded);
+
     PictureBox(Form& parent, std::string name, int index = -1)
         : ClickControl(parent, ControlKind::PictureBox, std::move(name), index) {}
+
+private:
+    std::shared_ptr<const Picture> mLoaded;
 };
 
 /// A picture that only shows.

@@ -15,11 +15,18 @@ public:
     /// is missing or carries none.
     virtual std::uint32_t BlockSize(const std::string& path) const = 0;
 
-    /// The version block (GetFileVersionInfo); empty on failure.
-    virtual std::vector<char> Block(const std::string& path) const = 0;
+    /// Fills `block`, which has the size told, with the version block of `path`
+    /// (GetFileVersionInfo). False on failure.
+    virtual bool ReadBlock(const std::string& path, std::vector<char>& block) const = 0;
+
+    /// The first translation that `block` names: language and code page
+    /// (VerQueryValue of "\VarFileInfo\Translation"). False when it names none.
+    virtual bool QueryTranslation(const std::vector<char>& block, std::uint16_t& language,
+                                  std::uint16_t& codePage) const = 0;
 
     /// Looks `subBlock` ("\StringFileInfo\040904E4\FileVersion") up in `block` (VerQueryValue)
-    /// and sets `value` to the text found, as stored. False when it is not there.
+    /// and sets `value` to the text found, zeros that end or pad it included. False when it is
+    /// not there.
     virtual bool QueryString(const std::vector<char>& block, const std::string& subBlock,
                              std::string& value) const = 0;
 };

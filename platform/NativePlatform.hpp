@@ -7,6 +7,7 @@
 
 #include "platform/Clock.hpp"
 #include "platform/CodePage.hpp"
+#include "platform/FileVersions.hpp"
 #include "platform/Files.hpp"
 #include "platform/Folders.hpp"
 #include "platform/MessagePump.hpp"
@@ -24,6 +25,7 @@ struct NativePlatform {
     std::unique_ptr<Clock> clock;
     std::unique_ptr<CodePage> codePage;
     std::unique_ptr<Files> files;
+    std::unique_ptr<FileVersions> versions;
     std::unique_ptr<Folders> folders;
     std::unique_ptr<StringTable> strings;
     std::unique_ptr<Terminal> terminal;

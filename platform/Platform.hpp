@@ -7,13 +7,16 @@ class Clock;
 class CodePage;
 class CommonDialogs;
 class Files;
+class FileVersions;
 class Folders;
 class MessageBoxes;
 class MessagePump;
 class Peers;
+class Pictures;
 class Process;
 class Registry;
 class SerialPorts;
+class Shell;
 class StringTable;
 
 /// References to the services; they outlive everything that they are lent to. A class that
@@ -23,13 +26,16 @@ struct Platform {
     CodePage& codePage;
     CommonDialogs& dialogs;
     Files& files;
+    FileVersions& versions;
     Folders& folders;
     MessageBoxes& boxes;
     MessagePump& pump;
     Peers& peers;
+    Pictures& pictures;
     Process& process;
     Registry& registry;
     SerialPorts& ports;
+    Shell& shell;
     StringTable& strings;
 };
 

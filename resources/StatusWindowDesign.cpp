@@ -21,6 +21,7 @@ constexpr std::array kControls = {
 
 }  // namespace
 
-const FormDesign kStatusWindowDesign = {"frmStatus", "", "", {0, 0, 4590, 1800}, kControls};
+const FormDesign kStatusWindowDesign = {
+    "frmStatus", "Tessmar Vantor Update", "", {0, 0, 4590, 1800}, kControls};
 
 }  // namespace vantor

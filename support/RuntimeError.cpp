@@ -36,6 +36,7 @@ constexpr std::array kStandardTexts = {
     NumberedText{ErrorNumber::ActionNotSupported, "Object doesn't support this action"},
     NumberedText{ErrorNumber::KeyAlreadyUsed,
                  "This key is already associated with an element of this collection"},
+    NumberedText{ErrorNumber::InvalidPicture, "Invalid picture"},
 };
 
 RuntimeError FromSystemError(const std::error_code& code) {

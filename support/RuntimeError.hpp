@@ -31,6 +31,7 @@ enum class ErrorNumber : std::int32_t {
     InvalidPropertyValue = 380,
     ActionNotSupported = 445,
     KeyAlreadyUsed = 457,
+    InvalidPicture = 481,
 };
 
 /// Errors of business objects count from here (hexadecimal 80040000).

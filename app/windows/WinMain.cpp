@@ -6,6 +6,8 @@
 #include "platform/win32/Win32MessageBoxes.hpp"
 #include "platform/win32/Win32MessagePump.hpp"
 #include "platform/win32/Win32Peers.hpp"
+#include "platform/win32/Win32Pictures.hpp"
+#include "platform/win32/Win32Shell.hpp"
 
 int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int) {
     using namespace vantor;
@@ -13,18 +15,23 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int) {
     auto& pump = static_cast<Win32MessagePump&>(*native.pump);
     Win32MessageBoxes boxes{AppInfo{}.title};
     Win32CommonDialogs dialogs;
+    Win32Pictures pictures(*native.files);
+    Win32Shell shell;
     Win32Peers peers(pump);
     Platform platform{.clock = *native.clock,
                       .codePage = *native.codePage,
                       .dialogs = dialogs,
                       .files = *native.files,
+                      .versions = *native.versions,
                       .folders = *native.folders,
                       .boxes = boxes,
                       .pump = pump,
                       .peers = peers,
+                      .pictures = pictures,
                       .process = *native.process,
                       .registry = *native.registry,
                       .ports = *native.ports,
+                      .shell = shell,
                       .strings = *native.strings};
     modStartup startup(platform);
     if (startup.Main()) pump.Run();

@@ -49,6 +49,12 @@ bool HeadlessDialogs::Answer(FileDialogRecord& record) {
     return true;
 }
 
+std::shared_ptr<const Picture> HeadlessPictures::Load(const std::string& path) {
+    if (mFiles.ReadAll(path).find("damaged") != std::string::npos)
+        throw RuntimeError(ErrorNumber::InvalidPicture);
+    return std::make_shared<Picture>();
+}
+
 std::string HeadlessProcess::ExecutablePath() const {
     if (executable.empty()) throw RuntimeError(ErrorNumber::FileNotFound);
     return executable;
@@ -64,13 +70,16 @@ HeadlessPlatform::HeadlessPlatform(Language language)
                .codePage = codePage,
                .dialogs = dialogs,
                .files = files,
+               .versions = versions,
                .folders = folders,
                .boxes = boxes,
                .pump = pump,
                .peers = peers,
+               .pictures = pictures,
                .process = process,
                .registry = registry,
                .ports = ports,
+               .shell = shell,
                .strings = strings} {}
 
 }  // namespace vantor

@@ -17,10 +17,13 @@
 #include "platform/Folders.hpp"
 #include "platform/MessageBoxes.hpp"
 #include "platform/Peers.hpp"
+#include "platform/Pictures.hpp"
 #include "platform/Platform.hpp"
 #include "platform/PolledPump.hpp"
 #include "platform/Process.hpp"
 #include "platform/RegistryHive.hpp"
+#include "platform/Shell.hpp"
+#include "platform/VersionResources.hpp"
 #include "platform/headless/HeadlessFiles.hpp"
 #include "platform/headless/HeadlessSerial.hpp"
 
@@ -113,6 +116,45 @@ public:
     std::function<void(const Control&, Property)> onChange;
 };
 
+/// Takes what the header tells to be a picture, except a file that says it is damaged.
+class HeadlessPictures : public Pictures {
+public:
+    explicit HeadlessPictures(const Files& files) : mFiles(files) {}
+    std::shared_ptr<const Picture> Load(const std::string& path) override;
+
+private:
+    const Files& mFiles;
+};
+
+/// Remembers what it was asked to open.
+class HeadlessShell : public Shell {
+public:
+    std::int32_t Execute(const ShellRequest& request) override {
+        asked.push_back(request);
+        return code;
+    }
+    std::int32_t Start(const ShellRequest& request, ShellProcess& process) override {
+        asked.push_back(request);
+        process = ++mLastProcess;
+        running = true;
+        return code;
+    }
+    bool IsActive(ShellProcess process) const override {
+        return process == mLastProcess && running;
+    }
+    void Release(ShellProcess process) override {
+        if (process != 0) ++released;
+    }
+
+    std::vector<ShellRequest> asked;
+    std::int32_t code = 42;  ///< what the next launches return
+    bool running = false;
+    int released = 0;
+
+private:
+    ShellProcess mLastProcess = 0;
+};
+
 struct HeadlessPlatform {
     explicit HeadlessPlatform(Language language = Language::English);
 
@@ -121,12 +163,15 @@ struct HeadlessPlatform {
     CodePage1252 codePage;
     HeadlessDialogs dialogs;
     HeadlessFiles files;
+    VersionResources versions{files};
     HeadlessFolders folders;
     HeadlessMessageBoxes boxes;
     HeadlessPeers peers;
+    HeadlessPictures pictures{files};
     HeadlessProcess process;
     RegistryHive registry;
     HeadlessSerialPorts ports{pump};
+    HeadlessShell shell;
     CompiledStrings strings;
 
     Platform platform;

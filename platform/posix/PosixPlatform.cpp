@@ -4,6 +4,7 @@
 #include "platform/CodePage1252.hpp"
 #include "platform/CompiledStrings.hpp"
 #include "platform/NativePlatform.hpp"
+#include "platform/VersionResources.hpp"
 #include "platform/posix/PosixClock.hpp"
 #include "platform/posix/PosixFiles.hpp"
 #include "platform/posix/PosixFolders.hpp"
@@ -21,6 +22,7 @@ NativePlatform MakeNativePlatform(int argc, char** argv) {
     native.clock = std::make_unique<PosixClock>();
     native.codePage = std::make_unique<CodePage1252>();
     native.files = std::make_unique<PosixFiles>();
+    native.versions = std::make_unique<VersionResources>(*native.files);
     native.folders = std::make_unique<PosixFolders>();
     native.strings = std::make_unique<CompiledStrings>(LanguageOfEnvironment());
     native.terminal = std::make_unique<PosixTerminal>();

@@ -6,6 +6,7 @@
 
 #include "controls/Controls.hpp"
 #include "platform/win32/Win32Banner.hpp"
+#include "platform/win32/Win32Pictures.hpp"
 #include "support/RuntimeError.hpp"
 
 namespace vantor {
@@ -333,10 +334,15 @@ void Win32FormWindow::ClickPanel(int id) {
 bool Win32FormWindow::PaintPanel(HWND panel, HDC target) const {
     Win32ChildControl* const child = FindId(GetDlgCtrlID(panel));
     if (child == nullptr || child->Model().Kind() != ControlKind::PictureBox) return false;
-    if (static_cast<PictureBox&>(child->Model()).picture != StockPicture::Banner) return false;
+    const auto& box = static_cast<PictureBox&>(child->Model());
     RECT area{};
     static_cast<void>(GetClientRect(panel, &area));
-    DrawBanner(mStage, target, area);
+    if (box.Loaded() != nullptr)
+        static_cast<const Win32Picture&>(*box.Loaded()).Draw(target, area);
+    else if (box.picture == StockPicture::Banner)
+        DrawBanner(mStage, target, area);
+    else
+        return false;
     return true;
 }
 

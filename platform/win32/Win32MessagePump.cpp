@@ -50,10 +50,12 @@ void Win32MessagePump::Run() {
     mQuit = false;
 }
 
-bool Win32MessagePump::WaitAndPump() {
-    if (mQuit) return false;
-    static_cast<void>(WaitMessage());  // a failed wait is a pump more
-    PumpPending();
+bool Win32MessagePump::WaitAndDispatch() {
+    MSG message{};
+    if (!mQuit && GetMessageW(&message, nullptr, 0, 0) > 0)
+        Dispatch(message);
+    else
+        mQuit = true;
     return !mQuit;
 }
 

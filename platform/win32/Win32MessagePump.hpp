@@ -38,9 +38,10 @@ public:
     /// with it (the keys of a window's controls).
     void Filter(std::function<bool(MSG&)> filter) { mFilter = std::move(filter); }
 
-    /// Waits for one message and dispatches all that are pending, for the loop of a modal window.
-    /// False when `Quit` has been called: the loop then ends, and so does the one around it.
-    bool WaitAndPump();
+    /// Waits for one message and dispatches it, for the loop of a modal window: what comes behind
+    /// the message that closes it belongs to the loop around. False when `Quit` has been called:
+    /// the loop then ends, and so does the one around it.
+    bool WaitAndDispatch();
 
     /// Asks for a poll of the source `id`; may be called from any thread while the pump lives.
     /// A source that has been removed meanwhile is not called.

@@ -59,7 +59,7 @@ void Win32FormPeer::Show(ShowMode mode, NativeWindow owner) {
     // The peer goes when the form unloads; what the loop needs is held here.
     Win32MessagePump& pump = mPeers.mPump;
     const std::shared_ptr<Form> form = mForm.shared_from_this();
-    while (!form->Gone() && pump.WaitAndPump()) continue;
+    while (!form->Gone() && pump.WaitAndDispatch()) continue;
 }
 
 void Win32FormPeer::DisableOthers() {

@@ -4,6 +4,7 @@
 #include "platform/NativePlatform.hpp"
 #include "platform/win32/Win32Clock.hpp"
 #include "platform/win32/Win32CodePage.hpp"
+#include "platform/win32/Win32FileVersions.hpp"
 #include "platform/win32/Win32Files.hpp"
 #include "platform/win32/Win32Folders.hpp"
 #include "platform/win32/Win32MessagePump.hpp"
@@ -22,6 +23,7 @@ NativePlatform MakeNativePlatform(int, char**) {
     native.clock = std::make_unique<Win32Clock>();
     native.codePage = std::make_unique<Win32CodePage>();
     native.files = std::make_unique<Win32Files>();
+    native.versions = std::make_unique<Win32FileVersions>();
     native.folders = std::make_unique<Win32Folders>();
     native.strings = std::make_unique<Win32StringTable>();
     native.terminal = std::make_unique<Win32Terminal>();

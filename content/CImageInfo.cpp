@@ -1,0 +1,112 @@
+#include "content/CImageInfo.hpp"
+
+#include "support/RuntimeError.hpp"
+
+namespace vantor {
+namespace {
+
+constexpr std::size_t kBufferSize = 65535;
+// Every search for a marker ends here, so that what follows it is still inside the buffer.
+constexpr std::size_t kSearchEnd = kBufferSize - 10;
+
+std::int32_t Mult(std::uint8_t low, std::uint8_t high) {
+    return low + 256 * high;
+}
+
+std::uint8_t ToDepth(int bits) {
+    if (bits > 255) throw RuntimeError(ErrorNumber::Overflow);
+    return static_cast<std::uint8_t>(bits);
+}
+
+/// The frame headers; the codes left out of their range stand for tables.
+bool IsStartOfFrame(std::uint8_t marker) {
+    return marker >= 192 && marker <= 207 && marker != 196 && marker != 200 && marker != 204;
+}
+
+}  // namespace
+
+void CImageInfo::ReadImageInfo(const std::string& path) {
+    mWidth = mHeight = mDepth = 0;
+    mType = Type::Unknown;
+    mBytes = mFiles.ReadAll(path).substr(0, kBufferSize);
+    if (At(0) == 137 && At(1) == 'P' && At(2) == 'N') ReadPng();
+    if (At(0) == 'G' && At(1) == 'I' && At(2) == 'F') ReadGif();
+    if (At(0) == 'B' && At(1) == 'M') ReadBmp();
+    if (mType == Type::Unknown) ReadJpeg();
+    mBytes.clear();
+}
+
+/// The buffer is filled up with zeros behind a short file.
+std::uint8_t CImageInfo::At(std::size_t position) const {
+    return position < mBytes.size() ? static_cast<std::uint8_t>(mBytes[position]) : std::uint8_t{0};
+}
+
+std::int32_t CImageInfo::LowFirst(std::size_t position) const {
+    return Mult(At(position), At(position + 1));
+}
+
+std::int32_t CImageInfo::HighFirst(std::size_t position) const {
+    return Mult(At(position + 1), At(position));
+}
+
+void CImageInfo::ReadPng() {
+    const std::uint8_t bitDepth = At(24);
+    switch (At(25)) {
+        case 0:
+            mDepth = bitDepth;
+            break;
+        case 2:
+            mDepth = ToDepth(3 * bitDepth);
+            break;
+        case 3:
+            mDepth = 8;
+            break;
+        case 4:
+            mDepth = ToDepth(2 * bitDepth);
+            break;
+        case 6:
+            mDepth = ToDepth(4 * bitDepth);
+            break;
+        default:
+            return;  // not a colour type
+    }
+    mType = Type::Png;
+    // The low halves of the two sizes.
+    mWidth = HighFirst(18);
+    mHeight = HighFirst(22);
+}
+
+void CImageInfo::ReadGif() {
+    mType = Type::Gif;
+    mWidth = LowFirst(6);
+    mHeight = LowFirst(8);
+    mDepth = static_cast<std::uint8_t>((At(10) & 7) + 1);
+}
+
+void CImageInfo::ReadBmp() {
+    mType = Type::Bmp;
+    mWidth = LowFirst(18);
+    mHeight = LowFirst(22);
+    mDepth = At(28);
+}
+
+void CImageInfo::ReadJpeg() {
+    std::size_t at = 0;
+    while (!(At(at) == 255 && At(at + 1) == 216 && At(at + 2) == 255))
+        if (++at >= kSearchEnd) return;
+    at += 2;
+    for (;;) {
+        while (!(At(at) == 255 && At(at + 1) != 255))
+            if (++at >= kSearchEnd) return;
+        ++at;
+        if (IsStartOfFrame(At(at))) break;
+        at += static_cast<std::size_t>(HighFirst(at + 1));
+        if (at >= kSearchEnd) return;
+    }
+    mType = Type::Jpeg;
+    mHeight = HighFirst(at + 4);
+    mWidth = HighFirst(at + 6);
+    mDepth = ToDepth(8 * At(at + 8));
+}
+
+}  // namespace vantor

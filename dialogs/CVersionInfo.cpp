@@ -1,0 +1,47 @@
+#include "dialogs/CVersionInfo.hpp"
+
+#include <array>
+#include <cstdint>
+#include <cstdio>
+
+#include "support/Conversions.hpp"
+
+namespace vantor {
+
+std::string CVersionInfo::FileVersion(const std::string& path) {
+    const std::string unknown = mStrings.LoadResString(320);
+    if (!ReadBlock(path)) return unknown;
+    std::string version = TrimNulls(GetInfoBlock("ProductVersion"));
+    // Read but never reported: what counts is the file's own version, even when it has none.
+    version = TrimNulls(GetInfoBlock("FileVersion"));
+    version = TrimBlanks(version);
+    return version.empty() ? unknown : version;
+}
+
+bool CVersionInfo::ReadBlock(const std::string& path) {
+    const std::uint32_t size = mVersions.BlockSize(path);
+    if (size == 0) return false;
+    mBlock.assign(size, '\0');
+    if (!mVersions.ReadBlock(path, mBlock)) return false;
+    std::uint16_t language = 0;
+    std::uint16_t codePage = 0;
+    mTranslation.clear();
+    if (!mVersions.QueryTranslation(mBlock, language, codePage)) return true;
+    std::array<char, 9> key{};
+    std::snprintf(key.data(), key.size(), "%04X%04X", unsigned{language}, unsigned{codePage});
+    mTranslation = key.data();
+    return true;
+}
+
+std::string CVersionInfo::GetInfoBlock(const std::string& name) const {
+    std::string value;
+    if (!mVersions.QueryString(mBlock, "\\StringFileInfo\\" + mTranslation + "\\" + name, value))
+        value.clear();
+    return value;
+}
+
+std::string CVersionInfo::TrimNulls(std::string_view text) {
+    return std::string(text.substr(0, text.find('\0')));
+}
+
+}  // namespace vantor

@@ -1,0 +1,25 @@
+// Pictures decoded by the system.
+#pragma once
+
+#include <memory>
+#include <string>
+
+namespace vantor {
+
+/// A decoded picture; what it is made of is known to the implementation that draws it.
+class Picture {
+public:
+    virtual ~Picture() = default;
+};
+
+class Pictures {
+public:
+    virtual ~Pictures() = default;
+
+    /// Decodes the GIF, JPEG or BMP file `path` with the system's codecs (OleLoadPicture).
+    /// Raises RuntimeError 481 when it holds no picture that can be decoded, or the error of
+    /// the file (see Files).
+    virtual std::shared_ptr<const Picture> Load(const std::string& path) = 0;
+};
+
+}  // namespace vantor

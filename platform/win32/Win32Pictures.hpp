@@ -1,0 +1,43 @@
+// Pictures through the system's own decoders.
+#pragma once
+
+#include "platform/Files.hpp"
+#include "platform/Pictures.hpp"
+#include "platform/win32/Windows.hpp"
+
+struct IPicture;
+
+namespace vantor {
+
+class Win32Picture : public Picture {
+public:
+    /// Takes over the reference.
+    explicit Win32Picture(IPicture* picture) : mPicture(picture) {}
+    ~Win32Picture() override;
+    Win32Picture(const Win32Picture&) = delete;
+    Win32Picture& operator=(const Win32Picture&) = delete;
+
+    /// As large as fits into `area` undistorted, in its middle, on the window's colour.
+    void Draw(HDC target, const RECT& area) const;
+
+private:
+    IPicture* mPicture;
+};
+
+class Win32Pictures : public Pictures {
+public:
+    /// Prepares this thread for the decoders. `files` must outlive this object, and this object
+    /// the pictures that it loads.
+    explicit Win32Pictures(const Files& files);
+    ~Win32Pictures() override;
+    Win32Pictures(const Win32Pictures&) = delete;
+    Win32Pictures& operator=(const Win32Pictures&) = delete;
+
+    std::shared_ptr<const Picture> Load(const std::string& path) override;
+
+private:
+    const Files& mFiles;
+    bool mPrepared;
+};
+
+}  // namespace vantor

@@ -18,7 +18,7 @@ constexpr std::array kControls = {
     ControlDesign{Label, "lblRelease", -1, "", {5040, 600, 2700, 270}, "", ""},
     ControlDesign{Label, "lblOwnership", 0, "", {1440, 930, 6300, 480}, "Ownership", "403"},
     ControlDesign{Label, "lblOwnership", 1, "", {1440, 1440, 6300, 480}, "Ownership", "404"},
-    ControlDesign{Label, "lblDisclaimer", -1, "", {240, 2100, 7500, 1320}, "Disclaimer", "402"},
+    ControlDesign{Label, "lblDisclaimer", -1, "", {240, 2100, 7320, 1320}, "Disclaimer", "402"},
     ControlDesign{CommandButton, "cmdOK", -1, "", {6375, 3540, 1365, 405}, "OK", "101", kOkStyle},
     // Out of sight: it takes the focus when the window opens, so that no button looks chosen.
     ControlDesign{CommandButton, "cmdFocus", -1, "", {-1500, 0, 300, 300}, "", ""},

@@ -13,6 +13,8 @@ constexpr UINT kWakeUp = WM_APP;
 // Beyond every timer's number: those are 32 bits wide.
 constexpr UINT_PTR kPollTimer = UINT_PTR{1} << 32;
 constexpr std::uint32_t kPollIntervalMs = 10;
+// A window that always wants to be drawn must keep neither the line nor the clock waiting.
+constexpr int kMostAtOnce = 500;
 
 }  // namespace
 
@@ -36,10 +38,12 @@ Win32MessagePump::~Win32MessagePump() {
 
 void Win32MessagePump::PumpPending() {
     MSG message{};
-    while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != 0) {
+    for (int i = 0; i < kMostAtOnce && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != 0; ++i) {
         if (message.message == WM_QUIT) mQuit = true;
         Dispatch(message);
     }
+    // The system gives timers last of all; asked for by name they come even so.
+    if (PeekMessageW(&message, mWindow, WM_TIMER, WM_TIMER, PM_REMOVE) != 0) Dispatch(message);
     if (!mSources.empty()) PollSources();
 }
 

@@ -90,6 +90,17 @@ take_picture() {
         echo "no picture $1" >&2
 }
 
+# Where each thread of the program stands: running or asleep, its processor time, and in which call.
+note_threads() {
+    for stat in /proc/[0-9]*/task/*/stat; do
+        case $(cat "$stat" 2>/dev/null) in
+        *'(tsupdate.exe)'*) ;;
+        *) continue ;;
+        esac
+        echo "$(cut -d' ' -f1-3,14,15 "$stat") $(cat "${stat%stat}wchan") $(cat "${stat%stat}syscall")"
+    done
+}
+
 # What the driver asks for: one request at a time, gone when it is done.
 answer() {
     read -r verb words <"$folder/request" || return 0
@@ -99,6 +110,7 @@ answer() {
     keep)
         take_picture "$folder/$words.png"
         cp "$folder/indicator.log" "$folder/$words.log" 2>/dev/null || true
+        note_threads >"$folder/$words.threads" 2>/dev/null || true
         ;;
     show)
         mkdir -p "$screens"

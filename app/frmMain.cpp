@@ -29,6 +29,7 @@ frmMain::frmMain(Desktop& desktop, Platform& platform)
         [this] { Trapped("frmMain.cmdFlash_Click", [this] { mSession.doFlash(); }); });
     mnuFileFlash.Click.Handle(
         [this] { Trapped("frmMain.mnuFileFlash_Click", [this] { mSession.doFlash(); }); });
+    mnuToolsMonitor.Click.Handle([this] { mnuToolsMonitor_Click(); });
     mnuHelpAbout.Click.Handle([this] { mnuHelpAbout_Click(); });
     mnuFileExit.Click.Handle([this] { mnuFileExit_Click(); });
     lvwUpdates.Click.Handle([this] { lvwUpdates_Click(); });
@@ -119,6 +120,15 @@ void frmMain::Form_Resize() {
     pbarStatus.Place(layout.progress);
     lblWarning.Place(layout.warning);
     cmdFlashAbort.Place(layout.abort);
+}
+
+void frmMain::mnuToolsMonitor_Click() {
+    Trapped("frmMain.mnuToolsMonitor_Click", [this] {
+        const auto monitor = std::make_shared<frmMonitor>(GetDesktop(), mPlatform, *this);
+        monitor->Load();
+        monitor->Initialize(mSettings);
+        monitor->Show(ShowMode::Modeless, this);
+    });
 }
 
 void frmMain::mnuHelpAbout_Click() {

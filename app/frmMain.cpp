@@ -33,6 +33,7 @@ frmMain::frmMain(Desktop& desktop, Platform& platform)
         [this] { Trapped("frmMain.cmdFlash_Click", [this] { mSession.doFlash(); }); });
     mnuFileFlash.Click.Handle(
         [this] { Trapped("frmMain.mnuFileFlash_Click", [this] { mSession.doFlash(); }); });
+    mnuToolsMonitor.Click.Handle([this] { mnuToolsMonitor_Click(); });
     mnuHelpAbout.Click.Handle([this] { mnuHelpAbout_Click(); });
     mnuToolsCurrentVersions.Click.Handle([this] { mnuToolsCurrentVersions_Click(); });
     picPicture.Click.Handle([this] { picPicture_Click(); });
@@ -126,6 +127,15 @@ void frmMain::Form_Resize() {
     pbarStatus.Place(layout.progress);
     lblWarning.Place(layout.warning);
     cmdFlashAbort.Place(layout.abort);
+}
+
+void frmMain::mnuToolsMonitor_Click() {
+    Trapped("frmMain.mnuToolsMonitor_Click", [this] {
+        const auto monitor = std::make_shared<frmMonitor>(GetDesktop(), mPlatform, *this);
+        monitor->Load();
+        monitor->Initialize(mSettings);
+        monitor->Show(ShowMode::Modeless, this);
+    });
 }
 
 void frmMain::mnuHelpAbout_Click() {

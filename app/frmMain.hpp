@@ -12,12 +12,13 @@
 #include "controls/SerialControl.hpp"
 #include "flash/FlashHost.hpp"
 #include "flash/FlashSession.hpp"
+#include "monitor/frmMonitor.hpp"
 #include "platform/Platform.hpp"
 #include "settings/CAppSettings.hpp"
 
 namespace vantor {
 
-class frmMain : public Form, public FlashHost {
+class frmMain : public Form, public FlashHost, public MonitorOwner {
 public:
     frmMain(Desktop& desktop, Platform& platform);
 
@@ -34,6 +35,10 @@ public:
     void EnableButtons(bool enabled) override;
     /// Unloads the window, which ends the program.
     void mnuFileExit_Click() override;
+
+    // MonitorOwner
+    bool CloseIsWaiting() const override { return mFlags.mblnCloseRequested; }
+    void ResumeClose() override { mnuFileExit_Click(); }
 
     // The list of updates' buttons. They have no actions of their own.
     void SetButtonState(bool enabled);
@@ -86,6 +91,7 @@ private:
     void LoadSettings();
     void RestorePosition();
     void Startup();
+    void mnuToolsMonitor_Click();
     void mnuHelpAbout_Click();
     void mnuToolsCurrentVersions_Click();
     void picPicture_Click();

@@ -69,7 +69,8 @@ double StreamOurs(const std::string& tools, const std::string& image, bool paced
     PosixMessagePump pump(clock);
     PosixSerialPorts ports(pump, {{"COM1", indicator.Port()}});
     Platform platform = stage.platform;
-    Platform real{clock,
+    Platform real{platform.clipboard,
+                  clock,
                   platform.codePage,
                   platform.dialogs,
                   files,

@@ -14,6 +14,7 @@
 #include "console/Transcript.hpp"
 #include "flash/FirmwareImage.hpp"
 #include "flash/FlashSession.hpp"
+#include "platform/Clipboard.hpp"
 #include "settings/CAppSettings.hpp"
 #include "support/Conversions.hpp"
 #include "support/Traps.hpp"
@@ -123,6 +124,7 @@ private:
     std::unique_ptr<Transcript> mTranscript;
     std::unique_ptr<SerialPorts> mLoggedPorts;
     WatchedPump mPump;
+    MemoryClipboard mClipboard;
     ConsoleDialogs mDialogs{mOptions.image};
     ConsolePictures mPictures;
     ConsoleShell mShell;
@@ -140,7 +142,8 @@ Run::Run(NativePlatform& native, const Options& options)
       mTranscript(MakeTranscript()),
       mLoggedPorts(MakeLoggedPorts()),
       mPump(mPractice ? mPractice->Pump() : *native.pump, [this] { Watch(); }),
-      mPlatform{.clock = *native.clock,
+      mPlatform{.clipboard = mClipboard,
+                .clock = *native.clock,
                 .codePage = *native.codePage,
                 .dialogs = mDialogs,
                 .files = *native.files,

@@ -17,14 +17,17 @@ enum class ControlKind : std::uint8_t {
     CommandButton,
     Frame,
     CheckBox,
+    ComboBox,
     OptionButton,
     PictureBox,
     Image,
     ProgressBar,
     ListView,
+    StatusBar,
     MenuItem,
     Timer,
     SerialControl,
+    Terminal,
 };
 
 /// Position and size in twips (1440 to the inch), within the control's container.

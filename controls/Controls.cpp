@@ -1,5 +1,6 @@
 #include "controls/Controls.hpp"
 
+#include <algorithm>
 #include <utility>
 
 #include "support/RuntimeError.hpp"
@@ -19,6 +20,53 @@ void PictureBox::Loaded(std::shared_ptr<const Picture> loaded) {
 
 void CheckBox::Value(bool value) {
     mValue = value;
+    Changed(Property::Value);
+}
+
+void ComboBox::Items(std::vector<std::string> items) {
+    mItems = std::move(items);
+    mListIndex = -1;
+    Changed(Property::Value);
+}
+
+void ComboBox::ListIndex(int index) {
+    if (index < -1 || index >= static_cast<int>(mItems.size()))
+        throw RuntimeError(ErrorNumber::InvalidPropertyValue);
+    mListIndex = index;
+    Changed(Property::Value);
+}
+
+std::string ComboBox::Text() const {
+    return mListIndex < 0 ? std::string() : mItems[static_cast<std::size_t>(mListIndex)];
+}
+
+void ComboBox::Choose(int index) {
+    ListIndex(index);
+    Click.Raise();
+}
+
+int FindStringComboBox(const ComboBox& combo, const std::string& text) {
+    const auto found = std::ranges::find(combo.Items(), text);
+    return found == combo.Items().end() ? -1 : static_cast<int>(found - combo.Items().begin());
+}
+
+StatusBar::StatusBar(Form& parent, std::string name, const std::vector<std::string>& keys)
+    : Control(parent, ControlKind::StatusBar, std::move(name)) {
+    for (const std::string& key : keys) mPanels.push_back({key, {}});
+}
+
+std::size_t StatusBar::PanelIndex(const std::string& key) const {
+    const auto found = std::ranges::find(mPanels, key, &Panel::key);
+    if (found == mPanels.end()) throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
+    return static_cast<std::size_t>(found - mPanels.begin());
+}
+
+const std::string& StatusBar::PanelText(const std::string& key) const {
+    return mPanels[PanelIndex(key)].text;
+}
+
+void StatusBar::PanelText(const std::string& key, std::string text) {
+    mPanels[PanelIndex(key)].text = std::move(text);
     Changed(Property::Value);
 }
 

@@ -1,6 +1,7 @@
 // The plain controls of the program's windows.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -117,6 +118,57 @@ public:
 
 private:
     std::int16_t mValue = 0;
+};
+
+/// A list of which the chosen text shows. `Property::Value` tells of new items and another choice.
+class ComboBox : public ClickControl {
+public:
+    ComboBox(Form& parent, std::string name, int index = -1)
+        : ClickControl(parent, ControlKind::ComboBox, std::move(name), index) {}
+
+    const std::vector<std::string>& Items() const { return mItems; }
+    /// Replaces the list; nothing of it is chosen then.
+    void Items(std::vector<std::string> items);
+
+    /// The chosen item, from 0; -1 for none.
+    int ListIndex() const { return mListIndex; }
+    /// Raises RuntimeError 380 where there is no such item.
+    void ListIndex(int index);
+    /// The chosen text; empty for none.
+    std::string Text() const;
+
+    /// For peers: the user has chosen an item. The event follows the change.
+    void Choose(int index);
+
+private:
+    std::vector<std::string> mItems;
+    int mListIndex = -1;
+};
+
+/// Index of `text` in the list of `combo`, letter case included; -1 when it is not there.
+int FindStringComboBox(const ComboBox& combo, const std::string& text);
+
+/// A bar of texts that keeps to its window's bottom edge by itself: of its place only the height
+/// counts, which a peer sets to what it really draws. `Property::Value` tells of another text.
+class StatusBar : public Control {
+public:
+    struct Panel {
+        std::string key;
+        std::string text;
+    };
+
+    /// A bar with an empty panel for each of `keys`, in their order.
+    StatusBar(Form& parent, std::string name, const std::vector<std::string>& keys);
+
+    const std::vector<Panel>& Panels() const { return mPanels; }
+    /// The text of one panel. Both raise RuntimeError 9 when no panel has the key.
+    const std::string& PanelText(const std::string& key) const;
+    void PanelText(const std::string& key, std::string text);
+
+private:
+    std::size_t PanelIndex(const std::string& key) const;
+
+    std::vector<Panel> mPanels;
 };
 
 /// A list with columns, of which one row can be selected.

@@ -82,6 +82,10 @@ void Form::FormChanged(Property property) {
     if (mPeer) mPeer->FormChanged(property);
 }
 
+void Form::DrawLine(const ThinLine& line) {
+    if (mPeer) mPeer->DrawLine(line);
+}
+
 void Form::ApplyDesign() {
     mCaption = mDesign.caption;
     mTag = mDesign.tag;

@@ -18,7 +18,8 @@ enum class WindowState : std::uint8_t { Normal = 0, Minimised = 1, Maximised = 2
 
 /// What is special about a control's looks or its place among the keys.
 struct ControlStyle {
-    float points = 9;  ///< size of its letters
+    float points = 9;       ///< size of its letters
+    const char* face = "";  ///< their shape; empty for that of the window
     bool bold = false;
     bool centred = false;        ///< of a label's text
     bool defaultButton = false;  ///< pressed by Enter
@@ -117,6 +118,9 @@ public:
     /// another size than before.
     void Placed(const vantor::Place& outer, WindowState state, const Size& inner);
 
+    /// For peers: the inside is to be drawn again, which Form_Paint does with DrawLine.
+    void Painting() { Form_Paint(); }
+
     Desktop& GetDesktop() const { return mDesktop; }
 
     /// The native window, 0 where nothing is drawn.
@@ -128,6 +132,9 @@ protected:
     virtual bool Form_QueryUnload() { return true; }
     virtual void Form_Unload() {}
     virtual void Form_Resize() {}
+    virtual void Form_Paint() {}
+
+    void DrawLine(const ThinLine& line);
 
 private:
     friend class Control;

@@ -1,150 +1,25 @@
 #include "controls/SerialControl.hpp"
 
-#include <algorithm>
-#include <array>
-#include <charconv>
-#include <span>
 #include <utility>
 
-#include "support/Conversions.hpp"
-#include "support/RuntimeError.hpp"
-
 namespace vantor {
-namespace {
-
-std::array<std::string_view, 4> SplitFields(std::string_view settings) {
-    std::array<std::string_view, 4> fields;
-    for (std::size_t i = 0; i < fields.size(); ++i) {
-        const std::size_t comma = settings.find(',');
-        if ((comma == std::string_view::npos) != (i + 1 == fields.size()))
-            throw RuntimeError(ErrorNumber::InvalidPropertyValue);
-        fields[i] = settings.substr(0, comma);
-        settings.remove_prefix(std::min(settings.size(), fields[i].size() + 1));
-    }
-    return fields;
-}
-
-std::uint32_t WholeNumber(std::string_view digits) {
-    std::uint32_t number = 0;
-    const auto [end, error] = std::from_chars(digits.data(), digits.data() + digits.size(), number);
-    if (error != std::errc{} || end != digits.data() + digits.size())
-        throw RuntimeError(ErrorNumber::InvalidPropertyValue);
-    return number;
-}
-
-Parity ParityOf(std::string_view letter) {
-    if (letter == "N" || letter == "n") return Parity::None;
-    if (letter == "O" || letter == "o") return Parity::Odd;
-    if (letter == "E" || letter == "e") return Parity::Even;
-    throw RuntimeError(ErrorNumber::InvalidPropertyValue);
-}
-
-std::uint8_t OneOf(std::string_view digits, std::uint32_t low, std::uint32_t high) {
-    const std::uint32_t number = WholeNumber(digits);
-    if (number != low && number != high) throw RuntimeError(ErrorNumber::InvalidPropertyValue);
-    return static_cast<std::uint8_t>(number);
-}
-
-/// The settings may name a port by its bare number.
-std::string PortName(const std::string& port) {
-    return IsNumeric(port) ? "COM" + std::to_string(ToInt16(port)) : port;
-}
-
-}  // namespace
-
-LineSettings ParseLineSettings(std::string_view settings) {
-    const auto [speed, parity, dataBits, stopBits] = SplitFields(settings);
-    return {.bitsPerSecond = WholeNumber(speed),
-            .parity = ParityOf(parity),
-            .dataBits = OneOf(dataBits, 7, 8),
-            .stopBits = OneOf(stopBits, 1, 2)};
-}
 
 SerialControl::SerialControl(Form& parent, std::string name, SerialPorts& ports)
-    : Control(parent, ControlKind::SerialControl, std::move(name)), mPorts(ports) {}
+    : Control(parent, ControlKind::SerialControl, std::move(name)), mPort(ports) {}
 
 void SerialControl::OpenPort() {
-    ClosePort();
-    try {
-        mPort = mPorts.Open(PortName(mPortName), ParseLineSettings(mSettings));
-    } catch (const RuntimeError&) {
-        // A port that cannot be opened stays closed: its user asks PortOpen and says so.
-        return;
-    }
-    ListenIfWanted();
-}
-
-void SerialControl::ClosePort() {
-    mPending.clear();
-    mPort.reset();
-}
-
-template <typename Operation>
-void SerialControl::OnPort(Operation&& operation) {
-    if (!mPort) return;
-    try {
-        operation(*mPort);
-    } catch (const RuntimeError&) {
-        // The device has gone away: polls find nothing from now on and sends do nothing.
-        ClosePort();
-    }
-}
-
-void SerialControl::Output(std::string_view bytes) {
-    if (!mPort) return;
-    mPending.append(bytes);
-    FlushPending();
-}
-
-void SerialControl::FlushPending() {
-    if (mPending.empty()) return;
-    OnPort([this](SerialPort& port) { mPending.erase(0, port.Write(mPending)); });
-}
-
-std::size_t SerialControl::OutBufferCount() {
-    FlushPending();
-    std::size_t count = mPending.size();
-    OnPort([&count](SerialPort& port) { count += port.OutputCount(); });
-    return mPort ? count : 0;
-}
-
-std::size_t SerialControl::InBufferCount() {
-    FlushPending();
-    std::size_t count = 0;
-    OnPort([&count](SerialPort& port) { count = port.InputCount(); });
-    return count;
-}
-
-std::string SerialControl::Input() {
-    std::string all;
-    OnPort([&all](SerialPort& port) {
-        std::array<char, 4096> chunk;
-        std::size_t count = 0;
-        do {
-            count = port.Read(std::span<char>(chunk));
-            all.append(chunk.data(), count);
-        } while (count == chunk.size());
-    });
-    return all;
-}
-
-void SerialControl::ClearInput() {
-    OnPort([](SerialPort& port) { port.DiscardInput(); });
+    mPort.Open(Listener());
 }
 
 void SerialControl::ReceiveThreshold(std::size_t bytes) {
     mReceiveThreshold = bytes;
-    ListenIfWanted();
+    mPort.Notify(Listener());
     RaiseIfReached();
 }
 
-void SerialControl::ListenIfWanted() {
-    OnPort([this](SerialPort& port) {
-        if (mReceiveThreshold > 0)
-            port.NotifyOnInput([this] { RaiseIfReached(); });
-        else
-            port.NotifyOnInput({});
-    });
+std::function<void()> SerialControl::Listener() {
+    if (mReceiveThreshold == 0) return {};
+    return [this] { RaiseIfReached(); };
 }
 
 void SerialControl::RaiseIfReached() {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <cstdint>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -13,6 +14,17 @@ namespace vantor {
 struct ListFilter {
     bool hidden = false;  ///< hidden files too (off Windows: names that begin with a point)
     bool system = false;  ///< system files too (off Windows there are none)
+};
+
+/// A file being written from its start on; closed when destroyed. What a `Write` has taken can be
+/// read by others at once.
+class OutputFile {
+public:
+    virtual ~OutputFile() = default;
+
+    /// Adds all of `bytes` at the end. Raises what the operations of `Files` do; how much was
+    /// written by then is not known.
+    virtual void Write(std::string_view bytes) = 0;
 };
 
 /// The file system. Used from one thread. Operations raise RuntimeError:
@@ -37,6 +49,10 @@ public:
 
     /// Adds `bytes` at the end, creating the file when missing.
     virtual void Append(const std::string& path, std::string_view bytes) = 0;
+
+    /// Replaces the file by an empty one, creating it when missing, and keeps it open for writing.
+    /// Others may read it meanwhile. The service must outlive what it returns.
+    virtual std::unique_ptr<OutputFile> Create(const std::string& path) = 0;
 
     /// Removes a plain file. Raises 53 when there is none.
     virtual void Delete(const std::string& path) = 0;

@@ -35,6 +35,20 @@ struct Size {
     friend bool operator==(const Size&, const Size&) = default;
 };
 
+/// Colours that the user chooses for the whole system.
+enum class SystemColour : std::uint8_t { ButtonShadow, Highlight3D };
+
+/// A line one pixel thin, in twips of a form's inside; both of its ends belong to it.
+struct ThinLine {
+    float left = 0;
+    float top = 0;
+    float right = 0;
+    float bottom = 0;
+    SystemColour colour = SystemColour::ButtonShadow;
+
+    friend bool operator==(const ThinLine&, const ThinLine&) = default;
+};
+
 /// How a form is shown.
 enum class ShowMode : std::uint8_t { Modeless, Modal };
 
@@ -52,6 +66,9 @@ public:
     /// `property` of one of its controls changed.
     virtual void ControlChanged(const Control& control, Property property) = 0;
 
+    /// Draws on the form itself, below its controls; only from within the form's `Painting`.
+    virtual void DrawLine(const ThinLine&) {}
+
     /// The window's handle; 0 where nothing is drawn.
     virtual NativeWindow Handle() const = 0;
 };
@@ -66,6 +83,9 @@ public:
 
     /// Size of the screen that windows are placed on.
     virtual Size ScreenSize() const = 0;
+
+    /// Twips of one pixel of the screen: 15 at 96 dots to the inch.
+    virtual float TwipsPerPixel() const { return 15; }
 
     /// Sets the pointer of the whole screen until set again.
     virtual void SetMousePointer(MousePointer pointer) = 0;

@@ -3,6 +3,7 @@
 
 namespace vantor {
 
+class Clipboard;
 class Clock;
 class CodePage;
 class CommonDialogs;
@@ -22,6 +23,7 @@ class StringTable;
 /// References to the services; they outlive everything that they are lent to. A class that
 /// needs one or two of them takes those, not the whole.
 struct Platform {
+    Clipboard& clipboard;
     Clock& clock;
     CodePage& codePage;
     CommonDialogs& dialogs;

@@ -9,6 +9,9 @@ namespace vantor {
 
 extern const FormDesign kAboutWindowDesign;
 extern const FormDesign kMainWindowDesign;
+extern const FormDesign kMonitorWindowDesign;
+extern const FormDesign kPortSettingsWindowDesign;
+extern const FormDesign kSendWindowDesign;
 extern const FormDesign kStatusWindowDesign;
 
 }  // namespace vantor

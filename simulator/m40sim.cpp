@@ -24,6 +24,7 @@
 #include "simulator/Fault.hpp"
 #include "simulator/FlashMemory.hpp"
 #include "simulator/PseudoTerminal.hpp"
+#include "simulator/RunningMode.hpp"
 #include "simulator/VirtualIndicator.hpp"
 
 namespace vantor {
@@ -58,6 +59,8 @@ Prints "port: PATH" and serves on PATH until SIGTERM or SIGINT.
   --write MS         time to write flash memory before the verdict (default 1000)
   --fault FAULT      show a fault; repeatable
   --transcript FILE  record what passes: ms since start, direction, bytes
+  --terminal         the indicator's running mode instead of its boot monitor: echoes what is
+                     typed and answers a few commands; of the other options only --link counts
   --help             this text
 
 Faults at image line LINE (from 0, a repeated line counts once), shown on its first TIMES
@@ -79,6 +82,7 @@ struct Options {
     std::optional<fs::path> link;
     std::optional<fs::path> transcript;
     bool once = false;
+    bool terminal = false;
     bool help = false;
 };
 
@@ -110,7 +114,8 @@ struct Setting {
     void (*set)(Options&, std::string_view name, std::string_view value);
 };
 
-constexpr std::array<Switch, 3> kSwitches{{
+constexpr std::array<Switch, 4> kSwitches{{
+    {"--terminal", [](Options& o) { o.terminal = true; }},
     {"--once", [](Options& o) { o.once = true; }},
     {"--pace", [](Options& o) { o.indicator.paced = true; }},
     {"--help", [](Options& o) { o.help = true; }},
@@ -346,8 +351,8 @@ void Server::Pause() {
     const bool dueSoon = due && *due - now <= kSpin;
     // Unpaced there is nothing to be exact about, and a sleeping server leaves the processor to
     // the system's carrying of the bytes.
-    const bool attentive = mOptions.indicator.paced && !due && mHostOpen &&
-                           now - mLastByte < kAttentive;
+    const bool attentive =
+        mOptions.indicator.paced && !due && mHostOpen && now - mLastByte < kAttentive;
     if (dueSoon || attentive) {
         // The system's own thread that carries bytes between the two ends may need this very
         // processor; without it nothing would arrive however fast this loop spins.
@@ -388,6 +393,25 @@ int Server::Status() const {
     return 0;
 }
 
+// The running mode on a terminal of its own, until a signal ends it.
+int ServeRunningMode(const Options& options) {
+    PseudoTerminal terminal;
+    std::optional<Link> link;
+    if (options.link) link.emplace(*options.link, terminal.Path());
+    RunningMode indicator;
+    bool wasOpen = false;
+    std::cout << "port: " << terminal.Path() << std::endl;
+    while (stopAsked == 0) {
+        const PseudoTerminal::State state = terminal.Look();
+        if (state.hostOpen && (!wasOpen || state.reopened)) terminal.Write(RunningMode::Greeting());
+        wasOpen = state.hostOpen;
+        const std::string answer = indicator.Receive(state.bytes);
+        if (!answer.empty()) terminal.Write(answer);
+        if (state.bytes.empty()) terminal.Wait(std::nullopt);
+    }
+    return 0;
+}
+
 void StopOnSignals() {
     struct sigaction action {};
     action.sa_handler = [](int) { stopAsked = 1; };
@@ -409,6 +433,7 @@ int main(int argc, char** argv) {
             return 0;
         }
         StopOnSignals();
+        if (options.terminal) return ServeRunningMode(options);
         return Server(std::move(options)).Run();
     } catch (const UsageError& error) {
         std::cerr << "m40sim: " << error.what() << '\n';

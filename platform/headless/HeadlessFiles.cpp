@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstddef>
+#include <utility>
 
 #include "platform/WildCards.hpp"
 #include "support/RuntimeError.hpp"
@@ -77,6 +78,22 @@ void HeadlessFiles::WriteAll(const std::string& path, std::string_view bytes) {
 
 void HeadlessFiles::Append(const std::string& path, std::string_view bytes) {
     Writable(path) += bytes;
+}
+
+class HeadlessOutputFile : public OutputFile {
+public:
+    HeadlessOutputFile(HeadlessFiles& files, std::string path)
+        : mFiles(files), mPath(std::move(path)) {}
+    void Write(std::string_view bytes) override { mFiles.Append(mPath, bytes); }
+
+private:
+    HeadlessFiles& mFiles;
+    std::string mPath;
+};
+
+std::unique_ptr<OutputFile> HeadlessFiles::Create(const std::string& path) {
+    WriteAll(path, "");
+    return std::make_unique<HeadlessOutputFile>(*this, path);
 }
 
 void HeadlessFiles::Delete(const std::string& path) {

@@ -8,23 +8,28 @@ namespace {
 
 class HeadlessPeer : public FormPeer {
 public:
-    HeadlessPeer(HeadlessPeers& peers, std::string name) : mPeers(peers), mName(std::move(name)) {
+    HeadlessPeer(HeadlessPeers& peers, Form& form)
+        : mPeers(peers), mForm(form), mName(form.Name()) {
         mPeers.open.push_back(mName);
     }
     ~HeadlessPeer() override { std::erase(mPeers.open, mName); }
     HeadlessPeer(const HeadlessPeer&) = delete;
     HeadlessPeer& operator=(const HeadlessPeer&) = delete;
 
-    void Show(ShowMode, NativeWindow) override {}
+    void Show(ShowMode mode, NativeWindow) override {
+        if (mode == ShowMode::Modal && mPeers.whileModal) mPeers.whileModal(mForm);
+    }
     void FormChanged(Property) override {}
     void ControlChanged(const Control& control, Property property) override {
         const auto told = mPeers.onChange;  // it may replace itself while it runs
         if (told) told(control, property);
     }
+    void DrawLine(const ThinLine& line) override { mPeers.lines.push_back(line); }
     NativeWindow Handle() const override { return 0; }
 
 private:
     HeadlessPeers& mPeers;
+    Form& mForm;
     std::string mName;
 };
 
@@ -61,12 +66,13 @@ std::string HeadlessProcess::ExecutablePath() const {
 }
 
 std::unique_ptr<FormPeer> HeadlessPeers::Draw(Form& form) {
-    return std::make_unique<HeadlessPeer>(*this, form.Name());
+    return std::make_unique<HeadlessPeer>(*this, form);
 }
 
 HeadlessPlatform::HeadlessPlatform(Language language)
     : strings(language),
-      platform{.clock = clock,
+      platform{.clipboard = clipboard,
+               .clock = clock,
                .codePage = codePage,
                .dialogs = dialogs,
                .files = files,

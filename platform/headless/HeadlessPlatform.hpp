@@ -10,6 +10,7 @@
 #include <string>
 #include <vector>
 
+#include "platform/Clipboard.hpp"
 #include "platform/Clock.hpp"
 #include "platform/CodePage1252.hpp"
 #include "platform/CommonDialogs.hpp"
@@ -109,6 +110,9 @@ public:
 
     void HoldSystem(const std::string& reason) override { held = reason; }
 
+    /// Stands for the user of a modal window, which returns after it.
+    std::function<void(Form&)> whileModal;
+    std::vector<ThinLine> lines;  ///< drawn on forms
     std::string held;  ///< why the system is held; empty when it is not
     MousePointer pointer = MousePointer::Default;
     std::vector<std::string> open;  ///< names of the forms that have a peer now
@@ -158,6 +162,7 @@ private:
 struct HeadlessPlatform {
     explicit HeadlessPlatform(Language language = Language::English);
 
+    MemoryClipboard clipboard;
     HeadlessClock clock;
     HeadlessPump pump{clock};
     CodePage1252 codePage;

@@ -67,16 +67,24 @@ PosixHandle Open(const std::string& hostPath, int flags) {
     return file;
 }
 
-void WriteBytes(const std::string& path, int flags, std::string_view bytes) {
-    const std::string hostPath = HostPath(path);
-    const PosixHandle file = Open(hostPath, O_WRONLY | O_CREAT | flags);
-    while (!bytes.empty()) {
-        const ssize_t count =
-            Uninterrupted([&] { return write(file.Get(), bytes.data(), bytes.size()); });
-        if (count < 0) Raise(errno, hostPath);
-        bytes.remove_prefix(static_cast<std::size_t>(count));
+class PosixOutputFile : public OutputFile {
+public:
+    PosixOutputFile(const std::string& path, int flags)
+        : mHostPath(HostPath(path)), mFile(Open(mHostPath, O_WRONLY | O_CREAT | flags)) {}
+
+    void Write(std::string_view bytes) override {
+        while (!bytes.empty()) {
+            const ssize_t count =
+                Uninterrupted([&] { return write(mFile.Get(), bytes.data(), bytes.size()); });
+            if (count < 0) Raise(errno, mHostPath);
+            bytes.remove_prefix(static_cast<std::size_t>(count));
+        }
     }
-}
+
+private:
+    std::string mHostPath;
+    PosixHandle mFile;
+};
 
 }  // namespace
 
@@ -116,11 +124,15 @@ std::string PosixFiles::ReadAll(const std::string& path) const {
 }
 
 void PosixFiles::WriteAll(const std::string& path, std::string_view bytes) {
-    WriteBytes(path, O_TRUNC, bytes);
+    PosixOutputFile(path, O_TRUNC).Write(bytes);
 }
 
 void PosixFiles::Append(const std::string& path, std::string_view bytes) {
-    WriteBytes(path, O_APPEND, bytes);
+    PosixOutputFile(path, O_APPEND).Write(bytes);
+}
+
+std::unique_ptr<OutputFile> PosixFiles::Create(const std::string& path) {
+    return std::make_unique<PosixOutputFile>(path, O_TRUNC);
 }
 
 void PosixFiles::Delete(const std::string& path) {

@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <memory>
 #include <optional>
+#include <utility>
 
 #include "platform/WildCards.hpp"
 #include "platform/win32/Win32Handle.hpp"
@@ -58,13 +59,25 @@ DWORD Portion(std::size_t bytes) {
     return static_cast<DWORD>(std::min(bytes, kMost));
 }
 
-void WriteBytes(const Win32Handle& file, std::string_view bytes) {
-    while (!bytes.empty()) {
-        DWORD count = 0;
-        if (WriteFile(file.Get(), bytes.data(), Portion(bytes.size()), &count, nullptr) == 0)
-            RaiseFileError(GetLastError());
-        bytes.remove_prefix(count);
+class Win32OutputFile : public OutputFile {
+public:
+    explicit Win32OutputFile(Win32Handle file) : mFile(std::move(file)) {}
+
+    void Write(std::string_view bytes) override {
+        while (!bytes.empty()) {
+            DWORD count = 0;
+            if (WriteFile(mFile.Get(), bytes.data(), Portion(bytes.size()), &count, nullptr) == 0)
+                RaiseFileError(GetLastError());
+            bytes.remove_prefix(count);
+        }
     }
+
+private:
+    Win32Handle mFile;
+};
+
+Win32Handle OpenReplaced(const std::string& path) {
+    return Open(HostPath(path), GENERIC_WRITE, FILE_SHARE_READ, CREATE_ALWAYS);
 }
 
 struct SearchCloser {
@@ -120,11 +133,16 @@ std::string Win32Files::ReadAll(const std::string& path) const {
 }
 
 void Win32Files::WriteAll(const std::string& path, std::string_view bytes) {
-    WriteBytes(Open(HostPath(path), GENERIC_WRITE, FILE_SHARE_READ, CREATE_ALWAYS), bytes);
+    Win32OutputFile(OpenReplaced(path)).Write(bytes);
 }
 
 void Win32Files::Append(const std::string& path, std::string_view bytes) {
-    WriteBytes(Open(HostPath(path), FILE_APPEND_DATA | SYNCHRONIZE, kShareAll, OPEN_ALWAYS), bytes);
+    Win32OutputFile(Open(HostPath(path), FILE_APPEND_DATA | SYNCHRONIZE, kShareAll, OPEN_ALWAYS))
+        .Write(bytes);
+}
+
+std::unique_ptr<OutputFile> Win32Files::Create(const std::string& path) {
+    return std::make_unique<Win32OutputFile>(OpenReplaced(path));
 }
 
 void Win32Files::Delete(const std::string& path) {

@@ -13,6 +13,7 @@ public:
     std::string ReadAll(const std::string& path) const override;
     void WriteAll(const std::string& path, std::string_view bytes) override;
     void Append(const std::string& path, std::string_view bytes) override;
+    std::unique_ptr<OutputFile> Create(const std::string& path) override;
     void Delete(const std::string& path) override;
     void CreateFolders(const std::string& path) override;
     std::vector<std::string> List(const std::string& folder, const std::string& pattern,

@@ -23,6 +23,18 @@ TEST_P(FilesContract, BytesComeBackAsTheyWereWritten) {
     EXPECT_FALSE(files.Exists(At("/new.log")));
 }
 
+TEST_P(FilesContract, AFileBeingWrittenReplacesTheOldOneAndCanBeReadMeanwhile) {
+    files.WriteAll(At("\\capture.txt"), "an older text");
+    const std::unique_ptr<OutputFile> file = files.Create(At("\\capture.txt"));
+    EXPECT_EQ(files.ReadAll(At("/capture.txt")), "");
+    file->Write(std::string("a\0\r\n\x1A", 5));
+    file->Write("");
+    file->Write("b");
+    EXPECT_EQ(files.ReadAll(At("/capture.txt")), std::string("a\0\r\n\x1A" "b", 6));
+    EXPECT_EQ(ErrorOf([&] { files.Create(At("\\no folder\\new.txt")); }), 76);
+    EXPECT_NE(ErrorOf([&] { files.Create(subject->Folder()); }), 0);
+}
+
 TEST_P(FilesContract, FoldersAreMadeWithAllAboveThemAndAreNoFiles) {
     files.CreateFolders(At("\\reports\\2026/may"));
     files.CreateFolders(At("\\reports\\2026/may"));

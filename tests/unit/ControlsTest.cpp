@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "ReportingPlatform.hpp"
+#include "Wire.hpp"
 #include "app/frmMain.hpp"
 #include "dialogs/frmStatus.hpp"
 
@@ -31,20 +32,6 @@ public:
     CommandButton cmdGo{*this, "cmdGo"};
     Timer tmr;
     SerialControl comm;
-};
-
-class Wire : public FarEnd {
-public:
-    void Opened(const LineSettings& settings) override { line = settings; }
-    void Closed() override {}
-    void Receive(std::string_view bytes) override { received += bytes; }
-    std::string Transmit() override { return std::exchange(sent, {}); }
-    bool HungUp() const override { return gone; }
-
-    LineSettings line;
-    std::string received;
-    std::string sent;
-    bool gone = false;
 };
 
 class ControlsTest : public testing::Test {

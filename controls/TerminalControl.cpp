@@ -1,0 +1,282 @@
+#include "controls/TerminalControl.hpp"
+
+#include <algorithm>
+#include <utility>
+
+#include "controls/Form.hpp"
+#include "platform/Clipboard.hpp"
+#include "platform/CodePage.hpp"
+#include "platform/MessageBoxes.hpp"
+#include "platform/StringTable.hpp"
+#include "support/RuntimeError.hpp"
+#include "support/Traps.hpp"
+
+namespace vantor {
+namespace {
+
+// A line that never pauses leaves the windows their turn after so many bytes.
+constexpr std::size_t kMostAtOnce = 64 * 1024;
+constexpr std::uint32_t kSendIntervalMs = 10;
+
+struct MenuRow {
+    TerminalCommand command;
+    std::int32_t text;
+    bool startsGroup;
+};
+
+constexpr std::array kMenu = {MenuRow{TerminalCommand::Open, 2100, false},
+                              MenuRow{TerminalCommand::Close, 2101, false},
+                              MenuRow{TerminalCommand::Settings, 2102, false},
+                              MenuRow{TerminalCommand::Copy, 2103, true},
+                              MenuRow{TerminalCommand::Paste, 2104, false},
+                              MenuRow{TerminalCommand::SelectAll, 2105, false},
+                              MenuRow{TerminalCommand::Clear, 2106, true},
+                              MenuRow{TerminalCommand::Reset, 2107, false}};
+
+std::size_t Slot(TerminalCommand command) {
+    return static_cast<std::size_t>(command);
+}
+
+/// `text` with every CR, LF and CR LF replaced by `lineEnd`.
+std::string WithLineEnds(std::string_view text, std::string_view lineEnd) {
+    std::string result;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] == '\n' && i > 0 && text[i - 1] == '\r') continue;
+        if (text[i] == '\r' || text[i] == '\n')
+            result += lineEnd;
+        else
+            result += text[i];
+    }
+    return result;
+}
+
+}  // namespace
+
+TerminalControl::TerminalControl(Form& parent, std::string name, Platform& platform)
+    : Control(parent, ControlKind::Terminal, std::move(name)),
+      mPlatform(platform),
+      mPort(platform.ports) {
+    mPort.name = "COM1";
+    mPort.settings = "9600,N,8,1";
+}
+
+TerminalControl::~TerminalControl() {
+    if (mSendTimer != 0) mPlatform.pump.StopTimer(mSendTimer);
+}
+
+// --- the port
+// -------------------------------------------------------------------------------------
+
+void TerminalControl::Open() {
+    mPort.Open([this] { TakeInput(); });
+}
+
+void TerminalControl::Close() {
+    mPort.Close();
+}
+
+void TerminalControl::TakeInput() {
+    // The box that reports a failed capture lets the window be closed behind it.
+    const std::shared_ptr<void> keepAlive = KeepParent();
+    const std::string bytes = mPort.Input(kMostAtOnce);
+    if (bytes.empty()) return;  // the device has gone
+    Show(bytes);
+    Capture(bytes);
+}
+
+void TerminalControl::Show(std::string_view bytes) {
+    const std::uint64_t bells = mParser.Bells();
+    mParser.Write(bytes);
+    if (mParser.Bells() != bells) mPlatform.boxes.Beep();
+    if (mFollowOutput) mView.reset();
+    Changed(Property::Value);
+}
+
+void TerminalControl::Capture(std::string_view bytes) {
+    if (!mCapture) return;
+    Trapped("TerminalControl.Capture", [&] {
+        // Taken out while it writes: a write that fails has ended the capture before its report
+        // shows, behind which more text arrives.
+        std::unique_ptr<OutputFile> file = std::move(mCapture);
+        std::string path = std::exchange(mCaptureFile, {});
+        file->Write(bytes);
+        mCapture = std::move(file);
+        mCaptureFile = std::move(path);
+    });
+}
+
+void TerminalControl::CaptureFile(const std::string& path) {
+    mCapture.reset();
+    mCaptureFile.clear();
+    if (path.empty()) return;
+    mCapture = mPlatform.files.Create(path);
+    mCaptureFile = path;
+}
+
+void TerminalControl::Send(std::string_view bytes) {
+    if (!PortOpen()) return;
+    mPort.Output(bytes);
+    KeepSending();
+    if (mLocalEcho) Show(WithLineEnds(bytes, "\r\n"));
+}
+
+/// Hands the rest over bit by bit when the driver does not take all at once. Idle there is no
+/// timer.
+void TerminalControl::KeepSending() {
+    const bool done = mPort.FlushPending();
+    if (done && mSendTimer != 0)
+        mPlatform.pump.StopTimer(std::exchange(mSendTimer, 0));
+    else if (!done && mSendTimer == 0)
+        mSendTimer = mPlatform.pump.StartTimer(kSendIntervalMs, [this] { KeepSending(); });
+}
+
+void TerminalControl::Output(std::string_view line) {
+    Send(std::string(line) + (mEndLines ? "\r" : ""));
+}
+
+void TerminalControl::Key(std::string_view bytes) {
+    if (!PortOpen()) return;
+    ScrollTo(mScreen.TopLine());
+    Send(bytes);
+}
+
+void TerminalControl::Type(const std::string& text) {
+    Key(mPlatform.codePage.ToAnsi(text));
+}
+
+// --- commands
+// -------------------------------------------------------------------------------------
+
+void TerminalControl::PerformCommand(TerminalCommand command) {
+    switch (command) {
+        case TerminalCommand::Copy:
+            Copy();
+            break;
+        case TerminalCommand::Paste:
+            Paste();
+            break;
+        case TerminalCommand::SelectAll:
+            SelectAll();
+            break;
+        case TerminalCommand::Open:
+            Open();
+            break;
+        case TerminalCommand::Close:
+            Close();
+            break;
+        case TerminalCommand::Clear:
+            mScreen.NewPage();
+            Clear();
+            break;
+        case TerminalCommand::Reset:
+            mScreen.Reset();
+            Clear();
+            break;
+        case TerminalCommand::Settings:
+            ShowSettings();
+            break;
+    }
+}
+
+/// The rest of what an emptied screen means: a sequence that had begun, and the view.
+void TerminalControl::Clear() {
+    mParser.Reset();
+    mView.reset();
+    Changed(Property::Repaint);
+}
+
+void TerminalControl::Invoke(TerminalCommand command) {
+    const std::shared_ptr<void> keepAlive = KeepParent();
+    bool handled = false;
+    Command.Raise(command, handled);
+    if (!handled && !Parent().Gone()) PerformCommand(command);
+}
+
+void TerminalControl::ShowSettings() {
+    if (SettingsDialog) SettingsDialog();
+}
+
+void TerminalControl::Handshake(int kind) {
+    if (kind != 0) throw RuntimeError(ErrorNumber::InvalidPropertyValue);
+}
+
+void TerminalControl::FollowOutput(bool follow) {
+    mFollowOutput = follow;
+    if (follow) ScrollTo(mScreen.TopLine());
+}
+
+CommandOffer TerminalControl::CommandMode(TerminalCommand command) const {
+    return mOffers[Slot(command)];
+}
+
+void TerminalControl::CommandMode(TerminalCommand command, CommandOffer offer) {
+    mOffers[Slot(command)] = offer;
+}
+
+bool TerminalControl::Useful(TerminalCommand command) const {
+    if (command == TerminalCommand::Open) return !PortOpen();
+    if (command == TerminalCommand::Close || command == TerminalCommand::Paste) return PortOpen();
+    return command != TerminalCommand::Copy || !mSelection.Empty();
+}
+
+std::vector<OfferedCommand> TerminalControl::ContextMenu() const {
+    std::vector<OfferedCommand> menu;
+    for (const auto& [command, text, startsGroup] : kMenu) {
+        const CommandOffer offer = CommandMode(command);
+        if (offer == CommandOffer::Never) continue;
+        menu.push_back({.command = command,
+                        .caption = mPlatform.strings.LoadResString(text),
+                        .enabled = offer == CommandOffer::Always || Useful(command),
+                        .startsGroup = startsGroup});
+    }
+    return menu;
+}
+
+// --- selection and view
+// ---------------------------------------------------------------------------
+
+void TerminalControl::SelectAll() {
+    mSelection.SetAll();
+    Changed(Property::Repaint);
+}
+
+void TerminalControl::Select(TextPosition anchor, TextPosition end) {
+    mSelection.Set(anchor, end);
+    Changed(Property::Repaint);
+}
+
+std::string TerminalControl::SelectedText() const {
+    return mPlatform.codePage.FromAnsi(mSelection.Text());
+}
+
+void TerminalControl::Copy() {
+    if (!mSelection.Empty()) mPlatform.clipboard.Text(SelectedText());
+}
+
+void TerminalControl::Paste() {
+    Type(WithLineEnds(mPlatform.clipboard.Text(), "\r"));
+}
+
+std::int64_t TerminalControl::FirstShownLine() const {
+    if (!mView) return mScreen.TopLine();
+    return std::clamp(*mView, mScreen.FirstLine(), mScreen.TopLine());
+}
+
+void TerminalControl::ScrollTo(std::int64_t firstLine) {
+    const std::int64_t before = FirstShownLine();
+    mView = firstLine;
+    if (firstLine >= mScreen.TopLine()) mView.reset();
+    if (FirstShownLine() != before) Changed(Property::Repaint);
+}
+
+void TerminalControl::ScreenSize(int columns, int rows) {
+    mScreen.Resize(columns, rows);
+    Changed(Property::Value);
+}
+
+void TerminalControl::Move(const vantor::Place& place) {
+    if (place.width < 0 || place.height < 0) throw RuntimeError(ErrorNumber::InvalidPropertyValue);
+    Place(place);
+}
+
+}  // namespace vantor

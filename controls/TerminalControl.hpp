@@ -1,0 +1,194 @@
+// The serial terminal control: a port, a screen, a keyboard, capture to a file, and the commands of
+// a context menu. It is complete without a peer, which only paints the screen and passes on what
+// the user does.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <functional>
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "controls/BufferedPort.hpp"
+#include "controls/Control.hpp"
+#include "controls/Event.hpp"
+#include "controls/TerminalParser.hpp"
+#include "controls/TerminalScreen.hpp"
+#include "controls/TerminalSelection.hpp"
+#include "platform/Files.hpp"
+#include "platform/MessagePump.hpp"
+#include "platform/Platform.hpp"
+
+namespace vantor {
+
+/// The terminal's own commands, with the numbers that its users know them by.
+enum class TerminalCommand : std::uint8_t {
+    Copy = 1,       ///< the selection to the clipboard
+    Paste = 2,      ///< the clipboard's text is typed
+    SelectAll = 3,  ///< marks the whole text
+    Open = 7,       ///< opens the port
+    Close = 8,      ///< closes the port
+    Clear = 9,      ///< empties the screen; its text stays in the history
+    Reset = 10,     ///< colours, scroll region and modes as at the start, and an empty screen
+    Settings = 11,  ///< shows the dialog for the port's settings
+};
+
+/// When the context menu offers a command for use.
+enum class CommandOffer : std::uint8_t {
+    WhenUseful = 0,  ///< only while it can do something; greyed otherwise
+    Never = 1,       ///< it is not in the menu
+    Always = 2,      ///< at any time
+};
+
+/// One entry of the context menu.
+struct OfferedCommand {
+    TerminalCommand command;
+    std::string caption;  ///< UTF-8
+    bool enabled;
+    bool startsGroup;  ///< a separator goes above it
+};
+
+/// The numbers of members are those by which the vendor's terminal knew them. Bytes in both
+/// directions pass unchanged; on the screen they are characters of the system's 8-bit code page.
+/// Nothing raises for the sake of the line: an open that fails, or a device that disappears, is
+/// seen only through `PortOpen`.
+///
+/// Peers are told of `Property::Value` when text has come (see `TerminalScreen::Dirty`; a peer
+/// cleans what it has painted) and of `Property::Repaint` when all of it is to be painted again.
+class TerminalControl : public Control {
+public:
+    TerminalControl(Form& parent, std::string name, Platform& platform);
+    ~TerminalControl() override;
+
+    /// Member 1: the settings string (see ParseLineSettings), used at the next open.
+    const std::string& Settings() const { return mPort.settings; }
+    void Settings(std::string settings) { mPort.settings = std::move(settings); }
+
+    /// Member 28: the port's name, "COM1" style; a bare number n means COMn. Used at the next open.
+    const std::string& Port() const { return mPort.name; }
+    void Port(std::string name) { mPort.name = std::move(name); }
+
+    /// Member 88: the port is open.
+    bool PortOpen() const { return mPort.IsOpen(); }
+
+    /// Member 116: performs one of the terminal's commands, without asking the owner.
+    void PerformCommand(TerminalCommand command);
+
+    /// Member 130: the dialog for the port's settings, which is set by whoever has one.
+    void ShowSettings();
+    std::function<void()> SettingsDialog;
+
+    /// Member 16: the file that what is received goes into as it arrives; empty when there is
+    /// none. A name begins a capture, replacing the file; the empty text ends it. A capture that
+    /// runs ends in any case. Raises what Files::Create does.
+    const std::string& CaptureFile() const { return mCaptureFile; }
+    void CaptureFile(const std::string& path);
+
+    /// Member 84: transmits one line as it is, and a CR behind it.
+    void Output(std::string_view line);
+
+    /// Member 49: while true the view stays with the newest text, so that what a long transmission
+    /// brings can be followed. Otherwise a view that was moved up stays where it is.
+    bool FollowOutput() const { return mFollowOutput; }
+    void FollowOutput(bool follow);
+
+    /// Member 62: lines given to `Output` are ended with CR. True at first.
+    bool EndLines() const { return mEndLines; }
+    void EndLines(bool end) { mEndLines = end; }
+
+    /// Member 6: a line longer than the screen is wide goes on in the next row instead of writing
+    /// its last column again and again. True at first; the far end can switch it too.
+    bool AutoWrap() const { return mScreen.modes.autoWrap; }
+    void AutoWrap(bool wrap) { mScreen.modes.autoWrap = wrap; }
+
+    /// Member 55: the kind of flow control. 0, none, is the only one: raises RuntimeError 380 for
+    /// any other.
+    int Handshake() const { return 0; }
+    void Handshake(int kind);
+
+    /// Member 112: what is typed and transmitted shows at once, instead of when the far end sends
+    /// it back. False at first.
+    bool LocalEcho() const { return mLocalEcho; }
+    void LocalEcho(bool echo) { mLocalEcho = echo; }
+
+    /// Member 113: a received CR goes to the next row too, for far ends that send no LF.
+    /// False at first.
+    bool AutoLineFeed() const { return mScreen.modes.returnFeeds; }
+    void AutoLineFeed(bool feed) { mScreen.modes.returnFeeds = feed; }
+
+    /// Member 121, by command: when the context menu offers it. WhenUseful at first.
+    CommandOffer CommandMode(TerminalCommand command) const;
+    void CommandMode(TerminalCommand command, CommandOffer offer);
+
+    /// The user has invoked a command. A handler that sets `handled` has seen to it; otherwise the
+    /// terminal performs it itself.
+    Event<TerminalCommand, bool&> Command{[this] { return KeepParent(); }};
+
+    // --- what the user does -------------------------------------------------------------------
+
+    /// The context menu as it is now, top to bottom.
+    std::vector<OfferedCommand> ContextMenu() const;
+    /// An entry of it was chosen.
+    void Invoke(TerminalCommand command);
+
+    /// Bytes as typed, in the system's 8-bit code page; Enter is CR. Nothing on a closed port.
+    void Key(std::string_view bytes);
+    /// UTF-8 text as typed.
+    void Type(const std::string& text);
+
+    void SelectAll();
+    /// Marks from `anchor` up to `end`, in whichever order they come.
+    void Select(TextPosition anchor, TextPosition end);
+    /// The marked text, UTF-8.
+    std::string SelectedText() const;
+    /// Does nothing without a selection: what the clipboard holds stays.
+    void Copy();
+    /// Types the clipboard's text, each of its line ends as Enter.
+    void Paste();
+
+    // --- what there is to paint ---------------------------------------------------------------
+
+    TerminalScreen& Screen() { return mScreen; }
+    const TerminalSelection& Selection() const { return mSelection; }
+
+    /// The line in the view's first row: the screen's own unless the user has moved the view up.
+    std::int64_t FirstShownLine() const;
+    void ScrollTo(std::int64_t firstLine);
+
+    /// So many characters fit into the control now.
+    void ScreenSize(int columns, int rows);
+
+    /// Moves the control. Raises RuntimeError 380 for a size below zero.
+    void Move(const vantor::Place& place);
+
+private:
+    void Open();
+    void Close();
+    void TakeInput();
+    void Show(std::string_view bytes);
+    void Capture(std::string_view bytes);
+    void Send(std::string_view bytes);
+    void KeepSending();
+    void Clear();
+    bool Useful(TerminalCommand command) const;
+
+    Platform& mPlatform;
+    BufferedPort mPort;
+    TerminalScreen mScreen;
+    TerminalParser mParser{mScreen};
+    TerminalSelection mSelection{mScreen};
+    std::optional<std::int64_t> mView;  // the view's first line while it is moved up
+    std::string mCaptureFile;
+    std::unique_ptr<OutputFile> mCapture;
+    std::array<CommandOffer, 12> mOffers{};  // by command
+    TimerId mSendTimer = 0;
+    bool mFollowOutput = false;
+    bool mEndLines = true;
+    bool mLocalEcho = false;
+};
+
+}  // namespace vantor

@@ -1,0 +1,340 @@
+#include "controls/TerminalParser.hpp"
+
+#include <algorithm>
+
+namespace vantor {
+namespace {
+
+constexpr unsigned char kBell = 0x07;
+constexpr unsigned char kCancel = 0x18;
+constexpr unsigned char kSubstitute = 0x1A;
+constexpr unsigned char kEscape = 0x1B;
+constexpr unsigned char kDelete = 0x7F;
+constexpr int kLargestParameter = 9999;
+// A text whose end was lost must not take the rest of the session with it.
+constexpr std::size_t kLongestText = 256;
+
+bool IsControl(unsigned char byte) {
+    return byte < ' ' || byte == kDelete;
+}
+
+bool IsIntermediate(unsigned char byte) {
+    return byte >= ' ' && byte <= '/';
+}
+
+std::size_t PrintableLength(std::string_view bytes) {
+    const auto end = std::find_if(bytes.begin(), bytes.end(), [](char byte) {
+        return IsControl(static_cast<unsigned char>(byte));
+    });
+    return static_cast<std::size_t>(end - bytes.begin());
+}
+
+Erase ExtentOf(int parameter) {
+    return static_cast<Erase>(parameter);
+}
+
+}  // namespace
+
+void TerminalParser::Write(std::string_view bytes) {
+    while (!bytes.empty()) {
+        std::size_t taken = mState == State::Ground ? PrintableLength(bytes) : 0;
+        if (taken > 0) {
+            mScreen.Print(bytes.substr(0, taken));
+        } else {
+            Take(static_cast<unsigned char>(bytes.front()));
+            taken = 1;
+        }
+        bytes.remove_prefix(taken);
+    }
+}
+
+void TerminalParser::Take(unsigned char byte) {
+    if (byte == kCancel || byte == kSubstitute) {
+        mState = State::Ground;
+    } else if (byte == kEscape) {
+        mState = State::Escape;
+    } else if (mState == State::Text) {
+        TakeText(byte);
+    } else if (IsControl(byte)) {
+        TakeControl(byte);  // within a sequence too, which goes on behind it
+    } else if (byte > kDelete) {
+        // No sequence holds such a byte: this one was broken off, and text follows.
+        mState = State::Ground;
+        const char character = static_cast<char>(byte);
+        mScreen.Print({&character, 1});
+    } else if (mState == State::Escape) {
+        TakeEscape(byte);
+    } else if (mState == State::EscapeRest) {
+        if (!IsIntermediate(byte)) mState = State::Ground;
+    } else {
+        TakeSequence(byte);
+    }
+}
+
+void TerminalParser::TakeControl(unsigned char byte) {
+    switch (byte) {
+        case kBell:
+            ++mBells;
+            break;
+        case '\b':
+            mScreen.Backspace();
+            break;
+        case '\t':
+            mScreen.Tab();
+            break;
+        case '\n':
+        case '\v':
+            mScreen.LineFeed();
+            break;
+        case '\f':
+            mScreen.NewPage();
+            break;
+        case '\r':
+            mScreen.CarriageReturn();
+            break;
+        default:
+            break;
+    }
+}
+
+void TerminalParser::TakeText(unsigned char byte) {
+    if (byte == '\r' || byte == '\n') {
+        mState = State::Ground;
+        TakeControl(byte);
+    } else if (byte == kBell || ++mTextLength >= kLongestText) {
+        mState = State::Ground;
+    }
+}
+
+void TerminalParser::TakeEscape(unsigned char byte) {
+    mState = State::Ground;
+    if (IsIntermediate(byte)) {
+        mState = State::EscapeRest;
+    } else if (byte == '[') {
+        mState = State::Sequence;
+        mParameters.fill(0);
+        mParameterCount = 0;
+        mPrivate = false;
+    } else if (std::string_view("]P^_X").find(static_cast<char>(byte)) != std::string_view::npos) {
+        mState = State::Text;
+        mTextLength = 0;
+    } else {
+        FinishEscape(static_cast<char>(byte));
+    }
+}
+
+void TerminalParser::FinishEscape(char final) {
+    switch (final) {
+        case '7':
+            mScreen.SaveCursor();
+            break;
+        case '8':
+            mScreen.RestoreCursor();
+            break;
+        case 'D':
+            mScreen.LineFeed();
+            break;
+        case 'E':
+            mScreen.MoveToColumn(0);
+            mScreen.LineFeed();
+            break;
+        case 'M':
+            mScreen.ReverseLineFeed();
+            break;
+        case 'H':
+            mScreen.SetTabStop();
+            break;
+        case 'c':
+            mScreen.Reset();
+            break;
+        default:
+            break;
+    }
+}
+
+void TerminalParser::TakeSequence(unsigned char byte) {
+    const bool ignored = mState == State::IgnoredRest;
+    if (byte >= '@') {
+        mState = State::Ground;
+        if (!ignored) FinishSequence(static_cast<char>(byte));
+    } else if (byte == ';' && !ignored) {
+        mParameterCount =
+            std::min(std::max<std::size_t>(mParameterCount, 1) + 1, mParameters.size() + 1);
+    } else if (byte >= '0' && byte <= '9' && !ignored) {
+        mParameterCount = std::max<std::size_t>(mParameterCount, 1);
+        if (mParameterCount > mParameters.size()) return;
+        int& parameter = mParameters[mParameterCount - 1];
+        parameter = std::min(parameter * 10 + (byte - '0'), kLargestParameter);
+    } else if (byte == '?' && mParameterCount == 0 && !ignored) {
+        mPrivate = true;
+    } else {
+        mState = State::IgnoredRest;
+    }
+}
+
+int TerminalParser::Parameter(std::size_t at, int missing) const {
+    return mParameters[at] == 0 ? missing : mParameters[at];
+}
+
+void TerminalParser::FinishSequence(char final) {
+    if (final == 'h' || final == 'l') {
+        SetModes(final == 'h');
+    } else if (!mPrivate && !MoveCursor(final)) {
+        Edit(final);
+    }
+}
+
+bool TerminalParser::MoveCursor(char final) {
+    const int count = Parameter(0, 1);
+    switch (final) {
+        case 'A':
+            mScreen.MoveBy(-count, 0);
+            return true;
+        case 'B':
+        case 'e':
+            mScreen.MoveBy(count, 0);
+            return true;
+        case 'C':
+        case 'a':
+            mScreen.MoveBy(0, count);
+            return true;
+        case 'D':
+            mScreen.MoveBy(0, -count);
+            return true;
+        case 'E':
+            mScreen.MoveBy(count, -TerminalScreen::kMostColumns);
+            return true;
+        case 'F':
+            mScreen.MoveBy(-count, -TerminalScreen::kMostColumns);
+            return true;
+        case 'G':
+        case '`':
+            mScreen.MoveToColumn(count - 1);
+            return true;
+        case 'd':
+            mScreen.MoveTo(count - 1, mScreen.Cursor().column);
+            return true;
+        case 'H':
+        case 'f':
+            mScreen.MoveTo(count - 1, Parameter(1, 1) - 1);
+            return true;
+        case 's':
+            mScreen.SaveCursor();
+            return true;
+        case 'u':
+            mScreen.RestoreCursor();
+            return true;
+        default:
+            return false;
+    }
+}
+
+void TerminalParser::Edit(char final) {
+    const int count = Parameter(0, 1);
+    switch (final) {
+        case 'J':
+            if (mParameters[0] <= 2) mScreen.EraseDisplay(ExtentOf(mParameters[0]));
+            break;
+        case 'K':
+            if (mParameters[0] <= 2) mScreen.EraseLine(ExtentOf(mParameters[0]));
+            break;
+        case 'X':
+            mScreen.EraseCharacters(count);
+            break;
+        case '@':
+            mScreen.InsertCharacters(count);
+            break;
+        case 'P':
+            mScreen.DeleteCharacters(count);
+            break;
+        case 'L':
+            mScreen.InsertLines(count);
+            break;
+        case 'M':
+            mScreen.DeleteLines(count);
+            break;
+        case 'S':
+            mScreen.ScrollUp(count);
+            break;
+        case 'T':
+            mScreen.ScrollDown(count);
+            break;
+        case 'g':
+            if (mParameters[0] == 0) mScreen.ClearTabStop();
+            if (mParameters[0] == 3) mScreen.ClearAllTabStops();
+            break;
+        case 'r':
+            mScreen.ScrollRegion(count - 1, Parameter(1, mScreen.Rows()) - 1);
+            break;
+        case 'm':
+            SetLooks();
+            break;
+        default:
+            break;
+    }
+}
+
+void TerminalParser::SetModes(bool on) {
+    ScreenModes& modes = mScreen.modes;
+    for (std::size_t i = 0; i < std::min(mParameterCount, mParameters.size()); ++i) {
+        const int mode = mParameters[i];
+        if (!mPrivate && mode == 4) modes.insert = on;
+        if (!mPrivate && mode == 20) modes.lineFeedReturns = on;
+        if (mPrivate && mode == 7) modes.autoWrap = on;
+        if (mPrivate && mode == 25) modes.cursorVisible = on;
+        if (mPrivate && mode == 6) {
+            modes.originMode = on;
+            mScreen.MoveTo(0, 0);
+        }
+    }
+}
+
+void TerminalParser::SetLooks() {
+    const std::size_t count = std::clamp<std::size_t>(mParameterCount, 1, mParameters.size());
+    for (std::size_t i = 0; i < count; ++i) {
+        if (mParameters[i] == 38 || mParameters[i] == 48)
+            i = SetExtendedColour(i);
+        else
+            SetLook(mParameters[i]);
+    }
+}
+
+void TerminalParser::SetLook(int code) {
+    struct Switch {
+        int on;
+        int off;
+        CellFlag flag;
+    };
+    constexpr std::array kSwitches = {Switch{1, 22, kBold}, Switch{4, 24, kUnderlined},
+                                      Switch{5, 25, kBlinking}, Switch{7, 27, kReversed},
+                                      Switch{8, 28, kConcealed}};
+    Cell& pen = mScreen.pen;
+    if (code == 0) pen = {};
+    for (const Switch& entry : kSwitches) {
+        if (code == entry.on) pen.flags = static_cast<std::uint8_t>(pen.flags | entry.flag);
+        if (code == entry.off) pen.flags = static_cast<std::uint8_t>(pen.flags & ~entry.flag);
+    }
+    if (code >= 30 && code <= 37) pen.foreground = static_cast<std::uint8_t>(code - 30);
+    if (code == 39) pen.foreground = kDefaultColour;
+    if (code >= 40 && code <= 47) pen.background = static_cast<std::uint8_t>(code - 40);
+    if (code == 49) pen.background = kDefaultColour;
+    if (code >= 90 && code <= 97) pen.foreground = static_cast<std::uint8_t>(code - 90 + 8);
+    if (code >= 100 && code <= 107) pen.background = static_cast<std::uint8_t>(code - 100 + 8);
+}
+
+/// A colour of the 256 or of the 16 million, of which the sixteen are taken and the others left.
+/// Returns the place of its last parameter.
+std::size_t TerminalParser::SetExtendedColour(std::size_t at) {
+    const auto parameter = [this](std::size_t i) {
+        return i < mParameters.size() ? mParameters[i] : 0;
+    };
+    if (parameter(at + 1) == 2) return at + 4;
+    if (parameter(at + 1) != 5) return at + 1;
+    const int colour = parameter(at + 2);
+    if (at + 2 >= mParameters.size() || colour >= kDefaultColour) return at + 2;
+    Cell& pen = mScreen.pen;
+    (mParameters[at] == 38 ? pen.foreground : pen.background) = static_cast<std::uint8_t>(colour);
+    return at + 2;
+}
+
+}  // namespace vantor

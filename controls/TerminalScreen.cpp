@@ -1,0 +1,353 @@
+#include "controls/TerminalScreen.hpp"
+
+#include <algorithm>
+#include <utility>
+
+namespace vantor {
+namespace {
+
+constexpr int kTabWidth = 8;
+
+int ClampColumns(int columns) {
+    return std::clamp(columns, 1, TerminalScreen::kMostColumns);
+}
+
+int ClampRows(int rows) {
+    return std::clamp(rows, 1, TerminalScreen::kMostRows);
+}
+
+std::size_t Index(int number) {
+    return static_cast<std::size_t>(number);
+}
+
+}  // namespace
+
+TerminalScreen::TerminalScreen(int columns, int rows, std::size_t historyLines)
+    : mColumns(ClampColumns(columns)),
+      mRows(ClampRows(rows)),
+      mCapacity(historyLines + kMostRows),
+      mBottom(mRows - 1) {
+    while (mCount < Index(mRows)) AddLine();
+    for (int column = 0; column < kMostColumns; column += kTabWidth) mTabStops.set(Index(column));
+}
+
+// --- lines
+// ----------------------------------------------------------------------------------------
+
+TerminalScreen::StoredLine& TerminalScreen::At(std::size_t index) {
+    std::size_t at = mStart + index;
+    if (at >= mCapacity) at -= mCapacity;
+    return mRing[at];
+}
+
+const TerminalScreen::StoredLine& TerminalScreen::At(std::size_t index) const {
+    std::size_t at = mStart + index;
+    if (at >= mCapacity) at -= mCapacity;
+    return mRing[at];
+}
+
+TerminalScreen::StoredLine& TerminalScreen::Row(int row) {
+    return At(mCount - Index(mRows) + Index(row));
+}
+
+/// A blank line at the end of the text. Once all are in use the oldest gives its memory for it.
+void TerminalScreen::AddLine() {
+    if (mCount == mCapacity) {
+        mStart = mStart + 1 == mCapacity ? 0 : mStart + 1;
+        --mCount;
+        ++mFirstLine;
+    }
+    // Places fill up from the first, so a place that is not there yet is the next one.
+    if (mStart + mCount == mRing.size() && mRing.size() < mCapacity) mRing.emplace_back();
+    ++mCount;
+    StoredLine& line = At(mCount - 1);
+    line.cells.clear();
+    line.continues = false;
+}
+
+void TerminalScreen::DropBlankLines(int most) {
+    for (int i = 0; i < most && mCursor.row < mRows - 1; ++i) {
+        if (!Row(mRows - 1).cells.empty()) return;
+        --mCount;
+        --mRows;
+    }
+}
+
+std::span<const Cell> TerminalScreen::Line(std::int64_t line) const {
+    if (line < FirstLine() || line >= EndLine()) return {};
+    return At(static_cast<std::size_t>(line - mFirstLine)).cells;
+}
+
+bool TerminalScreen::Continues(std::int64_t line) const {
+    if (line < FirstLine() || line >= EndLine()) return false;
+    return At(static_cast<std::size_t>(line - mFirstLine)).continues;
+}
+
+void TerminalScreen::Resize(int columns, int rows) {
+    columns = ClampColumns(columns);
+    rows = ClampRows(rows);
+    if (columns == mColumns && rows == mRows) return;
+    mColumns = columns;
+    if (rows < mRows) DropBlankLines(mRows - rows);
+    // A lower screen gives its upper rows to the history, a higher one takes them back.
+    const int history = static_cast<int>(mCount) - mRows;
+    const int shift = std::clamp(rows - mRows, rows - mRows < 0 ? rows - mRows : 0, history);
+    mRows += shift;
+    mCursor.row += shift;
+    while (mRows < rows) {
+        AddLine();
+        ++mRows;
+    }
+    mTop = 0;
+    mBottom = mRows - 1;
+    PlaceCursor(mCursor.row, mCursor.column);
+    mAllDirty = true;
+}
+
+// --- what is to be drawn
+// ----------------------------------------------------------------------------
+
+bool TerminalScreen::Dirty(int row) const {
+    if (row < 0 || row >= mRows) return false;
+    return mAllDirty || mDirty.test(Index(row));
+}
+
+void TerminalScreen::Clean() {
+    mAllDirty = false;
+    mDirty.reset();
+}
+
+void TerminalScreen::MarkDirty(int first, int last) {
+    for (int row = first; row <= last; ++row) MarkDirty(row);
+}
+
+// --- characters
+// -------------------------------------------------------------------------------------
+
+void TerminalScreen::Print(std::string_view characters) {
+    while (!characters.empty()) {
+        WrapIfPending();
+        const std::size_t room = Index(mColumns - mCursor.column);
+        const std::string_view part = characters.substr(0, room);
+        Put(part);
+        characters.remove_prefix(part.size());
+        if (part.size() < room) return;
+        mWrapPending = true;
+        // Without the wrap each further character takes the last column from the one before.
+        if (!modes.autoWrap && characters.size() > 1)
+            characters.remove_prefix(characters.size() - 1);
+    }
+}
+
+void TerminalScreen::WrapIfPending() {
+    if (!std::exchange(mWrapPending, false) || !modes.autoWrap) return;
+    Row(mCursor.row).continues = true;
+    mCursor.column = 0;
+    LineFeed();
+}
+
+/// Writes what fits into the cursor's row and moves the cursor behind it, or onto the last column.
+void TerminalScreen::Put(std::string_view characters) {
+    if (modes.insert) InsertCharacters(static_cast<int>(characters.size()));
+    std::vector<Cell>& cells = Row(mCursor.row).cells;
+    const std::size_t from = Index(mCursor.column);
+    const std::size_t end = from + characters.size();
+    if (cells.size() < end) cells.resize(end);
+    Cell cell = pen;
+    for (std::size_t i = 0; i < characters.size(); ++i) {
+        cell.character = characters[i];
+        cells[from + i] = cell;
+    }
+    mCursor.column = std::min(static_cast<int>(end), mColumns - 1);
+    MarkDirty(mCursor.row);
+}
+
+void TerminalScreen::CarriageReturn() {
+    PlaceCursor(mCursor.row, 0);
+    if (modes.returnFeeds) LineFeed();
+}
+
+void TerminalScreen::LineFeed() {
+    mWrapPending = false;
+    if (modes.lineFeedReturns) mCursor.column = 0;
+    if (mCursor.row == mBottom)
+        ScrollUp(1);
+    else
+        PlaceCursor(mCursor.row + 1, mCursor.column);
+}
+
+void TerminalScreen::ReverseLineFeed() {
+    if (mCursor.row == mTop)
+        ScrollDown(1);
+    else
+        PlaceCursor(mCursor.row - 1, mCursor.column);
+}
+
+void TerminalScreen::Backspace() {
+    PlaceCursor(mCursor.row, mCursor.column - 1);
+}
+
+void TerminalScreen::Tab() {
+    int column = mCursor.column + 1;
+    while (column < mColumns - 1 && !mTabStops.test(Index(column))) ++column;
+    PlaceCursor(mCursor.row, column);
+}
+
+int TerminalScreen::UsedRows() const {
+    for (int row = mRows; row > 0; --row)
+        if (!At(mCount - Index(mRows) + Index(row) - 1).cells.empty()) return row;
+    return 0;
+}
+
+void TerminalScreen::NewPage() {
+    for (int lines = UsedRows(); lines > 0; --lines) AddLine();
+    PlaceCursor(0, 0);
+    mAllDirty = true;
+}
+
+// --- the cursor
+// -------------------------------------------------------------------------------------
+
+void TerminalScreen::PlaceCursor(int row, int column) {
+    MarkDirty(std::clamp(mCursor.row, 0, mRows - 1));
+    mCursor = {std::clamp(row, 0, mRows - 1), std::clamp(column, 0, mColumns - 1)};
+    mWrapPending = false;
+    MarkDirty(mCursor.row);
+}
+
+void TerminalScreen::MoveTo(int row, int column) {
+    if (modes.originMode) row = std::clamp(row + mTop, mTop, mBottom);
+    PlaceCursor(row, column);
+}
+
+void TerminalScreen::MoveBy(int rows, int columns) {
+    const bool inside = CursorInRegion();
+    const int row = std::clamp(mCursor.row + rows, inside ? mTop : 0, inside ? mBottom : mRows - 1);
+    PlaceCursor(row, mCursor.column + columns);
+}
+
+void TerminalScreen::SaveCursor() {
+    mSaved = {mCursor, pen, modes.originMode};
+}
+
+void TerminalScreen::RestoreCursor() {
+    pen = mSaved.pen;
+    modes.originMode = mSaved.originMode;
+    PlaceCursor(mSaved.cursor.row, mSaved.cursor.column);
+}
+
+void TerminalScreen::SetTabStop() {
+    mTabStops.set(Index(mCursor.column));
+}
+
+// --- erasing and moving
+// -----------------------------------------------------------------------------
+
+/// Blanks the columns `from` up to but not including `to` of a row. Blank ends are not stored.
+void TerminalScreen::Blank(int row, int from, int to) {
+    std::vector<Cell>& cells = Row(row).cells;
+    if (Index(to) >= cells.size())
+        cells.resize(std::min(cells.size(), Index(from)));
+    else
+        std::fill(cells.begin() + from, cells.begin() + to, Cell{});
+    Row(row).continues = false;
+    MarkDirty(row);
+}
+
+void TerminalScreen::EraseLine(Erase extent) {
+    mWrapPending = false;
+    Blank(mCursor.row, extent == Erase::ToEnd ? mCursor.column : 0,
+          extent == Erase::ToStart ? mCursor.column + 1 : kMostColumns);
+}
+
+void TerminalScreen::EraseDisplay(Erase extent) {
+    if (extent == Erase::All) {
+        const ScreenCursor cursor = mCursor;
+        NewPage();
+        PlaceCursor(cursor.row, cursor.column);
+        return;
+    }
+    EraseLine(extent);
+    const bool down = extent == Erase::ToEnd;
+    for (int row = down ? mCursor.row + 1 : 0; row < (down ? mRows : mCursor.row); ++row)
+        Blank(row, 0, kMostColumns);
+}
+
+void TerminalScreen::EraseCharacters(int count) {
+    mWrapPending = false;
+    Blank(mCursor.row, mCursor.column, mCursor.column + std::clamp(count, 0, kMostColumns));
+}
+
+void TerminalScreen::InsertCharacters(int count) {
+    std::vector<Cell>& cells = Row(mCursor.row).cells;
+    mWrapPending = false;
+    MarkDirty(mCursor.row);
+    if (Index(mCursor.column) >= cells.size()) return;
+    const int most = mColumns - mCursor.column;
+    cells.insert(cells.begin() + mCursor.column, Index(std::clamp(count, 0, most)), Cell{});
+    cells.resize(std::min(cells.size(), Index(mColumns)));
+}
+
+void TerminalScreen::DeleteCharacters(int count) {
+    std::vector<Cell>& cells = Row(mCursor.row).cells;
+    mWrapPending = false;
+    MarkDirty(mCursor.row);
+    const auto from = cells.begin() + std::min(mCursor.column, static_cast<int>(cells.size()));
+    cells.erase(from, from + std::clamp(count, 0, static_cast<int>(cells.end() - from)));
+}
+
+void TerminalScreen::MoveRows(int top, int count) {
+    const int rows = mBottom - top + 1;
+    const bool up = count > 0;
+    for (int step = std::min(up ? count : -count, rows); step > 0; --step) {
+        for (int i = 0; i + 1 < rows; ++i) {
+            const int row = up ? top + i : mBottom - i;
+            std::swap(Row(row), Row(up ? row + 1 : row - 1));
+        }
+        Blank(up ? mBottom : top, 0, kMostColumns);
+    }
+    MarkDirty(top, mBottom);
+}
+
+void TerminalScreen::InsertLines(int count) {
+    if (CursorInRegion()) MoveRows(mCursor.row, -std::max(count, 0));
+}
+
+void TerminalScreen::DeleteLines(int count) {
+    if (CursorInRegion()) MoveRows(mCursor.row, std::max(count, 0));
+}
+
+void TerminalScreen::ScrollUp(int count) {
+    if (mTop != 0 || mBottom != mRows - 1) {
+        MoveRows(mTop, std::max(count, 0));
+        return;
+    }
+    for (int lines = std::min(count, mRows); lines > 0; --lines) AddLine();
+    mAllDirty = true;
+}
+
+void TerminalScreen::ScrollDown(int count) {
+    MoveRows(mTop, -std::max(count, 0));
+}
+
+void TerminalScreen::ScrollRegion(int top, int bottom) {
+    bottom = std::min(bottom, mRows - 1);
+    if (top < 0 || top >= bottom) return;
+    mTop = top;
+    mBottom = bottom;
+    MoveTo(0, 0);
+}
+
+void TerminalScreen::Reset() {
+    const bool returnFeeds = modes.returnFeeds;  // the host's wish, not the line's
+    modes = {.returnFeeds = returnFeeds};
+    pen = {};
+    mSaved = {};
+    mTop = 0;
+    mBottom = mRows - 1;
+    mTabStops.reset();
+    for (int column = 0; column < kMostColumns; column += kTabWidth) mTabStops.set(Index(column));
+    NewPage();
+}
+
+}  // namespace vantor

@@ -1,0 +1,38 @@
+// The part of a terminal's text that the user has marked.
+#pragma once
+
+#include <string>
+
+#include "controls/TerminalScreen.hpp"
+
+namespace vantor {
+
+/// A stretch of text from one position up to but not including another. It stays with its text
+/// while that moves up, and shrinks with what drops out of the history.
+class TerminalSelection {
+public:
+    /// `screen` outlives the selection.
+    explicit TerminalSelection(const TerminalScreen& screen) : mScreen(screen) {}
+
+    /// Marks what lies between the two, in whichever order they come.
+    void Set(TextPosition anchor, TextPosition end);
+    /// All of the text, without the blank lines below it.
+    void SetAll();
+    void Clear() { mFrom = mTo = {}; }
+
+    bool Empty() const { return mFrom >= mTo; }
+    bool Contains(TextPosition position) const { return position >= mFrom && position < mTo; }
+    TextPosition From() const { return mFrom; }
+    TextPosition To() const { return mTo; }
+
+    /// The marked characters, CR LF between lines, blanks at their ends left out. A line that was
+    /// only broken at the screen's edge is given in one.
+    std::string Text() const;
+
+private:
+    const TerminalScreen& mScreen;
+    TextPosition mFrom;
+    TextPosition mTo;
+};
+
+}  // namespace vantor

@@ -1,0 +1,300 @@
+#include "monitor/frmMonitor.hpp"
+
+#include <memory>
+#include <string_view>
+#include <vector>
+
+#include "app/base/LoadResources.hpp"
+#include "monitor/frmPortSettings.hpp"
+#include "monitor/frmSend.hpp"
+#include "platform/MessageBoxes.hpp"
+#include "platform/StringTable.hpp"
+#include "resources/Designs.hpp"
+#include "settings/CAppSettings.hpp"
+#include "support/CDelay.hpp"
+#include "support/CFileDialog.hpp"
+#include "support/Conversions.hpp"
+#include "support/Traps.hpp"
+
+namespace vantor {
+namespace {
+
+// OFN_OVERWRITEPROMPT and OFN_PATHMUSTEXIST, for both dialogs.
+constexpr std::int32_t kFileDialogFlags = 2050;
+constexpr std::int16_t kLineIntervalMs = 50;
+
+std::vector<std::string_view> SplitLines(std::string_view text) {
+    constexpr std::string_view kLineEnd = "\r\n";
+    std::vector<std::string_view> lines;
+    for (;;) {
+        const std::size_t end = text.find(kLineEnd);
+        lines.push_back(text.substr(0, end));
+        if (end == std::string_view::npos) return lines;
+        text.remove_prefix(end + kLineEnd.size());
+    }
+}
+
+}  // namespace
+
+frmMonitor::frmMonitor(Desktop& desktop, Platform& platform, MonitorOwner& owner)
+    : Form(desktop, kMonitorWindowDesign),
+      comMonitor(*this, "comMonitor", platform),
+      mPlatform(platform),
+      mOwner(owner),
+      mobjFormPos(platform.registry, platform.codePage) {
+    comMonitor.SettingsDialog = [this] { ShowPortSettings(); };
+    comMonitor.Command.Handle(
+        [this](TerminalCommand command, bool& handled) { comMonitor_Command(command, handled); });
+    mnuFileExit.Click.Handle([this] { mnuFileExit_Click(); });
+    mnuCommOpen.Click.Handle([this] { mnuCommOpen_Click(); });
+    mnuCommClose.Click.Handle([this] { mnuCommClose_Click(); });
+    mnuCaptureStart.Click.Handle([this] { mnuCaptureStart_Click(); });
+    mnuCaptureEnd.Click.Handle([this] { mnuCaptureEnd_Click(); });
+    mnuCaptureSend.Click.Handle([this] { mnuCaptureSend_Click(); });
+}
+
+std::string frmMonitor::Text(std::int32_t id) const {
+    return mPlatform.strings.LoadResString(id);
+}
+
+// --- life
+// -----------------------------------------------------------------------------------------
+
+void frmMonitor::Form_Load() {
+    Trapped("frmMonitor.Form_Load", [this] {
+        RestorePosition();
+        LoadResources(*this, mPlatform.strings);
+        ConfigureTerminal();
+        UpdateStatus();
+        UpdatePort();
+        UpdateSettings();
+    });
+}
+
+void frmMonitor::RestorePosition() {
+    mobjFormPos.Form = this;
+    if (!mobjFormPos.RestoreForm(false)) mobjFormPos.CenterForm();
+}
+
+void frmMonitor::ConfigureTerminal() {
+    using enum TerminalCommand;
+    comMonitor.Handshake(0);
+    comMonitor.AutoLineFeed(false);
+    comMonitor.LocalEcho(false);
+    for (const TerminalCommand command : {Copy, SelectAll, Paste, Settings, Clear, Reset})
+        comMonitor.CommandMode(command, CommandOffer::Always);
+}
+
+void frmMonitor::Initialize(const CAppSettings& settings) {
+    Trapped("frmMonitor.Initialize", [&] {
+        mobjSettings = &settings;
+        comMonitor.Port(settings.CommPort());
+        comMonitor.Settings(settings.BaudRate() + "," + settings.Parity() + "," +
+                            settings.DataBits() + "," + settings.StopBits());
+        UpdatePort();
+        UpdateSettings();
+    });
+}
+
+void frmMonitor::Form_Resize() {
+    // Too small a window has no room for the terminal: what it looked like stays.
+    Ignoring([this] {
+        const Size& inner = InnerSize();
+        comMonitor.Move({0, 0, inner.width, inner.height - sbStatusBar.Place().height});
+    });
+}
+
+bool frmMonitor::Form_QueryUnload() {
+    Trapped("frmMonitor.Form_QueryUnload", [this] {
+        if (comMonitor.PortOpen()) mnuCommClose_Click();
+    });
+    return true;
+}
+
+void frmMonitor::Form_Unload() {
+    Trapped("frmMonitor.Form_Unload", [this] {
+        mobjFormPos.SaveForm();
+        comMonitor.CaptureFile("");
+        if (mOwner.CloseIsWaiting()) mOwner.ResumeClose();
+    });
+}
+
+// --- status bar
+// -----------------------------------------------------------------------------------
+
+void frmMonitor::UpdateStatus() {
+    Trapped("frmMonitor.UpdateStatus", [this] {
+        const bool open = comMonitor.PortOpen();
+        sbStatusBar.PanelText("status", Text(open ? 818 : 819));
+        mblnPortOpen = open;
+        mnuCaptureSend.Enabled(mblnPortOpen);
+    });
+}
+
+void frmMonitor::UpdatePort() {
+    Trapped("frmMonitor.UpdatePort", [this] { sbStatusBar.PanelText("port", comMonitor.Port()); });
+}
+
+void frmMonitor::UpdateSettings() {
+    Trapped("frmMonitor.UpdateSettings",
+            [this] { sbStatusBar.PanelText("settings", comMonitor.Settings()); });
+}
+
+// --- menus and the terminal's own commands
+// --------------------------------------------------------
+
+void frmMonitor::comMonitor_Command(TerminalCommand command, bool& handled) {
+    Trapped("frmMonitor.comMonitor_Command", [&] {
+        switch (command) {
+            case TerminalCommand::Open:
+                handled = true;
+                mnuCommOpen_Click();
+                if (!Gone()) UpdateStatus();
+                break;
+            case TerminalCommand::Close:
+                handled = true;
+                mnuCommClose_Click();
+                UpdateStatus();
+                break;
+            case TerminalCommand::Settings:
+                handled = true;
+                mnuCommSettings_Click();
+                if (Gone()) return;
+                UpdatePort();
+                UpdateSettings();
+                // The dialog opens an open port anew, which may have failed.
+                UpdateStatus();
+                break;
+            default:
+                break;  // the terminal's own affair
+        }
+    });
+}
+
+void frmMonitor::mnuCommOpen_Click() {
+    Trapped("frmMonitor.mnuCommOpen_Click", [this] {
+        comMonitor.PerformCommand(TerminalCommand::Open);
+        if (!comMonitor.PortOpen())
+            mPlatform.boxes.Show(
+                {.text = Text(1001), .title = "", .icon = BoxIcon::Exclamation, .owner = Handle()});
+        if (!Gone()) UpdateStatus();
+    });
+}
+
+void frmMonitor::mnuCommClose_Click() {
+    Trapped("frmMonitor.mnuCommClose_Click", [this] {
+        comMonitor.PerformCommand(TerminalCommand::Close);
+        UpdateStatus();
+    });
+}
+
+void frmMonitor::mnuCommSettings_Click() {
+    Trapped("frmMonitor.mnuCommSettings_Click", [this] {
+        comMonitor.ShowSettings();
+        if (!Gone()) UpdatePort();
+    });
+}
+
+void frmMonitor::ShowPortSettings() {
+    const auto dialog = std::make_shared<frmPortSettings>(GetDesktop(), mPlatform, comMonitor);
+    dialog->Load();
+    dialog->CenterIn(Place());
+    dialog->Show(ShowMode::Modal, this);
+    dialog->Unload();
+}
+
+void frmMonitor::mnuFileExit_Click() {
+    Trapped("frmMonitor.mnuFileExit_Click", [this] {
+        if (mblnPortOpen) mnuCommClose_Click();
+        Unload();
+    });
+}
+
+// --- capture
+// --------------------------------------------------------------------------------------
+
+/// The file that the user confirms; empty on cancel, and when the window was closed meanwhile.
+std::string frmMonitor::AskForFile(std::int32_t title, bool openDialog) {
+    CFileDialog dialog(mPlatform.dialogs);
+    dialog.DialogTitle = Text(title);
+    dialog.DefaultExt = ".txt";
+    dialog.Flags = kFileDialogFlags;
+    dialog.Filter = Text(812) + " (*.txt)|*.txt|" + Text(813) + " (*.*)|*.*";
+    dialog.hWndParent = Handle();
+    return dialog.Show(openDialog) && !Gone() ? dialog.FileName : std::string();
+}
+
+void frmMonitor::mnuCaptureStart_Click() {
+    Trapped("frmMonitor.mnuCaptureStart_Click", [this] {
+        const std::string fileName = AskForFile(814, false);
+        if (!fileName.empty()) comMonitor.CaptureFile(fileName);
+    });
+}
+
+void frmMonitor::mnuCaptureEnd_Click() {
+    Trapped("frmMonitor.mnuCaptureEnd_Click", [this] { comMonitor.CaptureFile(""); });
+}
+
+// --- sending a file
+// -------------------------------------------------------------------------------
+
+void frmMonitor::mnuCaptureSend_Click() {
+    Trapped("frmMonitor.mnuCaptureSend_Click", [this] {
+        const std::string fileName = AskForFile(811, true);
+        if (!fileName.empty()) SendFile(fileName);
+    });
+}
+
+bool frmMonitor::SendFile(const std::string& fileName) {
+    bool sent = false;
+    const auto progress = std::make_shared<frmSend>(GetDesktop(), mPlatform.strings);
+    Trapped(
+        "frmMonitor.SendFile",
+        [&] {
+            progress->Initialize(fileName);
+            progress->CenterIn(Place());
+            progress->Show(ShowMode::Modeless, this);
+            if (!mPlatform.files.Exists(fileName)) return;
+            mPlatform.pump.PumpPending();
+            if (Gone()) return;
+            sent = SendLines(GetFile(fileName), *progress);
+        },
+        [&] { progress->Unload(); });
+    return sent;
+}
+
+std::string frmMonitor::GetFile(const std::string& fileName) {
+    std::string text;
+    Boxed("GetFile", [&] { text = mPlatform.files.ReadAll(fileName); });
+    return text;
+}
+
+bool frmMonitor::SendLines(const std::string& text, frmSend& progress) {
+    const std::vector<std::string_view> lines = SplitLines(text);
+    const std::string last = std::to_string(lines.size() - 1);
+    CDelay delay(mPlatform.clock, mPlatform.pump);
+    delay.Waiting = [this](bool& cancel) { cancel = Gone(); };
+    bool sent = false;
+    if (Gone()) return false;
+    comMonitor.FollowOutput(true);
+    comMonitor.EndLines(true);
+    comMonitor.AutoWrap(true);
+    for (std::size_t i = 0; i < lines.size(); ++i) {
+        if (TrimBlanks(lines[i]).empty()) continue;
+        comMonitor.Output(lines[i]);
+        delay.Delay(kLineIntervalMs);
+        if (Gone()) return false;
+        progress.status(Text(816) + " " + std::to_string(i) + " " + Text(817) + " " + last);
+        sent = true;
+        mPlatform.pump.PumpPending();
+        if (Gone()) return false;
+        if (progress.Cancelled()) {
+            sent = false;
+            break;
+        }
+    }
+    comMonitor.FollowOutput(false);
+    return sent;
+}
+
+}  // namespace vantor

@@ -1,0 +1,90 @@
+// Monitor mode: a terminal on the indicator's port, for talking to it by hand.
+#pragma once
+
+#include <string>
+
+#include "app/base/CFormPos.hpp"
+#include "controls/Controls.hpp"
+#include "controls/Form.hpp"
+#include "controls/TerminalControl.hpp"
+#include "platform/Platform.hpp"
+
+namespace vantor {
+
+class CAppSettings;
+class CDelay;
+class frmSend;
+
+/// What the monitor window asks of the main window when it unloads.
+class MonitorOwner {
+public:
+    virtual ~MonitorOwner() = default;
+    /// The user has asked the main window to close, and it has not closed yet.
+    virtual bool CloseIsWaiting() const = 0;
+    /// Goes on with that close.
+    virtual void ResumeClose() = 0;
+};
+
+class frmMonitor : public Form {
+public:
+    /// `owner` outlives the loaded window.
+    frmMonitor(Desktop& desktop, Platform& platform, MonitorOwner& owner);
+
+    /// Takes the port and the line from `settings`, which outlive the window. The port stays
+    /// closed. Called after loading and before showing.
+    void Initialize(const CAppSettings& settings);
+
+    /// Each shows one thing of the terminal in the status bar.
+    void UpdateStatus();
+    void UpdatePort();
+    void UpdateSettings();
+
+    /// Sends the file line by line, one every 50 ms, while the windows stay usable. Divided at
+    /// CR LF only; blank lines are left out. True when at least one line was sent and nobody
+    /// cancelled; false when a window was closed meanwhile.
+    bool SendFile(const std::string& fileName);
+
+    TerminalControl comMonitor;
+    StatusBar sbStatusBar{*this, "sbStatusBar", {"status", "port", "settings"}};
+    MenuItem mnuFile{*this, "mnuFile"};
+    MenuItem mnuFileExit{*this, "mnuFileExit"};
+    MenuItem mnuComm{*this, "mnuComm"};
+    MenuItem mnuCommOpen{*this, "mnuCommOpen"};
+    MenuItem mnuCommClose{*this, "mnuCommClose"};
+    MenuItem mnuCapture{*this, "mnuCapture"};
+    MenuItem mnuCaptureStart{*this, "mnuCaptureStart"};
+    MenuItem mnuCaptureEnd{*this, "mnuCaptureEnd"};
+    MenuItem mnuCaptureBar1{*this, "mnuCaptureBar1"};
+    MenuItem mnuCaptureSend{*this, "mnuCaptureSend"};
+
+protected:
+    void Form_Load() override;
+    bool Form_QueryUnload() override;
+    void Form_Unload() override;
+    void Form_Resize() override;
+
+private:
+    void RestorePosition();
+    void ConfigureTerminal();
+    void comMonitor_Command(TerminalCommand command, bool& handled);
+    void mnuFileExit_Click();
+    void mnuCommOpen_Click();
+    void mnuCommClose_Click();
+    void mnuCommSettings_Click();
+    void mnuCaptureStart_Click();
+    void mnuCaptureEnd_Click();
+    void mnuCaptureSend_Click();
+    void ShowPortSettings();
+    std::string AskForFile(std::int32_t title, bool openDialog);
+    std::string GetFile(const std::string& fileName);
+    bool SendLines(const std::string& text, frmSend& progress);
+    std::string Text(std::int32_t id) const;
+
+    Platform& mPlatform;
+    MonitorOwner& mOwner;
+    CFormPos mobjFormPos;
+    const CAppSettings* mobjSettings = nullptr;
+    bool mblnPortOpen = false;  // as the status bar shows it
+};
+
+}  // namespace vantor

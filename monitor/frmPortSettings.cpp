@@ -1,0 +1,84 @@
+#include "monitor/frmPortSettings.hpp"
+
+#include <algorithm>
+#include <utility>
+#include <vector>
+
+#include "app/base/LoadResources.hpp"
+#include "controls/TerminalControl.hpp"
+#include "platform/StringTable.hpp"
+#include "resources/Designs.hpp"
+#include "support/Traps.hpp"
+
+namespace vantor {
+namespace {
+
+constexpr const char* kParityLetters = "NOE";  // in the order of the list, and of Parity
+
+/// Lists `items`, and `chosen` as the last of them when it is none of them, and chooses it.
+void Fill(ComboBox& combo, std::vector<std::string> items, const std::string& chosen) {
+    if (std::ranges::find(items, chosen) == items.end()) items.push_back(chosen);
+    combo.Items(std::move(items));
+    combo.ListIndex(FindStringComboBox(combo, chosen));
+}
+
+}  // namespace
+
+frmPortSettings::frmPortSettings(Desktop& desktop, Platform& platform, TerminalControl& terminal)
+    : Form(desktop, kPortSettingsWindowDesign), mPlatform(platform), mTerminal(terminal) {
+    cmdOK.Click.Handle([this] { cmdOK_Click(); });
+    cmdCancel.Click.Handle(
+        [this] { Trapped("frmPortSettings.cmdCancel_Click", [this] { Unload(); }); });
+}
+
+void frmPortSettings::Form_Load() {
+    Trapped("frmPortSettings.Form_Load", [this] {
+        LoadResources(*this, mPlatform.strings);
+        ListPorts();
+        ListLine();
+    });
+}
+
+void frmPortSettings::ListPorts() {
+    std::vector<std::string> names;
+    for (const SerialPortInfo& port : mPlatform.ports.List()) names.push_back(port.name);
+    Fill(cboPort, std::move(names), mTerminal.Port());
+}
+
+void frmPortSettings::ListLine() {
+    LineSettings line;
+    Ignoring([&] { line = ParseLineSettings(mTerminal.Settings()); });
+    Fill(cboSpeed,
+         {"300", "600", "1200", "2400", "4800", "9600", "19200", "38400", "57600", "115200"},
+         std::to_string(line.bitsPerSecond));
+    const auto text = [this](std::int32_t id) { return mPlatform.strings.LoadResString(id); };
+    cboParity.Items({text(2117), text(2118), text(2119)});
+    cboParity.ListIndex(static_cast<int>(line.parity));
+    Fill(cboDataBits, {"7", "8"}, std::to_string(line.dataBits));
+    Fill(cboStopBits, {"1", "2"}, std::to_string(line.stopBits));
+    cboFlowControl.Items({text(2120)});
+    cboFlowControl.ListIndex(0);
+    cboFlowControl.Enabled(false);
+}
+
+std::string frmPortSettings::ChosenSettings() const {
+    const char parity = kParityLetters[cboParity.ListIndex()];
+    return cboSpeed.Text() + "," + parity + "," + cboDataBits.Text() + "," + cboStopBits.Text();
+}
+
+void frmPortSettings::cmdOK_Click() {
+    Trapped("frmPortSettings.cmdOK_Click", [this] {
+        const std::string port = cboPort.Text();
+        const std::string settings = ChosenSettings();
+        // The same choice again must not interrupt what is arriving.
+        const bool changed = port != mTerminal.Port() || settings != mTerminal.Settings();
+        if (changed && !mTerminal.Parent().Gone()) {
+            mTerminal.Port(port);
+            mTerminal.Settings(settings);
+            if (mTerminal.PortOpen()) mTerminal.PerformCommand(TerminalCommand::Open);
+        }
+        Unload();
+    });
+}
+
+}  // namespace vantor

@@ -1,0 +1,48 @@
+// The terminal's dialog for its port and line parameters.
+#pragma once
+
+#include <array>
+#include <string>
+
+#include "controls/Controls.hpp"
+#include "controls/Form.hpp"
+#include "platform/Platform.hpp"
+
+namespace vantor {
+
+class TerminalControl;
+
+/// Shows what `terminal` uses now, and gives it what was chosen when OK is pressed; an open port
+/// is opened anew then. Settings that are none show as 38400 bit/s, 8 data bits, no parity, one
+/// stop bit. The line has no flow control, which the dialog says.
+class frmPortSettings : public Form {
+public:
+    frmPortSettings(Desktop& desktop, Platform& platform, TerminalControl& terminal);
+
+    /// Port, speed, parity, data bits, stop bits, flow control.
+    std::array<Label, 6> lblLabels{Label{*this, "lblLabels", 0}, Label{*this, "lblLabels", 1},
+                                   Label{*this, "lblLabels", 2}, Label{*this, "lblLabels", 3},
+                                   Label{*this, "lblLabels", 4}, Label{*this, "lblLabels", 5}};
+    ComboBox cboPort{*this, "cboPort"};
+    ComboBox cboSpeed{*this, "cboSpeed"};
+    ComboBox cboParity{*this, "cboParity"};
+    ComboBox cboDataBits{*this, "cboDataBits"};
+    ComboBox cboStopBits{*this, "cboStopBits"};
+    ComboBox cboFlowControl{*this, "cboFlowControl"};
+    CommandButton cmdOK{*this, "cmdOK"};
+    CommandButton cmdCancel{*this, "cmdCancel"};
+
+protected:
+    void Form_Load() override;
+
+private:
+    void ListPorts();
+    void ListLine();
+    void cmdOK_Click();
+    std::string ChosenSettings() const;
+
+    Platform& mPlatform;
+    TerminalControl& mTerminal;
+};
+
+}  // namespace vantor

@@ -1,0 +1,34 @@
+// The monitor window: a terminal over a status bar. The terminal's place is computed from the
+// window's size.
+#include <array>
+
+#include "resources/Designs.hpp"
+
+namespace vantor {
+namespace {
+
+using enum ControlKind;
+
+constexpr ControlStyle kScreen = {.points = 10, .face = "Terminal"};
+
+constexpr std::array kControls = {
+    ControlDesign{Terminal, "comMonitor", -1, "", {}, "", "", kScreen},
+    ControlDesign{StatusBar, "sbStatusBar", -1, "", {0, 0, 0, 345}, "", ""},
+    ControlDesign{MenuItem, "mnuFile", -1, "", {}, "801 &File", ""},
+    ControlDesign{MenuItem, "mnuFileExit", -1, "mnuFile", {}, "802 E&xit", ""},
+    ControlDesign{MenuItem, "mnuComm", -1, "", {}, "803 Communications", ""},
+    ControlDesign{MenuItem, "mnuCommOpen", -1, "mnuComm", {}, "804 &Open Port", ""},
+    ControlDesign{MenuItem, "mnuCommClose", -1, "mnuComm", {}, "805 &Close Port", ""},
+    ControlDesign{MenuItem, "mnuCapture", -1, "", {}, "806 Ca&pture", ""},
+    ControlDesign{MenuItem, "mnuCaptureStart", -1, "mnuCapture", {}, "807 &Start Capture...", ""},
+    ControlDesign{MenuItem, "mnuCaptureEnd", -1, "mnuCapture", {}, "808 &End Capture", ""},
+    ControlDesign{MenuItem, "mnuCaptureBar1", -1, "mnuCapture", {}, "-", ""},
+    ControlDesign{MenuItem, "mnuCaptureSend", -1, "mnuCapture", {}, "809 Send &Text File...", ""},
+};
+
+}  // namespace
+
+const FormDesign kMonitorWindowDesign = {"frmMonitor",        "810",     "810",
+                                         {0, 0, 10200, 7200}, kControls, {4500, 3000}};
+
+}  // namespace vantor

@@ -1,0 +1,49 @@
+// The terminal's settings dialog: a column of labels, a column of lists, OK and Cancel.
+#include <array>
+
+#include "resources/Designs.hpp"
+
+namespace vantor {
+namespace {
+
+using enum ControlKind;
+
+constexpr ControlStyle kOk = {.defaultButton = true};
+constexpr ControlStyle kCancel = {.cancelButton = true};
+
+constexpr float kFirstRow = 180;
+constexpr float kRow = 420;
+
+constexpr Place LabelAt(int row) {
+    return {180, kFirstRow + 45 + kRow * static_cast<float>(row), 1950, 255};
+}
+
+constexpr Place ListAt(int row) {
+    return {2190, kFirstRow + kRow * static_cast<float>(row), 1800, 345};
+}
+
+// Each label stands before its list, which its accelerator then leads to.
+constexpr std::array kControls = {
+    ControlDesign{Label, "lblLabels", 0, "", LabelAt(0), "&Port:", "2111"},
+    ControlDesign{ComboBox, "cboPort", -1, "", ListAt(0), "", ""},
+    ControlDesign{Label, "lblLabels", 1, "", LabelAt(1), "&Speed (bit/s):", "2112"},
+    ControlDesign{ComboBox, "cboSpeed", -1, "", ListAt(1), "", ""},
+    ControlDesign{Label, "lblLabels", 2, "", LabelAt(2), "P&arity:", "2113"},
+    ControlDesign{ComboBox, "cboParity", -1, "", ListAt(2), "", ""},
+    ControlDesign{Label, "lblLabels", 3, "", LabelAt(3), "&Data bits:", "2114"},
+    ControlDesign{ComboBox, "cboDataBits", -1, "", ListAt(3), "", ""},
+    ControlDesign{Label, "lblLabels", 4, "", LabelAt(4), "S&top bits:", "2115"},
+    ControlDesign{ComboBox, "cboStopBits", -1, "", ListAt(4), "", ""},
+    ControlDesign{Label, "lblLabels", 5, "", LabelAt(5), "&Flow control:", "2116"},
+    ControlDesign{ComboBox, "cboFlowControl", -1, "", ListAt(5), "", ""},
+    ControlDesign{CommandButton, "cmdOK", -1, "", {1365, 2835, 1245, 375}, "&OK", "101", kOk},
+    ControlDesign{
+        CommandButton, "cmdCancel", -1, "", {2745, 2835, 1245, 375}, "&Cancel", "103", kCancel},
+};
+
+}  // namespace
+
+const FormDesign kPortSettingsWindowDesign = {
+    "frmPortSettings", "Port Settings", "2110", {0, 0, 4260, 3840}, kControls};
+
+}  // namespace vantor

@@ -1,0 +1,28 @@
+// The progress window of a file that is being sent. Its two values have a pixel of free room
+// around them, where the window draws their edges.
+#include <array>
+
+#include "resources/Designs.hpp"
+
+namespace vantor {
+namespace {
+
+using enum ControlKind;
+
+constexpr ControlStyle kCancel = {.defaultButton = true, .cancelButton = true};
+
+constexpr std::array kControls = {
+    ControlDesign{Label, "lblLabels", 0, "", {180, 195, 1100, 255}, "Filename:", "602"},
+    ControlDesign{Label, "lblLabels", 1, "", {180, 600, 1100, 255}, "Sending:", "603"},
+    ControlDesign{Label, "lblFilename", -1, "", {1365, 180, 3300, 270}, "", ""},
+    ControlDesign{Label, "lblStatus", -1, "", {1365, 585, 3300, 270}, "", ""},
+    ControlDesign{
+        CommandButton, "cmdCancel", -1, "", {1800, 1035, 1245, 375}, "&Cancel", "103", kCancel},
+};
+
+}  // namespace
+
+const FormDesign kSendWindowDesign = {
+    "frmSend", "Sending File", "601", {0, 0, 4935, 2025}, kControls};
+
+}  // namespace vantor

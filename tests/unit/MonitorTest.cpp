@@ -1,0 +1,322 @@
+// Monitor mode as its user meets it: windows, capture and sending, on virtual time.
+#include <gtest/gtest.h>
+
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "ReportingPlatform.hpp"
+#include "Wire.hpp"
+#include "app/frmMain.hpp"
+#include "monitor/frmMonitor.hpp"
+#include "monitor/frmPortSettings.hpp"
+#include "monitor/frmSend.hpp"
+
+namespace vantor {
+namespace {
+
+const std::string kFile = "C:\\files\\setup.txt";
+const std::string kOpenFailed =
+    "!||Unable to open communications port. Check your settings and try again.";
+
+class MonitorTest : public testing::Test {
+protected:
+    /// What arrives at the far end, and when.
+    struct TimedWire : Wire {
+        explicit TimedWire(const Clock& clock) : mClock(clock) {}
+        void Receive(std::string_view bytes) override {
+            Wire::Receive(bytes);
+            times.push_back(mClock.Milliseconds());
+        }
+        std::vector<std::uint32_t> times;
+
+    private:
+        const Clock& mClock;
+    };
+
+    MonitorTest() {
+        mPlatform.ports.Plug("COM1", mWire);
+        mMain->Load();
+        mMain->Show();
+        mMonitor = Open();
+    }
+    ~MonitorTest() override {
+        mMonitor->Unload();
+        mMain->Unload();
+    }
+
+    /// Opens one more monitor window by the menu.
+    std::shared_ptr<frmMonitor> Open() {
+        mMain->mnuToolsMonitor.Press();
+        return std::dynamic_pointer_cast<frmMonitor>(mDesktop.OpenForms().back());
+    }
+    std::string Panels() const {
+        std::string text;
+        for (const StatusBar::Panel& panel : mMonitor->sbStatusBar.Panels())
+            text += panel.text + "|";
+        return text;
+    }
+    /// The progress window that was opened last.
+    std::shared_ptr<frmSend> Progress() {
+        std::shared_ptr<frmSend> found;
+        for (const auto& form : mDesktop.OpenForms())
+            if (auto send = std::dynamic_pointer_cast<frmSend>(form)) found = send;
+        return found;
+    }
+    /// Opens the port, and sends `contents`; the texts of the progress window go to mStatus.
+    bool Send(const std::string& contents) {
+        mPlatform.files.Add(kFile, contents);
+        mMonitor->mnuCommOpen.Press();
+        mPlatform.peers.onChange = [this](const Control& control, Property property) {
+            if (control.Name() != "lblStatus" || property != Property::Repaint) return;
+            mStatus.push_back(control.Caption());
+        };
+        return mMonitor->SendFile(kFile);
+    }
+    /// Does `what` when `ms` have passed, once.
+    void After(std::uint32_t ms, std::function<void()> what) {
+        mPlatform.pump.StartTimer(ms, [what, done = std::make_shared<bool>(false)] {
+            if (!std::exchange(*done, true)) what();
+        });
+    }
+
+    ReportingPlatform mPlatform;
+    TimedWire mWire{mPlatform.clock};
+    Desktop mDesktop{mPlatform.peers, mPlatform.pump};
+    std::shared_ptr<frmMain> mMain = std::make_shared<frmMain>(mDesktop, mPlatform.platform);
+    std::shared_ptr<frmMonitor> mMonitor;
+    Texts mStatus;
+};
+
+TEST_F(MonitorTest, OpensClosedWithTheSettingsOfTheProgram) {
+    EXPECT_EQ(Panels(), "Disconnected|COM1|38400,N,8,2|");
+    EXPECT_EQ(mMonitor->Caption(), "Monitor Mode");
+    EXPECT_EQ(mMonitor->mnuComm.Caption(), "&Communications");
+    EXPECT_TRUE(mMonitor->Visible());
+    EXPECT_FALSE(mMonitor->mnuCaptureSend.Enabled() || mPlatform.ports.IsOpen("COM1"));
+    EXPECT_NE(Open(), mMonitor) << "each time a fresh window";
+}
+
+TEST_F(MonitorTest, APortThatDoesNotOpenIsToldOnceAndStaysDisconnected) {
+    for (const bool missing : {false, true}) {
+        mPlatform.boxes.shown.clear();
+        mPlatform.ports.Hold("COM1", true);
+        if (missing) mPlatform.ports.Unplug("COM1");
+        mMonitor->comMonitor.Invoke(TerminalCommand::Open);
+        EXPECT_EQ(Told(mPlatform), Texts{kOpenFailed});
+        EXPECT_TRUE(Panels().starts_with("Disconnected|"));
+        EXPECT_FALSE(mMonitor->mnuCaptureSend.Enabled());
+    }
+}
+
+TEST_F(MonitorTest, OpenAndCloseShowInTheStatusBarWhicheverWayTheyAreAskedFor) {
+    mMonitor->mnuCommOpen.Press();
+    EXPECT_EQ(mWire.line, (LineSettings{38400, Parity::None, 8, 2}));
+    EXPECT_TRUE(Panels().starts_with("Connected|") && mMonitor->mnuCaptureSend.Enabled());
+    mMonitor->comMonitor.Invoke(TerminalCommand::Close);
+    EXPECT_TRUE(Panels().starts_with("Disconnected|") && !mMonitor->mnuCaptureSend.Enabled());
+    mMonitor->comMonitor.Invoke(TerminalCommand::Open);
+    mWire.gone = true;
+    mPlatform.pump.PumpPending();
+    EXPECT_TRUE(Panels().starts_with("Connected|")) << "nothing is asked until the next action";
+    mMonitor->mnuCommClose.Press();
+    EXPECT_TRUE(Panels().starts_with("Disconnected|"));
+}
+
+TEST_F(MonitorTest, TheSettingsCommandUpdatesBothPanelsAndReopens) {
+    Wire other;
+    mPlatform.ports.Plug("COM4", other);
+    mMonitor->comMonitor.Port("COM9");
+    mMonitor->mnuCommClose.Press();
+    Texts ports;
+    mPlatform.peers.whileModal = [&ports](Form& form) {
+        auto& dialog = dynamic_cast<frmPortSettings&>(form);
+        ports = dialog.cboPort.Items();
+        EXPECT_EQ(dialog.Caption(), "Port Settings");
+        EXPECT_EQ(dialog.cboPort.Text() + dialog.cboSpeed.Text() + dialog.cboParity.Text() +
+                      dialog.cboDataBits.Text() + dialog.cboStopBits.Text(),
+                  "COM938400None82");
+        dialog.cboPort.Choose(1);
+        dialog.cboSpeed.Choose(FindStringComboBox(dialog.cboSpeed, "9600"));
+        dialog.cboParity.Choose(2);
+        dialog.cboDataBits.Choose(0);
+        dialog.cboStopBits.Choose(0);
+        dialog.cmdOK.Press();
+    };
+    mMonitor->comMonitor.Invoke(TerminalCommand::Settings);
+    EXPECT_EQ(ports, (Texts{"COM1", "COM4", "COM9"})) << "the port in use is among them";
+    EXPECT_EQ(Panels(), "Disconnected|COM4|9600,E,7,1|");
+
+    mMonitor->mnuCommOpen.Press();
+    EXPECT_EQ(other.line, (LineSettings{9600, Parity::Even, 7, 1}));
+    mPlatform.peers.whileModal = [](Form& form) {
+        auto& dialog = dynamic_cast<frmPortSettings&>(form);
+        dialog.cboPort.Choose(0);
+        dialog.cmdCancel.Press();
+    };
+    mMonitor->comMonitor.Invoke(TerminalCommand::Settings);
+    EXPECT_EQ(Panels(), "Connected|COM4|9600,E,7,1|");
+    mPlatform.ports.Hold("COM1", true);
+    mPlatform.peers.whileModal = [](Form& form) {
+        auto& dialog = dynamic_cast<frmPortSettings&>(form);
+        dialog.cboPort.Choose(0);
+        dialog.cmdOK.Press();
+    };
+    mMonitor->comMonitor.Invoke(TerminalCommand::Settings);
+    EXPECT_EQ(Panels(), "Disconnected|COM1|9600,E,7,1|") << "opened anew on a port that is busy";
+}
+
+TEST_F(MonitorTest, ClosingClosesThePortAndRemembersThePlace) {
+    mMonitor->mnuCommOpen.Press();
+    mMonitor->Place({300, 450, 6000, 4500});
+    mMonitor->mnuFileExit.Press();
+    EXPECT_TRUE(mMonitor->Gone() && !mPlatform.ports.IsOpen("COM1"));
+    mMonitor = Open();
+    EXPECT_EQ(mMonitor->Place(), (Place{300, 450, 6000, 4500}));
+    mMonitor->mnuCommOpen.Press();
+    mMain->mnuFileExit.Press();
+    EXPECT_TRUE(mMonitor->Gone() && mMain->Gone() && !mPlatform.ports.IsOpen("COM1"));
+    EXPECT_EQ(mPlatform.peers.open, Texts{});
+    EXPECT_EQ(Told(mPlatform), Texts{});
+}
+
+TEST_F(MonitorTest, ACloseOfTheMainWindowThatWaitsGoesOnWhenTheMonitorUnloads) {
+    mMain->Flags().mblnFlashing = true;
+    mMain->Unload();
+    mMonitor->Unload();
+    EXPECT_FALSE(mMain->Gone()) << "the flash comes first";
+    mMonitor = Open();
+    mMain->Flags().mblnFlashing = false;
+    mMonitor->Unload();
+    EXPECT_TRUE(mMain->Gone());
+}
+
+TEST_F(MonitorTest, TheTerminalFillsTheWindowAboveTheStatusBar) {
+    mMonitor->Placed({0, 0, 6200, 5000}, WindowState::Normal, {6000, 4345});
+    EXPECT_EQ(mMonitor->comMonitor.Place(), (Place{0, 0, 6000, 4000}));
+    mMonitor->Placed({0, 0, 100, 100}, WindowState::Minimised, {0, 0});
+    EXPECT_EQ(mMonitor->comMonitor.Place(), (Place{0, 0, 6000, 4000}));
+    EXPECT_EQ(Told(mPlatform), Texts{});
+}
+
+TEST_F(MonitorTest, CapturesIntoTheFileThatWasConfirmed) {
+    mPlatform.files.CreateFolders("/tmp");
+    mMonitor->mnuCommOpen.Press();
+    const auto arrive = [this](const char* bytes) {
+        mWire.sent = bytes;
+        mPlatform.pump.PumpPending();
+    };
+    mPlatform.dialogs.choices = {"/tmp/a.txt"};
+    mMonitor->mnuCaptureStart.Press();
+    arrive("one\r\n");
+    mMonitor->mnuCaptureStart.Press();
+    arrive("two");
+    mMonitor->mnuCaptureEnd.Press();
+    mMonitor->mnuCaptureEnd.Press();
+    arrive("three");
+    EXPECT_EQ(mPlatform.files.ReadAll("/tmp/a.txt"), "one\r\ntwo") << "a cancel changes nothing";
+    const FileDialogRecord& asked = mPlatform.dialogs.shown.at(0);
+    EXPECT_EQ(asked.title + asked.defaultExtension, "Capture Filename.txt");
+    EXPECT_EQ(asked.flags, 2050u);
+    EXPECT_TRUE(asked.filter.starts_with(
+        std::string("Text Files (*.txt)\0*.txt\0All Files (*.*)\0*.*\0\0", 47)));
+    mPlatform.dialogs.choices = {"/none/a.txt"};
+    mMonitor->mnuCaptureStart.Press();
+    EXPECT_EQ(Told(mPlatform),
+              Texts{ReportBox("frmMonitor.mnuCaptureStart_Click", "(76) Path not found")});
+}
+
+TEST_F(MonitorTest, SendsTheLinesOfAFileAtTheirPace) {
+    const std::uint32_t start = mPlatform.clock.Milliseconds();
+    EXPECT_TRUE(Send("A\r\n  B \r\n\r\n   \r\nC\nD\rE\r\n"));
+    EXPECT_EQ(mWire.received, "A\r  B \rC\nD\rE\r");
+    ASSERT_EQ(mWire.times.size(), 3u);
+    EXPECT_LT(mWire.times[0] - start, 10u);
+    for (std::size_t i = 1; i < 3; ++i) {
+        EXPECT_GE(mWire.times[i] - mWire.times[i - 1], 50u);
+        EXPECT_LE(mWire.times[i] - mWire.times[i - 1], 52u) << "blank lines take no time";
+    }
+    EXPECT_EQ(mStatus, (Texts{"Line 0 of 5 ", "Line 1 of 5 ", "Line 4 of 5 "}));
+    EXPECT_EQ(mPlatform.peers.open, (Texts{"frmMain", "frmMonitor"}));
+    EXPECT_FALSE(mMonitor->comMonitor.FollowOutput());
+    EXPECT_EQ(Told(mPlatform), Texts{});
+}
+
+TEST_F(MonitorTest, SendsOnlyWhatIsThere) {
+    EXPECT_FALSE(Send(""));
+    EXPECT_FALSE(Send(" \r\n\r\n"));
+    EXPECT_FALSE(mMonitor->SendFile("C:\\files\\none.txt"));
+    EXPECT_FALSE(mMonitor->SendFile(""));
+    EXPECT_EQ(mWire.received, "");
+    EXPECT_EQ(Told(mPlatform), Texts{});
+    EXPECT_TRUE(Send("no line end"));
+    EXPECT_EQ(mWire.received, "no line end\r");
+    mPlatform.files.FailOn(kFile, 70);
+    EXPECT_FALSE(mMonitor->SendFile(kFile));
+    EXPECT_EQ(Told(mPlatform), Texts{"none|GetFile|Error: 70. Permission denied"});
+    EXPECT_EQ(mWire.received, "no line end\r");
+    EXPECT_EQ(mPlatform.peers.open, (Texts{"frmMain", "frmMonitor"}));
+}
+
+TEST_F(MonitorTest, ACancelEndsAfterTheLineInProgress) {
+    for (const bool byTitleBar : {false, true}) {
+        mWire.received.clear();
+        After(60, [this, byTitleBar] {
+            EXPECT_EQ(Progress()->lblFilename.Caption(), "setup.txt ");
+            if (byTitleBar)
+                Progress()->Unload();
+            else
+                Progress()->cmdCancel.Press();
+        });
+        EXPECT_FALSE(Send("1\r\n2\r\n3\r\n4\r\n"));
+        EXPECT_EQ(mWire.received, "1\r2\r");
+        EXPECT_EQ(Progress(), nullptr);
+    }
+    EXPECT_EQ(Told(mPlatform), Texts{});
+}
+
+TEST_F(MonitorTest, ASecondFileCanBeSentDuringTheFirst) {
+    mPlatform.files.Add("C:\\files\\second.txt", "a\r\nb\r\n");
+    mPlatform.dialogs.choices = {"C:\\files\\second.txt"};
+    After(60, [this] { mMonitor->mnuCaptureSend.Press(); });
+    EXPECT_TRUE(Send("1\r\n2\r\n3\r\n"));
+    EXPECT_EQ(mWire.received, "1\r2\ra\rb\r3\r");
+    EXPECT_EQ(mPlatform.dialogs.shown.at(0).title, "Send Filename");
+    EXPECT_EQ(mPlatform.peers.open, (Texts{"frmMain", "frmMonitor"}));
+}
+
+TEST_F(MonitorTest, AWindowClosedDuringASendEndsIt) {
+    for (Form* closed : {static_cast<Form*>(mMonitor.get()), static_cast<Form*>(mMain.get())}) {
+        mWire.received.clear();
+        std::uint32_t closedAt = 0;
+        After(60, [&, closed] {
+            closed->Unload();
+            closedAt = mPlatform.clock.Milliseconds();
+        });
+        EXPECT_FALSE(Send("1\r\n2\r\n3\r\n4\r\n"));
+        EXPECT_LE(mPlatform.clock.Milliseconds() - closedAt, 2u) << "the wait went on";
+        EXPECT_EQ(mWire.received, "1\r2\r");
+        EXPECT_EQ(Progress(), nullptr);
+        EXPECT_EQ(Told(mPlatform), Texts{});
+        if (!mMain->Gone()) mMonitor = Open();
+    }
+    EXPECT_EQ(mPlatform.peers.open, Texts{});
+}
+
+TEST_F(MonitorTest, TheProgressWindowDrawsItsValuesSunken) {
+    const auto send = std::make_shared<frmSend>(mDesktop, mPlatform.strings);
+    send->Load();
+    send->lblStatus.Place({150, 300, 1500, 270});
+    send->Painting();
+    using enum SystemColour;
+    const std::vector<ThinLine>& lines = mPlatform.peers.lines;
+    ASSERT_EQ(lines.size(), 8u) << "the status first, then the file name";
+    EXPECT_EQ(lines[0], (ThinLine{135, 285, 1650, 285, ButtonShadow}));
+    EXPECT_EQ(lines[1], (ThinLine{135, 285, 135, 570, ButtonShadow}));
+    EXPECT_EQ(lines[2], (ThinLine{135, 570, 1650, 570, Highlight3D}));
+    EXPECT_EQ(lines[3], (ThinLine{1650, 285, 1650, 570, Highlight3D}));
+    send->Unload();
+}
+
+}  // namespace
+}  // namespace vantor

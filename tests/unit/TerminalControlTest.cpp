@@ -1,0 +1,239 @@
+// The terminal control against a far end: port, keyboard, capture, commands, view.
+#include "controls/TerminalControl.hpp"
+
+#include <gtest/gtest.h>
+
+#include <array>
+#include <memory>
+#include <string>
+#include <vector>
+
+#include "ReportingPlatform.hpp"
+#include "Wire.hpp"
+#include "controls/Form.hpp"
+
+namespace vantor {
+namespace {
+
+constexpr std::array kRows = {ControlDesign{ControlKind::Terminal, "com", -1, "", {}, "", ""}};
+const FormDesign kDesign = {"frmTest", "", "", {}, kRows};
+
+class Window : public Form {
+public:
+    Window(Desktop& desktop, Platform& platform)
+        : Form(desktop, kDesign), com(*this, "com", platform) {}
+    TerminalControl com;
+};
+
+class TerminalControlTest : public testing::Test {
+protected:
+    TerminalControlTest() {
+        mPlatform.ports.Plug("COM3", mWire);
+        mPlatform.files.CreateFolders("/tmp");
+        mWindow->Load();
+        mCom.Port("3");
+        mCom.Settings("9600,E,7,1");
+        mCom.PerformCommand(TerminalCommand::Open);
+    }
+
+    void Arrive(const std::string& bytes) {
+        mWire.sent = bytes;
+        mPlatform.pump.PumpPending();
+    }
+    std::string AllText() {
+        mCom.SelectAll();
+        return mCom.SelectedText();
+    }
+
+    ReportingPlatform mPlatform;
+    Wire mWire;
+    Desktop mDesktop{mPlatform.peers, mPlatform.pump};
+    std::shared_ptr<Window> mWindow = std::make_shared<Window>(mDesktop, mPlatform.platform);
+    TerminalControl& mCom = mWindow->com;
+};
+
+const std::string kPath = "/tmp/capture.txt";
+
+TEST_F(TerminalControlTest, OpensWithItsSettingsOrStaysClosedInSilence) {
+    EXPECT_TRUE(mCom.PortOpen());
+    EXPECT_EQ(mWire.line, (LineSettings{9600, Parity::Even, 7, 1}));
+    mCom.PerformCommand(TerminalCommand::Close);
+    EXPECT_FALSE(mPlatform.ports.IsOpen("COM3"));
+    mPlatform.ports.Hold("COM3", true);
+    mCom.PerformCommand(TerminalCommand::Open);
+    EXPECT_FALSE(mCom.PortOpen());
+    mPlatform.ports.Hold("COM3", false);
+    mCom.PerformCommand(TerminalCommand::Open);
+    mWire.gone = true;
+    mPlatform.pump.PumpPending();
+    EXPECT_FALSE(mCom.PortOpen()) << "the device has gone";
+    mCom.Key("x");
+    mCom.Output("x");
+    EXPECT_EQ(mWire.received, "");
+    EXPECT_EQ(Told(mPlatform), Texts{});
+}
+
+TEST_F(TerminalControlTest, SendsKeysAsTypedAndLinesWithOneCr) {
+    mCom.Key("ab\r\x03\n");
+    EXPECT_EQ(mWire.received, "ab\r\x03\n");
+    mCom.Output("  cmd\n2 ");
+    EXPECT_EQ(mWire.received, "ab\r\x03\n  cmd\n2 \r");
+    EXPECT_EQ(AllText(), "") << "the far end echoes, not the terminal";
+    mCom.EndLines(false);
+    mCom.LocalEcho(true);
+    mCom.Output("raw");
+    mCom.Key("\rñ");
+    EXPECT_EQ(AllText(), "raw\r\nÃ±") << "keys are bytes of the code page";
+    mPlatform.clipboard.Text("ñ1\r\n2\n3\r");
+    mWire.received.clear();
+    mCom.Paste();
+    EXPECT_EQ(mWire.received,
+              "\xF1"
+              "1\r2\r3\r");
+}
+
+TEST_F(TerminalControlTest, WhatTheDriverDoesNotTakeIsSentLaterWithoutFurtherKeys) {
+    mPlatform.ports.LimitWrites(3);
+    mCom.Output("0123456789");
+    mCom.Key("!");
+    for (int i = 0; i < 60; ++i) mPlatform.pump.PumpPending();
+    EXPECT_EQ(mWire.received, "0123456789\r!");
+}
+
+TEST_F(TerminalControlTest, CapturesWhatIsReceivedByteForByte) {
+    std::string all;
+    for (int i = 0; i < 256; ++i) all += static_cast<char>(i);
+    Arrive("before");
+    mPlatform.files.Add(kPath, "an older text");
+    mCom.CaptureFile(kPath);
+    mCom.LocalEcho(true);
+    mCom.Key("typed");
+    Arrive(all);
+    EXPECT_EQ(mPlatform.files.ReadAll(kPath), all) << "written as it arrives";
+    const std::string more(200'000, 'x');
+    Arrive(more);
+    mPlatform.pump.PumpPending();
+    mPlatform.pump.PumpPending();
+    mPlatform.pump.PumpPending();
+    mCom.CaptureFile("/tmp/second.txt");
+    Arrive("second");
+    mCom.CaptureFile("");
+    mCom.CaptureFile("");
+    Arrive("after");
+    EXPECT_EQ(mPlatform.files.ReadAll(kPath), all + more);
+    EXPECT_EQ(mPlatform.files.ReadAll("/tmp/second.txt"), "second");
+    EXPECT_EQ(Raised([&] { mCom.CaptureFile("/no folder/x.txt"); }).Number(), 76);
+    EXPECT_EQ(mCom.CaptureFile(), "");
+}
+
+TEST_F(TerminalControlTest, ACaptureThatFailsEndsIsReportedOnceAndLosesNothingShown) {
+    mCom.CaptureFile(kPath);
+    Arrive("1");
+    mPlatform.files.FailOn(kPath, 61);
+    mPlatform.boxes.whileOpen = [this](const MessageBoxRequest&) { Arrive("3"); };
+    Arrive("2");
+    Arrive("4");
+    EXPECT_EQ(Told(mPlatform), Texts{ReportBox("TerminalControl.Capture", "(61) Disk full")});
+    EXPECT_EQ(AllText(), "1234");
+    EXPECT_EQ(mCom.CaptureFile(), "");
+    mPlatform.files.FailOn(kPath, 0);
+    EXPECT_EQ(mPlatform.files.ReadAll(kPath), "1");
+}
+
+TEST_F(TerminalControlTest, AWindowClosedBehindTheReportOfAFailedCaptureIsNotTouched) {
+    mCom.CaptureFile(kPath);
+    mPlatform.files.FailOn(kPath, 61);
+    mPlatform.boxes.whileOpen = [this](const MessageBoxRequest&) {
+        mCom.PerformCommand(TerminalCommand::Close);
+        mWindow->Unload();
+        mWindow.reset();
+    };
+    Arrive("x");
+    EXPECT_EQ(Told(mPlatform).size(), 1u);
+    EXPECT_FALSE(mPlatform.ports.IsOpen("COM3"));
+}
+
+TEST_F(TerminalControlTest, TheOwnerMayHandleACommandOfTheMenu) {
+    std::vector<TerminalCommand> raised;
+    bool handle = true;
+    mCom.Command.Handle([&](TerminalCommand command, bool& handled) {
+        raised.push_back(command);
+        handled = handle;
+    });
+    mCom.Invoke(TerminalCommand::Close);
+    EXPECT_TRUE(mCom.PortOpen()) << "handled by its owner";
+    handle = false;
+    mCom.Invoke(TerminalCommand::Close);
+    EXPECT_FALSE(mCom.PortOpen());
+    EXPECT_EQ(raised.size(), 2u);
+
+    int dialogs = 0;
+    mCom.SettingsDialog = [&dialogs] { ++dialogs; };
+    mCom.Invoke(TerminalCommand::Settings);
+    EXPECT_EQ(dialogs, 1);
+}
+
+TEST_F(TerminalControlTest, TheMenuOffersWhatHelps) {
+    const auto offered = [this](TerminalCommand command) {
+        for (const OfferedCommand& entry : mCom.ContextMenu())
+            if (entry.command == command) return entry.enabled ? "yes" : "grey";
+        return "no";
+    };
+    EXPECT_EQ(mCom.ContextMenu().front().caption, "&Open Port");
+    using enum TerminalCommand;
+    for (const TerminalCommand command : {Open, Copy}) EXPECT_STREQ(offered(command), "grey");
+    for (const TerminalCommand command : {Close, Paste, SelectAll})
+        EXPECT_STREQ(offered(command), "yes");
+    mCom.CommandMode(Copy, CommandOffer::Always);
+    mCom.CommandMode(Paste, CommandOffer::Never);
+    EXPECT_STREQ(offered(Copy), "yes");
+    EXPECT_STREQ(offered(Paste), "no");
+}
+
+TEST_F(TerminalControlTest, CopyTakesTheSelectionAndLeavesTheClipboardWithoutOne) {
+    mPlatform.clipboard.Text("kept");
+    mCom.PerformCommand(TerminalCommand::Copy);
+    EXPECT_EQ(mPlatform.clipboard.Text(), "kept");
+    Arrive("12.5 kg\r\n\x80 \xF1");
+    mCom.PerformCommand(TerminalCommand::SelectAll);
+    mCom.PerformCommand(TerminalCommand::Copy);
+    EXPECT_EQ(mPlatform.clipboard.Text(), "12.5 kg\r\n€ ñ");
+}
+
+TEST_F(TerminalControlTest, AViewMovedUpStaysUntilItsUserOrATransmissionReturns) {
+    mCom.ScreenSize(20, 5);
+    for (int i = 0; i < 50; ++i) Arrive("line\r\n");
+    EXPECT_EQ(mCom.FirstShownLine(), 46);
+    mCom.ScrollTo(10);
+    Arrive("line\r\n");
+    EXPECT_EQ(mCom.FirstShownLine(), 10);
+    mCom.Key("x");
+    EXPECT_EQ(mCom.FirstShownLine(), 47);
+    mCom.ScrollTo(-5);
+    EXPECT_EQ(mCom.FirstShownLine(), 0);
+    mCom.FollowOutput(true);
+    Arrive("line\r\n");
+    EXPECT_EQ(mCom.FirstShownLine(), 48);
+    mCom.ScrollTo(3);
+    Arrive("line\r\n");
+    EXPECT_EQ(mCom.FirstShownLine(), 49);
+    mCom.ScrollTo(3);
+    mCom.PerformCommand(TerminalCommand::Clear);
+    EXPECT_EQ(mCom.FirstShownLine(), mCom.Screen().TopLine());
+}
+
+TEST_F(TerminalControlTest, BellsSoundOncePerArrivalAndWrongValuesAreRefused) {
+    Arrive("\a\a");
+    Arrive("x");
+    EXPECT_EQ(mPlatform.boxes.beeps, 1);
+    mCom.AutoLineFeed(true);
+    Arrive("\r1\r2");
+    EXPECT_EQ(AllText(), "x\r\n1\r\n2");
+    EXPECT_EQ(Raised([&] { mCom.Handshake(2); }).Number(), 380);
+    mCom.Move({0, 0, 100, 100});
+    EXPECT_EQ(Raised([&] { mCom.Move({0, 0, 100, -15}); }).Number(), 380);
+    EXPECT_EQ(mCom.Place().height, 100);
+}
+
+}  // namespace
+}  // namespace vantor

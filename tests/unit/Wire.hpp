@@ -1,0 +1,26 @@
+// The far end of a serial line whose two directions a test sees as texts.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "platform/headless/HeadlessSerial.hpp"
+
+namespace vantor {
+
+class Wire : public FarEnd {
+public:
+    void Opened(const LineSettings& settings) override { line = settings; }
+    void Closed() override {}
+    void Receive(std::string_view bytes) override { received += bytes; }
+    std::string Transmit() override { return std::exchange(sent, {}); }
+    bool HungUp() const override { return gone; }
+
+    LineSettings line;
+    std::string received;
+    std::string sent;
+    bool gone = false;
+};
+
+}  // namespace vantor

@@ -57,8 +57,7 @@ std::string frmMonitor::Text(std::int32_t id) const {
     return mPlatform.strings.LoadResString(id);
 }
 
-// --- life
-// -----------------------------------------------------------------------------------------
+// --- life ---------------------------------------------------------------------------------------
 
 void frmMonitor::Form_Load() {
     Trapped("frmMonitor.Form_Load", [this] {
@@ -119,8 +118,7 @@ void frmMonitor::Form_Unload() {
     });
 }
 
-// --- status bar
-// -----------------------------------------------------------------------------------
+// --- status bar ---------------------------------------------------------------------------------
 
 void frmMonitor::UpdateStatus() {
     Trapped("frmMonitor.UpdateStatus", [this] {
@@ -140,8 +138,7 @@ void frmMonitor::UpdateSettings() {
             [this] { sbStatusBar.PanelText("settings", comMonitor.Settings()); });
 }
 
-// --- menus and the terminal's own commands
-// --------------------------------------------------------
+// --- menus and the terminal's own commands ------------------------------------------------------
 
 void frmMonitor::comMonitor_Command(TerminalCommand command, bool& handled) {
     Trapped("frmMonitor.comMonitor_Command", [&] {
@@ -210,8 +207,7 @@ void frmMonitor::mnuFileExit_Click() {
     });
 }
 
-// --- capture
-// --------------------------------------------------------------------------------------
+// --- capture ------------------------------------------------------------------------------------
 
 /// The file that the user confirms; empty on cancel, and when the window was closed meanwhile.
 std::string frmMonitor::AskForFile(std::int32_t title, bool openDialog) {
@@ -235,8 +231,7 @@ void frmMonitor::mnuCaptureEnd_Click() {
     Trapped("frmMonitor.mnuCaptureEnd_Click", [this] { comMonitor.CaptureFile(""); });
 }
 
-// --- sending a file
-// -------------------------------------------------------------------------------
+// --- sending a file -----------------------------------------------------------------------------
 
 void frmMonitor::mnuCaptureSend_Click() {
     Trapped("frmMonitor.mnuCaptureSend_Click", [this] {

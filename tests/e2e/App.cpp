@@ -16,6 +16,7 @@
 #include <utility>
 
 #include "resources/Designs.hpp"
+#include "tests/win32/Desktop.hpp"
 
 namespace vantor::e2e {
 namespace {
@@ -189,18 +190,8 @@ void Ask(const std::string& words) {
     Await("the script to: " + words, [&] { return !std::filesystem::exists(request); });
 }
 
-// Wine draws a desktop that has a size in its registry in one window of the display, with window
-// frames and a keyboard focus of its own: no window manager has a say in the tests.
 void EnterDesktop() {
-    constexpr const wchar_t* kSizes = L"Software\\Wine\\Explorer\\Desktops";
-    constexpr wchar_t kSize[] = L"1024x768";
-    RegSetKeyValueW(HKEY_CURRENT_USER, kSizes, DesktopName().c_str(), REG_SZ, kSize, sizeof kSize);
-    const HDESK desktop =
-        CreateDesktopW(DesktopName().c_str(), nullptr, nullptr, 0, GENERIC_ALL, nullptr);
-    if (desktop == nullptr || SetThreadDesktop(desktop) == 0)
-        throw std::runtime_error("no desktop for this run");
-    GetDesktopWindow();  // is drawn now
-    RegDeleteKeyValueW(HKEY_CURRENT_USER, kSizes, DesktopName().c_str());
+    EnterDesktop(DesktopName(), ToWide(Setting("E2E_DESKTOP")));
 }
 
 void PrintTo(const Box& box, std::ostream* stream) {

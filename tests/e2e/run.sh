@@ -9,6 +9,7 @@
 set -eu
 
 root=$(cd "$(dirname "$0")/../.." && pwd)
+[ -n "${DISPLAY:-}" ] || exec "$root/tests/with_display.sh" "$0" "$@"
 folder=$root/build/e2e
 screens=$root/build/screens
 port=$folder/port
@@ -32,27 +33,12 @@ end() {
     kill "$number" 2>/dev/null || true
 }
 
-display_server=
 clean_up() {
     end driver
     end indicator
-    [ -z "$display_server" ] || kill "$display_server" 2>/dev/null || true
 }
 trap clean_up EXIT
 trap 'exit 1' INT TERM
-
-start_display() {
-    [ -z "${DISPLAY:-}" ] || return 0
-    Xvfb -displayfd 3 -screen 0 1280x900x24 -nolisten tcp 3>"$folder/display" \
-        >"$folder/xvfb.log" 2>&1 8>&- &
-    display_server=$!
-    until [ -s "$folder/display" ]; do
-        kill -0 "$display_server"
-        sleep 0.05
-    done
-    DISPLAY=:$(cat "$folder/display")
-    export DISPLAY
-}
 
 # Runs a program, leaves its number and later its exit status in files.
 follow() {
@@ -135,10 +121,10 @@ drive() {
 E2E_RUN=$$
 E2E_FOLDER=$(windows_path "$folder")
 E2E_PROGRAM=$(windows_path "$root/build/windows/tsupdate.exe")
+E2E_DESKTOP=1024x768
 VANTOR_COM1=$port
-export E2E_RUN E2E_FOLDER E2E_PROGRAM VANTOR_COM1
+export E2E_DESKTOP E2E_RUN E2E_FOLDER E2E_PROGRAM VANTOR_COM1
 desktop=e2e-$E2E_RUN
-start_display
 
 status=0
 case ${1:-} in

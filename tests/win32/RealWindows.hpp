@@ -1,0 +1,38 @@
+// A platform with the real message queue and real windows, and everything else headless. Each
+// pump is a millisecond of the headless clock, so a session's waits are short.
+#pragma once
+
+#include "controls/Form.hpp"
+#include "platform/win32/Win32MessagePump.hpp"
+#include "platform/win32/Win32Peers.hpp"
+#include "tests/unit/ReportingPlatform.hpp"
+
+namespace vantor {
+
+struct RealWindows : ReportingPlatform {
+    RealWindows() {
+        queue.AddSource([this] { pump.PumpPending(); });
+    }
+
+    Win32MessagePump queue;
+    Win32Peers windows{queue};
+    Platform real{.clock = clock,
+                  .codePage = codePage,
+                  .dialogs = dialogs,
+                  .files = files,
+                  .folders = folders,
+                  .boxes = boxes,
+                  .pump = queue,
+                  .peers = windows,
+                  .process = process,
+                  .registry = registry,
+                  .ports = ports,
+                  .strings = strings};
+    Desktop desktop{windows, queue};
+};
+
+inline HWND WindowOf(const Form& form) {
+    return reinterpret_cast<HWND>(form.Handle());
+}
+
+}  // namespace vantor

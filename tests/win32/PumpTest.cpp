@@ -4,6 +4,7 @@
 #include <memory>
 #include <string>
 #include <thread>
+#include <utility>
 
 #include "dialogs/frmAbout.hpp"
 #include "dialogs/frmStatus.hpp"
@@ -93,6 +94,7 @@ TEST_F(Pump, AStoppedTimerSwallowsTheTickThatIsInTheQueue) {
 
 TEST_F(Pump, QuitInsideAModalWindowEndsItsLoopAndTheOneAround) {
     bool entered = false;
+    bool quit = false;
     bool left = false;
     const TimerId opens = queue.StartTimer(10, [&] {
         if (std::exchange(entered, true)) return;
@@ -100,7 +102,7 @@ TEST_F(Pump, QuitInsideAModalWindowEndsItsLoopAndTheOneAround) {
         left = true;
     });
     const TimerId quits = queue.StartTimer(30, [&] {
-        if (entered) queue.Quit();
+        if (entered && !std::exchange(quit, true)) queue.Quit();
     });
     queue.Run();
     EXPECT_TRUE(left);

@@ -4,7 +4,7 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <filesystem>
+#include <fstream>
 #include <sstream>
 #include <stdexcept>
 #include <string>
@@ -63,8 +63,8 @@ double SecondsToStart(const std::string& path, const wchar_t* windowClass) {
 using Measure = Bench;
 
 TEST_F(Measure, StreamAgainstTheWire) {
-    std::filesystem::copy_file(Setting("E2E_SAMPLE"), image,
-                               std::filesystem::copy_options::overwrite_existing);
+    std::ofstream(image, std::ios::binary)
+        << std::ifstream(Setting("E2E_SAMPLE"), std::ios::binary).rdbuf();
     indicator.Start("--pace --write 300");
     StartFlash();
     // Waiting for the box would keep asking the system about windows meanwhile.

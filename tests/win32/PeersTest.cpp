@@ -40,6 +40,15 @@ int OpenHandles() {
 
 class RealPeers : public testing::Test {
 protected:
+    // The main window has a picture to load: one pixel.
+    RealPeers() {
+        using namespace std::string_literals;
+        const std::string header =
+            "BM\x3a\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\1\0\0\0\1\0\0\0\1\0\x18\0"s;
+        platform.files.Add(platform.folders.ApplicationData() + "/TSMR/CALDOR/cache/dot.bmp",
+                           header + std::string(28, '\0'));
+    }
+
     /// What is held now: counted by the peers, and by the system where it counts.
     std::map<std::string, int> Held() const {
         const HeldObjects& held = platform.windows.Held();
@@ -49,6 +58,7 @@ protected:
         return {{"windows", held.windows},
                 {"menus", held.menus},
                 {"fonts", held.fonts},
+                {"pictures", platform.images.Held()},
                 {"windows of the thread", windows},
                 {"handles of the process", OpenHandles()}};
     }

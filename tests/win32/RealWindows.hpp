@@ -5,6 +5,7 @@
 #include "controls/Form.hpp"
 #include "platform/win32/Win32MessagePump.hpp"
 #include "platform/win32/Win32Peers.hpp"
+#include "platform/win32/Win32Pictures.hpp"
 #include "tests/unit/ReportingPlatform.hpp"
 
 namespace vantor {
@@ -16,17 +17,21 @@ struct RealWindows : ReportingPlatform {
 
     Win32MessagePump queue;
     Win32Peers windows{queue};
+    Win32Pictures images{files};
     Platform real{.clock = clock,
                   .codePage = codePage,
                   .dialogs = dialogs,
                   .files = files,
+                  .versions = versions,
                   .folders = folders,
                   .boxes = boxes,
                   .pump = queue,
                   .peers = windows,
+                  .pictures = images,
                   .process = process,
                   .registry = registry,
                   .ports = ports,
+                  .shell = shell,
                   .strings = strings};
     Desktop desktop{windows, queue};
 };

@@ -36,6 +36,7 @@ std::string ComboBox::Text() const {
 }
 
 void ComboBox::Choose(int index) {
+    if (index < 0) return;
     ListIndex(index);
     Click.Raise();
 }

@@ -15,7 +15,7 @@ namespace vantor {
 namespace {
 
 // A line that never pauses leaves the windows their turn after so many bytes.
-constexpr std::size_t kMostAtOnce = 64 * 1024;
+constexpr std::size_t kMostAtOnce = 65'536;
 constexpr std::uint32_t kSendIntervalMs = 10;
 
 struct MenuRow {

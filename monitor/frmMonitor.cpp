@@ -50,7 +50,8 @@ frmMonitor::frmMonitor(Desktop& desktop, Platform& platform, MonitorOwner& owner
     mnuCommClose.Click.Handle([this] { mnuCommClose_Click(); });
     mnuCaptureStart.Click.Handle([this] { mnuCaptureStart_Click(); });
     mnuCaptureEnd.Click.Handle([this] { mnuCaptureEnd_Click(); });
-    mnuCaptureSend.Click.Handle([this] { mnuCaptureSend_Click(); });
+    // A second file can be sent while the first still is.
+    mnuCaptureSend.Click.Handle([this] { mnuCaptureSend_Click(); }, Nesting::Allowed);
 }
 
 std::string frmMonitor::Text(std::int32_t id) const {

@@ -41,6 +41,7 @@ std::string ComboBox::Text() const {
 }
 
 void ComboBox::Choose(int index) {
+    if (index < 0) return;
     ListIndex(index);
     Click.Raise();
 }

@@ -137,7 +137,8 @@ public:
     /// The chosen text; empty for none.
     std::string Text() const;
 
-    /// For peers: the user has chosen an item. The event follows the change.
+    /// For peers: the user has chosen an item. The event follows the change. Nothing below 0, which
+    /// systems say for no choice.
     void Choose(int index);
 
 private:

@@ -7,8 +7,12 @@
 
 namespace vantor {
 
+/// Whether an event may be raised again while its own handler runs.
+enum class Nesting : bool { Refused, Allowed };
+
 /// One event with at most one handler. Handlers pump messages, so any event can be raised while
-/// others are being handled; an event is not raised again while its own handler runs.
+/// others are being handled; an event is not raised again while its own handler runs, unless the
+/// handler was set to allow it.
 template <typename... Args>
 class Event {
 public:
@@ -18,12 +22,15 @@ public:
     Event& operator=(const Event&) = delete;
 
     /// Sets the handler; an empty function removes it.
-    void Handle(std::function<void(Args...)> handler) { mHandler = std::move(handler); }
+    void Handle(std::function<void(Args...)> handler, Nesting nesting = Nesting::Refused) {
+        mHandler = std::move(handler);
+        mNesting = nesting;
+    }
 
     /// Runs the handler. Returns false, having done nothing, when there is none or it is
-    /// running already.
+    /// running already and may not be nested.
     bool Raise(Args... args) {
-        if (!mHandler || mRunning) return false;
+        if (!mHandler || (mRunning && mNesting == Nesting::Refused)) return false;
         const std::shared_ptr<void> keepAlive = mOwner ? mOwner() : nullptr;
         const Running guard(mRunning);
         const std::function<void(Args...)> handler = mHandler;
@@ -33,15 +40,17 @@ public:
 
 private:
     struct Running {
-        explicit Running(bool& flag) : mFlag(flag) { mFlag = true; }
-        ~Running() { mFlag = false; }
+        explicit Running(bool& flag) : mFlag(flag), mBefore(std::exchange(flag, true)) {}
+        ~Running() { mFlag = mBefore; }
         Running(const Running&) = delete;
         Running& operator=(const Running&) = delete;
         bool& mFlag;
+        bool mBefore;
     };
 
     std::function<std::shared_ptr<void>()> mOwner;
     std::function<void(Args...)> mHandler;
+    Nesting mNesting = Nesting::Refused;
     bool mRunning = false;
 };
 

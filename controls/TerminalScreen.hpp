@@ -3,7 +3,6 @@
 #pragma once
 
 #include <bitset>
-#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -41,7 +40,9 @@ struct TextPosition {
     std::int64_t line = 0;
     int column = 0;
 
-    friend auto operator<=>(const TextPosition&, const TextPosition&) = default;
+    friend bool operator<(const TextPosition& a, const TextPosition& b) {
+        return a.line != b.line ? a.line < b.line : a.column < b.column;
+    }
 };
 
 struct ScreenCursor {

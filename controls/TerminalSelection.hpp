@@ -20,8 +20,8 @@ public:
     void SetAll();
     void Clear() { mFrom = mTo = {}; }
 
-    bool Empty() const { return mFrom >= mTo; }
-    bool Contains(TextPosition position) const { return position >= mFrom && position < mTo; }
+    bool Empty() const { return !(mFrom < mTo); }
+    bool Contains(TextPosition position) const { return !(position < mFrom) && position < mTo; }
     TextPosition From() const { return mFrom; }
     TextPosition To() const { return mTo; }
 

@@ -50,15 +50,15 @@ frmMonitor::frmMonitor(Desktop& desktop, Platform& platform, MonitorOwner& owner
     mnuCommClose.Click.Handle([this] { mnuCommClose_Click(); });
     mnuCaptureStart.Click.Handle([this] { mnuCaptureStart_Click(); });
     mnuCaptureEnd.Click.Handle([this] { mnuCaptureEnd_Click(); });
-    mnuCaptureSend.Click.Handle([this] { mnuCaptureSend_Click(); });
+    // A second file can be sent while the first still is.
+    mnuCaptureSend.Click.Handle([this] { mnuCaptureSend_Click(); }, Nesting::Allowed);
 }
 
 std::string frmMonitor::Text(std::int32_t id) const {
     return mPlatform.strings.LoadResString(id);
 }
 
-// --- life
-// -----------------------------------------------------------------------------------------
+// --- life ---------------------------------------------------------------------------------------
 
 void frmMonitor::Form_Load() {
     Trapped("frmMonitor.Form_Load", [this] {
@@ -119,8 +119,7 @@ void frmMonitor::Form_Unload() {
     });
 }
 
-// --- status bar
-// -----------------------------------------------------------------------------------
+// --- status bar ---------------------------------------------------------------------------------
 
 void frmMonitor::UpdateStatus() {
     Trapped("frmMonitor.UpdateStatus", [this] {
@@ -140,8 +139,7 @@ void frmMonitor::UpdateSettings() {
             [this] { sbStatusBar.PanelText("settings", comMonitor.Settings()); });
 }
 
-// --- menus and the terminal's own commands
-// --------------------------------------------------------
+// --- menus and the terminal's own commands ------------------------------------------------------
 
 void frmMonitor::comMonitor_Command(TerminalCommand command, bool& handled) {
     Trapped("frmMonitor.comMonitor_Command", [&] {
@@ -210,8 +208,7 @@ void frmMonitor::mnuFileExit_Click() {
     });
 }
 
-// --- capture
-// --------------------------------------------------------------------------------------
+// --- capture ------------------------------------------------------------------------------------
 
 /// The file that the user confirms; empty on cancel, and when the window was closed meanwhile.
 std::string frmMonitor::AskForFile(std::int32_t title, bool openDialog) {
@@ -235,8 +232,7 @@ void frmMonitor::mnuCaptureEnd_Click() {
     Trapped("frmMonitor.mnuCaptureEnd_Click", [this] { comMonitor.CaptureFile(""); });
 }
 
-// --- sending a file
-// -------------------------------------------------------------------------------
+// --- sending a file -----------------------------------------------------------------------------
 
 void frmMonitor::mnuCaptureSend_Click() {
     Trapped("frmMonitor.mnuCaptureSend_Click", [this] {

@@ -27,10 +27,6 @@ std::string_view Trimmed(std::string_view text) {
 
 }  // namespace
 
-std::string RunningMode::Greeting() {
-    return "M40 READY\r\nType HELP for the commands.\r\n";
-}
-
 std::string RunningMode::Receive(std::string_view bytes) {
     std::string out;
     for (const char character : bytes) out += TakeCharacter(character);

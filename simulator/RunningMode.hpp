@@ -14,9 +14,6 @@ public:
     /// Takes bytes in any portions; returns what goes out for them.
     std::string Receive(std::string_view bytes);
 
-    /// What the indicator sends when it is switched on.
-    static std::string Greeting();
-
 private:
     std::string TakeCharacter(char character);
     std::string Answer(std::string_view line);

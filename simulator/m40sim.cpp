@@ -60,7 +60,8 @@ Prints "port: PATH" and serves on PATH until SIGTERM or SIGINT.
   --fault FAULT      show a fault; repeatable
   --transcript FILE  record what passes: ms since start, direction, bytes
   --terminal         the indicator's running mode instead of its boot monitor: echoes what is
-                     typed and answers a few commands; of the other options only --link counts
+                     typed and answers a few commands (HELP); of the other options only
+                     --link counts
   --help             this text
 
 Faults at image line LINE (from 0, a repeated line counts once), shown on its first TIMES
@@ -399,12 +400,9 @@ int ServeRunningMode(const Options& options) {
     std::optional<Link> link;
     if (options.link) link.emplace(*options.link, terminal.Path());
     RunningMode indicator;
-    bool wasOpen = false;
     std::cout << "port: " << terminal.Path() << std::endl;
     while (stopAsked == 0) {
         const PseudoTerminal::State state = terminal.Look();
-        if (state.hostOpen && (!wasOpen || state.reopened)) terminal.Write(RunningMode::Greeting());
-        wasOpen = state.hostOpen;
         const std::string answer = indicator.Receive(state.bytes);
         if (!answer.empty()) terminal.Write(answer);
         if (state.bytes.empty()) terminal.Wait(std::nullopt);

@@ -38,6 +38,7 @@ IStream* StreamOver(const std::string& bytes) {
 
 Win32Picture::~Win32Picture() {
     mPicture->Release();
+    --mHeld;
 }
 
 void Win32Picture::Draw(HDC target, const RECT& area) const {
@@ -70,7 +71,7 @@ std::shared_ptr<const Picture> Win32Pictures::Load(const std::string& path) {
     const HRESULT result = OleLoadPicture(stream, 0, FALSE, IID_IPicture, &picture);
     stream->Release();
     if (result != S_OK || picture == nullptr) throw RuntimeError(ErrorNumber::InvalidPicture);
-    return std::make_shared<Win32Picture>(static_cast<IPicture*>(picture));
+    return std::make_shared<Win32Picture>(static_cast<IPicture*>(picture), mHeld);
 }
 
 }  // namespace vantor

@@ -11,8 +11,8 @@ namespace vantor {
 
 class Win32Picture : public Picture {
 public:
-    /// Takes over the reference.
-    explicit Win32Picture(IPicture* picture) : mPicture(picture) {}
+    /// Takes over the reference; counts itself in `held`.
+    Win32Picture(IPicture* picture, int& held) : mPicture(picture), mHeld(held) { ++mHeld; }
     ~Win32Picture() override;
     Win32Picture(const Win32Picture&) = delete;
     Win32Picture& operator=(const Win32Picture&) = delete;
@@ -22,6 +22,7 @@ public:
 
 private:
     IPicture* mPicture;
+    int& mHeld;
 };
 
 class Win32Pictures : public Pictures {
@@ -35,8 +36,12 @@ public:
 
     std::shared_ptr<const Picture> Load(const std::string& path) override;
 
+    /// Pictures that are there now.
+    int Held() const { return mHeld; }
+
 private:
     const Files& mFiles;
+    int mHeld = 0;
     bool mPrepared;
 };
 

@@ -16,6 +16,7 @@
 #include <utility>
 
 #include "resources/Designs.hpp"
+#include "tests/win32/Desktop.hpp"
 
 namespace vantor::e2e {
 namespace {
@@ -61,23 +62,22 @@ LRESULT Send(HWND window, UINT message, WPARAM first, LPARAM second) {
     return static_cast<LRESULT>(result);
 }
 
-constexpr int kIconSize = 32;
-using Pixels = std::array<std::uint32_t, kIconSize * kIconSize>;
+using Pixels = std::vector<std::uint32_t>;
 
-/// `draw`s on a bitmap in memory and returns what is there then.
-Pixels Draw(const std::function<void(HDC)>& draw) {
+/// `draw`s on a bitmap of an icon's size in memory and returns what is there then.
+Pixels Draw(const std::function<void(HDC, int size)>& draw) {
+    const int size = GetSystemMetrics(SM_CXICON);
     BITMAPINFO info{};
-    info.bmiHeader = {sizeof info.bmiHeader, kIconSize, -kIconSize, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    info.bmiHeader = {sizeof info.bmiHeader, size, -size, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
     void* bits = nullptr;
     const HDC memory = CreateCompatibleDC(nullptr);
     const HBITMAP bitmap = CreateDIBSection(memory, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
     const HGDIOBJ before = SelectObject(memory, bitmap);
-    draw(memory);
+    draw(memory, size);
     GdiFlush();
-    Pixels pixels{};
-    std::transform(static_cast<const std::uint32_t*>(bits),
-                   static_cast<const std::uint32_t*>(bits) + pixels.size(), pixels.begin(),
-                   [](std::uint32_t pixel) { return pixel & 0xffffffu; });
+    const auto* const drawn = static_cast<const std::uint32_t*>(bits);
+    Pixels pixels(drawn, drawn + size * size);
+    for (std::uint32_t& pixel : pixels) pixel &= 0xffffffu;
     SelectObject(memory, before);
     DeleteObject(bitmap);
     DeleteDC(memory);
@@ -85,22 +85,21 @@ Pixels Draw(const std::function<void(HDC)>& draw) {
 }
 
 Pixels OnScreen(const RECT& at) {
-    return Draw([&at](HDC memory) {
+    return Draw([&at](HDC memory, int size) {
         const HDC screen = GetDC(nullptr);
-        BitBlt(memory, 0, 0, kIconSize, kIconSize, screen, at.left, at.top, SRCCOPY);
+        BitBlt(memory, 0, 0, size, size, screen, at.left, at.top, SRCCOPY);
         ReleaseDC(nullptr, screen);
     });
 }
 
 Pixels OnGround(const wchar_t* icon, std::uint32_t ground) {
-    return Draw([&](HDC memory) {
-        const RECT all = {0, 0, kIconSize, kIconSize};
+    return Draw([&](HDC memory, int size) {
+        const RECT all = {0, 0, size, size};
         const HBRUSH brush =
             CreateSolidBrush(RGB(ground >> 16 & 0xffu, ground >> 8 & 0xffu, ground & 0xffu));
         FillRect(memory, &all, brush);
         DeleteObject(brush);
-        DrawIconEx(memory, 0, 0, LoadIconW(nullptr, icon), kIconSize, kIconSize, 0, nullptr,
-                   DI_NORMAL);
+        DrawIconEx(memory, 0, 0, LoadIconW(nullptr, icon), size, size, 0, nullptr, DI_NORMAL);
     });
 }
 
@@ -133,20 +132,6 @@ HANDLE Job() {
         return made;
     }();
     return job;
-}
-
-PROCESS_INFORMATION StartProgram() {
-    STARTUPINFOW startup{};
-    startup.cb = sizeof startup;
-    startup.lpDesktop = DesktopName().data();
-    PROCESS_INFORMATION started{};
-    const std::wstring program = ToWide(Setting("E2E_PROGRAM"));
-    if (CreateProcessW(program.c_str(), nullptr, nullptr, nullptr, FALSE, 0, nullptr, nullptr,
-                       &startup, &started) == 0)
-        throw std::runtime_error("the program does not start");
-    AssignProcessToJobObject(Job(), started.hProcess);
-    CloseHandle(started.hThread);
-    return started;
 }
 
 DWORD WaitForEnd(HANDLE process) {
@@ -189,18 +174,22 @@ void Ask(const std::string& words) {
     Await("the script to: " + words, [&] { return !std::filesystem::exists(request); });
 }
 
-// Wine draws a desktop that has a size in its registry in one window of the display, with window
-// frames and a keyboard focus of its own: no window manager has a say in the tests.
 void EnterDesktop() {
-    constexpr const wchar_t* kSizes = L"Software\\Wine\\Explorer\\Desktops";
-    constexpr wchar_t kSize[] = L"1024x768";
-    RegSetKeyValueW(HKEY_CURRENT_USER, kSizes, DesktopName().c_str(), REG_SZ, kSize, sizeof kSize);
-    const HDESK desktop =
-        CreateDesktopW(DesktopName().c_str(), nullptr, nullptr, 0, GENERIC_ALL, nullptr);
-    if (desktop == nullptr || SetThreadDesktop(desktop) == 0)
-        throw std::runtime_error("no desktop for this run");
-    GetDesktopWindow();  // is drawn now
-    RegDeleteKeyValueW(HKEY_CURRENT_USER, kSizes, DesktopName().c_str());
+    SetProcessDPIAware();  // or the system would translate all sizes
+    vantor::EnterDesktop(DesktopName(), ToWide(Setting("E2E_DESKTOP")));
+}
+
+Win32Handle StartProgram(const std::string& path) {
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    startup.lpDesktop = DesktopName().data();
+    PROCESS_INFORMATION started{};
+    if (CreateProcessW(ToWide(path).c_str(), nullptr, nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                       &startup, &started) == 0)
+        throw std::runtime_error("does not start: " + path);
+    AssignProcessToJobObject(Job(), started.hProcess);
+    CloseHandle(started.hThread);
+    return Win32Handle(started.hProcess);
 }
 
 void PrintTo(const Box& box, std::ostream* stream) {
@@ -238,9 +227,8 @@ void PressIn(HWND dialog, int button) {
 // --- the program --------------------------------------------------------------------------------
 
 App::App() {
-    const PROCESS_INFORMATION started = StartProgram();
-    mProcess = Win32Handle(started.hProcess);
-    mId = started.dwProcessId;
+    mProcess = StartProgram(Setting("E2E_PROGRAM"));
+    mId = GetProcessId(mProcess.Get());
     Await("the main window", [this] {
         const std::vector<HWND> forms = Windows(L"VantorForm");
         if (!forms.empty()) mMain = forms.front();
@@ -254,7 +242,7 @@ App::~App() {
 }
 
 DWORD App::RunBeside() {
-    const Win32Handle process(StartProgram().hProcess);
+    const Win32Handle process = StartProgram(Setting("E2E_PROGRAM"));
     return WaitForEnd(process.Get());
 }
 

@@ -23,6 +23,9 @@ std::string Setting(const char* name);
 /// The desktop of this run, which no other program of the same Wine prefix shares.
 void EnterDesktop();
 
+/// Starts a program there; it ends with this driver at the latest.
+Win32Handle StartProgram(const std::string& path);
+
 /// A message box: what it says, the kind of its icon ("question" and so on), its buttons.
 struct Box {
     std::string title;

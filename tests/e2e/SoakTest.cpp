@@ -5,6 +5,7 @@
 #include <iostream>
 #include <random>
 #include <string>
+#include <utility>
 
 #include "tests/e2e/Bench.hpp"
 
@@ -24,6 +25,11 @@ protected:
             std::to_string(area.right - area.left) + "x" + std::to_string(area.bottom - area.top) +
             "+" + std::to_string(area.left) + "+" + std::to_string(area.top));
     }
+    void ShowBox(const std::string& stage) const {
+        const HWND box = app->AwaitBox();
+        App::Read(box);  // waits until it is drawn
+        Show(stage, app->Main(), box);
+    }
 };
 
 TEST_F(Screens, OfAllStages) {
@@ -38,13 +44,33 @@ TEST_F(Screens, OfAllStages) {
     app->Press("cmdFlash");
     Show("dialog", app->AwaitFileDialog(), window);
     app->ChooseFile(image);
-    Show("warning", window, app->AwaitBox());
+    ShowBox("warning");
     app->TakeBox(IDYES);
     Await("the middle", [this] { return app->Percent() >= 50; });
     Show("streaming", window);
     Await("the status window", [this] { return app->OtherForm() != nullptr; });
     Show("verdict", window, app->OtherForm());
-    Show("success", window, app->AwaitBox());
+    ShowBox("success");
+}
+
+TEST_F(Screens, OfTheOtherBoxes) {
+    constexpr std::pair<const char*, const char*> kStages[] = {
+        {"no-port", nullptr},
+        {"not-in-monitor", "--fault no-trav"},
+        {"load-refused", "--fault no-sysload"},
+        {"failure", "--fault nak@0x4"},
+        {"verify-failed", "--fault verify-failed"},
+        {"aborted", "--think 100"}};
+    for (const auto& [stage, faults] : kStages) {
+        if (faults != nullptr) indicator.Start(faults);
+        StartFlash();
+        if (stage == std::string("aborted")) {
+            Await("the stream", [this] { return app->Percent() > 0; });
+            app->Press("cmdFlashAbort");
+        }
+        ShowBox(stage);
+        app->TakeBox();
+    }
 }
 
 class Monkey : public Bench {

@@ -2,13 +2,16 @@
 # Runs tsupdate.exe under Wine as its users do, against the virtual indicator.
 #   run.sh                   all tests, in English and in Spanish
 #   run.sh NAME              the tests whose names match (a filter of GoogleTest)
-#   run.sh --screens         pictures of all stages, for the documentation, in build/screens
+#   run.sh --screens         pictures of all stages, in build/screens: in both languages, at 96
+#                            dots per inch and at 144
+#   run.sh --bench           measurements, on a quiet machine
 #   run.sh --monkey SECONDS  random clicks, keys and close requests; E2E_SEED=N repeats a run
 # Needs build/windows (tsupdate, e2e_tests) and build/native (m40sim). Of a failed test a picture
 # and what passed over the line stay in build/e2e.
 set -eu
 
 root=$(cd "$(dirname "$0")/../.." && pwd)
+[ -n "${DISPLAY:-}" ] || exec "$root/tests/with_display.sh" "$0" "$@"
 folder=$root/build/e2e
 screens=$root/build/screens
 port=$folder/port
@@ -32,26 +35,20 @@ end() {
     kill "$number" 2>/dev/null || true
 }
 
-display_server=
+dots=96
 clean_up() {
     end driver
     end indicator
-    [ -z "$display_server" ] || kill "$display_server" 2>/dev/null || true
+    [ "$dots" = 96 ] || set_resolution 96
 }
 trap clean_up EXIT
 trap 'exit 1' INT TERM
 
-start_display() {
-    [ -z "${DISPLAY:-}" ] || return 0
-    Xvfb -displayfd 3 -screen 0 1280x900x24 -nolisten tcp 3>"$folder/display" \
-        >"$folder/xvfb.log" 2>&1 8>&- &
-    display_server=$!
-    until [ -s "$folder/display" ]; do
-        kill -0 "$display_server"
-        sleep 0.05
-    done
-    DISPLAY=:$(cat "$folder/display")
-    export DISPLAY
+# The resolution that programs find from now on, in dots per inch.
+set_resolution() {
+    dots=$1
+    "$root/scripts/wine" reg.exe add 'HKCU\Control Panel\Desktop' /v LogPixels /t REG_DWORD \
+        /d "$dots" /f >>"$folder/wine.log" 2>&1 8>&-
 }
 
 # Runs a program, leaves its number and later its exit status in files.
@@ -114,7 +111,7 @@ answer() {
         ;;
     show)
         mkdir -p "$screens"
-        take_picture "$screens/${words%% *}.png" "${words#* }"
+        take_picture "$screens/${words%% *}$suffix.png" "${words#* }"
         ;;
     esac
     rm -f "$folder/request"
@@ -132,25 +129,44 @@ drive() {
     return "$(cat "$folder/driver.status")"
 }
 
-E2E_RUN=$$
 E2E_FOLDER=$(windows_path "$folder")
 E2E_PROGRAM=$(windows_path "$root/build/windows/tsupdate.exe")
+E2E_SAMPLE=$(windows_path "$root/build/native/sample.run")
 VANTOR_COM1=$port
-export E2E_RUN E2E_FOLDER E2E_PROGRAM VANTOR_COM1
-desktop=e2e-$E2E_RUN
-start_display
+export E2E_FOLDER E2E_PROGRAM E2E_SAMPLE VANTOR_COM1
 
+# A desktop of its own, of the size WIDTHxHEIGHT: the resolution is read when it is made.
+use_desktop() {
+    E2E_RUN=$$-$1
+    E2E_DESKTOP=$1
+    export E2E_RUN E2E_DESKTOP
+    desktop=e2e-$E2E_RUN
+}
+use_desktop 1024x768
+
+take_screens() {
+    E2E_LANGUAGE=en drive C.UTF-8 --gtest_filter='Screens.*' || status=1
+    E2E_LANGUAGE=es drive es_ES.UTF-8 --gtest_filter='Screens.*' || status=1
+}
+
+suffix=
 status=0
 case ${1:-} in
 --screens)
-    E2E_LANGUAGE=en drive C.UTF-8 --gtest_filter='Screens.*' || status=1
-    E2E_LANGUAGE=es drive es_ES.UTF-8 --gtest_filter='Screens.*' || status=1
+    take_screens
+    suffix=-144dpi
+    set_resolution 144
+    use_desktop 1536x1152
+    take_screens
+    ;;
+--bench)
+    drive C.UTF-8 --gtest_brief=1 --gtest_filter='Measure.*' || status=1
     ;;
 --monkey)
     E2E_SECONDS=$2 drive C.UTF-8 --gtest_filter='Monkey.*' || status=1
     ;;
 '')
-    drive C.UTF-8 --gtest_filter='-Screens.*:Monkey.*:Spanish.*' || status=1
+    drive C.UTF-8 --gtest_filter='-Screens.*:Measure.*:Monkey.*:Spanish.*' || status=1
     drive es_ES.UTF-8 --gtest_filter='Spanish.*' || status=1
     ;;
 *)

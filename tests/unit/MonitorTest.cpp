@@ -277,9 +277,11 @@ TEST_F(MonitorTest, ACancelEndsAfterTheLineInProgress) {
 
 TEST_F(MonitorTest, ASecondFileCanBeSentDuringTheFirst) {
     mPlatform.files.Add("C:\\files\\second.txt", "a\r\nb\r\n");
-    mPlatform.dialogs.choices = {"C:\\files\\second.txt"};
+    mPlatform.files.Add(kFile, "1\r\n2\r\n3\r\n");
+    mPlatform.dialogs.choices = {kFile, "C:\\files\\second.txt"};
+    mMonitor->mnuCommOpen.Press();
     After(60, [this] { mMonitor->mnuCaptureSend.Press(); });
-    EXPECT_TRUE(Send("1\r\n2\r\n3\r\n"));
+    mMonitor->mnuCaptureSend.Press();
     EXPECT_EQ(mWire.received, "1\r2\ra\rb\r3\r");
     EXPECT_EQ(mPlatform.dialogs.shown.at(0).title, "Send Filename");
     EXPECT_EQ(mPlatform.peers.open, (Texts{"frmMain", "frmMonitor"}));

@@ -1,0 +1,88 @@
+// Not tests: measurements, each a ratio against something measured in the same run. They fail
+// only when there is nothing to measure.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <fstream>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+
+#include "bench/Measure.hpp"
+#include "tests/e2e/Bench.hpp"
+
+namespace vantor::e2e {
+namespace {
+
+using bench::Pair;
+using bench::SecondsSince;
+
+/// From the first image line to the last acknowledgement, as the indicator's transcript has it,
+/// against the time that the bytes of both directions need on the wire.
+Pair StreamIn(const std::string& transcript) {
+    constexpr double kBitsPerByte = 11;
+    constexpr double kBitsPerSecond = 115200;
+    std::istringstream records(transcript);
+    double start = -1;
+    double last = 0;
+    std::size_t bytes = 0;
+    for (std::string record; std::getline(records, record);) {
+        double now = 0;
+        char direction = '-';
+        int text = 0;
+        if (std::sscanf(record.c_str(), "%lf %c %n", &now, &direction, &text) != 2) continue;
+        record.erase(0, static_cast<std::size_t>(text));
+        if (start < 0 && record.starts_with("S") && !record.starts_with("SYSLOAD")) start = now;
+        if (start < 0 || direction == '-') continue;
+        if (record.find('D') != std::string::npos && direction == '<') break;  // the verdict
+        if (direction == '<') last = now;
+        // What is not printable, CR and LF, is a backslash and a letter.
+        bytes += record.size() - static_cast<std::size_t>(std::ranges::count(record, '\\'));
+    }
+    return {(last - start) / 1000, static_cast<double>(bytes) * kBitsPerByte / kBitsPerSecond};
+}
+
+/// From the start of a program to its window that shows and takes input.
+double SecondsToStart(const std::string& path, const wchar_t* windowClass) {
+    const auto start = bench::SteadyClock::now();
+    const Win32Handle process = StartProgram(path);
+    if (WaitForInputIdle(process.Get(), 60'000) != 0) throw std::runtime_error("no input: " + path);
+    HWND window = nullptr;
+    while (window == nullptr || IsWindowVisible(window) == 0 || IsWindowEnabled(window) == 0) {
+        window = FindWindowW(windowClass, nullptr);
+        if (WaitForSingleObject(process.Get(), 1) != WAIT_TIMEOUT)
+            throw std::runtime_error("has ended: " + path);
+    }
+    const double seconds = SecondsSince(start);
+    PostMessageW(window, WM_CLOSE, 0, 0);
+    WaitForSingleObject(process.Get(), INFINITE);
+    return seconds;
+}
+
+using Measure = Bench;
+
+TEST_F(Measure, StreamAgainstTheWire) {
+    std::ofstream(image, std::ios::binary)
+        << std::ifstream(Setting("E2E_SAMPLE"), std::ios::binary).rdbuf();
+    indicator.Start("--pace --write 300");
+    StartFlash();
+    // Waiting for the box would keep asking the system about windows meanwhile.
+    ASSERT_EQ(indicator.Wait(), 0) << indicator.Complaints();
+    app->TakeBox();
+    const Pair seconds = StreamIn(Content("indicator.log"));
+    std::printf("paced stream of the Windows program: %.3f s, the wire alone %.3f s, ratio %.3f\n",
+                seconds.ours, seconds.theirs, seconds.ours / seconds.theirs);
+}
+
+TEST_F(Measure, StartAgainstNotepad) {
+    app.reset();  // a second one would end at once
+    const Pair seconds = bench::SideBySide(
+        9, [] { return SecondsToStart(Setting("E2E_PROGRAM"), L"VantorForm"); },
+        [] { return SecondsToStart("C:\\windows\\system32\\notepad.exe", L"Notepad"); });
+    std::printf("start of the Windows program: %.0f ms, notepad %.0f ms, ratio %.2f\n",
+                seconds.ours * 1e3, seconds.theirs * 1e3, seconds.ours / seconds.theirs);
+}
+
+}  // namespace
+}  // namespace vantor::e2e

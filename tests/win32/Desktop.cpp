@@ -1,0 +1,21 @@
+#include "tests/win32/Desktop.hpp"
+
+#include <stdexcept>
+
+#include "platform/win32/Windows.hpp"
+
+namespace vantor {
+
+// Wine takes the size of a desktop from its registry, once, when the desktop is first drawn.
+void EnterDesktop(const std::wstring& name, const std::wstring& size) {
+    constexpr const wchar_t* kSizes = L"Software\\Wine\\Explorer\\Desktops";
+    RegSetKeyValueW(HKEY_CURRENT_USER, kSizes, name.c_str(), REG_SZ, size.c_str(),
+                    static_cast<DWORD>((size.size() + 1) * sizeof(wchar_t)));
+    const HDESK desktop = CreateDesktopW(name.c_str(), nullptr, nullptr, 0, GENERIC_ALL, nullptr);
+    if (desktop == nullptr || SetThreadDesktop(desktop) == 0)
+        throw std::runtime_error("no desktop for this run");
+    GetDesktopWindow();  // is drawn now
+    RegDeleteKeyValueW(HKEY_CURRENT_USER, kSizes, name.c_str());
+}
+
+}  // namespace vantor

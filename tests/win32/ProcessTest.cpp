@@ -1,0 +1,89 @@
+// The process as others see it. For that this program is started once more, with a job as its
+// argument: by itself, and by the script around it, which talks to it.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <optional>
+#include <stdexcept>
+#include <string>
+
+#include "platform/win32/Win32Process.hpp"
+#include "platform/win32/Win32Terminal.hpp"
+#include "tests/win32/Desktop.hpp"
+
+namespace vantor {
+namespace {
+
+std::wstring gDesktop = L"win32-tests";
+constexpr const char* kTitle = "Last words \\ of a test";
+
+int DoJob(const Win32Process& process) {
+    const std::string& job = process.Arguments().front();
+    Win32Process().InstallUnhandledExceptionFilter(kTitle);
+    if (job == "throw") throw std::runtime_error("¡Adiós!");
+    if (job == "crash") RaiseException(EXCEPTION_ACCESS_VIOLATION, 0, 0, nullptr);
+    Win32Terminal terminal;  // "echo"
+    for (const std::string& argument : process.Arguments()) terminal.Write(argument + "|");
+    for (auto line = terminal.ReadLine(); line; line = terminal.ReadLine())
+        terminal.Write("<" + *line + ">");
+    return 0;
+}
+
+PROCESS_INFORMATION Start(const std::wstring& job) {
+    std::wstring command = L"\"" + ToWide(Win32Process().ExecutablePath()) + L"\" " + job;
+    STARTUPINFOW startup{};
+    startup.cb = sizeof startup;
+    startup.lpDesktop = gDesktop.data();
+    PROCESS_INFORMATION started{};
+    if (CreateProcessW(nullptr, command.data(), nullptr, nullptr, FALSE, 0, nullptr, nullptr,
+                       &startup, &started) == 0)
+        throw std::runtime_error("this program does not start again");
+    CloseHandle(started.hThread);
+    return started;
+}
+
+TEST(Process, OnlyOneHoldsThePlaceAndGivesItBackAtItsEnd) {
+    std::optional<Win32Process> first(std::in_place);
+    EXPECT_FALSE(first->AnotherInstanceRuns(kTitle));
+    EXPECT_FALSE(first->AnotherInstanceRuns(kTitle));
+    EXPECT_TRUE(Win32Process().AnotherInstanceRuns(kTitle));
+    EXPECT_TRUE(Win32Process().AnotherInstanceRuns(kTitle));
+    EXPECT_FALSE(Win32Process().AnotherInstanceRuns("Another title"));
+    first.reset();
+    EXPECT_FALSE(Win32Process().AnotherInstanceRuns(kTitle));
+}
+
+TEST(Process, AnUnhandledErrorIsNamedInABoxAndEndsTheProgram) {
+    struct Case {
+        const wchar_t* job;
+        const wchar_t* words;
+        DWORD status;
+    };
+    for (const auto& [job, words, status] :
+         {Case{L"throw", L"Unhandled Exception: \u00a1Adi\u00f3s!", 3},
+          Case{L"crash", L"Unhandled Exception: Access Violation", EXCEPTION_ACCESS_VIOLATION}}) {
+        const Win32Handle process(Start(job).hProcess);
+        HWND button = nullptr;
+        while (button == nullptr && WaitForSingleObject(process.Get(), 10) == WAIT_TIMEOUT)
+            button = GetDlgItem(FindWindowW(L"#32770", ToWide(kTitle).c_str()), IDOK);
+        std::array<wchar_t, 128> text{};
+        GetDlgItemTextW(GetParent(button), 0xffff, text.data(), static_cast<int>(text.size()));
+        EXPECT_STREQ(text.data(), words);
+        PostMessageW(button, BM_CLICK, 0, 0);
+        DWORD ended = 0;
+        WaitForSingleObject(process.Get(), INFINITE);
+        GetExitCodeProcess(process.Get(), &ended);
+        EXPECT_EQ(ended, status);
+    }
+}
+
+}  // namespace
+}  // namespace vantor
+
+int main(int argc, char** argv) {
+    testing::InitGoogleTest(&argc, argv);
+    const vantor::Win32Process process;
+    if (argc > 1) return vantor::DoJob(process);
+    vantor::EnterDesktop(vantor::gDesktop, L"1024x768");
+    return RUN_ALL_TESTS();
+}

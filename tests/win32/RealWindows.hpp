@@ -1,0 +1,43 @@
+// A platform with the real message queue and real windows, and everything else headless. Each
+// pump is a millisecond of the headless clock, so a session's waits are short.
+#pragma once
+
+#include "controls/Form.hpp"
+#include "platform/win32/Win32MessagePump.hpp"
+#include "platform/win32/Win32Peers.hpp"
+#include "platform/win32/Win32Pictures.hpp"
+#include "tests/unit/ReportingPlatform.hpp"
+
+namespace vantor {
+
+struct RealWindows : ReportingPlatform {
+    RealWindows() {
+        queue.AddSource([this] { pump.PumpPending(); });
+    }
+
+    Win32MessagePump queue;
+    Win32Peers windows{queue};
+    Win32Pictures images{files};
+    Platform real{.clock = clock,
+                  .codePage = codePage,
+                  .dialogs = dialogs,
+                  .files = files,
+                  .versions = versions,
+                  .folders = folders,
+                  .boxes = boxes,
+                  .pump = queue,
+                  .peers = windows,
+                  .pictures = images,
+                  .process = process,
+                  .registry = registry,
+                  .ports = ports,
+                  .shell = shell,
+                  .strings = strings};
+    Desktop desktop{windows, queue};
+};
+
+inline HWND WindowOf(const Form& form) {
+    return reinterpret_cast<HWND>(form.Handle());
+}
+
+}  // namespace vantor

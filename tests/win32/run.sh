@@ -1,0 +1,18 @@
+#!/bin/sh
+# Runs the tests of the real windows, on a display of their own, and talks to the program as
+# another program does: arguments and lines pass unharmed, whatever the system's code page.
+#   run.sh path/to/win32_tests.exe [option of GoogleTest]...
+set -eu
+
+here=$(cd "$(dirname "$0")" && pwd)
+wine=$here/../../scripts/wine
+status=0
+"$here/../with_display.sh" "$wine" "$@" || status=1
+
+export LC_ALL=C.UTF-8
+told=$(printf 'mañana\r\n\nlast' | "$wine" "$1" echo 'złoty 25 €' 秤)
+if [ "$told" != 'echo|złoty 25 €|秤|<mañana><><last>' ]; then
+    echo "Told: $told" >&2
+    status=1
+fi
+exit $status

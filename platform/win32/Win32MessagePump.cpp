@@ -15,7 +15,7 @@ constexpr UINT kWakeUp = WM_APP;
 constexpr UINT_PTR kPollTimer = UINT_PTR{1} << 32;
 constexpr std::uint32_t kPollIntervalMs = 10;
 // A port that is open all day and silent must not keep the processor from resting.
-constexpr std::uint32_t kIdlePollIntervalMs = 100;
+constexpr std::uint32_t kIdlePollIntervalMs = 200;
 constexpr int kAttentivePolls = 100;
 // A window that always wants to be drawn must keep neither the line nor the clock waiting.
 constexpr int kMostAtOnce = 500;

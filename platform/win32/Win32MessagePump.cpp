@@ -17,6 +17,8 @@ constexpr std::uint32_t kPollIntervalMs = 10;
 // A port that is open all day and silent must not keep the processor from resting.
 constexpr std::uint32_t kIdlePollIntervalMs = 200;
 constexpr int kAttentivePolls = 100;
+// Some milliseconds at most, or the windows would answer late.
+constexpr int kMostRounds = 16;
 // A window that always wants to be drawn must keep neither the line nor the clock waiting.
 constexpr int kMostAtOnce = 500;
 
@@ -143,7 +145,11 @@ void Win32MessagePump::SetSystemTimer(UINT_PTR id, std::uint32_t intervalMs) con
 void Win32MessagePump::Tick(UINT_PTR id) {
     if (id == kPollTimer) {
         mIdlePolls = std::min(mIdlePolls + 1, kAttentivePolls);
-        PollSources();
+        for (int round = 0; round < kMostRounds; ++round) {
+            mAgain = false;
+            PollSources();
+            if (!mAgain) break;
+        }
         // Counted anew from here: a slow poll must not find itself due again at once, which
         // would keep the queue from ever being empty.
         const bool idle = mIdlePolls >= kAttentivePolls;

@@ -37,6 +37,9 @@ public:
 
     /// Something has come from a source, or is expected from it: polls are frequent for a while.
     void Attend();
+    /// For a poll that has found plenty: the poll timer polls again at once, a limited number of
+    /// times, for the system's own timers are too slow for a line that never pauses.
+    void PollAgain() { mAgain = true; }
 
     /// Asks `filter` about each message of the two loops above; true means that it has dealt
     /// with it (the keys of a window's controls).
@@ -65,6 +68,7 @@ private:
     std::map<TimerId, std::function<void()>> mTimers;
     std::map<SourceId, std::function<void()>> mSources;
     std::uint32_t mLastId = 0;
+    bool mAgain = false;
     int mIdlePolls = 0;  // of the poll timer, since somebody last attended
     bool mQuit = false;
 };

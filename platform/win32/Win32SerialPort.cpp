@@ -229,6 +229,8 @@ void Win32SerialPort::PollInput() {
     const bool gone = mGone || !Look(queues);
     if (!gone && queues.cbInQue == 0) return;
     mPump.Attend();
+    constexpr DWORD kPlenty = 1024;
+    if (queues.cbInQue >= kPlenty) mPump.PollAgain();
     const std::function<void()> notify = mNotify;
     if (gone) {
         mGone = true;

@@ -12,8 +12,8 @@ using enum ControlKind;
 constexpr ControlStyle kCancel = {.defaultButton = true, .cancelButton = true};
 
 constexpr std::array kControls = {
-    ControlDesign{Label, "lblLabels", 0, "", {180, 195, 1100, 255}, "Filename:", "602"},
-    ControlDesign{Label, "lblLabels", 1, "", {180, 600, 1100, 255}, "Sending:", "603"},
+    ControlDesign{Label, "lblLabels", 0, "", {180, 180, 1100, 270}, "Filename:", "602"},
+    ControlDesign{Label, "lblLabels", 1, "", {180, 585, 1100, 270}, "Sending:", "603"},
     ControlDesign{Label, "lblFilename", -1, "", {1365, 180, 3300, 270}, "", ""},
     ControlDesign{Label, "lblStatus", -1, "", {1365, 585, 3300, 270}, "", ""},
     ControlDesign{

@@ -60,8 +60,8 @@ Prints "port: PATH" and serves on PATH until SIGTERM or SIGINT.
   --fault FAULT      show a fault; repeatable
   --transcript FILE  record what passes: ms since start, direction, bytes
   --terminal         the indicator's running mode instead of its boot monitor: echoes what is
-                     typed and answers a few commands (HELP); of the other options only
-                     --link counts
+                     typed and answers a few commands (HELP); of the other options
+                     --link and --transcript count
   --help             this text
 
 Faults at image line LINE (from 0, a repeated line counts once), shown on its first TIMES
@@ -399,12 +399,24 @@ int ServeRunningMode(const Options& options) {
     PseudoTerminal terminal;
     std::optional<Link> link;
     if (options.link) link.emplace(*options.link, terminal.Path());
+    Transcript transcript(options.transcript);
     RunningMode indicator;
+    const auto start = std::chrono::steady_clock::now();
+    const auto now = [start] {
+        return std::chrono::duration_cast<std::chrono::microseconds>(
+                   std::chrono::steady_clock::now() - start)
+            .count();
+    };
     std::cout << "port: " << terminal.Path() << std::endl;
     while (stopAsked == 0) {
         const PseudoTerminal::State state = terminal.Look();
+        if (!state.bytes.empty()) transcript.Add(now(), ">", state.bytes);
         const std::string answer = indicator.Receive(state.bytes);
-        if (!answer.empty()) terminal.Write(answer);
+        if (!answer.empty()) {
+            terminal.Write(answer);
+            transcript.Add(now(), "<", answer);
+        }
+        transcript.Flush();
         if (state.bytes.empty()) terminal.Wait(std::nullopt);
     }
     return 0;

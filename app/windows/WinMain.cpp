@@ -1,8 +1,8 @@
 // The Windows program's entry point: takes the platform, starts the house, runs the message loop.
 #include "app/base/AppInfo.hpp"
 #include "app/modStartup.hpp"
-#include "platform/Clipboard.hpp"
 #include "platform/NativePlatform.hpp"
+#include "platform/win32/Win32Clipboard.hpp"
 #include "platform/win32/Win32CommonDialogs.hpp"
 #include "platform/win32/Win32MessageBoxes.hpp"
 #include "platform/win32/Win32MessagePump.hpp"
@@ -15,7 +15,7 @@ int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int) {
     NativePlatform native = MakeNativePlatform(0, nullptr);
     auto& pump = static_cast<Win32MessagePump&>(*native.pump);
     Win32MessageBoxes boxes{AppInfo{}.title};
-    MemoryClipboard clipboard;
+    Win32Clipboard clipboard;
     Win32CommonDialogs dialogs;
     Win32Pictures pictures(*native.files);
     Win32Shell shell;

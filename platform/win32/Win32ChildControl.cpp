@@ -2,10 +2,15 @@
 
 #include <commctrl.h>
 
+#include <algorithm>
+
 #include "controls/Controls.hpp"
+#include "platform/win32/Win32TerminalView.hpp"
 
 namespace vantor {
 namespace {
+
+constexpr int kMostListed = 12;  // items of an open list; more are scrolled
 
 struct Looks {
     const wchar_t* windowClass;
@@ -28,12 +33,18 @@ Looks LooksOf(const Control& control, const ControlDesign& row) {
             return {L"BUTTON", WS_TABSTOP | BS_CHECKBOX, 0};
         case ControlKind::OptionButton:
             return {L"BUTTON", WS_TABSTOP | BS_RADIOBUTTON, 0};
+        case ControlKind::ComboBox:
+            return {L"COMBOBOX", WS_TABSTOP | WS_VSCROLL | DWORD{CBS_DROPDOWNLIST}, 0};
+        case ControlKind::StatusBar:
+            return {STATUSCLASSNAMEW, DWORD{SBARS_SIZEGRIP} | DWORD{CCS_BOTTOM}, 0};
         case ControlKind::Image:
             return {L"STATIC", SS_ICON | SS_REALSIZECONTROL, 0};
         case ControlKind::ProgressBar:
             return {PROGRESS_CLASSW, 0, 0};
         case ControlKind::ListView:
             return {WC_LISTVIEWW, WS_TABSTOP | LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS, 0};
+        case ControlKind::Terminal:
+            return {kTerminalClass, WS_TABSTOP | WS_VSCROLL, WS_EX_CLIENTEDGE};
         default:
             return {kPanelClass, WS_CLIPCHILDREN, WS_EX_CONTROLPARENT};
     }
@@ -50,7 +61,7 @@ Win32ChildControl::Win32ChildControl(Win32Stage& stage, Control& control, const 
                                      HWND parent, int id)
     : mStage(stage), mControl(control), mRow(row) {
     const Looks looks = LooksOf(control, row);
-    const RECT place = stage.ToPixels(control.Place());
+    const RECT place = OuterPlace();
     const DWORD shown = control.Visible() ? WS_VISIBLE : 0;
     const DWORD usable = control.Enabled() ? 0 : WS_DISABLED;
     mWindow = CreateWindowExW(
@@ -62,6 +73,9 @@ Win32ChildControl::Win32ChildControl(Win32Stage& stage, Control& control, const 
     const HFONT font = stage.Font(row.style.points, row.style.bold);
     SendMessageW(mWindow, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
     if (control.Kind() == ControlKind::ListView) InsertColumns();
+    if (control.Kind() == ControlKind::Terminal)
+        mTerminal = std::make_shared<Win32TerminalView>(
+            stage, static_cast<TerminalControl&>(control), row.style, mWindow);
     if (control.Kind() == ControlKind::Image)
         SendMessageW(mWindow, STM_SETICON,
                      reinterpret_cast<WPARAM>(LoadImageW(stage.Instance(), MAKEINTRESOURCEW(1),
@@ -72,7 +86,23 @@ Win32ChildControl::Win32ChildControl(Win32Stage& stage, Control& control, const 
     FollowValue();
 }
 
+Win32ChildControl::~Win32ChildControl() {
+    --mStage.held.windows;
+}
+
+// The height of a list includes that of its open part; closed it is as high as its letters want.
+RECT Win32ChildControl::OuterPlace() const {
+    RECT place = mStage.ToPixels(mControl.Place());
+    if (mControl.Kind() == ControlKind::ComboBox)
+        place.bottom += (place.bottom - place.top) * kMostListed;
+    return place;
+}
+
 void Win32ChildControl::Follow(Property property) {
+    if (mTerminal != nullptr && (property == Property::Value || property == Property::Repaint)) {
+        mTerminal->Follow(property);
+        return;
+    }
     switch (property) {
         case Property::Caption:
             FollowCaption();
@@ -84,7 +114,8 @@ void Win32ChildControl::Follow(Property property) {
             static_cast<void>(ShowWindow(mWindow, mControl.Visible() ? SW_SHOWNA : SW_HIDE));
             break;
         case Property::Place: {
-            const RECT place = mStage.ToPixels(mControl.Place());
+            if (mControl.Kind() == ControlKind::StatusBar) break;
+            const RECT place = OuterPlace();
             static_cast<void>(SetWindowPos(mWindow, nullptr, place.left, place.top,
                                            place.right - place.left, place.bottom - place.top,
                                            SWP_NOZORDER | SWP_NOACTIVATE));
@@ -119,6 +150,7 @@ void Win32ChildControl::FollowCaption() {
 }
 
 void Win32ChildControl::FollowBorder() {
+    if (mTerminal != nullptr) return;  // its edge is its own
     LONG_PTR style = GetWindowLongPtrW(mWindow, GWL_EXSTYLE);
     const LONG_PTR before = style;
     style &= ~static_cast<LONG_PTR>(WS_EX_STATICEDGE | WS_EX_CLIENTEDGE);
@@ -140,7 +172,66 @@ void Win32ChildControl::FollowValue() {
                mControl.Kind() == ControlKind::OptionButton) {
         SendMessageW(mWindow, BM_SETCHECK,
                      static_cast<CheckBox&>(mControl).Value() ? BST_CHECKED : BST_UNCHECKED, 0);
+    } else if (mControl.Kind() == ControlKind::ComboBox) {
+        FollowList(static_cast<const ComboBox&>(mControl));
+    } else if (mControl.Kind() == ControlKind::StatusBar) {
+        FollowPanels(static_cast<const StatusBar&>(mControl));
     }
+}
+
+// Filling the list anew while the user chooses from it would close it under his hand.
+void Win32ChildControl::FollowList(const ComboBox& combo) {
+    if (mListed != combo.Items()) {
+        mListed = combo.Items();
+        SendMessageW(mWindow, CB_RESETCONTENT, 0, 0);
+        for (const std::string& item : mListed)
+            SendMessageW(mWindow, CB_ADDSTRING, 0, reinterpret_cast<LPARAM>(ToWide(item).c_str()));
+    }
+    if (SendMessageW(mWindow, CB_GETCURSEL, 0, 0) != combo.ListIndex())
+        SendMessageW(mWindow, CB_SETCURSEL, static_cast<WPARAM>(combo.ListIndex()), 0);
+}
+
+void Win32ChildControl::TakeChoice() {
+    const auto index = static_cast<int>(SendMessageW(mWindow, CB_GETCURSEL, 0, 0));
+    static_cast<ComboBox&>(mControl).Choose(index);
+}
+
+// Each panel is as wide as its text wants, and the last one takes the rest.
+void Win32ChildControl::FollowPanels(const StatusBar& bar) {
+    std::vector<std::wstring> texts;
+    std::vector<int> edges;
+    for (const StatusBar::Panel& panel : bar.Panels()) {
+        texts.push_back(ToWide(panel.text));
+        edges.push_back((edges.empty() ? 0 : edges.back()) + PanelWidth(texts.back()));
+    }
+    if (edges.empty()) return;
+    edges.back() = -1;
+    SendMessageW(mWindow, SB_SETPARTS, edges.size(), reinterpret_cast<LPARAM>(edges.data()));
+    for (std::size_t i = 0; i < texts.size(); ++i)
+        SendMessageW(mWindow, SB_SETTEXTW, i, reinterpret_cast<LPARAM>(texts[i].c_str()));
+}
+
+int Win32ChildControl::PanelWidth(const std::wstring& text) const {
+    constexpr float kLeastTwips = 1800;
+    constexpr float kMarginTwips = 300;
+    const HDC target = GetDC(mWindow);
+    const HGDIOBJ before = SelectObject(target, mStage.Font(mRow.style.points, mRow.style.bold));
+    SIZE size{};
+    static_cast<void>(
+        GetTextExtentPoint32W(target, text.c_str(), static_cast<int>(text.size()), &size));
+    static_cast<void>(SelectObject(target, before));
+    static_cast<void>(ReleaseDC(mWindow, target));
+    return std::max(mStage.ToPixels(kLeastTwips),
+                    static_cast<int>(size.cx) + mStage.ToPixels(kMarginTwips));
+}
+
+void Win32ChildControl::KeepToBottom() {
+    SendMessageW(mWindow, WM_SIZE, 0, 0);
+    RECT outer{};
+    if (GetWindowRect(mWindow, &outer) == 0) return;
+    static_cast<void>(
+        MapWindowPoints(nullptr, GetParent(mWindow), reinterpret_cast<POINT*>(&outer), 2));
+    if (const Place place = mStage.ToTwips(outer); place != mControl.Place()) mControl.Place(place);
 }
 
 void Win32ChildControl::InsertColumns() {

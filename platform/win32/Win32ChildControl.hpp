@@ -1,10 +1,18 @@
 // One control as a child window: made from its model, and kept in step with it.
 #pragma once
 
+#include <memory>
+#include <string>
+#include <vector>
+
 #include "controls/Form.hpp"
 #include "platform/win32/Win32Stage.hpp"
 
 namespace vantor {
+
+class ComboBox;
+class StatusBar;
+class Win32TerminalView;
 
 /// Identifiers of child windows count from here, in collection order.
 inline constexpr int kFirstChildId = 1000;
@@ -23,7 +31,7 @@ public:
     Win32ChildControl(const Win32ChildControl&) = delete;
     Win32ChildControl& operator=(const Win32ChildControl&) = delete;
     /// The window goes with its parent; only the count is kept here.
-    ~Win32ChildControl() { --mStage.held.windows; }
+    ~Win32ChildControl();
 
     Control& Model() const { return mControl; }
     const ControlDesign& Row() const { return mRow; }
@@ -31,16 +39,27 @@ public:
 
     void Follow(Property property);
 
+    /// A status bar moves itself to its window's bottom edge; its model learns the height.
+    void KeepToBottom();
+    /// The user has chosen another item of a list.
+    void TakeChoice();
+
 private:
+    RECT OuterPlace() const;
     void FollowCaption();
     void FollowBorder();
     void FollowValue();
+    void FollowList(const ComboBox& combo);
+    void FollowPanels(const StatusBar& bar);
+    int PanelWidth(const std::wstring& text) const;
     void InsertColumns();
 
     Win32Stage& mStage;
     Control& mControl;
     const ControlDesign& mRow;
     HWND mWindow = nullptr;
+    std::shared_ptr<Win32TerminalView> mTerminal;  // of a terminal alone
+    std::vector<std::string> mListed;              // the items that a list shows
 };
 
 }  // namespace vantor

@@ -7,6 +7,7 @@
 #include "controls/Controls.hpp"
 #include "platform/win32/Win32Banner.hpp"
 #include "platform/win32/Win32Pictures.hpp"
+#include "platform/win32/Win32TerminalView.hpp"
 #include "support/RuntimeError.hpp"
 
 namespace vantor {
@@ -41,6 +42,7 @@ void Win32FormWindow::RegisterClasses(HINSTANCE instance) {
     windowClass.lpfnWndProc = OnPanelMessage;
     windowClass.lpszClassName = kPanelClass;
     static_cast<void>(RegisterClassW(&windowClass));
+    Win32TerminalView::RegisterClasses(instance);
 }
 
 DWORD Win32FormWindow::Style() const {
@@ -212,6 +214,9 @@ LRESULT Win32FormWindow::Handle(UINT message, WPARAM first, LPARAM second) {
         case WM_SETFOCUS:
             KeepFocusUsable();
             return 0;
+        case WM_PAINT:
+            OnPaint();
+            return 0;
         case DM_GETDEFID:
             return DefaultButton();
         case WM_QUERYENDSESSION:
@@ -237,6 +242,8 @@ void Win32FormWindow::OnCommand(UINT id, UINT notification) {
     } else if (Win32ChildControl* const child = FindId(static_cast<int>(id))) {
         if (child->Model().Kind() == ControlKind::CommandButton && notification == BN_CLICKED)
             static_cast<ClickControl&>(child->Model()).Press();
+        if (child->Model().Kind() == ControlKind::ComboBox && notification == CBN_SELCHANGE)
+            child->TakeChoice();
     }
 }
 
@@ -278,8 +285,30 @@ void Win32FormWindow::OnPlaced() {
     if (IsIconic(mWindow) != 0) state = WindowState::Minimised;
     // Hidden, the window has not yet taken the state that the model wants for it.
     if (IsWindowVisible(mWindow) == 0) state = mForm->State();
+    // Before the form lays out what lies above it.
+    for (const auto& child : mChildren)
+        if (child->Model().Kind() == ControlKind::StatusBar) child->KeepToBottom();
     const Place inside = mStage.ToTwips(inner);
     mForm->Placed(mStage.ToTwips(outer), state, {inside.width, inside.height});
+}
+
+void Win32FormWindow::OnPaint() {
+    PAINTSTRUCT paint{};
+    const HWND window = mWindow;
+    mTarget = BeginPaint(window, &paint);
+    mForm->Painting();
+    mTarget = nullptr;
+    static_cast<void>(EndPaint(window, &paint));
+}
+
+void Win32FormWindow::DrawLine(const ThinLine& line) const {
+    if (mTarget == nullptr) return;
+    // Both ends belong to the line.
+    const RECT area = {mStage.ToPixels(line.left), mStage.ToPixels(line.top),
+                       mStage.ToPixels(line.right) + 1, mStage.ToPixels(line.bottom) + 1};
+    const bool shadow = line.colour == SystemColour::ButtonShadow;
+    static_cast<void>(
+        FillRect(mTarget, &area, GetSysColorBrush(shadow ? COLOR_BTNSHADOW : COLOR_BTNHIGHLIGHT)));
 }
 
 void Win32FormWindow::OnActivate(bool active) {

@@ -28,6 +28,7 @@ public:
     void Hide();
     void FollowForm(Property property);
     void FollowControl(const Control& control, Property property);
+    void DrawLine(const ThinLine& line) const;
 
 private:
     static LRESULT CALLBACK OnFormMessage(HWND window, UINT message, WPARAM first, LPARAM second);
@@ -39,6 +40,7 @@ private:
     void OnDefaultKey(UINT id);
     LRESULT OnNotify(const NMHDR& header);
     void OnPlaced();
+    void OnPaint();
     void OnActivate(bool active);
     void OnSmallest(MINMAXINFO& limits) const;
     bool MayEndSession();
@@ -63,7 +65,8 @@ private:
     HWND mFocus = nullptr;  // the child that had the focus when the window was left
     std::unique_ptr<Win32MenuBar> mMenuBar;
     std::vector<std::unique_ptr<Win32ChildControl>> mChildren;
-    bool mMoving = false;  // the model moves the window, which needs no telling
+    HDC mTarget = nullptr;  // while the form paints itself
+    bool mMoving = false;   // the model moves the window, which needs no telling
 };
 
 }  // namespace vantor

@@ -1,5 +1,6 @@
 #include "platform/win32/Win32MessagePump.hpp"
 
+#include <algorithm>
 #include <utility>
 #include <vector>
 
@@ -13,6 +14,9 @@ constexpr UINT kWakeUp = WM_APP;
 // Beyond every timer's number: those are 32 bits wide.
 constexpr UINT_PTR kPollTimer = UINT_PTR{1} << 32;
 constexpr std::uint32_t kPollIntervalMs = 10;
+// A port that is open all day and silent must not keep the processor from resting.
+constexpr std::uint32_t kIdlePollIntervalMs = 200;
+constexpr int kAttentivePolls = 100;
 // A window that always wants to be drawn must keep neither the line nor the clock waiting.
 constexpr int kMostAtOnce = 500;
 
@@ -89,7 +93,8 @@ void Win32MessagePump::StopTimer(TimerId id) {
 }
 
 Win32MessagePump::SourceId Win32MessagePump::AddSource(std::function<void()> poll) {
-    if (mSources.empty()) SetSystemTimer(kPollTimer, kPollIntervalMs);
+    mIdlePolls = 0;
+    SetSystemTimer(kPollTimer, kPollIntervalMs);
     mSources.emplace(++mLastId, std::move(poll));
     return mLastId;
 }
@@ -97,6 +102,12 @@ Win32MessagePump::SourceId Win32MessagePump::AddSource(std::function<void()> pol
 void Win32MessagePump::RemoveSource(SourceId id) {
     if (mSources.erase(id) == 0 || !mSources.empty()) return;
     static_cast<void>(KillTimer(mWindow, kPollTimer));
+}
+
+void Win32MessagePump::Attend() {
+    const bool idle = mIdlePolls >= kAttentivePolls;
+    mIdlePolls = 0;
+    if (idle && !mSources.empty()) SetSystemTimer(kPollTimer, kPollIntervalMs);
 }
 
 void Win32MessagePump::WakeUp(SourceId id) const {
@@ -131,10 +142,13 @@ void Win32MessagePump::SetSystemTimer(UINT_PTR id, std::uint32_t intervalMs) con
 
 void Win32MessagePump::Tick(UINT_PTR id) {
     if (id == kPollTimer) {
+        mIdlePolls = std::min(mIdlePolls + 1, kAttentivePolls);
         PollSources();
         // Counted anew from here: a slow poll must not find itself due again at once, which
         // would keep the queue from ever being empty.
-        if (!mSources.empty()) SetSystemTimer(kPollTimer, kPollIntervalMs);
+        const bool idle = mIdlePolls >= kAttentivePolls;
+        if (!mSources.empty())
+            SetSystemTimer(kPollTimer, idle ? kIdlePollIntervalMs : kPollIntervalMs);
         return;
     }
     const auto found = mTimers.find(static_cast<TimerId>(id));

@@ -30,11 +30,15 @@ public:
     TimerId StartTimer(std::uint32_t intervalMs, std::function<void()> tick) override;
     void StopTimer(TimerId id) override;
 
-    /// Calls `poll` at every `PumpPending`, every 10 ms or so in all other loops of this thread,
-    /// and soon after each `WakeUp`, until removed. A source may add and remove sources and
+    /// Calls `poll` at every `PumpPending`, every 10 ms or so in all other loops of this thread
+    /// (every 200 ms once nothing has happened for a second), and soon after each `WakeUp`, until
+    /// removed. A source may add and remove sources and
     /// timers, itself included, and may pump.
     SourceId AddSource(std::function<void()> poll);
     void RemoveSource(SourceId id);
+
+    /// Something has come from a source, or is expected from it: polls are frequent for a while.
+    void Attend();
 
     /// Asks `filter` about each message of the two loops above; true means that it has dealt
     /// with it (the keys of a window's controls).
@@ -63,6 +67,7 @@ private:
     std::map<TimerId, std::function<void()>> mTimers;
     std::map<SourceId, std::function<void()>> mSources;
     std::uint32_t mLastId = 0;
+    int mIdlePolls = 0;  // of the poll timer, since somebody last attended
     bool mQuit = false;
 };
 

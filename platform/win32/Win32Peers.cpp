@@ -32,6 +32,7 @@ public:
     void ControlChanged(const Control& control, Property property) override {
         mWindow->FollowControl(control, property);
     }
+    void DrawLine(const ThinLine& line) override { mWindow->DrawLine(line); }
     NativeWindow Handle() const override {
         return reinterpret_cast<NativeWindow>(mWindow->Handle());
     }
@@ -99,6 +100,10 @@ std::unique_ptr<FormPeer> Win32Peers::Draw(Form& form) {
 Size Win32Peers::ScreenSize() const {
     return {mStage.ToTwips(GetSystemMetrics(SM_CXSCREEN)),
             mStage.ToTwips(GetSystemMetrics(SM_CYSCREEN))};
+}
+
+float Win32Peers::TwipsPerPixel() const {
+    return mStage.ToTwips(1);
 }
 
 void Win32Peers::SetMousePointer(MousePointer pointer) {

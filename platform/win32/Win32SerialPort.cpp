@@ -155,6 +155,7 @@ std::size_t Win32SerialPort::Read(std::span<char> into) {
 std::size_t Win32SerialPort::Write(std::string_view bytes) {
     if (mGone) RaiseGone();
     if (bytes.empty() || WriteIsPending()) return 0;
+    mPump.Attend();  // to the answer
     mOutgoing.assign(bytes.substr(0, kMostBytesAtOnce));
     mWrite = {};
     mWrite.hEvent = mWriteDone.Get();
@@ -227,6 +228,7 @@ void Win32SerialPort::PollInput() {
     COMSTAT queues{};
     const bool gone = mGone || !Look(queues);
     if (!gone && queues.cbInQue == 0) return;
+    mPump.Attend();
     const std::function<void()> notify = mNotify;
     if (gone) {
         mGone = true;

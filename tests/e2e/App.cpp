@@ -34,20 +34,32 @@ std::wstring& DesktopName() {
     return name;
 }
 
+bool HasNumber(const ControlDesign& row, bool menuItem) {
+    if ((row.kind == ControlKind::MenuItem) != menuItem) return false;
+    return row.kind != ControlKind::Timer && row.kind != ControlKind::SerialControl;
+}
+
 /// Controls are numbered in the order of the design, windows and menu items each for themselves.
-int Number(const char* name, int index, bool menuItem) {
+int Number(const FormDesign& design, const char* name, int index, bool menuItem) {
     int number = 0;
-    for (const ControlDesign& row : kMainWindowDesign.controls) {
-        if ((row.kind == ControlKind::MenuItem) != menuItem) continue;
-        if (row.kind == ControlKind::Timer || row.kind == ControlKind::SerialControl) continue;
+    for (const ControlDesign& row : design.controls) {
+        if (!HasNumber(row, menuItem)) continue;
         if (std::string(name) == row.name && index == row.index) return number;
         ++number;
     }
     throw std::runtime_error(std::string("no such control: ") + name);
 }
 
-UINT CommandOf(const char* item) {
-    return static_cast<UINT>(kFirstCommand + Number(item, -1, true));
+UINT CommandOf(const FormDesign& design, const char* item) {
+    return static_cast<UINT>(kFirstCommand + Number(design, item, -1, true));
+}
+
+/// Windows do not say which design they have been made from; the number of their controls does.
+bool IsMadeFrom(HWND form, const FormDesign& design) {
+    const auto count = static_cast<int>(std::ranges::count_if(
+        design.controls, [](const ControlDesign& row) { return HasNumber(row, false); }));
+    return GetDlgItem(form, kFirstChild + count - 1) != nullptr &&
+           GetDlgItem(form, kFirstChild + count) == nullptr;
 }
 
 std::wstring ClassOf(HWND window) {
@@ -267,7 +279,7 @@ std::vector<HWND> App::Windows(const wchar_t* windowClass) const {
 }
 
 HWND App::Child(const char* name, int index) const {
-    const int id = kFirstChild + Number(name, index, false);
+    const int id = kFirstChild + Number(kMainWindowDesign, name, index, false);
     // Panels hold controls of their own.
     HWND found = GetDlgItem(mMain, id);
     for (HWND panel = nullptr; found == nullptr;) {
@@ -293,7 +305,23 @@ void App::Press(const char* button) const {
 }
 
 void App::Choose(const char* item) const {
-    PostMessageW(mMain, WM_COMMAND, CommandOf(item), 0);
+    PostMessageW(mMain, WM_COMMAND, CommandOf(kMainWindowDesign, item), 0);
+}
+
+std::vector<Window> App::Forms(const FormDesign& design) const {
+    std::vector<Window> found;
+    for (const HWND form : Windows(L"VantorForm"))
+        if (form != mMain && IsMadeFrom(form, design)) found.emplace_back(form, design);
+    return found;
+}
+
+Window App::AwaitForm(const FormDesign& design, std::size_t count) const {
+    std::vector<Window> forms;
+    Await(std::string("the window ") + design.name, [&] {
+        forms = Forms(design);
+        return forms.size() == count;
+    });
+    return forms.front();
 }
 
 HWND App::OtherForm() const {
@@ -386,6 +414,35 @@ bool App::Answers() const {
     DWORD_PTR result = 0;
     return SendMessageTimeoutW(mMain, WM_NULL, 0, 0, SMTO_NORMAL, kAnswerMs, &result) != 0 ||
            IsWindow(mMain) == 0;
+}
+
+// --- other windows ------------------------------------------------------------------------------
+
+HWND Window::Child(const char* name) const {
+    return GetDlgItem(mHandle, kFirstChild + Number(*mDesign, name, -1, false));
+}
+
+void Window::Press(const char* button) const {
+    PostMessageW(Child(button), BM_CLICK, 0, 0);
+}
+
+void Window::Choose(const char* item) const {
+    PostMessageW(mHandle, WM_COMMAND, CommandOf(*mDesign, item), 0);
+}
+
+// The system copies texts between programs for its own messages only, and a status bar's are not
+// among them: the text is left in the memory of the program and fetched from there.
+std::string Window::Panel(const char* bar, int index) const {
+    constexpr std::size_t kRoom = 256 * sizeof(wchar_t);
+    DWORD id = 0;
+    GetWindowThreadProcessId(mHandle, &id);
+    const Win32Handle process(OpenProcess(PROCESS_VM_OPERATION | PROCESS_VM_READ, FALSE, id));
+    void* const there = VirtualAllocEx(process.Get(), nullptr, kRoom, MEM_COMMIT, PAGE_READWRITE);
+    std::array<wchar_t, 256> text{};
+    Send(Child(bar), SB_GETTEXTW, static_cast<WPARAM>(index), reinterpret_cast<LPARAM>(there));
+    ReadProcessMemory(process.Get(), there, text.data(), kRoom, nullptr);
+    VirtualFreeEx(process.Get(), there, 0, MEM_RELEASE);
+    return ToUtf8(text.data());
 }
 
 // --- the indicator ------------------------------------------------------------------------------

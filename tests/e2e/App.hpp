@@ -12,6 +12,10 @@
 #include "platform/win32/Win32Handle.hpp"
 #include "platform/win32/Windows.hpp"
 
+namespace vantor {
+struct FormDesign;
+}
+
 namespace vantor::e2e {
 
 /// Waits up to 100 s for `condition`; raises an error that names `what` when it does not come.
@@ -46,6 +50,28 @@ std::string TextOf(HWND window);
 /// Sends nothing: posts the press of a dialog's button.
 void PressIn(HWND dialog, int button);
 
+/// A window beside the main one.
+class Window {
+public:
+    Window(HWND handle, const FormDesign& design) : mHandle(handle), mDesign(&design) {}
+
+    HWND Handle() const { return mHandle; }
+    bool IsThere() const { return IsWindow(mHandle) != 0; }
+    HWND Child(const char* name) const;
+    std::string Text(const char* name) const { return TextOf(Child(name)); }
+    /// The text of one panel of a status bar, from 0.
+    std::string Panel(const char* bar, int index) const;
+
+    void Press(const char* button) const;
+    /// Posts the command of a menu item.
+    void Choose(const char* item) const;
+    void Close() const { static_cast<void>(PostMessageW(mHandle, WM_CLOSE, 0, 0)); }
+
+private:
+    HWND mHandle;
+    const FormDesign* mDesign;
+};
+
 class App {
 public:
     /// Starts the program and waits for its window.
@@ -75,6 +101,10 @@ public:
 
     /// The status or About window; null while there is none.
     HWND OtherForm() const;
+    /// The windows made from `design`, the uppermost first.
+    std::vector<Window> Forms(const FormDesign& design) const;
+    /// Waits until there are `count` of them; the uppermost.
+    Window AwaitForm(const FormDesign& design, std::size_t count = 1) const;
     /// A message box or file dialog; null while there is none.
     HWND Dialog() const;
     static bool IsFileDialog(HWND dialog);

@@ -7,12 +7,12 @@
 #include <string>
 #include <utility>
 
-#include "tests/e2e/Bench.hpp"
+#include "tests/e2e/MonitorBench.hpp"
 
 namespace vantor::e2e {
 namespace {
 
-class Screens : public Bench {
+class Screens : public MonitorBench {
 protected:
     /// What the user sees of `window` and `above` it.
     static void Show(const std::string& stage, HWND window, HWND above = nullptr) {
@@ -71,6 +71,24 @@ TEST_F(Screens, OfTheOtherBoxes) {
         ShowBox(stage);
         app->TakeBox();
     }
+}
+
+TEST_F(Screens, OfMonitorMode) {
+    indicator.Start("--terminal");
+    const Window monitor = OpenMonitor();
+    Show("monitor-empty", monitor.Handle());
+    OpenPort(monitor);
+    Show("monitor-connected", monitor.Handle());
+    std::string lines;
+    for (int i = 0; i < 100; ++i) lines += "help\r\ngross\r\n";
+    const Window progress = SendFile(monitor, lines);
+    AwaitSent(progress, 20);
+    Show("monitor-sending", monitor.Handle(), progress.Handle());
+    progress.Press("cmdCancel");
+    Await("the end", [&] { return !progress.IsThere(); });
+    Show("monitor-page", monitor.Handle());
+    Command(monitor, Setting("E2E_LANGUAGE") == "es" ? 'F' : 'S');
+    Show("monitor-settings", monitor.Handle(), app->AwaitForm(kPortSettingsWindowDesign).Handle());
 }
 
 class Monkey : public Bench {

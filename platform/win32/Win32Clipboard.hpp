@@ -1,0 +1,23 @@
+// The system's clipboard, as far as texts go.
+#pragma once
+
+#include "platform/Clipboard.hpp"
+#include "platform/win32/Windows.hpp"
+
+namespace vantor {
+
+class Win32Clipboard : public Clipboard {
+public:
+    Win32Clipboard();
+    ~Win32Clipboard() override;
+    Win32Clipboard(const Win32Clipboard&) = delete;
+    Win32Clipboard& operator=(const Win32Clipboard&) = delete;
+
+    std::string Text() const override;
+    void Text(const std::string& text) override;
+
+private:
+    HWND mOwner;  // the system takes texts only from a window
+};
+
+}  // namespace vantor

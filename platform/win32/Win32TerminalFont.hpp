@@ -1,0 +1,30 @@
+// The letters of a terminal: all of one width, in a face that has those of the code page.
+#pragma once
+
+#include "controls/Form.hpp"
+#include "platform/win32/Win32Stage.hpp"
+
+namespace vantor {
+
+class Win32TerminalFont {
+public:
+    /// The face that `style` names, or another when the system has it not or only parts of it.
+    Win32TerminalFont(Win32Stage& stage, const ControlStyle& style);
+    ~Win32TerminalFont();
+    Win32TerminalFont(const Win32TerminalFont&) = delete;
+    Win32TerminalFont& operator=(const Win32TerminalFont&) = delete;
+
+    HFONT Face(bool bold) const { return bold ? mBold : mPlain; }
+    /// Pixels of one character.
+    int Width() const { return mWidth; }
+    int Height() const { return mHeight; }
+
+private:
+    Win32Stage& mStage;
+    HFONT mPlain = nullptr;
+    HFONT mBold = nullptr;
+    int mWidth = 8;
+    int mHeight = 16;
+};
+
+}  // namespace vantor

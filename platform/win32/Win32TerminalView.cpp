@@ -1,0 +1,522 @@
+#include "platform/win32/Win32TerminalView.hpp"
+
+#include <windowsx.h>
+
+#include <algorithm>
+#include <array>
+#include <string>
+#include <string_view>
+#include <utility>
+
+namespace vantor {
+namespace {
+
+constexpr UINT_PTR kScrollTimer = 1;
+constexpr UINT kScrollIntervalMs = 50;
+constexpr int kCaretPixels = 2;
+
+constexpr std::array<COLORREF, kDefaultColour> kPalette = {
+    RGB(0, 0, 0),       RGB(170, 0, 0),    RGB(0, 130, 0),    RGB(150, 90, 0),
+    RGB(0, 0, 170),     RGB(150, 0, 150),  RGB(0, 130, 130),  RGB(192, 192, 192),
+    RGB(110, 110, 110), RGB(255, 60, 60),  RGB(40, 190, 40),  RGB(230, 190, 0),
+    RGB(70, 90, 255),   RGB(230, 70, 230), RGB(30, 190, 190), RGB(255, 255, 255)};
+
+COLORREF ColourOf(std::uint8_t colour, int otherwise) {
+    return colour < kDefaultColour ? kPalette[colour] : GetSysColor(otherwise);
+}
+
+struct RunColours {
+    COLORREF ink;
+    COLORREF ground;
+};
+
+RunColours ColoursOf(const Cell& cell, bool selected) {
+    RunColours colours = {ColourOf(cell.foreground, COLOR_WINDOWTEXT),
+                          ColourOf(cell.background, COLOR_WINDOW)};
+    if ((cell.flags & kReversed) != 0) std::swap(colours.ink, colours.ground);
+    if (selected) colours = {GetSysColor(COLOR_HIGHLIGHTTEXT), GetSysColor(COLOR_HIGHLIGHT)};
+    if ((cell.flags & kConcealed) != 0) colours.ink = colours.ground;
+    return colours;
+}
+
+bool LooksLike(const Cell& one, const Cell& other) {
+    return one.foreground == other.foreground && one.background == other.background &&
+           one.flags == other.flags;
+}
+
+/// What each byte is in the system's code page. One by one: where two bytes can make a character
+/// they are still two cells.
+const std::array<wchar_t, 256>& Characters() {
+    static const std::array<wchar_t, 256> characters = [] {
+        std::array<wchar_t, 256> table{};
+        for (std::size_t i = 0; i < table.size(); ++i) {
+            const char byte = static_cast<char>(i);
+            table[i] = L' ';
+            static_cast<void>(MultiByteToWideChar(CP_ACP, 0, &byte, 1, &table[i], 1));
+        }
+        return table;
+    }();
+    return characters;
+}
+
+wchar_t Wide(char character) {
+    return Characters()[static_cast<unsigned char>(character)];
+}
+
+bool IsDown(int key) {
+    return GetKeyState(key) < 0;
+}
+
+std::string_view SequenceOf(WPARAM key) {
+    switch (key) {
+        case VK_UP:
+            return "\x1b[A";
+        case VK_DOWN:
+            return "\x1b[B";
+        case VK_RIGHT:
+            return "\x1b[C";
+        case VK_LEFT:
+            return "\x1b[D";
+        default:
+            return {};
+    }
+}
+
+}  // namespace
+
+void Win32TerminalView::RegisterClasses(HINSTANCE instance) {
+    WNDCLASSW windowClass{};
+    windowClass.hInstance = instance;
+    windowClass.hCursor = LoadCursorW(nullptr, IDC_IBEAM);
+    windowClass.lpfnWndProc = OnMessage;
+    windowClass.lpszClassName = kTerminalClass;
+    static_cast<void>(RegisterClassW(&windowClass));
+}
+
+Win32TerminalView::Win32TerminalView(Win32Stage& stage, TerminalControl& control,
+                                     const ControlStyle& style, HWND window)
+    : mControl(control), mWindow(window), mFont(stage, style) {
+    static_cast<void>(SetWindowLongPtrW(mWindow, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this)));
+}
+
+LRESULT CALLBACK Win32TerminalView::OnMessage(HWND window, UINT message, WPARAM first,
+                                              LPARAM second) {
+    auto* const view =
+        reinterpret_cast<Win32TerminalView*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+    if (view == nullptr) return DefWindowProcW(window, message, first, second);
+    const std::shared_ptr<Win32TerminalView> keepAlive = view->shared_from_this();
+    if (message == WM_NCDESTROY) {
+        static_cast<void>(SetWindowLongPtrW(window, GWLP_USERDATA, 0));
+        view->mWindow = nullptr;
+        return DefWindowProcW(window, message, first, second);
+    }
+    const std::optional<LRESULT> answer = view->Handle(message, first, second);
+    return answer ? *answer : DefWindowProcW(window, message, first, second);
+}
+
+/// Nothing for what the system is to deal with.
+std::optional<LRESULT> Win32TerminalView::Handle(UINT message, WPARAM first, LPARAM second) {
+    switch (message) {
+        case WM_PAINT:
+            OnPaint();
+            return 0;
+        case WM_ERASEBKGND:
+            return 1;  // every pixel is painted anyhow, and once is enough
+        case WM_SIZE:
+            OnSize();
+            return 0;
+        case WM_VSCROLL:
+            OnScrollBar(LOWORD(first));
+            return 0;
+        case WM_MOUSEWHEEL:
+            OnWheel(GET_WHEEL_DELTA_WPARAM(first));
+            return 0;
+        case WM_TIMER:
+            OnScrollTimer();
+            return 0;
+        case WM_SETFOCUS:
+            static_cast<void>(CreateCaret(mWindow, nullptr, mFont.Width(), kCaretPixels));
+            PlaceCaret();
+            static_cast<void>(ShowCaret(mWindow));
+            return 0;
+        case WM_KILLFOCUS:
+            static_cast<void>(DestroyCaret());
+            return 0;
+        case WM_CONTEXTMENU:
+            if (OnContextMenu(second)) return 0;
+            return std::nullopt;
+        // Programs that read windows aloud find the text here.
+        case WM_GETTEXTLENGTH:
+            return static_cast<LRESULT>(ShownText().size());
+        case WM_GETTEXT:
+            return GiveText(first, reinterpret_cast<wchar_t*>(second));
+        default:
+            break;
+    }
+    if (HandleMouse(message, {GET_X_LPARAM(second), GET_Y_LPARAM(second)})) return 0;
+    return HandleKey(message, first);
+}
+
+std::optional<LRESULT> Win32TerminalView::HandleKey(UINT message, WPARAM first) {
+    switch (message) {
+        case WM_GETDLGCODE:  // Tab, Enter, Esc and the arrows belong to the line
+            return DLGC_WANTALLKEYS | DLGC_WANTCHARS | DLGC_WANTARROWS | DLGC_WANTTAB;
+        case WM_KEYDOWN:
+            if (OnKeyDown(first)) return 0;
+            return std::nullopt;
+        case WM_CHAR:
+            OnCharacter(static_cast<wchar_t>(first));
+            return 0;
+        default:
+            return std::nullopt;
+    }
+}
+
+bool Win32TerminalView::HandleMouse(UINT message, POINT at) {
+    switch (message) {
+        case WM_LBUTTONDOWN:
+            BeginSelecting(at);
+            return true;
+        case WM_MOUSEMOVE:
+            Extend(at);
+            return true;
+        case WM_LBUTTONUP:
+            EndSelecting();
+            return true;
+        case WM_CAPTURECHANGED:
+            mAnchor.reset();
+            ScrollWhileSelecting(false);
+            return true;
+        default:
+            return false;
+    }
+}
+
+// --- painting -----------------------------------------------------------------------------------
+
+void Win32TerminalView::Follow(Property property) {
+    if (mWindow == nullptr) return;
+    if (property == Property::Repaint || mControl.FirstShownLine() != mShownFirst)
+        static_cast<void>(InvalidateRect(mWindow, nullptr, FALSE));
+    else if (mControl.Screen().AnyDirty())
+        InvalidateDirty();
+    mShownFirst = mControl.FirstShownLine();
+    mControl.Screen().Clean();
+}
+
+// One rectangle over all that is dirty: however much arrives, the system is told once.
+void Win32TerminalView::InvalidateDirty() {
+    const TerminalScreen& screen = mControl.Screen();
+    const auto below = static_cast<int>(screen.TopLine() - mShownFirst);
+    int first = screen.Rows();
+    int last = -1;
+    for (int row = 0; row + below < screen.Rows(); ++row) {
+        if (!screen.Dirty(row)) continue;
+        first = std::min(first, row + below);
+        last = row + below;
+    }
+    if (last < 0) {
+        ShowScrollBar();  // no paint comes that would do it
+        return;
+    }
+    RECT area{};
+    static_cast<void>(GetClientRect(mWindow, &area));
+    area.top = first * mFont.Height();
+    area.bottom = (last + 1) * mFont.Height();
+    static_cast<void>(InvalidateRect(mWindow, &area, FALSE));
+}
+
+void Win32TerminalView::OnPaint() {
+    PAINTSTRUCT paint{};
+    const HDC target = BeginPaint(mWindow, &paint);
+    const int first = static_cast<int>(paint.rcPaint.top) / mFont.Height();
+    const int end = (static_cast<int>(paint.rcPaint.bottom) - 1) / mFont.Height() + 1;
+    const HGDIOBJ before = GetCurrentObject(target, OBJ_FONT);
+    for (int row = first; row < std::min(end, mControl.Screen().Rows()); ++row)
+        PaintRow(target, row);
+    static_cast<void>(SelectObject(target, before));
+    PaintMargins(target);
+    static_cast<void>(EndPaint(mWindow, &paint));
+    PlaceCaret();
+    ShowScrollBar();
+}
+
+void Win32TerminalView::PaintRow(HDC target, int row) const {
+    const auto columns = static_cast<std::size_t>(mControl.Screen().Columns());
+    const std::int64_t line = mControl.FirstShownLine() + row;
+    std::array<Cell, TerminalScreen::kMostColumns> cells{};
+    const std::span<const Cell> written = mControl.Screen().Line(line);
+    std::copy_n(written.begin(), std::min(written.size(), columns), cells.begin());
+    const auto selected = [&](std::size_t column) {
+        return mControl.Selection().Contains({line, static_cast<int>(column)});
+    };
+    for (std::size_t from = 0; from < columns;) {
+        std::size_t to = from + 1;
+        while (to < columns && LooksLike(cells[to], cells[from]) && selected(to) == selected(from))
+            ++to;
+        PaintRun(target, {static_cast<int>(from), row}, std::span(cells).subspan(from, to - from),
+                 selected(from));
+        from = to;
+    }
+}
+
+/// Cells of one look, from a place in columns and rows. What blinks stands still: an idle window
+/// is to cost nothing.
+void Win32TerminalView::PaintRun(HDC target, POINT from, std::span<const Cell> run,
+                                 bool selected) const {
+    std::array<wchar_t, TerminalScreen::kMostColumns> text{};
+    std::array<INT, TerminalScreen::kMostColumns> steps{};
+    std::ranges::transform(run, text.begin(),
+                           [](const Cell& cell) { return Wide(cell.character); });
+    std::fill_n(steps.begin(), run.size(), mFont.Width());
+    const Cell& look = run.front();
+    const RunColours colours = ColoursOf(look, selected);
+    const auto count = static_cast<int>(run.size());
+    const int left = static_cast<int>(from.x) * mFont.Width();
+    const int top = static_cast<int>(from.y) * mFont.Height();
+    RECT area = {left, top, left + count * mFont.Width(), top + mFont.Height()};
+    static_cast<void>(SelectObject(target, mFont.Face((look.flags & kBold) != 0)));
+    static_cast<void>(SetTextColor(target, colours.ink));
+    static_cast<void>(SetBkColor(target, colours.ground));
+    static_cast<void>(ExtTextOutW(target, left, top, ETO_OPAQUE | ETO_CLIPPED, &area, text.data(),
+                                  static_cast<UINT>(count), steps.data()));
+    if ((look.flags & kUnderlined) == 0) return;
+    area.top = area.bottom - 1;
+    static_cast<void>(SetBkColor(target, colours.ink));
+    static_cast<void>(ExtTextOutW(target, 0, 0, ETO_OPAQUE, &area, nullptr, 0, nullptr));
+}
+
+/// What is too narrow for another column, and too low for another row.
+void Win32TerminalView::PaintMargins(HDC target) const {
+    RECT client{};
+    static_cast<void>(GetClientRect(mWindow, &client));
+    RECT right = client;
+    right.left = mControl.Screen().Columns() * mFont.Width();
+    RECT below = client;
+    below.top = mControl.Screen().Rows() * mFont.Height();
+    static_cast<void>(FillRect(target, &right, GetSysColorBrush(COLOR_WINDOW)));
+    static_cast<void>(FillRect(target, &below, GetSysColorBrush(COLOR_WINDOW)));
+}
+
+void Win32TerminalView::PlaceCaret() const {
+    if (GetFocus() != mWindow) return;
+    const TerminalScreen& screen = mControl.Screen();
+    const ScreenCursor cursor = screen.Cursor();
+    const auto row = static_cast<int>(screen.TopLine() - mControl.FirstShownLine()) + cursor.row;
+    const bool shown = screen.modes.cursorVisible && row < screen.Rows();
+    const int left = shown ? cursor.column * mFont.Width() : -2 * mFont.Width();
+    static_cast<void>(SetCaretPos(left, (row + 1) * mFont.Height() - kCaretPixels));
+}
+
+// --- size and scrolling -------------------------------------------------------------------------
+
+void Win32TerminalView::OnSize() {
+    RECT client{};
+    if (GetClientRect(mWindow, &client) == 0 || client.right <= 0 || client.bottom <= 0) return;
+    mControl.ScreenSize(static_cast<int>(client.right) / mFont.Width(),
+                        static_cast<int>(client.bottom) / mFont.Height());
+    static_cast<void>(InvalidateRect(mWindow, nullptr, FALSE));
+}
+
+// Always there, lest the text change its width with the first line that leaves the screen.
+void Win32TerminalView::ShowScrollBar() {
+    const TerminalScreen& screen = mControl.Screen();
+    SCROLLINFO info{};
+    info.cbSize = sizeof info;
+    info.fMask = SIF_ALL | SIF_DISABLENOSCROLL;
+    info.nMax = static_cast<int>(screen.EndLine() - screen.FirstLine()) - 1;
+    info.nPage = static_cast<UINT>(screen.Rows());
+    info.nPos = static_cast<int>(mControl.FirstShownLine() - screen.FirstLine());
+    static_cast<void>(SetScrollInfo(mWindow, SB_VERT, &info, TRUE));
+}
+
+void Win32TerminalView::OnScrollBar(WORD request) {
+    const int page = std::max(mControl.Screen().Rows() - 1, 1);
+    SCROLLINFO info{};
+    switch (request) {
+        case SB_LINEUP:
+            return ScrollBy(-1);
+        case SB_LINEDOWN:
+            return ScrollBy(1);
+        case SB_PAGEUP:
+            return ScrollBy(-page);
+        case SB_PAGEDOWN:
+            return ScrollBy(page);
+        case SB_TOP:
+            return mControl.ScrollTo(mControl.Screen().FirstLine());
+        case SB_BOTTOM:
+            return mControl.ScrollTo(mControl.Screen().TopLine());
+        case SB_THUMBTRACK:
+            info.cbSize = sizeof info;
+            info.fMask = SIF_TRACKPOS;
+            if (GetScrollInfo(mWindow, SB_VERT, &info) != 0)
+                mControl.ScrollTo(mControl.Screen().FirstLine() + info.nTrackPos);
+            return;
+        default:
+            return;
+    }
+}
+
+void Win32TerminalView::OnWheel(int delta) {
+    UINT lines = 3;
+    static_cast<void>(SystemParametersInfoW(SPI_GETWHEELSCROLLLINES, 0, &lines, 0));
+    const int step = static_cast<int>(
+        std::min(lines, static_cast<UINT>(std::max(mControl.Screen().Rows() - 1, 1))));
+    mWheel += delta;
+    const int notches = mWheel / WHEEL_DELTA;
+    mWheel -= notches * WHEEL_DELTA;
+    ScrollBy(-notches * step);
+}
+
+void Win32TerminalView::ScrollBy(int lines) {
+    const TerminalScreen& screen = mControl.Screen();
+    mControl.ScrollTo(
+        std::clamp(mControl.FirstShownLine() + lines, screen.FirstLine(), screen.TopLine()));
+}
+
+// --- keys ---------------------------------------------------------------------------------------
+
+/// The keys that make no character. True when it was one of the terminal's.
+bool Win32TerminalView::OnKeyDown(WPARAM key) {
+    const bool shift = IsDown(VK_SHIFT);
+    const bool control = IsDown(VK_CONTROL);
+    const int page = std::max(mControl.Screen().Rows() - 1, 1);
+    if (key == VK_INSERT && control != shift) {
+        mControl.Invoke(control ? TerminalCommand::Copy : TerminalCommand::Paste);
+        return true;
+    }
+    if (shift && (key == VK_PRIOR || key == VK_NEXT)) {
+        ScrollBy(key == VK_PRIOR ? -page : page);
+        return true;
+    }
+    const std::string_view sequence = SequenceOf(key);
+    if (sequence.empty()) return false;
+    Unselect();
+    mControl.Key(sequence);
+    return true;
+}
+
+// Ctrl+C is a character of the line, and so is Ctrl+V; only where text is marked does the first
+// mean what it means elsewhere.
+void Win32TerminalView::OnCharacter(wchar_t character) {
+    constexpr wchar_t kCtrlC = 3;
+    if (character == kCtrlC && !mControl.Selection().Empty()) {
+        mControl.Invoke(TerminalCommand::Copy);
+        return;
+    }
+    Unselect();
+    mControl.Type(ToUtf8({&character, 1}));
+}
+
+// --- selecting ----------------------------------------------------------------------------------
+
+void Win32TerminalView::Unselect() {
+    if (!mControl.Selection().Empty()) mControl.Select({}, {});
+}
+
+TextPosition Win32TerminalView::PositionAt(POINT at) const {
+    const TerminalScreen& screen = mControl.Screen();
+    const int row = std::clamp(static_cast<int>(at.y) / mFont.Height(), 0, screen.Rows() - 1);
+    const int column = (static_cast<int>(at.x) + mFont.Width() / 2) / mFont.Width();
+    return {mControl.FirstShownLine() + row, std::clamp(column, 0, screen.Columns())};
+}
+
+void Win32TerminalView::BeginSelecting(POINT at) {
+    static_cast<void>(SetFocus(mWindow));
+    Unselect();
+    static_cast<void>(SetCapture(mWindow));
+    mAnchor = PositionAt(at);
+}
+
+void Win32TerminalView::Extend(POINT at) {
+    if (!mAnchor) return;
+    RECT client{};
+    static_cast<void>(GetClientRect(mWindow, &client));
+    ScrollWhileSelecting(at.y < 0 || at.y >= client.bottom);
+    mControl.Select(*mAnchor, PositionAt(at));
+}
+
+void Win32TerminalView::EndSelecting() {
+    if (mAnchor) static_cast<void>(ReleaseCapture());
+}
+
+void Win32TerminalView::ScrollWhileSelecting(bool on) {
+    if (std::exchange(mScrolling, on) == on) return;
+    if (on)
+        static_cast<void>(SetTimer(mWindow, kScrollTimer, kScrollIntervalMs, nullptr));
+    else
+        static_cast<void>(KillTimer(mWindow, kScrollTimer));
+}
+
+/// The further the mouse is outside, the faster.
+void Win32TerminalView::OnScrollTimer() {
+    POINT at{};
+    RECT client{};
+    if (!mAnchor || GetCursorPos(&at) == 0 || ScreenToClient(mWindow, &at) == 0 ||
+        GetClientRect(mWindow, &client) == 0)
+        return;
+    if (at.y < 0)
+        ScrollBy(static_cast<int>(at.y) / mFont.Height() - 1);
+    else if (at.y >= client.bottom)
+        ScrollBy(static_cast<int>(at.y - client.bottom) / mFont.Height() + 1);
+    Extend(at);
+}
+
+// --- the context menu ---------------------------------------------------------------------------
+
+/// False where the menu is the system's affair, as on the scroll bar.
+bool Win32TerminalView::OnContextMenu(LPARAM where) {
+    POINT at = {GET_X_LPARAM(where), GET_Y_LPARAM(where)};
+    RECT client{};
+    static_cast<void>(GetClientRect(mWindow, &client));
+    if (where == -1) {  // by the keyboard
+        at = {0, 0};
+        static_cast<void>(ClientToScreen(mWindow, &at));
+    } else {
+        POINT inside = at;
+        static_cast<void>(ScreenToClient(mWindow, &inside));
+        if (PtInRect(&client, inside) == 0) return false;
+    }
+    const int command = AskForCommand(at);
+    // The window may have gone while the menu was open.
+    if (command != 0 && mWindow != nullptr) mControl.Invoke(static_cast<TerminalCommand>(command));
+    return true;
+}
+
+/// The number of the command that the user chooses; 0 for none.
+int Win32TerminalView::AskForCommand(POINT at) const {
+    const HMENU menu = CreatePopupMenu();
+    if (menu == nullptr) return 0;
+    for (const OfferedCommand& offered : mControl.ContextMenu()) {
+        if (offered.startsGroup) static_cast<void>(AppendMenuW(menu, MF_SEPARATOR, 0, nullptr));
+        static_cast<void>(AppendMenuW(menu, offered.enabled ? MF_STRING : MF_STRING | MF_GRAYED,
+                                      static_cast<UINT_PTR>(offered.command),
+                                      ToWide(offered.caption).c_str()));
+    }
+    const int chosen = static_cast<int>(TrackPopupMenu(
+        menu, TPM_RETURNCMD | TPM_NONOTIFY | TPM_RIGHTBUTTON, at.x, at.y, 0, mWindow, nullptr));
+    static_cast<void>(DestroyMenu(menu));
+    return chosen;
+}
+
+// --- the text for others ------------------------------------------------------------------------
+
+std::wstring Win32TerminalView::ShownText() const {
+    std::wstring text;
+    for (int row = 0; row < mControl.Screen().Rows(); ++row) {
+        if (row > 0) text += L"\r\n";
+        for (const Cell& cell : mControl.Screen().Line(mControl.FirstShownLine() + row))
+            text += Wide(cell.character);
+        text.resize(text.find_last_not_of(L' ') + 1);
+    }
+    return text;
+}
+
+LRESULT Win32TerminalView::GiveText(std::size_t room, wchar_t* into) const {
+    if (room == 0 || into == nullptr) return 0;
+    const std::wstring text = ShownText().substr(0, room - 1);
+    *std::copy(text.begin(), text.end(), into) = L'\0';
+    return static_cast<LRESULT>(text.size());
+}
+
+}  // namespace vantor

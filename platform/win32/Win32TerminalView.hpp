@@ -1,0 +1,80 @@
+// The window of a terminal control: paints its screen, and passes on what the user does with keys
+// and mouse. It holds no text of its own.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <span>
+#include <string>
+
+#include "controls/Form.hpp"
+#include "controls/TerminalControl.hpp"
+#include "platform/win32/Win32Stage.hpp"
+#include "platform/win32/Win32TerminalFont.hpp"
+
+namespace vantor {
+
+/// The window class of terminals.
+inline constexpr wchar_t kTerminalClass[] = L"VantorTerminal";
+
+/// Handlers of the control may unload its form; the view then outlives its own message, without a
+/// window and without looking at the control any more.
+class Win32TerminalView : public std::enable_shared_from_this<Win32TerminalView> {
+public:
+    static void RegisterClasses(HINSTANCE instance);
+
+    /// For `window`, of the class above, which `control` is shown in.
+    Win32TerminalView(Win32Stage& stage, TerminalControl& control, const ControlStyle& style,
+                      HWND window);
+    Win32TerminalView(const Win32TerminalView&) = delete;
+    Win32TerminalView& operator=(const Win32TerminalView&) = delete;
+
+    /// Value: what is dirty is painted with the next paint. Repaint: all of it is.
+    void Follow(Property property);
+
+private:
+    static LRESULT CALLBACK OnMessage(HWND window, UINT message, WPARAM first, LPARAM second);
+    std::optional<LRESULT> Handle(UINT message, WPARAM first, LPARAM second);
+    std::optional<LRESULT> HandleKey(UINT message, WPARAM first);
+    bool HandleMouse(UINT message, POINT at);
+
+    void InvalidateDirty();
+    void OnPaint();
+    void PaintRow(HDC target, int row) const;
+    void PaintRun(HDC target, POINT from, std::span<const Cell> run, bool selected) const;
+    void PaintMargins(HDC target) const;
+    void PlaceCaret() const;
+
+    void OnSize();
+    void ShowScrollBar();
+    void OnScrollBar(WORD request);
+    void OnWheel(int delta);
+    void ScrollBy(int lines);
+
+    bool OnKeyDown(WPARAM key);
+    void OnCharacter(wchar_t character);
+
+    void Unselect();
+    TextPosition PositionAt(POINT at) const;
+    void BeginSelecting(POINT at);
+    void Extend(POINT at);
+    void EndSelecting();
+    void ScrollWhileSelecting(bool on);
+    void OnScrollTimer();
+
+    bool OnContextMenu(LPARAM where);
+    int AskForCommand(POINT at) const;
+    std::wstring ShownText() const;
+    LRESULT GiveText(std::size_t room, wchar_t* into) const;
+
+    TerminalControl& mControl;
+    HWND mWindow;  // null once it has gone
+    Win32TerminalFont mFont;
+    std::int64_t mShownFirst = 0;  // the first line of the view as it was last told to be painted
+    std::optional<TextPosition> mAnchor;  // while the mouse selects
+    bool mScrolling = false;              // the mouse is above or below the text meanwhile
+    int mWheel = 0;                       // what wheels have turned, less than a notch
+};
+
+}  // namespace vantor

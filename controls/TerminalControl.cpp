@@ -64,7 +64,7 @@ TerminalControl::~TerminalControl() {
     if (mSendTimer != 0) mPlatform.pump.StopTimer(mSendTimer);
 }
 
-// --- the port -----------------------------------------------------------------------------------
+// --- the port --------------------------------------------------------------------------------
 
 void TerminalControl::Open() {
     mPort.Open([this] { TakeInput(); });
@@ -143,7 +143,7 @@ void TerminalControl::Type(const std::string& text) {
     Key(mPlatform.codePage.ToAnsi(text));
 }
 
-// --- commands -----------------------------------------------------------------------------------
+// --- commands --------------------------------------------------------------------------------
 
 void TerminalControl::PerformCommand(TerminalCommand command) {
     switch (command) {
@@ -230,7 +230,7 @@ std::vector<OfferedCommand> TerminalControl::ContextMenu() const {
     return menu;
 }
 
-// --- selection and view -------------------------------------------------------------------------
+// --- selection and view ----------------------------------------------------------------------
 
 void TerminalControl::SelectAll() {
     mSelection.SetAll();

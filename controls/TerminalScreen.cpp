@@ -31,7 +31,7 @@ TerminalScreen::TerminalScreen(int columns, int rows, std::size_t historyLines)
     for (int column = 0; column < kMostColumns; column += kTabWidth) mTabStops.set(Index(column));
 }
 
-// --- lines --------------------------------------------------------------------------------------
+// --- lines -----------------------------------------------------------------------------------
 
 TerminalScreen::StoredLine& TerminalScreen::At(std::size_t index) {
     std::size_t at = mStart + index;
@@ -103,7 +103,7 @@ void TerminalScreen::Resize(int columns, int rows) {
     mAllDirty = true;
 }
 
-// --- what is to be drawn ------------------------------------------------------------------------
+// --- what is to be drawn ---------------------------------------------------------------------
 
 bool TerminalScreen::Dirty(int row) const {
     if (row < 0 || row >= mRows) return false;
@@ -119,7 +119,7 @@ void TerminalScreen::MarkDirty(int first, int last) {
     for (int row = first; row <= last; ++row) MarkDirty(row);
 }
 
-// --- characters ---------------------------------------------------------------------------------
+// --- characters ------------------------------------------------------------------------------
 
 void TerminalScreen::Print(std::string_view characters) {
     while (!characters.empty()) {
@@ -202,7 +202,7 @@ void TerminalScreen::NewPage() {
     mAllDirty = true;
 }
 
-// --- the cursor ---------------------------------------------------------------------------------
+// --- the cursor ------------------------------------------------------------------------------
 
 void TerminalScreen::PlaceCursor(int row, int column) {
     MarkDirty(std::clamp(mCursor.row, 0, mRows - 1));
@@ -236,7 +236,7 @@ void TerminalScreen::SetTabStop() {
     mTabStops.set(Index(mCursor.column));
 }
 
-// --- erasing and moving -------------------------------------------------------------------------
+// --- erasing and moving ----------------------------------------------------------------------
 
 /// Blanks the columns `from` up to but not including `to` of a row. Blank ends are not stored.
 void TerminalScreen::Blank(int row, int from, int to) {

@@ -1,8 +1,6 @@
 #include "monitor/frmMonitor.hpp"
 
-#include <memory>
 #include <string_view>
-#include <vector>
 
 #include "app/base/LoadResources.hpp"
 #include "monitor/frmPortSettings.hpp"
@@ -58,7 +56,7 @@ std::string frmMonitor::Text(std::int32_t id) const {
     return mPlatform.strings.LoadResString(id);
 }
 
-// --- life ---------------------------------------------------------------------------------------
+// --- life ------------------------------------------------------------------------------------
 
 void frmMonitor::Form_Load() {
     Trapped("frmMonitor.Form_Load", [this] {
@@ -115,11 +113,18 @@ void frmMonitor::Form_Unload() {
     Trapped("frmMonitor.Form_Unload", [this] {
         mobjFormPos.SaveForm();
         comMonitor.CaptureFile("");
+        UnloadProgress();
         if (mOwner.CloseIsWaiting()) mOwner.ResumeClose();
     });
 }
 
-// --- status bar ---------------------------------------------------------------------------------
+/// Before this window: the system takes the windows that it owns along with it.
+void frmMonitor::UnloadProgress() {
+    const std::vector<std::shared_ptr<frmSend>> shown = mProgress;
+    for (const std::shared_ptr<frmSend>& progress : shown) progress->Unload();
+}
+
+// --- status bar ------------------------------------------------------------------------------
 
 void frmMonitor::UpdateStatus() {
     Trapped("frmMonitor.UpdateStatus", [this] {
@@ -139,7 +144,7 @@ void frmMonitor::UpdateSettings() {
             [this] { sbStatusBar.PanelText("settings", comMonitor.Settings()); });
 }
 
-// --- menus and the terminal's own commands ------------------------------------------------------
+// --- menus and the terminal's own commands ---------------------------------------------------
 
 void frmMonitor::comMonitor_Command(TerminalCommand command, bool& handled) {
     Trapped("frmMonitor.comMonitor_Command", [&] {
@@ -208,7 +213,7 @@ void frmMonitor::mnuFileExit_Click() {
     });
 }
 
-// --- capture ------------------------------------------------------------------------------------
+// --- capture ---------------------------------------------------------------------------------
 
 /// The file that the user confirms; empty on cancel, and when the window was closed meanwhile.
 std::string frmMonitor::AskForFile(std::int32_t title, bool openDialog) {
@@ -232,7 +237,7 @@ void frmMonitor::mnuCaptureEnd_Click() {
     Trapped("frmMonitor.mnuCaptureEnd_Click", [this] { comMonitor.CaptureFile(""); });
 }
 
-// --- sending a file -----------------------------------------------------------------------------
+// --- sending a file --------------------------------------------------------------------------
 
 void frmMonitor::mnuCaptureSend_Click() {
     Trapped("frmMonitor.mnuCaptureSend_Click", [this] {
@@ -244,6 +249,7 @@ void frmMonitor::mnuCaptureSend_Click() {
 bool frmMonitor::SendFile(const std::string& fileName) {
     bool sent = false;
     const auto progress = std::make_shared<frmSend>(GetDesktop(), mPlatform.strings);
+    mProgress.push_back(progress);
     Trapped(
         "frmMonitor.SendFile",
         [&] {
@@ -255,7 +261,10 @@ bool frmMonitor::SendFile(const std::string& fileName) {
             if (Gone()) return;
             sent = SendLines(GetFile(fileName), *progress);
         },
-        [&] { progress->Unload(); });
+        [&] {
+            progress->Unload();
+            std::erase(mProgress, progress);
+        });
     return sent;
 }
 

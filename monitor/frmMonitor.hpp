@@ -1,7 +1,10 @@
 // Monitor mode: a terminal on the indicator's port, for talking to it by hand.
 #pragma once
 
+#include <cstdint>
+#include <memory>
 #include <string>
+#include <vector>
 
 #include "app/base/CFormPos.hpp"
 #include "controls/Controls.hpp"
@@ -65,6 +68,7 @@ protected:
 
 private:
     void RestorePosition();
+    void UnloadProgress();
     void ConfigureTerminal();
     void comMonitor_Command(TerminalCommand command, bool& handled);
     void mnuFileExit_Click();
@@ -84,7 +88,8 @@ private:
     MonitorOwner& mOwner;
     CFormPos mobjFormPos;
     const CAppSettings* mobjSettings = nullptr;
-    bool mblnPortOpen = false;  // as the status bar shows it
+    std::vector<std::shared_ptr<frmSend>> mProgress;  // of the transmissions that run
+    bool mblnPortOpen = false;                        // as the status bar shows it
 };
 
 }  // namespace vantor

@@ -113,7 +113,7 @@ public:
     /// Stands for the user of a modal window, which returns after it.
     std::function<void(Form&)> whileModal;
     std::vector<ThinLine> lines;  ///< drawn on forms
-    std::string held;  ///< why the system is held; empty when it is not
+    std::string held;             ///< why the system is held; empty when it is not
     MousePointer pointer = MousePointer::Default;
     std::vector<std::string> open;  ///< names of the forms that have a peer now
     /// Told of every change of a control's property.

@@ -21,6 +21,8 @@ public:
     Win32MessagePump& operator=(const Win32MessagePump&) = delete;
 
     void PumpPending() override;
+    /// Only lets others run: the system tells of input too late to wait for it between two lines.
+    void AwaitInput() override { static_cast<void>(SwitchToThread()); }
     void Run() override;
     void Quit() override;
 

@@ -30,7 +30,9 @@ TEST_P(FilesContract, AFileBeingWrittenReplacesTheOldOneAndCanBeReadMeanwhile) {
     file->Write(std::string("a\0\r\n\x1A", 5));
     file->Write("");
     file->Write("b");
-    EXPECT_EQ(files.ReadAll(At("/capture.txt")), std::string("a\0\r\n\x1A" "b", 6));
+    EXPECT_EQ(files.ReadAll(At("/capture.txt")), std::string("a\0\r\n\x1A"
+                                                             "b",
+                                                             6));
     EXPECT_EQ(ErrorOf([&] { files.Create(At("\\no folder\\new.txt")); }), 76);
     EXPECT_NE(ErrorOf([&] { files.Create(subject->Folder()); }), 0);
 }

@@ -293,6 +293,7 @@ TEST_F(MonitorTest, AWindowClosedDuringASendEndsIt) {
         std::uint32_t closedAt = 0;
         After(60, [&, closed] {
             closed->Unload();
+            EXPECT_EQ(Progress(), nullptr) << "it would be taken along by the system";
             closedAt = mPlatform.clock.Milliseconds();
         });
         EXPECT_FALSE(Send("1\r\n2\r\n3\r\n4\r\n"));

@@ -18,7 +18,8 @@ struct RealWindows : ReportingPlatform {
     Win32MessagePump queue;
     Win32Peers windows{queue};
     Win32Pictures images{files};
-    Platform real{.clock = clock,
+    Platform real{.clipboard = clipboard,
+                  .clock = clock,
                   .codePage = codePage,
                   .dialogs = dialogs,
                   .files = files,

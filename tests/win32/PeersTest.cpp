@@ -11,6 +11,8 @@
 #include "app/frmMain.hpp"
 #include "dialogs/frmAbout.hpp"
 #include "dialogs/frmStatus.hpp"
+#include "monitor/frmMonitor.hpp"
+#include "monitor/frmSend.hpp"
 #include "simulator/VirtualIndicator.hpp"
 #include "tests/Images.hpp"
 #include "tests/win32/RealWindows.hpp"
@@ -79,6 +81,14 @@ std::shared_ptr<Form> Make(Desktop& desktop, Platform& platform) {
         return std::make_shared<Window>(desktop, platform.strings);
 }
 
+std::shared_ptr<Form> MakeMonitor(Desktop& desktop, Platform& platform) {
+    struct : MonitorOwner {
+        bool CloseIsWaiting() const override { return false; }
+        void ResumeClose() override {}
+    } static nobody;
+    return std::make_shared<frmMonitor>(desktop, platform, nobody);
+}
+
 class PeersOfAWindow : public RealPeers, public testing::WithParamInterface<WindowKind> {
 protected:
     /// Opens the window, lets it be painted, closes it as its user would.
@@ -86,8 +96,8 @@ protected:
         const auto form = GetParam().make(platform.desktop, platform.real);
         form->Show();
         // The system delivers timers when there is nothing left to paint.
-        const TimerId timer = platform.queue.StartTimer(
-            10, [&] { SendMessageW(WindowOf(*form), WM_CLOSE, 0, 0); });
+        const TimerId timer =
+            platform.queue.StartTimer(10, [&] { SendMessageW(WindowOf(*form), WM_CLOSE, 0, 0); });
         platform.queue.Run();
         platform.queue.StopTimer(timer);
         EXPECT_TRUE(form->Gone());
@@ -105,7 +115,9 @@ TEST_P(PeersOfAWindow, GiveBackWhatAHundredOpeningsTook) {
 INSTANTIATE_TEST_SUITE_P(Real, PeersOfAWindow,
                          testing::Values(WindowKind{"frmMain", Make<frmMain>},
                                          WindowKind{"frmStatus", Make<frmStatus>},
-                                         WindowKind{"frmAbout", Make<frmAbout>}),
+                                         WindowKind{"frmAbout", Make<frmAbout>},
+                                         WindowKind{"frmMonitor", MakeMonitor},
+                                         WindowKind{"frmSend", Make<frmSend>}),
                          [](const auto& row) { return std::string(row.param.name); });
 
 class PeersInAFlash : public RealPeers {

@@ -60,10 +60,10 @@ MainLayout LayoutMainWindow(Size inner) {
     MainLayout layout;
     // A quarter for the picture, within what a banner needs and deserves.
     const float pictureHeight = std::clamp(height / 4, 1200.0f, 2400.0f);
-    layout.picture = {kMargin, kMargin, width, pictureHeight};
-    layout.panel = {kMargin, kMargin + pictureHeight + kGap, width, height - pictureHeight - kGap};
     // Two pixels less, so that rounding never cuts an edge off.
     constexpr float kEdge = 30;
+    layout.picture = {kMargin, kMargin, width - kEdge, pictureHeight};
+    layout.panel = {kMargin, kMargin + pictureHeight + kGap, width, height - pictureHeight - kGap};
     const Size panel = {layout.panel.width - kEdge, layout.panel.height - kEdge};
     LayoutStartup(layout, panel);
     LayoutFlash(layout, panel);

@@ -44,12 +44,14 @@ Win32MessagePump::~Win32MessagePump() {
 
 void Win32MessagePump::PumpPending() {
     MSG message{};
-    for (int i = 0; i < kMostAtOnce && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != 0; ++i) {
+    int taken = 0;
+    for (; taken < kMostAtOnce && PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != 0; ++taken) {
         if (message.message == WM_QUIT) mQuit = true;
         Dispatch(message);
     }
     // The system gives timers last of all; asked for by name they come even so.
-    if (PeekMessageW(&message, mWindow, WM_TIMER, WM_TIMER, PM_REMOVE) != 0) Dispatch(message);
+    if (taken == kMostAtOnce && PeekMessageW(&message, mWindow, WM_TIMER, WM_TIMER, PM_REMOVE) != 0)
+        Dispatch(message);
     if (!mSources.empty()) PollSources();
 }
 

@@ -264,13 +264,5 @@ TEST_F(OverATerminal, PracticeNeedsNoHardwareAndRehearsesFailures) {
     EXPECT_EQ(failing.err, kVerify);
 }
 
-TEST_F(OverATerminal, ATerminalThatSpeaksSpanishGetsSpanish) {
-    setenv("LC_ALL", "es_ES.UTF-8", 1);
-    StartIndicator({"--fault", "no-trav"});
-    const Ended flash = Flash();
-    EXPECT_EQ(flash.status, 4);
-    EXPECT_THAT(flash.out, HasSubstr("¿Desea continuar?"));
-}
-
 }  // namespace
 }  // namespace vantor

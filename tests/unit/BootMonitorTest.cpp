@@ -128,23 +128,6 @@ struct Dialogue {
     const char* heard;
 };
 
-TEST(BootMonitor, EachLineIsAnsweredByItsPlaceInTheDialogueAndTheFaultOfTheDay) {
-    for (const auto& [fault, script, heard] : {
-             Dialogue{"", "@38400 SYSLOAD BAUD_115200 TRAV_", "?? ?? ??"},
-             Dialogue{"", "@38400 TRAV LOAD SYSLOAD", "OK ?? OK"},
-             Dialogue{"", "@38400 TRAV BAUD_12345 BAUD_38400x", "OK ?? ??"},
-             Dialogue{"no-trav", "@38400 TRAV BAUD_38400 SYSLOAD", "?? ?? ??"},
-             Dialogue{"no-trav=silent", "@38400 TRAV BAUD_38400 SYSLOAD", "- ?? ??"},
-             Dialogue{"no-baud", "@38400 TRAV BAUD_38400 SYSLOAD", "OK ?? OK"},
-             Dialogue{"no-baud=silent", "@38400 TRAV BAUD_38400 SYSLOAD", "OK - OK"},
-             Dialogue{"no-sysload", "@38400 TRAV BAUD_38400 SYSLOAD", "OK OK ??"},
-             Dialogue{"no-sysload=silent", "@38400 TRAV BAUD_38400 SYSLOAD", "OK OK -"},
-             Dialogue{"", "@38400 TRAV BAUD_115200 @ @115200 ~1000 SYSLOAD", "OK OK - OK"},
-         }) {
-        EXPECT_EQ(Host(fault).Talk(script), heard) << fault << " " << script;
-    }
-}
-
 TEST(BootMonitor, AnImageLineIsTakenOnceAndRefusedWhenItIsDamaged) {
     for (const auto& [fault, script, heard] : {
              Dialogue{"", "S2080010000102030400 S20700100001020304DE S2080010000102030",
@@ -179,20 +162,6 @@ TEST(BootMonitor, AnImageLineIsTakenOnceAndRefusedWhenItIsDamaged) {
         EXPECT_LE(host.indicator.Verdicts(), 1U);
         EXPECT_FALSE(host.indicator.Booted());
     }
-}
-
-TEST(BootMonitor, ASplitAnswerComesInPiecesAndTheNextSessionIsFreeOfTheFault) {
-    Host host("split@0");
-    host.BeginLoad();
-    host.heardAt.clear();
-    const Micros start = host.now;
-    EXPECT_EQ(host.Talk("#0"), "OK");
-    EXPECT_EQ(host.heardAt,
-              (std::vector<Micros>{start + 30 * kMilli, start + 60 * kMilli, start + 90 * kMilli}));
-    host.Close();
-    host.heardAt.clear();
-    host.Load();
-    EXPECT_TRUE(host.heardAt.empty()) << "not all answers came at once";
 }
 
 TEST(BootMonitor, ACloseEndsTheSessionUnlessTheHostIsChangingItsSpeed) {
@@ -303,29 +272,6 @@ TEST(Pacing, TheAnswerComesWhenLineAndThinkingAndItsOwnBytesHavePassed) {
     for (int i = 1; i <= 4; ++i)
         expected.push_back(start + (heard + Characters(i, 115200) + 700'999) / 1000);
     EXPECT_EQ(host.heardAt, expected);
-}
-
-TEST(Pacing, BootStillOnTheWireWhenTheHostClosesArrives) {
-    Host host("", 1);
-    host.Load();
-    ASSERT_EQ(host.Talk("~9000"), "DONE");
-    host.Send("BOOT\r");
-    host.Close();
-    EXPECT_FALSE(host.indicator.Booted()) << "arrived before its time";
-    host.Hear(kSecond);
-    EXPECT_TRUE(host.indicator.Booted());
-}
-
-TEST(FlashMemoryRecords, RoundTripKeepsGapsAndWideAddresses) {
-    FlashMemory memory;
-    const std::vector<std::uint8_t> data(40, 0xA5);
-    memory.Write(0, std::span(data).first(3));
-    memory.Write(0xFFF8, data);
-    EXPECT_EQ(FlashMemory::FromRecords(memory.ToRecords()), memory);
-    memory.Write(0x0100'0000, data);
-    EXPECT_EQ(FlashMemory::FromRecords(memory.ToRecords()), memory);
-    EXPECT_THROW(FlashMemory::FromRecords("S9030000FC\r\n\r\nS1030000FF\r\n"),
-                 std::invalid_argument);
 }
 
 }  // namespace

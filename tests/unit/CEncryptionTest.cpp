@@ -53,15 +53,6 @@ TEST_F(CEncryptionTest, AByteThatScramblesToZeroMustNotEndTheText) {
     EXPECT_EQ(Told(mPlatform), Texts{});
 }
 
-TEST_F(CEncryptionTest, WideTextIsScrambledByteByByteLowByteFirst) {
-    // Bytes 1d 00 b0 00 74 00 ba 00 02 00 30 00.
-    EXPECT_EQ(mEncryption.EncryptString(u"Vantor"),
-              u"\x1d\xb0t\xba\x02"
-              u"0");
-    const std::u16string text = u"Grüße, \U0001F600 €\0end"s;
-    EXPECT_EQ(mEncryption.EncryptString(mEncryption.EncryptString(text)), text);
-}
-
 // Position 129 is the first at which a key byte of 255 takes the product beyond 16 bits.
 TEST_F(CEncryptionTest, AnOverflowIsToldOnceAndGivesNoHalfScrambledText) {
     const std::string text(1000, 'a');
@@ -92,19 +83,6 @@ TEST_F(CEncryptionTest, AFileIsReplacedByItsScrambledBytes) {
     mEncryption.EncryptFile();
     EXPECT_EQ(mPlatform.files.ReadAll("/d/out"), plain) << "scrambled onto itself";
     EXPECT_EQ(Told(mPlatform), Texts{});
-}
-
-TEST_F(CEncryptionTest, AFileErrorIsToldUnderTheProcedureThatMetIt) {
-    mPlatform.files.Add("/d/out", "kept");
-    mEncryption.InputFileName = "/d/missing";
-    mEncryption.OutputFileName = "/d/out";
-    mEncryption.EncryptFile();
-    EXPECT_EQ(mPlatform.files.ReadAll("/d/out"), "kept");
-    mPlatform.files.Add("/d/missing", "text");
-    mEncryption.OutputFileName = "/nowhere/out";
-    mEncryption.EncryptFile();
-    EXPECT_EQ(Told(mPlatform), (Texts{"none|ReadFile|Error: 53. File not found",
-                                      "none|EncryptFile|Error: 76. Path not found"}));
 }
 
 }  // namespace

@@ -164,32 +164,6 @@ TEST_F(CErrHandlerTest, ARecordSetTakesTheFieldsOfTheReport) {
     EXPECT_FALSE(mPlatform.files.Exists(kFile));
 }
 
-TEST_F(CErrHandlerTest, ARecordSetThatIsNoneOrClosedIsRefusedOrToldBeforeTheErrorItself) {
-    struct Picture : DestinationObject {
-        std::string TypeName() const override { return "Picture"; }
-    };
-    EXPECT_EQ(Raised([this] { mErrors.Destination(std::make_shared<Picture>()); }).Description(),
-              "Invalid object type: Picture");
-    Overflow("a.b");
-    EXPECT_TRUE(mPlatform.files.Exists(kFile)) << "the destination before it is kept";
-    mPlatform.boxes.shown.clear();
-    mErrors.Destination(std::shared_ptr<DestinationObject>());
-    mErrors.ErrorsTable = "Log";
-    Overflow("a.b");
-    const auto records = std::make_shared<Records>();
-    records->openError = "No provider";
-    mErrors.Destination(records);
-    Overflow("a.b");
-    const Texts told = Told(mPlatform);
-    ASSERT_EQ(told.size(), 4u);
-    EXPECT_TRUE(
-        told[0].ends_with("|Error handler cannot write to the [Log] errors table because "
-                          "the Destination recordset variable has not been initialized."));
-    EXPECT_TRUE(told[2].ends_with("|Error opening recordset: No provider"));
-    EXPECT_EQ(told[3], kOverflowBox);
-    EXPECT_EQ(records->log, "");
-}
-
 TEST_F(CErrHandlerTest, TheTraceStartsAnewAndStopsWithTheSwitch) {
     const std::string trace = "/opt/vantor/trace.log";
     mPlatform.files.Add(trace, "old");

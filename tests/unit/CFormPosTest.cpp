@@ -77,13 +77,6 @@ TEST_F(CFormPosTest, WhatIsSavedIsRestored) {
     EXPECT_EQ(window->Place(), (Place{-15, 30.5f, 8400, 6600}));
 }
 
-TEST_F(CFormPosTest, AMistakeIsShownInTheOperationsOwnBox) {
-    position.Form = nullptr;
-    EXPECT_FALSE(position.RestoreForm(true));
-    EXPECT_EQ(Told(headless), Texts{"none|RestoreForm|Error: 91. Object variable or With block "
-                                    "variable not set"});
-}
-
 bool Within(const Place& inner, const Place& outer) {
     return inner.left >= 0 && inner.top >= 0 && inner.width > 0 && inner.height > 0 &&
            inner.left + inner.width <= outer.width && inner.top + inner.height <= outer.height;
@@ -105,20 +98,6 @@ TEST(MainLayout, NothingIsCutOffOrHiddenBehindAnotherAtAnySize) {
         EXPECT_LE(at.warning.top + at.warning.height, at.abort.top);
         EXPECT_LE(at.updates.top + at.updates.height, at.updateStatus.top);
         EXPECT_GE(at.warning.height, 1000) << "the warning needs three lines";
-    }
-}
-
-TEST(About, TheVersionHasAMinorOfTwoDigitsInBothLanguages) {
-    for (const auto& [language, text] : {std::pair{Language::English, "Version 2.05.31"},
-                                         std::pair{Language::Spanish, "versión 2.05.31"}}) {
-        HeadlessPlatform headless(language);
-        Desktop desktop(headless.peers, headless.pump);
-        const auto about = std::make_shared<frmAbout>(desktop, headless.strings);
-        about->Load();
-        EXPECT_EQ(about->lblVersion.Caption(), text);
-        EXPECT_EQ(about->lblRelease.Caption(), "");
-        about->cmdFocus.Press();
-        EXPECT_TRUE(about->Gone());
     }
 }
 

@@ -145,14 +145,5 @@ TEST_F(CProgramSettingsTest, WhatIsMissingOrRefusedIsSilentReadsAsTheDefaultAndM
     EXPECT_EQ(Told(mPlatform), Texts{});
 }
 
-TEST_F(CProgramSettingsTest, ARunTimeErrorIsToldUnderItsProcedureAndDoesNotEscape) {
-    Put("Port", kRegistryString, "COM7\0"s);
-    mRegistry.exhausted = true;
-    EXPECT_EQ(mStore.ReadEntry("Port", "COM1"), "COM1");
-    mStore.WriteEntry("Port", "COM8");
-    EXPECT_EQ(Told(mPlatform), (Texts{"none|GetKeyValue|Error: 7. Out of memory",
-                                      "none|SetKeyValue|Error: 7. Out of memory"}));
-}
-
 }  // namespace
 }  // namespace vantor

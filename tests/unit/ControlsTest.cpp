@@ -108,27 +108,6 @@ TEST_F(ControlsTest, ATimerTicksAtItsIntervalOnlyWhileEnabled) {
     EXPECT_EQ(ticksAfter(20), 3) << "a tick for a window that is no more";
 }
 
-TEST_F(ControlsTest, TheStatusWindowShowsOkOnlyWhenTall) {
-    const auto status = std::make_shared<frmStatus>(mDesktop, mPlatform.strings);
-    status->Load();
-    const auto low = [&] { return status->Place().height == 1100 && !status->cmdOK.Visible(); };
-    EXPECT_TRUE(low());
-    status->DisplayOK(true);
-    EXPECT_TRUE(status->Place().height == 1800 && status->cmdOK.Visible());
-    status->DisplayOK(false);
-    EXPECT_TRUE(low());
-    EXPECT_EQ(status->cmdOK.Caption(), "&OK");
-
-    std::string drawn;
-    mPlatform.peers.onChange = [&drawn](const Control& control, Property property) {
-        if (property == Property::Repaint) drawn = control.Caption();
-    };
-    status->Message("Writing flash");
-    EXPECT_EQ(drawn, "Writing flash") << "the label is to be drawn at once";
-    status->cmdOK.Press();
-    EXPECT_TRUE(status->Gone());
-}
-
 TEST(ParseLineSettings, NoBrokenTextMayOpenALine) {
     EXPECT_EQ(ParseLineSettings("38400,N,8,2"), (LineSettings{38400, Parity::None, 8, 2}));
     EXPECT_EQ(ParseLineSettings("115200,e,7,1"), (LineSettings{115200, Parity::Even, 7, 1}));
@@ -237,23 +216,6 @@ TEST_F(SerialControlTest, TheThresholdIsCheckedAtOnceAndAtEachPump) {
     EXPECT_EQ(heard.size(), 2u);
     mComm.ClearInput();
     EXPECT_EQ(mComm.Input(), "");
-}
-
-TEST_F(SerialControlTest, BytesThatArriveDuringTheHandlerWaitForTheNextPump) {
-    mComm.OpenPort();
-    Texts heard;
-    mComm.Receive.Handle([&] {
-        heard.push_back(mComm.Input());
-        mWire.sent = heard.size() == 1 ? "second" : "";
-        mPlatform.pump.PumpPending();
-        heard.back() += ".";
-    });
-    mComm.ReceiveThreshold(1);
-    mWire.sent = "first";
-    mPlatform.pump.PumpPending();
-    EXPECT_EQ(heard, Texts{"first."});
-    mPlatform.pump.PumpPending();
-    EXPECT_EQ(heard, (Texts{"first.", "second."}));
 }
 
 }  // namespace

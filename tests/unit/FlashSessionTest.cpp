@@ -130,15 +130,6 @@ TEST_F(SessionFixture, LinesAreNumberedFromZeroAndTheLastElevenCannotBeAborted) 
     EXPECT_TRUE(window->lblStatus.Caption().empty() && window->pbarStatus.Value() == 0);
 }
 
-TEST_F(SessionFixture, ElapsedTimeIsShownAsATimeOfDay) {
-    Connect(ImageOf(30), {"late=19000@3", "late=19000@4", "late=19000@5", "late=19000@6"});
-    std::string elapsed;
-    WhenStatusIs("Line 8 of 30", [&] { elapsed = window->lblElapsed.Caption(); });
-    Flash();
-    // Shown before the line's own number is; so this is the time at the line before.
-    EXPECT_EQ(elapsed, "00:01:20");
-}
-
 // --- the user's hand -------------------------------------------------------------------------
 
 TEST_F(SessionFixture, ACancelANoOrAVanishedImageEndsItWithoutAWord) {
@@ -151,16 +142,6 @@ TEST_F(SessionFixture, ACancelANoOrAVanishedImageEndsItWithoutAWord) {
     Flash();
     EXPECT_THAT(Boxes(), IsEmpty());
     EXPECT_EQ(window->Session().Outcome(), Declined);
-}
-
-TEST_F(SessionFixture, AMissingOrBusyPortIsToldOnce) {
-    headless.files.Add(kPath, ImageOf(30));
-    Flash();
-    EXPECT_THAT(Boxes(), ElementsAre(kNoPort));
-    Connect(ImageOf(30));
-    headless.ports.Hold("COM1", true);
-    Flash();
-    EXPECT_THAT(Boxes(), ElementsAre(kNoPort, kNoPort));
 }
 
 TEST_F(SessionFixture, AbortEndsTheStreamBeforeTheNextSend) {
@@ -307,16 +288,6 @@ TEST_F(SessionFixture, APauseOfTheMessageLoopDoesNotFailALineThatWasAnswered) {
     EXPECT_THAT(Boxes(), ElementsAre(kDone));
     const std::string sent = farEnd->received;
     EXPECT_EQ(sent.find(DataRecord(12)), sent.rfind(DataRecord(12))) << "sent twice";
-}
-
-TEST_F(SessionFixture, TheSecondSpeedKeepsTheFrameOfTheSettings) {
-    window->Settings().BeginEdit();
-    window->Settings().Parity("e");
-    window->Settings().DataBits("7");
-    Connect(ImageOf(30));
-    Flash();
-    EXPECT_THAT(farEnd->opened, ElementsAre(LineSettings{38400, Parity::Even, 7, 2},
-                                            LineSettings{115200, Parity::Even, 7, 2}));
 }
 
 TEST_F(SessionFixture, StoredNonsenseForTheLineIsAPortThatDoesNotOpen) {

@@ -109,20 +109,6 @@ TEST_F(MonitorTest, APortThatDoesNotOpenIsToldOnceAndStaysDisconnected) {
     }
 }
 
-TEST_F(MonitorTest, OpenAndCloseShowInTheStatusBarWhicheverWayTheyAreAskedFor) {
-    mMonitor->mnuCommOpen.Press();
-    EXPECT_EQ(mWire.line, (LineSettings{38400, Parity::None, 8, 2}));
-    EXPECT_TRUE(Panels().starts_with("Connected|") && mMonitor->mnuCaptureSend.Enabled());
-    mMonitor->comMonitor.Invoke(TerminalCommand::Close);
-    EXPECT_TRUE(Panels().starts_with("Disconnected|") && !mMonitor->mnuCaptureSend.Enabled());
-    mMonitor->comMonitor.Invoke(TerminalCommand::Open);
-    mWire.gone = true;
-    mPlatform.pump.PumpPending();
-    EXPECT_TRUE(Panels().starts_with("Connected|")) << "nothing is asked until the next action";
-    mMonitor->mnuCommClose.Press();
-    EXPECT_TRUE(Panels().starts_with("Disconnected|"));
-}
-
 TEST_F(MonitorTest, TheSettingsCommandUpdatesBothPanelsAndReopens) {
     Wire other;
     mPlatform.ports.Plug("COM4", other);
@@ -189,14 +175,6 @@ TEST_F(MonitorTest, ACloseOfTheMainWindowThatWaitsGoesOnWhenTheMonitorUnloads) {
     mMain->Flags().mblnFlashing = false;
     mMonitor->Unload();
     EXPECT_TRUE(mMain->Gone());
-}
-
-TEST_F(MonitorTest, TheTerminalFillsTheWindowAboveTheStatusBar) {
-    mMonitor->Placed({0, 0, 6200, 5000}, WindowState::Normal, {6000, 4345});
-    EXPECT_EQ(mMonitor->comMonitor.Place(), (Place{0, 0, 6000, 4000}));
-    mMonitor->Placed({0, 0, 100, 100}, WindowState::Minimised, {0, 0});
-    EXPECT_EQ(mMonitor->comMonitor.Place(), (Place{0, 0, 6000, 4000}));
-    EXPECT_EQ(Told(mPlatform), Texts{});
 }
 
 TEST_F(MonitorTest, CapturesIntoTheFileThatWasConfirmed) {
@@ -304,21 +282,6 @@ TEST_F(MonitorTest, AWindowClosedDuringASendEndsIt) {
         if (!mMain->Gone()) mMonitor = Open();
     }
     EXPECT_EQ(mPlatform.peers.open, Texts{});
-}
-
-TEST_F(MonitorTest, TheProgressWindowDrawsItsValuesSunken) {
-    const auto send = std::make_shared<frmSend>(mDesktop, mPlatform.strings);
-    send->Load();
-    send->lblStatus.Place({150, 300, 1500, 270});
-    send->Painting();
-    using enum SystemColour;
-    const std::vector<ThinLine>& lines = mPlatform.peers.lines;
-    ASSERT_EQ(lines.size(), 8u) << "the status first, then the file name";
-    EXPECT_EQ(lines[0], (ThinLine{135, 285, 1650, 285, ButtonShadow}));
-    EXPECT_EQ(lines[1], (ThinLine{135, 285, 135, 570, ButtonShadow}));
-    EXPECT_EQ(lines[2], (ThinLine{135, 570, 1650, 570, Highlight3D}));
-    EXPECT_EQ(lines[3], (ThinLine{1650, 285, 1650, 570, Highlight3D}));
-    send->Unload();
 }
 
 }  // namespace

@@ -123,12 +123,5 @@ TEST_F(LinkFixture, APacedSendWaitsAfterEachCharacter) {
     EXPECT_GE(headless.clock.Ticks() - times[3], 50);
 }
 
-TEST_F(LinkFixture, AnErrorOfAPacedSendCarriesItsOwnName) {
-    headless.clock.Set(0x7fffffffu - 10u);
-    const RuntimeError error = Raised([this] { link.DelayedSend("A"); });
-    EXPECT_TRUE(error.Is(ErrorNumber::Overflow));
-    EXPECT_EQ(error.Source(), "Morvane.frmMain.DelayedSend");
-}
-
 }  // namespace
 }  // namespace vantor

@@ -63,17 +63,6 @@ TEST_F(DelayTest, ACancelOrNothingToWaitForEndsItBeforeAnotherPump) {
     EXPECT_EQ(mPlatform.pump.pumps, 2u);
 }
 
-TEST_F(DelayTest, AnEndBeyondTheClocksRangeRaisesRatherThanWaitsForever) {
-    mPlatform.clock.Set(kLastSigned - 10);
-    mDelay.Delay(10);
-    EXPECT_EQ(mPlatform.clock.Milliseconds(), kLastSigned);
-    mPlatform.clock.Set(kLastSigned - 9);
-    EXPECT_EQ(Raised([this] { mDelay.Delay(10); }).Number(), 6);
-    mPlatform.clock.Set(kLastSigned + 1);
-    mDelay.Delay(10);
-    EXPECT_EQ(mPlatform.clock.Milliseconds(), kLastSigned + 11) << "a negative clock still runs";
-}
-
 TEST(Hourglass, ThePointerComesBackHoweverTheProcedureEnds) {
     HeadlessPeers peers;
     const auto fails = [&peers] {

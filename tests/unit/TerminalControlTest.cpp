@@ -54,25 +54,6 @@ protected:
 
 const std::string kPath = "/tmp/capture.txt";
 
-TEST_F(TerminalControlTest, OpensWithItsSettingsOrStaysClosedInSilence) {
-    EXPECT_TRUE(mCom.PortOpen());
-    EXPECT_EQ(mWire.line, (LineSettings{9600, Parity::Even, 7, 1}));
-    mCom.PerformCommand(TerminalCommand::Close);
-    EXPECT_FALSE(mPlatform.ports.IsOpen("COM3"));
-    mPlatform.ports.Hold("COM3", true);
-    mCom.PerformCommand(TerminalCommand::Open);
-    EXPECT_FALSE(mCom.PortOpen());
-    mPlatform.ports.Hold("COM3", false);
-    mCom.PerformCommand(TerminalCommand::Open);
-    mWire.gone = true;
-    mPlatform.pump.PumpPending();
-    EXPECT_FALSE(mCom.PortOpen()) << "the device has gone";
-    mCom.Key("x");
-    mCom.Output("x");
-    EXPECT_EQ(mWire.received, "");
-    EXPECT_EQ(Told(mPlatform), Texts{});
-}
-
 TEST_F(TerminalControlTest, SendsKeysAsTypedAndLinesWithOneCr) {
     mCom.Key("ab\r\x03\n");
     EXPECT_EQ(mWire.received, "ab\r\x03\n");
@@ -90,14 +71,6 @@ TEST_F(TerminalControlTest, SendsKeysAsTypedAndLinesWithOneCr) {
     EXPECT_EQ(mWire.received,
               "\xF1"
               "1\r2\r3\r");
-}
-
-TEST_F(TerminalControlTest, WhatTheDriverDoesNotTakeIsSentLaterWithoutFurtherKeys) {
-    mPlatform.ports.LimitWrites(3);
-    mCom.Output("0123456789");
-    mCom.Key("!");
-    for (int i = 0; i < 60; ++i) mPlatform.pump.PumpPending();
-    EXPECT_EQ(mWire.received, "0123456789\r!");
 }
 
 TEST_F(TerminalControlTest, CapturesWhatIsReceivedByteForByte) {
@@ -173,23 +146,6 @@ TEST_F(TerminalControlTest, TheOwnerMayHandleACommandOfTheMenu) {
     EXPECT_EQ(dialogs, 1);
 }
 
-TEST_F(TerminalControlTest, TheMenuOffersWhatHelps) {
-    const auto offered = [this](TerminalCommand command) {
-        for (const OfferedCommand& entry : mCom.ContextMenu())
-            if (entry.command == command) return entry.enabled ? "yes" : "grey";
-        return "no";
-    };
-    EXPECT_EQ(mCom.ContextMenu().front().caption, "&Open Port");
-    using enum TerminalCommand;
-    for (const TerminalCommand command : {Open, Copy}) EXPECT_STREQ(offered(command), "grey");
-    for (const TerminalCommand command : {Close, Paste, SelectAll})
-        EXPECT_STREQ(offered(command), "yes");
-    mCom.CommandMode(Copy, CommandOffer::Always);
-    mCom.CommandMode(Paste, CommandOffer::Never);
-    EXPECT_STREQ(offered(Copy), "yes");
-    EXPECT_STREQ(offered(Paste), "no");
-}
-
 TEST_F(TerminalControlTest, CopyTakesTheSelectionAndLeavesTheClipboardWithoutOne) {
     mPlatform.clipboard.Text("kept");
     mCom.PerformCommand(TerminalCommand::Copy);
@@ -220,19 +176,6 @@ TEST_F(TerminalControlTest, AViewMovedUpStaysUntilItsUserOrATransmissionReturns)
     mCom.ScrollTo(3);
     mCom.PerformCommand(TerminalCommand::Clear);
     EXPECT_EQ(mCom.FirstShownLine(), mCom.Screen().TopLine());
-}
-
-TEST_F(TerminalControlTest, BellsSoundOncePerArrivalAndWrongValuesAreRefused) {
-    Arrive("\a\a");
-    Arrive("x");
-    EXPECT_EQ(mPlatform.boxes.beeps, 1);
-    mCom.AutoLineFeed(true);
-    Arrive("\r1\r2");
-    EXPECT_EQ(AllText(), "x\r\n1\r\n2");
-    EXPECT_EQ(Raised([&] { mCom.Handshake(2); }).Number(), 380);
-    mCom.Move({0, 0, 100, 100});
-    EXPECT_EQ(Raised([&] { mCom.Move({0, 0, 100, -15}); }).Number(), 380);
-    EXPECT_EQ(mCom.Place().height, 100);
 }
 
 }  // namespace

@@ -3,6 +3,7 @@
 #include <commctrl.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "controls/Controls.hpp"
 #include "platform/win32/Win32TerminalView.hpp"
@@ -59,7 +60,7 @@ bool HasWindow(ControlKind kind) {
 
 Win32ChildControl::Win32ChildControl(Win32Stage& stage, Control& control, const ControlDesign& row,
                                      HWND parent, int id)
-    : mStage(stage), mControl(control), mRow(row) {
+    : mStage(stage), mControl(control), mRow(row), mShownCaption(control.Caption()) {
     const Looks looks = LooksOf(control, row);
     const RECT place = OuterPlace();
     const DWORD shown = control.Visible() ? WS_VISIBLE : 0;
@@ -130,6 +131,7 @@ void Win32ChildControl::Follow(Property property) {
             FollowValue();
             break;
         case Property::Repaint:
+            CatchUp();
             static_cast<void>(RedrawWindow(mWindow, nullptr, nullptr,
                                            RDW_INVALIDATE | RDW_ERASE | RDW_UPDATENOW));
             break;
@@ -139,14 +141,25 @@ void Win32ChildControl::Follow(Property property) {
     }
 }
 
-// The session sets texts with every line, mostly to what they are already: drawing them again
-// would cost more than the line.
+bool Win32ChildControl::FollowLater(Property property) {
+    const bool text = property == Property::Caption && mControl.Kind() == ControlKind::Label;
+    const bool bar = property == Property::Value && mControl.Kind() == ControlKind::ProgressBar;
+    mLate = mLate || text || bar;
+    return text || bar;
+}
+
+void Win32ChildControl::CatchUp() {
+    if (!std::exchange(mLate, false)) return;
+    FollowCaption();
+    if (mControl.Kind() == ControlKind::ProgressBar) FollowValue();
+}
+
+// Mostly it is what it was already, and each call costs some compatibility layers a journey to
+// another process.
 void Win32ChildControl::FollowCaption() {
-    const std::wstring wanted = ToWide(mControl.Caption());
-    std::wstring shown(static_cast<std::size_t>(GetWindowTextLengthW(mWindow)) + 1, L'\0');
-    shown.resize(static_cast<std::size_t>(
-        GetWindowTextW(mWindow, shown.data(), static_cast<int>(shown.size()))));
-    if (shown != wanted) static_cast<void>(SetWindowTextW(mWindow, wanted.c_str()));
+    if (mShownCaption == mControl.Caption()) return;
+    mShownCaption = mControl.Caption();
+    static_cast<void>(SetWindowTextW(mWindow, ToWide(mShownCaption).c_str()));
 }
 
 void Win32ChildControl::FollowBorder() {

@@ -38,6 +38,11 @@ public:
     HWND Window() const { return mWindow; }
 
     void Follow(Property property);
+    /// Shows what `FollowLater` has put off.
+    void CatchUp();
+    /// True for what a session sets with every line: it is shown by the message loop, while the
+    /// line is on the wire, and not in the pause between two lines.
+    bool FollowLater(Property property);
 
     /// A status bar moves itself to its window's bottom edge; its model learns the height.
     void KeepToBottom();
@@ -60,6 +65,8 @@ private:
     HWND mWindow = nullptr;
     std::shared_ptr<Win32TerminalView> mTerminal;  // of a terminal alone
     std::vector<std::string> mListed;              // the items that a list shows
+    std::string mShownCaption;
+    bool mLate = false;  // caption or value may differ from what is shown
 };
 
 }  // namespace vantor

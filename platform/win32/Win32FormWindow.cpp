@@ -3,6 +3,7 @@
 #include <commctrl.h>
 
 #include <algorithm>
+#include <utility>
 
 #include "controls/Controls.hpp"
 #include "platform/win32/Win32Banner.hpp"
@@ -14,6 +15,7 @@ namespace vantor {
 namespace {
 
 constexpr wchar_t kFormClass[] = L"VantorForm";
+constexpr UINT kCatchUp = WM_APP;
 
 bool IsUsable(HWND window) {
     return window != nullptr && IsWindowVisible(window) != 0 && IsWindowEnabled(window) != 0;
@@ -162,9 +164,22 @@ void Win32FormWindow::FollowControl(const Control& control, Property property) {
     if (child == nullptr) return;
     if (property == Property::ToolTip)
         FollowToolTip(*child);
+    else if (child->FollowLater(property))
+        CatchUpSoon();
     else
         child->Follow(property);
     if (property == Property::Enabled || property == Property::Visible) KeepFocusUsable();
+}
+
+// By a message, which also the loops of menus and message boxes bring.
+void Win32FormWindow::CatchUpSoon() {
+    if (std::exchange(mCatchingUp, true)) return;
+    if (PostMessageW(mWindow, kCatchUp, 0, 0) == 0) CatchUp();  // the queue is full
+}
+
+void Win32FormWindow::CatchUp() {
+    mCatchingUp = false;
+    for (const auto& child : mChildren) child->CatchUp();
 }
 
 // A focus on a hidden or disabled control would leave the keyboard dead.
@@ -216,6 +231,9 @@ LRESULT Win32FormWindow::Handle(UINT message, WPARAM first, LPARAM second) {
             return 0;
         case WM_PAINT:
             OnPaint();
+            return 0;
+        case kCatchUp:
+            CatchUp();
             return 0;
         case DM_GETDEFID:
             return DefaultButton();

@@ -52,6 +52,8 @@ private:
     void CreateToolTips();
     void FollowToolTip(const Win32ChildControl& child);
     void MoveWindowToModel();
+    void CatchUpSoon();
+    void CatchUp();
     void KeepFocusUsable();
     HWND ParentFor(const ControlDesign& row) const;
     Win32ChildControl* Find(const Control& control) const;
@@ -65,8 +67,9 @@ private:
     HWND mFocus = nullptr;  // the child that had the focus when the window was left
     std::unique_ptr<Win32MenuBar> mMenuBar;
     std::vector<std::unique_ptr<Win32ChildControl>> mChildren;
-    HDC mTarget = nullptr;  // while the form paints itself
-    bool mMoving = false;   // the model moves the window, which needs no telling
+    HDC mTarget = nullptr;     // while the form paints itself
+    bool mCatchingUp = false;  // a message to that end is on its way
+    bool mMoving = false;      // the model moves the window, which needs no telling
 };
 
 }  // namespace vantor

@@ -1,9 +1,8 @@
-// A folder for one test, off Windows.
+// A folder for one test.
 #pragma once
 
-#include <stdlib.h>
-
 #include <filesystem>
+#include <random>
 #include <stdexcept>
 #include <string>
 
@@ -12,10 +11,10 @@ namespace vantor {
 /// An empty folder, removed with all that is in it.
 class TemporaryFolder {
 public:
-    TemporaryFolder() {
-        std::string path = (std::filesystem::temp_directory_path() / "vantor-XXXXXX").string();
-        if (mkdtemp(path.data()) == nullptr) throw std::runtime_error("no temporary folder");
-        mPath = path;
+    TemporaryFolder()
+        : mPath(std::filesystem::temp_directory_path() /
+                ("vantor-" + std::to_string(std::random_device()()))) {
+        if (!std::filesystem::create_directory(mPath)) throw std::runtime_error("already there");
     }
     ~TemporaryFolder() {
         std::error_code failed;  // a folder left behind harms nobody

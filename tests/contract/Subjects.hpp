@@ -19,6 +19,7 @@
 #include "platform/MessagePump.hpp"
 #include "platform/Registry.hpp"
 #include "platform/SerialPort.hpp"
+#include "tests/TemporaryFolder.hpp"
 
 namespace vantor::contract {
 
@@ -60,6 +61,18 @@ class FilesSubject : public Plain<Files> {
 public:
     /// An existing folder, empty at first, without "\" or "/" at its end. Removed with the subject.
     virtual std::string Folder() const = 0;
+};
+
+/// The system's own files, in a folder of their own.
+template <typename Made>
+class HostFiles : public FilesSubject {
+public:
+    Files& Get() override { return mFiles; }
+    std::string Folder() const override { return mFolder.Path().string(); }
+
+private:
+    TemporaryFolder mFolder;
+    Made mFiles;
 };
 
 class RegistrySubject : public Plain<Registry> {

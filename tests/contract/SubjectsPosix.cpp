@@ -11,21 +11,10 @@
 #include "platform/posix/PosixHandle.hpp"
 #include "platform/posix/PosixRegistry.hpp"
 #include "platform/posix/PosixSerialPorts.hpp"
-#include "tests/TemporaryFolder.hpp"
 #include "tests/contract/Subjects.hpp"
 
 namespace vantor::contract {
 namespace {
-
-class HostFiles : public FilesSubject {
-public:
-    Files& Get() override { return mFiles; }
-    std::string Folder() const override { return mFolder.Path().string(); }
-
-private:
-    TemporaryFolder mFolder;
-    PosixFiles mFiles;
-};
 
 class FileRegistry : public RegistrySubject {
 public:
@@ -103,7 +92,7 @@ Makers<ClockSubject> NativeClocks() {
 }
 
 Makers<FilesSubject> NativeFileSystems() {
-    return {MakerOf<FilesSubject, HostFiles>("Posix")};
+    return {MakerOf<FilesSubject, HostFiles<PosixFiles>>("Posix")};
 }
 
 Makers<RegistrySubject> NativeRegistries() {

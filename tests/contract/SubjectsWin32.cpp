@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <array>
 #include <cstdlib>
+#include <filesystem>
+#include <fstream>
 #include <stdexcept>
 
 #include "platform/win32/Win32Clock.hpp"
@@ -18,42 +20,6 @@
 
 namespace vantor::contract {
 namespace {
-
-void RemoveTree(const std::wstring& folder) {
-    WIN32_FIND_DATAW entry{};
-    const HANDLE search = FindFirstFileW((folder + L"\\*").c_str(), &entry);
-    if (search == INVALID_HANDLE_VALUE) return;
-    do {
-        const std::wstring name = entry.cFileName;
-        if (name == L"." || name == L"..") continue;
-        const std::wstring path = folder + L"\\" + name;
-        if ((entry.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
-            RemoveTree(path);
-        else
-            DeleteFileW(path.c_str());
-    } while (FindNextFileW(search, &entry) != 0);
-    FindClose(search);
-    RemoveDirectoryW(folder.c_str());  // what is left behind harms nobody
-}
-
-class HostFiles : public FilesSubject {
-public:
-    HostFiles() {
-        std::array<wchar_t, MAX_PATH + 1> parent{};
-        if (GetTempPathW(static_cast<DWORD>(parent.size()), parent.data()) == 0)
-            throw std::runtime_error("no temporary folder");
-        mFolder = parent.data() + (L"contract-" + std::to_wstring(GetCurrentProcessId()));
-        if (CreateDirectoryW(mFolder.c_str(), nullptr) == 0)
-            throw std::runtime_error("the folder is there already");
-    }
-    ~HostFiles() override { RemoveTree(mFolder); }
-    Files& Get() override { return mFiles; }
-    std::string Folder() const override { return ToUtf8(mFolder); }
-
-private:
-    std::wstring mFolder;
-    Win32Files mFiles;
-};
 
 class SystemRegistry : public RegistrySubject {
 public:
@@ -109,11 +75,11 @@ public:
         }
         return bytes;
     }
-    // A word to the wire itself, which answers with the same when a new terminal is in place.
+    // Who has laid the wire takes it away with both ports, and lays another one.
     void HangUp() override {
-        const std::string hangUp = "\x10~hang up~\x10";
-        Send(hangUp);
-        if (Receive(hangUp.size()) != hangUp) throw std::runtime_error("the wire did not hang up");
+        const std::filesystem::path request(std::getenv("CONTRACT_PULL"));
+        std::ofstream{request};
+        while (std::filesystem::exists(request)) Sleep(10);
     }
 
 private:
@@ -153,7 +119,7 @@ Makers<CodePageSubject> NativeCodePages() {
 }
 
 Makers<FilesSubject> NativeFileSystems() {
-    return {MakerOf<FilesSubject, HostFiles>("Win32")};
+    return {MakerOf<FilesSubject, HostFiles<Win32Files>>("Win32")};
 }
 
 Makers<RegistrySubject> NativeRegistries() {

@@ -1,36 +1,64 @@
 #!/bin/sh
 # Runs the contract tests of the Windows build: with two ports that are wired to each other, and
 # the string table once more in Spanish, which is a matter of the whole process.
-#   run_under_wine.sh path/to/null_modem path/to/contract_tests.exe
+#   run_under_wine.sh path/to/contract_tests.exe
 set -eu
 
-null_modem=$1
-tests=$2
+tests=$1
 wine=$(cd "$(dirname "$0")/../.." && pwd)/scripts/wine
-if [ ! -x "$null_modem" ]; then
-    echo "$null_modem is missing; build the native preset first." >&2
-    exit 1
-fi
-
 folder=$(mktemp -d)
-modem=
+
+cut_wire() {
+    for part in wire holder; do
+        number=$(cat "$folder/$part.pid" 2>/dev/null) || continue
+        rm "$folder/$part.pid"
+        kill "$number" 2>/dev/null || true
+        wait "$number" 2>/dev/null || true
+    done
+}
 clean_up() {
-    [ -z "$modem" ] || kill "$modem" 2>/dev/null || true
+    cut_wire
     rm -rf "$folder"
 }
 trap clean_up EXIT
 trap 'exit 1' INT TERM
 
-"$null_modem" --link1 "$folder/line1" --link2 "$folder/line2" >"$folder/out" &
-modem=$!
-until grep -q ready "$folder/out"; do
-    kill -0 "$modem"
-    sleep 0.05
-done
+# Without a program that has them open, the terminals would report a hang-up all the time.
+lay_wire() {
+    rm -f "$folder/line1" "$folder/line2"
+    socat "PTY,rawer,link=$folder/line1" "PTY,rawer,link=$folder/line2" &
+    echo $! >"$folder/wire.pid"
+    until [ -e "$folder/line1" ] && [ -e "$folder/line2" ]; do sleep 0.02; done
+    sleep infinity <>"$folder/line1" 3<>"$folder/line2" &
+    echo $! >"$folder/holder.pid"
+}
+
+run() {
+    rm -f "$folder/status"
+    {
+        status=0
+        "$wine" "$tests" "$@" </dev/null || status=$?
+        echo $status >"$folder/status.new"
+        mv "$folder/status.new" "$folder/status"
+    } &
+    # A test that pulls the adapter out asks for it by a file, gone when another one is in place.
+    until [ -e "$folder/status" ]; do
+        if [ -e "$folder/pull" ]; then
+            cut_wire
+            lay_wire
+            rm "$folder/pull"
+        fi
+        sleep 0.05
+    done
+    return "$(cat "$folder/status")"
+}
 
 export VANTOR_COM1="$folder/line1" VANTOR_COM2="$folder/line2"
+CONTRACT_PULL=$(printf 'Z:%s' "$folder/pull" | tr / '\134')
+export CONTRACT_PULL
+lay_wire
 status=0
-LC_ALL=C.UTF-8 "$wine" "$tests" </dev/null || status=1
-LC_ALL=es_ES.UTF-8 CONTRACT_LANGUAGE=Spanish "$wine" "$tests" \
-    --gtest_filter='Native/StringTableContract.*' </dev/null || status=1
+LC_ALL=C.UTF-8 run || status=1
+LC_ALL=es_ES.UTF-8 CONTRACT_LANGUAGE=Spanish run \
+    --gtest_filter='Native/StringTableContract.*' || status=1
 exit $status

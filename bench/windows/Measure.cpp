@@ -4,13 +4,14 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <stdexcept>
 #include <string>
 
 #include "bench/Measure.hpp"
-#include "tests/e2e/Bench.hpp"
+#include "tests/e2e/MonitorBench.hpp"
 
 namespace vantor::e2e {
 namespace {
@@ -60,7 +61,27 @@ double SecondsToStart(const std::string& path, const wchar_t* windowClass) {
     return seconds;
 }
 
-using Measure = Bench;
+std::string Lines(std::size_t bytes) {
+    std::string text;
+    for (int number = 0; text.size() < bytes; ++number)
+        text += "    125.40 kg G  weighing number " + std::to_string(number) + "\r\n";
+    return text;
+}
+
+/// The milliseconds until a menu of the monitor is open, when its key is pressed now.
+double MillisecondsToMenu(const App& app) {
+    const auto start = bench::SteadyClock::now();
+    Key('F', true);
+    while (!app.InMenu()) Sleep(1);
+    const double milliseconds = SecondsSince(start) * 1e3;
+    while (app.InMenu()) {
+        Key(VK_ESCAPE);
+        Sleep(20);
+    }
+    return milliseconds;
+}
+
+using Measure = MonitorBench;
 
 TEST_F(Measure, StreamAgainstTheWire) {
     std::ofstream(image, std::ios::binary)
@@ -82,6 +103,37 @@ TEST_F(Measure, StartAgainstNotepad) {
         [] { return SecondsToStart("C:\\windows\\system32\\notepad.exe", L"Notepad"); });
     std::printf("start of the Windows program: %.0f ms, notepad %.0f ms, ratio %.2f\n",
                 seconds.ours * 1e3, seconds.theirs * 1e3, seconds.ours / seconds.theirs);
+}
+
+// With capture, and a menu that is opened again and again meanwhile.
+TEST_F(Measure, FloodOfTheTerminal) {
+    constexpr double kWireBytesPerSecond = 115200 / 10.0;  // at 8N1
+    const std::string flood = Lines(10'000'000);
+    std::ofstream(FileOfRun("flood.txt"), std::ios::binary) << flood;
+    Ask("flood");
+    const Window monitor = OpenMonitor();
+    monitor.Choose("mnuCaptureStart");
+    app->ChooseFile(FileOfRun("capture.txt"));
+    OpenPort(monitor);
+    const std::filesystem::path capture(FileOfRun("capture.txt"));
+    const auto start = bench::SteadyClock::now();
+    Key(VK_RETURN);
+    Await("the first bytes", [&] { return std::filesystem::file_size(capture) > 0; });
+    double slowest = 0;
+    int menus = 0;
+    for (; std::filesystem::file_size(capture) < flood.size(); ++menus) {
+        slowest = std::max(slowest, MillisecondsToMenu(*app));
+        Sleep(50);
+    }
+    const double seconds = SecondsSince(start);
+    monitor.Choose("mnuCaptureEnd");
+    EXPECT_TRUE(Content("capture.txt") == flood) << "not what was sent";
+    AwaitShown(monitor, flood.substr(flood.size() - 200));
+    std::printf(
+        "flood of the terminal: %.1f MB in %.2f s, %.0f times a line at 115200 bit/s; slowest of "
+        "%d menus %.0f ms\n",
+        static_cast<double>(flood.size()) / 1e6, seconds,
+        static_cast<double>(flood.size()) / seconds / kWireBytesPerSecond, menus, slowest);
 }
 
 }  // namespace

@@ -75,6 +75,16 @@ start_indicator() {
     until [ -s "$folder/indicator.out" ]; do sleep 0.02; done
 }
 
+# A peer that answers the first key with the whole of flood.txt, as fast as it is taken.
+start_flood() {
+    stop_indicator
+    export FLOOD="$folder/flood.txt"
+    # shellcheck disable=SC2016  # for the shell that socat starts
+    follow indicator socat "PTY,rawer,link=$port" \
+        'SYSTEM:head -c 1 >/dev/null; cat <$FLOOD; cat >/dev/null' 2>"$folder/indicator.err"
+    until [ -e "$port" ]; do sleep 0.02; done
+}
+
 stop_indicator() {
     end indicator
     while [ -e "$folder/indicator.pid" ]; do sleep 0.02; done
@@ -103,6 +113,7 @@ answer() {
     read -r verb words <"$folder/request" || return 0
     case $verb in
     start) start_indicator "$words" ;;
+    flood) start_flood ;;
     stop) stop_indicator ;;
     keep)
         take_picture "$folder/$words.png"

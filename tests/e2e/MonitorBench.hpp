@@ -5,6 +5,7 @@
 #include <fstream>
 #include <sstream>
 #include <string>
+#include <vector>
 
 #include "resources/Designs.hpp"
 #include "tests/e2e/Bench.hpp"
@@ -70,6 +71,15 @@ protected:
             bytes += Plain(line.substr(at + 2));
         }
         return bytes;
+    }
+
+    /// The milliseconds from the first to the last byte of one direction.
+    static double Span(char direction) {
+        std::istringstream log(Content("indicator.log"));
+        std::vector<double> times;
+        for (std::string line; std::getline(log, line);)
+            if (line[line.find_first_of("<>-")] == direction) times.push_back(std::stod(line));
+        return times.back() - times.front();
     }
 
 private:

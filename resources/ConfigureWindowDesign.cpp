@@ -14,7 +14,7 @@ constexpr ControlStyle kCaptionBar = {.points = 11, .bold = true};
 constexpr ControlStyle kOk = {.defaultButton = true};
 constexpr ControlStyle kCancel = {.cancelButton = true};
 
-constexpr Place kPage = {2700, 645, 4740, 2955};
+constexpr Place kPage = {2700, 645, 4740, 3015};
 
 constexpr float kFirstRow = 690;
 constexpr float kRow = 435;
@@ -28,11 +28,11 @@ constexpr Place ListAt(int row) {
 }
 
 constexpr Place ButtonAt(int column) {
-    return {3435 + 1380 * static_cast<float>(column), 3795, 1245, 375};
+    return {3435 + 1380 * static_cast<float>(column), 3855, 1245, 375};
 }
 
 constexpr std::array kControls = {
-    ControlDesign{TreeView, "tvwOptions", -1, "", {180, 180, 2340, 3420}, "", ""},
+    ControlDesign{TreeView, "tvwOptions", -1, "", {180, 180, 2340, 3480}, "", ""},
     ControlDesign{PictureBox, "picSelection", -1, "", {2700, 180, 4740, 390}, "", "", kCaptionBar},
 
     ControlDesign{PictureBox, "picDetails", -1, "", kPage, "", ""},
@@ -60,6 +60,6 @@ constexpr std::array kControls = {
 }  // namespace
 
 const FormDesign kConfigureWindowDesign = {
-    "frmConfigure", "Options", "501", {0, 0, 7710, 4815}, kControls};
+    "frmConfigure", "Options", "501", {0, 0, 7710, 4845}, kControls};
 
 }  // namespace vantor

@@ -228,13 +228,13 @@ TEST_F(ConfigureTest, BrokenRulesDisableWhatApplies) {
 }
 
 TEST_F(ConfigureTest, TheCornerAndTheOpenNodesAreRemembered) {
-    const Size size = {7710, 4815};
+    const Size size = {7710, 4845};
     const struct {
         const char* record;
         Place place;
-    } rows[] = {{"", {10545, 5692.5f, size.width, size.height}},  // the middle of the screen
+    } rows[] = {{"", {10545, 5677.5f, size.width, size.height}},  // the middle of the screen
                 {"L=307;T=600;W=9000;H=90;S=0;", {300, 600, size.width, size.height}},
-                {"L=300;T=600;W=9000;H=9000;S=2;", {10545, 5692.5f, size.width, size.height}}};
+                {"L=300;T=600;W=9000;H=9000;S=2;", {10545, 5677.5f, size.width, size.height}}};
     for (const auto& row : rows) {
         Remember("Positions", "\"frmConfigure\"=\"" + std::string(row.record) + "\"");
         Open([&row](frmConfigure& dialog) {
@@ -248,7 +248,7 @@ TEST_F(ConfigureTest, TheCornerAndTheOpenNodesAreRemembered) {
         dialog.tvwOptions.Expanded(0, false);
     });
     EXPECT_EQ(Stored("tvwOptions"), "P1=False|C0=False|");
-    EXPECT_EQ(Stored("frmConfigure"), "L=150;T=300;W=7710;H=4815;S=0;");
+    EXPECT_EQ(Stored("frmConfigure"), "L=150;T=300;W=7710;H=4845;S=0;");
 }
 
 }  // namespace

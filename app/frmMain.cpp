@@ -12,6 +12,7 @@
 #include "platform/Files.hpp"
 #include "platform/Folders.hpp"
 #include "platform/MessageBoxes.hpp"
+#include "platform/SerialPort.hpp"
 #include "platform/StringTable.hpp"
 #include "resources/Designs.hpp"
 #include "support/CHourglass.hpp"
@@ -33,6 +34,7 @@ frmMain::frmMain(Desktop& desktop, Platform& platform)
         [this] { Trapped("frmMain.cmdFlash_Click", [this] { mSession.doFlash(); }); });
     mnuFileFlash.Click.Handle(
         [this] { Trapped("frmMain.mnuFileFlash_Click", [this] { mSession.doFlash(); }); });
+    mnuToolsOptions.Click.Handle([this] { mnuToolsOptions_Click(); });
     mnuToolsMonitor.Click.Handle([this] { mnuToolsMonitor_Click(); });
     mnuHelpAbout.Click.Handle([this] { mnuHelpAbout_Click(); });
     mnuToolsCurrentVersions.Click.Handle([this] { mnuToolsCurrentVersions_Click(); });
@@ -127,6 +129,22 @@ void frmMain::Form_Resize() {
     pbarStatus.Place(layout.progress);
     lblWarning.Place(layout.warning);
     cmdFlashAbort.Place(layout.abort);
+}
+
+void frmMain::mnuToolsOptions_Click() {
+    Trapped("frmMain.mnuToolsOptions_Click", [this] {
+        const auto options = std::make_shared<frmConfigure>(GetDesktop(), mPlatform);
+        options->Load();
+        options->Initialize(mSettings, *this);
+        options->Show(ShowMode::Modal, this);
+        options->Unload();
+    });
+}
+
+std::vector<std::string> frmMain::CommPorts() const {
+    std::vector<std::string> names;
+    for (const SerialPortInfo& port : mPlatform.ports.List()) names.push_back(port.name);
+    return names;
 }
 
 void frmMain::mnuToolsMonitor_Click() {

@@ -4,6 +4,8 @@
 
 #include <array>
 #include <memory>
+#include <string>
+#include <vector>
 
 #include "app/base/CFormPos.hpp"
 #include "content/PromotionalPicture.hpp"
@@ -15,10 +17,11 @@
 #include "monitor/frmMonitor.hpp"
 #include "platform/Platform.hpp"
 #include "settings/CAppSettings.hpp"
+#include "settings/frmConfigure.hpp"
 
 namespace vantor {
 
-class frmMain : public Form, public FlashHost, public MonitorOwner {
+class frmMain : public Form, public FlashHost, public MonitorOwner, public OptionsOwner {
 public:
     frmMain(Desktop& desktop, Platform& platform);
 
@@ -39,6 +42,9 @@ public:
     // MonitorOwner
     bool CloseIsWaiting() const override { return mFlags.mblnCloseRequested; }
     void ResumeClose() override { mnuFileExit_Click(); }
+
+    // OptionsOwner
+    std::vector<std::string> CommPorts() const override;
 
     // The list of updates' buttons. They have no actions of their own.
     void SetButtonState(bool enabled);
@@ -91,6 +97,7 @@ private:
     void LoadSettings();
     void RestorePosition();
     void Startup();
+    void mnuToolsOptions_Click();
     void mnuToolsMonitor_Click();
     void mnuHelpAbout_Click();
     void mnuToolsCurrentVersions_Click();

@@ -39,12 +39,21 @@ void Control::Border(vantor::Border border) {
     Changed(Property::Border);
 }
 
+void Control::ZOrder() {
+    mRank = mParent.NextRank();
+    Changed(Property::ZOrder);
+}
+
 void Control::Refresh() {
     Changed(Property::Repaint);
 }
 
 void Control::Changed(Property property) {
     mParent.ControlChanged(*this, property);
+}
+
+Size Control::TextSize(const std::string& face, const std::string& text) const {
+    return mParent.TextSize(*this, face, text);
 }
 
 std::shared_ptr<void> Control::KeepParent() const {

@@ -23,6 +23,7 @@ enum class ControlKind : std::uint8_t {
     Image,
     ProgressBar,
     ListView,
+    TreeView,
     StatusBar,
     MenuItem,
     Timer,
@@ -81,11 +82,20 @@ public:
     vantor::Border Border() const { return mBorder; }
     void Border(vantor::Border border);
 
+    /// Brings the control before the controls that it overlaps.
+    void ZOrder();
+    /// Of two controls that overlap the one with the higher rank is in front; among those with
+    /// rank 0 the earlier one of the design.
+    unsigned Rank() const { return mRank; }
+
     /// Draws the control at once, without waiting for the message loop.
     void Refresh();
 
 protected:
     void Changed(Property property);
+    /// Size of `text` in the control's letters, of the shape `face` when that is not empty. All 0
+    /// where nothing is drawn.
+    Size TextSize(const std::string& face, const std::string& text) const;
     /// Keeps the form alive while one of its handlers runs; for the owners of events.
     std::shared_ptr<void> KeepParent() const;
 
@@ -99,6 +109,7 @@ private:
     std::string mToolTip;
     vantor::Place mPlace;
     vantor::Border mBorder = vantor::Border::None;
+    unsigned mRank = 0;
     bool mEnabled = true;
     bool mVisible = true;
 };

@@ -18,6 +18,20 @@ void PictureBox::Loaded(std::shared_ptr<const Picture> loaded) {
     Changed(Property::Repaint);
 }
 
+void PictureBox::Cls() {
+    mPrinted.clear();
+    CurrentX = 0;
+    CurrentY = 0;
+    Changed(Property::Value);
+}
+
+void PictureBox::Print(const std::string& text) {
+    mPrinted.push_back({CurrentX, CurrentY, FontName, text});
+    CurrentX = 0;
+    CurrentY += TextHeight(text);
+    Changed(Property::Value);
+}
+
 void CheckBox::Value(bool value) {
     mValue = value;
     Changed(Property::Value);

@@ -81,7 +81,7 @@ public:
 /// Pictures of the program's own.
 enum class StockPicture : std::uint8_t { None, Banner, Logo };
 
-/// A panel or a picture that can be clicked.
+/// A panel or a picture that can be clicked, and printed on.
 class PictureBox : public ClickControl {
 public:
     StockPicture picture = StockPicture::None;
@@ -90,11 +90,39 @@ public:
     const std::shared_ptr<const Picture>& Loaded() const { return mLoaded; }
     void Loaded(std::shared_ptr<const Picture> loaded);
 
+    /// In the colours of an active window's title.
+    bool captionBar = false;
+
+    /// A text that was printed on the box, its upper left corner in twips.
+    struct Printed {
+        float left = 0;
+        float top = 0;
+        std::string fontName;
+        std::string text;
+
+        friend bool operator==(const Printed&, const Printed&) = default;
+    };
+    const std::vector<Printed>& PrintedTexts() const { return mPrinted; }
+
+    /// Removes what was printed; the next text begins in the upper left corner.
+    void Cls();
+    /// The shape of the letters printed from now on; empty for that of the window.
+    std::string FontName;
+    /// Where the next text begins, in twips of the inside.
+    float CurrentX = 0;
+    float CurrentY = 0;
+    /// Size of `text` in these letters, in twips.
+    float TextWidth(const std::string& text) const { return TextSize(FontName, text).width; }
+    float TextHeight(const std::string& text) const { return TextSize(FontName, text).height; }
+    /// Prints `text`; the next one begins a line lower, at the left.
+    void Print(const std::string& text);
+
     PictureBox(Form& parent, std::string name, int index = -1)
         : ClickControl(parent, ControlKind::PictureBox, std::move(name), index) {}
 
 private:
     std::shared_ptr<const Picture> mLoaded;
+    std::vector<Printed> mPrinted;
 };
 
 /// A picture that only shows.

@@ -140,6 +140,8 @@ private:
     friend class Control;
     void Join(Control& control) { mControls.push_back(&control); }
     void ControlChanged(const Control& control, Property property);
+    Size TextSize(const Control& control, const std::string& face, const std::string& text) const;
+    unsigned NextRank() { return ++mRanks; }
     void FormChanged(Property property);
     void ApplyDesign();
 
@@ -151,6 +153,7 @@ private:
     std::string mCaption;
     vantor::Place mPlace;
     Size mInner;
+    unsigned mRanks = 0;  // given to controls so far
     WindowState mState = WindowState::Normal;
     bool mLoaded = false;
     bool mVisible = false;

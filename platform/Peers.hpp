@@ -24,6 +24,7 @@ enum class Property : std::uint8_t {
     State,  ///< of a form: normal, minimised, maximised
     Border,
     Value,
+    ZOrder,   ///< brought to the front
     Repaint,  ///< draw now, even while the caller keeps the message loop busy
 };
 
@@ -68,6 +69,13 @@ public:
 
     /// Draws on the form itself, below its controls; only from within the form's `Painting`.
     virtual void DrawLine(const ThinLine&) {}
+
+    /// Size of a text as the control prints it, in letters of the shape `face`; all 0 where
+    /// nothing is drawn.
+    virtual Size TextSize(const Control&, const std::string& /*face*/,
+                          const std::string& /*text*/) const {
+        return {};
+    }
 
     /// The window's handle; 0 where nothing is drawn.
     virtual NativeWindow Handle() const = 0;

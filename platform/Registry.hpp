@@ -33,6 +33,7 @@ inline constexpr std::uint32_t kRegistryDword = 4;   // REG_DWORD, 4 bytes, low 
 // Access masks, with the system's values.
 inline constexpr std::uint32_t kRegistryQueryValue = 0x1;
 inline constexpr std::uint32_t kRegistrySetValue = 0x2;
+inline constexpr std::uint32_t kRegistryWrite = 0x20006;     // KEY_WRITE
 inline constexpr std::uint32_t kRegistryAllButOwner = 0x3f;  // mask 63, read and write
 
 /// The registry, used from one thread. Paths use "\", names and paths ignore letter case, and

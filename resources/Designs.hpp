@@ -8,6 +8,7 @@
 namespace vantor {
 
 extern const FormDesign kAboutWindowDesign;
+extern const FormDesign kConfigureWindowDesign;
 extern const FormDesign kMainWindowDesign;
 extern const FormDesign kMonitorWindowDesign;
 extern const FormDesign kPortSettingsWindowDesign;

@@ -59,11 +59,9 @@ StoredValue ReadStoredValue(Registry& registry, const CodePage& codePage, Regist
 
 void WriteStoredText(Registry& registry, const CodePage& codePage, RegistryRoot root,
                      const std::string& path, const std::string& name, const std::string& text,
-                     std::uint32_t type) {
+                     std::uint32_t type, std::uint32_t access) {
     RegistryKey key = 0;
-    if (registry.CreateKey(root, codePage.ToAnsi(path), kRegistryAllButOwner, key) !=
-        kRegistrySuccess)
-        return;
+    if (registry.CreateKey(root, codePage.ToAnsi(path), access, key) != kRegistrySuccess) return;
     const KeyCloser closer(registry, key);
     std::string bytes = codePage.ToAnsi(text);
     bytes += '\0';

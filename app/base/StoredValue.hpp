@@ -19,10 +19,10 @@ using StoredValue = std::variant<std::monostate, std::string, std::uint32_t>;
 StoredValue ReadStoredValue(Registry& registry, const CodePage& codePage, RegistryRoot root,
                             const std::string& path, const std::string& name, std::uint32_t access);
 
-/// Creates or opens the key and sets the value to `text`, terminating NUL included, as `type`.
-/// Failures of the registry are silent.
+/// Creates or opens the key with `access` and sets the value to `text`, terminating NUL included,
+/// as `type`. Failures of the registry are silent.
 void WriteStoredText(Registry& registry, const CodePage& codePage, RegistryRoot root,
                      const std::string& path, const std::string& name, const std::string& text,
-                     std::uint32_t type);
+                     std::uint32_t type, std::uint32_t access = kRegistryAllButOwner);
 
 }  // namespace vantor

@@ -7,6 +7,7 @@
 
 #include "controls/Controls.hpp"
 #include "platform/win32/Win32TerminalView.hpp"
+#include "platform/win32/Win32TreeView.hpp"
 
 namespace vantor {
 namespace {
@@ -44,10 +45,15 @@ Looks LooksOf(const Control& control, const ControlDesign& row) {
             return {PROGRESS_CLASSW, 0, 0};
         case ControlKind::ListView:
             return {WC_LISTVIEWW, WS_TABSTOP | LVS_REPORT | LVS_SINGLESEL | LVS_SHOWSELALWAYS, 0};
+        case ControlKind::TreeView:
+            return {WC_TREEVIEWW,
+                    WS_TABSTOP | TVS_HASBUTTONS | TVS_HASLINES | TVS_LINESATROOT |
+                        TVS_SHOWSELALWAYS | TVS_DISABLEDRAGDROP,
+                    0};
         case ControlKind::Terminal:
             return {kTerminalClass, WS_TABSTOP | WS_VSCROLL, WS_EX_CLIENTEDGE};
         default:
-            return {kPanelClass, WS_CLIPCHILDREN, WS_EX_CONTROLPARENT};
+            return {kPanelClass, WS_CLIPCHILDREN | WS_CLIPSIBLINGS, WS_EX_CONTROLPARENT};
     }
 }
 
@@ -77,6 +83,8 @@ Win32ChildControl::Win32ChildControl(Win32Stage& stage, Control& control, const 
     if (control.Kind() == ControlKind::Terminal)
         mTerminal = std::make_shared<Win32TerminalView>(
             stage, static_cast<TerminalControl&>(control), row.style, mWindow);
+    if (control.Kind() == ControlKind::TreeView)
+        mTree = std::make_unique<Win32TreeView>(static_cast<TreeView&>(control), mWindow);
     if (control.Kind() == ControlKind::Image)
         SendMessageW(mWindow, STM_SETICON,
                      reinterpret_cast<WPARAM>(LoadImageW(stage.Instance(), MAKEINTRESOURCEW(1),
@@ -129,6 +137,9 @@ void Win32ChildControl::Follow(Property property) {
             break;
         case Property::Value:
             FollowValue();
+            break;
+        case Property::ZOrder:
+            BringToFront();
             break;
         case Property::Repaint:
             CatchUp();
@@ -189,6 +200,10 @@ void Win32ChildControl::FollowValue() {
         FollowList(static_cast<const ComboBox&>(mControl));
     } else if (mControl.Kind() == ControlKind::StatusBar) {
         FollowPanels(static_cast<const StatusBar&>(mControl));
+    } else if (mControl.Kind() == ControlKind::PictureBox) {
+        FollowPrinted(static_cast<const PictureBox&>(mControl));
+    } else if (mTree != nullptr) {
+        mTree->Follow();
     }
 }
 
@@ -204,7 +219,19 @@ void Win32ChildControl::FollowList(const ComboBox& combo) {
         SendMessageW(mWindow, CB_SETCURSEL, static_cast<WPARAM>(combo.ListIndex()), 0);
 }
 
+// An open list counts when it closes, not with every item that the arrows pass; a closed one with
+// every arrow. Either way more than one message can say so.
+void Win32ChildControl::ListNotified(UINT notification) {
+    const bool open = SendMessageW(mWindow, CB_GETDROPPEDSTATE, 0, 0) != 0;
+    if (notification == CBN_SELENDCANCEL) FollowList(static_cast<const ComboBox&>(mControl));
+    if (notification != CBN_SELENDOK && (notification != CBN_SELCHANGE || open)) return;
+    if (std::exchange(mChosen, true)) return;
+    static_cast<void>(PostMessageW(GetAncestor(mWindow, GA_ROOT), kChoiceMade,
+                                   static_cast<WPARAM>(GetDlgCtrlID(mWindow)), 0));
+}
+
 void Win32ChildControl::TakeChoice() {
+    mChosen = false;
     const auto index = static_cast<int>(SendMessageW(mWindow, CB_GETCURSEL, 0, 0));
     static_cast<ComboBox&>(mControl).Choose(index);
 }
@@ -227,15 +254,54 @@ void Win32ChildControl::FollowPanels(const StatusBar& bar) {
 int Win32ChildControl::PanelWidth(const std::wstring& text) const {
     constexpr float kLeastTwips = 1800;
     constexpr float kMarginTwips = 300;
+    const SIZE size = Extent(mStage.Font(mRow.style.points, mRow.style.bold), text);
+    return std::max(mStage.ToPixels(kLeastTwips),
+                    static_cast<int>(size.cx) + mStage.ToPixels(kMarginTwips));
+}
+
+SIZE Win32ChildControl::Extent(HFONT font, const std::wstring& text) const {
     const HDC target = GetDC(mWindow);
-    const HGDIOBJ before = SelectObject(target, mStage.Font(mRow.style.points, mRow.style.bold));
+    const HGDIOBJ before = SelectObject(target, font);
     SIZE size{};
     static_cast<void>(
         GetTextExtentPoint32W(target, text.c_str(), static_cast<int>(text.size()), &size));
     static_cast<void>(SelectObject(target, before));
     static_cast<void>(ReleaseDC(mWindow, target));
-    return std::max(mStage.ToPixels(kLeastTwips),
-                    static_cast<int>(size.cx) + mStage.ToPixels(kMarginTwips));
+    return size;
+}
+
+Size Win32ChildControl::TextSize(const std::string& face, const std::string& text) const {
+    const SIZE size = Extent(mStage.Font(mRow.style.points, mRow.style.bold, face), ToWide(text));
+    return {mStage.ToTwips(size.cx), mStage.ToTwips(size.cy)};
+}
+
+// The window's text is what is read aloud to a user who does not see it.
+void Win32ChildControl::FollowPrinted(const PictureBox& box) {
+    std::wstring all;
+    for (const PictureBox::Printed& printed : box.PrintedTexts())
+        all += (all.empty() ? L"" : L"\r\n") + ToWide(printed.text);
+    static_cast<void>(SetWindowTextW(mWindow, all.c_str()));
+    static_cast<void>(InvalidateRect(mWindow, nullptr, TRUE));
+}
+
+// Only above what it overlaps: the order of the windows is also that of the Tab key.
+void Win32ChildControl::BringToFront() {
+    RECT own{};
+    if (GetWindowRect(mWindow, &own) == 0) return;
+    for (HWND each = GetWindow(mWindow, GW_HWNDFIRST); each != nullptr && each != mWindow;
+         each = GetWindow(each, GW_HWNDNEXT)) {
+        RECT other{};
+        RECT shared{};
+        if (GetWindowRect(each, &other) == 0 || IntersectRect(&shared, &own, &other) == 0) continue;
+        const HWND before = GetWindow(each, GW_HWNDPREV);
+        static_cast<void>(SetWindowPos(mWindow, before == nullptr ? HWND_TOP : before, 0, 0, 0, 0,
+                                       SWP_NOMOVE | SWP_NOSIZE | SWP_NOACTIVATE));
+        return;
+    }
+}
+
+void Win32ChildControl::TreeNotified(const NMHDR& header) {
+    if (mTree != nullptr) mTree->Notified(header);
 }
 
 void Win32ChildControl::KeepToBottom() {

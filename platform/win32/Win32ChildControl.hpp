@@ -11,11 +11,16 @@
 namespace vantor {
 
 class ComboBox;
+class PictureBox;
 class StatusBar;
 class Win32TerminalView;
+class Win32TreeView;
 
 /// Identifiers of child windows count from here, in collection order.
 inline constexpr int kFirstChildId = 1000;
+
+/// What a list posts to its form: its user has chosen.
+inline constexpr UINT kChoiceMade = WM_APP + 1;
 
 /// True for the kinds that have a window of their own.
 bool HasWindow(ControlKind kind);
@@ -46,8 +51,15 @@ public:
 
     /// A status bar moves itself to its window's bottom edge; its model learns the height.
     void KeepToBottom();
-    /// The user has chosen another item of a list.
+    /// A drop-down list says what its user does. A choice that he has made, the one of before
+    /// included, is told once: as `kChoiceMade` with the child's id, posted to the form.
+    void ListNotified(UINT notification);
+    /// Takes that choice.
     void TakeChoice();
+    /// A tree says what its user does.
+    void TreeNotified(const NMHDR& header);
+    /// Size of a text printed on the control.
+    Size TextSize(const std::string& face, const std::string& text) const;
 
 private:
     RECT OuterPlace() const;
@@ -57,6 +69,9 @@ private:
     void FollowList(const ComboBox& combo);
     void FollowPanels(const StatusBar& bar);
     int PanelWidth(const std::wstring& text) const;
+    void FollowPrinted(const PictureBox& box);
+    void BringToFront();
+    SIZE Extent(HFONT font, const std::wstring& text) const;
     void InsertColumns();
 
     Win32Stage& mStage;
@@ -64,9 +79,11 @@ private:
     const ControlDesign& mRow;
     HWND mWindow = nullptr;
     std::shared_ptr<Win32TerminalView> mTerminal;  // of a terminal alone
+    std::unique_ptr<Win32TreeView> mTree;          // of a tree alone
     std::vector<std::string> mListed;              // the items that a list shows
     std::string mShownCaption;
-    bool mLate = false;  // caption or value may differ from what is shown
+    bool mLate = false;    // caption or value may differ from what is shown
+    bool mChosen = false;  // a choice is on its way to the form
 };
 
 }  // namespace vantor

@@ -6,8 +6,7 @@
 #include <utility>
 
 #include "controls/Controls.hpp"
-#include "platform/win32/Win32Banner.hpp"
-#include "platform/win32/Win32Pictures.hpp"
+#include "platform/win32/Win32PanelPaint.hpp"
 #include "platform/win32/Win32TerminalView.hpp"
 #include "support/RuntimeError.hpp"
 
@@ -18,7 +17,14 @@ constexpr wchar_t kFormClass[] = L"VantorForm";
 constexpr UINT kCatchUp = WM_APP;
 
 bool IsUsable(HWND window) {
-    return window != nullptr && IsWindowVisible(window) != 0 && IsWindowEnabled(window) != 0;
+    if (window == nullptr || IsWindowVisible(window) == 0) return false;
+    // What lies in a disabled panel takes no input and is called enabled all the same.
+    HWND each = window;
+    while (IsWindowEnabled(each) != 0) {
+        if ((GetWindowLongPtrW(each, GWL_STYLE) & WS_CHILD) == 0) return true;
+        each = GetParent(each);
+    }
+    return false;
 }
 
 Win32FormWindow* WindowOf(HWND window) {
@@ -213,6 +219,9 @@ LRESULT Win32FormWindow::Handle(UINT message, WPARAM first, LPARAM second) {
             return 0;
         case WM_NOTIFY:
             return OnNotify(*reinterpret_cast<const NMHDR*>(second));
+        case kChoiceMade:
+            if (Win32ChildControl* const list = FindId(static_cast<int>(first))) list->TakeChoice();
+            return 0;
         case WM_CLOSE:
             mForm->Unload();
             return 0;
@@ -260,8 +269,7 @@ void Win32FormWindow::OnCommand(UINT id, UINT notification) {
     } else if (Win32ChildControl* const child = FindId(static_cast<int>(id))) {
         if (child->Model().Kind() == ControlKind::CommandButton && notification == BN_CLICKED)
             static_cast<ClickControl&>(child->Model()).Press();
-        if (child->Model().Kind() == ControlKind::ComboBox && notification == CBN_SELCHANGE)
-            child->TakeChoice();
+        if (child->Model().Kind() == ControlKind::ComboBox) child->ListNotified(notification);
     }
 }
 
@@ -284,8 +292,9 @@ LRESULT Win32FormWindow::DefaultButton() const {
 
 LRESULT Win32FormWindow::OnNotify(const NMHDR& header) {
     Win32ChildControl* const child = FindId(static_cast<int>(header.idFrom));
-    if (child == nullptr || child->Model().Kind() != ControlKind::ListView) return 0;
-    if (header.code != NM_CLICK) return 0;
+    if (child == nullptr) return 0;
+    child->TreeNotified(header);
+    if (child->Model().Kind() != ControlKind::ListView || header.code != NM_CLICK) return 0;
     auto& list = static_cast<ListView&>(child->Model());
     list.selectedRow = static_cast<int>(
         SendMessageW(child->Window(), LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
@@ -381,16 +390,16 @@ void Win32FormWindow::ClickPanel(int id) {
 bool Win32FormWindow::PaintPanel(HWND panel, HDC target) const {
     Win32ChildControl* const child = FindId(GetDlgCtrlID(panel));
     if (child == nullptr || child->Model().Kind() != ControlKind::PictureBox) return false;
-    const auto& box = static_cast<PictureBox&>(child->Model());
     RECT area{};
     static_cast<void>(GetClientRect(panel, &area));
-    if (box.Loaded() != nullptr)
-        static_cast<const Win32Picture&>(*box.Loaded()).Draw(target, area);
-    else if (box.picture == StockPicture::Banner)
-        DrawBanner(mStage, target, area);
-    else
-        return false;
-    return true;
+    return PaintPictureBox(mStage, static_cast<PictureBox&>(child->Model()), child->Row(), target,
+                           area);
+}
+
+Size Win32FormWindow::TextSize(const Control& control, const std::string& face,
+                               const std::string& text) const {
+    const Win32ChildControl* const child = Find(control);
+    return child == nullptr ? Size{} : child->TextSize(face, text);
 }
 
 Win32ChildControl* Win32FormWindow::Find(const Control& control) const {

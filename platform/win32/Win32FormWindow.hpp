@@ -29,6 +29,7 @@ public:
     void FollowForm(Property property);
     void FollowControl(const Control& control, Property property);
     void DrawLine(const ThinLine& line) const;
+    Size TextSize(const Control& control, const std::string& face, const std::string& text) const;
 
 private:
     static LRESULT CALLBACK OnFormMessage(HWND window, UINT message, WPARAM first, LPARAM second);

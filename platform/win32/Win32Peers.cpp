@@ -33,6 +33,10 @@ public:
         mWindow->FollowControl(control, property);
     }
     void DrawLine(const ThinLine& line) override { mWindow->DrawLine(line); }
+    Size TextSize(const Control& control, const std::string& face,
+                  const std::string& text) const override {
+        return mWindow->TextSize(control, face, text);
+    }
     NativeWindow Handle() const override {
         return reinterpret_cast<NativeWindow>(mWindow->Handle());
     }

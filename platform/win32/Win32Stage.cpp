@@ -1,5 +1,6 @@
 #include "platform/win32/Win32Stage.hpp"
 
+#include <algorithm>
 #include <cmath>
 
 namespace vantor {
@@ -42,8 +43,8 @@ Place Win32Stage::ToTwips(const RECT& pixels) const {
             ToTwips(pixels.bottom - pixels.top)};
 }
 
-HFONT Win32Stage::Font(float points, bool bold) {
-    HFONT& font = mFonts[{static_cast<int>(std::lround(points * 10)), bold}];
+HFONT Win32Stage::Font(float points, bool bold, const std::string& face) {
+    HFONT& font = mFonts[{static_cast<int>(std::lround(points * 10)), bold, face}];
     if (font != nullptr) return font;
     NONCLIENTMETRICSW metrics{};
     metrics.cbSize = sizeof metrics;
@@ -54,6 +55,8 @@ HFONT Win32Stage::Font(float points, bool bold) {
         -static_cast<LONG>(std::lround(points * static_cast<float>(mDpi) / kPointsPerInch));
     wanted.lfWidth = 0;
     wanted.lfWeight = bold ? FW_SEMIBOLD : FW_NORMAL;
+    if (const std::wstring name = ToWide(face); !name.empty() && name.size() < LF_FACESIZE)
+        *std::copy(name.begin(), name.end(), wanted.lfFaceName) = L'\0';
     font = CreateFontIndirectW(&wanted);
     ++held.fonts;
     return font;

@@ -4,7 +4,7 @@
 
 #include <map>
 #include <string>
-#include <utility>
+#include <tuple>
 
 #include "controls/Control.hpp"
 #include "platform/win32/Windows.hpp"
@@ -33,8 +33,9 @@ public:
     RECT ToPixels(const Place& place) const;
     Place ToTwips(const RECT& pixels) const;
 
-    /// The system's message font in another size; kept for all windows.
-    HFONT Font(float points, bool bold);
+    /// The system's message font in another size, and of another shape when `face` names one; kept
+    /// for all windows.
+    HFONT Font(float points, bool bold, const std::string& face = {});
 
     HeldObjects held;
     HCURSOR cursor = nullptr;   ///< the pointer of all windows; null: each window's own
@@ -43,7 +44,7 @@ public:
 private:
     HINSTANCE mInstance;
     int mDpi = 96;
-    std::map<std::pair<int, bool>, HFONT> mFonts;  // by tenths of points, bold
+    std::map<std::tuple<int, bool, std::string>, HFONT> mFonts;  // by tenths of points, bold, face
 };
 
 }  // namespace vantor

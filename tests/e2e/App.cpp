@@ -50,6 +50,18 @@ int Number(const FormDesign& design, const char* name, int index, bool menuItem)
     throw std::runtime_error(std::string("no such control: ") + name);
 }
 
+HWND Find(HWND form, const FormDesign& design, const char* name, int index) {
+    const int id = kFirstChild + Number(design, name, index, false);
+    // Panels hold controls of their own.
+    HWND found = GetDlgItem(form, id);
+    for (HWND panel = nullptr; found == nullptr;) {
+        panel = FindWindowExW(form, panel, L"VantorPanel", nullptr);
+        if (panel == nullptr) break;
+        found = GetDlgItem(panel, id);
+    }
+    return found;
+}
+
 UINT CommandOf(const FormDesign& design, const char* item) {
     return static_cast<UINT>(kFirstCommand + Number(design, item, -1, true));
 }
@@ -226,6 +238,11 @@ void Key(WORD key, bool withAlt) {
     SendInput(static_cast<UINT>(inputs.size()), inputs.data(), sizeof(INPUT));
 }
 
+void ClickIn(HWND window, int x, int y) {
+    PostMessageW(window, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(x, y));
+    PostMessageW(window, WM_LBUTTONUP, 0, MAKELPARAM(x, y));
+}
+
 std::string TextOf(HWND window) {
     std::array<wchar_t, 2048> text{};
     Send(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()));
@@ -279,15 +296,7 @@ std::vector<HWND> App::Windows(const wchar_t* windowClass) const {
 }
 
 HWND App::Child(const char* name, int index) const {
-    const int id = kFirstChild + Number(kMainWindowDesign, name, index, false);
-    // Panels hold controls of their own.
-    HWND found = GetDlgItem(mMain, id);
-    for (HWND panel = nullptr; found == nullptr;) {
-        panel = FindWindowExW(mMain, panel, L"VantorPanel", nullptr);
-        if (panel == nullptr) break;
-        found = GetDlgItem(panel, id);
-    }
-    return found;
+    return Find(mMain, kMainWindowDesign, name, index);
 }
 
 int App::Percent() const {
@@ -402,6 +411,13 @@ HWND App::Focus() const {
     return info.hwndFocus;
 }
 
+HWND App::Capture() const {
+    GUITHREADINFO info{};
+    info.cbSize = sizeof info;
+    GetGUIThreadInfo(GetWindowThreadProcessId(mMain, nullptr), &info);
+    return info.hwndCapture;
+}
+
 bool App::IsRunning() const {
     return WaitForSingleObject(mProcess.Get(), 0) == WAIT_TIMEOUT;
 }
@@ -418,8 +434,8 @@ bool App::Answers() const {
 
 // --- other windows ------------------------------------------------------------------------------
 
-HWND Window::Child(const char* name) const {
-    return GetDlgItem(mHandle, kFirstChild + Number(*mDesign, name, -1, false));
+HWND Window::Child(const char* name, int index) const {
+    return Find(mHandle, *mDesign, name, index);
 }
 
 void Window::Press(const char* button) const {

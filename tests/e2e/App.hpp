@@ -44,6 +44,10 @@ void PrintTo(const Box& box, std::ostream* stream);
 /// Presses and releases a key on the keyboard, for the window in the foreground.
 void Key(WORD key, bool withAlt = false);
 
+/// Posts a press and a release of the left mouse button at a point of the inside of `window`. What
+/// the mouse itself does comes late on this system, and looks like dragging.
+void ClickIn(HWND window, int x, int y);
+
 /// The text of a window of another program.
 std::string TextOf(HWND window);
 
@@ -57,7 +61,7 @@ public:
 
     HWND Handle() const { return mHandle; }
     bool IsThere() const { return IsWindow(mHandle) != 0; }
-    HWND Child(const char* name) const;
+    HWND Child(const char* name, int index = -1) const;
     std::string Text(const char* name) const { return TextOf(Child(name)); }
     /// The text of one panel of a status bar, from 0.
     std::string Panel(const char* bar, int index) const;
@@ -122,6 +126,7 @@ public:
 
     bool InMenu() const;
     HWND Focus() const;
+    HWND Capture() const;
     bool IsRunning() const;
     /// Waits for the end of the program; its exit status.
     DWORD Wait() const;

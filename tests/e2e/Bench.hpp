@@ -20,11 +20,15 @@ class Bench : public testing::Test {
 protected:
     Bench() {
         std::ofstream(image, std::ios::binary) << ImageOf(60);
-        const AppInfo program;
-        RegDeleteTreeW(HKEY_CURRENT_USER,
-                       ToWide("SOFTWARE\\" + program.companyName + "\\" + program.title).c_str());
+        ForgetSettings();
         app.emplace();
     }
+
+    static std::wstring ProgramKey() {
+        const AppInfo program;
+        return ToWide("SOFTWARE\\" + program.companyName + "\\" + program.title);
+    }
+    static void ForgetSettings() { RegDeleteTreeW(HKEY_CURRENT_USER, ProgramKey().c_str()); }
 
     void TearDown() override {
         if (HasFailure()) Ask("keep " + Name());

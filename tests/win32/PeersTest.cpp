@@ -12,7 +12,10 @@
 #include "dialogs/frmAbout.hpp"
 #include "dialogs/frmStatus.hpp"
 #include "monitor/frmMonitor.hpp"
+#include "monitor/frmPortSettings.hpp"
 #include "monitor/frmSend.hpp"
+#include "settings/CAppSettings.hpp"
+#include "settings/frmConfigure.hpp"
 #include "simulator/VirtualIndicator.hpp"
 #include "tests/Images.hpp"
 #include "tests/win32/RealWindows.hpp"
@@ -89,6 +92,34 @@ std::shared_ptr<Form> MakeMonitor(Desktop& desktop, Platform& platform) {
     return std::make_shared<frmMonitor>(desktop, platform, nobody);
 }
 
+struct AMonitor {
+    std::shared_ptr<Form> monitor;
+};
+
+/// The dialog of a terminal that is never shown.
+class PortSettings : AMonitor, public frmPortSettings {
+public:
+    PortSettings(Desktop& desktop, Platform& platform)
+        : AMonitor{MakeMonitor(desktop, platform)},
+          frmPortSettings(desktop, platform, dynamic_cast<frmMonitor&>(*monitor).comMonitor) {}
+};
+
+class Options : public frmConfigure, OptionsOwner {
+public:
+    Options(Desktop& desktop, Platform& platform)
+        : frmConfigure(desktop, platform),
+          mSettings(platform.registry, platform.codePage, platform.files) {}
+
+private:
+    std::vector<std::string> CommPorts() const override { return {"COM1", "COM2"}; }
+    void Form_Load() override {
+        frmConfigure::Form_Load();
+        mSettings.Initialize();
+        Initialize(mSettings, *this);
+    }
+    CAppSettings mSettings;
+};
+
 class PeersOfAWindow : public RealPeers, public testing::WithParamInterface<WindowKind> {
 protected:
     /// Opens the window, lets it be painted, closes it as its user would.
@@ -117,7 +148,9 @@ INSTANTIATE_TEST_SUITE_P(Real, PeersOfAWindow,
                                          WindowKind{"frmStatus", Make<frmStatus>},
                                          WindowKind{"frmAbout", Make<frmAbout>},
                                          WindowKind{"frmMonitor", MakeMonitor},
-                                         WindowKind{"frmSend", Make<frmSend>}),
+                                         WindowKind{"frmPortSettings", Make<PortSettings>},
+                                         WindowKind{"frmSend", Make<frmSend>},
+                                         WindowKind{"frmConfigure", Make<Options>}),
                          [](const auto& row) { return std::string(row.param.name); });
 
 class PeersInAFlash : public RealPeers {

@@ -1,0 +1,44 @@
+#include "platform/win32/Win32PanelPaint.hpp"
+
+#include <string>
+
+#include "platform/win32/Win32Banner.hpp"
+#include "platform/win32/Win32Pictures.hpp"
+
+namespace vantor {
+namespace {
+
+void PaintPrinted(Win32Stage& stage, const PictureBox& box, const ControlDesign& row, HDC target,
+                  const RECT& area) {
+    static_cast<void>(FillRect(
+        target, &area, GetSysColorBrush(box.captionBar ? COLOR_ACTIVECAPTION : COLOR_BTNFACE)));
+    static_cast<void>(SetBkMode(target, TRANSPARENT));
+    static_cast<void>(
+        SetTextColor(target, GetSysColor(box.captionBar ? COLOR_CAPTIONTEXT : COLOR_BTNTEXT)));
+    for (const PictureBox::Printed& printed : box.PrintedTexts()) {
+        const HFONT font = stage.Font(row.style.points, row.style.bold, printed.fontName);
+        const HGDIOBJ before = SelectObject(target, font);
+        const std::wstring text = ToWide(printed.text);
+        static_cast<void>(TextOutW(target, stage.ToPixels(printed.left),
+                                   stage.ToPixels(printed.top), text.c_str(),
+                                   static_cast<int>(text.size())));
+        static_cast<void>(SelectObject(target, before));
+    }
+}
+
+}  // namespace
+
+bool PaintPictureBox(Win32Stage& stage, const PictureBox& box, const ControlDesign& row, HDC target,
+                     const RECT& area) {
+    if (box.Loaded() != nullptr)
+        static_cast<const Win32Picture&>(*box.Loaded()).Draw(target, area);
+    else if (box.picture == StockPicture::Banner)
+        DrawBanner(stage, target, area);
+    else if (box.captionBar || !box.PrintedTexts().empty())
+        PaintPrinted(stage, box, row, target, area);
+    else
+        return false;
+    return true;
+}
+
+}  // namespace vantor

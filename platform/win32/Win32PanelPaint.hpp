@@ -1,0 +1,15 @@
+// What a picture box shows: its picture, its ground, and what was printed on it.
+#pragma once
+
+#include "controls/Controls.hpp"
+#include "controls/Form.hpp"
+#include "platform/win32/Win32Stage.hpp"
+
+namespace vantor {
+
+/// Paints `area` of `target`; false, with nothing painted, when the box is a plain panel. `row`
+/// says how large the letters are.
+bool PaintPictureBox(Win32Stage& stage, const PictureBox& box, const ControlDesign& row, HDC target,
+                     const RECT& area);
+
+}  // namespace vantor

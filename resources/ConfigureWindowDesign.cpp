@@ -1,0 +1,65 @@
+// The options dialog: the tree of pages at the left; at the right a caption bar over the pages,
+// which all lie on the place of the placeholder; below them OK, Cancel and Apply.
+#include <array>
+
+#include "resources/Designs.hpp"
+
+namespace vantor {
+namespace {
+
+using enum ControlKind;
+
+constexpr ControlStyle kHeading = {.bold = true};
+constexpr ControlStyle kCaptionBar = {.points = 11, .bold = true};
+constexpr ControlStyle kOk = {.defaultButton = true};
+constexpr ControlStyle kCancel = {.cancelButton = true};
+
+constexpr Place kPage = {2700, 645, 4740, 3015};
+
+constexpr float kFirstRow = 690;
+constexpr float kRow = 435;
+
+constexpr Place LabelAt(int row) {
+    return {240, kFirstRow + 45 + kRow * static_cast<float>(row), 2100, 255};
+}
+
+constexpr Place ListAt(int row) {
+    return {2400, kFirstRow + kRow * static_cast<float>(row), 2100, 345};
+}
+
+constexpr Place ButtonAt(int column) {
+    return {3435 + 1380 * static_cast<float>(column), 3855, 1245, 375};
+}
+
+constexpr std::array kControls = {
+    ControlDesign{TreeView, "tvwOptions", -1, "", {180, 180, 2340, 3480}, "", ""},
+    ControlDesign{PictureBox, "picSelection", -1, "", {2700, 180, 4740, 390}, "", "", kCaptionBar},
+
+    ControlDesign{PictureBox, "picDetails", -1, "", kPage, "", ""},
+    ControlDesign{Label, "lblDetails", -1, "picDetails", {240, 240, 4260, 600}, "Details", "502"},
+
+    ControlDesign{PictureBox, "picHolder", 0, "", kPage, "", ""},
+    ControlDesign{
+        Label, "lblLabels", 0, "picHolder", {240, 240, 4260, 255}, "Settings:", "503", kHeading},
+    ControlDesign{Label, "lblLabels", 1, "picHolder", LabelAt(0), "PC Comm Port", "504"},
+    ControlDesign{ComboBox, "cboPort", -1, "picHolder", ListAt(0), "", ""},
+    ControlDesign{Label, "lblLabels", 2, "picHolder", LabelAt(1), "Baud Rate", "505"},
+    ControlDesign{ComboBox, "cboBaudRate", -1, "picHolder", ListAt(1), "", ""},
+    ControlDesign{Label, "lblLabels", 3, "picHolder", LabelAt(2), "Data Bits", "506"},
+    ControlDesign{ComboBox, "cboDataBits", -1, "picHolder", ListAt(2), "", ""},
+    ControlDesign{Label, "lblLabels", 4, "picHolder", LabelAt(3), "Parity", "507"},
+    ControlDesign{ComboBox, "cboParity", -1, "picHolder", ListAt(3), "", ""},
+    ControlDesign{Label, "lblLabels", 5, "picHolder", LabelAt(4), "Stop Bits", "508"},
+    ControlDesign{ComboBox, "cboStopBits", -1, "picHolder", ListAt(4), "", ""},
+
+    ControlDesign{CommandButton, "cmdOK", -1, "", ButtonAt(0), "&OK", "101", kOk},
+    ControlDesign{CommandButton, "cmdCancel", -1, "", ButtonAt(1), "&Cancel", "103", kCancel},
+    ControlDesign{CommandButton, "cmdApply", -1, "", ButtonAt(2), "&Apply", "104"},
+};
+
+}  // namespace
+
+const FormDesign kConfigureWindowDesign = {
+    "frmConfigure", "Options", "501", {0, 0, 7710, 4845}, kControls};
+
+}  // namespace vantor

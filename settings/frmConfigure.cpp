@@ -1,0 +1,255 @@
+#include "settings/frmConfigure.hpp"
+
+#include <algorithm>
+#include <cmath>
+#include <utility>
+
+#include "app/base/LoadResources.hpp"
+#include "platform/MessageBoxes.hpp"
+#include "platform/StringTable.hpp"
+#include "resources/Designs.hpp"
+#include "settings/CAppSettings.hpp"
+#include "support/Conversions.hpp"
+#include "support/Traps.hpp"
+
+namespace vantor {
+namespace {
+
+/// Lists `items` and chooses `current`; nothing when it is none of them.
+void Fill(ComboBox& combo, std::vector<std::string> items, const std::string& current) {
+    combo.Items(std::move(items));
+    combo.ListIndex(FindStringComboBox(combo, current));
+}
+
+}  // namespace
+
+frmConfigure::frmConfigure(Desktop& desktop, Platform& platform)
+    : Form(desktop, kConfigureWindowDesign),
+      mPlatform(platform),
+      mobjFormPos(platform.registry, platform.codePage),
+      mobjTreeViewEnh(platform.registry, platform.codePage) {
+    picSelection.captionBar = true;
+    tvwOptions.NodeClick.Handle([this](const TreeNode& node) { tvwOptions_NodeClick(node); });
+    cboPort.Click.Handle([this] { cboPort_Click(); });
+    cboBaudRate.Click.Handle([this] { cboBaudRate_Click(); });
+    cboDataBits.Click.Handle([this] { cboDataBits_Click(); });
+    cboParity.Click.Handle([this] { cboParity_Click(); });
+    cboStopBits.Click.Handle([this] { cboStopBits_Click(); });
+    cmdOK.Click.Handle([this] { cmdOK_Click(); });
+    cmdCancel.Click.Handle([this] { cmdCancel_Click(); });
+    cmdApply.Click.Handle([this] { cmdApply_Click(); });
+}
+
+void frmConfigure::Form_Load() {
+    Trapped("frmConfigure.Form_Load", [this] {
+        RestorePosition();
+        LoadResources(*this, mPlatform.strings);
+        InitializeControls();
+    });
+}
+
+// Of the record only the corner counts: a dialog has the size of its design, whatever a program
+// with another design has stored, and it is neither minimised nor maximised.
+void frmConfigure::RestorePosition() {
+    mobjFormPos.Form = this;
+    const bool restored = mobjFormPos.RestoreForm(true) && State() == WindowState::Normal;
+    State(WindowState::Normal);
+    const float pixel = GetDesktop().GetPeers().TwipsPerPixel();
+    const auto whole = [pixel](float twips) { return std::round(twips / pixel) * pixel; };
+    const vantor::Place& design = Design().place;
+    Place({whole(Place().left), whole(Place().top), design.width, design.height});
+    if (!restored) mobjFormPos.CenterForm();
+}
+
+void frmConfigure::InitializeControls() {
+    Trapped("frmConfigure.InitializeControls", [this] {
+        const auto text = [this](std::int32_t id) { return mPlatform.strings.LoadResString(id); };
+        tvwOptions.Clear();
+        tvwOptions.Add({.key = "P1", .parent = "", .text = text(513), .bold = true});
+        tvwOptions.Add({.key = "C0", .parent = "P1", .text = text(514)});
+        mobjTreeViewEnh.Tree = &tvwOptions;
+        mobjTreeViewEnh.RestoreNodeStates();
+        for (PictureBox& page : picHolder) {
+            vantor::Place place = page.Place();
+            place.left = picDetails.Place().left;
+            place.top = picDetails.Place().top;
+            page.Place(place);
+            page.Border(vantor::Border::Static);
+        }
+        picDetails.Border(vantor::Border::Static);
+        tvwOptions.Border(vantor::Border::Static);
+        const int settings = tvwOptions.NodeIndex("C0");
+        tvwOptions.Select(settings);
+        tvwOptions_NodeClick(tvwOptions.Nodes()[static_cast<std::size_t>(settings)]);
+    });
+}
+
+void frmConfigure::Initialize(CAppSettings& settings, const OptionsOwner& owner) {
+    Trapped("frmConfigure.Initialize", [&] {
+        mobjSettings = &settings;
+        settings.Valid = [this](bool& valid) { mobjSettings_Valid(valid); };
+        SetValid(settings.IsValid());
+        mobjOwner = &owner;
+        LoadData();
+        BeginEdit();
+    });
+}
+
+void frmConfigure::SetValid(bool valid) {
+    Trapped("frmConfigure.SetValid", [&] {
+        cmdApply.Enabled(valid);
+        cmdOK.Enabled(valid);
+    });
+}
+
+void frmConfigure::mobjSettings_Valid(bool valid) {
+    Trapped("frmConfigure.mobjSettings_Valid", [&] { SetValid(valid); });
+}
+
+void frmConfigure::LoadData() {
+    const auto fill = [this] {
+        mblnLoading = true;
+        std::vector<std::string> ports = mobjOwner->CommPorts();
+        std::erase_if(
+            ports, [](const std::string& name) { return name.find("COM") == std::string::npos; });
+        Fill(cboPort, std::move(ports), mobjSettings->CommPort());
+        Fill(cboBaudRate, {"9600", "38400"}, mobjSettings->BaudRate());
+        const std::string none = mPlatform.strings.LoadResString(517);
+        Fill(cboParity, {"N" + none}, UpperCase(mobjSettings->Parity()) + none);
+        Fill(cboDataBits, {"8"}, mobjSettings->DataBits());
+        Fill(cboStopBits, {"2"}, mobjSettings->StopBits());
+    };
+    Trapped("frmConfigure.LoadData", fill, [this] { mblnLoading = false; });
+}
+
+void frmConfigure::BeginEdit() {
+    mobjSettings->BeginEdit();
+    mblnEditing = true;
+}
+
+void frmConfigure::ApplyEdit() {
+    mobjSettings->ApplyEdit();
+    mblnEditing = false;
+}
+
+void frmConfigure::CancelEdit() {
+    mobjSettings->CancelEdit();
+    mblnEditing = false;
+}
+
+void frmConfigure::ApplySettings() {
+    Trapped("frmConfigure.ApplySettings", [this] {
+        ApplyEdit();
+        BeginEdit();
+    });
+}
+
+// --- the tree and the pages ----------------------------------------------------------------------
+
+void frmConfigure::tvwOptions_NodeClick(const TreeNode& node) {
+    Trapped("frmConfigure.tvwOptions_NodeClick", [&] {
+        PrintSelection(node.text);
+        if (node.key.starts_with("C")) {
+            const auto index = static_cast<std::size_t>(ToInt16(node.key.substr(1)));
+            PictureBox& page = picHolder.at(index);
+            page.ZOrder();
+            EnablePage(&page);
+        } else if (node.key.starts_with("P")) {
+            picDetails.ZOrder();
+            EnablePage(nullptr);
+        }
+    });
+}
+
+void frmConfigure::PrintSelection(const std::string& text) {
+    picSelection.Cls();
+    picSelection.FontName = "Tahoma";
+    picSelection.CurrentX = picSelection.TextWidth(" ");
+    picSelection.CurrentY = (picSelection.Place().height - picSelection.TextHeight(text)) / 2;
+    picSelection.Print(text);
+}
+
+// Behind another page, a page that could be reached by Tab would take what nobody sees.
+void frmConfigure::EnablePage(const PictureBox* page) {
+    for (PictureBox& each : picHolder) each.Enabled(false);
+    for (PictureBox& each : picHolder)
+        if (&each == page) each.Enabled(true);
+}
+
+// --- the lists -----------------------------------------------------------------------------------
+
+// A value that the settings refuse is reported, and the list goes on showing what was picked while
+// the settings keep what they had. This is deliberate, here and in all that follow.
+void frmConfigure::cboPort_Click() {
+    Trapped("frmConfigure.cboPort_Click", [this] {
+        if (!mblnLoading) mobjSettings->CommPort(cboPort.Text());
+    });
+}
+
+void frmConfigure::cboBaudRate_Click() {
+    Trapped("frmConfigure.cboBaudRate_Click", [this] {
+        constexpr double kRecommended = 38400;
+        if (mblnLoading) return;
+        mobjSettings->BaudRate(cboBaudRate.Text());
+        if (LeadingNumber(cboBaudRate.Text()) >= kRecommended) return;
+        mPlatform.boxes.Show({.text = mPlatform.strings.LoadResString(512),
+                              .title = "",
+                              .icon = BoxIcon::Information,
+                              .owner = Handle()});
+        // The window may have been closed behind the box, and its edit with it.
+        if (!Gone()) mobjSettings->BaudRate(cboBaudRate.Text());
+    });
+}
+
+void frmConfigure::cboDataBits_Click() {
+    Trapped("frmConfigure.cboDataBits_Click", [this] {
+        if (!mblnLoading) mobjSettings->DataBits(cboDataBits.Text());
+    });
+}
+
+void frmConfigure::cboParity_Click() {
+    Trapped("frmConfigure.cboParity_Click", [this] {
+        if (!mblnLoading) mobjSettings->Parity(cboParity.Text().substr(0, 1));
+    });
+}
+
+// The only entry is one that the settings refuse.
+void frmConfigure::cboStopBits_Click() {
+    Trapped("frmConfigure.cboStopBits_Click", [this] {
+        if (!mblnLoading) mobjSettings->StopBits(cboStopBits.Text());
+    });
+}
+
+// --- the ways out --------------------------------------------------------------------------------
+
+void frmConfigure::cmdOK_Click() {
+    Trapped("frmConfigure.cmdOK_Click", [this] {
+        ApplyEdit();
+        Unload();
+    });
+}
+
+void frmConfigure::cmdApply_Click() {
+    Trapped("frmConfigure.cmdApply_Click", [this] { ApplySettings(); });
+}
+
+void frmConfigure::cmdCancel_Click() {
+    Trapped("frmConfigure.cmdCancel_Click", [this] {
+        CancelEdit();
+        Unload();
+    });
+}
+
+void frmConfigure::Form_Unload() {
+    Trapped("frmConfigure.Form_Unload", [this] {
+        // The title bar, Alt+F4 and the end of the program are Cancel: the settings would be left
+        // in an edit that nothing ends, and the next dialog could not begin its own.
+        if (mblnEditing) CancelEdit();
+        if (mobjSettings) mobjSettings->Valid = {};
+        mobjFormPos.SaveForm();
+        mobjTreeViewEnh.SaveNodeStates();
+        mobjOwner = nullptr;
+    });
+}
+
+}  // namespace vantor

@@ -1,0 +1,216 @@
+// The options dialog in the hands of its user, and what is in the registry afterwards.
+#include "tests/e2e/MonitorBench.hpp"
+// Needs what the line above declares.
+#include <commctrl.h>
+
+#include <array>
+#include <map>
+#include <string>
+
+#include "resources/Designs.hpp"
+
+namespace vantor::e2e {
+namespace {
+
+using namespace std::string_literals;
+
+const Box kAdvice = {
+    "Tessmar Vantor Update",
+    "It is recommended that a baud rate above 19200 be used for communications. Baud rates below "
+    "38400 result in an increased download time.",
+    "information"};
+const Box kRefused = {
+    "Tessmar Vantor Update",
+    "The following error has occurred in procedure: \r\nfrmConfigure.cboStopBits_Click on line "
+    "0\r\nError (-2147211502) Application-defined or object-defined error",
+    "critical"};
+
+class Options : public MonitorBench {
+protected:
+    using Values = std::map<std::string, std::string>;
+
+    /// The values of one of the program's keys, byte for byte; what is no REG_SZ names its type.
+    static Values Stored(const wchar_t* key) {
+        HKEY open = nullptr;
+        Values values;
+        if (RegOpenKeyExW(HKEY_CURRENT_USER, (ProgramKey() + L"\\" + key).c_str(), 0,
+                          KEY_QUERY_VALUE, &open) != ERROR_SUCCESS)
+            return values;
+        std::array<char, 256> name{};
+        std::array<char, 256> data{};
+        DWORD nameLength = 0;
+        DWORD size = 0;
+        DWORD type = 0;
+        for (DWORD i = 0; nameLength = name.size(), size = data.size(),
+                   RegEnumValueA(open, i, name.data(), &nameLength, nullptr, &type,
+                                 reinterpret_cast<BYTE*>(data.data()), &size) == ERROR_SUCCESS;
+             ++i)
+            values[name.data()] =
+                std::string(data.data(), size) + (type == REG_SZ ? "" : std::to_string(type));
+        RegCloseKey(open);
+        return values;
+    }
+    static Values SettingsWith(const std::string& port, const std::string& speed) {
+        return {{"AutoUnZip", "True\0"s}, {"PassiveFTP", "False\0"s},  {"Port", port + '\0'},
+                {"Baud", speed + '\0'},   {"Parity", "N\0"s},          {"DataBits", "8\0"s},
+                {"StopBits", "2\0"s},     {"EnableProxy", "False\0"s}, {"ProxyHostname", "\0"s},
+                {"ProxtPort", "8080\0"s}, {"ProxyUsername", "\0"s},    {"ProxyPassword", "\0"s},
+                {"ProxyType", "1\0"s}};
+    }
+
+    Window Open() const {
+        app->Choose("mnuToolsOptions");
+        const Window options = app->AwaitForm(kConfigureWindowDesign);
+        Await("the keyboard", [&] { return app->Focus() == options.Child("tvwOptions"); });
+        EXPECT_EQ(IsWindowEnabled(app->Main()), FALSE);
+        return options;
+    }
+    void AwaitClosed(const Window& options) const {
+        Await("the end", [&] { return !options.IsThere(); });
+        Await("the main window", [this] { return IsWindowEnabled(app->Main()) != 0; });
+        EXPECT_EQ(app->Dialog(), nullptr);
+    }
+    /// Goes with Tab to a list and presses a key there.
+    void KeyIn(const Window& options, const char* list, WORD key) const {
+        for (int tabs = 0; tabs < 9 && app->Focus() != options.Child(list); ++tabs) {
+            const HWND before = app->Focus();
+            Key(VK_TAB);
+            Await("the next control", [&] { return app->Focus() != before; });
+        }
+        ASSERT_EQ(app->Focus(), options.Child(list));
+        Key(key);
+    }
+    void PickPort(const Window& options, WORD key, const std::string& port) const {
+        KeyIn(options, "cboPort", key);
+        Await(port, [&] { return options.Text("cboPort") == port; });
+    }
+
+    static HTREEITEM Item(const Window& options, WPARAM which, HTREEITEM from = nullptr) {
+        return reinterpret_cast<HTREEITEM>(SendMessageW(
+            options.Child("tvwOptions"), TVM_GETNEXTITEM, which, reinterpret_cast<LPARAM>(from)));
+    }
+    static bool IsHeadingOpen(const Window& options) {
+        const HTREEITEM root = Item(options, TVGN_ROOT);
+        return (SendMessageW(options.Child("tvwOptions"), TVM_GETITEMSTATE,
+                             reinterpret_cast<WPARAM>(root), TVIS_EXPANDED) &
+                TVIS_EXPANDED) != 0;
+    }
+    /// The panel that is in front where the pages lie.
+    static HWND Front(const Window& options) {
+        RECT page{};
+        GetWindowRect(options.Child("picDetails"), &page);
+        return WindowFromPoint({page.right - 8, page.bottom - 8});
+    }
+    static void ExpectPage(const Window& options, const char* text, bool serial) {
+        Await(text, [&] { return options.Text("picSelection") == text; });
+        const HWND page = options.Child("picHolder", 0);
+        Await("the page",
+              [&] { return Front(options) == (serial ? page : options.Child("picDetails")); });
+        EXPECT_EQ(IsWindowEnabled(page) != 0, serial);
+    }
+};
+
+TEST_F(Options, OkApplyAndCancelDecideWhatIsStored) {
+    Window options = Open();
+    Key(VK_RETURN);
+    AwaitClosed(options);
+    EXPECT_EQ(Stored(L"Settings"), Values{});
+
+    options = Open();
+    PickPort(options, VK_DOWN, "COM2");
+    Key(VK_ESCAPE);
+    AwaitClosed(options);
+    EXPECT_EQ(Stored(L"Settings"), Values{});
+
+    options = Open();
+    EXPECT_EQ(options.Text("cboPort"), "COM1");
+    PickPort(options, VK_DOWN, "COM2");
+    Key('A', true);
+    Await("the values", [] { return Stored(L"Settings") == SettingsWith("COM2 ", "38400 "); });
+    PickPort(options, VK_UP, "COM1");
+    options.Close();
+    AwaitClosed(options);
+    EXPECT_EQ(Stored(L"Settings"), SettingsWith("COM2 ", "38400 "));
+
+    Restart();
+    options = Open();
+    EXPECT_EQ(options.Text("cboPort"), "COM2");
+    PickPort(options, VK_UP, "COM1");
+    Key('O', true);
+    AwaitClosed(options);
+    EXPECT_EQ(Stored(L"Settings"), SettingsWith("COM1 ", "38400 "));
+}
+
+// In an open list the arrows only pass over the items; the one it closes with counts.
+TEST_F(Options, ASlowSpeedIsAdvisedAgainstOnceAndKept) {
+    Window options = Open();
+    KeyIn(options, "cboBaudRate", VK_F4);
+    for (const int key : {VK_UP, VK_DOWN, VK_UP, VK_RETURN}) Key(static_cast<WORD>(key));
+    EXPECT_EQ(app->TakeBox(), kAdvice);
+    EXPECT_TRUE(options.IsThere());
+    KeyIn(options, "cboBaudRate", VK_F4);
+    for (const int key : {VK_DOWN, VK_ESCAPE}) Key(static_cast<WORD>(key));
+    Await("the choice of before", [&] {
+        return options.Text("cboBaudRate") == "9600" &&
+               SendMessageW(options.Child("cboBaudRate"), CB_GETDROPPEDSTATE, 0, 0) == 0;
+    });
+    EXPECT_TRUE(options.IsThere()) << "the key was the list's";
+    options.Press("cmdOK");
+    AwaitClosed(options);
+    EXPECT_EQ(Stored(L"Settings"), SettingsWith("COM1 ", "9600  "));
+    EXPECT_EQ(OpenMonitor().Panel("sbStatusBar", 2), "9600,N,8,2");
+}
+
+TEST_F(Options, TheRefusedStopBitsAreReportedAndStayShown) {
+    const Window options = Open();
+    KeyIn(options, "cboStopBits", VK_F4);
+    Key(VK_RETURN);
+    EXPECT_EQ(app->TakeBox(), kRefused);
+    const HWND list = options.Child("cboStopBits");
+    ClickIn(list, 20, 8);
+    Await("the open list, which has the mouse", [&] {
+        const HWND capture = app->Capture();
+        return capture != nullptr && capture != list;
+    });
+    ClickIn(app->Capture(), 20, 8);
+    EXPECT_EQ(app->TakeBox(), kRefused);
+    EXPECT_EQ(options.Text("cboStopBits"), "2");
+    options.Press("cmdOK");
+    AwaitClosed(options);
+    EXPECT_EQ(Stored(L"Settings"), Values{});
+}
+
+TEST_F(Options, TheTreeChangesThePageAndIsRememberedWithTheCorner) {
+    Window options = Open();
+    ExpectPage(options, "Settings", true);
+    EXPECT_TRUE(IsHeadingOpen(options));
+    Key(VK_LEFT);
+    ExpectPage(options, "Communications", false);
+    Key(VK_TAB);
+    Await("what no page hides", [&] { return app->Focus() == options.Child("cmdOK"); });
+    const HWND tree = options.Child("tvwOptions");
+    const auto line = static_cast<int>(SendMessageW(tree, TVM_GETITEMHEIGHT, 0, 0));
+    ClickIn(tree, 70, line * 3 / 2);
+    ExpectPage(options, "Settings", true);
+    ClickIn(tree, 70, line / 2);
+    ExpectPage(options, "Communications", false);
+    Key(VK_LEFT);
+    Await("the closed heading", [&] { return !IsHeadingOpen(options); });
+    SetWindowPos(options.Handle(), nullptr, 60, 40, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+    RECT before{};
+    GetWindowRect(options.Handle(), &before);
+    Key('C', true);
+    AwaitClosed(options);
+    EXPECT_EQ(Stored(L"Positions\\NodeStates"), (Values{{"tvwOptions", "P1=False|C0=False|\0"s}}));
+
+    Restart();
+    options = Open();
+    ExpectPage(options, "Settings", true);
+    EXPECT_TRUE(IsHeadingOpen(options)) << "the selected node is hidden";
+    RECT after{};
+    GetWindowRect(options.Handle(), &after);
+    EXPECT_TRUE(EqualRect(&before, &after)) << after.left << ' ' << after.top;
+}
+
+}  // namespace
+}  // namespace vantor::e2e

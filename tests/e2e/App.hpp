@@ -44,6 +44,10 @@ void PrintTo(const Box& box, std::ostream* stream);
 /// Presses and releases a key on the keyboard, for the window in the foreground.
 void Key(WORD key, bool withAlt = false);
 
+/// What is seen there, row by row, as 0xRRGGBB.
+using Pixels = std::vector<std::uint32_t>;
+Pixels OnScreen(const RECT& at);
+
 /// The text of a window of another program.
 std::string TextOf(HWND window);
 
@@ -75,7 +79,7 @@ private:
 class App {
 public:
     /// Starts the program and waits for its window.
-    App();
+    explicit App(const std::string& path = Setting("E2E_PROGRAM"));
     /// Ends it, whatever it does.
     ~App();
     App(const App&) = delete;
@@ -121,6 +125,8 @@ public:
     static std::string TextIn(HWND box);
 
     bool InMenu() const;
+    /// The menu that is open; null while there is none.
+    HWND Menu() const;
     HWND Focus() const;
     bool IsRunning() const;
     /// Waits for the end of the program; its exit status.

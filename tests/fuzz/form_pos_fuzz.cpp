@@ -56,9 +56,9 @@ void Fuzz(std::string_view input) {
     Require(bench.headless.boxes.shown.empty());
     Require(place.width >= 0 && place.height >= 0);
     const Size screen = bench.headless.peers.ScreenSize();
-    // At the edge only when there is nothing that could be pulled back.
+    // At the edge only when there is next to nothing to pull back.
     const auto onScreen = [](float at, float size, float limit) {
-        return at >= 0 && (at < limit || (at == limit && size == 0));
+        return at >= 0 && (at < limit || (at == limit && size < 1));
     };
     Require(!keepOnScreen || (onScreen(place.left, place.width, screen.width) &&
                               onScreen(place.top, place.height, screen.height)));

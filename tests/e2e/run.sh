@@ -169,6 +169,9 @@ case ${1:-} in
     drive C.UTF-8 --gtest_filter='-Screens.*:Measure.*:Monkey.*:Spanish*' || status=1
     drive es_ES.UTF-8 --gtest_filter='Spanish*' || status=1
     ;;
+Spanish*)
+    drive es_ES.UTF-8 --gtest_filter="$1" || status=1
+    ;;
 *)
     drive C.UTF-8 --gtest_filter="$1" || status=1
     ;;

@@ -1,6 +1,6 @@
 // Stored settings: behind the first line one line of the input a value, in the order in which they
 // are read. What loads is what is saved. The first line is a new value for one property, which its
-// first byte chooses: what an edit accepts keeps the rules.
+// first byte chooses: it refuses it or holds it.
 #include "app/base/AppInfo.hpp"
 #include "platform/headless/HeadlessPlatform.hpp"
 #include "settings/CAppSettings.hpp"
@@ -34,35 +34,21 @@ void Store(Registry& registry, std::string_view input) {
     registry.CloseKey(key);
 }
 
-/// Gives one property the new value; if it takes it, it holds it and keeps its rule.
+/// Gives one property the new value, which it refuses or holds.
 void Edit(CAppSettings& settings, unsigned property, const std::string& value) {
-    const std::string trimmed(TrimBlanks(value));
-    switch (property % 7) {
-        case 0:
-            if (Accepts([&] { settings.CommPort(value); })) Require(settings.CommPort() == trimmed);
-            break;
-        case 1:
-            if (Accepts([&] { settings.BaudRate(value); }))
-                Require(ToInt32(trimmed) >= 300 && ToInt32(trimmed) <= 115200);
-            break;
-        case 2:
-            if (Accepts([&] { settings.Parity(value); })) Require(trimmed.size() == 1);
-            break;
-        case 3:
-            if (Accepts([&] { settings.DataBits(value); }))
-                Require(trimmed == "7" || trimmed == "8");
-            break;
-        case 4:
-            if (Accepts([&] { settings.StopBits(value); })) Require(trimmed == "1");
-            break;
-        case 5:
-            if (Accepts([&] { settings.ProxyPort(value); }))
-                Require(LeadingNumber(trimmed) > 0 && LeadingNumber(trimmed) <= 65535);
-            break;
-        default:
-            if (Accepts([&] { settings.ProxyPassword(value); }))
-                Require(settings.ProxyPassword() == trimmed);
-    }
+    using S = CAppSettings;
+    constexpr struct {
+        void (S::*set)(const std::string&);
+        std::string (S::*get)() const;
+    } kProperties[] = {{&S::CommPort, &S::CommPort},
+                       {&S::BaudRate, &S::BaudRate},
+                       {&S::Parity, &S::Parity},
+                       {&S::DataBits, &S::DataBits},
+                       {&S::StopBits, &S::StopBits},
+                       {&S::ProxyPort, &S::ProxyPort},
+                       {&S::ProxyPassword, &S::ProxyPassword}};
+    const auto& [set, get] = kProperties[property % std::size(kProperties)];
+    if (Accepts([&] { (settings.*set)(value); })) Require((settings.*get)() == TrimBlanks(value));
 }
 
 }  // namespace

@@ -47,8 +47,9 @@ void Edit(CAppSettings& settings, unsigned property, const std::string& value) {
                        {&S::StopBits, &S::StopBits},
                        {&S::ProxyPort, &S::ProxyPort},
                        {&S::ProxyPassword, &S::ProxyPassword}};
-    const auto& [set, get] = kProperties[property % std::size(kProperties)];
-    if (Accepts([&] { (settings.*set)(value); })) Require((settings.*get)() == TrimBlanks(value));
+    const auto& chosen = kProperties[property % std::size(kProperties)];
+    if (Accepts([&] { (settings.*chosen.set)(value); }))
+        Require((settings.*chosen.get)() == TrimBlanks(value));
 }
 
 }  // namespace

@@ -1,5 +1,7 @@
 #include "content/CImageInfo.hpp"
 
+#include <algorithm>
+
 #include "support/RuntimeError.hpp"
 
 namespace vantor {
@@ -91,17 +93,19 @@ void CImageInfo::ReadBmp() {
 }
 
 void CImageInfo::ReadJpeg() {
+    // Behind the end of a short file no marker can begin.
+    const std::size_t end = std::min(kSearchEnd, mBytes.size());
     std::size_t at = 0;
     while (!(At(at) == 255 && At(at + 1) == 216 && At(at + 2) == 255))
-        if (++at >= kSearchEnd) return;
+        if (++at >= end) return;
     at += 2;
     for (;;) {
         while (!(At(at) == 255 && At(at + 1) != 255))
-            if (++at >= kSearchEnd) return;
+            if (++at >= end) return;
         ++at;
         if (IsStartOfFrame(At(at))) break;
         at += static_cast<std::size_t>(HighFirst(at + 1));
-        if (at >= kSearchEnd) return;
+        if (at >= end) return;
     }
     mType = Type::Jpeg;
     mHeight = HighFirst(at + 4);

@@ -23,7 +23,10 @@ std::string Decimal(float number) {
 void TakeNumber(std::string_view record, std::string_view marker, float& quantity) {
     const std::size_t at = record.find(marker);
     if (at == std::string_view::npos) return;
-    quantity = static_cast<float>(LeadingNumber(record.substr(at + marker.size())));
+    const double number = LeadingNumber(record.substr(at + marker.size()));
+    // Beyond 32 bits no place can be meant, and none can be computed with.
+    static_cast<void>(ToInt32(number));
+    quantity = static_cast<float>(number);
 }
 
 }  // namespace
@@ -68,6 +71,7 @@ void CFormPos::Apply(const std::string& record, bool keepOnScreen) {
         Form->State(special);
         return;
     }
+    if (place.width < 0 || place.height < 0) throw RuntimeError(ErrorNumber::InvalidPropertyValue);
     if (keepOnScreen) {
         const Size screen = Form->GetDesktop().GetPeers().ScreenSize();
         if (screen.width <= place.left) place.left = screen.width - place.width;

@@ -29,7 +29,8 @@ public:
 
     /// Applies the record; false, with nothing changed, when there is none. A minimised or
     /// maximised state is taken without the place. With `keepOnScreen` a window whose corner
-    /// lies off the right or bottom edge is pulled back, one that overhangs is left.
+    /// lies off the right or bottom edge is pulled back, one that overhangs is left. A number
+    /// beyond 32 bits and a negative size are errors (6, 380).
     bool RestoreForm(bool keepOnScreen);
 
     /// Moves the window to the middle of the screen, its size unchanged.

@@ -86,21 +86,18 @@ LRESULT Send(HWND window, UINT message, WPARAM first, LPARAM second) {
     return static_cast<LRESULT>(result);
 }
 
-using Pixels = std::vector<std::uint32_t>;
-
-/// `draw`s on a bitmap of an icon's size in memory and returns what is there then.
-Pixels Draw(const std::function<void(HDC, int size)>& draw) {
-    const int size = GetSystemMetrics(SM_CXICON);
+/// `draw`s on a bitmap in memory and returns what is there then, row by row.
+Pixels Draw(int width, int height, const std::function<void(HDC)>& draw) {
     BITMAPINFO info{};
-    info.bmiHeader = {sizeof info.bmiHeader, size, -size, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
+    info.bmiHeader = {sizeof info.bmiHeader, width, -height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
     void* bits = nullptr;
     const HDC memory = CreateCompatibleDC(nullptr);
     const HBITMAP bitmap = CreateDIBSection(memory, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
     const HGDIOBJ before = SelectObject(memory, bitmap);
-    draw(memory, size);
+    draw(memory);
     GdiFlush();
     const auto* const drawn = static_cast<const std::uint32_t*>(bits);
-    Pixels pixels(drawn, drawn + size * size);
+    Pixels pixels(drawn, drawn + width * height);
     for (std::uint32_t& pixel : pixels) pixel &= 0xffffffu;
     SelectObject(memory, before);
     DeleteObject(bitmap);
@@ -108,16 +105,8 @@ Pixels Draw(const std::function<void(HDC, int size)>& draw) {
     return pixels;
 }
 
-Pixels OnScreen(const RECT& at) {
-    return Draw([&at](HDC memory, int size) {
-        const HDC screen = GetDC(nullptr);
-        BitBlt(memory, 0, 0, size, size, screen, at.left, at.top, SRCCOPY);
-        ReleaseDC(nullptr, screen);
-    });
-}
-
-Pixels OnGround(const wchar_t* icon, std::uint32_t ground) {
-    return Draw([&](HDC memory, int size) {
+Pixels OnGround(const wchar_t* icon, int size, std::uint32_t ground) {
+    return Draw(size, size, [&](HDC memory) {
         const RECT all = {0, 0, size, size};
         const HBRUSH brush =
             CreateSolidBrush(RGB(ground >> 16 & 0xffu, ground >> 8 & 0xffu, ground & 0xffu));
@@ -136,11 +125,13 @@ std::string IconIn(HWND box) {
         {IDI_ERROR, "critical"}};
     RECT at{};
     if (GetWindowRect(GetDlgItem(box, kBoxIcon), &at) == 0) return "none";
+    const int size = GetSystemMetrics(SM_CXICON);
+    at = {at.left, at.top, at.left + size, at.top + size};
     std::string found;
     Await("the icon of the box", [&] {
         const Pixels seen = OnScreen(at);
         for (const auto& [icon, name] : kKinds)
-            if (seen == OnGround(icon, seen[0])) found = name;
+            if (seen == OnGround(icon, size, seen[0])) found = name;
         return !found.empty();
     });
     return found;
@@ -216,6 +207,16 @@ Win32Handle StartProgram(const std::string& path) {
     return Win32Handle(started.hProcess);
 }
 
+Pixels OnScreen(const RECT& at) {
+    const int width = at.right - at.left;
+    const int height = at.bottom - at.top;
+    return Draw(width, height, [&](HDC memory) {
+        const HDC screen = GetDC(nullptr);
+        BitBlt(memory, 0, 0, width, height, screen, at.left, at.top, SRCCOPY);
+        ReleaseDC(nullptr, screen);
+    });
+}
+
 void PrintTo(const Box& box, std::ostream* stream) {
     *stream << box.icon << " box [" << box.title << "] \"" << box.text << "\", buttons";
     for (const int button : box.buttons) *stream << ' ' << button;
@@ -255,8 +256,8 @@ void PressIn(HWND dialog, int button) {
 
 // --- the program --------------------------------------------------------------------------------
 
-App::App() {
-    mProcess = StartProgram(Setting("E2E_PROGRAM"));
+App::App(const std::string& path) {
+    mProcess = StartProgram(path);
     mId = GetProcessId(mProcess.Get());
     Await("the main window", [this] {
         const std::vector<HWND> forms = Windows(L"VantorForm");
@@ -402,6 +403,11 @@ bool App::InMenu() const {
     info.cbSize = sizeof info;
     GetGUIThreadInfo(GetWindowThreadProcessId(mMain, nullptr), &info);
     return (info.flags & GUI_INMENUMODE) != 0;
+}
+
+HWND App::Menu() const {
+    const std::vector<HWND> menus = Windows(L"#32768");
+    return menus.empty() ? nullptr : menus.front();
 }
 
 HWND App::Focus() const {

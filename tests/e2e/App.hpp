@@ -48,6 +48,10 @@ void Key(WORD key, bool withAlt = false);
 /// the mouse itself does comes late on this system, and looks like dragging.
 void ClickIn(HWND window, int x, int y);
 
+/// What is seen there, row by row, as 0xRRGGBB.
+using Pixels = std::vector<std::uint32_t>;
+Pixels OnScreen(const RECT& at);
+
 /// The text of a window of another program.
 std::string TextOf(HWND window);
 
@@ -79,7 +83,7 @@ private:
 class App {
 public:
     /// Starts the program and waits for its window.
-    App();
+    explicit App(const std::string& path = Setting("E2E_PROGRAM"));
     /// Ends it, whatever it does.
     ~App();
     App(const App&) = delete;
@@ -125,6 +129,8 @@ public:
     static std::string TextIn(HWND box);
 
     bool InMenu() const;
+    /// The menu that is open; null while there is none.
+    HWND Menu() const;
     HWND Focus() const;
     HWND Capture() const;
     bool IsRunning() const;

@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "tests/e2e/MonitorBench.hpp"
+#include "tests/e2e/Pictures.hpp"
 
 namespace vantor::e2e {
 namespace {
@@ -71,6 +72,34 @@ TEST_F(Screens, OfTheOtherBoxes) {
         ShowBox(stage);
         app->TakeBox();
     }
+}
+
+TEST_F(Screens, OfThePictureTheMenusAndTheVersions) {
+    const PictureCache cache;
+    cache.Draw("a.jpg", "jpg", 300, 200);
+    Restart();
+    const HWND window = app->Main();
+    Show("picture", window);
+    PostMessageW(window, WM_SYSCOMMAND, SC_KEYMENU, 0);
+    Await("the menu bar", [this] { return app->InMenu(); });
+    Key(VK_DOWN);
+    for (const char* menu : {"file", "tools", "help"}) {
+        const HWND before = app->Menu();
+        Await("the menu", [this] { return app->Menu() != nullptr; });
+        Show(std::string("menu-") + menu, window, app->Menu());
+        Key(VK_RIGHT);
+        Await("the next menu", [&] { return app->Menu() != before; });
+    }
+    Key(VK_ESCAPE);
+    Key(VK_ESCAPE);
+    Await("the end of the menu", [this] { return !app->InMenu(); });
+    app->Choose("mnuToolsCurrentVersions");
+    ShowBox("versions");
+    app->TakeBox();
+    // Nothing that a user does leads there yet.
+    ShowWindow(app->Child("picStartup"), SW_HIDE);
+    ShowWindow(app->Child("picUpdate"), SW_SHOW);
+    Show("updates", window);
 }
 
 TEST_F(Screens, OfMonitorMode) {

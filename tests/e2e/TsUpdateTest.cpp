@@ -8,6 +8,7 @@
 
 #include "resources/Version.h"
 #include "tests/e2e/Bench.hpp"
+#include "tests/e2e/Pictures.hpp"
 
 namespace vantor::e2e {
 namespace {
@@ -301,6 +302,7 @@ TEST_F(Spanish, CaptionsAndTheWarning) {
 }  // namespace vantor::e2e
 
 int main(int argc, char** argv) {
+    if (vantor::e2e::OpensAnAddress(argc, argv)) return 0;
     testing::InitGoogleTest(&argc, argv);
     vantor::e2e::EnterDesktop();
     return RUN_ALL_TESTS();

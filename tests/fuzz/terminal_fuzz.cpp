@@ -1,24 +1,18 @@
 // Random bytes, in random portions, on a small screen that changes its size meanwhile. Beside what
 // the sanitizers see, the screen's own promises are checked at the end of each run.
 #include <algorithm>
-#include <cstddef>
 #include <cstdint>
-#include <cstdlib>
 #include <span>
-#include <string_view>
 
 #include "controls/TerminalParser.hpp"
 #include "controls/TerminalScreen.hpp"
 #include "controls/TerminalSelection.hpp"
+#include "tests/fuzz/Fuzz.hpp"
 
 namespace vantor {
 namespace {
 
 constexpr std::size_t kHistoryLines = 8;
-
-void Require(bool holds) {
-    if (!holds) std::abort();
-}
 
 void Check(const TerminalScreen& screen) {
     const auto [row, column] = screen.Cursor();
@@ -39,28 +33,25 @@ void Check(const TerminalScreen& screen) {
     Require(selection.Text().find('\x1B') == std::string::npos);
 }
 
+}  // namespace
+
+std::vector<std::string> Seeds() {
+    return {"\x10\x1B[2;3r\x1B[?6hab\r\n\xF5\x08\x1B[1;31mc"};
+}
+
 /// The first byte of each portion says how long it is, or that the size changes.
-void Run(std::string_view input) {
+void Fuzz(std::string_view input) {
     TerminalScreen screen(12, 4, kHistoryLines);
     TerminalParser parser(screen);
     while (!input.empty()) {
-        const auto head = static_cast<unsigned char>(input.front());
-        input.remove_prefix(1);
-        if (head >= 0xF0) {
-            screen.Resize(1 + (head & 3) * 7, 1 + (head >> 2 & 3) * 2);
-            continue;
-        }
-        const std::string_view portion = input.substr(0, head);
-        parser.Write(portion);
-        input.remove_prefix(portion.size());
+        const unsigned head = TakeByte(input);
+        if (head >= 0xF0)
+            screen.Resize(1 + static_cast<int>(head & 3) * 7,
+                          1 + static_cast<int>(head >> 2 & 3) * 2);
+        else
+            parser.Write(Take(input, head));
     }
     Check(screen);
 }
 
-}  // namespace
 }  // namespace vantor
-
-extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
-    vantor::Run({reinterpret_cast<const char*>(data), size});
-    return 0;
-}

@@ -59,10 +59,17 @@ TEST_F(CFormPosTest, ARecordIsAppliedMarkerByMarker) {
     }
 }
 
-TEST_F(CFormPosTest, WithoutARecordNothingMovesAndTheCentreIsTheScreens) {
+TEST_F(CFormPosTest, WithoutASoundRecordNothingMovesAndTheCentreIsTheScreens) {
     EXPECT_FALSE(position.RestoreForm(true));
     Store("");
     EXPECT_FALSE(position.RestoreForm(true));
+    for (const auto& [record, error] :
+         {std::pair{"L=1e300;T=5;", "6. Overflow"}, std::pair{"L=3e9;T=5;", "6. Overflow"},
+          std::pair{"T=5;W=-1;", "380. Invalid property value"}}) {
+        Store(record);
+        EXPECT_FALSE(position.RestoreForm(true));
+        EXPECT_EQ(Told(headless).back(), std::string("none|RestoreForm|Error: ") + error);
+    }
     EXPECT_EQ(window->Place(), (Place{1, 2, 3000, 4000}));
     position.CenterForm();
     EXPECT_EQ(window->Place(), (Place{12900, 6100, 3000, 4000}));

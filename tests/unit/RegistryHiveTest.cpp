@@ -75,13 +75,6 @@ TEST(RegistryText, ValuesBelowADamagedKeyLineGoToNoKey) {
             << line;
 }
 
-TEST(RegistryText, AFileCutAnywhereKeepsItsWholeLines) {
-    const std::string whole = kHead + "\"a\"=\"1\"\n\"b\"=dword:00000002\n\"c\"=hex:01,02\n";
-    for (std::size_t length = kHead.size() + 8; length < whole.size(); ++length)
-        EXPECT_TRUE(Exported(whole.substr(0, length)).starts_with(kHead + "\"a\"=\"1\"\n"))
-            << length;
-}
-
 TEST(RegistryText, AKeyOfHugeDepthIsRefusedWithoutHarm) {
     std::string deep = "[HKEY_CURRENT_USER";
     for (int i = 0; i < 200000; ++i) deep += "\\a";

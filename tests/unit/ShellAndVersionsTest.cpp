@@ -7,6 +7,7 @@
 #include "ReportingPlatform.hpp"
 #include "app/frmMain.hpp"
 #include "dialogs/CShellExecute.hpp"
+#include "tests/ProgramFile.hpp"
 
 namespace vantor {
 namespace {
@@ -52,105 +53,25 @@ TEST(CShellExecute, AStartedProcessIsWatchedUntilTheNextLaunchAndLetGoOf) {
     EXPECT_EQ(shell.released, 3) << "a handle leaked";
 }
 
-std::string U16(std::size_t value) {
-    return {static_cast<char>(value & 0xFF), static_cast<char>(value >> 8)};
-}
-std::string U32(std::size_t value) {
-    return U16(value & 0xFFFF) + U16(value >> 16);
-}
-std::string Wide(const std::string& text) {
-    std::string wide;
-    for (const char c : text) wide += std::string{c, '\0'};
-    return wide;
-}
-void Align(std::string& bytes) {
-    bytes.resize((bytes.size() + 3) / 4 * 4);
+std::string Program(const std::vector<std::string>& texts, const std::string& key) {
+    return ProgramAround(VersionBlock(texts, key, "\x09\x04\xB0\x04"));
 }
 
-/// A node of a version block; `words` is the length of a text value, 0 for a binary one.
-std::string Node(const std::string& key, const std::string& value, std::size_t words,
-                 const std::vector<std::string>& children = {}) {
-    std::string rest =
-        U16(words != 0 ? words : value.size()) + U16(words != 0 ? 1 : 0) + Wide(key + "\0"s);
-    rest.insert(0, 2, '\0');
-    Align(rest);
-    rest += value;
-    for (const std::string& child : children) {
-        Align(rest);
-        rest += child;
-    }
-    return rest.replace(0, 2, U16(rest.size()));
-}
-
-std::string Text(const std::string& key, const std::string& value) {
-    return Node(key, Wide(value), value.size());
-}
-
-/// A program file that holds nothing but headers and a version block.
-std::string Program(const std::vector<std::string>& texts, const std::string& key = "0C0A04E4",
-                    const std::string& translation = "\x0A\x0C\xE4\x04") {
-    const std::string block =
-        Node("VS_VERSION_INFO", std::string(52, 'f'), 0,
-             {Node("StringFileInfo", "", 0, {Node(key, "", 0, texts)}),
-              Node("VarFileInfo", "", 0, {Node("Translation", translation, 0)})});
-    constexpr std::size_t kSection = 0x200;
-    constexpr std::size_t kAddress = 0x3000;
-    const auto directory = [](std::size_t id, std::size_t offset) {
-        return std::string(12, '\0') + U16(0) + U16(1) + U32(id) + U32(offset);
-    };
-    const std::string resources = directory(16, 0x80000018) + directory(1, 0x80000030) +
-                                  directory(1033, 0x48) + U32(kAddress + 0x58) + U32(block.size()) +
-                                  U32(0) + U32(0) + block;
-    std::string file = "MZ" + std::string(58, '\0') + U32(0x40) + "PE\0\0"s + U16(0x8664) + U16(1) +
-                       std::string(12, '\0') + U16(240) + U16(0);
-    std::string optional = U16(0x20B) + std::string(126, '\0') + U32(kAddress) + U32(0x1000);
-    optional.resize(240);
-    file += optional + ".rsrc\0\0\0"s + U32(0x1000) + U32(kAddress) + U32(resources.size()) +
-            U32(kSection);
-    file.resize(kSection);
-    return file + resources;
-}
-
-class VersionsTest : public testing::Test {
-protected:
-    std::string Reported(Language language = Language::English) {
-        ReportingPlatform platform(language);
-        for (const auto& [name, bytes] : mInstalled)
-            platform.files.Add("/opt/vantor/" + name, bytes);
-        Desktop desktop(platform.peers, platform.pump);
-        const auto window = std::make_shared<frmMain>(desktop, platform.platform);
-        window->Load();
-        window->mnuToolsCurrentVersions.Press();
-        return Told(platform).empty() ? "" : Told(platform).back();
-    }
-    std::map<std::string, std::string> mInstalled;
-};
-
-TEST_F(VersionsTest, TheReportNamesFourProgramsAndOnlyTheirFileVersions) {
-    mInstalled = {
-        {"caldor.exe",
-         Program({Text("ProductVersion", "9"), Text("FileVersion", "  3.1 "s + "\0"s)})},
-        {"caldoredit.exe", Program({Text("ProductVersion", "9.9")})},
-        {"pellin.exe", Program({Text("FileVersion", " \0x"s)})},
-        {"tsupdate.exe", Program({Text("FileVersion", "2.05.31"), Text("Comments", "c")})}};
-    EXPECT_EQ(Reported(),
-              "i|Installed Software Version Information|Caldor Version: 3.1\r\n"
-              "Caldor Editor Version: Unknown\r\nPellin Version: Unknown\r\n"
-              "Web Update Version: 2.05.31\r\n");
-}
-
-TEST_F(VersionsTest, MissingBrokenAndMistranslatedFilesAreUnknown) {
-    const std::string whole = Program({Text("FileVersion", "1.0")});
-    for (std::size_t size = 0; size < whole.size(); size += 7) {
-        mInstalled = {{"caldor.exe", whole.substr(0, size)}};
-        EXPECT_EQ(Reported().find("Caldor Version: 1.0\r\n"), std::string::npos) << size;
-    }
-    mInstalled = {
-        {"caldor.exe", Program({Text("FileVersion", "1.0")}, "040904B0")},
-        {"pellin.exe", Program({Text("FileVersion", "1.0")}, "040904b0", "\x09\x04\xB0\x04")}};
-    const std::string report = Reported(Language::Spanish);
-    EXPECT_NE(report.find("Caldor Version: Unknown"), std::string::npos) << report;
-    EXPECT_NE(report.find("Pellin Version: 1.0\r\n"), std::string::npos) << report;
+TEST(Versions, TheReportTellsOnlyTheFileVersionInTheLanguageThatIsNamed) {
+    ReportingPlatform platform(Language::Spanish);
+    const std::string version = VersionText("FileVersion", " 3.1 \0x"s);
+    platform.files.Add("/opt/vantor/caldor.exe", Program({version}, "040904b0"));
+    platform.files.Add("/opt/vantor/caldoredit.exe", Program({version}, "0C0A04E4"));
+    platform.files.Add("/opt/vantor/pellin.exe",
+                       Program({VersionText("ProductVersion", "9")}, "040904B0"));
+    Desktop desktop(platform.peers, platform.pump);
+    const auto window = std::make_shared<frmMain>(desktop, platform.platform);
+    window->Load();
+    window->mnuToolsCurrentVersions.Press();
+    EXPECT_EQ(Told(platform),
+              Texts{"i|Installed Software Version Information|Caldor Version: 3.1\r\n"
+                    "Caldor Editor Version: Unknown\r\nPellin Version: Unknown\r\n"
+                    "Web Update Version: Unknown\r\n"});
 }
 
 }  // namespace

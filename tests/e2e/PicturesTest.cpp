@@ -1,0 +1,191 @@
+// The picture of the main window and the web address behind it, and what the program tells of the
+// programs that are installed beside it.
+#include <gtest/gtest.h>
+
+#include <array>
+#include <filesystem>
+#include <string>
+
+#include "tests/ProgramFile.hpp"
+#include "tests/e2e/Bench.hpp"
+#include "tests/e2e/Pictures.hpp"
+
+namespace vantor::e2e {
+namespace {
+
+using Addresses = std::vector<std::string>;
+
+class Pictures : public Bench {
+protected:
+    RECT Place() const {
+        RECT place{};
+        GetWindowRect(app->Child("picPicture"), &place);
+        return place;
+    }
+
+    /// Where the red and the blue half of a picture are seen, within the picture's place.
+    struct Halves {
+        RECT red = {};
+        RECT blue = {};
+    };
+    Halves Seen() const {
+        const RECT place = Place();
+        const Pixels pixels = OnScreen(place);
+        Halves halves;
+        for (LONG i = 0; i < static_cast<LONG>(pixels.size()); ++i) {
+            const LONG x = i % (place.right - place.left);
+            const LONG y = i / (place.right - place.left);
+            const RECT here = {x, y, x + 1, y + 1};
+            const std::uint32_t pixel = pixels[static_cast<std::size_t>(i)] & 0xF0F0F0u;
+            if (pixel == 0xF00000u) UnionRect(&halves.red, &halves.red, &here);
+            if (pixel == 0x0000F0u) UnionRect(&halves.blue, &halves.blue, &here);
+        }
+        return halves;
+    }
+    bool ShowsTheBuiltIn() const {
+        const RECT place = Place();
+        // The middle of the banner's left edge, in the colour that its gradient starts with.
+        const RECT edge = {place.left + 2, place.bottom - 4, place.left + 3, place.bottom - 3};
+        return OnScreen(edge).front() == 0x122B46u;
+    }
+
+    void Click() const {
+        const RECT place = Place();
+        SetForegroundWindow(app->Main());
+        SetCursorPos((place.left + place.right) / 2, (place.top + place.bottom) / 2);
+        for (const auto button : std::to_array<DWORD>({MOUSEEVENTF_LEFTDOWN, MOUSEEVENTF_LEFTUP})) {
+            INPUT input{};
+            input.type = INPUT_MOUSE;
+            input.mi.dwFlags = button;
+            SendInput(1, &input, sizeof input);
+        }
+    }
+    void ExpectOpened(const Addresses& wanted) const {
+        Await("the address", [&] { return PictureCache::Opened().size() >= wanted.size(); });
+        EXPECT_EQ(PictureCache::Opened(), wanted);
+    }
+
+    PictureCache cache;
+};
+
+TEST_F(Pictures, EachKindIsShownUndistortedAndAClickOpensItsAddress) {
+    Addresses opened;
+    const struct {
+        const char* kind;
+        int width;
+        int height;
+    } kRows[] = {{"gif", 200, 50}, {"jpg", 40, 160}, {"bmp", 900, 300}};
+    for (const auto& [kind, width, height] : kRows) {
+        const std::string name = std::string("a.") + kind;
+        cache.Clear();
+        cache.Draw(name, kind, width, height);
+        cache.Put("cache.txt", "1|2|other.gif|http://other/\r\n1|2|" + name + "|http://site/" +
+                                   name + "?x=1&y=2|5\r\n");
+        Restart();
+        Halves seen;
+        Await("the picture", [&] {
+            seen = Seen();
+            return seen.red.right > 0 && seen.blue.right > 0;
+        });
+        const RECT place = Place();
+        const LONG across = seen.blue.right - seen.red.left;
+        const LONG down = seen.red.bottom - seen.red.top;
+        // To a pixel at each edge, where the colours run into the ground's.
+        EXPECT_NEAR(across * height, down * width, 2 * (width + height)) << name;
+        EXPECT_NEAR(seen.red.right, seen.blue.left, 2) << name;
+        EXPECT_NEAR(seen.red.left + seen.blue.right, place.right - place.left, 4) << name;
+        EXPECT_TRUE(down >= place.bottom - place.top - 8 || across >= place.right - place.left - 8)
+            << name << " does not fill its place: " << across << 'x' << down;
+        Click();
+        opened.push_back("http://site/" + name + "?x=1&y=2");
+        ExpectOpened(opened);
+    }
+}
+
+TEST_F(Pictures, WhatIsNoPictureGivesWayToTheBuiltInOneWhichLeadsToTheMaker) {
+    Addresses opened;
+    for (const std::string name : {"", "A.GIF", "a.png", "text.gif", "cut.gif", "cut.jpg"}) {
+        cache.Clear();
+        if (name == "A.GIF") cache.Draw(name, "gif", 40, 20);
+        if (name == "a.png") cache.Draw(name, "png", 40, 20);
+        if (name == "text.gif") cache.Put(name, "Not a picture\r\n");
+        if (name == "cut.gif") cache.Put(name, "GIF89a\x10");
+        if (name == "cut.jpg")
+            cache.Put(name, std::string("\xFF\xD8\xFF\xC0\0\x11\x08\0\x10\0", 10));
+        cache.Put("cache.txt", "1|2|" + name + "|http://wrong/\r\n");
+        Restart();
+        Await("the built-in picture instead of " + name, [this] { return ShowsTheBuiltIn(); });
+        Click();
+        opened.push_back("http:\\\\www.tessmar.example");
+        ExpectOpened(opened);
+        EXPECT_EQ(app->Dialog(), nullptr);
+    }
+}
+
+TEST_F(Pictures, AnIndexThatSaysNothingOpensNothingAndAMissingOneIsReported) {
+    cache.Draw("a.gif", "gif", 40, 20);
+    Restart();
+    Await("the picture", [this] { return Seen().red.right > 0; });
+    Click();
+    const Box box = app->TakeBox();
+    EXPECT_EQ(box.icon, "critical");
+    EXPECT_NE(box.text.find("frmMain.picPicture_Click"), std::string::npos) << box.text;
+    EXPECT_NE(box.text.find("Error (9) Subscript out of range"), std::string::npos) << box.text;
+    for (const char* nothing : {"1|2|a.gif\r\n", "1|2|A.GIF|http://case/\r\n", ""}) {
+        cache.Put("cache.txt", nothing);
+        Click();
+        EXPECT_TRUE(app->Answers());
+    }
+    // After a click that opens something, what the ones before it opened would be there too.
+    cache.Put("cache.txt", "a.gif|2|3\r\n1|2|aa.gif|http://longer/\r\n1|2|a.gif|http://own/");
+    Click();
+    ExpectOpened({"http://longer/"});
+}
+
+class Versions : public Bench {
+protected:
+    Versions() : folder(FileOfRun("installed")) {
+        std::filesystem::create_directories(folder);
+        std::filesystem::copy_file(Setting("E2E_PROGRAM"), folder / "tsupdate.exe",
+                                   std::filesystem::copy_options::overwrite_existing);
+    }
+    ~Versions() override {
+        app.reset();
+        std::filesystem::remove_all(folder);
+    }
+
+    void Install(const char* name, const std::vector<std::string>& texts) const {
+        std::ofstream(folder / name, std::ios::binary) << ProgramAround(VersionBlock(texts));
+    }
+    /// What a user reads of a folder with padded, ended, missing and misplaced versions.
+    void ExpectTheReport() {
+        app->Close();
+        EXPECT_EQ(app->Wait(), 0u);
+        Install("caldor.exe", {VersionText("ProductVersion", "9.9"),
+                               VersionText("FileVersion", std::string("  3.14.1  \0\0x\0", 15))});
+        Install("caldoredit.exe", {VersionText("ProductVersion", "9.9")});
+        Install("pellin.exe", {VersionText("FileVersion", std::string("   \0", 4))});
+        app.emplace((folder / "tsupdate.exe").string());
+        app->Choose("mnuToolsCurrentVersions");
+        const Box wanted = {"Installed Software Version Information",
+                            "Caldor Version: 3.14.1\r\nCaldor Editor Version: Unknown\r\n"
+                            "Pellin Version: Unknown\r\nWeb Update Version: 2.5.31\r\n",
+                            "information"};
+        EXPECT_EQ(app->TakeBox(), wanted);
+    }
+
+    const std::filesystem::path folder;
+};
+
+TEST_F(Versions, OfFilesBesideTheProgramAreReported) {
+    ExpectTheReport();
+}
+
+using SpanishVersions = Versions;
+
+TEST_F(SpanishVersions, AreReportedTheSame) {
+    ExpectTheReport();
+}
+
+}  // namespace
+}  // namespace vantor::e2e

@@ -1,0 +1,21 @@
+// Where libFuzzer comes in. The last argument is the folder of the inputs found so far.
+#include <cstddef>
+#include <cstdint>
+#include <filesystem>
+#include <fstream>
+
+#include "tests/fuzz/Fuzz.hpp"
+
+extern "C" int LLVMFuzzerInitialize(const int* count, char*** arguments) {
+    const std::filesystem::path folder = (*arguments)[*count - 1];
+    if (!std::filesystem::is_directory(folder)) return 0;
+    int number = 0;
+    for (const std::string& seed : vantor::Seeds())
+        std::ofstream(folder / ("seed" + std::to_string(++number)), std::ios::binary) << seed;
+    return 0;
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    vantor::Fuzz({reinterpret_cast<const char*>(data), size});
+    return 0;
+}

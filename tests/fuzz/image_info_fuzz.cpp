@@ -1,0 +1,41 @@
+// Headers of picture files.
+#include <tuple>
+
+#include "content/CImageInfo.hpp"
+#include "platform/headless/HeadlessFiles.hpp"
+#include "tests/fuzz/Fuzz.hpp"
+
+namespace vantor {
+namespace {
+
+using Header = std::tuple<CImageInfo::Type, int, int, int>;
+
+/// Reads `bytes` as the last of several files, as the program does; a refused one is all zeros.
+Header HeaderOf(std::string_view bytes) {
+    static HeadlessFiles files;
+    static CImageInfo info(files);
+    files.WriteAll("p", bytes);
+    if (!Accepts([] { info.ReadImageInfo("p"); })) return {};
+    return {info.ImageType(), info.Width(), info.Height(), info.Depth()};
+}
+
+}  // namespace
+
+std::vector<std::string> Seeds() {
+    const std::string zeros(10, '\0');
+    return {"GIF89a\x40\x01\xC8\x01\xF7", "BM" + zeros + "1234" + zeros + "5678" + zeros,
+            "\x89PNG" + zeros + "1234567890" + "\x08\x06" + zeros,
+            "\xFF\xD8\xFF\xE0\x01\x04zz\xFF\xC4\x01\x02\xFF\xFF\xC2\x01\x11\x08" + zeros};
+}
+
+void Fuzz(std::string_view input) {
+    const Header header = HeaderOf(input);
+    const auto [type, width, height, depth] = header;
+    Require(width >= 0 && width <= 65535 && height >= 0 && height <= 65535);
+    if (type == CImageInfo::Type::Unknown) Require(header == Header{});
+    if (type == CImageInfo::Type::Gif) Require(depth >= 1 && depth <= 8);
+    // A short file reads as if zeros followed.
+    Require(HeaderOf(std::string(input) + std::string(16, '\0')) == header);
+}
+
+}  // namespace vantor

@@ -263,7 +263,7 @@ TEST_F(TsUpdate, TheKeyboardAloneIsEnough) {
     Key('A');
     Await("the About box", [this] { return app->OtherForm() != nullptr; });
     Key(VK_ESCAPE);
-    Await("its end", [this] { return app->OtherForm() == nullptr; });
+    Await("the focus", [this] { return app->Focus() == app->Child("cmdFlash"); });
 
     Key('F', true);
     Await("the menu", [this] { return app->InMenu(); });

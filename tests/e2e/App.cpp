@@ -398,6 +398,12 @@ Box App::TakeBox(int button) const {
     return box;
 }
 
+void App::OpenMenu(WORD key) const {
+    Await("the keyboard", [this] { return GetForegroundWindow() == mMain; });
+    Key(key, true);
+    Await(std::string("the menu of Alt+") + static_cast<char>(key), [this] { return InMenu(); });
+}
+
 bool App::InMenu() const {
     GUITHREADINFO info{};
     info.cbSize = sizeof info;

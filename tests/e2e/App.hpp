@@ -129,6 +129,8 @@ public:
     static std::string TextIn(HWND box);
 
     bool InMenu() const;
+    /// Waits until the main window has the keyboard, presses Alt and `key`, waits for the menu.
+    void OpenMenu(WORD key) const;
     /// The menu that is open; null while there is none.
     HWND Menu() const;
     HWND Focus() const;

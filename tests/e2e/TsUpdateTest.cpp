@@ -198,8 +198,7 @@ TEST_F(TsUpdate, AMenuHeldOpenPausesTheStreamAndDoesNotBreakIt) {
     indicator.Start("--think 50");
     StartFlash();
     AwaitLine(5);
-    Key('F', true);
-    Await("the menu", [this] { return app->InMenu(); });
+    app->OpenMenu('F');
     const ULONGLONG start = GetTickCount64();
     const int line = app->Line();
     Await("the time", [start] { return GetTickCount64() - start > kHeldMs; });
@@ -258,15 +257,13 @@ TEST_F(TsUpdate, TheKeyboardAloneIsEnough) {
     ExpectIdle();
     EXPECT_EQ(app->Focus(), app->Child("cmdFlash"));
 
-    Key('H', true);
-    Await("the menu", [this] { return app->InMenu(); });
+    app->OpenMenu('H');
     Key('A');
     Await("the About box", [this] { return app->OtherForm() != nullptr; });
     Key(VK_ESCAPE);
     Await("the focus", [this] { return app->Focus() == app->Child("cmdFlash"); });
 
-    Key('F', true);
-    Await("the menu", [this] { return app->InMenu(); });
+    app->OpenMenu('F');
     Key('U');
     app->ChooseFile(image);
     app->AwaitBox();
@@ -279,8 +276,7 @@ TEST_F(TsUpdate, TheKeyboardAloneIsEnough) {
     EXPECT_EQ(app->Focus(), app->Child("cmdFlash"));
     EXPECT_EQ(indicator.Wait(), 0) << indicator.Complaints();
 
-    Key('F', true);
-    Await("the menu", [this] { return app->InMenu(); });
+    app->OpenMenu('F');
     Key('X');
     EXPECT_EQ(app->Wait(), 0u);
 }

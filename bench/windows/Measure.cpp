@@ -1,7 +1,5 @@
-// Not tests: measurements, each a ratio against something measured in the same run. They fail
-// only when there is nothing to measure.
-#include <gtest/gtest.h>
-
+// tsupdate.exe, each number a ratio against something measured in the same run. A measurement
+// fails only when there is nothing to measure.
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
@@ -11,13 +9,12 @@
 #include <string>
 
 #include "bench/Measure.hpp"
-#include "tests/e2e/MonitorBench.hpp"
+#include "driver/Workbench.hpp"
 
-namespace vantor::e2e {
+namespace vantor::bench {
 namespace {
 
-using bench::Pair;
-using bench::SecondsSince;
+using namespace driver;
 
 /// From the first image line to the last acknowledgement, as the indicator's transcript has it,
 /// against the time that the bytes of both directions need on the wire.
@@ -46,7 +43,7 @@ Pair StreamIn(const std::string& transcript) {
 
 /// From the start of a program to its window that shows and takes input.
 double SecondsToStart(const std::string& path, const wchar_t* windowClass) {
-    const auto start = bench::SteadyClock::now();
+    const auto start = SteadyClock::now();
     const Win32Handle process = StartProgram(path);
     if (WaitForInputIdle(process.Get(), 60'000) != 0) throw std::runtime_error("no input: " + path);
     HWND window = nullptr;
@@ -70,7 +67,7 @@ std::string Lines(std::size_t bytes) {
 
 /// The milliseconds until a menu of the monitor is open, when its key is pressed now.
 double MillisecondsToMenu(const App& app) {
-    const auto start = bench::SteadyClock::now();
+    const auto start = SteadyClock::now();
     Key('F', true);
     while (!app.InMenu()) Sleep(1);
     const double milliseconds = SecondsSince(start) * 1e3;
@@ -81,54 +78,53 @@ double MillisecondsToMenu(const App& app) {
     return milliseconds;
 }
 
-using Measure = MonitorBench;
-
-TEST_F(Measure, StreamAgainstTheWire) {
-    std::ofstream(image, std::ios::binary)
-        << std::ifstream(Setting("E2E_SAMPLE"), std::ios::binary).rdbuf();
-    indicator.Start("--pace --write 300");
-    StartFlash();
+void StreamAgainstTheWire() {
+    Workbench table;
+    std::ofstream(table.image, std::ios::binary)
+        << std::ifstream(Setting("DRIVE_SAMPLE"), std::ios::binary).rdbuf();
+    table.indicator.Start("--pace --write 300");
+    table.StartFlash();
     // Waiting for the box would keep asking the system about windows meanwhile.
-    ASSERT_EQ(indicator.Wait(), 0) << indicator.Complaints();
-    app->TakeBox();
+    if (table.indicator.Wait() != 0) throw std::runtime_error(table.indicator.Complaints());
+    table.app->TakeBox();
     const Pair seconds = StreamIn(Content("indicator.log"));
     std::printf("paced stream of the Windows program: %.3f s, the wire alone %.3f s, ratio %.3f\n",
                 seconds.ours, seconds.theirs, seconds.ours / seconds.theirs);
 }
 
-TEST_F(Measure, StartAgainstNotepad) {
-    app.reset();  // a second one would end at once
-    const Pair seconds = bench::SideBySide(
-        9, [] { return SecondsToStart(Setting("E2E_PROGRAM"), L"VantorForm"); },
+void StartAgainstNotepad() {
+    const Pair seconds = SideBySide(
+        9, [] { return SecondsToStart(Setting("DRIVE_PROGRAM"), L"VantorForm"); },
         [] { return SecondsToStart("C:\\windows\\system32\\notepad.exe", L"Notepad"); });
     std::printf("start of the Windows program: %.0f ms, notepad %.0f ms, ratio %.2f\n",
                 seconds.ours * 1e3, seconds.theirs * 1e3, seconds.ours / seconds.theirs);
 }
 
 // With capture, and a menu that is opened again and again meanwhile.
-TEST_F(Measure, FloodOfTheTerminal) {
+void FloodOfTheTerminal() {
     constexpr double kWireBytesPerSecond = 115200 / 10.0;  // at 8N1
     const std::string flood = Lines(10'000'000);
     std::ofstream(FileOfRun("flood.txt"), std::ios::binary) << flood;
     Ask("flood");
-    const Window monitor = OpenMonitor();
+    const Workbench table;
+    const Window monitor = table.OpenMonitor();
     monitor.Choose("mnuCaptureStart");
-    app->ChooseFile(FileOfRun("capture.txt"));
-    OpenPort(monitor);
+    table.app->ChooseFile(FileOfRun("capture.txt"));
+    table.OpenPort(monitor);
     const std::filesystem::path capture(FileOfRun("capture.txt"));
-    const auto start = bench::SteadyClock::now();
+    const auto start = SteadyClock::now();
     Key(VK_RETURN);
     Await("the first bytes", [&] { return std::filesystem::file_size(capture) > 0; });
     double slowest = 0;
     int menus = 0;
     for (; std::filesystem::file_size(capture) < flood.size(); ++menus) {
-        slowest = std::max(slowest, MillisecondsToMenu(*app));
+        slowest = std::max(slowest, MillisecondsToMenu(*table.app));
         Sleep(50);
     }
     const double seconds = SecondsSince(start);
     monitor.Choose("mnuCaptureEnd");
-    EXPECT_TRUE(Content("capture.txt") == flood) << "not what was sent";
-    AwaitShown(monitor, flood.substr(flood.size() - 200));
+    if (Content("capture.txt") != flood) throw std::runtime_error("captured is not what was sent");
+    table.AwaitShown(monitor, flood.substr(flood.size() - 200));
     std::printf(
         "flood of the terminal: %.1f MB in %.2f s, %.0f times a line at 115200 bit/s; slowest of "
         "%d menus %.0f ms\n",
@@ -137,4 +133,20 @@ TEST_F(Measure, FloodOfTheTerminal) {
 }
 
 }  // namespace
-}  // namespace vantor::e2e
+}  // namespace vantor::bench
+
+int main() {
+    vantor::driver::EnterDesktop();
+    int status = 0;
+    for (const auto measure :
+         {vantor::bench::StreamAgainstTheWire, vantor::bench::StartAgainstNotepad,
+          vantor::bench::FloodOfTheTerminal}) {
+        try {
+            measure();
+        } catch (const std::exception& error) {
+            std::fprintf(stderr, "nothing to measure: %s\n", error.what());
+            status = 1;
+        }
+    }
+    return status;
+}

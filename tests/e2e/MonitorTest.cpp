@@ -6,16 +6,21 @@
 
 #include "platform/win32/Win32Clipboard.hpp"
 #include "resources/Designs.hpp"
-#include "tests/e2e/MonitorBench.hpp"
+#include "tests/e2e/EndToEnd.hpp"
 
-namespace vantor::e2e {
+namespace vantor::driver {
 namespace {
 
 const Box kNoPort = {"Tessmar Vantor Update",
                      "Unable to open communications port. Check your settings and try again.",
                      "exclamation"};
 
-using Monitor = MonitorBench;
+class Monitor : public EndToEnd {
+protected:
+    static void AwaitStatus(const Window& monitor, const char* status) {
+        Await(status, [&] { return monitor.Panel("sbStatusBar", 0) == status; });
+    }
+};
 
 TEST_F(Monitor, AMissingABusyAndALostPortAreReportedOnceEach) {
     const Window monitor = OpenMonitor();
@@ -45,7 +50,7 @@ TEST_F(Monitor, WhatIsTypedAndPastedGoesOutAndTheEchoCanBeCopied) {
                            WORD{'S'}, WORD{VK_RETURN}, WORD{VK_TAB}, WORD{VK_ESCAPE}, WORD{VK_UP}})
         Key(key);
     AwaitShown(monitor, "gross\r\n    125.40 kg G\r\n[A");
-    EXPECT_EQ(Passed('>'), "gx\bross\r\t\x1b\x1b[A");
+    EXPECT_EQ(indicator.Passed('>'), "gx\bross\r\t\x1b\x1b[A");
     Win32Clipboard clipboard;
     clipboard.Text("\r\nID=B\u00e1scula \u00f1\r\nid\n");
     Command(monitor, 'P');
@@ -67,14 +72,14 @@ TEST_F(Monitor, AFileIsSentLineByLineAndCapturedAsThePeerAnswers) {
     SendFile(monitor, "help\r\n\r\n   \r\n  net \r\nID=B\xe1scula\r\nhelp\rhelp\r\nversion\r\n");
     AwaitShown(monitor, "M40 V2.05");
     Await("the end", [this] { return app->Forms(kSendWindowDesign).empty(); });
-    EXPECT_EQ(Passed('>'), "help\r  net \rID=B\xe1scula\rhelp\rhelp\rversion\r");
+    EXPECT_EQ(indicator.Passed('>'), "help\r  net \rID=B\xe1scula\rhelp\rhelp\rversion\r");
     // Four pauses of 50 ms; on a busy machine the indicator may have seen the first line late.
-    EXPECT_GE(Span('>'), 120);
+    EXPECT_GE(indicator.Span('>'), 120);
     monitor.Choose("mnuCaptureEnd");
-    Await("the whole capture", [this] { return Content("capture.txt") == Passed('<'); });
+    Await("the whole capture", [this] { return Content("capture.txt") == indicator.Passed('<'); });
     Key(VK_RETURN);
-    Await("the answer", [this] { return Passed('<') != Content("capture.txt"); });
-    EXPECT_TRUE(Passed('<').starts_with(Content("capture.txt")));
+    Await("the answer", [this] { return indicator.Passed('<') != Content("capture.txt"); });
+    EXPECT_TRUE(indicator.Passed('<').starts_with(Content("capture.txt")));
 }
 
 TEST_F(Monitor, CancelAndTheTitleBarEndASendAfterTheLineInProgress) {
@@ -95,7 +100,7 @@ TEST_F(Monitor, CancelAndTheTitleBarEndASendAfterTheLineInProgress) {
         Await("the end", [&] { return !progress.IsThere(); });
         monitor.Close();
         Await("the end", [&] { return !monitor.IsThere(); });
-        const std::string sent = Passed('>');
+        const std::string sent = indicator.Passed('>');
         EXPECT_TRUE(sent.starts_with("id=0\rid=1\r"));
         EXPECT_TRUE(sent.ends_with("\r"));
         EXPECT_LT(sent.size(), lines.size() / 2);
@@ -141,4 +146,4 @@ TEST_F(Monitor, TheSettingsCommandShowsInBothPanels) {
 }
 
 }  // namespace
-}  // namespace vantor::e2e
+}  // namespace vantor::driver

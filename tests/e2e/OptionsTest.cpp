@@ -1,5 +1,5 @@
 // The options dialog in the hands of its user, and what is in the registry afterwards.
-#include "tests/e2e/MonitorBench.hpp"
+#include "tests/e2e/EndToEnd.hpp"
 // Needs what the line above declares.
 #include <commctrl.h>
 
@@ -9,7 +9,7 @@
 
 #include "resources/Designs.hpp"
 
-namespace vantor::e2e {
+namespace vantor::driver {
 namespace {
 
 using namespace std::string_literals;
@@ -25,7 +25,7 @@ const Box kRefused = {
     "0\r\nError (-2147211502) Application-defined or object-defined error",
     "critical"};
 
-class Options : public MonitorBench {
+class Options : public EndToEnd {
 protected:
     using Values = std::map<std::string, std::string>;
 
@@ -213,4 +213,4 @@ TEST_F(Options, TheTreeChangesThePageAndIsRememberedWithTheCorner) {
 }
 
 }  // namespace
-}  // namespace vantor::e2e
+}  // namespace vantor::driver

@@ -7,16 +7,16 @@
 #include <filesystem>
 #include <string>
 
+#include "driver/PictureCache.hpp"
 #include "tests/ProgramFile.hpp"
-#include "tests/e2e/Bench.hpp"
-#include "tests/e2e/Pictures.hpp"
+#include "tests/e2e/EndToEnd.hpp"
 
-namespace vantor::e2e {
+namespace vantor::driver {
 namespace {
 
 using Addresses = std::vector<std::string>;
 
-class Pictures : public Bench {
+class Pictures : public EndToEnd {
 protected:
     RECT Place() const {
         RECT place{};
@@ -145,11 +145,11 @@ TEST_F(Pictures, AnIndexThatSaysNothingOpensNothingAndAMissingOneIsReported) {
     ExpectOpened({"http://longer/"});
 }
 
-class Versions : public Bench {
+class Versions : public EndToEnd {
 protected:
     Versions() : folder(FileOfRun("installed")) {
         std::filesystem::create_directories(folder);
-        std::filesystem::copy_file(Setting("E2E_PROGRAM"), folder / "tsupdate.exe",
+        std::filesystem::copy_file(Setting("DRIVE_PROGRAM"), folder / "tsupdate.exe",
                                    std::filesystem::copy_options::overwrite_existing);
     }
     ~Versions() override {
@@ -191,4 +191,4 @@ TEST_F(SpanishVersions, AreReportedTheSame) {
 }
 
 }  // namespace
-}  // namespace vantor::e2e
+}  // namespace vantor::driver

@@ -6,11 +6,11 @@
 #include <string>
 #include <vector>
 
+#include "driver/PictureCache.hpp"
 #include "resources/Version.h"
-#include "tests/e2e/Bench.hpp"
-#include "tests/e2e/Pictures.hpp"
+#include "tests/e2e/EndToEnd.hpp"
 
-namespace vantor::e2e {
+namespace vantor::driver {
 namespace {
 
 const Box kWarning = {"Tessmar Vantor Update",
@@ -35,7 +35,7 @@ const Box kVerifyFailed = {
     "Tessmar Instruments for repair.",
     "critical"};
 
-class TsUpdate : public Bench {
+class TsUpdate : public EndToEnd {
 protected:
     /// As the window is when nothing runs.
     void ExpectIdle() const {
@@ -281,7 +281,7 @@ TEST_F(TsUpdate, TheKeyboardAloneIsEnough) {
     EXPECT_EQ(app->Wait(), 0u);
 }
 
-using Spanish = Bench;
+using Spanish = EndToEnd;
 
 TEST_F(Spanish, CaptionsAndTheWarning) {
     EXPECT_EQ(TextOf(app->Main()), "Utilidad de actualización Tessmar Vantor");
@@ -295,11 +295,11 @@ TEST_F(Spanish, CaptionsAndTheWarning) {
 }
 
 }  // namespace
-}  // namespace vantor::e2e
+}  // namespace vantor::driver
 
 int main(int argc, char** argv) {
-    if (vantor::e2e::OpensAnAddress(argc, argv)) return 0;
+    if (vantor::driver::OpensAnAddress(argc, argv)) return 0;
     testing::InitGoogleTest(&argc, argv);
-    vantor::e2e::EnterDesktop();
+    vantor::driver::EnterDesktop();
     return RUN_ALL_TESTS();
 }

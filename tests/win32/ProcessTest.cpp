@@ -7,9 +7,9 @@
 #include <stdexcept>
 #include <string>
 
+#include "driver/Desktop.hpp"
 #include "platform/win32/Win32Process.hpp"
 #include "platform/win32/Win32Terminal.hpp"
-#include "tests/win32/Desktop.hpp"
 
 namespace vantor {
 namespace {
@@ -84,6 +84,6 @@ int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     const vantor::Win32Process process;
     if (argc > 1) return vantor::DoJob(process);
-    vantor::EnterDesktop(vantor::gDesktop, L"1024x768");
+    vantor::driver::EnterDesktop(vantor::gDesktop, L"1024x768");
     return RUN_ALL_TESTS();
 }

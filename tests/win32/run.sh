@@ -4,10 +4,10 @@
 #   run.sh path/to/win32_tests.exe [option of GoogleTest]...
 set -eu
 
-here=$(cd "$(dirname "$0")" && pwd)
-wine=$here/../../scripts/wine
+root=$(cd "$(dirname "$0")/../.." && pwd)
+wine=$root/scripts/wine
 status=0
-"$here/../with_display.sh" "$wine" "$@" || status=1
+"$root/driver/with_display.sh" "$wine" "$@" || status=1
 
 export LC_ALL=C.UTF-8
 told=$(printf 'mañana\r\n\nlast' | "$wine" "$1" echo 'złoty 25 €' 秤)

@@ -1,17 +1,17 @@
-#include "tests/e2e/Pictures.hpp"
+#include "driver/PictureCache.hpp"
 
 #include <filesystem>
 #include <fstream>
 
-#include "tests/e2e/App.hpp"
+#include "driver/Script.hpp"
 
-namespace vantor::e2e {
+namespace vantor::driver {
 namespace {
 
 // The whole prefix's handler: Wine does not look at that of the user. What was there waits under
 // another name.
 constexpr wchar_t kHandler[] = L"http";
-constexpr wchar_t kBefore[] = L"http-before-the-tests";
+constexpr wchar_t kBefore[] = L"http-before-the-driver";
 constexpr char kOpen[] = "--open";
 
 std::filesystem::path Folder() {
@@ -89,4 +89,4 @@ bool OpensAnAddress(int argc, char** argv) {
     return true;
 }
 
-}  // namespace vantor::e2e
+}  // namespace vantor::driver

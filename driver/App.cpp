@@ -1,24 +1,17 @@
-#include "tests/e2e/App.hpp"
+#include "driver/App.hpp"
 
 #include <commctrl.h>
 
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <cstdlib>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
-#include <limits>
-#include <optional>
-#include <ostream>
 #include <stdexcept>
 #include <utility>
 
+#include "driver/Desktop.hpp"
 #include "resources/Designs.hpp"
-#include "tests/win32/Desktop.hpp"
 
-namespace vantor::e2e {
+namespace vantor::driver {
 namespace {
 
 constexpr ULONGLONG kPatienceMs = 100'000;
@@ -30,7 +23,7 @@ constexpr int kBoxText = 0xffff;
 constexpr int kFileName = 1148;
 
 std::wstring& DesktopName() {
-    static std::wstring name = ToWide("e2e-" + Setting("E2E_RUN"));
+    static std::wstring name = ToWide("drive-" + Setting("DRIVE_RUN"));
     return name;
 }
 
@@ -157,41 +150,11 @@ DWORD WaitForEnd(HANDLE process) {
     return status;
 }
 
-std::string Content(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 }  // namespace
-
-void Await(const std::string& what, const std::function<bool()>& condition) {
-    const ULONGLONG start = GetTickCount64();
-    while (!condition()) {
-        if (GetTickCount64() - start > kPatienceMs)
-            throw std::runtime_error("waited in vain for: " + what);
-        Sleep(5);
-    }
-}
-
-std::string Setting(const char* name) {
-    const char* const value = std::getenv(name);
-    return value == nullptr ? "" : value;
-}
-
-std::string FileOfRun(const char* name) {
-    return Setting("E2E_FOLDER") + "\\" + name;
-}
-
-void Ask(const std::string& words) {
-    const std::string request = FileOfRun("request");
-    std::ofstream(request + ".part", std::ios::binary) << words << '\n';
-    std::filesystem::rename(request + ".part", request);
-    Await("the script to: " + words, [&] { return !std::filesystem::exists(request); });
-}
 
 void EnterDesktop() {
     SetProcessDPIAware();  // or the system would translate all sizes
-    vantor::EnterDesktop(DesktopName(), ToWide(Setting("E2E_DESKTOP")));
+    EnterDesktop(DesktopName(), ToWide(Setting("DRIVE_DESKTOP")));
 }
 
 Win32Handle StartProgram(const std::string& path) {
@@ -215,11 +178,6 @@ Pixels OnScreen(const RECT& at) {
         BitBlt(memory, 0, 0, width, height, screen, at.left, at.top, SRCCOPY);
         ReleaseDC(nullptr, screen);
     });
-}
-
-void PrintTo(const Box& box, std::ostream* stream) {
-    *stream << box.icon << " box [" << box.title << "] \"" << box.text << "\", buttons";
-    for (const int button : box.buttons) *stream << ' ' << button;
 }
 
 void Key(WORD key, bool withAlt) {
@@ -272,7 +230,7 @@ App::~App() {
 }
 
 DWORD App::RunBeside() {
-    const Win32Handle process = StartProgram(Setting("E2E_PROGRAM"));
+    const Win32Handle process = StartProgram(Setting("DRIVE_PROGRAM"));
     return WaitForEnd(process.Get());
 }
 
@@ -473,24 +431,4 @@ std::string Window::Panel(const char* bar, int index) const {
     return ToUtf8(text.data());
 }
 
-// --- the indicator ------------------------------------------------------------------------------
-
-void Indicator::Start(const std::string& options) {
-    Ask("start " + options);
-}
-
-void Indicator::Stop() {
-    Ask("stop");
-}
-
-int Indicator::Wait() {
-    const std::string status = FileOfRun("indicator.status");
-    Await("the end of the indicator", [&] { return std::filesystem::exists(status); });
-    return std::stoi(Content(status));
-}
-
-std::string Indicator::Complaints() const {
-    return Content(FileOfRun("indicator.err"));
-}
-
-}  // namespace vantor::e2e
+}  // namespace vantor::driver

@@ -1,14 +1,13 @@
-// The program under test as its user has it: windows that are looked at, buttons, menus and keys.
+// The program as its user has it: windows that are looked at, buttons, menus and keys.
 // Everything goes through the system and nothing through the program's own classes; what waits,
 // waits for a condition.
 #pragma once
 
 #include <cstdint>
-#include <functional>
-#include <iosfwd>
 #include <string>
 #include <vector>
 
+#include "driver/Script.hpp"
 #include "platform/win32/Win32Handle.hpp"
 #include "platform/win32/Windows.hpp"
 
@@ -16,13 +15,7 @@ namespace vantor {
 struct FormDesign;
 }
 
-namespace vantor::e2e {
-
-/// Waits up to 100 s for `condition`; raises an error that names `what` when it does not come.
-void Await(const std::string& what, const std::function<bool()>& condition);
-
-/// A setting of the surroundings, from the script that started the driver.
-std::string Setting(const char* name);
+namespace vantor::driver {
 
 /// The desktop of this run, which no other program of the same Wine prefix shares.
 void EnterDesktop();
@@ -39,7 +32,6 @@ struct Box {
 
     bool operator==(const Box&) const = default;
 };
-void PrintTo(const Box& box, std::ostream* stream);
 
 /// Presses and releases a key on the keyboard, for the window in the foreground.
 void Key(WORD key, bool withAlt = false);
@@ -83,7 +75,7 @@ private:
 class App {
 public:
     /// Starts the program and waits for its window.
-    explicit App(const std::string& path = Setting("E2E_PROGRAM"));
+    explicit App(const std::string& path = Setting("DRIVE_PROGRAM"));
     /// Ends it, whatever it does.
     ~App();
     App(const App&) = delete;
@@ -149,26 +141,4 @@ private:
     HWND mMain = nullptr;
 };
 
-/// The virtual indicator, which the script starts behind COM1.
-class Indicator {
-public:
-    Indicator() = default;
-    ~Indicator() { Stop(); }
-    Indicator(const Indicator&) = delete;
-    Indicator& operator=(const Indicator&) = delete;
-
-    void Start(const std::string& options);
-    void Stop();
-    /// Waits for its end; its exit status.
-    int Wait();
-    /// What it has said against the program.
-    std::string Complaints() const;
-};
-
-/// Has the script do what `words` say, and waits until it has.
-void Ask(const std::string& words);
-
-/// A file of this run, as the program and this driver name it.
-std::string FileOfRun(const char* name);
-
-}  // namespace vantor::e2e
+}  // namespace vantor::driver

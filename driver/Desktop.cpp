@@ -1,10 +1,10 @@
-#include "tests/win32/Desktop.hpp"
+#include "driver/Desktop.hpp"
 
 #include <stdexcept>
 
 #include "platform/win32/Windows.hpp"
 
-namespace vantor {
+namespace vantor::driver {
 
 // Wine takes the size of a desktop from its registry, once, when the desktop is first drawn.
 void EnterDesktop(const std::wstring& name, const std::wstring& size) {
@@ -18,4 +18,4 @@ void EnterDesktop(const std::wstring& name, const std::wstring& size) {
     RegDeleteKeyValueW(HKEY_CURRENT_USER, kSizes, name.c_str());
 }
 
-}  // namespace vantor
+}  // namespace vantor::driver

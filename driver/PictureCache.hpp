@@ -1,10 +1,10 @@
-// The sibling program's picture cache as the tests fill it, and a stand-in for the web browser.
+// The sibling program's picture cache as a driver fills it, and a stand-in for the web browser.
 #pragma once
 
 #include <string>
 #include <vector>
 
-namespace vantor::e2e {
+namespace vantor::driver {
 
 /// An empty cache folder, and this driver as the handler of web addresses, while it exists.
 class PictureCache {
@@ -28,4 +28,4 @@ public:
 /// True when the system has started this driver to open an address, which it notes.
 bool OpensAnAddress(int argc, char** argv);
 
-}  // namespace vantor::e2e
+}  // namespace vantor::driver

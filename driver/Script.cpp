@@ -1,0 +1,115 @@
+#include "driver/Script.hpp"
+
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <sstream>
+#include <stdexcept>
+#include <vector>
+
+#include "platform/win32/Windows.hpp"
+
+namespace vantor::driver {
+namespace {
+
+constexpr ULONGLONG kPatienceMs = 100'000;
+
+/// The log's way of writing bytes undone: \r \n \\ and \xNN.
+std::string Plain(const std::string& text) {
+    std::string bytes;
+    for (std::size_t i = 0; i < text.size(); ++i) {
+        if (text[i] != '\\') {
+            bytes += text[i];
+            continue;
+        }
+        const char kind = text[++i];
+        if (kind == 'x') {
+            bytes += static_cast<char>(std::stoi(text.substr(i + 1, 2), nullptr, 16));
+            i += 2;
+        } else {
+            bytes += kind == 'r' ? '\r' : kind == 'n' ? '\n' : '\\';
+        }
+    }
+    return bytes;
+}
+
+struct Record {
+    double milliseconds;
+    std::string bytes;
+};
+
+/// What the indicator's log has of one direction.
+std::vector<Record> Records(char direction) {
+    std::istringstream log(Content("indicator.log"));
+    std::vector<Record> records;
+    for (std::string line; std::getline(log, line);) {
+        const std::size_t at = line.find_first_of("<>-");
+        if (at == std::string::npos || line[at] != direction) continue;
+        records.push_back({std::stod(line), Plain(line.substr(at + 2))});
+    }
+    return records;
+}
+
+}  // namespace
+
+void Await(const std::string& what, const std::function<bool()>& condition) {
+    const ULONGLONG start = GetTickCount64();
+    while (!condition()) {
+        if (GetTickCount64() - start > kPatienceMs)
+            throw std::runtime_error("waited in vain for: " + what);
+        Sleep(5);
+    }
+}
+
+std::string Setting(const char* name) {
+    const char* const value = std::getenv(name);
+    return value == nullptr ? "" : value;
+}
+
+std::string FileOfRun(const char* name) {
+    return Setting("DRIVE_FOLDER") + "\\" + name;
+}
+
+std::string Content(const char* name) {
+    std::ifstream file(FileOfRun(name), std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+void Ask(const std::string& words) {
+    const std::string request = FileOfRun("request");
+    std::ofstream(request + ".part", std::ios::binary) << words << '\n';
+    std::filesystem::rename(request + ".part", request);
+    Await("the script to: " + words, [&] { return !std::filesystem::exists(request); });
+}
+
+void Indicator::Start(const std::string& options) {
+    Ask("start " + options);
+}
+
+void Indicator::Stop() {
+    Ask("stop");
+}
+
+int Indicator::Wait() {
+    Await("the end of the indicator",
+          [] { return std::filesystem::exists(FileOfRun("indicator.status")); });
+    return std::stoi(Content("indicator.status"));
+}
+
+std::string Indicator::Complaints() const {
+    return Content("indicator.err");
+}
+
+std::string Indicator::Passed(char direction) const {
+    std::string bytes;
+    for (const Record& record : Records(direction)) bytes += record.bytes;
+    return bytes;
+}
+
+double Indicator::Span(char direction) const {
+    const std::vector<Record> records = Records(direction);
+    return records.back().milliseconds - records.front().milliseconds;
+}
+
+}  // namespace vantor::driver

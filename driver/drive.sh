@@ -1,0 +1,168 @@
+# shellcheck shell=sh
+# Not a program: what the scripts share that drive tsupdate.exe under Wine, as its user does. They
+# set `root` to the folder of the sources, read this file with their own arguments, and call
+#   use_desktop WIDTHxHEIGHT [DOTS]      a desktop of its own, at 96 dots per inch or at DOTS
+#   drive LOCALE PROGRAM [ARGUMENT]...   runs build/windows/PROGRAM there, the virtual indicator
+#                                        behind COM1, and does what it asks for meanwhile; the exit
+#                                        status is the program's
+# Needs build/windows (tsupdate, PROGRAM) and build/native (m40sim). Without a display the script
+# is started again on one of its own. Pictures go to build/screens; what passed over the line, and
+# what was there when something failed, stays in build/drive.
+# shellcheck disable=SC2154  # root is the caller's
+[ -n "${DISPLAY:-}" ] || exec "$root/driver/with_display.sh" "$0" "$@"
+folder=$root/build/drive
+screens=$root/build/screens
+port=$folder/port
+m40sim=$root/build/native/m40sim
+
+need() {
+    [ -x "$1" ] || { echo "$1 is missing; build it first." >&2; exit 1; }
+}
+need "$m40sim"
+need "$root/build/windows/tsupdate.exe"
+
+mkdir -p "$folder"
+exec 8>"$folder/lock"
+flock -n 8 || { echo "The program is being driven already." >&2; exit 1; }
+find "$folder" -type f ! -name lock -delete
+
+# A path as the Windows programs see it.
+windows_path() { printf 'Z:%s' "$1" | tr / '\134'; }
+
+# Ends what `follow` has started, if it has not ended by itself.
+end() {
+    number=$(cat "$folder/$1.pid" 2>/dev/null) || return 0
+    kill "$number" 2>/dev/null || true
+}
+
+dots=96
+clean_up() {
+    end driver
+    end indicator
+    [ "$dots" = 96 ] || set_resolution 96
+}
+trap clean_up EXIT
+trap 'exit 1' INT TERM
+
+# The resolution that programs find from now on, in dots per inch.
+set_resolution() {
+    dots=$1
+    "$root/scripts/wine" reg.exe add 'HKCU\Control Panel\Desktop' /v LogPixels /t REG_DWORD \
+        /d "$dots" /f >>"$folder/wine.log" 2>&1 8>&-
+}
+
+# Runs a program, leaves its number and later its exit status in files.
+follow() {
+    name=$1
+    shift
+    rm -f "$folder/$name.status"
+    {
+        status=0
+        "$@" &
+        echo $! >"$folder/$name.pid"
+        wait $! || status=$?
+        echo $status >"$folder/$name.part"
+        mv "$folder/$name.part" "$folder/$name.status"
+        rm -f "$folder/$name.pid"
+    } 8>&- &
+}
+
+start_indicator() {
+    stop_indicator
+    # shellcheck disable=SC2086  # options are words
+    follow indicator "$m40sim" --once --image "$folder/image.run" --link "$port" \
+        --transcript "$folder/indicator.log" $1 >"$folder/indicator.out" 2>"$folder/indicator.err"
+    until [ -s "$folder/indicator.out" ]; do sleep 0.02; done
+}
+
+# A peer that answers the first key with the whole of flood.txt, as fast as it is taken.
+start_flood() {
+    stop_indicator
+    export FLOOD="$folder/flood.txt"
+    # shellcheck disable=SC2016  # for the shell that socat starts
+    follow indicator socat "PTY,rawer,link=$port" \
+        'SYSTEM:head -c 1 >/dev/null; cat <$FLOOD; cat >/dev/null' 2>"$folder/indicator.err"
+    until [ -e "$port" ]; do sleep 0.02; done
+}
+
+stop_indicator() {
+    end indicator
+    while [ -e "$folder/indicator.pid" ]; do sleep 0.02; done
+}
+
+# A picture of the screen, or of a part of it (WIDTHxHEIGHT+LEFT+TOP).
+take_picture() {
+    command -v import >/dev/null || return 0
+    import -window "$desktop - Wine desktop" ${2:+-crop "$2"} +repage "$1" 2>>"$folder/pictures.log" ||
+        echo "no picture $1" >&2
+}
+
+# A picture of the kind $1 that is red in its left half and blue in its right one, of $2 each.
+draw_picture() {
+    convert -size "$2" xc:red xc:blue +append "$folder/picture.$1" 2>>"$folder/pictures.log"
+}
+
+# Where each thread of the program stands: running or asleep, its processor time, and in which call.
+note_threads() {
+    for stat in /proc/[0-9]*/task/*/stat; do
+        case $(cat "$stat" 2>/dev/null) in
+        *'(tsupdate.exe)'*) ;;
+        *) continue ;;
+        esac
+        echo "$(cut -d' ' -f1-3,14,15 "$stat") $(cat "${stat%stat}wchan") $(cat "${stat%stat}syscall")"
+    done
+}
+
+# What the program asks for: one request at a time, gone when it is done.
+answer() {
+    read -r verb words <"$folder/request" || return 0
+    case $verb in
+    start) start_indicator "$words" ;;
+    flood) start_flood ;;
+    stop) stop_indicator ;;
+    keep)
+        take_picture "$folder/$words.png"
+        cp "$folder/indicator.log" "$folder/$words.log" 2>/dev/null || true
+        note_threads >"$folder/$words.threads" 2>/dev/null || true
+        ;;
+    draw) draw_picture "${words% *}" "${words#* }" ;;
+    show)
+        mkdir -p "$screens"
+        take_picture "$screens/${words%% *}$suffix.png" "${words#* }"
+        ;;
+    esac
+    rm -f "$folder/request"
+}
+
+pause=0.01  # between two looks for a request
+drive() {
+    locale=$1
+    driver=$root/build/windows/$2
+    shift 2
+    need "$driver"
+    follow driver env LC_ALL="$locale" "$root/scripts/wine" "$driver" "$@" </dev/null \
+        2>>"$folder/wine.log"
+    until [ -e "$folder/driver.status" ]; do
+        [ ! -e "$folder/request" ] || answer
+        sleep $pause
+    done
+    return "$(cat "$folder/driver.status")"
+}
+
+DRIVE_FOLDER=$(windows_path "$folder")
+DRIVE_PROGRAM=$(windows_path "$root/build/windows/tsupdate.exe")
+DRIVE_SAMPLE=$(windows_path "$root/build/native/sample.run")
+VANTOR_COM1=$port
+export DRIVE_FOLDER DRIVE_PROGRAM DRIVE_SAMPLE VANTOR_COM1
+
+suffix=  # of the names of the pictures
+use_desktop() {
+    DRIVE_RUN=$$-$1
+    DRIVE_DESKTOP=$1
+    export DRIVE_RUN DRIVE_DESKTOP
+    desktop=drive-$DRIVE_RUN
+    # The resolution is read when the desktop is made.
+    [ "${2:-96}" = "$dots" ] || set_resolution "${2:-96}"
+    suffix=
+    [ "$dots" = 96 ] || suffix=-${dots}dpi
+}

@@ -1,0 +1,135 @@
+// Not tests of single faults: a soak of random input that looks for a crash or a hang.
+#include <gtest/gtest.h>
+
+#include <iostream>
+#include <random>
+#include <string>
+
+#include "tests/e2e/EndToEnd.hpp"
+
+namespace vantor::driver {
+namespace {
+
+class Monkey : public EndToEnd {
+protected:
+    int Below(int limit) { return std::uniform_int_distribution<int>(0, limit - 1)(random); }
+    template <class Choices>
+    auto OneOf(const Choices& choices) {
+        return *(std::begin(choices) + Below(static_cast<int>(std::size(choices))));
+    }
+
+    void Act();
+    void ActOn(HWND dialog);
+    void PressAKey();
+    void ClickSomewhere();
+    void MoveTheWindow();
+    void Check();
+
+    std::mt19937 random;
+    int ends = 0;
+    int flashes = 0;
+    int successes = 0;
+    HWND lastSuccess = nullptr;
+};
+
+void Monkey::PressAKey() {
+    static constexpr WORD kKeys[] = {VK_TAB,  VK_RETURN, VK_ESCAPE, VK_SPACE, VK_UP,
+                                     VK_DOWN, VK_LEFT,   VK_RIGHT,  VK_F10,   'A',
+                                     'O',     'Y',       'N',       'U',      'F'};
+    if (Below(5) == 0)
+        Key(OneOf(std::to_array<WORD>({'F', 'T', 'H', 'A', VK_SPACE, VK_F4})), true);
+    else
+        Key(OneOf(kKeys));
+}
+
+void Monkey::ClickSomewhere() {
+    RECT area{};
+    GetWindowRect(app->Main(), &area);
+    const int width = GetSystemMetrics(SM_CXSCREEN);
+    const int height = GetSystemMetrics(SM_CYSCREEN);
+    INPUT inputs[3] = {};
+    for (INPUT& input : inputs) input.type = INPUT_MOUSE;
+    inputs[0].mi.dx = (area.left + Below(std::max<int>(area.right - area.left, 1))) * 65535 / width;
+    inputs[0].mi.dy = (area.top + Below(std::max<int>(area.bottom - area.top, 1))) * 65535 / height;
+    inputs[0].mi.dwFlags = MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE;
+    inputs[1].mi.dwFlags = MOUSEEVENTF_LEFTDOWN;
+    inputs[2].mi.dwFlags = MOUSEEVENTF_LEFTUP;
+    SendInput(3, inputs, sizeof(INPUT));
+}
+
+void Monkey::MoveTheWindow() {
+    PostMessageW(app->Main(), WM_SYSCOMMAND,
+                 OneOf(std::to_array<WPARAM>({SC_MAXIMIZE, SC_MINIMIZE, SC_RESTORE, SC_RESTORE})),
+                 0);
+    SetWindowPos(app->Main(), nullptr, Below(300) - 50, Below(200) - 20, Below(900), Below(700),
+                 SWP_NOZORDER | SWP_NOACTIVATE | SWP_ASYNCWINDOWPOS);
+}
+
+void Monkey::ActOn(HWND dialog) {
+    if (Below(3) == 0) return PressAKey();
+    if (Below(10) == 0) {
+        PostMessageW(dialog, WM_CLOSE, 0, 0);
+    } else if (!App::IsFileDialog(dialog)) {
+        const std::string text = App::TextIn(dialog);
+        // The one error that is meant to be: the stop bits that the settings refuse.
+        const bool meant = text.find("frmConfigure.cboStopBits_Click") != std::string::npos;
+        if ((text.starts_with("The following error") && !meant) || text.starts_with("Unhandled"))
+            ADD_FAILURE() << text;
+        if (TextOf(dialog) == "Flash Update Successful" && dialog != lastSuccess) ++successes;
+        lastSuccess = dialog;
+        PressIn(dialog, OneOf(std::to_array({IDOK, IDYES, IDYES, IDNO})));
+    } else if (Below(4) == 0) {
+        PressIn(dialog, IDCANCEL);
+    } else {
+        App::Fill(dialog, image);
+    }
+}
+
+void Monkey::Act() {
+    if (Below(150) == 0) app->Close();
+    if (const HWND dialog = app->Dialog()) return ActOn(dialog);
+    const int what = Below(60);
+    if (IsWindowEnabled(app->Main()) == 0 || what < 9) return PressAKey();
+    if (what < 15) return ClickSomewhere();
+    if (what < 18) return MoveTheWindow();
+    if (what < 19 && app->IsShown("cmdFlashAbort")) return app->Press("cmdFlashAbort");
+    if (what < 21) return app->Choose("mnuHelpAbout");
+    if (what < 23) return app->Choose("mnuToolsOptions");
+    if (what > 40 || !app->IsShown("cmdFlash") || !app->IsEnabled("cmdFlash")) return;
+    ++flashes;
+    indicator.Start(OneOf(std::to_array(
+        {"--think 20 --write 500", "--think 50", "", "--fault no-trav", "--fault no-sysload",
+         "--fault nak@7x4", "--fault hangup@20", "--fault verify-failed", "--fault done@9"})));
+    app->Press("cmdFlash");
+}
+
+/// A program that has ended has done so of its own will, and one that runs answers.
+void Monkey::Check() {
+    if (app->IsRunning()) {
+        ASSERT_TRUE(app->Answers() || !app->IsRunning()) << "hangs";
+        return;
+    }
+    ASSERT_EQ(app->Wait(), 0u) << "crashed";
+    ++ends;
+    ForgetSettings();  // another port or speed would end all flashes from here on
+    app.emplace();
+}
+
+TEST_F(Monkey, NeitherCrashesNorHangsTheProgram) {
+    const std::string wanted = Setting("E2E_SEED");
+    const unsigned seed = wanted.empty() ? std::random_device()() : std::stoul(wanted);
+    std::cout << "E2E_SEED=" << seed << std::endl;
+    random.seed(seed);
+    const ULONGLONG end = GetTickCount64() + std::stoull("0" + Setting("E2E_SECONDS")) * 1000;
+    int actions = 0;
+    for (; GetTickCount64() < end && !HasFailure(); ++actions) {
+        Act();
+        Sleep(static_cast<DWORD>(Below(300)));
+        Check();
+    }
+    std::cout << actions << " actions, " << flashes << " flashes, " << successes << " successes, "
+              << ends << " ends" << std::endl;
+}
+
+}  // namespace
+}  // namespace vantor::driver

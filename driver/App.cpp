@@ -381,13 +381,6 @@ HWND App::Focus() const {
     return info.hwndFocus;
 }
 
-HWND App::Capture() const {
-    GUITHREADINFO info{};
-    info.cbSize = sizeof info;
-    GetGUIThreadInfo(GetWindowThreadProcessId(mMain, nullptr), &info);
-    return info.hwndCapture;
-}
-
 bool App::IsRunning() const {
     return WaitForSingleObject(mProcess.Get(), 0) == WAIT_TIMEOUT;
 }

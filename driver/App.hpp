@@ -126,7 +126,6 @@ public:
     /// The menu that is open; null while there is none.
     HWND Menu() const;
     HWND Focus() const;
-    HWND Capture() const;
     bool IsRunning() const;
     /// Waits for the end of the program; its exit status.
     DWORD Wait() const;

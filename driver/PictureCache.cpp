@@ -4,6 +4,7 @@
 #include <fstream>
 
 #include "driver/Script.hpp"
+#include "platform/win32/Windows.hpp"
 
 namespace vantor::driver {
 namespace {

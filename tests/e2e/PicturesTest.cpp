@@ -2,9 +2,9 @@
 // programs that are installed beside it.
 #include <gtest/gtest.h>
 
-#include <array>
 #include <cstdlib>
 #include <filesystem>
+#include <fstream>
 #include <string>
 
 #include "driver/PictureCache.hpp"
@@ -50,17 +50,7 @@ protected:
         return OnScreen(edge).front() == 0x122B46u;
     }
 
-    void Click() const {
-        const RECT place = Place();
-        SetForegroundWindow(app->Main());
-        SetCursorPos((place.left + place.right) / 2, (place.top + place.bottom) / 2);
-        for (const auto button : std::to_array<DWORD>({MOUSEEVENTF_LEFTDOWN, MOUSEEVENTF_LEFTUP})) {
-            INPUT input{};
-            input.type = INPUT_MOUSE;
-            input.mi.dwFlags = button;
-            SendInput(1, &input, sizeof input);
-        }
-    }
+    void Click() const { ClickIn(app->Child("picPicture"), 9, 9); }
     void ExpectOpened(const Addresses& wanted) const {
         Await("the address", [&] { return PictureCache::Opened().size() >= wanted.size(); });
         EXPECT_EQ(PictureCache::Opened(), wanted);
@@ -103,12 +93,11 @@ TEST_F(Pictures, EachKindIsShownUndistortedAndAClickOpensItsAddress) {
 
 TEST_F(Pictures, WhatIsNoPictureGivesWayToTheBuiltInOneWhichLeadsToTheMaker) {
     Addresses opened;
-    for (const std::string name : {"", "A.GIF", "a.png", "text.gif", "cut.gif", "cut.jpg"}) {
+    for (const std::string name : {"A.GIF", "text.gif", "cut.jpg"}) {
         cache.Clear();
         if (name == "A.GIF") cache.Draw(name, "gif", 40, 20);
-        if (name == "a.png") cache.Draw(name, "png", 40, 20);
         if (name == "text.gif") cache.Put(name, "Not a picture\r\n");
-        if (name == "cut.gif") cache.Put(name, "GIF89a\x10");
+        // Its header is whole, so only decoding finds it out.
         if (name == "cut.jpg")
             cache.Put(name, std::string("\xFF\xD8\xFF\xC0\0\x11\x08\0\x10\0", 10));
         cache.Put("cache.txt", "1|2|" + name + "|http://wrong/\r\n");
@@ -147,27 +136,22 @@ TEST_F(Pictures, AnIndexThatSaysNothingOpensNothingAndAMissingOneIsReported) {
 
 class Versions : public EndToEnd {
 protected:
-    Versions() : folder(FileOfRun("installed")) {
-        std::filesystem::create_directories(folder);
-        std::filesystem::copy_file(Setting("DRIVE_PROGRAM"), folder / "tsupdate.exe",
-                                   std::filesystem::copy_options::overwrite_existing);
-    }
     ~Versions() override {
         app.reset();
         std::filesystem::remove_all(folder);
     }
-
     void Install(const char* name, const std::vector<std::string>& texts) const {
         std::ofstream(folder / name, std::ios::binary) << ProgramAround(VersionBlock(texts));
     }
     /// What a user reads of a folder with padded, ended, missing and misplaced versions.
     void ExpectTheReport() {
-        app->Close();
-        EXPECT_EQ(app->Wait(), 0u);
+        std::filesystem::create_directories(folder);
+        std::filesystem::copy_file(Setting("DRIVE_PROGRAM"), folder / "tsupdate.exe");
         Install("caldor.exe", {VersionText("ProductVersion", "9.9"),
                                VersionText("FileVersion", std::string("  3.14.1  \0\0x\0", 15))});
         Install("caldoredit.exe", {VersionText("ProductVersion", "9.9")});
         Install("pellin.exe", {VersionText("FileVersion", std::string("   \0", 4))});
+        app.reset();
         app.emplace((folder / "tsupdate.exe").string());
         app->Choose("mnuToolsCurrentVersions");
         const Box wanted = {"Installed Software Version Information",
@@ -177,14 +161,13 @@ protected:
         EXPECT_EQ(app->TakeBox(), wanted);
     }
 
-    const std::filesystem::path folder;
+    const std::filesystem::path folder = FileOfRun("installed");
 };
+using SpanishVersions = Versions;
 
 TEST_F(Versions, OfFilesBesideTheProgramAreReported) {
     ExpectTheReport();
 }
-
-using SpanishVersions = Versions;
 
 TEST_F(SpanishVersions, AreReportedTheSame) {
     ExpectTheReport();

@@ -18,9 +18,6 @@ using User = std::function<void(frmConfigure&)>;
 const std::string kAdvice =
     "i||It is recommended that a baud rate above 19200 be used for communications. Baud rates "
     "below 38400 result in an increased download time.";
-const std::string kRefused = ReportBox("frmConfigure.cboStopBits_Click",
-                                       "(-2147211502) Application-defined or object-defined error");
-
 class ConfigureTest : public testing::Test {
 protected:
     ConfigureTest() {
@@ -155,16 +152,6 @@ TEST_F(ConfigureTest, ASlowSpeedIsAdvisedAgainstOnceAndKept) {
     });
     EXPECT_EQ(Told(mPlatform), Texts{kAdvice});
     EXPECT_EQ(Stored("Baud"), "9600  ");
-}
-
-TEST_F(ConfigureTest, TheRefusedStopBitsAreReportedAndStayShown) {
-    Open([](frmConfigure& dialog) {
-        Pick(dialog.cboStopBits, "2");
-        EXPECT_EQ(dialog.cboStopBits.Text(), "2");
-        dialog.cmdOK.Press();
-    });
-    EXPECT_EQ(Told(mPlatform), Texts{kRefused});
-    EXPECT_EQ(Stored("StopBits"), "nothing") << "a refused value is no change";
 }
 
 // Whatever size and state another program has stored.

@@ -1,0 +1,75 @@
+#!/bin/sh
+# Makes the packages, installs and removes each: the installer under Wine, the Debian package in a
+# root of its own. Needs nothing built before; as root, because dpkg wants that even there.
+set -eu
+root=$(cd "$(dirname "$0")/../.." && pwd)
+cd "$root"
+packages=$root/build/packages
+work=$root/build/packages_test
+log=$root/build/packages_test.log
+exec 3>&1 >"$log" 2>&1
+trap 'status=$?; [ "$status" = 0 ] || tail -n 30 "$log" >&3' EXIT
+set -x
+
+scripts/package
+(cd "$packages" && sha256sum -c SHA256SUMS)
+rm -rf "$work"
+mkdir -p "$work/zip"
+
+# The portable archive: both programs, which run from where they lie.
+(cd "$work/zip" && cmake -E tar xf "$packages"/*.zip)
+scripts/wine "$(find "$work/zip" -name tsflash.exe)" --version | grep -F 2.05.31
+
+# The installer, twice, as for a newer version.
+settings='HKCU\SOFTWARE\Tessmar Instruments\Packages Test'
+uninstall='HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\Tessmar Vantor Update'
+drive=$root/build/wine/drive_c
+folder="$drive/Program Files/Tessmar Vantor Update"
+scripts/wine reg.exe add "$settings" /v Port /d COM7 /f
+for setup in "$packages"/*-setup.exe "$packages"/*-setup.exe; do
+    scripts/wine "$setup" /S
+    cmp "$(find "$work/zip" -name tsupdate.exe)" "$folder/tsupdate.exe"
+    scripts/wine "$folder/tsflash.exe" --version | grep -F 2.05.31
+    scripts/wine reg.exe query "$uninstall" /v DisplayVersion | grep -F 2.5.31
+    find "$drive" -name 'Tessmar Vantor Update.lnk' | grep 'Start Menu'
+done
+
+# A program that is at work is left alone.
+scripts/wine "$folder/tsflash.exe" --practice --yes --fault late=15000@1 \
+    "Z:$root/build/native/sample.run" >"$work/practice.txt" 2>&1 &
+practice=$!
+until grep -q Line "$work/practice.txt"; do sleep 0.1; done
+status=0
+scripts/wine "$setup" /S || status=$?
+[ "$status" = 2 ]
+wait "$practice"
+
+: >"$folder/notes of the user.txt"
+scripts/wine "$folder/uninstall.exe" /S
+# It goes on as a copy of itself, which can remove it.
+for _ in $(seq 100); do
+    [ -e "$folder/uninstall.exe" ] || break
+    sleep 0.2
+done
+[ "$(ls "$folder")" = "notes of the user.txt" ]
+rm -r "$folder"
+[ -z "$(find "$drive" -name 'Tessmar Vantor Update.lnk')" ]
+! scripts/wine reg.exe query "$uninstall"
+scripts/wine reg.exe query "$settings" /v Port | grep -F COM7
+scripts/wine reg.exe delete "$settings" /f
+
+# The Debian package, in a root without the packages that it stands on.
+deb() { dpkg --root="$work/root" --force-depends --log="$work/dpkg.log" "$@"; }
+mkdir -p "$work/root/var/lib/dpkg/info" "$work/root/var/lib/dpkg/updates"
+touch "$work/root/var/lib/dpkg/status"
+dpkg-deb -f "$packages"/*.deb Depends | grep -F libc6
+deb --install "$packages"/*.deb
+"$work/root/usr/bin/tsflash" --version | grep -F 2.05.31
+gzip -t "$work/root/usr/share/man/man1/tsflash.1.gz"
+# shellcheck disable=SC2016  # for the other shell
+PATH=$work/root/usr/bin:$PATH bash -c '. "$1"; COMP_WORDS=(tsflash --pr) COMP_CWORD=1
+    _tsflash tsflash; [ "${COMPREPLY[*]}" = --practice ]' bash \
+    "$work/root/usr/share/bash-completion/completions/tsflash"
+deb --purge tsflash
+[ -z "$(find "$work/root" -name 'tsflash*')" ]
+echo passed

@@ -42,6 +42,7 @@ std::string FaultyLine::Transmit() {
     if (mUnplugged) return {};
     Deliver(mClock.Milliseconds());
     Pass(Direction::ToHost, mDevice.Transmit());
+    if (mUnplugged) return {};
     return Arrived(Direction::ToHost, mClock.Milliseconds());
 }
 

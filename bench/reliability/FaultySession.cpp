@@ -342,7 +342,25 @@ private:
         if (verdict.outcome != FlashOutcome::Done) return;
         if (!mTap->armed || mTap->afterArming.find("DONE") == std::string::npos)
             Violated("success without DONE in the final phase");
-        if (!verdict.memoryWhole && mPlan.compares) Violated("success without the whole image");
+        if (!verdict.memoryWhole && (mPlan.compares || !LossUnseen()))
+            Violated("success without the whole image");
+    }
+
+    /// A line can be lost without a trace when the indicator answers it with a verdict, which is
+    /// passed over, or when damage strikes the digit that its checksum does not cover. Only an
+    /// indicator that compares finds these.
+    bool LossUnseen() const {
+        const auto answeredByVerdict = [](const Exchange& exchange) {
+            return exchange.reply.find("DONE") != std::string::npos ||
+                   exchange.reply.find("VERIFY FAILED") != std::string::npos;
+        };
+        const auto garbles = [](const Mishap& mishap) {
+            const auto* const fault = std::get_if<LineFault>(&mishap.what);
+            return fault && fault->kind == LineFaultKind::Garble &&
+                   fault->direction == Direction::ToDevice;
+        };
+        return std::ranges::any_of(mTap->exchanges, answeredByVerdict) ||
+               std::ranges::any_of(mPlan.mishaps, garbles);
     }
 
     void Violated(const std::string& what) { mViolation += what + "\n"; }

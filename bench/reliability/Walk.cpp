@@ -29,7 +29,7 @@ private:
 LineFault RandomLineFault(Dice& dice) {
     return {.kind = static_cast<LineFaultKind>(dice.Roll(6)),
             .direction = static_cast<Direction>(dice.Roll(2)),
-            .byte = dice.Roll(24),
+            .byte = dice.Percent(30) ? 0 : dice.Roll(dice.Percent(75) ? 24 : 400),
             .ms = dice.Milliseconds()};
 }
 
@@ -37,7 +37,7 @@ Fault RandomIndicatorFault(Dice& dice) {
     constexpr auto kKinds = static_cast<std::uint32_t>(FaultKind::SplitVerdict) + 1;
     Fault fault;
     fault.kind = static_cast<FaultKind>(dice.Roll(kKinds));
-    fault.times = dice.Percent(2) ? 1000 : 1 + dice.Roll(5);
+    fault.times = dice.Percent(10) ? 1000 : 1 + dice.Roll(5);
     fault.lateMs = dice.Milliseconds();
     fault.silent = dice.Percent(50);
     return fault;

@@ -122,8 +122,7 @@ private:
         Take(" \r");
         if (Take("TRAV\r") != Word::Ok) return Ends(FlashOutcome::NotInBootMonitor, kNoMonitor);
         Take("BAUD 115200\r");
-        if (Take("SYSLOAD\r") != Word::Ok)
-            return Ends(FlashOutcome::SystemLoadRefused, kNoSysload);
+        if (Take("SYSLOAD\r") != Word::Ok) return Ends(FlashOutcome::SystemLoadRefused, kNoSysload);
         bool accepted = false;
         for (unsigned i = 0; i <= kDataLines; ++i) {
             const Word word = TakeLine((i < kDataLines ? DataRecord(i) : kEndRecord) + "\r");
@@ -205,8 +204,8 @@ public:
             mPlan = {};
             const Verdict next = RunOnce();
             if (next.outcome != FlashOutcome::Done || !next.violation.empty())
-                verdict.violation = "the next session: " + OutcomeName(next.outcome) + ", " +
-                                    next.violation;
+                verdict.violation =
+                    "the next session: " + OutcomeName(next.outcome) + ", " + next.violation;
         }
         return verdict;
     }
@@ -227,8 +226,7 @@ private:
         Verdict verdict;
         verdict.outcome = mWindow->Session().Outcome();
         verdict.gone = mWindow->Gone();
-        verdict.memoryWhole =
-            mIndicator->Memory() == FlashMemory::FromRecords(ImageOf(kDataLines));
+        verdict.memoryWhole = mIndicator->Memory() == FlashMemory::FromRecords(ImageOf(kDataLines));
         CheckReport(verdict);
         CheckTimes(start);
         CheckSuccess(verdict);
@@ -287,8 +285,8 @@ private:
                 mWindow->cmdFlashAbort.Press();
             const FlashFlags& flags = mWindow->Flags();
             const bool streaming = mWindow->Session().Outcome() == FlashOutcome::None;
-            mEndWanted |= streaming && (flags.mblnAbortFlash || flags.mblnCloseRequested ||
-                                        mWindow->Gone());
+            mEndWanted |=
+                streaming && (flags.mblnAbortFlash || flags.mblnCloseRequested || mWindow->Gone());
         });
         mActs.push_back(*timer);
     }
@@ -321,8 +319,7 @@ private:
         std::int32_t from = start;
         std::int32_t limit = kSlack;
         const auto until = [&](std::int32_t at, const std::string& what) {
-            if (at - from > limit)
-                Violated(std::to_string(at - from) + " ms before " + what);
+            if (at - from > limit) Violated(std::to_string(at - from) + " ms before " + what);
             from = at;
         };
         for (const Exchange& exchange : mTap->exchanges) {
@@ -384,10 +381,10 @@ private:
 }  // namespace
 
 std::string OutcomeName(FlashOutcome outcome) {
-    static constexpr std::array kNames = {
-        "none",           "declined",    "port not open",    "no monitor", "no system load",
-        "line refused",   "aborted",     "nothing accepted", "awaiting",   "done",
-        "verify failed",  "no verdict"};
+    static constexpr std::array kNames = {"none",       "declined",         "port not open",
+                                          "no monitor", "no system load",   "line refused",
+                                          "aborted",    "nothing accepted", "awaiting",
+                                          "done",       "verify failed",    "no verdict"};
     return kNames.at(static_cast<std::size_t>(outcome));
 }
 

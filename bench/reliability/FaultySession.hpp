@@ -30,8 +30,8 @@ enum class Phase : std::uint8_t {
     Boot,
 };
 inline constexpr std::array<const char*, 12> kPhaseNames = {
-    "opening",     "wake-up",    "TRAV",      "BAUD",      "reopened", "SYSLOAD", "first line",
-    "middle line", "last eleven", "last line", "verdict", "BOOT"};
+    "opening",    "wake-up",     "TRAV",        "BAUD",      "reopened", "SYSLOAD",
+    "first line", "middle line", "last eleven", "last line", "verdict",  "BOOT"};
 
 std::string OutcomeName(FlashOutcome outcome);
 

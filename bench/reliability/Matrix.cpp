@@ -26,16 +26,17 @@ void AddLineFaults(std::vector<MatrixRow>& rows) {
             rows.push_back({std::string(kind.name) + way.name,
                             LineFault{kind.kind, way.direction, kind.byte, kind.ms}});
     // The digit behind the S, which makes a header of a line of data.
-    rows.push_back({"record type garbled",
-                    LineFault{Garble, Direction::ToDevice, 1}, true});
+    rows.push_back({"record type garbled", LineFault{Garble, Direction::ToDevice, 1}, true});
 }
 
 void AddIndicatorFaults(std::vector<MatrixRow>& rows) {
-    for (const char* text :
-         {"nak@0", "nak@0x4", "silent@0", "silent@0x4", "late=500@0", "late=25000@0", "drop@0",
-          "garble@0", "garble@0x4", "noise@0", "split@0", "done@0", "done@0x1000", "verify@0",
-          "verify@0x1000", "hangup@0", "no-trav", "no-trav=silent", "no-baud", "no-baud=silent",
-          "no-sysload", "no-sysload=silent", "verify-failed", "no-verdict", "split-verdict"}) {
+    for (const char* text : {"nak@0",        "nak@0x4",           "silent@0",      "silent@0x4",
+                             "late=500@0",   "late=25000@0",      "drop@0",        "garble@0",
+                             "garble@0x4",   "noise@0",           "split@0",       "done@0",
+                             "done@0x1000",  "verify@0",          "verify@0x1000", "hangup@0",
+                             "no-trav",      "no-trav=silent",    "no-baud",       "no-baud=silent",
+                             "no-sysload",   "no-sysload=silent", "verify-failed", "no-verdict",
+                             "split-verdict"}) {
         std::string name = text;
         if (const std::size_t at = name.find("@0"); at != std::string::npos) name.erase(at, 2);
         rows.push_back({name, ParseFault(text)});

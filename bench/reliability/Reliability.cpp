@@ -14,14 +14,18 @@ namespace {
 
 constexpr const char* kIntroduction =
     "# Reliability\n\n"
-    "Written by `scripts/reliability`. Each session runs in one process on virtual time: the whole\n"
-    "program without its screen, the virtual indicator, and a line that can be told to fail. After\n"
+    "Written by `scripts/reliability`. Each session runs in one process on virtual time: the "
+    "whole\n"
+    "program without its screen, the virtual indicator, and a line that can be told to fail. "
+    "After\n"
     "each the following is checked, and any breach stops the run:\n\n"
     "- The outcome, the boxes and every send are those that the bytes received so far call for.\n"
-    "- No reply is waited for longer than 20 s, no line sent more than four times, no verdict waited\n"
+    "- No reply is waited for longer than 20 s, no line sent more than four times, no verdict "
+    "waited\n"
     "  for longer than 60 s. The wait of an image of which nothing was accepted has no end of its\n"
     "  own; closing the window ends it.\n"
-    "- Success is reported only after \"DONE\" in the final phase; an indicator that compares then\n"
+    "- Success is reported only after \"DONE\" in the final phase; an indicator that compares "
+    "then\n"
     "  holds exactly the image.\n"
     "- The port is closed, the buttons are enabled, the first panel shows, the settings are\n"
     "  untouched, and an undisturbed session that follows on the same window succeeds.\n\n";
@@ -32,9 +36,10 @@ constexpr const char* kIntroduction =
 }
 
 void Matrix() {
-    std::cout << "## Every fault in every phase\n\n"
-                 "Columns are the phases in which the fault arises. Faults of the line strike the "
-                 "first bytes of\nthe phase, those of the indicator what it answers next.\n\n| fault |";
+    std::cout
+        << "## Every fault in every phase\n\n"
+           "Columns are the phases in which the fault arises. Faults of the line strike the "
+           "first bytes of\nthe phase, those of the indicator what it answers next.\n\n| fault |";
     for (const char* phase : kPhaseNames) std::cout << ' ' << phase << " |";
     std::cout << "\n|---|";
     for (std::size_t i = 0; i < kPhaseNames.size(); ++i) std::cout << "---|";

@@ -11,14 +11,19 @@ public:
     Dice(std::uint64_t seed, std::uint64_t number) : mEngine(seed * 0x9E3779B97F4A7C15u + number) {}
 
     /// 0 to `sides` - 1.
-    std::uint32_t Roll(std::uint32_t sides) { return static_cast<std::uint32_t>(mEngine() % sides); }
+    std::uint32_t Roll(std::uint32_t sides) {
+        return static_cast<std::uint32_t>(mEngine() % sides);
+    }
     bool Percent(std::uint32_t chance) { return Roll(100) < chance; }
     /// Mostly a moment, sometimes around the limits of 20 s and 60 s.
     std::uint32_t Milliseconds() {
         switch (Roll(10)) {
-            case 0: return 19'000 + Roll(2'000);
-            case 1: return 1 + Roll(70'000);
-            default: return 1 + Roll(300);
+            case 0:
+                return 19'000 + Roll(2'000);
+            case 1:
+                return 1 + Roll(70'000);
+            default:
+                return 1 + Roll(300);
         }
     }
 

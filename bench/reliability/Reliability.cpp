@@ -78,8 +78,11 @@ void Walk(std::uint64_t seed, std::uint64_t count) {
     for (const auto& [outcome, sessions] : tally)
         std::cout << "| " << OutcomeName(outcome) << " | " << sessions << " |\n";
     std::cout << "\nThe window was closed in " << closed << " of them.\n";
-    std::cout << "An indicator that compares nothing said DONE without the whole image in "
-              << notWhole << ".\n";
+    std::cout
+        << "An indicator that compares nothing said DONE without the whole image in " << notWhole
+        << ":\nit had answered a line with a verdict, which is passed over, or a flipped bit "
+           "had struck the\ndigit of a record that its checksum does not cover. Any other such "
+           "loss would break a rule.\n";
 }
 
 }  // namespace

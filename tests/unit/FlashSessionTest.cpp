@@ -6,6 +6,7 @@
 
 #include <functional>
 
+#include "tests/unit/SessionBoxes.hpp"
 #include "tests/unit/SessionFixture.hpp"
 
 namespace vantor {
@@ -14,22 +15,6 @@ namespace {
 using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
-
-constexpr const char* kDone =
-    "i|Flash Update Successful|Program Download Complete. Check the indicator for additional "
-    "progress messages.";
-constexpr const char* kNoPort =
-    "!||Unable to open communications port. Check your settings and try again.";
-constexpr const char* kNoMonitor = "i||Place indicator into boot monitor mode and try again.";
-constexpr const char* kNoSysload = "!||Unable to initiate System Load.";
-constexpr const char* kFailure =
-    "!|Update Failure|Flash Update Failure. Cycle power on the indicator. Please try the update "
-    "again before calling technical support.";
-constexpr const char* kAborted =
-    "!|Update Aborted|Flash Update Aborted. Cycle power on the indicator.";
-constexpr const char* kVerify =
-    "stop|Critical Error!|Critical Flash Update Failure! \r\n\r\nIt is recommended that you "
-    "return the indicator to Tessmar Instruments for repair.";
 
 // --- one row a way in which a session can go, faults included --------------------------------
 

@@ -91,8 +91,8 @@ protected:
     Texts Boxes() const { return Told(headless); }
 
     ReportingPlatform headless;
-    Desktop desktop{headless.peers, headless.pump};
-    std::shared_ptr<frmMain> window = std::make_shared<frmMain>(desktop, headless.platform);
+    std::shared_ptr<frmMain> window =
+        std::make_shared<frmMain>(headless.desktop, headless.platform);
     std::optional<VirtualIndicator> indicator;
     std::optional<SpiedFarEnd> farEnd;
 };

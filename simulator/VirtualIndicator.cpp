@@ -128,6 +128,15 @@ std::string VirtualIndicator::Transmit(Micros now) {
     return mHostOpen ? due : std::string{};
 }
 
+void VirtualIndicator::Arise(const Fault& fault) {
+    if (fault.kind <= FaultKind::Hangup) {
+        mArisen.push_back(fault);
+    } else {
+        mOptions.faults.push_back(fault);
+        mFaultUses.push_back(0);
+    }
+}
+
 std::optional<Micros> VirtualIndicator::NextDue() const {
     std::optional<Nanos> next = mVerdictAt;
     const auto consider = [&](Nanos at) { next = next ? std::min(*next, at) : at; };
@@ -197,7 +206,7 @@ void VirtualIndicator::TakeLine(const std::string& line, Nanos at) {
         mViolations.push_back("After the verdict DONE the host sent \"" + line +
                               "\" instead of BOOT.");
     }
-    if (IsBlank(line)) return;
+    if (IsBlank(line)) return;  // nothing answers it, so nothing can go wrong with it
     if (phase == Phase::Image || phase == Phase::Writing) {
         TakeImageLine(line, at);
     } else {
@@ -208,16 +217,19 @@ void VirtualIndicator::TakeLine(const std::string& line, Nanos at) {
 void VirtualIndicator::TakeCommand(const std::string& line, Nanos at) {
     using Phase = BootMonitor::Phase;
     const Phase before = mMonitor.CurrentPhase();
+    LineFaults faults;
+    AddArisen(faults);
+    if (faults.hangup) return HangUp();
     // BAUD is answered at the speed before it.
     const std::uint32_t speed = mMonitor.BitsPerSecond();
     const Nanos ready = at + ToNanos(mOptions.think);
-    if (const Fault* const fault = RefusalOf(line)) {
-        mMonitor.HeardHost();
-        if (!fault->silent) Say(AnswerText(Answer::Refused), ready, speed, {});
-        return;
+    if (const Fault* const refusal = RefusalOf(line)) {
+        faults.silent |= refusal->silent;
+        faults.refuse = true;
     }
-    const Answer answer = mMonitor.TakeLine(line);
-    Say(AnswerText(answer), ready, speed, {});
+    if (faults.silent || faults.refuse) mMonitor.HeardHost();
+    if (faults.silent) return;
+    Say(faults, AnswerTo(line, faults), ready, speed);
     if (mMonitor.CurrentPhase() == Phase::Image) {
         mPrevious.reset();
         mLineNumber = 0;
@@ -232,19 +244,20 @@ void VirtualIndicator::TakeImageLine(const std::string& line, Nanos at) {
     if (faults.silent) return;
 
     const bool imageOpen = mMonitor.CurrentPhase() == Phase::Image;
-    Answer answer = Answer::Refused;
-    if (!faults.refuse) answer = mMonitor.TakeLine(faults.Damaged(line));
-    if (faults.instead) answer = *faults.instead;
-
-    std::string text(AnswerText(answer));
-    if (faults.noise) text.insert(0, kNoise);
-    const Nanos ready = at + ToNanos(mOptions.think) + faults.late;
-    const Nanos said = Say(text, ready, mMonitor.BitsPerSecond(), faults.delivery);
+    const Answer answer = AnswerTo(line, faults);
+    const Nanos ready = at + ToNanos(mOptions.think);
+    const Nanos said = Say(faults, answer, ready, mMonitor.BitsPerSecond());
     // Writing begins when the acknowledgement is out, so that a late one cannot be overtaken by
     // the verdict.
     if (imageOpen && mMonitor.CurrentPhase() == Phase::Writing) {
         mVerdictAt = said + ToNanos(mOptions.writeFlash);
     }
+}
+
+Answer VirtualIndicator::AnswerTo(const std::string& line, const LineFaults& faults) {
+    Answer answer = Answer::Refused;
+    if (!faults.refuse) answer = mMonitor.TakeLine(faults.Damaged(line));
+    return faults.instead.value_or(answer);
 }
 
 VirtualIndicator::LineFaults VirtualIndicator::FaultsOf(const std::string& line) {
@@ -257,7 +270,16 @@ VirtualIndicator::LineFaults VirtualIndicator::FaultsOf(const std::string& line)
         ++mFaultUses[i];
         faults.Add(fault);
     }
+    AddArisen(faults);
     return faults;
+}
+
+void VirtualIndicator::AddArisen(LineFaults& faults) {
+    for (Fault& fault : mArisen) {
+        faults.Add(fault);
+        --fault.times;
+    }
+    std::erase_if(mArisen, [](const Fault& fault) { return fault.times == 0; });
 }
 
 const Fault* VirtualIndicator::Find(FaultKind kind) const {
@@ -271,6 +293,13 @@ const Fault* VirtualIndicator::RefusalOf(std::string_view command) const {
     if (command.starts_with("BAUD")) return Find(FaultKind::NoBaud);
     if (command == "SYSLOAD") return Find(FaultKind::NoSysload);
     return nullptr;
+}
+
+Nanos VirtualIndicator::Say(const LineFaults& faults, Answer answer, Nanos ready,
+                            std::uint32_t speed) {
+    std::string text(AnswerText(answer));
+    if (faults.noise) text.insert(0, kNoise);
+    return Say(text, ready + faults.late, speed, faults.delivery);
 }
 
 // Queues `text` to begin at `ready`, behind what is still to be said. Returns when it is out.

@@ -56,6 +56,11 @@ public:
     /// May lie in the past when neither was called for a while.
     std::optional<Micros> NextDue() const;
 
+    /// A fault arises while the indicator runs. One of a line strikes the next line that comes,
+    /// command or image line (its `line` is not asked), and the following ones up to `times`;
+    /// one of a phase holds from now on.
+    void Arise(const Fault& fault);
+
     /// A "hangup" fault has closed the terminal; nothing is heard or said any more.
     bool HungUp() const { return mHungUp; }
     /// A whole image was taken, the verdict was "DONE", and BOOT came. Of the last session;
@@ -93,9 +98,12 @@ private:
     void TakeCommand(const std::string& line, Nanos at);
     void TakeImageLine(const std::string& line, Nanos at);
     LineFaults FaultsOf(const std::string& line);
+    void AddArisen(LineFaults& faults);
+    Answer AnswerTo(const std::string& line, const LineFaults& faults);
     const Fault* Find(FaultKind kind) const;
     const Fault* RefusalOf(std::string_view command) const;
     Nanos Say(std::string_view text, Nanos ready, std::uint32_t speed, Delivery delivery);
+    Nanos Say(const LineFaults& faults, Answer answer, Nanos ready, std::uint32_t speed);
     void GiveVerdict(Nanos at);
     void CloseArrived(Nanos at);
     void PowerCycle();
@@ -122,6 +130,7 @@ private:
     std::optional<std::string> mPrevious;  // the image line before, as the host sent it
     std::size_t mLineNumber = 0;           // of `mPrevious`, among distinct lines
     std::vector<unsigned> mFaultUses;      // arrivals spent, by index of `mOptions.faults`
+    std::vector<Fault> mArisen;            // of lines, `times` counted down
 
     bool mSessionBegun = false;
     bool mSessionOver = false;

@@ -9,8 +9,8 @@ namespace {
 
 struct Bench {
     ReportingPlatform headless;
-    Desktop desktop{headless.peers, headless.pump};
-    std::shared_ptr<frmMain> window = std::make_shared<frmMain>(desktop, headless.platform);
+    std::shared_ptr<frmMain> window =
+        std::make_shared<frmMain>(headless.desktop, headless.platform);
     PromotionalPicture promotion{window->picPicture, headless.platform};
 };
 

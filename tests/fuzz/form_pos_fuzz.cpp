@@ -10,8 +10,8 @@ namespace {
 
 struct Bench {
     ReportingPlatform headless;
-    Desktop desktop{headless.peers, headless.pump};
-    std::shared_ptr<frmAbout> window = std::make_shared<frmAbout>(desktop, headless.strings);
+    std::shared_ptr<frmAbout> window =
+        std::make_shared<frmAbout>(headless.desktop, headless.strings);
     CFormPos position{headless.registry, headless.codePage};
     RegistryKey key = 0;
 

@@ -12,8 +12,7 @@ const FormDesign kDesign = {"frmFuzz", "", "", {}, {}};
 
 struct Bench {
     ReportingPlatform headless;
-    Desktop desktop{headless.peers, headless.pump};
-    std::shared_ptr<Form> window = std::make_shared<Form>(desktop, kDesign);
+    std::shared_ptr<Form> window = std::make_shared<Form>(headless.desktop, kDesign);
     TreeView tree{*window, "tvw"};
     CTreeViewEnh states{headless.registry, headless.codePage};
     RegistryKey key = 0;

@@ -211,7 +211,6 @@ TEST_F(OverATerminal, AnOverrideIsUsedAndNeverStored) {
 }
 
 TEST_F(OverATerminal, WhatCannotBeMeantIsRefusedBeforeThePortIsTouched) {
-    port = "/dev/null";  // never a port
     const std::pair<std::vector<std::string>, const char*> rows[] = {
         {{"--frobnicate"}, "Unknown option: --frobnicate"},
         {{"--baud", "14400"}, "--baud does not take the value '14400'"},
@@ -227,6 +226,7 @@ TEST_F(OverATerminal, WhatCannotBeMeantIsRefusedBeforeThePortIsTouched) {
         EXPECT_EQ(flash.status, 2) << why;
         EXPECT_THAT(flash.err, HasSubstr(why));
     }
+    port = "/dev/null";  // never a port
     std::filesystem::remove(image);
     const Ended flash = Flash();
     EXPECT_EQ(flash.status, 2);

@@ -138,9 +138,9 @@ TEST(BootMonitor, AnImageLineIsTakenOnceAndRefusedWhenItIsDamaged) {
              Dialogue{"", "#0 #1 #1 #2 #2 #3 #4 #4 ~800 ~9000", "OK OK OK OK OK OK OK OK DONE -"},
              Dialogue{"nak@1", "#0 #1 #1 #1 #2 #3 #4 ~9000", "OK ?? OK OK OK OK OK DONE"},
              Dialogue{"nak@1", "#0 #1 #2 #3 #4 ~9000", "OK ?? OK OK OK VERIFY FAILED"},
-             Dialogue{"silent@1", "#0 #1 #2 #3 #4 ~9000", "OK - OK OK OK VERIFY FAILED"},
+             Dialogue{"silent@1", "#0 #1 #1 #1 #2 #3 #4 ~9000", "OK - OK OK OK OK OK DONE"},
              Dialogue{"drop@1x2", "#0 #1 #1 #1 #2 #3 #4 ~9000", "OK ?? ?? OK OK OK OK DONE"},
-             Dialogue{"garble@1", "#0 #1 #2 #3 #4 ~9000", "OK ?? OK OK OK VERIFY FAILED"},
+             Dialogue{"garble@1", "#0 #1 #1 #2 #3 #4 ~9000", "OK ?? OK OK OK OK DONE"},
              Dialogue{"noise@1", "#0 #1 #2 #3 #4 ~9000", "OK ~\x15#\xF1 \x80|OK OK OK OK DONE"},
              Dialogue{"done@1", "#0 #1 #2 #3 #4 ~9000", "OK DONE OK OK OK DONE"},
              Dialogue{"verify@1", "#0 #1 #2 #3 #4 ~9000", "OK VERIFY FAILED OK OK OK DONE"},
@@ -215,8 +215,8 @@ TEST(FaultSpelling, IsReadOrRejectedByName) {
     EXPECT_EQ(ParseFault("late=1500@12x2"), (Fault{FaultKind::Late, 12, 2, 1500, false}));
     EXPECT_EQ(ParseFault("no-baud=silent"), (Fault{FaultKind::NoBaud, 0, 1, 0, true}));
     for (const std::string bad :
-         {"", "nak", "nak@-1", "nak@1x0", "nak@1x2x3", "nak=5@1", "late@3", "late=1s@3", "nap@3",
-          "no-trav@3", "no-trav=loud"}) {
+         {"", "nak", "nak@", "nak@-1", "nak@1x0", "nak@99999999999999999999", "nak=5@1", "late@3",
+          "late=0@3", "late=1s@3", "nap@3", "no-trav@3", "no-trav=loud", "no-verdict=silent"}) {
         try {
             ParseFault(bad);
             ADD_FAILURE() << "taken: " << bad;

@@ -4,10 +4,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <functional>
 #include <map>
-#include <string>
-#include <vector>
 
 #include "ReportingPlatform.hpp"
 

@@ -3,13 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include <memory>
 #include <new>
 #include <stdexcept>
-#include <string>
 #include <system_error>
-#include <utility>
-#include <vector>
 
 #include "ReportingPlatform.hpp"
 

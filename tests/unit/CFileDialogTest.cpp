@@ -3,9 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <functional>
-#include <string>
-
 #include "ReportingPlatform.hpp"
 
 namespace vantor {

@@ -21,15 +21,13 @@ protected:
 
     /// The registry with `record` in it, as text.
     static std::string With(const std::string& record) {
-        return "REGEDIT4\n\n[HKEY_CURRENT_USER\\SOFTWARE\\Tessmar Instruments"
-               "\\Tessmar Vantor Update\\Positions]\n\"frmAbout\"=\"" +
-               record + "\"\n";
+        return RegistryWith("Positions", "\"frmAbout\"=\"" + record + "\"\n");
     }
     void Store(const std::string& record) { headless.registry.Import(With(record)); }
 
     ReportingPlatform headless;  // a screen of 28800 by 16200 twips
-    Desktop desktop{headless.peers, headless.pump};
-    std::shared_ptr<frmAbout> window = std::make_shared<frmAbout>(desktop, headless.strings);
+    std::shared_ptr<frmAbout> window =
+        std::make_shared<frmAbout>(headless.desktop, headless.strings);
     CFormPos position{headless.registry, headless.codePage};
 };
 

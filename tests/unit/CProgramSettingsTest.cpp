@@ -3,9 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <string>
-
 #include "NotedRegistry.hpp"
 #include "ReportingPlatform.hpp"
 

@@ -3,10 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <array>
-#include <memory>
-#include <string>
-
 #include "NotedRegistry.hpp"
 #include "ReportingPlatform.hpp"
 #include "controls/Form.hpp"
@@ -15,13 +11,7 @@
 namespace vantor {
 namespace {
 
-constexpr std::array kRows = {ControlDesign{ControlKind::TreeView, "tvw", -1, "", {}, "", ""}};
-const FormDesign kDesign = {"frmTest", "", "", {}, kRows};
-
-struct Window : Form {
-    explicit Window(Desktop& desktop) : Form(desktop, kDesign) {}
-    TreeView tvw{*this, "tvw"};
-};
+const FormDesign kDesign = {"frmTest", "", "", {}, {}};
 
 class CTreeViewEnhTest : public testing::Test {
 protected:
@@ -34,9 +24,7 @@ protected:
     }
 
     static std::string With(const std::string& value) {
-        return "REGEDIT4\n\n[HKEY_CURRENT_USER\\SOFTWARE\\Tessmar Instruments"
-               "\\Tessmar Vantor Update\\Positions\\NodeStates]\n\"tvw\"=\"" +
-               value + "\"\n";
+        return RegistryWith("Positions\\NodeStates", "\"tvw\"=\"" + value + "\"\n");
     }
     /// A letter for each node that is open.
     std::string Open() const {
@@ -46,9 +34,8 @@ protected:
     }
 
     ReportingPlatform platform;
-    Desktop desktop{platform.peers, platform.pump};
-    std::shared_ptr<Window> window = std::make_shared<Window>(desktop);
-    TreeView& tree = window->tvw;
+    std::shared_ptr<Form> window = std::make_shared<Form>(platform.desktop, kDesign);
+    TreeView tree{*window, "tvw"};
     NotedRegistry registry;
     CTreeViewEnh states{registry, platform.codePage};
 };

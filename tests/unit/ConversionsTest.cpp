@@ -4,8 +4,6 @@
 #include <gtest/gtest.h>
 
 #include <limits>
-#include <string>
-#include <utility>
 
 #include "ReportingPlatform.hpp"
 

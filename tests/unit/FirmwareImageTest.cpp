@@ -3,10 +3,6 @@
 
 #include <gtest/gtest.h>
 
-#include <string>
-#include <utility>
-#include <vector>
-
 #include "ReportingPlatform.hpp"
 
 namespace vantor {
@@ -26,18 +22,14 @@ TEST(FirmwareImage, NoLineEndMayCostOrAddALine) {
         std::string text;
         Texts lines;
     } kCases[] = {
-        {"line feeds", "a\nb\n", {"a", "b"}},
-        {"carriage returns before them", "a\r\nb\r\n", {"a", "b"}},
         {"both in one file", "a\r\nb\nc\r\n", {"a", "b", "c"}},
         {"no end behind the last line", "a\nb", {"a", "b"}},
         {"a lone carriage return at the end", "a\nb\r", {"a", "b\r"}},
         {"carriage returns only", "a\rb\rc", {"a\rb\rc"}},
         {"a double carriage return", "a\r\r\nb", {"a\r", "b"}},
         {"blank lines are kept", "\na\n\n  \n", {"", "a", "", "  "}},
-        {"one line end only", "\r\n", {""}},
         {"an empty file is one empty line", "", {""}},
-        {"NUL bytes and the upper half", "a\0b\n\0\n\x80\xff"s, {"a\0b"s, "\0"s, "\x80\xff"}},
-        {"an end-of-file character", "a\n\x1a\n", {"a", "\x1a"}}};
+        {"bytes that are no text", "a\0b\n\x1a\n\x80\xff"s, {"a\0b"s, "\x1a", "\x80\xff"}}};
     for (const auto& c : kCases) EXPECT_EQ(Lines(ImageLines(c.text)), c.lines) << c.what;
 }
 

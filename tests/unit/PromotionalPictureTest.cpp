@@ -2,9 +2,7 @@
 // click leads.
 #include <gtest/gtest.h>
 
-#include <string>
 #include <tuple>
-#include <vector>
 
 #include "ReportingPlatform.hpp"
 #include "app/frmMain.hpp"
@@ -80,7 +78,7 @@ protected:
         mPlatform.files.Add(kCache + name, bytes);
     }
     PictureBox& Shown() {
-        mWindow = std::make_shared<frmMain>(mDesktop, mPlatform.platform);
+        mWindow = std::make_shared<frmMain>(mPlatform.desktop, mPlatform.platform);
         mWindow->Load();
         return mWindow->picPicture;
     }
@@ -93,7 +91,6 @@ protected:
     }
 
     ReportingPlatform mPlatform;
-    Desktop mDesktop{mPlatform.peers, mPlatform.pump};
     std::shared_ptr<frmMain> mWindow;
 };
 

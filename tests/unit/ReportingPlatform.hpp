@@ -1,13 +1,16 @@
-// The platform of the unit tests: headless, with the error handler installed, so that whatever
-// the code under test reports stands in the recorded message boxes.
+// The platform of the unit tests: headless, with a desktop, and with the error handler installed,
+// so that whatever the code under test reports stands in the recorded message boxes.
 #pragma once
 
 #include <array>
 #include <functional>
+#include <memory>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/base/CErrHandler.hpp"
+#include "controls/Form.hpp"
 #include "platform/headless/HeadlessPlatform.hpp"
 #include "support/RuntimeError.hpp"
 #include "support/Traps.hpp"
@@ -25,6 +28,7 @@ struct ReportingPlatform : HeadlessPlatform {
 
     CErrHandler errors{CErrHandler::Services{clock, files, folders, boxes, process}};
     ErrorSink* before = nullptr;
+    Desktop desktop{peers, pump};
 };
 
 using Texts = std::vector<std::string>;
@@ -44,6 +48,14 @@ inline Texts Told(const HeadlessPlatform& platform) {
 inline std::string ReportBox(const std::string& procedure, const std::string& error) {
     return "stop|Tessmar Vantor Update|The following error has occurred in procedure: \r\n" +
            procedure + " on line 0\r\nError " + error;
+}
+
+/// The registry in its text form when the program's key `key` holds `values` and nothing else is
+/// there.
+inline std::string RegistryWith(const std::string& key, const std::string& values) {
+    return "REGEDIT4\n\n[HKEY_CURRENT_USER\\SOFTWARE\\Tessmar Instruments"
+           "\\Tessmar Vantor Update\\" +
+           key + "]\n" + values;
 }
 
 /// The error that `operation` raises; number 0 when it raises none.

@@ -12,6 +12,7 @@
 #include "app/frmMain.hpp"
 #include "simulator/VirtualIndicator.hpp"
 #include "tests/Images.hpp"
+#include "tests/unit/AtRest.hpp"
 #include "tests/unit/ReportingPlatform.hpp"
 
 namespace vantor {
@@ -80,16 +81,7 @@ protected:
         };
     }
 
-    /// What holds after every session that has ended with the window still there.
-    void ExpectAtRest() {
-        EXPECT_FALSE(headless.ports.IsOpen("COM1") || window->tmrFlashTimeout.Enabled() ||
-                     window->Flags().mblnFlashing);
-        EXPECT_TRUE(window->cmdFlash.Enabled() && window->mnuFileFlash.Enabled() &&
-                    window->mnuToolsOptions.Enabled() && window->mnuToolsMonitor.Enabled());
-        EXPECT_TRUE(window->picStartup.Visible() && !window->picFlash.Visible());
-        EXPECT_EQ(headless.peers.open, std::vector<std::string>{"frmMain"});
-        EXPECT_EQ(headless.peers.pointer, MousePointer::Default);
-    }
+    void ExpectAtRest() { EXPECT_EQ(NotAtRest(*window, headless), ""); }
 
     bool MemoryIs(const std::string& image) const {
         return indicator->Memory() == FlashMemory::FromRecords(image);
@@ -99,8 +91,8 @@ protected:
     Texts Boxes() const { return Told(headless); }
 
     ReportingPlatform headless;
-    Desktop desktop{headless.peers, headless.pump};
-    std::shared_ptr<frmMain> window = std::make_shared<frmMain>(desktop, headless.platform);
+    std::shared_ptr<frmMain> window =
+        std::make_shared<frmMain>(headless.desktop, headless.platform);
     std::optional<VirtualIndicator> indicator;
     std::optional<SpiedFarEnd> farEnd;
 };

@@ -1,9 +1,6 @@
 // What is handed to the shell, and what the report of installed versions reads from files.
 #include <gtest/gtest.h>
 
-#include <string>
-#include <vector>
-
 #include "ReportingPlatform.hpp"
 #include "app/frmMain.hpp"
 #include "dialogs/CShellExecute.hpp"
@@ -64,8 +61,7 @@ TEST(Versions, TheReportTellsOnlyTheFileVersionInTheLanguageThatIsNamed) {
     platform.files.Add("/opt/vantor/caldoredit.exe", Program({version}, "0C0A04E4"));
     platform.files.Add("/opt/vantor/pellin.exe",
                        Program({VersionText("ProductVersion", "9")}, "040904B0"));
-    Desktop desktop(platform.peers, platform.pump);
-    const auto window = std::make_shared<frmMain>(desktop, platform.platform);
+    const auto window = std::make_shared<frmMain>(platform.desktop, platform.platform);
     window->Load();
     window->mnuToolsCurrentVersions.Press();
     EXPECT_EQ(Told(platform),

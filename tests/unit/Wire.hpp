@@ -1,6 +1,7 @@
 // The far end of a serial line whose two directions a test sees as texts.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <utility>
@@ -13,13 +14,17 @@ class Wire : public FarEnd {
 public:
     void Opened(const LineSettings& settings) override { line = settings; }
     void Closed() override {}
-    void Receive(std::string_view bytes) override { received += bytes; }
+    void Receive(std::string_view bytes) override {
+        received += bytes;
+        if (onReceive) onReceive();
+    }
     std::string Transmit() override { return std::exchange(sent, {}); }
     bool HungUp() const override { return gone; }
 
     LineSettings line;
     std::string received;
     std::string sent;
+    std::function<void()> onReceive;
     bool gone = false;
 };
 

@@ -1,0 +1,395 @@
+#include "bench/reliability/FaultySession.hpp"
+
+#include <algorithm>
+#include <functional>
+#include <memory>
+#include <optional>
+
+#include "app/frmMain.hpp"
+#include "simulator/VirtualIndicator.hpp"
+#include "tests/Images.hpp"
+#include "tests/unit/AtRest.hpp"
+#include "tests/unit/ReportingPlatform.hpp"
+#include "tests/unit/SessionBoxes.hpp"
+
+namespace vantor {
+namespace {
+
+constexpr unsigned kDataLines = 24;
+constexpr unsigned kMiddleLine = 8;
+constexpr unsigned kLateLine = 18;
+constexpr const char* kPath = "/home/tech/m40.run";
+
+// Stated limits, in milliseconds, each with the few pumps that noticing it may take.
+constexpr std::int32_t kSlack = 5;
+constexpr std::int32_t kReply = 20000 + kSlack;
+constexpr std::int32_t kSpeedChange = 4000 + kSlack;
+constexpr std::int32_t kVerdictLimit = 60000 + kSlack;
+constexpr std::uint32_t kLongestSession = 7'200'000;
+
+/// One send of the program and all that it read before the next.
+struct Exchange {
+    std::string sent;
+    std::int32_t at;
+    std::string reply;
+};
+
+/// What was to be seen, worked out from the exchanges alone.
+struct Due {
+    FlashOutcome outcome = FlashOutcome::None;
+    Texts boxes;
+    std::string wrongSend;
+};
+
+/// The program's end of the line: notes what goes through and where phases begin.
+class Wiretap : public FarEnd {
+public:
+    Wiretap(FarEnd& line, const Clock& clock, std::function<void(Phase)> begins)
+        : mLine(line), mClock(clock), mBegins(std::move(begins)) {}
+
+    void Opened(const LineSettings& line) override {
+        ++opened;
+        mLine.Opened(line);
+    }
+    void Closed() override {
+        if (opened == 1 && !exchanges.empty() && exchanges.back().sent == "BAUD 115200\r" &&
+            exchanges.back().reply.find("OK") != std::string::npos)
+            mBegins(Phase::Reopened);
+        mLine.Closed();
+    }
+    void Receive(std::string_view bytes) override {
+        exchanges.push_back({std::string(bytes), mClock.Ticks(), {}});
+        if (const auto phase = PhaseOf(bytes)) mBegins(*phase);
+        // The phase may have begun with an unplugging.
+        if (!mLine.HungUp()) mLine.Receive(bytes);
+    }
+    std::string Transmit() override {
+        std::string text = mLine.Transmit();
+        if (armed)
+            afterArming += text;
+        else if (!exchanges.empty())
+            exchanges.back().reply += text;
+        return text;
+    }
+    bool HungUp() const override { return mLine.HungUp(); }
+
+    unsigned opened = 0;
+    bool armed = false;
+    std::vector<Exchange> exchanges;
+    std::string afterArming;
+
+private:
+    static std::optional<Phase> PhaseOf(std::string_view sent) {
+        if (sent == " \r") return Phase::WakeUp;
+        if (sent == "TRAV\r") return Phase::Trav;
+        if (sent == "BAUD 115200\r") return Phase::Baud;
+        if (sent == "SYSLOAD\r") return Phase::Sysload;
+        if (sent == "BOOT\r") return Phase::Boot;
+        if (sent == DataRecord(0) + "\r") return Phase::FirstLine;
+        if (sent == DataRecord(kMiddleLine) + "\r") return Phase::MiddleLine;
+        if (sent == DataRecord(kLateLine) + "\r") return Phase::LateLine;
+        if (sent == std::string(kEndRecord) + "\r") return Phase::LastLine;
+        return std::nullopt;
+    }
+
+    FarEnd& mLine;
+    const Clock& mClock;
+    std::function<void(Phase)> mBegins;
+};
+
+/// Follows the dialogue through the exchanges by its rules.
+class Judge {
+public:
+    Judge(const Wiretap& tap, bool endWanted) : mTap(tap), mEndWanted(endWanted) {}
+
+    Due Decide() {
+        mDue.outcome = Course();
+        if (mEndWanted && mDue.outcome != FlashOutcome::PortNotOpen) {
+            mDue.outcome = FlashOutcome::Aborted;
+            mDue.boxes.emplace_back(kAborted);
+        }
+        if (mNext < mTap.exchanges.size() && mDue.wrongSend.empty())
+            mDue.wrongSend = "sent \"" + mTap.exchanges[mNext].sent + "\" beyond the end";
+        return mDue;
+    }
+
+private:
+    enum class Word : std::uint8_t { Ok, Failed, Verdict, NotSent };
+
+    FlashOutcome Course() {
+        if (mTap.opened == 0) return Ends(FlashOutcome::PortNotOpen, kNoPort);
+        Take(" \r");
+        Take(" \r");
+        if (Take("TRAV\r") != Word::Ok) return Ends(FlashOutcome::NotInBootMonitor, kNoMonitor);
+        Take("BAUD 115200\r");
+        if (Take("SYSLOAD\r") != Word::Ok) return Ends(FlashOutcome::SystemLoadRefused, kNoSysload);
+        bool accepted = false;
+        for (unsigned i = 0; i <= kDataLines; ++i) {
+            const Word word = TakeLine((i < kDataLines ? DataRecord(i) : kEndRecord) + "\r");
+            if (word == Word::NotSent) return FlashOutcome::Aborted;
+            if (word == Word::Failed) return Ends(FlashOutcome::LineRefused, kFailure);
+            accepted |= word == Word::Ok;
+        }
+        if (!accepted) return FlashOutcome::NothingAccepted;
+        if (mEndWanted) return FlashOutcome::AwaitingVerdict;
+        if (mTap.afterArming.find("DONE") != std::string::npos) {
+            Take("BOOT\r");
+            return Ends(FlashOutcome::Done, kDone);
+        }
+        if (mTap.afterArming.find("VERIFY FAILED") != std::string::npos)
+            return Ends(FlashOutcome::VerifyFailed, kVerify);
+        return Ends(FlashOutcome::NoVerdict, kFailure);
+    }
+
+    Word TakeLine(const std::string& line) {
+        for (int attempt = 1; attempt <= 4; ++attempt) {
+            const Word word = Take(line);
+            // A device that has gone is sent nothing, which fails; a user who wants the end is
+            // obeyed before the next send.
+            if (word == Word::NotSent)
+                return mTap.HungUp() && !mEndWanted ? Word::Failed : Word::NotSent;
+            if (word != Word::Failed) return word;
+        }
+        return Word::Failed;
+    }
+
+    Word Take(const std::string& text) {
+        if (mNext == mTap.exchanges.size()) return Word::NotSent;
+        const Exchange& exchange = mTap.exchanges[mNext];
+        if (exchange.sent != text) {
+            if (mDue.wrongSend.empty())
+                mDue.wrongSend = "sent \"" + exchange.sent + "\" where \"" + text + "\" was due";
+            return Word::NotSent;
+        }
+        ++mNext;
+        const auto holds = [&](const char* word) {
+            return exchange.reply.find(word) != std::string::npos;
+        };
+        if (holds("VERIFY FAILED") || holds("DONE")) return Word::Verdict;
+        return holds("OK") ? Word::Ok : Word::Failed;
+    }
+
+    FlashOutcome Ends(FlashOutcome outcome, const char* box) {
+        mDue.boxes.emplace_back(box);
+        return outcome;
+    }
+
+    const Wiretap& mTap;
+    bool mEndWanted;
+    std::size_t mNext = 0;
+    Due mDue;
+};
+
+/// A window, an indicator, and the line between them.
+class Course {
+public:
+    explicit Course(const Plan& plan) : mPlan(plan) {
+        mWindow->Load();
+        mWindow->Show();
+        mHeadless.files.Add(kPath, ImageOf(kDataLines));
+        mSettings = mHeadless.registry.Export();
+    }
+    ~Course() {
+        mHeadless.peers.onChange = {};
+        mWindow->Flags().mblnFlashing = false;
+        mWindow->Unload();
+    }
+    Course(const Course&) = delete;
+    Course& operator=(const Course&) = delete;
+
+    Verdict Run() {
+        Verdict verdict = RunOnce();
+        if (!verdict.gone && verdict.violation.empty()) {
+            // Power is cycled, the cable mended.
+            mPlan = {};
+            const Verdict next = RunOnce();
+            if (next.outcome != FlashOutcome::Done || !next.violation.empty())
+                verdict.violation =
+                    "the next session: " + OutcomeName(next.outcome) + ", " + next.violation;
+        }
+        return verdict;
+    }
+
+private:
+    Verdict RunOnce() {
+        Plug();
+        const TimerId watch = mHeadless.pump.StartTimer(1000, [this] { Watch(); });
+        const std::int32_t start = mHeadless.clock.Ticks();
+        Begin(Phase::Opening);
+        mHeadless.dialogs.choices = {kPath};
+        mWindow->cmdFlash.Press();
+        mHeadless.pump.StopTimer(watch);
+        mHeadless.peers.onChange = {};
+        for (const TimerId act : mActs) mHeadless.pump.StopTimer(act);
+        mActs.clear();
+
+        Verdict verdict;
+        verdict.outcome = mWindow->Session().Outcome();
+        verdict.gone = mWindow->Gone();
+        verdict.memoryWhole = mIndicator->Memory() == FlashMemory::FromRecords(ImageOf(kDataLines));
+        CheckReport(verdict);
+        CheckTimes(start);
+        CheckSuccess(verdict);
+        if (!verdict.gone) {
+            const std::string unrest = NotAtRest(*mWindow, mHeadless);
+            if (!unrest.empty()) Violated("left behind: " + unrest);
+            if (mHeadless.registry.Export() != mSettings) Violated("settings changed");
+        } else if (mHeadless.ports.IsOpen("COM1") || !mHeadless.peers.open.empty() ||
+                   mHeadless.peers.pointer != MousePointer::Default) {
+            Violated("the closed window left something behind");
+        }
+        verdict.violation = std::exchange(mViolation, {});
+        return verdict;
+    }
+
+    void Plug() {
+        IndicatorOptions options;
+        options.think = mPlan.thinkUs;
+        options.writeFlash = mPlan.writeFlashUs;
+        if (mPlan.compares) options.expected = FlashMemory::FromRecords(ImageOf(kDataLines));
+        mIndicator.emplace(std::move(options));
+        mDevice.emplace(*mIndicator, mHeadless.clock);
+        mLine.emplace(*mDevice, mHeadless.clock);
+        mTap.emplace(*mLine, mHeadless.clock, [this](Phase phase) { Begin(phase); });
+        mHeadless.ports.Plug("COM1", *mTap);
+        mHeadless.boxes.shown.clear();
+        mBegun = {};
+        mEndWanted = false;
+        mHeadless.peers.onChange = [this](const Control& control, Property) {
+            if (control.Name() != "lblMessage" || mTap->armed) return;
+            mTap->armed = true;
+            mArmedAt = mHeadless.clock.Ticks();
+            Begin(Phase::Verdict);
+        };
+    }
+
+    void Begin(Phase phase) {
+        if (std::exchange(mBegun.at(static_cast<std::size_t>(phase)), true)) return;
+        for (const Mishap& mishap : mPlan.mishaps)
+            if (mishap.phase == phase)
+                std::visit([this](const auto& what) { Happen(what); }, mishap.what);
+    }
+
+    void Happen(LineFault fault) {
+        fault.byte += mLine->Passed(fault.direction);
+        mLine->Add(fault);
+    }
+    void Happen(const Fault& fault) { mIndicator->Arise(fault); }
+    void Happen(const UserAct& act) {
+        const auto timer = std::make_shared<TimerId>();
+        *timer = mHeadless.pump.StartTimer(act.afterMs, [this, act, timer] {
+            mHeadless.pump.StopTimer(*timer);
+            if (act.close)
+                mWindow->Unload();
+            else
+                mWindow->cmdFlashAbort.Press();
+            const FlashFlags& flags = mWindow->Flags();
+            const bool streaming = mWindow->Session().Outcome() == FlashOutcome::None;
+            mEndWanted |=
+                streaming && (flags.mblnAbortFlash || flags.mblnCloseRequested || mWindow->Gone());
+        });
+        mActs.push_back(*timer);
+    }
+
+    /// Ends the wait that nothing but the user ends, and a session that does not end at all.
+    void Watch() {
+        if (mWindow->Session().Outcome() == FlashOutcome::NothingAccepted) mWindow->Unload();
+        if (mHeadless.clock.Milliseconds() < kLongestSession) return;
+        Violated("does not end");
+        mWindow->Flags() = {.mblnFlashing = false, .mblnAbortFlash = true};
+    }
+
+    void CheckReport(const Verdict& verdict) {
+        Due due = Judge(*mTap, mEndWanted).Decide();
+        if (!due.wrongSend.empty()) Violated(due.wrongSend);
+        if (verdict.outcome != due.outcome)
+            Violated("outcome " + OutcomeName(verdict.outcome) + ", due was " +
+                     OutcomeName(due.outcome));
+        // A window that has gone takes its messages with it.
+        if (mEndWanted && verdict.gone && !mWindow->Flags().mblnCloseRequested) due.boxes.clear();
+        const Texts told = Told(mHeadless);
+        if (told == due.boxes) return;
+        std::string texts = "boxes:";
+        for (const std::string& box : told) texts += " <" + box + ">";
+        Violated(texts);
+    }
+
+    void CheckTimes(std::int32_t start) {
+        const std::int32_t end = mHeadless.clock.Ticks();
+        std::int32_t from = start;
+        std::int32_t limit = kSlack;
+        const auto until = [&](std::int32_t at, const std::string& what) {
+            if (at - from > limit) Violated(std::to_string(at - from) + " ms before " + what);
+            from = at;
+        };
+        for (const Exchange& exchange : mTap->exchanges) {
+            if (exchange.sent == "BOOT\r") break;
+            until(exchange.at, exchange.sent);
+            limit = exchange.sent == " \r" ? kSlack : kReply;
+            if (exchange.sent == "BAUD 115200\r") limit += kSpeedChange;
+        }
+        if (mTap->armed) {
+            until(mArmedAt, "the final phase");
+            limit = kVerdictLimit;
+        }
+        if (mWindow->Session().Outcome() != FlashOutcome::NothingAccepted) until(end, "the end");
+    }
+
+    void CheckSuccess(const Verdict& verdict) {
+        if (verdict.outcome != FlashOutcome::Done) return;
+        if (!mTap->armed || mTap->afterArming.find("DONE") == std::string::npos)
+            Violated("success without DONE in the final phase");
+        if (!verdict.memoryWhole && (mPlan.compares || !LossUnseen()))
+            Violated("success without the whole image");
+    }
+
+    /// A line can be lost without a trace when the indicator answers it with a verdict, which is
+    /// passed over, or when damage strikes the digit that its checksum does not cover. Only an
+    /// indicator that compares finds these.
+    bool LossUnseen() const {
+        const auto answeredByVerdict = [](const Exchange& exchange) {
+            return exchange.reply.find("DONE") != std::string::npos ||
+                   exchange.reply.find("VERIFY FAILED") != std::string::npos;
+        };
+        const auto garbles = [](const Mishap& mishap) {
+            const auto* const fault = std::get_if<LineFault>(&mishap.what);
+            return fault && fault->kind == LineFaultKind::Garble &&
+                   fault->direction == Direction::ToDevice;
+        };
+        return std::ranges::any_of(mTap->exchanges, answeredByVerdict) ||
+               std::ranges::any_of(mPlan.mishaps, garbles);
+    }
+
+    void Violated(const std::string& what) { mViolation += what + "\n"; }
+
+    Plan mPlan;
+    ReportingPlatform mHeadless;
+    Desktop mDesktop{mHeadless.peers, mHeadless.pump};
+    std::shared_ptr<frmMain> mWindow = std::make_shared<frmMain>(mDesktop, mHeadless.platform);
+    std::string mSettings;
+    std::optional<VirtualIndicator> mIndicator;
+    std::optional<IndicatorFarEnd> mDevice;
+    std::optional<FaultyLine> mLine;
+    std::optional<Wiretap> mTap;
+    std::array<bool, kPhaseNames.size()> mBegun{};
+    std::vector<TimerId> mActs;
+    std::int32_t mArmedAt = 0;
+    bool mEndWanted = false;
+    std::string mViolation;
+};
+
+}  // namespace
+
+std::string OutcomeName(FlashOutcome outcome) {
+    static constexpr std::array kNames = {"none",       "declined",         "port not open",
+                                          "no monitor", "no system load",   "line refused",
+                                          "aborted",    "nothing accepted", "awaiting",
+                                          "done",       "verify failed",    "no verdict"};
+    return kNames.at(static_cast<std::size_t>(outcome));
+}
+
+Verdict RunSession(const Plan& plan) {
+    return Course(plan).Run();
+}
+
+}  // namespace vantor

@@ -1,0 +1,116 @@
+#include "platform/headless/FaultyLine.hpp"
+
+#include <algorithm>
+#include <limits>
+
+namespace vantor {
+namespace {
+
+constexpr std::size_t kSplitBytes = 16;
+constexpr std::uint32_t kEndOfTime = std::numeric_limits<std::uint32_t>::max();
+
+}  // namespace
+
+void FaultyLine::Add(const LineFault& fault) {
+    LaneOf(fault.direction).faults.push_back(fault);
+    UnplugIfDue();
+}
+
+void FaultyLine::Opened(const LineSettings& line) {
+    mOpen = true;
+    LaneOf(Direction::ToHost).bytes.clear();
+    mDevice.Opened(line);
+}
+
+void FaultyLine::Closed() {
+    // After an unplugging the device has been told already.
+    if (!mOpen) return;
+    Deliver(kEndOfTime);
+    if (!mOpen) return;
+    mOpen = false;
+    mDevice.Closed();
+}
+
+void FaultyLine::Receive(std::string_view bytes) {
+    if (mUnplugged) return;
+    Deliver(mClock.Milliseconds());
+    Pass(Direction::ToDevice, bytes);
+    Deliver(mClock.Milliseconds());
+}
+
+std::string FaultyLine::Transmit() {
+    if (mUnplugged) return {};
+    Deliver(mClock.Milliseconds());
+    Pass(Direction::ToHost, mDevice.Transmit());
+    if (mUnplugged) return {};
+    return Arrived(Direction::ToHost, mClock.Milliseconds());
+}
+
+void FaultyLine::Pass(Direction direction, std::string_view bytes) {
+    Lane& lane = LaneOf(direction);
+    for (const char byte : bytes) {
+        if (mUnplugged) return;
+        PassByte(lane, byte);
+        ++lane.passed;
+        UnplugIfDue();
+    }
+}
+
+void FaultyLine::PassByte(Lane& lane, char byte) {
+    int copies = 1;
+    lane.freeAt = std::max(lane.freeAt, mClock.Milliseconds());
+    for (const LineFault& fault : lane.faults) {
+        if (fault.byte != lane.passed) continue;
+        switch (fault.kind) {
+            case LineFaultKind::Drop:
+                copies = 0;
+                break;
+            case LineFaultKind::Double:
+                copies *= 2;
+                break;
+            case LineFaultKind::Garble:
+                byte = static_cast<char>(byte ^ 1);
+                break;
+            case LineFaultKind::Delay:
+                lane.freeAt += fault.ms;
+                break;
+            case LineFaultKind::Split:
+                lane.splitBytes = kSplitBytes;
+                lane.splitMs = fault.ms;
+                break;
+            case LineFaultKind::Unplug:
+                break;
+        }
+    }
+    lane.bytes.insert(lane.bytes.end(), static_cast<std::size_t>(copies), {lane.freeAt, byte});
+    if (lane.splitBytes == 0) return;
+    --lane.splitBytes;
+    lane.freeAt += lane.splitMs;
+}
+
+// What is still on its way goes with the cable.
+void FaultyLine::UnplugIfDue() {
+    for (const Lane& lane : mLanes)
+        for (const LineFault& fault : lane.faults)
+            if (fault.kind == LineFaultKind::Unplug && fault.byte <= lane.passed) mUnplugged = true;
+    if (!mUnplugged || !mOpen) return;
+    mOpen = false;
+    mDevice.Closed();
+}
+
+std::string FaultyLine::Arrived(Direction direction, std::uint32_t by) {
+    std::deque<Underway>& bytes = LaneOf(direction).bytes;
+    std::string arrived;
+    while (!bytes.empty() && bytes.front().at <= by) {
+        arrived += bytes.front().byte;
+        bytes.pop_front();
+    }
+    return arrived;
+}
+
+void FaultyLine::Deliver(std::uint32_t by) {
+    const std::string arrived = Arrived(Direction::ToDevice, by);
+    if (!arrived.empty() && mOpen) mDevice.Receive(arrived);
+}
+
+}  // namespace vantor

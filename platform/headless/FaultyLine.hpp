@@ -1,0 +1,90 @@
+// A serial line that is out of order: it stands between a headless port and its far end, forwards
+// both directions, and does harm at stated bytes. What the bytes mean is no matter to it.
+#pragma once
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+#include <deque>
+#include <string>
+#include <string_view>
+#include <vector>
+
+#include "platform/Clock.hpp"
+#include "platform/headless/HeadlessSerial.hpp"
+
+namespace vantor {
+
+enum class Direction : std::uint8_t { ToDevice, ToHost };
+
+enum class LineFaultKind : std::uint8_t {
+    Drop,    ///< the byte is lost
+    Double,  ///< the byte comes twice
+    Garble,  ///< the lowest bit of the byte is turned over
+    Delay,   ///< the byte, and what follows it, comes `ms` later
+    Split,   ///< the byte and the 15 behind it come one by one, `ms` apart
+    Unplug,  ///< when so many bytes have passed, the device is gone for good
+};
+
+struct LineFault {
+    LineFaultKind kind = LineFaultKind::Drop;
+    Direction direction = Direction::ToDevice;
+    /// Which byte of the direction, from 0, counted as the sender sent them since the line was
+    /// made, over all openings. A byte that has passed already is never struck; `Unplug` at such
+    /// a one strikes at once.
+    std::size_t byte = 0;
+    std::uint32_t ms = 0;  ///< `Delay`, `Split`: 0 to 3,600,000
+
+    friend bool operator==(const LineFault&, const LineFault&) = default;
+};
+
+/// Used from one thread. Order is kept: nothing overtakes a delayed byte. Bytes move when the
+/// host sends or looks. Those still on their way to the device when the host closes arrive
+/// first; those on their way to the host are then lost.
+class FaultyLine : public FarEnd {
+public:
+    /// Both outlive the line.
+    FaultyLine(FarEnd& device, const Clock& clock) : mDevice(device), mClock(clock) {}
+
+    void Add(const LineFault& fault);
+    /// Bytes of `direction` that the sender has sent so far.
+    std::size_t Passed(Direction direction) const { return LaneOf(direction).passed; }
+
+    void Opened(const LineSettings& line) override;
+    void Closed() override;
+    void Receive(std::string_view bytes) override;
+    std::string Transmit() override;
+    bool HungUp() const override { return mUnplugged || mDevice.HungUp(); }
+
+private:
+    struct Underway {
+        std::uint32_t at;
+        char byte;
+    };
+    struct Lane {
+        std::size_t passed = 0;
+        std::vector<LineFault> faults;
+        std::deque<Underway> bytes;
+        std::uint32_t freeAt = 0;  // no byte arrives before
+        std::size_t splitBytes = 0;
+        std::uint32_t splitMs = 0;
+    };
+
+    const Lane& LaneOf(Direction direction) const {
+        return mLanes[static_cast<std::size_t>(direction)];
+    }
+    Lane& LaneOf(Direction direction) { return mLanes[static_cast<std::size_t>(direction)]; }
+    void Pass(Direction direction, std::string_view bytes);
+    void PassByte(Lane& lane, char byte);
+    void UnplugIfDue();
+    std::string Arrived(Direction direction, std::uint32_t by);
+    void Deliver(std::uint32_t by);
+
+    FarEnd& mDevice;
+    const Clock& mClock;
+    std::array<Lane, 2> mLanes;
+    bool mOpen = false;
+    bool mUnplugged = false;
+};
+
+}  // namespace vantor

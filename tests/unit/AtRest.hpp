@@ -1,0 +1,31 @@
+// What holds after every session that has ended with the window still there.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "app/frmMain.hpp"
+#include "platform/headless/HeadlessPlatform.hpp"
+
+namespace vantor {
+
+/// What of `window` and its platform a session has not put back; empty when all is.
+inline std::string NotAtRest(frmMain& window, const HeadlessPlatform& platform) {
+    std::string what;
+    const auto require = [&what](bool holds, const char* name) {
+        if (!holds) what += std::string(name) + "; ";
+    };
+    require(!platform.ports.IsOpen("COM1"), "port open");
+    require(!window.tmrFlashTimeout.Enabled(), "timer running");
+    require(!window.Flags().mblnFlashing, "still flashing");
+    require(window.cmdFlash.Enabled() && window.mnuFileFlash.Enabled() &&
+                window.mnuToolsOptions.Enabled() && window.mnuToolsMonitor.Enabled(),
+            "buttons disabled");
+    require(window.picStartup.Visible() && !window.picFlash.Visible(), "flash panel shown");
+    require(platform.peers.open == std::vector<std::string>{"frmMain"}, "window left open");
+    require(platform.peers.pointer == MousePointer::Default, "wait cursor");
+    require(platform.peers.held.empty(), "system held");
+    return what;
+}
+
+}  // namespace vantor

@@ -1,0 +1,126 @@
+// Every fault in every phase of a session, and a random walk through several at once. What is
+// looked at stands in bench/reliability: the report fits the bytes received, the limits hold,
+// success means success, and the window can go on.
+#include <gtest/gtest.h>
+
+#include <set>
+#include <utility>
+
+#include "bench/reliability/Matrix.hpp"
+#include "bench/reliability/Walk.hpp"
+#include "tests/unit/ReportingPlatform.hpp"
+
+namespace vantor {
+namespace {
+
+// --- the line itself ---------------------------------------------------------------------------
+
+/// Sends back what it hears.
+struct Echo : FarEnd {
+    void Opened(const LineSettings&) override { open = true; }
+    void Closed() override { open = false; }
+    void Receive(std::string_view bytes) override { heard += bytes; }
+    std::string Transmit() override { return std::exchange(heard, {}); }
+    bool HungUp() const override { return false; }
+    bool open = false;
+    std::string heard;
+};
+
+struct Harm {
+    LineFault fault;
+    const char* atOnce;  ///< what of "abcd" is back at the same instant
+    const char* later;   ///< and what comes within the next 9 ms
+};
+
+TEST(FaultyLine, StrikesTheStatedByteOfTheStatedDirectionAndNoOther) {
+    using enum LineFaultKind;
+    for (const Direction direction : {Direction::ToDevice, Direction::ToHost})
+        for (const Harm& harm :
+             {Harm{{Drop, direction, 2}, "abd", ""}, Harm{{Double, direction, 2}, "abccd", ""},
+              Harm{{Garble, direction, 2}, "abbd", ""}, Harm{{Delay, direction, 2, 9}, "ab", "cd"},
+              Harm{{Delay, direction, 2, 10}, "ab", ""}, Harm{{Split, direction, 1, 4}, "ab", "cd"},
+              Harm{{Drop, direction, 4}, "abcd", ""}, Harm{{Unplug, direction, 5}, "abcd", ""}}) {
+            HeadlessClock clock;
+            Echo echo;
+            FaultyLine line(echo, clock);
+            line.Add(harm.fault);
+            line.Opened({});
+            line.Receive("abcd");
+            EXPECT_EQ(line.Transmit(), harm.atOnce);
+            clock.Sleep(9);
+            EXPECT_EQ(line.Transmit(), harm.later);
+        }
+}
+
+TEST(FaultyLine, AnUnpluggedDeviceIsGoneForBothEndsAndACloseLosesNothingOnTheWayOut) {
+    HeadlessClock clock;
+    Echo echo;
+    FaultyLine line(echo, clock);
+    line.Add({LineFaultKind::Delay, Direction::ToDevice, 0, 1000});
+    line.Opened({});
+    line.Receive("ab");
+    EXPECT_EQ(echo.heard, "");
+    line.Closed();
+    EXPECT_EQ(echo.heard, "ab");
+    line.Opened({});
+    line.Add({LineFaultKind::Unplug, Direction::ToDevice, 3});
+    EXPECT_FALSE(line.HungUp());
+    line.Receive("cd");
+    EXPECT_TRUE(line.HungUp());
+    EXPECT_FALSE(echo.open);
+    EXPECT_EQ(line.Transmit(), "");
+}
+
+// --- sessions ----------------------------------------------------------------------------------
+
+// A judge that always agrees would show here.
+TEST(FaultMatrix, SomeCellsAreKnownBeforehand) {
+    using enum FlashOutcome;
+    const auto outcome = [](Phase phase, const std::variant<LineFault, Fault, UserAct>& what) {
+        return RunSession({.mishaps = {{phase, what}}}).outcome;
+    };
+    const LineFault unplug{LineFaultKind::Unplug};
+    EXPECT_EQ(outcome(Phase::Opening, unplug), PortNotOpen);
+    EXPECT_EQ(outcome(Phase::Trav, unplug), NotInBootMonitor);
+    EXPECT_EQ(outcome(Phase::Reopened, unplug), SystemLoadRefused);
+    EXPECT_EQ(outcome(Phase::MiddleLine, unplug), LineRefused);
+    EXPECT_EQ(outcome(Phase::Verdict, unplug), NoVerdict);
+    EXPECT_EQ(outcome(Phase::Boot, unplug), Done);
+    EXPECT_EQ(outcome(Phase::FirstLine, ParseFault("done@0x1000")), NothingAccepted);
+    EXPECT_EQ(outcome(Phase::MiddleLine, LineFault{LineFaultKind::Garble, Direction::ToDevice, 1}),
+              VerifyFailed);
+    EXPECT_EQ(outcome(Phase::MiddleLine, UserAct{}), Aborted);
+}
+
+class FaultMatrixRows : public testing::TestWithParam<std::size_t> {};
+
+TEST_P(FaultMatrixRows, InAnyPhaseEndsAsTheBytesSayAndLeavesTheWindowReady) {
+    const MatrixRow& row = MatrixRows().at(GetParam());
+    for (std::size_t phase = 0; phase < kPhaseNames.size(); ++phase)
+        for (const bool compares : {true, false}) {
+            const Verdict verdict = RunSession(CellOf(row, phase, compares));
+            EXPECT_EQ(verdict.violation, "")
+                << row.name << ", " << kPhaseNames.at(phase) << ", compares " << compares;
+            // One fault alone never costs a line that was acknowledged.
+            EXPECT_TRUE(verdict.outcome != FlashOutcome::Done || verdict.memoryWhole ||
+                        (row.unseen && !compares))
+                << row.name << ", " << kPhaseNames.at(phase);
+        }
+}
+
+INSTANTIATE_TEST_SUITE_P(Session, FaultMatrixRows,
+                         testing::Range<std::size_t>(0, MatrixRows().size()));
+
+TEST(FaultWalk, TwoThousandSessionsHoldWhateverStrikesThem) {
+    constexpr std::uint64_t kSeed = 20261125;
+    std::set<FlashOutcome> seen;
+    for (std::uint64_t number = 0; number < 2000; ++number) {
+        const Verdict verdict = RunSession(RandomPlan(kSeed, number));
+        ASSERT_EQ(verdict.violation, "") << "seed " << kSeed << ", session " << number;
+        seen.insert(verdict.outcome);
+    }
+    EXPECT_GE(seen.size(), 8u) << "of the nine ends that a session can have";
+}
+
+}  // namespace
+}  // namespace vantor

@@ -40,8 +40,8 @@ protected:
         return mCom.SelectedText();
     }
 
+    Wire mWire;  // outlives the window, which the platform's desktop keeps
     ReportingPlatform mPlatform;
-    Wire mWire;
     std::shared_ptr<Window> mWindow = std::make_shared<Window>(mPlatform);
     TerminalControl& mCom = mWindow->com;
 };

@@ -364,8 +364,8 @@ private:
 
     Plan mPlan;
     ReportingPlatform mHeadless;
-    Desktop mDesktop{mHeadless.peers, mHeadless.pump};
-    std::shared_ptr<frmMain> mWindow = std::make_shared<frmMain>(mDesktop, mHeadless.platform);
+    std::shared_ptr<frmMain> mWindow =
+        std::make_shared<frmMain>(mHeadless.desktop, mHeadless.platform);
     std::string mSettings;
     std::optional<VirtualIndicator> mIndicator;
     std::optional<IndicatorFarEnd> mDevice;

@@ -138,17 +138,13 @@ TEST(BootMonitor, AnImageLineIsTakenOnceAndRefusedWhenItIsDamaged) {
              Dialogue{"", "#0 #1 #1 #2 #2 #3 #4 #4 ~800 ~9000", "OK OK OK OK OK OK OK OK DONE -"},
              Dialogue{"nak@1", "#0 #1 #1 #1 #2 #3 #4 ~9000", "OK ?? OK OK OK OK OK DONE"},
              Dialogue{"nak@1", "#0 #1 #2 #3 #4 ~9000", "OK ?? OK OK OK VERIFY FAILED"},
-             Dialogue{"silent@1", "#0 #1 #1 #1 #2 #3 #4 ~9000", "OK - OK OK OK OK OK DONE"},
              Dialogue{"drop@1x2", "#0 #1 #1 #1 #2 #3 #4 ~9000", "OK ?? ?? OK OK OK OK DONE"},
              Dialogue{"garble@1", "#0 #1 #1 #2 #3 #4 ~9000", "OK ?? OK OK OK OK DONE"},
              Dialogue{"noise@1", "#0 #1 #2 #3 #4 ~9000", "OK ~\x15#\xF1 \x80|OK OK OK OK DONE"},
-             Dialogue{"done@1", "#0 #1 #2 #3 #4 ~9000", "OK DONE OK OK OK DONE"},
              Dialogue{"verify@1", "#0 #1 #2 #3 #4 ~9000", "OK VERIFY FAILED OK OK OK DONE"},
              Dialogue{"late=1500@4", "#0 #1 #2 #3 #4 ~1399 ~1 ~999 ~1",
                       "OK OK OK OK - - OK - DONE"},
              Dialogue{"hangup@2", "#0 #1 #2 TRAV", "OK OK - -"},
-             Dialogue{"verify-failed", "#0 #1 #2 #3 #4 ~9000", "OK OK OK OK OK VERIFY FAILED"},
-             Dialogue{"no-verdict", "#0 #1 #2 #3 #4 ~60000", "OK OK OK OK OK -"},
              Dialogue{"split-verdict", "#0 #1 #2 #3 #4 ~900 ~99 ~1", "OK OK OK OK OK DON - E"},
          }) {
         Host host(fault);

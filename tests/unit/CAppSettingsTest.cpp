@@ -108,16 +108,6 @@ TEST_F(CAppSettingsTest, AnAppliedEditStoresEveryValueInItsExactForm) {
         << "whatever is stored, every load gives two stop bits";
 }
 
-TEST_F(CAppSettingsTest, NoPasswordIsLostThroughTheCharacterThatItScramblesTo) {
-    for (char c = '!'; c <= '~'; ++c) {
-        BeginEdit();
-        mSettings.ProxyPassword(std::string(1, c));
-        mSettings.ApplyEdit();
-        mSettings.Initialize();
-        EXPECT_EQ(mSettings.ProxyPassword(), std::string(1, c));
-    }
-}
-
 TEST_F(CAppSettingsTest, EachRuleRefusesWhatItMustAndLeavesTheFieldAlone) {
     const struct {
         const char* property;

@@ -21,10 +21,6 @@ namespace vantor {
 class SpiedFarEnd : public IndicatorFarEnd {
 public:
     using IndicatorFarEnd::IndicatorFarEnd;
-    void Opened(const LineSettings& line) override {
-        opened.push_back(line);
-        IndicatorFarEnd::Opened(line);
-    }
     void Receive(std::string_view bytes) override {
         received += bytes;
         IndicatorFarEnd::Receive(bytes);
@@ -35,7 +31,6 @@ public:
         return text;
     }
 
-    std::vector<LineSettings> opened;
     std::string received;
     std::string verdict = "DONE\r\n";
 };

@@ -1,18 +1,12 @@
-// The stopwatch, the waiting loop and the wait cursor, on a clock that the tests move.
+// The stopwatch and the waiting loop, on a clock that the tests move.
 #include <gtest/gtest.h>
-
-#include <limits>
-#include <stdexcept>
 
 #include "ReportingPlatform.hpp"
 #include "support/CDelay.hpp"
-#include "support/CHourglass.hpp"
 #include "support/CMMTimer.hpp"
 
 namespace vantor {
 namespace {
-
-constexpr std::uint32_t kLastSigned = std::numeric_limits<std::int32_t>::max();
 
 TEST(Stopwatch, ItsRunsAddUpAndPausesDoNotCount) {
     HeadlessClock clock;
@@ -61,18 +55,6 @@ TEST_F(DelayTest, ACancelOrNothingToWaitForEndsItBeforeAnotherPump) {
     EXPECT_EQ(passes, 0) << "asked although the time was up";
     mDelay.Delay(32767);
     EXPECT_EQ(mPlatform.pump.pumps, 2u);
-}
-
-TEST(Hourglass, ThePointerComesBackHoweverTheProcedureEnds) {
-    HeadlessPeers peers;
-    const auto fails = [&peers] {
-        CHourglass hourglass(peers);
-        hourglass.Value(true);
-        EXPECT_EQ(peers.pointer, MousePointer::Hourglass);
-        throw std::runtime_error("ends early");
-    };
-    EXPECT_THROW(fails(), std::runtime_error);
-    EXPECT_EQ(peers.pointer, MousePointer::Default);
 }
 
 }  // namespace

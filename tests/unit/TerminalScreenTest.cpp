@@ -40,47 +40,38 @@ constexpr Case kCases[] = {
     {"a\x7F\x05\x0E"
      "b",
      "ab||||0,2"},
-    {"a\vb", "a| b|||1,2"},
     {"ab\fc", "c||||0,1"},
     {"1\r\n2\r\n3\r\n4\r\n5", "2|3|4|5|3,1"},
     // the right edge
     {"12345678", "12345678||||0,7"},
     {"123456789", "12345678|9|||1,1"},
-    {"12345678\r\n9", "12345678|9|||1,1"},
     {"12345678\bX", "123456X8||||0,7"},
     {"\x1B[?7l123456789A", "1234567A||||0,7"},
     {"\x1B[?7l1\x1B[?7h234567890", "12345678|90|||1,2"},
     // moving the cursor
     {"\x1B[2;3Hx\x1B[Hy", "y|  x|||0,1"},
     {"\x1B[3;4fx\x1B[2Ay\x1B[5Dz\x1B[By\x1B[Cx", "z   y| y x|   x||1,4"},
-    {"\x1B[99;99Hx\x1B[99A\x1B[99Dy", "y|||       x|0,1"},
     {"\x1B[2Ea\x1B[Fb\x1B[5Gc\x1B[4dd", "|b   c|a|     d|3,6"},
     {"ab\x1B"
      "7\x1B[4;4Hc\x1B"
      "8d",
      "abd|||   c|0,3"},
-    {"ab\x1B[s\r\n\x1B[uc", "abc||||0,3"},
     {"a\x1B"
      "Eb\x1BMc\x1B"
      "Dd",
      "ac|b d|||1,3"},
-    {"\x1BMa", "a||||0,1"},
     {"\x1B[3g\ta\x1B[5G\x1BH\r\tb", "    b  a||||0,5"},
     // erasing, inserting, deleting
     {"abcd\x1B[2D\x1B[K", "ab||||0,2"},
     {"abcd\x1B[3D\x1B[1K", "  cd||||0,1"},
-    {"abcd\x1B[2K", "||||0,4"},
     {"ab\r\ncd\r\nef\x1B[2;2H\x1B[J", "ab|c|||1,1"},
-    {"ab\r\ncd\r\nef\x1B[2;1H\x1B[1J", "| d|ef||1,0"},
     {"ab\r\ncd\x1B[2J", "||||1,2"},
     {"abcd\x1B[3D\x1B[2X", "a  d||||0,1"},
     {"abcdefgh\x1B[1;2H\x1B[2@", "a  bcdef||||0,1"},
     {"abcd\x1B[1;2H\x1B[2P", "ad||||0,1"},
     {"abcd\x1B[1;2H\x1B[4hXY\x1B[4lZ", "aXYZcd||||0,4"},
     {"1\r\n2\r\n3\r\n4\x1B[2;1H\x1B[L", "1||2|3|1,0"},
-    {"1\r\n2\r\n3\r\n4\x1B[2;1H\x1B[2M", "1|4|||1,0"},
     {"1\r\n2\r\n3\x1B[S", "2|3|||2,1"},
-    {"1\r\n2\r\n3\x1B[2T", "||1|2|2,1"},
     // the scroll region
     {"1\r\n2\r\n3\r\n4\x1B[2;3r\x1B[3;1H\nx", "1|3|x|4|2,1"},
     {"1\r\n2\r\n3\r\n4\x1B[2;3r\x1B[2;1H\x1BMx", "1|x|2|4|1,1"},

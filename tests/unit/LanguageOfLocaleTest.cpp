@@ -1,8 +1,7 @@
-// Small portable parts below the services: the choice of the language and file name patterns.
+// The choice of the language where the system knows only locales.
 #include <gtest/gtest.h>
 
 #include "platform/CompiledStrings.hpp"
-#include "platform/WildCards.hpp"
 
 namespace vantor {
 namespace {
@@ -23,20 +22,6 @@ TEST(LanguageOfLocale, TheFirstVariableThatIsSetDecides) {
           Case{"es_ES", "en_US", "en_US", Language::Spanish}})
         EXPECT_EQ(LanguageOfLocale(c.all, c.messages, c.lang), c.language)
             << c.all << '/' << c.messages << '/' << c.lang;
-}
-
-TEST(MatchesPattern, FollowsTheWildCards) {
-    struct Case {
-        const char* name;
-        const char* pattern;
-        bool matches;
-    };
-    for (const Case& c : {Case{"a.gif", "*.GIF", true}, Case{"a.gif.txt", "*.gif", false},
-                          Case{"aXbXc", "a*X?", true}, Case{"abab", "*ab", true},
-                          Case{"abac", "*ab", false}, Case{"", "*", true}, Case{"", "?", false},
-                          Case{"a", "", false}, Case{"plain", "*.*", true}, Case{"ñ1", "?1", true},
-                          Case{"ñ", "??", false}, Case{"a", "a**", true}})
-        EXPECT_EQ(MatchesPattern(c.name, c.pattern), c.matches) << c.name << ' ' << c.pattern;
 }
 
 }  // namespace

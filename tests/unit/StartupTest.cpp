@@ -85,6 +85,18 @@ TEST_F(StartupTest, AnUpdateListThatCannotBeDeletedDoesNotKeepTheWindowOpen) {
     EXPECT_EQ(Told(mPlatform), Texts{});
 }
 
+TEST_F(StartupTest, TheDownloadButtonsWaitForASelection) {
+    mStartup.Main();
+    frmMain& window = *mStartup.MainWindow();
+    for (const int selected : {-1, 0}) {
+        window.lvwUpdates.selectedRow = selected;
+        window.lvwUpdates.Press();
+        for (CommandButton* button :
+             {&window.cmdDetails, &window.cmdDownload, &window.cmdDownloadAll})
+            EXPECT_EQ(button->Enabled(), selected == 0) << button->Name();
+    }
+}
+
 TEST(modSupport, EveryPathGetsExactlyOneFinalBackslash) {
     EXPECT_EQ(AddFinalSlash("") + AddFinalSlash("C:\\") + AddFinalSlash("/home/x/"),
               "\\C:\\/home/x/\\");

@@ -3,8 +3,11 @@
 #include "app/base/AppInfo.hpp"
 #include "app/base/modSupport.hpp"
 #include "app/frmMain.hpp"
+#include "platform/Files.hpp"
 #include "platform/Folders.hpp"
 #include "platform/Process.hpp"
+#include "platform/Shell.hpp"
+#include "platform/StringTable.hpp"
 #include "support/Traps.hpp"
 
 namespace vantor {
@@ -30,11 +33,29 @@ bool modStartup::Main() {
             return;
         }
         mHelpFile = AppPath(mPlatform.process) + "tswuhelp.chm";
+        mDesktop.Help = [this](const Form& form) { ShowHelp(form.Handle()); };
         mMain = std::make_shared<frmMain>(mDesktop, mPlatform);
         mMain->Load();
         mMain->Show(ShowMode::Modeless);
     });
     return first;
+}
+
+void modStartup::ShowHelp(NativeWindow owner) {
+    Trapped("modStartup.ShowHelp", [&] {
+        // Neither a box nor another program's start is to come between a line and its answer.
+        if (mMain->Flags().mblnFlashing) return;
+        std::int32_t complaint = 0;
+        if (!mPlatform.files.Exists(mHelpFile))
+            complaint = 1017;
+        else if (mPlatform.shell.Execute({.owner = owner, .verb = "open", .file = mHelpFile}) <
+                 kFirstShellSuccess)
+            complaint = 1016;
+        if (complaint == 0) return;
+        mPlatform.boxes.Show({.text = mPlatform.strings.LoadResString(complaint),
+                              .icon = BoxIcon::Exclamation,
+                              .owner = owner});
+    });
 }
 
 // Nothing can be reported before the handler stands, so each step's error is passed over.

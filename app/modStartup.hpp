@@ -26,11 +26,11 @@ public:
     bool Main();
 
     CErrHandler& Errors() { return *mErrors; }
-    const std::string& HelpFile() const { return mHelpFile; }
     const std::shared_ptr<frmMain>& MainWindow() const { return mMain; }
 
 private:
     void PrepareErrorHandler();
+    void ShowHelp(NativeWindow owner);
 
     Platform& mPlatform;
     std::unique_ptr<CErrHandler> mErrors;

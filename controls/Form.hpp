@@ -2,6 +2,7 @@
 // that are open.
 #pragma once
 
+#include <functional>
 #include <memory>
 #include <span>
 #include <string>
@@ -58,6 +59,9 @@ public:
 
     /// The loaded windows, in the order in which they were loaded.
     const std::vector<std::shared_ptr<Form>>& OpenForms() const { return mOpen; }
+
+    /// What the help key does in each of them; its argument is the window that has it.
+    std::function<void(const Form&)> Help = [](const Form&) {};
 
 private:
     friend class Form;
@@ -120,6 +124,9 @@ public:
 
     /// For peers: the inside is to be drawn again, which Form_Paint does with DrawLine.
     void Painting() { Form_Paint(); }
+
+    /// For peers: the help key was pressed.
+    void HelpWanted() { mDesktop.Help(*this); }
 
     Desktop& GetDesktop() const { return mDesktop; }
 

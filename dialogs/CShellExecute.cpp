@@ -10,8 +10,7 @@ namespace {
 constexpr std::int32_t kTaken = -1;
 
 std::int32_t ResultOf(std::int32_t code) {
-    constexpr std::int32_t kFirstSuccess = 33;
-    return code < kFirstSuccess ? code : kTaken;
+    return code < kFirstShellSuccess ? code : kTaken;
 }
 
 }  // namespace

@@ -64,6 +64,7 @@ Section
   SetOutPath "$INSTDIR"
   File "${PROGRAMS}/tsupdate.exe"
   File "${PROGRAMS}/tsflash.exe"
+  File "${PROGRAMS}/tswuhelp.chm"
   WriteUninstaller "$INSTDIR\uninstall.exe"
   CreateShortcut "$SMPROGRAMS\${NAME}.lnk" "$INSTDIR\tsupdate.exe"
   WriteRegStr HKLM "${UNINSTALL}" "DisplayName" "${NAME}"
@@ -83,6 +84,7 @@ Section Uninstall
   SetRegView 64
   Delete "$INSTDIR\tsupdate.exe"
   Delete "$INSTDIR\tsflash.exe"
+  Delete "$INSTDIR\tswuhelp.chm"
   Delete "$INSTDIR\uninstall.exe"
   ; Only when nothing else lies there.
   RMDir "$INSTDIR"

@@ -14,7 +14,7 @@ enum class BoxAnswer : std::uint8_t { Ok, Yes, No, Cancel };
 
 struct MessageBoxRequest {
     std::string text;
-    std::string title;  ///< empty: the application's title
+    std::string title{};  ///< empty: the application's title
     BoxIcon icon = BoxIcon::None;
     BoxButtons buttons = BoxButtons::Ok;
     NativeWindow owner = 0;  ///< disabled while the box is open

@@ -20,8 +20,11 @@ struct ShellRequest {
 /// A process that `Shell::Start` keeps open; 0 is none.
 using ShellProcess = std::uintptr_t;
 
-/// Both launches return the shell's own result code; below 33 is a failure: 2 file not found
-/// (also for an empty one), 3 path not found, 5 access denied, 31 no association.
+/// What a launch returns from here on means that the shell took it.
+constexpr std::int32_t kFirstShellSuccess = 33;
+
+/// Both launches return the shell's own result code. Failures: 2 file not found (also for an empty
+/// one), 3 path not found, 5 access denied, 31 no association.
 class Shell {
 public:
     virtual ~Shell() = default;

@@ -241,6 +241,9 @@ LRESULT Win32FormWindow::Handle(UINT message, WPARAM first, LPARAM second) {
         case WM_PAINT:
             OnPaint();
             return 0;
+        case WM_HELP:  // F1, in whichever control
+            mForm->HelpWanted();
+            return TRUE;
         case kCatchUp:
             CatchUp();
             return 0;

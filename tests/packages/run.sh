@@ -28,7 +28,9 @@ folder="$drive/Program Files/Tessmar Vantor Update"
 scripts/wine reg.exe add "$settings" /v Port /d COM7 /f
 for setup in "$packages"/*-setup.exe "$packages"/*-setup.exe; do
     scripts/wine "$setup" /S
-    cmp "$(find "$work/zip" -name tsupdate.exe)" "$folder/tsupdate.exe"
+    for file in tsupdate.exe tswuhelp.chm; do
+        cmp "$(find "$work/zip" -name "$file")" "$folder/$file"
+    done
     scripts/wine "$folder/tsflash.exe" --version | grep -F 2.05.31
     scripts/wine reg.exe query "$uninstall" /v DisplayVersion | grep -F 2.5.31
     find "$drive" -name 'Tessmar Vantor Update.lnk' | grep 'Start Menu'

@@ -26,7 +26,6 @@ TEST_F(StartupTest, MainPreparesTheReporterAndShowsTheStartPanel) {
     EXPECT_EQ(mStartup.Errors().Title, "Tessmar Vantor Update");
     EXPECT_EQ(std::get<std::string>(mStartup.Errors().Destination()),
               "/home/tech/.config\\TSMR\\CALDOR\\errorlog.txt");
-    EXPECT_EQ(mStartup.HelpFile(), "/opt/vantor\\tswuhelp.chm");
     frmMain& window = *mStartup.MainWindow();
     EXPECT_TRUE(window.Visible() && window.picStartup.Visible());
     EXPECT_FALSE(window.picUpdate.Visible() || window.picFlash.Visible());
@@ -48,6 +47,36 @@ TEST_F(StartupTest, AnUnknownProgramFolderIsToldAndDoesNotStopTheStart) {
         Told(mPlatform)[0].ends_with("|An error has occured in Pellin.modSupport.AppPath \r\n"
                                      "Error:53\r\nDescription:File not found\r\nLine:0"));
     EXPECT_TRUE(mStartup.MainWindow()->Visible());
+}
+
+TEST_F(StartupTest, TheHelpKeyOpensTheFileOrSaysWhyNotAndDoesNotDisturbAnUpdate) {
+    ASSERT_TRUE(mStartup.Main());
+    frmMain& window = *mStartup.MainWindow();
+    const auto complaint = [](std::int32_t id) {
+        return Texts{"!||" + CompiledStrings(Language::English).LoadResString(id)};
+    };
+    window.HelpWanted();
+    EXPECT_EQ(Told(mPlatform), complaint(1017));
+    EXPECT_TRUE(mPlatform.shell.asked.empty());
+
+    mPlatform.files.CreateFolders("/opt/vantor");
+    mPlatform.files.WriteAll("/opt/vantor/tswuhelp.chm", "help");
+    mPlatform.boxes.shown.clear();
+    window.HelpWanted();
+    ASSERT_EQ(mPlatform.shell.asked.size(), 1u);
+    EXPECT_EQ(mPlatform.shell.asked[0].file, "/opt/vantor\\tswuhelp.chm");
+    EXPECT_EQ(Told(mPlatform), Texts{});
+
+    constexpr std::int32_t kNoAssociation = 31;
+    mPlatform.shell.code = kNoAssociation;
+    window.HelpWanted();
+    EXPECT_EQ(Told(mPlatform), complaint(1016));
+
+    window.Flags().mblnFlashing = true;
+    window.HelpWanted();
+    EXPECT_EQ(mPlatform.shell.asked.size(), 2u);
+    EXPECT_EQ(mPlatform.boxes.shown.size(), 1u);
+    window.Flags().mblnFlashing = false;
 }
 
 TEST_F(StartupTest, ABrokenSettingIsReportedOnceAndTheDefaultsAreUsed) {

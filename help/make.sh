@@ -18,10 +18,10 @@ contents() {  # LANGUAGE GUIDE
 contents en user-guide.md
 contents es user-guide.es.md
 cat >utf8/contents.hhc <<'EOF'
-<html><head><object type="text/site properties"></object></head><body>
+<html><head><object type="text/site properties"></object></head><body><ul>
 EOF
 cat en.hhc es.hhc >>utf8/contents.hhc
-echo '</body></html>' >>utf8/contents.hhc
+echo '</ul></body></html>' >>utf8/contents.hhc
 cp "$help/start.html" utf8
 for page in utf8/*; do iconv -f UTF-8 -t WINDOWS-1252 "$page" >"$(basename "$page")"; done
 rm -r utf8 en.html es.html
@@ -31,8 +31,8 @@ cp -R "$docs/images" "$help/help.css" .
     printf '[OPTIONS]\nCompatibility=1.1\nCompiled file=tswuhelp.chm\nContents file=contents.hhc\n'
     printf 'Default topic=start.html\nDefault Window=main\nFull-text search=Yes\n'
     printf 'Language=0x409 English (United States)\nTitle=Tessmar Vantor Update\n'
-    printf '\n[WINDOWS]\nmain="Tessmar Vantor Update","contents.hhc",,"start.html",,,,,,0x63520,,'
-    printf '0x387e,,,,,,,,0\n\n[FILES]\n'
+    printf '\n[WINDOWS]\nmain="Tessmar Vantor Update","contents.hhc",,"start.html","start.html",,,,,'
+    printf '0x63520,260,0x387e,[40,30,940,680],,,,,,,0\n\n[FILES]\n'
     find . -name '*.html' -o -name '*.css' -o -name '*.png' | sed 's|^\./||' | LC_ALL=C sort
 } >tswuhelp.hhp
 chmcmd --no-html-scan tswuhelp.hhp >chmcmd.log 2>&1 || { cat chmcmd.log; exit 1; }

@@ -1,7 +1,9 @@
 # Splits a guide that has become HTML into the topics of the help file, one for each chapter, and
 # writes their table of contents to standard output. The guide is read twice: for where its anchors
-# come to lie, and for the text. Wants -v language=xx -v folder=OUT -v title=TEXT; the guide as the
-# only two files.
+# come to lie, and for the text. Wants -v language=xx -v folder=OUT; the guide as the
+# only two files. The list around the contents is the caller's.
+
+BEGIN { depth = 1 }
 
 # Every heading has its anchor in a paragraph before it.
 /^<p><a id="[^"]*"><\/a><\/p>$/ {
@@ -32,7 +34,7 @@ FNR == NR {
 
 END {
     end_topic()
-    while (depth-- > 0) print "</ul>"
+    while (depth-- > 1) print "</ul>"
 }
 
 function page_of(topic) { return language "-" topic ".html" }

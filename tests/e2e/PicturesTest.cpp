@@ -142,8 +142,9 @@ protected:
     void Install(const char* name, const std::vector<std::string>& texts) const {
         std::ofstream(folder / name, std::ios::binary) << ProgramAround(VersionBlock(texts));
     }
-    /// What a user reads of a folder with padded, ended, missing and misplaced versions.
-    void ExpectTheReport() {
+    /// What a user reads of a folder with padded, ended, missing and misplaced versions, and after
+    /// the help key in a terminal, for which there is no file in it.
+    void ExpectTheReport(const std::string& noHelp) {
         std::filesystem::create_directories(folder);
         std::filesystem::copy_file(Setting("DRIVE_PROGRAM"), folder / "tsupdate.exe");
         Install("caldor.exe", {VersionText("ProductVersion", "9.9"),
@@ -158,6 +159,10 @@ protected:
                             "Pellin Version: Unknown\r\nWeb Update Version: 2.5.31\r\n",
                             "information"};
         EXPECT_EQ(app->TakeBox(), wanted);
+        const HWND terminal = OpenMonitor().Handle();
+        Await("the keyboard", [=] { return GetForegroundWindow() == terminal; });
+        Key(VK_F1);
+        EXPECT_EQ(app->TakeBox(), (Box{"Tessmar Vantor Update", noHelp, "exclamation"}));
     }
 
     const std::filesystem::path folder = FileOfRun("installed");
@@ -165,11 +170,15 @@ protected:
 using SpanishVersions = Versions;
 
 TEST_F(Versions, OfFilesBesideTheProgramAreReported) {
-    ExpectTheReport();
+    ExpectTheReport(
+        "The help file was not found. Reinstall the application or call technical support for "
+        "assistance.");
 }
 
 TEST_F(SpanishVersions, AreReportedTheSame) {
-    ExpectTheReport();
+    ExpectTheReport(
+        "No se encontró el archivo de ayuda. Vuelva a instalar la aplicación o llame al servicio "
+        "de soporte técnico para obtener ayuda.");
 }
 
 }  // namespace

@@ -1,8 +1,8 @@
 // The picture cache's index: the first line of the input is the name of the picture shown, the
 // rest is cache.txt.
 #include "app/frmMain.hpp"
+#include "rehearsal/ReportingPlatform.hpp"
 #include "tests/fuzz/Fuzz.hpp"
-#include "tests/unit/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {

@@ -1,10 +1,10 @@
 // Conversions between texts and numbers, the 8-bit code page, and the scrambling of stored texts.
 // The first line of the input is the password, the rest the text.
 #include "platform/headless/HeadlessPlatform.hpp"
+#include "rehearsal/ReportingPlatform.hpp"
 #include "settings/CEncryption.hpp"
 #include "support/Conversions.hpp"
 #include "tests/fuzz/Fuzz.hpp"
-#include "tests/unit/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {

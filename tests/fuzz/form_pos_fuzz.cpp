@@ -2,8 +2,8 @@
 // screen, the rest is the record.
 #include "app/base/CFormPos.hpp"
 #include "dialogs/frmAbout.hpp"
+#include "rehearsal/ReportingPlatform.hpp"
 #include "tests/fuzz/Fuzz.hpp"
-#include "tests/unit/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {

@@ -1,9 +1,9 @@
 // Stored states of a tree's nodes: whatever the text, what is saved afterwards gives the same tree.
 #include "controls/Form.hpp"
 #include "controls/TreeView.hpp"
+#include "rehearsal/ReportingPlatform.hpp"
 #include "settings/CTreeViewEnh.hpp"
 #include "tests/fuzz/Fuzz.hpp"
-#include "tests/unit/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {

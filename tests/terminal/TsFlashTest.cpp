@@ -8,7 +8,7 @@
 #include <optional>
 #include <sstream>
 
-#include "tests/Images.hpp"
+#include "rehearsal/Images.hpp"
 #include "tests/TemporaryFolder.hpp"
 #include "tests/terminal/Child.hpp"
 

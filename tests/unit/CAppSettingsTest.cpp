@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <map>
 
-#include "ReportingPlatform.hpp"
+#include "rehearsal/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {

@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "ReportingPlatform.hpp"
+#include "rehearsal/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {

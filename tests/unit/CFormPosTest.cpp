@@ -6,7 +6,7 @@
 #include "app/MainLayout.hpp"
 #include "app/frmMain.hpp"
 #include "dialogs/frmAbout.hpp"
-#include "tests/unit/ReportingPlatform.hpp"
+#include "rehearsal/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "NotedRegistry.hpp"
-#include "ReportingPlatform.hpp"
+#include "rehearsal/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {

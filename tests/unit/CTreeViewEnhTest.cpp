@@ -4,9 +4,9 @@
 #include <gtest/gtest.h>
 
 #include "NotedRegistry.hpp"
-#include "ReportingPlatform.hpp"
 #include "controls/Form.hpp"
 #include "controls/TreeView.hpp"
+#include "rehearsal/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {

@@ -1,9 +1,9 @@
 // The options dialog in the hands of its user, opened by the main window's menu.
 #include <gtest/gtest.h>
 
-#include "ReportingPlatform.hpp"
 #include "Wire.hpp"
 #include "app/frmMain.hpp"
+#include "rehearsal/ReportingPlatform.hpp"
 #include "settings/frmConfigure.hpp"
 
 namespace vantor {

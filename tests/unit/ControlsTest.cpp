@@ -3,10 +3,10 @@
 
 #include <stdexcept>
 
-#include "ReportingPlatform.hpp"
 #include "Wire.hpp"
 #include "controls/Controls.hpp"
 #include "controls/SerialControl.hpp"
+#include "rehearsal/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {

@@ -5,7 +5,7 @@
 
 #include <limits>
 
-#include "ReportingPlatform.hpp"
+#include "rehearsal/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {

@@ -6,9 +6,9 @@
 #include <set>
 #include <utility>
 
-#include "bench/reliability/Matrix.hpp"
-#include "bench/reliability/Walk.hpp"
-#include "tests/unit/ReportingPlatform.hpp"
+#include "rehearsal/Matrix.hpp"
+#include "rehearsal/ReportingPlatform.hpp"
+#include "rehearsal/Walk.hpp"
 
 namespace vantor {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "ReportingPlatform.hpp"
+#include "rehearsal/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {

@@ -6,7 +6,7 @@
 
 #include <functional>
 
-#include "tests/unit/SessionBoxes.hpp"
+#include "rehearsal/SessionBoxes.hpp"
 #include "tests/unit/SessionFixture.hpp"
 
 namespace vantor {

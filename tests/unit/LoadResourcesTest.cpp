@@ -4,8 +4,8 @@
 
 #include <gtest/gtest.h>
 
-#include "ReportingPlatform.hpp"
 #include "app/frmMain.hpp"
+#include "rehearsal/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {

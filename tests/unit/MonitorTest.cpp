@@ -1,12 +1,12 @@
 // Monitor mode as its user meets it: windows, capture and sending, on virtual time.
 #include <gtest/gtest.h>
 
-#include "ReportingPlatform.hpp"
 #include "Wire.hpp"
 #include "app/frmMain.hpp"
 #include "monitor/frmMonitor.hpp"
 #include "monitor/frmPortSettings.hpp"
 #include "monitor/frmSend.hpp"
+#include "rehearsal/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {

@@ -4,10 +4,10 @@
 
 #include <tuple>
 
-#include "ReportingPlatform.hpp"
 #include "app/frmMain.hpp"
 #include "content/CImageInfo.hpp"
 #include "content/PictureFiles.hpp"
+#include "rehearsal/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {

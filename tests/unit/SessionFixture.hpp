@@ -10,10 +10,10 @@
 #include <vector>
 
 #include "app/frmMain.hpp"
+#include "rehearsal/AtRest.hpp"
+#include "rehearsal/Images.hpp"
+#include "rehearsal/ReportingPlatform.hpp"
 #include "simulator/VirtualIndicator.hpp"
-#include "tests/Images.hpp"
-#include "tests/unit/AtRest.hpp"
-#include "tests/unit/ReportingPlatform.hpp"
 
 namespace vantor {
 

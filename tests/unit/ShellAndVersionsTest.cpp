@@ -1,9 +1,9 @@
 // What is handed to the shell, and what the report of installed versions reads from files.
 #include <gtest/gtest.h>
 
-#include "ReportingPlatform.hpp"
 #include "app/frmMain.hpp"
 #include "dialogs/CShellExecute.hpp"
+#include "rehearsal/ReportingPlatform.hpp"
 #include "tests/ProgramFile.hpp"
 
 namespace vantor {

@@ -5,10 +5,10 @@
 
 #include <variant>
 
-#include "ReportingPlatform.hpp"
 #include "app/base/modSupport.hpp"
 #include "app/frmMain.hpp"
 #include "dialogs/frmStatus.hpp"
+#include "rehearsal/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {

@@ -1,7 +1,7 @@
 // The stopwatch and the waiting loop, on a clock that the tests move.
 #include <gtest/gtest.h>
 
-#include "ReportingPlatform.hpp"
+#include "rehearsal/ReportingPlatform.hpp"
 #include "support/CDelay.hpp"
 #include "support/CMMTimer.hpp"
 

@@ -3,9 +3,9 @@
 
 #include <gtest/gtest.h>
 
-#include "ReportingPlatform.hpp"
 #include "Wire.hpp"
 #include "controls/Form.hpp"
+#include "rehearsal/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {

@@ -14,10 +14,10 @@
 #include "monitor/frmMonitor.hpp"
 #include "monitor/frmPortSettings.hpp"
 #include "monitor/frmSend.hpp"
+#include "rehearsal/Images.hpp"
 #include "settings/CAppSettings.hpp"
 #include "settings/frmConfigure.hpp"
 #include "simulator/VirtualIndicator.hpp"
-#include "tests/Images.hpp"
 #include "tests/win32/RealWindows.hpp"
 
 namespace vantor {

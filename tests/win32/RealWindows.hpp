@@ -6,7 +6,7 @@
 #include "platform/win32/Win32MessagePump.hpp"
 #include "platform/win32/Win32Peers.hpp"
 #include "platform/win32/Win32Pictures.hpp"
-#include "tests/unit/ReportingPlatform.hpp"
+#include "rehearsal/ReportingPlatform.hpp"
 
 namespace vantor {
 

@@ -5,7 +5,7 @@
 #include <variant>
 #include <vector>
 
-#include "bench/reliability/FaultySession.hpp"
+#include "rehearsal/FaultySession.hpp"
 
 namespace vantor {
 

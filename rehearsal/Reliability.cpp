@@ -5,8 +5,8 @@
 #include <iostream>
 #include <map>
 
-#include "bench/reliability/Matrix.hpp"
-#include "bench/reliability/Walk.hpp"
+#include "rehearsal/Matrix.hpp"
+#include "rehearsal/Walk.hpp"
 
 using namespace vantor;
 

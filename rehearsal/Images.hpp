@@ -1,4 +1,4 @@
-// Small images for tests: records of two bytes each, and an end record.
+// Small images: records of two bytes each, and an end record.
 #pragma once
 
 #include <array>

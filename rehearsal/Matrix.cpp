@@ -1,4 +1,4 @@
-#include "bench/reliability/Matrix.hpp"
+#include "rehearsal/Matrix.hpp"
 
 namespace vantor {
 namespace {

@@ -1,4 +1,4 @@
-#include "bench/reliability/Walk.hpp"
+#include "rehearsal/Walk.hpp"
 
 #include <random>
 

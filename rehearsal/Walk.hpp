@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <functional>
 
-#include "bench/reliability/FaultySession.hpp"
+#include "rehearsal/FaultySession.hpp"
 
 namespace vantor {
 

@@ -1,5 +1,5 @@
-// The platform of the unit tests: headless, with a desktop, and with the error handler installed,
-// so that whatever the code under test reports stands in the recorded message boxes.
+// The platform of rehearsals and unit tests: headless, with a desktop, and with the error handler
+// installed, so that whatever the code under test reports stands in the recorded message boxes.
 #pragma once
 
 #include <array>

@@ -1,4 +1,4 @@
-#include "bench/reliability/FaultySession.hpp"
+#include "rehearsal/FaultySession.hpp"
 
 #include <algorithm>
 #include <functional>
@@ -6,11 +6,11 @@
 #include <optional>
 
 #include "app/frmMain.hpp"
+#include "rehearsal/AtRest.hpp"
+#include "rehearsal/Images.hpp"
+#include "rehearsal/ReportingPlatform.hpp"
+#include "rehearsal/SessionBoxes.hpp"
 #include "simulator/VirtualIndicator.hpp"
-#include "tests/Images.hpp"
-#include "tests/unit/AtRest.hpp"
-#include "tests/unit/ReportingPlatform.hpp"
-#include "tests/unit/SessionBoxes.hpp"
 
 namespace vantor {
 namespace {

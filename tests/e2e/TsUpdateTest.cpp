@@ -18,6 +18,11 @@ const Box kWarning = {"Tessmar Vantor Update",
                       "proceed?",
                       "question",
                       {IDYES, IDNO}};
+const Box kNoMonitor = {"Tessmar Vantor Update",
+                        "Place indicator into boot monitor mode and try again.", "information"};
+const Box kNoPort = {"Tessmar Vantor Update",
+                     "Unable to open communications port. Check your settings and try again.",
+                     "exclamation"};
 const Box kSuccess = {
     "Flash Update Successful",
     "Program Download Complete. Check the indicator for additional progress messages.",
@@ -95,6 +100,36 @@ TEST_F(TsUpdate, ACancelledDialogAndTheAnswerNoLeaveTheIndicatorAlone) {
     EXPECT_EQ(Content("indicator.log"), "");
 }
 
+TEST_F(TsUpdate, APortThatIsHeldOrVanishesIsToldOnceAndWorksAgainWhenItIsBack) {
+    indicator.Start("");
+    const Window monitor = OpenMonitor();
+    OpenPort(monitor);
+    StartFlash();
+    EXPECT_EQ(app->TakeBox(), kNoPort);
+    monitor.Close();
+    Await("its end", [&monitor] { return !monitor.IsThere(); });
+    ExpectIdle();
+
+    const struct {
+        const char* fault;
+        const char* stage;
+        Box box;
+    } kRows[] = {{"no-trav=silent", "Initializing", kNoMonitor},
+                 {"silent@6", "Line 6 of 60", kFailure}};
+    for (const auto& [fault, stage, box] : kRows) {
+        indicator.Start(std::string("--fault ") + fault);
+        StartFlash();
+        Await(stage, [&] { return app->Text("lblStatus") == stage; });
+        indicator.Stop();
+        EXPECT_EQ(app->TakeBox(), box);
+        ExpectIdle();
+        indicator.Start("");
+        StartFlash();
+        EXPECT_EQ(app->TakeBox(), kSuccess);
+        EXPECT_EQ(indicator.Wait(), 0) << indicator.Complaints();
+    }
+}
+
 struct Ending {
     const char* name;
     const char* indicator;  // its options; null: there is none
@@ -118,20 +153,15 @@ TEST_P(EveryEnding, SaysWhatHappenedAndLeavesTheWindowUsable) {
 
 INSTANTIATE_TEST_SUITE_P(
     TsUpdate, EveryEnding,
-    testing::Values(
-        Ending{"PortMissing", nullptr,
-               Box{"Tessmar Vantor Update",
-                   "Unable to open communications port. Check your settings and try again.",
-                   "exclamation"}},
-        Ending{"NotInBootMonitor", "--fault no-trav",
-               Box{"Tessmar Vantor Update", "Place indicator into boot monitor mode and try again.",
-                   "information"}},
-        Ending{"SystemLoadRefused", "--fault no-sysload",
-               Box{"Tessmar Vantor Update", "Unable to initiate System Load.", "exclamation"}},
-        Ending{"LineRefusedFourTimes", "--fault nak@7x4", kFailure},
-        Ending{"PortLost", "--fault hangup@7", kFailure},
-        Ending{"VerifyFailed", "--fault verify-failed", kVerifyFailed},
-        Ending{"NoVerdict", "--fault no-verdict", kFailure}),
+    testing::Values(Ending{"PortMissing", nullptr, kNoPort},
+                    Ending{"NotInBootMonitor", "--fault no-trav", kNoMonitor},
+                    Ending{"SystemLoadRefused", "--fault no-sysload",
+                           Box{"Tessmar Vantor Update", "Unable to initiate System Load.",
+                               "exclamation"}},
+                    Ending{"LineRefusedFourTimes", "--fault nak@7x4", kFailure},
+                    Ending{"PortLost", "--fault hangup@7", kFailure},
+                    Ending{"VerifyFailed", "--fault verify-failed", kVerifyFailed},
+                    Ending{"NoVerdict", "--fault no-verdict", kFailure}),
     [](const auto& row) { return std::string(row.param.name); });
 
 TEST_F(TsUpdate, TheAbortButtonAndItsKeyEndTheStreamBeforeTheNextLine) {

@@ -119,6 +119,13 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"NotInBootMonitor", {"--fault", "no-trav"}, 4, 1, kNoMonitor, ""},
         Row{"SystemLoadRefused", {"--fault", "no-sysload"}, 4, 1, "", kNoSysload},
         Row{"RefusedThreeTimes", {"--fault", "nak@7x3", "--fault", "split@9"}, 0, 0, kDone, ""},
+        Row{"AnswersLostGarbledAndInPieces",
+            {"--fault", "drop@3", "--fault", "garble@5", "--fault", "noise@7", "--fault", "split@9",
+             "--fault", "late=300@11"},
+            0,
+            0,
+            kDone,
+            ""},
         Row{"HangUp", {"--fault", "hangup@7"}, 1, 1, "", kFailure},
         Row{"VerifyFailed", {"--fault", "verify-failed"}, 5, 1, "", kVerify}),
     [](const auto& row) { return std::string(row.param.name); });
@@ -155,6 +162,36 @@ TEST_F(OverATerminal, AMissingAndABusyPortAreTold) {
     EXPECT_EQ(second.status, 3);
     EXPECT_EQ(second.err, kNoPort);
     EXPECT_EQ(first.Wait(), 0);
+}
+
+TEST_F(OverATerminal, AnAdapterThatVanishesIsToldOnceAndTheNextAttemptWorksWhenItIsBack) {
+    const struct {
+        const char* fault;
+        const char* stage;
+        int status;
+        const char* out;
+        const char* err;
+    } kRows[] = {{"no-trav=silent", "Initializing", 4, kNoMonitor, ""},
+                 {"silent@6", "Line 6 of 40", 1, "", kFailure},
+                 {"no-verdict", "Updating Indicator", 1, "", kFailure}};
+    const std::string device = folder / "adapter";
+    for (const auto& [fault, stage, status, out, err] : kRows) {
+        StartIndicator({"--link", device, "--fault", fault});
+        port = device;
+        Child flash(Command());
+        ASSERT_TRUE(flash.WaitFor(stage));
+        indicator->Signal(SIGKILL);
+        EXPECT_EQ(flash.Wait(), status) << stage;
+        EXPECT_THAT(flash.Out(), HasSubstr(out)) << stage;
+        EXPECT_EQ(flash.Err(), err) << stage;
+        EXPECT_EQ(Flash().status, 3) << "as long as it is away";
+
+        std::filesystem::remove(device);
+        StartIndicator({"--link", device});
+        port = device;
+        EXPECT_EQ(Flash().status, 0) << stage;
+        EXPECT_EQ(indicator->Wait(), 0) << stage;
+    }
 }
 
 TEST_F(OverATerminal, TheWarningIsAskedOnTheTerminalAndWithoutOneItRefuses) {

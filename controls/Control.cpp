@@ -29,6 +29,11 @@ void Control::ToolTip(std::string toolTip) {
     Changed(Property::ToolTip);
 }
 
+void Control::SpokenName(std::string name) {
+    mSpokenName = std::move(name);
+    Changed(Property::SpokenName);
+}
+
 void Control::Place(const vantor::Place& place) {
     mPlace = place;
     Changed(Property::Place);

@@ -75,6 +75,10 @@ public:
     const std::string& ToolTip() const { return mToolTip; }
     void ToolTip(std::string toolTip);
 
+    /// What is read aloud for a control that shows no text of its own.
+    const std::string& SpokenName() const { return mSpokenName; }
+    void SpokenName(std::string name);
+
     const vantor::Place& Place() const { return mPlace; }
     void Place(const vantor::Place& place);
 
@@ -107,6 +111,7 @@ private:
     std::string mTag;
     std::string mCaption;
     std::string mToolTip;
+    std::string mSpokenName;
     vantor::Place mPlace;
     vantor::Border mBorder = vantor::Border::None;
     unsigned mRank = 0;

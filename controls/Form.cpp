@@ -91,6 +91,17 @@ void Form::DrawLine(const ThinLine& line) {
     if (mPeer) mPeer->DrawLine(line);
 }
 
+Control& Form::ControlOf(const ControlDesign& row) const {
+    const auto found = std::ranges::find_if(mControls, [&row](const Control* control) {
+        return control->Kind() == row.kind && control->Name() == row.name &&
+               control->Index() == row.index;
+    });
+    if (found == mControls.end())
+        throw RuntimeError(ErrorNumber::InternalError,
+                           std::string("No control for the design row ") + row.name);
+    return **found;
+}
+
 void Form::ApplyDesign() {
     mCaption = mDesign.caption;
     mTag = mDesign.tag;
@@ -98,16 +109,10 @@ void Form::ApplyDesign() {
     mInner = {mPlace.width, mPlace.height};
     std::size_t applied = 0;
     for (const ControlDesign& row : mDesign.controls) {
-        const auto found = std::ranges::find_if(mControls, [&row](const Control* control) {
-            return control->Kind() == row.kind && control->Name() == row.name &&
-                   control->Index() == row.index;
-        });
-        if (found == mControls.end())
-            throw RuntimeError(ErrorNumber::InternalError,
-                               std::string("No control for the design row ") + row.name);
-        (*found)->Caption(row.caption);
-        (*found)->Tag(row.tag);
-        (*found)->Place(row.place);
+        Control& control = ControlOf(row);
+        control.Caption(row.caption);
+        control.Tag(row.tag);
+        control.Place(row.place);
         ++applied;
     }
     if (applied != mControls.size())

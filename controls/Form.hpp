@@ -17,7 +17,7 @@ class MessagePump;
 
 enum class WindowState : std::uint8_t { Normal = 0, Minimised = 1, Maximised = 2 };
 
-/// What is special about a control's looks or its place among the keys.
+/// What is special about a control's looks, its place among the keys, or how it is read aloud.
 struct ControlStyle {
     float points = 9;       ///< size of its letters
     const char* face = "";  ///< their shape; empty for that of the window
@@ -25,6 +25,9 @@ struct ControlStyle {
     bool centred = false;        ///< of a label's text
     bool defaultButton = false;  ///< pressed by Enter
     bool cancelButton = false;   ///< pressed by Esc
+    /// Number of the text that is read aloud for a control which shows none; 0 where it does, or
+    /// where the label in the row before tells what it is.
+    std::int32_t spokenName = 0;
 };
 
 /// One control of a window's design.
@@ -84,6 +87,8 @@ public:
     /// The controls in collection order: the order in which the class declares them.
     const std::vector<Control*>& Controls() const { return mControls; }
     const FormDesign& Design() const { return mDesign; }
+    /// The control of a design row. Raises RuntimeError 51 when the class has none.
+    Control& ControlOf(const ControlDesign& row) const;
 
     const std::string& Tag() const { return mTag; }
     const std::string& Caption() const { return mCaption; }

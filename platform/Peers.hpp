@@ -20,6 +20,7 @@ enum class Property : std::uint8_t {
     Enabled,
     Visible,
     ToolTip,
+    SpokenName,
     Place,
     State,  ///< of a form: normal, minimised, maximised
     Border,

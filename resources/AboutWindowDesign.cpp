@@ -11,6 +11,8 @@ using enum ControlKind;
 constexpr ControlStyle kHeading = {.points = 12, .bold = true};
 constexpr ControlStyle kOkStyle = {.defaultButton = true, .cancelButton = true};
 
+constexpr ControlStyle kFocusStyle = {.spokenName = 301};
+
 constexpr std::array kControls = {
     ControlDesign{Image, "imgLogo", -1, "", {240, 240, 960, 960}, "", ""},
     ControlDesign{Label, "lblTitle", -1, "", {1440, 240, 6300, 330}, "Title", "301", kHeading},
@@ -21,7 +23,7 @@ constexpr std::array kControls = {
     ControlDesign{Label, "lblDisclaimer", -1, "", {240, 2100, 7320, 1320}, "Disclaimer", "402"},
     ControlDesign{CommandButton, "cmdOK", -1, "", {6375, 3540, 1365, 405}, "OK", "101", kOkStyle},
     // Out of sight: it takes the focus when the window opens, so that no button looks chosen.
-    ControlDesign{CommandButton, "cmdFocus", -1, "", {-1500, 0, 300, 300}, "", ""},
+    ControlDesign{CommandButton, "cmdFocus", -1, "", {-1500, 0, 300, 300}, "", "", kFocusStyle},
 };
 
 }  // namespace

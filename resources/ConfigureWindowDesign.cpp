@@ -9,6 +9,7 @@ namespace {
 
 using enum ControlKind;
 
+constexpr ControlStyle kTree = {.spokenName = 501};
 constexpr ControlStyle kHeading = {.bold = true};
 constexpr ControlStyle kCaptionBar = {.points = 11, .bold = true};
 constexpr ControlStyle kOk = {.defaultButton = true};
@@ -32,7 +33,7 @@ constexpr Place ButtonAt(int column) {
 }
 
 constexpr std::array kControls = {
-    ControlDesign{TreeView, "tvwOptions", -1, "", {180, 180, 2340, 3480}, "", ""},
+    ControlDesign{TreeView, "tvwOptions", -1, "", {180, 180, 2340, 3480}, "", "", kTree},
     ControlDesign{PictureBox, "picSelection", -1, "", {2700, 180, 4740, 390}, "", "", kCaptionBar},
 
     ControlDesign{PictureBox, "picDetails", -1, "", kPage, "", ""},

@@ -13,6 +13,9 @@ constexpr const char* kWelcomeInDesign =
     "Welcome to the Vantor update utility. Connect the indicator to this computer, place it into "
     "boot monitor mode and click below to begin.";
 
+constexpr ControlStyle kPicture = {.spokenName = 314};
+constexpr ControlStyle kUpdates = {.spokenName = 305};
+constexpr ControlStyle kProgress = {.spokenName = 2130};
 constexpr ControlStyle kWelcome = {.points = 11, .centred = true};
 constexpr ControlStyle kFlashButton = {.points = 12, .bold = true, .defaultButton = true};
 constexpr ControlStyle kFigure = {.points = 14, .bold = true};
@@ -32,7 +35,7 @@ constexpr std::array kControls = {
     ControlDesign{MenuItem, "mnuHelp", -1, "", {}, "209 &Help", ""},
     ControlDesign{MenuItem, "mnuHelpAbout", -1, "mnuHelp", {}, "212 &About...", ""},
 
-    ControlDesign{PictureBox, "picPicture", -1, "", {}, "", ""},
+    ControlDesign{PictureBox, "picPicture", -1, "", {}, "", "", kPicture},
 
     ControlDesign{PictureBox, "picStartup", -1, "", {}, "", ""},
     ControlDesign{Label, "lblLabels", 0, "picStartup", {}, kWelcomeInDesign, "302", kWelcome},
@@ -47,7 +50,7 @@ constexpr std::array kControls = {
 
     ControlDesign{PictureBox, "picUpdate", -1, "", {}, "", ""},
     ControlDesign{Label, "lblLabels", 1, "picUpdate", {}, "Available Updates", "305"},
-    ControlDesign{ListView, "lvwUpdates", -1, "picUpdate", {}, "", ""},
+    ControlDesign{ListView, "lvwUpdates", -1, "picUpdate", {}, "", "", kUpdates},
     ControlDesign{Label, "lblUpdateStatus", -1, "picUpdate", {}, "", ""},
     ControlDesign{CommandButton, "cmdDetails", -1, "picUpdate", {}, "View Details", "306"},
     ControlDesign{CommandButton,
@@ -70,7 +73,7 @@ constexpr std::array kControls = {
     ControlDesign{Label, "lblStatus", -1, "picFlash", {}, "", "", kFigure},
     ControlDesign{Label, "lblLabels", 3, "picFlash", {}, "Elapsed Time:", "310", kFigureLabel},
     ControlDesign{Label, "lblElapsed", -1, "picFlash", {}, "", "", kFigure},
-    ControlDesign{ProgressBar, "pbarStatus", -1, "picFlash", {}, "", ""},
+    ControlDesign{ProgressBar, "pbarStatus", -1, "picFlash", {}, "", "", kProgress},
     ControlDesign{Label, "lblWarning", -1, "picFlash", {}, "", "", kWarning},
     ControlDesign{CommandButton, "cmdFlashAbort", -1, "picFlash", {}, "&Abort", "311"},
 

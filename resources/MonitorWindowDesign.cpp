@@ -9,7 +9,7 @@ namespace {
 
 using enum ControlKind;
 
-constexpr ControlStyle kScreen = {.points = 10, .face = "Terminal"};
+constexpr ControlStyle kScreen = {.points = 10, .face = "Terminal", .spokenName = 2131};
 
 constexpr std::array kControls = {
     ControlDesign{Terminal, "comMonitor", -1, "", {}, "", "", kScreen},

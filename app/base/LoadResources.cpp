@@ -40,6 +40,9 @@ void TranslateForm(Form& form, const StringTable& strings, Translate what) {
             control->Caption(strings.LoadResString(ToInt32(control->Tag())));
         }
     }
+    for (const ControlDesign& row : form.Design().controls)
+        if (row.style.spokenName != 0)
+            form.ControlOf(row).SpokenName(strings.LoadResString(row.style.spokenName));
     if (what == Translate::All && !form.Tag().empty())
         form.Caption(strings.LoadResString(ToInt16(form.Tag())));
 }

@@ -116,6 +116,9 @@ void Win32ChildControl::Follow(Property property) {
         case Property::Caption:
             FollowCaption();
             break;
+        case Property::SpokenName:
+            FollowSpokenName();
+            break;
         case Property::Enabled:
             static_cast<void>(EnableWindow(mWindow, mControl.Enabled() ? TRUE : FALSE));
             break;
@@ -171,6 +174,17 @@ void Win32ChildControl::FollowCaption() {
     if (mShownCaption == mControl.Caption()) return;
     mShownCaption = mControl.Caption();
     static_cast<void>(SetWindowTextW(mWindow, ToWide(mShownCaption).c_str()));
+}
+
+// The text of these windows is seen nowhere; a terminal's is what stands in it.
+void Win32ChildControl::FollowSpokenName() {
+    const std::wstring name = ToWide(mControl.SpokenName());
+    if (mTerminal == nullptr) static_cast<void>(SetWindowTextW(mWindow, name.c_str()));
+    mStage.spokenNames.Set(mWindow, name);
+}
+
+void Win32ChildControl::ForgetSpokenName() {
+    if (!mControl.SpokenName().empty()) mStage.spokenNames.Forget(mWindow);
 }
 
 void Win32ChildControl::FollowBorder() {
@@ -280,7 +294,7 @@ void Win32ChildControl::FollowPrinted(const PictureBox& box) {
     std::wstring all;
     for (const PictureBox::Printed& printed : box.PrintedTexts())
         all += (all.empty() ? L"" : L"\r\n") + ToWide(printed.text);
-    static_cast<void>(SetWindowTextW(mWindow, all.c_str()));
+    if (box.SpokenName().empty()) static_cast<void>(SetWindowTextW(mWindow, all.c_str()));
     static_cast<void>(InvalidateRect(mWindow, nullptr, TRUE));
 }
 

@@ -49,6 +49,9 @@ public:
     /// line is on the wire, and not in the pause between two lines.
     bool FollowLater(Property property);
 
+    /// Before the window is destroyed.
+    void ForgetSpokenName();
+
     /// A status bar moves itself to its window's bottom edge; its model learns the height.
     void KeepToBottom();
     /// A drop-down list says what its user does. A choice that he has made, the one of before
@@ -64,6 +67,7 @@ public:
 private:
     RECT OuterPlace() const;
     void FollowCaption();
+    void FollowSpokenName();
     void FollowBorder();
     void FollowValue();
     void FollowList(const ComboBox& combo);

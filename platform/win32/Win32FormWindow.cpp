@@ -80,6 +80,7 @@ void Win32FormWindow::Destroy() {
     mForm = nullptr;
     if (mWindow == nullptr) return;
     static_cast<void>(SetWindowLongPtrW(mWindow, GWLP_USERDATA, 0));
+    for (const auto& child : mChildren) child->ForgetSpokenName();
     static_cast<void>(SetMenu(mWindow, nullptr));  // the bar is destroyed by its owner
     static_cast<void>(DestroyWindow(std::exchange(mWindow, nullptr)));
     --mStage.held.windows;
@@ -92,11 +93,8 @@ void Win32FormWindow::CreateChildren() {
     // In the order of the design, where a panel stands before what lies in it and Tab goes on.
     for (const ControlDesign& row : mForm->Design().controls) {
         if (!HasWindow(row.kind)) continue;
-        const auto control = std::ranges::find_if(mForm->Controls(), [&row](const Control* each) {
-            return each->Name() == row.name && each->Index() == row.index;
-        });
-        mChildren.push_back(
-            std::make_unique<Win32ChildControl>(mStage, **control, row, ParentFor(row), id++));
+        mChildren.push_back(std::make_unique<Win32ChildControl>(mStage, mForm->ControlOf(row), row,
+                                                                ParentFor(row), id++));
     }
 }
 
@@ -170,8 +168,8 @@ void Win32FormWindow::FollowControl(const Control& control, Property property) {
     if (child == nullptr) return;
     if (property == Property::ToolTip)
         FollowToolTip(*child);
-    else if (child->FollowLater(property))
-        CatchUpSoon();
+    else if (IsWindowVisible(mWindow) != 0 && child->FollowLater(property))
+        CatchUpSoon();  // a window that is not yet shown is to be whole when it is
     else
         child->Follow(property);
     if (property == Property::Enabled || property == Property::Visible) KeepFocusUsable();
@@ -253,6 +251,9 @@ LRESULT Win32FormWindow::Handle(UINT message, WPARAM first, LPARAM second) {
             return MayEndSession() ? TRUE : FALSE;
         case WM_ENDSESSION:
             if (first != 0) mForm->Unload();
+            return 0;
+        case WM_SYSCOLORCHANGE:  // told to the uppermost windows only
+            for (const auto& child : mChildren) SendMessageW(child->Window(), message, 0, 0);
             return 0;
         case WM_SETCURSOR:
             if (mStage.cursor == nullptr || LOWORD(second) != HTCLIENT) break;

@@ -7,6 +7,7 @@
 #include <tuple>
 
 #include "controls/Control.hpp"
+#include "platform/win32/Win32SpokenNames.hpp"
 #include "platform/win32/Windows.hpp"
 
 namespace vantor {
@@ -38,6 +39,7 @@ public:
     HFONT Font(float points, bool bold, const std::string& face = {});
 
     HeldObjects held;
+    Win32SpokenNames spokenNames;
     HCURSOR cursor = nullptr;   ///< the pointer of all windows; null: each window's own
     std::wstring reasonToStay;  ///< why the system must not go down; empty: it may
 

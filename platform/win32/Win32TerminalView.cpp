@@ -30,9 +30,20 @@ struct RunColours {
     COLORREF ground;
 };
 
-RunColours ColoursOf(const Cell& cell, bool selected) {
-    RunColours colours = {ColourOf(cell.foreground, COLOR_WINDOWTEXT),
-                          ColourOf(cell.background, COLOR_WINDOW)};
+/// True while the user has the whole system in few colours of strong contrast.
+bool HighContrast() {
+    HIGHCONTRASTW choice{};
+    choice.cbSize = sizeof choice;
+    return SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof choice, &choice, 0) != 0 &&
+           (choice.dwFlags & HCF_HIGHCONTRASTON) != 0;
+}
+
+/// `systemOnly`: whatever colours the far end asks for.
+RunColours ColoursOf(const Cell& cell, bool selected, bool systemOnly) {
+    RunColours colours = {GetSysColor(COLOR_WINDOWTEXT), GetSysColor(COLOR_WINDOW)};
+    if (!systemOnly)
+        colours = {ColourOf(cell.foreground, COLOR_WINDOWTEXT),
+                   ColourOf(cell.background, COLOR_WINDOW)};
     if ((cell.flags & kReversed) != 0) std::swap(colours.ink, colours.ground);
     if (selected) colours = {GetSysColor(COLOR_HIGHLIGHTTEXT), GetSysColor(COLOR_HIGHLIGHT)};
     if ((cell.flags & kConcealed) != 0) colours.ink = colours.ground;
@@ -229,6 +240,7 @@ void Win32TerminalView::InvalidateDirty() {
 void Win32TerminalView::OnPaint() {
     PAINTSTRUCT paint{};
     const HDC target = BeginPaint(mWindow, &paint);
+    mHighContrast = HighContrast();
     const int first = static_cast<int>(paint.rcPaint.top) / mFont.Height();
     const int end = (static_cast<int>(paint.rcPaint.bottom) - 1) / mFont.Height() + 1;
     const HGDIOBJ before = GetCurrentObject(target, OBJ_FONT);
@@ -270,7 +282,7 @@ void Win32TerminalView::PaintRun(HDC target, POINT from, std::span<const Cell> r
                            [](const Cell& cell) { return Wide(cell.character); });
     std::fill_n(steps.begin(), run.size(), mFont.Width());
     const Cell& look = run.front();
-    const RunColours colours = ColoursOf(look, selected);
+    const RunColours colours = ColoursOf(look, selected, mHighContrast);
     const auto count = static_cast<int>(run.size());
     const int left = static_cast<int>(from.x) * mFont.Width();
     const int top = static_cast<int>(from.y) * mFont.Height();

@@ -71,6 +71,7 @@ private:
     TerminalControl& mControl;
     HWND mWindow;  // null once it has gone
     Win32TerminalFont mFont;
+    bool mHighContrast = false;    // as the user had it when the view was painted last
     std::int64_t mShownFirst = 0;  // the first line of the view as it was last told to be painted
     std::optional<TextPosition> mAnchor;  // while the mouse selects
     bool mScrolling = false;              // the mouse is above or below the text meanwhile

@@ -20,6 +20,9 @@
 #include "simulator/VirtualIndicator.hpp"
 #include "tests/win32/RealWindows.hpp"
 
+#include <commctrl.h>
+#include <oleacc.h>
+
 namespace vantor {
 namespace {
 
@@ -141,6 +144,43 @@ TEST_P(PeersOfAWindow, GiveBackWhatAHundredOpeningsTook) {
     for (int i = 0; i < 100; ++i) OpenAndClose();
     EXPECT_EQ(Held(), before);
     EXPECT_EQ(Told(platform), Texts{});
+}
+
+/// What a program that reads windows aloud says for `window` (IAccessible::get_accName).
+std::wstring ReadAloud(HWND window) {
+    IAccessible* object = nullptr;
+    if (FAILED(AccessibleObjectFromWindow(window, static_cast<DWORD>(OBJID_CLIENT),
+                                          __uuidof(IAccessible),
+                                          reinterpret_cast<void**>(&object))))
+        return {};
+    VARIANT self{};
+    self.vt = VT_I4;
+    self.lVal = CHILDID_SELF;
+    BSTR name = nullptr;
+    std::wstring text;
+    if (object->get_accName(self, &name) == S_OK && name != nullptr) text = name;
+    SysFreeString(name);
+    object->Release();
+    return text;
+}
+
+TEST_P(PeersOfAWindow, HaveANameToReadAloudForEachControlThatTheKeyboardReaches) {
+    const auto form = GetParam().make(platform.desktop, platform.real);
+    form->Show();
+    std::vector<HWND> children;
+    const auto collect = [](HWND child, LPARAM list) -> BOOL {
+        reinterpret_cast<std::vector<HWND>*>(list)->push_back(child);
+        return TRUE;
+    };
+    EnumChildWindows(WindowOf(*form), collect, reinterpret_cast<LPARAM>(&children));
+    for (const HWND child : children) {
+        wchar_t kind[64] = {};
+        GetClassNameW(child, kind, 64);
+        const bool reached = (GetWindowLongPtrW(child, GWL_STYLE) & WS_TABSTOP) != 0;
+        if (!reached && std::wstring(kind) != PROGRESS_CLASSW) continue;
+        EXPECT_NE(ReadAloud(child), L"") << ToUtf8(kind) << ' ' << GetDlgCtrlID(child);
+    }
+    form->Unload();
 }
 
 INSTANTIATE_TEST_SUITE_P(Real, PeersOfAWindow,

@@ -33,19 +33,19 @@ std::optional<std::int64_t> RoundTrips::TakeLateness() {
 }
 
 std::vector<std::string> RoundTrips::Summary() const {
-    std::string replies = "round trip: no reply to a line";
+    std::string replies = "round trip: no replies";
     if (!mRoundTripsMs.empty())
-        replies = "round trip: median " + std::to_string(Median(mRoundTripsMs)) + " ms, maximum " +
-                  std::to_string(*std::ranges::max_element(mRoundTripsMs)) + " ms, of " +
-                  std::to_string(mRoundTripsMs.size()) + " replies";
+        replies = "round trip median " + std::to_string(Median(mRoundTripsMs)) + " ms, maximum " +
+                  std::to_string(*std::ranges::max_element(mRoundTripsMs)) + " ms, replies " +
+                  std::to_string(mRoundTripsMs.size());
     std::int64_t wireUs = 0;
     for (const auto& [bitsPerSecond, bits] : mBits) wireUs += WireUs(bits, bitsPerSecond);
     const std::uint32_t totalMs = mLastAt - mBegun.value_or(mLastAt);
-    return {"lines: " + std::to_string(mLines) + " sent, " + std::to_string(mAcknowledged) +
-                " acknowledged, " + std::to_string(mRetries) + " retries",
+    return {"lines " + std::to_string(mLines) + ", acknowledged " + std::to_string(mAcknowledged) +
+                ", retries " + std::to_string(mRetries),
             replies,
-            "time: wire " + std::to_string(wireUs / kMicrosPerMilli) +
-                " ms (all bytes of both ways), total " + std::to_string(totalMs) + " ms"};
+            "wire time both ways " + std::to_string(wireUs / kMicrosPerMilli) + " ms, total time " +
+                std::to_string(totalMs) + " ms"};
 }
 
 void RoundTrips::Opened(const std::string& /*name*/, const LineSettings& line) {

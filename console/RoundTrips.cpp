@@ -69,8 +69,8 @@ void RoundTrips::Sent(std::string_view bytes) {
 }
 
 void RoundTrips::BeginSend() {
-    // Every reply to a line is thrown away with the rest of its input; only a verdict that was
-    // listened for still stands here, and what is sent behind it is no line of the image.
+    // What follows a reply to a line is thrown away before the next send. A verdict still stands
+    // here only when the session has listened for one: what it sends then is no line of the image.
     if (mPhase == Phase::Image && mReply.find("DONE") != std::string::npos) mPhase = Phase::Over;
     mSending = true;
     mAwaiting = false;

@@ -66,7 +66,9 @@ private:
 
     std::optional<std::uint32_t> mBegun;
     std::uint32_t mLastAt = 0;
-    std::map<std::uint32_t, std::uint64_t> mBits;  // both ways, by bits per second
+    // Both ways, by bits per second, and divided once: a character need not take a whole number
+    // of microseconds.
+    std::map<std::uint32_t, std::uint64_t> mBits;
     std::uint64_t mLines = 0;
     std::uint64_t mAcknowledged = 0;
     std::uint64_t mRetries = 0;

@@ -240,7 +240,7 @@ std::vector<TrafficListener*> Run::Listeners() {
 
 void Run::Watch() {
     if (mNative.terminal->TakeInterrupt()) Interrupted();
-    if (!mPractice) HintAtLateReplies();
+    if (!mPractice) HintAtLateReplies();  // in practice there is no adapter to blame
     // Nobody can close this window, so the wait that only a close request ends is ended here.
     if (mSession && mSession->Outcome() == FlashOutcome::NothingAccepted &&
         !mWindow->Flags().mblnCloseRequested) {

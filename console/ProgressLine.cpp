@@ -61,9 +61,13 @@ std::string ProgressLine::TimeLeft(int percent) const {
     return TwoDigits(left / 3600) + ":" + TwoDigits(left / 60 % 60) + ":" + TwoDigits(left % 60);
 }
 
-void ProgressLine::Finish() {
+void ProgressLine::Break() {
     if (mLineOpen) mTerminal.Write("\n");
     mLineOpen = false;
+}
+
+void ProgressLine::Finish() {
+    Break();
     mRunning = false;
 }
 

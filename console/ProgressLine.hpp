@@ -21,7 +21,9 @@ public:
     /// Shows `percent` (0 to 100) with the session's own texts for the line and the time.
     void Show(int percent, const std::string& status, const std::string& elapsed);
 
-    /// Ends the line, so that other text can follow. The next `Show` starts a new one.
+    /// Ends the line, so that other text can follow. The next `Show` goes on in a new one.
+    void Break();
+    /// Likewise, and the progress is over: the next `Show` begins another.
     void Finish();
 
 private:

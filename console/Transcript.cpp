@@ -3,51 +3,15 @@
 #include <array>
 #include <cstdio>
 #include <filesystem>
-#include <span>
-#include <utility>
 
 #include "support/RuntimeError.hpp"
 
 namespace vantor {
 namespace {
 
-class LoggedPort : public SerialPort {
-public:
-    LoggedPort(std::unique_ptr<SerialPort> inner, Transcript& transcript)
-        : mInner(std::move(inner)), mTranscript(transcript) {}
-    ~LoggedPort() override { mTranscript.Note("--", "closed"); }
-    LoggedPort(const LoggedPort&) = delete;
-    LoggedPort& operator=(const LoggedPort&) = delete;
-
-    std::size_t Read(std::span<char> into) override {
-        const std::size_t count = mInner->Read(into);
-        if (count > 0) mTranscript.Note("<-", Escaped({into.data(), count}));
-        return count;
-    }
-    std::size_t Write(std::string_view bytes) override {
-        const std::size_t count = mInner->Write(bytes);
-        if (count > 0) mTranscript.Note("->", Escaped(bytes.substr(0, count)));
-        return count;
-    }
-    std::size_t InputCount() override { return mInner->InputCount(); }
-    std::size_t OutputCount() override { return mInner->OutputCount(); }
-    void DiscardInput() override {
-        // Read instead, so that the transcript has what the program never looks at.
-        std::array<char, 256> chunk;
-        while (Read(chunk) > 0) continue;
-    }
-    void NotifyOnInput(std::function<void()> notify) override {
-        mInner->NotifyOnInput(std::move(notify));
-    }
-
-private:
-    std::unique_ptr<SerialPort> mInner;
-    Transcript& mTranscript;
-};
-
-std::string Describe(const LineSettings& line) {
+std::string Describe(const std::string& name, const LineSettings& line) {
     constexpr std::array<char, 3> kLetters = {'N', 'O', 'E'};
-    return std::to_string(line.bitsPerSecond) + "," +
+    return name + " " + std::to_string(line.bitsPerSecond) + "," +
            kLetters[static_cast<std::size_t>(line.parity)] + "," + std::to_string(line.dataBits) +
            "," + std::to_string(line.stopBits);
 }
@@ -92,17 +56,13 @@ void Transcript::Note(std::string_view mark, std::string_view text) {
     mFile << ' ' << mark << ' ' << text << std::endl;
 }
 
-std::unique_ptr<SerialPort> LoggedSerialPorts::Open(const std::string& name,
-                                                    const LineSettings& line) {
-    const std::string what = name + " " + Describe(line);
-    try {
-        auto port = mInner.Open(name, line);
-        mTranscript.Note("--", "opened " + what);
-        return std::make_unique<LoggedPort>(std::move(port), mTranscript);
-    } catch (const RuntimeError& error) {
-        mTranscript.Note("--", "cannot open " + what + ": " + error.Description());
-        throw;
-    }
+void Transcript::Opened(const std::string& name, const LineSettings& line) {
+    Note("--", "opened " + Describe(name, line));
+}
+
+void Transcript::Refused(const std::string& name, const LineSettings& line,
+                         const std::string& reason) {
+    Note("--", "cannot open " + Describe(name, line) + ": " + reason);
 }
 
 }  // namespace vantor

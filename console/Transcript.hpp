@@ -1,14 +1,13 @@
 // The transcript of a serial line: what went over it, when, and in which direction.
 #pragma once
 
+#include <cstdint>
 #include <fstream>
-#include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
+#include "console/Traffic.hpp"
 #include "platform/Clock.hpp"
-#include "platform/SerialPort.hpp"
 
 namespace vantor {
 
@@ -16,33 +15,28 @@ namespace vantor {
 std::string Escaped(std::string_view bytes);
 
 /// A file with a line for each transfer: milliseconds since it was opened, direction ("->" to
-/// the indicator), escaped bytes.
-class Transcript {
+/// the indicator, "<-" from it, "--" for what is no transfer), escaped bytes.
+class Transcript : public TrafficListener {
 public:
     /// Raises RuntimeError 75 when `path` (UTF-8) cannot be written.
     Transcript(const std::string& path, const Clock& clock);
 
     void Note(std::string_view mark, std::string_view text);
 
+    void Opened(const std::string& name, const LineSettings& line) override;
+    void Refused(const std::string& name, const LineSettings& line,
+                 const std::string& reason) override;
+    void Closed() override { Note("--", "closed"); }
+    void Sent(std::string_view bytes) override { Note("->", Escaped(bytes)); }
+    void Received(std::string_view bytes) override { Note("<-", Escaped(bytes)); }
+    void Discarded(std::string_view bytes) override {
+        if (!bytes.empty()) Received(bytes);
+    }
+
 private:
     std::ofstream mFile;
     const Clock& mClock;
     std::uint32_t mStart;
-};
-
-/// Serial ports that forward to others and note every transfer.
-class LoggedSerialPorts : public SerialPorts {
-public:
-    /// Both outlive the ports.
-    LoggedSerialPorts(SerialPorts& inner, Transcript& transcript)
-        : mInner(inner), mTranscript(transcript) {}
-
-    std::unique_ptr<SerialPort> Open(const std::string& name, const LineSettings& line) override;
-    std::vector<SerialPortInfo> List() const override { return mInner.List(); }
-
-private:
-    SerialPorts& mInner;
-    Transcript& mTranscript;
 };
 
 }  // namespace vantor

@@ -4,6 +4,7 @@
 #include <optional>
 #include <string>
 #include <utility>
+#include <vector>
 
 #include "app/base/AppInfo.hpp"
 #include "app/base/CErrHandler.hpp"
@@ -11,6 +12,8 @@
 #include "console/ConsoleWindow.hpp"
 #include "console/Options.hpp"
 #include "console/Practice.hpp"
+#include "console/RoundTrips.hpp"
+#include "console/Traffic.hpp"
 #include "console/Transcript.hpp"
 #include "flash/FirmwareImage.hpp"
 #include "flash/FlashSession.hpp"
@@ -91,6 +94,23 @@ public:
     SinkScope& operator=(const SinkScope&) = delete;
 };
 
+/// Ends the transcript, where there is one, with the summary of the session.
+class LogEnd {
+public:
+    LogEnd(const std::unique_ptr<Transcript>& transcript, const RoundTrips& roundTrips)
+        : mTranscript(transcript), mRoundTrips(roundTrips) {}
+    ~LogEnd() {
+        if (!mTranscript) return;
+        for (const std::string& line : mRoundTrips.Summary()) mTranscript->Note("--", line);
+    }
+    LogEnd(const LogEnd&) = delete;
+    LogEnd& operator=(const LogEnd&) = delete;
+
+private:
+    const std::unique_ptr<Transcript>& mTranscript;
+    const RoundTrips& mRoundTrips;
+};
+
 /// One flash with everything that it needs; members stand in the order of making.
 class Run {
 public:
@@ -106,9 +126,10 @@ private:
                   void (CAppSettings::*set)(const std::string&));
     std::unique_ptr<Practice> MakePractice();
     std::unique_ptr<Transcript> MakeTranscript();
-    std::unique_ptr<SerialPorts> MakeLoggedPorts();
+    std::vector<TrafficListener*> Listeners();
     SerialPorts& RealPorts() { return mPractice ? mPractice->Ports() : *mNative.ports; }
     void Watch();
+    void HintAtLateReplies();
     void Interrupted();
 
     NativePlatform& mNative;
@@ -122,7 +143,9 @@ private:
     CAppSettings mSettings{*mNative.registry, *mNative.codePage, *mNative.files};
     std::unique_ptr<Practice> mPractice;
     std::unique_ptr<Transcript> mTranscript;
-    std::unique_ptr<SerialPorts> mLoggedPorts;
+    RoundTrips mRoundTrips{*mNative.clock};
+    LogEnd mLogEnd{mTranscript, mRoundTrips};  // behind the port's last line, however this ends
+    WatchedSerialPorts mPorts{RealPorts(), Listeners()};
     WatchedPump mPump;
     MemoryClipboard mClipboard;
     ConsoleDialogs mDialogs{mOptions.image};
@@ -140,7 +163,6 @@ Run::Run(NativePlatform& native, const Options& options)
       mOptions(options),
       mPractice((LoadSettings(), MakePractice())),
       mTranscript(MakeTranscript()),
-      mLoggedPorts(MakeLoggedPorts()),
       mPump(mPractice ? mPractice->Pump() : *native.pump, [this] { Watch(); }),
       mPlatform{.clipboard = mClipboard,
                 .clock = *native.clock,
@@ -155,7 +177,7 @@ Run::Run(NativePlatform& native, const Options& options)
                 .pictures = mPictures,
                 .process = *native.process,
                 .registry = *native.registry,
-                .ports = mLoggedPorts ? *mLoggedPorts : RealPorts(),
+                .ports = mPorts,
                 .shell = mShell,
                 .strings = *native.strings},
       mWindow(std::make_shared<ConsoleWindow>(mDesktop, mPlatform)),
@@ -210,13 +232,15 @@ std::unique_ptr<Transcript> Run::MakeTranscript() {
     return transcript;
 }
 
-std::unique_ptr<SerialPorts> Run::MakeLoggedPorts() {
-    if (!mTranscript) return nullptr;
-    return std::make_unique<LoggedSerialPorts>(RealPorts(), *mTranscript);
+std::vector<TrafficListener*> Run::Listeners() {
+    std::vector<TrafficListener*> listeners = {&mRoundTrips};
+    if (mTranscript) listeners.push_back(mTranscript.get());
+    return listeners;
 }
 
 void Run::Watch() {
     if (mNative.terminal->TakeInterrupt()) Interrupted();
+    if (!mPractice) HintAtLateReplies();  // in practice there is no adapter to blame
     // Nobody can close this window, so the wait that only a close request ends is ended here.
     if (mSession && mSession->Outcome() == FlashOutcome::NothingAccepted &&
         !mWindow->Flags().mblnCloseRequested) {
@@ -224,6 +248,15 @@ void Run::Watch() {
         mNative.terminal->WriteError(mNative.strings->LoadResString(2043) + "\n");
         mWindow->Flags().mblnCloseRequested = true;
     }
+}
+
+// Under --quiet too: a fault of the set-up that nobody would notice otherwise is no progress.
+void Run::HintAtLateReplies() {
+    const std::optional<std::int64_t> latenessMs = mRoundTrips.TakeLateness();
+    if (!latenessMs) return;
+    mProgress.Break();
+    mNative.terminal->WriteError(
+        Filled(mNative.strings->LoadResString(2049), std::to_string(*latenessMs)) + "\n");
 }
 
 void Run::Interrupted() {

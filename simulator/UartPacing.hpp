@@ -8,7 +8,8 @@
 
 namespace vantor {
 
-using Nanos = std::int64_t;  ///< nanoseconds on the caller's clock
+using Nanos = std::int64_t;   ///< nanoseconds on the caller's clock
+using Micros = std::int64_t;  ///< microseconds on the caller's clock, never going back
 
 class UartPacing {
 public:

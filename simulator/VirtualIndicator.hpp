@@ -19,8 +19,6 @@
 
 namespace vantor {
 
-using Micros = std::int64_t;  ///< microseconds on the caller's clock, never going back
-
 struct IndicatorOptions {
     std::uint32_t bitsPerSecond = 38400;  ///< speed of the boot monitor after power-up
     bool paced = false;                   ///< both directions take the time of a UART

@@ -23,6 +23,7 @@
 
 #include "simulator/Fault.hpp"
 #include "simulator/FlashMemory.hpp"
+#include "simulator/LatencyTimer.hpp"
 #include "simulator/PseudoTerminal.hpp"
 #include "simulator/RunningMode.hpp"
 #include "simulator/VirtualIndicator.hpp"
@@ -56,6 +57,9 @@ Prints "port: PATH" and serves on PATH until SIGTERM or SIGINT.
   --baud N           first speed in bit/s (default 38400)
   --pace             bytes take the time of a UART in both directions
   --think MS         time before each acknowledgement (default 0)
+  --latency MS       the line ends in a USB adapter with this latency timer: what the indicator
+                     says waits until MS after the first byte that waits, or until 62 bytes
+                     have gathered, as in the common chip (default 0: nothing waits)
   --write MS         time to write flash memory before the verdict (default 1000)
   --fault FAULT      show a fault; repeatable
   --transcript FILE  record what passes: ms since start, direction, bytes
@@ -79,6 +83,7 @@ struct UsageError : std::runtime_error {
 
 struct Options {
     IndicatorOptions indicator;
+    Micros latency = 0;
     std::optional<fs::path> save;
     std::optional<fs::path> link;
     std::optional<fs::path> transcript;
@@ -123,7 +128,7 @@ constexpr std::array<Switch, 4> kSwitches{{
 }};
 
 using Text = std::string_view;
-constexpr std::array<Setting, 8> kSettings{{
+constexpr std::array<Setting, 9> kSettings{{
     {"--image", [](Options& o, Text, Text v) { o.indicator.expected = LoadImage(v); }},
     {"--save", [](Options& o, Text, Text v) { o.save = v; }},
     {"--link", [](Options& o, Text, Text v) { o.link = v; }},
@@ -134,6 +139,8 @@ constexpr std::array<Setting, 8> kSettings{{
      }},
     {"--think", [](Options& o, Text name,
                    Text v) { o.indicator.think = Number(v, 0, name) * kMicrosPerMilli; }},
+    {"--latency",
+     [](Options& o, Text name, Text v) { o.latency = Number(v, 0, name) * kMicrosPerMilli; }},
     {"--write", [](Options& o, Text name,
                    Text v) { o.indicator.writeFlash = Number(v, 0, name) * kMicrosPerMilli; }},
     {"--fault", [](Options& o, Text, Text v) { o.indicator.faults.push_back(ParseFault(v)); }},
@@ -231,7 +238,8 @@ public:
     explicit Server(Options options)
         : mOptions(std::move(options)),
           mTranscript(mOptions.transcript),
-          mIndicator(mOptions.indicator) {
+          mIndicator(mOptions.indicator),
+          mAdapter(mOptions.latency) {
         if (mOptions.link) mLink.emplace(*mOptions.link, mTerminal.Path());
     }
 
@@ -256,6 +264,7 @@ private:
     PseudoTerminal mTerminal;
     std::optional<Link> mLink;
     VirtualIndicator mIndicator;
+    LatencyTimer mAdapter;
     std::chrono::steady_clock::time_point mStart = std::chrono::steady_clock::now();
     bool mHostOpen = false;
     LineSettings mHostLine;
@@ -312,6 +321,7 @@ void Server::NoteClose() {
     if (!std::exchange(mHostOpen, false)) return;
     const Micros now = Now();
     mIndicator.HostClosed(now);
+    mAdapter.Clear();
     mTranscript.Add(now, "-", "host closed");
     mTranscript.Flush();
 }
@@ -330,7 +340,7 @@ void Server::NoteLine() {
 
 void Server::Speak() {
     const Micros now = Now();
-    const std::string bytes = mIndicator.Transmit(now);
+    const std::string bytes = mAdapter.Pass(mIndicator.Transmit(now), now);
     if (bytes.empty()) return;
     mTerminal.Write(bytes);
     mTranscript.Add(now, "<", bytes);
@@ -348,7 +358,9 @@ void Server::Report() {
 
 void Server::Pause() {
     const Micros now = Now();
-    const std::optional<Micros> due = mIndicator.NextDue();
+    std::optional<Micros> due = mIndicator.NextDue();
+    if (const std::optional<Micros> held = mAdapter.NextDue())
+        due = due ? std::min(*due, *held) : held;
     const bool dueSoon = due && *due - now <= kSpin;
     // Unpaced there is nothing to be exact about, and a sleeping server leaves the processor to
     // the system's carrying of the bytes.

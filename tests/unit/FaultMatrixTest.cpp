@@ -1,5 +1,5 @@
 // Every fault in every phase of a session, and a random walk through several at once. What is
-// looked at stands in bench/reliability: the report fits the bytes received, the limits hold,
+// looked at stands in rehearsal: the report fits the bytes received, the limits hold,
 // success means success, and the window can go on.
 #include <gtest/gtest.h>
 

@@ -29,6 +29,10 @@ public:
     void Show(ShowMode, NativeWindow) override {}
     void FormChanged(Property) override {}
     void ControlChanged(const Control& control, Property property) override {
+        // The dialogue before the first line has no progress, but it can last a minute.
+        if (&control == &mWindow.cmdFlashAbort && property == Property::Enabled &&
+            control.Enabled() && !mProgress.Running())
+            mTerminal.Write(mWindow.lblStatus.Caption() + "\n");
         // The session sets the bar last of what a line changes. It clears the line's text
         // before it sets the bar back at the end, which is no progress.
         if (&control == &mWindow.pbarStatus && property == Property::Value &&

@@ -21,6 +21,9 @@ public:
     /// Shows `percent` (0 to 100) with the session's own texts for the line and the time.
     void Show(int percent, const std::string& status, const std::string& elapsed);
 
+    /// True from the first `Show` to `Finish`.
+    bool Running() const { return mRunning; }
+
     /// Ends the line, so that other text can follow. The next `Show` goes on in a new one.
     void Break();
     /// Likewise, and the progress is over: the next `Show` begins another.

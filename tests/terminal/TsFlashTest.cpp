@@ -178,7 +178,7 @@ TEST_F(OverATerminal, AnAdapterThatVanishesIsToldOnceAndTheNextAttemptWorksWhenI
         const char* out;
         const char* err;
     } kRows[] = {{"no-trav=silent", "Initializing", 4, kNoMonitor, ""},
-                 {"silent@6", "Line 6 of 40", 1, "", kFailure},
+                 {"silent@5", "Line 4 of 40", 1, "", kFailure},
                  {"no-verdict", "Updating Indicator", 1, "", kFailure}};
     const std::string device = folder / "adapter";
     for (const auto& [fault, stage, status, out, err] : kRows) {

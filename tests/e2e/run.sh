@@ -1,6 +1,6 @@
 #!/bin/sh
 # Runs tsupdate.exe under Wine as its users do, against the virtual indicator.
-#   run.sh                   all tests, in English and in Spanish
+#   run.sh                   all tests, in English and in Spanish, some at 192 dots per inch
 #   run.sh NAME              the tests whose names match (a filter of GoogleTest)
 #   run.sh --monkey SECONDS  random clicks, keys and close requests; E2E_SEED=N repeats a run
 # Needs build/windows and build/native. Of a failed test a picture and what passed over the line
@@ -18,6 +18,9 @@ case ${1:-} in
 '')
     run C.UTF-8 '-Monkey.*:Spanish*'
     run es_ES.UTF-8 'Spanish*'
+    # By the keyboard alone where everything is twice as large.
+    use_desktop 1900x1260 192
+    run C.UTF-8 '*Keyboard*:Options.*'
     ;;
 Spanish*) run es_ES.UTF-8 "$1" ;;
 *) run C.UTF-8 "$1" ;;

@@ -87,13 +87,16 @@ double Receive(const std::string& text, const std::string& capture) {
                       .codePage = stage.codePage,
                       .dialogs = stage.dialogs,
                       .files = files,
+                      .versions = stage.versions,
                       .folders = stage.folders,
                       .boxes = stage.boxes,
                       .pump = pump,
                       .peers = stage.peers,
+                      .pictures = stage.pictures,
                       .process = stage.process,
                       .registry = stage.registry,
                       .ports = ports,
+                      .shell = stage.shell,
                       .strings = stage.strings};
     Desktop desktop(stage.peers, pump);
     const auto window = std::make_shared<Window>(desktop, platform);

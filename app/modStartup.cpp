@@ -43,8 +43,9 @@ bool modStartup::Main() {
 
 void modStartup::ShowHelp(NativeWindow owner) {
     Trapped("modStartup.ShowHelp", [&] {
-        // Neither a box nor another program's start is to come between a line and its answer.
-        if (mMain->Flags().mblnFlashing) return;
+        // Neither a box nor another program's start is to come between a line and its answer, so
+        // this is one of the commands that wait for the end of an update.
+        if (!mMain->cmdFlash.Enabled()) return;
         std::int32_t complaint = 0;
         if (!mPlatform.files.Exists(mHelpFile))
             complaint = 1017;

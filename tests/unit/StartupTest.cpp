@@ -72,11 +72,10 @@ TEST_F(StartupTest, TheHelpKeyOpensTheFileOrSaysWhyNotAndDoesNotDisturbAnUpdate)
     window.HelpWanted();
     EXPECT_EQ(Told(mPlatform), complaint(1016));
 
-    window.Flags().mblnFlashing = true;
+    window.EnableButtons(false);
     window.HelpWanted();
     EXPECT_EQ(mPlatform.shell.asked.size(), 2u);
     EXPECT_EQ(mPlatform.boxes.shown.size(), 1u);
-    window.Flags().mblnFlashing = false;
 }
 
 TEST_F(StartupTest, ABrokenSettingIsReportedOnceAndTheDefaultsAreUsed) {

@@ -9,8 +9,12 @@ constexpr DWORD kClient = static_cast<DWORD>(OBJID_CLIENT);
 
 }  // namespace
 
+Win32SpokenNames::Win32SpokenNames()
+    : mPrepared(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
+
 Win32SpokenNames::~Win32SpokenNames() {
     if (mService != nullptr) mService->Release();
+    if (mPrepared) CoUninitialize();
 }
 
 void Win32SpokenNames::Set(HWND window, const std::wstring& name) {

@@ -16,11 +16,13 @@ public:
     virtual ~MessagePump() = default;
 
     /// Dispatches everything that is pending and returns; never waits
-    /// (Windows: PeekMessage until the queue is empty).
+    /// (Windows: PeekMessage until the queue is empty). No timer fires before the input that had
+    /// arrived when it was due is delivered.
     virtual void PumpPending() = 0;
 
-    /// For loops that wait by pumping: gives the processor up until a serial line has input, at
-    /// most 10 ms. Returns at once where that cannot be waited for.
+    /// For loops that wait by pumping and have read what there was: gives the processor up until
+    /// a serial line has more, at most 10 ms. Returns at once where that cannot be waited for. Its
+    /// return says nothing; only the port tells whether there is input.
     virtual void AwaitInput() {}
 
     /// Dispatches until `Quit` is called, sleeping while there is nothing to do.

@@ -6,8 +6,12 @@
 namespace vantor {
 
 void PolledPump::PumpPending() {
-    if (!mTimers.empty()) FireDueTimers();
+    // The clock is read before the sources are polled and the timers fire after them: whatever
+    // stops the process in between, no timer fires before the bytes that had arrived when it was
+    // due are seen.
+    const std::uint32_t now = mClock.Milliseconds();
     if (!mSources.empty()) PollSources();
+    if (!mTimers.empty()) FireDueTimers(now);
 }
 
 void PolledPump::Run() {
@@ -46,16 +50,21 @@ void PolledPump::RemoveSource(SourceId id) {
     mSources.erase(id);
 }
 
+// A nested pump may have started or restarted the timer after `now`.
+bool PolledPump::RunningTimer::IsDue(std::uint32_t now) const {
+    const auto age = static_cast<std::int32_t>(now - startedAt);
+    return age >= 0 && static_cast<std::uint32_t>(age) >= intervalMs;
+}
+
 // Callbacks may change both tables, so each pass works from the identifiers it began with and
 // looks every one of them up again.
-void PolledPump::FireDueTimers() {
-    const std::uint32_t now = mClock.Milliseconds();
+void PolledPump::FireDueTimers(std::uint32_t now) {
     std::vector<TimerId> due;
     for (const auto& [id, timer] : mTimers)
-        if (now - timer.startedAt >= timer.intervalMs) due.push_back(id);
+        if (timer.IsDue(now)) due.push_back(id);
     for (const TimerId id : due) {
         const auto found = mTimers.find(id);
-        if (found == mTimers.end()) continue;
+        if (found == mTimers.end() || !found->second.IsDue(now)) continue;
         found->second.startedAt = now;
         const std::function<void()> tick = found->second.tick;
         tick();

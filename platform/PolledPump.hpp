@@ -39,9 +39,11 @@ private:
         std::uint32_t intervalMs;
         std::uint32_t startedAt;
         std::function<void()> tick;
+
+        bool IsDue(std::uint32_t now) const;
     };
 
-    void FireDueTimers();
+    void FireDueTimers(std::uint32_t now);
     void PollSources();
 
     Clock& mClock;

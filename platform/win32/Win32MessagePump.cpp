@@ -159,6 +159,9 @@ void Win32MessagePump::Tick(UINT_PTR id) {
             SetSystemTimer(kPollTimer, idle ? kIdlePollIntervalMs : kPollIntervalMs);
         return;
     }
+    // The system may deliver the tick before a poll: after the process was stopped, or in the
+    // loop of a box or menu. A source may stop the timer.
+    PollSources();
     const auto found = mTimers.find(static_cast<TimerId>(id));
     if (found == mTimers.end()) return;
     const std::function<void()> tick = found->second;  // it may stop its own timer

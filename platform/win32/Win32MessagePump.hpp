@@ -31,9 +31,9 @@ public:
     void StopTimer(TimerId id) override;
 
     /// Calls `poll` at every `PumpPending`, every 10 ms or so in all other loops of this thread
-    /// (every 200 ms once nothing has happened for a second), and soon after each `WakeUp`, until
-    /// removed. A source may add and remove sources and
-    /// timers, itself included, and may pump.
+    /// (every 200 ms once nothing has happened for a second), before each tick of a timer, and
+    /// soon after each `WakeUp`, until removed. A source may add and remove sources and timers,
+    /// itself included, and may pump.
     SourceId AddSource(std::function<void()> poll);
     void RemoveSource(SourceId id);
 

@@ -92,6 +92,17 @@ TEST_F(Pump, AStoppedTimerSwallowsTheTickThatIsInTheQueue) {
     EXPECT_EQ(ticks, 1);
 }
 
+TEST_F(Pump, InputIsSeenBeforeATickThatIsInTheQueueAndMayStopItsTimer) {
+    const HWND hidden = FindWindowExW(HWND_MESSAGE, nullptr, L"VantorMessagePump", nullptr);
+    int ticks = 0;
+    const TimerId timer = queue.StartTimer(3'600'000, [&] { ++ticks; });
+    const auto source = queue.AddSource([&] { queue.StopTimer(timer); });
+    PostMessageW(hidden, WM_TIMER, timer, 0);
+    queue.PumpPending();
+    queue.RemoveSource(source);
+    EXPECT_EQ(ticks, 0);
+}
+
 TEST_F(Pump, QuitInsideAModalWindowEndsItsLoopAndTheOneAround) {
     bool entered = false;
     bool quit = false;

@@ -9,7 +9,6 @@
 
 #include <array>
 #include <cerrno>
-#include <chrono>
 #include <utility>
 
 #include "support/RuntimeError.hpp"
@@ -131,15 +130,11 @@ void PosixSerialPort::RaiseModemLines() const {
     if (errno != ENOTTY && errno != EINVAL) RaiseOpenError(errno);
 }
 
-/// One system call both looks and takes, since this is asked in wait loops. A device that has
+/// One system call both counts and takes, since wait loops call this. A device that has
 /// gone shows as an end of the file or an error, once everything that it sent has been read.
 void PosixSerialPort::TakeInput() {
     constexpr std::size_t kQueue = 4096;  // as the driver: what is not read for long stays there
-    // A wait loop asks again within a microsecond; less than a character arrives in this time.
-    constexpr std::chrono::microseconds kStillTrue(20);
-    const auto now = std::chrono::steady_clock::now();
-    if (mGone || mInput.size() >= kQueue || now - mLookedAt < kStillTrue) return;
-    mLookedAt = now;
+    if (mGone || mInput.size() >= kQueue) return;
     std::array<char, kQueue> chunk;
     const ssize_t count =
         Uninterrupted([&] { return read(mDevice.Get(), chunk.data(), kQueue - mInput.size()); });
@@ -153,7 +148,7 @@ void PosixSerialPort::RaiseGone() {
 }
 
 std::size_t PosixSerialPort::Read(std::span<char> into) {
-    if (mInput.empty() && InputCount() == 0) return 0;
+    if (InputCount() == 0) return 0;
     const std::size_t count = mInput.copy(into.data(), into.size());
     mInput.erase(0, count);
     return count;
@@ -186,7 +181,6 @@ std::size_t PosixSerialPort::OutputCount() {
 
 void PosixSerialPort::DiscardInput() {
     mInput.clear();
-    mLookedAt = {};
     TakeInput();
     if (mGone || (!mInput.empty() && tcflush(mDevice.Get(), TCIFLUSH) != 0)) RaiseGone();
     mInput.clear();

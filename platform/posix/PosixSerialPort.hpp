@@ -2,7 +2,6 @@
 // its business.
 #pragma once
 
-#include <chrono>
 #include <functional>
 #include <string>
 
@@ -43,7 +42,6 @@ private:
     std::function<void()> mNotify;
     SourceId mSource = 0;
     std::string mInput;  // what was read from the device but not yet by our user
-    std::chrono::steady_clock::time_point mLookedAt;
     bool mGone = false;
 };
 

@@ -124,6 +124,22 @@ TEST_F(InFolder, TheSecondInstanceOfATitleIsTold) {
     unsetenv("XDG_RUNTIME_DIR");
 }
 
+// The driver delivers when it is asked, so what the other side has written is there at once.
+TEST_F(InFolder, InputIsCountedAndReadHoweverShortlyAfterTheLastCount) {
+    const PosixHandle master(posix_openpt(O_RDWR | O_NOCTTY));
+    ASSERT_EQ(grantpt(master.Get()) + unlockpt(master.Get()), 0);
+    PosixSerialPorts ports(pump, {{"COM5", ptsname(master.Get())}});
+    const auto port = ports.Open("COM5", {});
+    std::array<char, 8> bytes{};
+    for (int i = 0; i < 100; ++i) {
+        ASSERT_EQ(port->InputCount(), 0u);
+        ASSERT_EQ(write(master.Get(), "OK", 2), 2);
+        ASSERT_EQ(port->InputCount(), 2u) << i;
+        ASSERT_EQ(write(master.Get(), "\r\n", 2), 2);
+        ASSERT_EQ(port->Read(bytes), 4u) << i;
+    }
+}
+
 TEST_F(InFolder, AClosedPortIsNotMarkedAsTakenWhileOthersHoldTheDevice) {
     const PosixHandle master(posix_openpt(O_RDWR | O_NOCTTY));
     ASSERT_EQ(grantpt(master.Get()) + unlockpt(master.Get()), 0);

@@ -3,8 +3,9 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 
-#include "platform/win32/Win32Handle.hpp"
+#include "platform/win32/Win32Request.hpp"
 
 namespace vantor {
 
@@ -28,12 +29,10 @@ private:
 
     HANDLE mDevice;
     std::function<void()> mArrived;
-    Win32Handle mEvent;
+    std::unique_ptr<Win32Request> mWait;
     HANDLE mRegistration = nullptr;
-    OVERLAPPED mWait{};
     ULONGLONG mArmedAt = 0;
     bool mUsable = false;
-    DWORD mEvents = 0;  // written by the system when the wait ends
 };
 
 }  // namespace vantor

@@ -39,10 +39,10 @@ Win32Handle OpenDevice(const std::wstring& name) {
     return device;
 }
 
-Win32Handle Event() {
-    Win32Handle event(CreateEventW(nullptr, TRUE, FALSE, nullptr));
-    if (!event.IsOpen()) throw RuntimeError(ErrorNumber::OutOfMemory);
-    return event;
+std::unique_ptr<Win32Request> Transfer() {
+    auto request = std::make_unique<Win32Request>(false);
+    if (!request->done.IsOpen()) throw RuntimeError(ErrorNumber::OutOfMemory);
+    return request;
 }
 
 BYTE ParityCode(Parity parity) {
@@ -80,8 +80,8 @@ Win32SerialPort::Win32SerialPort(Win32MessagePump& pump, const std::wstring& nam
     : mPump(pump),
       mClaim(Claim(name)),
       mDevice(OpenDevice(name)),
-      mReadDone(Event()),
-      mWriteDone(Event()),
+      mRead(Transfer()),
+      mWrite(Transfer()),
       mBitsPerCharacter(BitsPerCharacter(line)),
       mBitsPerSecond(line.bitsPerSecond) {
     SetLine(line);
@@ -137,31 +137,32 @@ void Win32SerialPort::RaiseGone() {
 }
 
 // Only what has been counted is asked for: an empty queue makes some systems hold the read until
-// bytes come, whatever the timeouts say.
+// bytes come, whatever the timeouts say. The driver reads into the request's own memory, because a
+// request that it never ends must not leave it with the caller's.
 std::size_t Win32SerialPort::Read(std::span<char> into) {
     const std::size_t count = std::min(InputCount(), into.size());
     if (count == 0) return 0;
-    OVERLAPPED read{};
-    read.hEvent = mReadDone.Get();
+    constexpr DWORD kReadMs = 1000;  // what has been counted is there
+    mRead->bytes.resize(count);
     DWORD got = 0;
-    if (ReadFile(mDevice.Get(), into.data(), static_cast<DWORD>(count), &got, &read) != 0)
-        return got;
-    if (GetLastError() != ERROR_IO_PENDING ||
-        GetOverlappedResult(mDevice.Get(), &read, &got, TRUE) == 0)
+    const bool read = ReadFile(mDevice.Get(), mRead->bytes.data(), static_cast<DWORD>(count), &got,
+                               mRead->Fresh()) != 0;
+    if (!read &&
+        (GetLastError() != ERROR_IO_PENDING || !EndRequest(mDevice.Get(), mRead, kReadMs) ||
+         GetOverlappedResult(mDevice.Get(), &mRead->overlapped, &got, FALSE) == 0))
         RaiseGone();
-    return got;
+    return mRead->bytes.copy(into.data(), got);
 }
 
 std::size_t Win32SerialPort::Write(std::string_view bytes) {
     if (mGone) RaiseGone();
     if (bytes.empty() || WriteIsPending()) return 0;
     mPump.Attend();  // to the answer
-    mOutgoing.assign(bytes.substr(0, kMostBytesAtOnce));
-    mWrite = {};
-    mWrite.hEvent = mWriteDone.Get();
+    mWrite->bytes.assign(bytes.substr(0, kMostBytesAtOnce));
     DWORD count = 0;
-    const auto size = static_cast<DWORD>(mOutgoing.size());
-    if (WriteFile(mDevice.Get(), mOutgoing.data(), size, &count, &mWrite) != 0) return count;
+    const auto size = static_cast<DWORD>(mWrite->bytes.size());
+    if (WriteFile(mDevice.Get(), mWrite->bytes.data(), size, &count, mWrite->Fresh()) != 0)
+        return count;
     if (GetLastError() != ERROR_IO_PENDING) RaiseGone();
     mWriting = true;
     return size;
@@ -169,24 +170,20 @@ std::size_t Win32SerialPort::Write(std::string_view bytes) {
 
 bool Win32SerialPort::WriteIsPending() {
     if (!mWriting) return false;
-    if (!HasOverlappedIoCompleted(&mWrite)) return true;
+    if (!mWrite->HasEnded()) return true;
     mWriting = false;
     DWORD count = 0;
     // Without timeouts a write ends when all its bytes are gone, or the device is.
-    if (GetOverlappedResult(mDevice.Get(), &mWrite, &count, FALSE) == 0) RaiseGone();
+    if (GetOverlappedResult(mDevice.Get(), &mWrite->overlapped, &count, FALSE) == 0) RaiseGone();
     return false;
 }
 
-// The driver works from our memory, so the write must have ended before that goes.
 void Win32SerialPort::EndWrite() {
     constexpr std::uint64_t kSlackMs = 100;
     constexpr std::uint64_t kMostMs = 500;
-    const std::uint64_t bits = std::uint64_t{mOutgoing.size()} * mBitsPerCharacter;
+    const std::uint64_t bits = std::uint64_t{mWrite->bytes.size()} * mBitsPerCharacter;
     const std::uint64_t ms = std::min(bits * 1000 / mBitsPerSecond + kSlackMs, kMostMs);
-    DWORD count = 0;
-    if (WaitForSingleObject(mWriteDone.Get(), static_cast<DWORD>(ms)) != WAIT_OBJECT_0)
-        static_cast<void>(CancelIoEx(mDevice.Get(), &mWrite));
-    static_cast<void>(GetOverlappedResult(mDevice.Get(), &mWrite, &count, TRUE));
+    static_cast<void>(EndRequest(mDevice.Get(), mWrite, static_cast<DWORD>(ms)));
 }
 
 std::size_t Win32SerialPort::InputCount() {

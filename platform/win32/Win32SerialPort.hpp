@@ -9,11 +9,13 @@
 #include "platform/win32/Win32Handle.hpp"
 #include "platform/win32/Win32InputWatch.hpp"
 #include "platform/win32/Win32MessagePump.hpp"
+#include "platform/win32/Win32Request.hpp"
 
 namespace vantor {
 
 /// One write is under way at a time; until it has ended `Write` accepts nothing. Closing waits
-/// for it as long as its bytes take on the line: the system would throw away the rest.
+/// for it as long as its bytes take on the line: the system would throw away the rest. A driver
+/// that does not end a cancelled request loses the port, within some seconds.
 class Win32SerialPort : public SerialPort {
 public:
     /// Opens the port `name` ("COM3"). `pump` must outlive the port. Raises 68, 70 or 5 as
@@ -43,10 +45,8 @@ private:
     Win32MessagePump& mPump;
     Win32Handle mClaim;
     Win32Handle mDevice;
-    Win32Handle mReadDone;
-    Win32Handle mWriteDone;
-    std::string mOutgoing;  // the driver's until the write has ended
-    OVERLAPPED mWrite{};
+    std::unique_ptr<Win32Request> mRead;
+    std::unique_ptr<Win32Request> mWrite;
     bool mWriting = false;
     unsigned mBitsPerCharacter;
     std::uint32_t mBitsPerSecond;

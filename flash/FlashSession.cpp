@@ -121,8 +121,7 @@ void FlashSession::Dialogue(const std::string& fileName, CHourglass& hourglass) 
     mControls.lblStatus.Caption(Text(708));
     mControls.cmdFlashAbort.Enabled(true);
     if (!Handshake(hourglass)) return;
-    Stream(fileName, stopwatch);
-    if (mOutcome == FlashOutcome::AwaitingVerdict) ArmFinalPhase();
+    if (Stream(fileName, stopwatch)) ArmFinalPhase(hourglass);
 }
 
 bool FlashSession::Confirmed() {
@@ -156,7 +155,7 @@ bool FlashSession::Handshake(CHourglass& hourglass) {
         return false;
     }
     // A monitor that cannot change its speed is flashed at the configured one.
-    if (Command("BAUD 115200") == SendResult::SendOK) SpeedUp();
+    if (Command("BAUD 115200") == SendResult::SendOK && !mHost.Window().Gone()) SpeedUp();
     if (Command("SYSLOAD") != SendResult::SendOK) {
         hourglass.Value(false);
         mOutcome = FlashOutcome::SystemLoadRefused;
@@ -180,7 +179,7 @@ SendResult FlashSession::Command(std::string_view command) {
     return result;
 }
 
-void FlashSession::Stream(const std::string& fileName, const CMMTimer& stopwatch) {
+bool FlashSession::Stream(const std::string& fileName, const CMMTimer& stopwatch) {
     const ImageLines lines = FileToStringArray(fileName, mPlatform.files);
     mFlags.mblnFlashing = true;
     const auto last = static_cast<std::int32_t>(lines.UBound());
@@ -189,18 +188,19 @@ void FlashSession::Stream(const std::string& fileName, const CMMTimer& stopwatch
         if (!TrimBlanks(line).empty()) {
             ShowProgress(i, last, stopwatch);
             const Line sent = SendLine(line);
-            if (sent == Line::EndWanted) return;
+            if (sent == Line::EndWanted) return false;
             if (sent == Line::Refused) {
                 mLastAccepted = false;
                 mOutcome = FlashOutcome::LineRefused;
                 Say(BoxIcon::Exclamation, Text(1009), Text(1010));
-                return;
+                return false;
             }
         }
         // Lets the abort button and a close request through.
         mPlatform.pump.PumpPending();
     }
-    mOutcome = mLastAccepted ? FlashOutcome::AwaitingVerdict : FlashOutcome::NothingAccepted;
+    if (!mLastAccepted) mOutcome = FlashOutcome::NothingAccepted;
+    return mLastAccepted;
 }
 
 FlashSession::Line FlashSession::SendLine(std::string_view line) {
@@ -241,7 +241,9 @@ void FlashSession::ScalePercentLong(std::int32_t value, std::int32_t total, std:
     });
 }
 
-void FlashSession::ArmFinalPhase() {
+void FlashSession::ArmFinalPhase(CHourglass& hourglass) {
+    // The verdict may be waiting already: its box then shows from within this function.
+    hourglass.Value(false);
     mControls.lblWarning.Caption("");
     mstrReply.clear();
     mStatus = std::make_shared<frmStatus>(mHost.Window().GetDesktop(), mPlatform.strings);
@@ -250,7 +252,11 @@ void FlashSession::ArmFinalPhase() {
     mStatus->Message(Text(723));
     mStatus->Show(ShowMode::Modeless, &mHost.Window());
     mControls.mobjComm.ReceiveThreshold(1);
+    if (!mFlags.mblnFlashing) return;
     mControls.tmrFlashTimeout.Enabled(true);
+    // Last, because only what has been armed completely can end the session: after an error above
+    // nothing would ever clear mblnFlashing, and the window could not be closed.
+    mOutcome = FlashOutcome::AwaitingVerdict;
 }
 
 void FlashSession::EndStreaming() {

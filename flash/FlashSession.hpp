@@ -65,11 +65,12 @@ private:
     bool Handshake(CHourglass& hourglass);
     void SpeedUp();
     SendResult Command(std::string_view command);
-    void Stream(const std::string& fileName, const CMMTimer& stopwatch);
+    /// True when all lines are through and the indicator owes a verdict.
+    bool Stream(const std::string& fileName, const CMMTimer& stopwatch);
     Line SendLine(std::string_view line);
     void ShowProgress(std::int32_t index, std::int32_t last, const CMMTimer& stopwatch);
     void ScalePercentLong(std::int32_t value, std::int32_t total, std::int16_t& percent);
-    void ArmFinalPhase();
+    void ArmFinalPhase(CHourglass& hourglass);
     void EndStreaming();
 
     void cmdFlashAbort_Click();

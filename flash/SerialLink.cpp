@@ -70,7 +70,8 @@ void SerialLink::SendData(std::string& text, bool paced, SendResult& result) {
         [&] {
             if (text.ends_with("\r\n")) text.pop_back();
             if (!text.ends_with('\r')) text += '\r';
-            if (!mComm.PortOpen()) return;
+            // A command sent after the end is wanted would only leave the indicator half-way.
+            if (!mComm.PortOpen() || EndWanted()) return;
             const std::int32_t start = mClock.Ticks();
             if (paced)
                 DelayedSend(text);

@@ -51,8 +51,9 @@ public:
     void DelayedSend(std::string_view text);
 
     /// Sends `text` and waits for the reply, pumping messages. `text` is changed in place: a
-    /// CR LF at its end becomes CR, and a CR is added when there is none. `result` is SendOK
-    /// only when the reply said so, whatever went wrong. The input buffer is empty afterwards.
+    /// CR LF at its end becomes CR, and a CR is added when there is none. Once the end is wanted
+    /// nothing is sent, which fails. `result` is SendOK only when the reply said so, whatever went
+    /// wrong. The input buffer is empty afterwards.
     void SendData(std::string& text, bool paced, SendResult& result);
 
     /// True when the user wants the session to end, or its window has gone.

@@ -285,8 +285,9 @@ private:
                 mWindow->cmdFlashAbort.Press();
             const FlashFlags& flags = mWindow->Flags();
             const bool streaming = mWindow->Session().Outcome() == FlashOutcome::None;
-            mEndWanted |=
-                streaming && (flags.mblnAbortFlash || flags.mblnCloseRequested || mWindow->Gone());
+            if (mEndWanted || !streaming) return;
+            mEndWanted = flags.mblnAbortFlash || flags.mblnCloseRequested || mWindow->Gone();
+            mSentBeforeEnd = mTap->exchanges.size();
         });
         mActs.push_back(*timer);
     }
@@ -302,6 +303,9 @@ private:
     void CheckReport(const Verdict& verdict) {
         Due due = Judge(*mTap, mEndWanted).Decide();
         if (!due.wrongSend.empty()) Violated(due.wrongSend);
+        if (mEndWanted && mTap->exchanges.size() > mSentBeforeEnd)
+            Violated("sent \"" + mTap->exchanges[mSentBeforeEnd].sent +
+                     "\" after the end was wanted");
         if (verdict.outcome != due.outcome)
             Violated("outcome " + OutcomeName(verdict.outcome) + ", due was " +
                      OutcomeName(due.outcome));
@@ -375,6 +379,7 @@ private:
     std::vector<TimerId> mActs;
     std::int32_t mArmedAt = 0;
     bool mEndWanted = false;
+    std::size_t mSentBeforeEnd = 0;
     std::string mViolation;
 };
 

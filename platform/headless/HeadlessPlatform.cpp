@@ -1,7 +1,6 @@
 #include "platform/headless/HeadlessPlatform.hpp"
 
 #include "controls/Form.hpp"
-#include "support/RuntimeError.hpp"
 
 namespace vantor {
 namespace {
@@ -72,6 +71,7 @@ std::string HeadlessProcess::ExecutablePath() const {
 }
 
 std::unique_ptr<FormPeer> HeadlessPeers::Draw(Form& form) {
+    if (refuse) throw RuntimeError(ErrorNumber::OutOfMemory);
     return std::make_unique<HeadlessPeer>(*this, form);
 }
 

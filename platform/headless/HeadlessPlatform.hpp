@@ -8,6 +8,7 @@
 #include <memory>
 #include <optional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "platform/Clipboard.hpp"
@@ -27,6 +28,7 @@
 #include "platform/VersionResources.hpp"
 #include "platform/headless/HeadlessFiles.hpp"
 #include "platform/headless/HeadlessSerial.hpp"
+#include "support/RuntimeError.hpp"
 
 namespace vantor {
 
@@ -51,7 +53,13 @@ public:
         PolledPump::PumpPending();
     }
 
+    TimerId StartTimer(std::uint32_t intervalMs, std::function<void()> tick) override {
+        if (refuse) throw RuntimeError(ErrorNumber::OutOfMemory);
+        return PolledPump::StartTimer(intervalMs, std::move(tick));
+    }
+
     std::uint64_t pumps = 0;
+    bool refuse = false;  ///< no timer can be made
 
 protected:
     void Rest() override {}  // each pump has moved the clock already
@@ -104,6 +112,7 @@ public:
 /// Draws nothing; remembers what was shown.
 class HeadlessPeers : public Peers {
 public:
+    /// Raises RuntimeError 7 while `refuse` is set.
     std::unique_ptr<FormPeer> Draw(Form& form) override;
     Size ScreenSize() const override { return {28800, 16200}; }  // 1920 by 1080 at 96 dpi
     void SetMousePointer(MousePointer shape) override { pointer = shape; }
@@ -116,6 +125,7 @@ public:
     std::string held;             ///< why the system is held; empty when it is not
     MousePointer pointer = MousePointer::Default;
     std::vector<std::string> open;  ///< names of the forms that have a peer now
+    bool refuse = false;            ///< no window can be made
     /// Told of every change of a control's property.
     std::function<void(const Control&, Property)> onChange;
 };

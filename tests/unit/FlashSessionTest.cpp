@@ -76,11 +76,11 @@ TEST_F(SessionFixture, LinesAreNumberedFromZeroAndTheLastElevenCannotBeAborted) 
     std::string warningAt;
     headless.peers.onChange = [&](const Control& control, Property what) {
         if (what != Property::Caption || &control != &window->lblWarning) return;
-        if (!control.Caption().empty()) warningAt = window->lblStatus.Caption();
-        if (window->Flags().mblnFlashing && window->Session().Outcome() == None)
+        if (window->Flags().mblnFlashing && warningAt.empty())
             seen.push_back(window->lblStatus.Caption() + ", " +
                            std::to_string(window->pbarStatus.Value()) + " %" +
                            (window->cmdFlashAbort.Enabled() ? ", abort" : ""));
+        if (!control.Caption().empty()) warningAt = window->lblStatus.Caption();
     };
     Connect(ImageOf(30));
     Flash();
@@ -120,6 +120,55 @@ TEST_F(SessionFixture, AnAbortDuringTheHandshakeShowsTheCommandsOwnMessageTooAnd
     EXPECT_TRUE(window->Gone());
     EXPECT_FALSE(headless.ports.IsOpen("COM1"));
     EXPECT_LT(headless.clock.Ticks() - start, 600);
+}
+
+// --- the final phase -------------------------------------------------------------------------
+
+TEST_F(SessionFixture, AFinalPhaseThatCannotBeArmedIsReportedAndEndsTheSession) {
+    for (bool* const refuse : {&headless.peers.refuse, &headless.pump.refuse}) {
+        Connect(ImageOf(30));
+        WhenStatusIs("Line 30 of 30", [refuse] { *refuse = true; });
+        const TimerId hung = headless.pump.StartTimer(120000, [&] {
+            ADD_FAILURE() << "does not end";
+            window->Flags().mblnFlashing = false;
+        });
+        Flash();
+        *refuse = false;
+        headless.pump.StopTimer(hung);
+        ExpectAtRest();
+    }
+    const std::string report = ReportBox("frmMain.FlashIndicator", "(7) Out of memory");
+    EXPECT_THAT(Boxes(), ElementsAre(report, report));
+}
+
+TEST_F(SessionFixture, AVerdictThatWaitsAlreadyShowsWithoutTheWaitCursorAndStartsNoTimer) {
+    Connect(ImageOf(30));
+    WhenStatusIs("Updating Indicator", [&] { headless.clock.Sleep(2000); });
+    auto pointer = MousePointer::Hourglass;
+    headless.boxes.whileOpen = [&](const auto&) { pointer = headless.peers.pointer; };
+    window->Session().FlashIndicator(kPath);
+    EXPECT_THAT(Boxes(), ElementsAre(kDone));
+    EXPECT_EQ(pointer, MousePointer::Default);
+    EXPECT_FALSE(window->tmrFlashTimeout.Enabled());
+    EXPECT_EQ(window->Session().Outcome(), Done);
+}
+
+TEST_F(SessionFixture, AProcessStoppedAtAnyPointFindsTheVerdictBeforeItsTimeIsUp) {
+    Connect(ImageOf(30));
+    WhenStatusIs("Updating Indicator", [&] {
+        const auto stop = std::make_shared<SourceId>();
+        const TimerId timer = headless.pump.StartTimer(10, [&, stop] {
+            // Polled behind the port: the process stops between that and the look at the timers.
+            if (*stop == 0)
+                *stop = headless.pump.AddSource([&, stop] {
+                    headless.pump.RemoveSource(*stop);
+                    headless.clock.Sleep(70000);
+                });
+        });
+        headless.pump.StartTimer(20, [&, timer] { headless.pump.StopTimer(timer); });
+    });
+    Flash();
+    EXPECT_THAT(Boxes(), ElementsAre(kDone));
 }
 
 // --- images that are odd ---------------------------------------------------------------------

@@ -66,11 +66,11 @@ protected:
         window->cmdFlash.Press();
     }
 
-    /// Runs `action` once, when the session shows `status`.
+    /// Runs `action` once, when a label shows `status`, "Updating Indicator" of the status window
+    /// included.
     void WhenStatusIs(const std::string& status, std::function<void()> action) {
         headless.peers.onChange = [this, status, action](const Control& control, Property what) {
-            if (&control != &window->lblStatus || what != Property::Caption) return;
-            if (control.Caption() != status) return;
+            if (what != Property::Caption || control.Caption() != status) return;
             headless.peers.onChange = {};
             action();
         };

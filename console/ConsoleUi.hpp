@@ -82,7 +82,7 @@ public:
 
     std::unique_ptr<FormPeer> Draw(Form& form) override;
     Size ScreenSize() const override { return {}; }
-    void HoldSystem(const std::string&) override {}
+    void HoldSystem(const std::string& reason) override { mTerminal.HoldSystem(reason); }
     void SetMousePointer(MousePointer) override {}  // a terminal has none
 
 private:

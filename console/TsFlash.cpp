@@ -10,6 +10,7 @@
 #include "app/base/CErrHandler.hpp"
 #include "console/ConsoleUi.hpp"
 #include "console/ConsoleWindow.hpp"
+#include "console/ImageFiles.hpp"
 #include "console/Options.hpp"
 #include "console/Practice.hpp"
 #include "console/RoundTrips.hpp"
@@ -44,14 +45,35 @@ std::string PortList(const SerialPorts& ports, const StringTable& strings) {
     return text.empty() ? strings.LoadResString(2045) + "\n" : text;
 }
 
-void CheckImage(const std::string& path, const Files& files, const StringTable& strings) {
+/// The image, which has a line to send.
+std::string ReadImage(const std::string& path, const Files& files, const StringTable& strings) {
     if (!files.Exists(path)) throw Refusal(strings, 2034, path);
     std::string text;
     if (!Ignoring([&] { text = files.ReadAll(path); })) throw Refusal(strings, 2035, path);
-    const ImageLines lines(std::move(text));
+    const ImageLines lines(text);
     for (std::size_t i = 0; i <= lines.UBound(); ++i)
-        if (!TrimBlanks(lines[i]).empty()) return;
+        if (!TrimBlanks(lines[i]).empty()) return text;
     throw Refusal(strings, 2036, path);
+}
+
+/// Why the port did not open, as a sentence; empty where the system does not tell.
+std::string OpenFailure(const SerialControl& comm, const StringTable& strings) {
+    const std::optional<PortOpenError>& error = comm.OpenError();
+    if (!error) return {};
+    const bool known = !error->Who().empty();
+    switch (error->Why()) {
+        case PortOpenError::Reason::NoSuchPort:
+            return Filled(strings.LoadResString(2051), error->Device());
+        case PortOpenError::Reason::NotPermitted:
+            return Filled(strings.LoadResString(known ? 2052 : 2053), error->Device(),
+                          error->Who());
+        case PortOpenError::Reason::InUse:
+            return Filled(strings.LoadResString(known ? 2054 : 2055), error->Device(),
+                          error->Who());
+        case PortOpenError::Reason::LineRefused:
+            return Filled(strings.LoadResString(2056), error->Device(), comm.Settings());
+    }
+    return {};
 }
 
 ExitStatus StatusOf(FlashOutcome outcome) {
@@ -72,12 +94,10 @@ ExitStatus StatusOf(FlashOutcome outcome) {
         case FlashOutcome::NothingAccepted:
         case FlashOutcome::AwaitingVerdict:
         case FlashOutcome::NoVerdict:
-            return ExitStatus::UpdateFailure;
-        case FlashOutcome::None:
+        case FlashOutcome::None:  // an error broke it off, and the error handler has told of it
             break;
     }
-    // The image vanished between the look at it and the stream.
-    return ExitStatus::Usage;
+    return ExitStatus::UpdateFailure;
 }
 
 /// The error handler as the sink of all traps, while this lives.
@@ -114,7 +134,7 @@ private:
 /// One flash with everything that it needs; members stand in the order of making.
 class Run {
 public:
-    Run(NativePlatform& native, const Options& options);
+    Run(NativePlatform& native, const Options& options, std::string image);
     Run(const Run&) = delete;
     Run& operator=(const Run&) = delete;
 
@@ -130,10 +150,12 @@ private:
     SerialPorts& RealPorts() { return mPractice ? mPractice->Ports() : *mNative.ports; }
     void Watch();
     void HintAtLateReplies();
+    bool CanAbort() const;
     void Interrupted();
 
     NativePlatform& mNative;
     const Options& mOptions;
+    ImageFiles mFiles;
     ProgressLine mProgress{*mNative.terminal, *mNative.clock, *mNative.strings};
     ConsoleBoxes mBoxes{*mNative.terminal, *mNative.strings, mProgress, AppInfo{}.title,
                         mOptions.yes};
@@ -158,9 +180,10 @@ private:
     std::unique_ptr<FlashSession> mSession;
 };
 
-Run::Run(NativePlatform& native, const Options& options)
+Run::Run(NativePlatform& native, const Options& options, std::string image)
     : mNative(native),
       mOptions(options),
+      mFiles(*native.files, options.image, std::move(image)),
       mPractice((LoadSettings(), MakePractice())),
       mTranscript(MakeTranscript()),
       mPump(mPractice ? mPractice->Pump() : *native.pump, [this] { Watch(); }),
@@ -168,7 +191,7 @@ Run::Run(NativePlatform& native, const Options& options)
                 .clock = *native.clock,
                 .codePage = *native.codePage,
                 .dialogs = mDialogs,
-                .files = *native.files,
+                .files = mFiles,
                 .versions = *native.versions,
                 .folders = *native.folders,
                 .boxes = mBoxes,
@@ -188,6 +211,9 @@ ExitStatus Run::Flash() {
     mSession->doFlash();
     mProgress.Finish();
     const FlashOutcome outcome = mSession->Outcome();
+    if (outcome == FlashOutcome::PortNotOpen)
+        if (const std::string why = OpenFailure(mWindow->mobjComm, *mNative.strings); !why.empty())
+            mNative.terminal->WriteError(why + "\n");
     mWindow->Unload();
     return StatusOf(outcome);
 }
@@ -218,8 +244,8 @@ void Run::Override(const std::optional<std::string>& value, const char* option,
 
 std::unique_ptr<Practice> Run::MakePractice() {
     if (!mOptions.practice) return nullptr;
-    auto practice = std::make_unique<Practice>(*mNative.clock, mSettings, mOptions.faults,
-                                               mNative.files->ReadAll(mOptions.image));
+    auto practice =
+        std::make_unique<Practice>(*mNative.clock, mSettings, mOptions.faults, mFiles.Image());
     if (!mOptions.quiet) mNative.terminal->Write(mNative.strings->LoadResString(2047) + "\n");
     return practice;
 }
@@ -259,21 +285,37 @@ void Run::HintAtLateReplies() {
         Filled(mNative.strings->LoadResString(2049), std::to_string(*latenessMs)) + "\n");
 }
 
+// The session looks at the request until its streaming has come to an end; only so long does its
+// button say whether the line at hand may still be the last. Blank lines behind that line leave
+// the button as it was.
+bool Run::CanAbort() const {
+    return mSession->Outcome() == FlashOutcome::None && mWindow->cmdFlashAbort.Enabled();
+}
+
 void Run::Interrupted() {
     mProgress.Finish();
-    const bool honoured = mWindow->cmdFlashAbort.Enabled();
+    const bool honoured = CanAbort();
     const bool inFlash = mWindow->Flags().mblnFlashing;
     mNative.terminal->WriteError(mNative.strings->LoadResString(honoured  ? 714
                                                                 : inFlash ? 2041
                                                                           : 2042) +
                                  "\n");
-    mWindow->cmdFlashAbort.Press();
+    if (honoured) mWindow->cmdFlashAbort.Press();
+}
+
+ExitStatus CheckAndFlash(NativePlatform& native, const Options& options) {
+    const StringTable& strings = *native.strings;
+    // The transcript is begun before the image is sent.
+    if (!options.log.empty() && native.files->SameFile(options.log, options.image))
+        throw Refusal(strings, 2050, options.log);
+    std::string image = ReadImage(options.image, *native.files, strings);
+    if (!options.yes && !native.terminal->InputIsTerminal()) throw Refusal(strings, 2038, {});
+    return Run(native, options, std::move(image)).Flash();
 }
 
 }  // namespace
 
 ExitStatus RunTsFlash(NativePlatform& native) {
-    ExitStatus status = ExitStatus::Usage;
     const StringTable& strings = *native.strings;
     try {
         const Options options = ParseOptions(native.process->Arguments(), strings);
@@ -288,17 +330,17 @@ ExitStatus RunTsFlash(NativePlatform& native) {
                 native.terminal->Write(PortList(*native.ports, strings));
                 break;
             case Action::Flash:
-                CheckImage(options.image, *native.files, strings);
-                if (!options.yes && !native.terminal->InputIsTerminal())
-                    throw Refusal(strings, 2038, {});
-                return Run(native, options).Flash();
+                return CheckAndFlash(native, options);
         }
-        status = ExitStatus::Done;
-    } catch (const RuntimeError& error) {
-        native.terminal->WriteError("tsflash: " + error.Description() + "\n" +
-                                    strings.LoadResString(2048) + "\n");
+        return ExitStatus::Done;
+    } catch (...) {
+        const RuntimeError error = PendingError();
+        native.terminal->WriteError("tsflash: " + error.Description() + "\n");
+        // What the user can put right is told as error 5, in a sentence.
+        if (!error.Is(ErrorNumber::InvalidCall)) return ExitStatus::UpdateFailure;
+        native.terminal->WriteError(strings.LoadResString(2048) + "\n");
+        return ExitStatus::Usage;
     }
-    return status;
 }
 
 }  // namespace vantor

@@ -9,9 +9,10 @@ namespace vantor {
 
 /// Exit statuses.
 enum class ExitStatus : std::uint8_t {
-    Done = 0,           ///< the indicator reported DONE
-    UpdateFailure = 1,  ///< a line refused four times, no line accepted, no verdict in time
-    Usage = 2,          ///< usage, or an image that is missing, unreadable or without lines
+    Done = 0,  ///< the indicator reported DONE
+    /// A line refused four times, no line accepted, no verdict in time, an unexpected error.
+    UpdateFailure = 1,
+    Usage = 2,  ///< usage, or an image that is missing, unreadable or without lines
     PortNotOpen = 3,
     NotReady = 4,  ///< not in boot monitor, or system load refused
     VerifyFailed = 5,

@@ -62,10 +62,16 @@ LineSettings ParseLineSettings(std::string_view settings) {
 
 void BufferedPort::Open(std::function<void()> notify) {
     Close();
+    mOpenError.reset();
+    // A port that cannot be opened stays closed: its user asks IsOpen and says so.
     try {
         mPort = mPorts.Open(PortName(name), ParseLineSettings(settings));
-    } catch (const RuntimeError&) {
-        // A port that cannot be opened stays closed: its user asks IsOpen and says so.
+    } catch (const PortOpenError& error) {
+        mOpenError = error;
+        return;
+    } catch (const RuntimeError& error) {
+        if (error.Is(ErrorNumber::InvalidPropertyValue))
+            mOpenError.emplace(PortOpenError::Reason::LineRefused, name);
         return;
     }
     Notify(std::move(notify));

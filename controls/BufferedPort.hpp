@@ -4,6 +4,7 @@
 #include <cstddef>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -29,6 +30,8 @@ public:
     void Open(std::function<void()> notify);
     void Close();
     bool IsOpen() const { return mPort != nullptr; }
+    /// Why the last `Open` failed; none when it did not, or for a reason that has no name.
+    const std::optional<PortOpenError>& OpenError() const { return mOpenError; }
 
     /// Sets what is called on input of the open port; an empty function ends it.
     void Notify(std::function<void()> notify);
@@ -53,6 +56,7 @@ private:
 
     SerialPorts& mPorts;
     std::unique_ptr<SerialPort> mPort;
+    std::optional<PortOpenError> mOpenError;
     std::string mPending;  // accepted by Output, not yet taken by the driver
 };
 

@@ -4,6 +4,7 @@
 
 #include <cstddef>
 #include <functional>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -32,6 +33,8 @@ public:
     void OpenPort();
     void ClosePort() { mPort.Close(); }
     bool PortOpen() const { return mPort.IsOpen(); }
+    /// Why the last `OpenPort` failed (see BufferedPort::OpenError).
+    const std::optional<PortOpenError>& OpenError() const { return mPort.OpenError(); }
 
     /// Queues `bytes` for sending; does nothing on a closed port.
     void Output(std::string_view bytes) { mPort.Output(bytes); }

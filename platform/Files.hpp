@@ -38,6 +38,9 @@ public:
     /// cannot be looked at count as false; never raises.
     virtual bool Exists(const std::string& path) const = 0;
 
+    /// True when both paths lead to one existing file, by whatever names or links; never raises.
+    virtual bool SameFile(const std::string& path, const std::string& other) const = 0;
+
     /// Size in bytes. Raises 53 when `path` is not a plain file.
     virtual std::uint64_t Size(const std::string& path) const = 0;
 

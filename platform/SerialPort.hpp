@@ -8,7 +8,10 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
+
+#include "support/RuntimeError.hpp"
 
 namespace vantor {
 
@@ -68,12 +71,41 @@ struct SerialPortInfo {
     std::string description;  ///< what the system knows of it, may be empty
 };
 
+/// Why a port does not open.
+class PortOpenError : public RuntimeError {
+public:
+    enum class Reason : std::uint8_t { NoSuchPort, NotPermitted, InUse, LineRefused };
+
+    /// `device` is the system's own name of the port. `who` is, where the system tells, the group
+    /// whose members may open it (NotPermitted), or the programs that hold it (InUse).
+    PortOpenError(Reason reason, std::string device, std::string who = {})
+        : RuntimeError(NumberOf(reason)),
+          mReason(reason),
+          mDevice(std::move(device)),
+          mWho(std::move(who)) {}
+
+    Reason Why() const noexcept { return mReason; }
+    const std::string& Device() const noexcept { return mDevice; }
+    const std::string& Who() const noexcept { return mWho; }
+
+private:
+    static constexpr ErrorNumber NumberOf(Reason reason) {
+        if (reason == Reason::NoSuchPort) return ErrorNumber::DeviceUnavailable;
+        if (reason == Reason::LineRefused) return ErrorNumber::InvalidCall;
+        return ErrorNumber::PermissionDenied;
+    }
+
+    Reason mReason;
+    std::string mDevice;
+    std::string mWho;
+};
+
 /// Opens and lists the machine's serial ports.
 class SerialPorts {
 public:
     virtual ~SerialPorts() = default;
 
-    /// Opens `name` ("COM1" to "COM32") with `line`. Raises RuntimeError: 68 no such port,
+    /// Opens `name` ("COM1" to "COM32") with `line`. Raises PortOpenError: 68 no such port,
     /// 70 in use by another program or not permitted, 5 parameters that the port refuses.
     virtual std::unique_ptr<SerialPort> Open(const std::string& name, const LineSettings& line) = 0;
 

@@ -7,7 +7,9 @@
 
 namespace vantor {
 
-/// Standard input, output and error of this process, and its interrupt key.
+/// Standard input, output and error of this process, its interrupt key, and the system's requests
+/// to end. A terminal that has gone away ends nothing: what is written is lost, input is at its
+/// end.
 class Terminal {
 public:
     virtual ~Terminal() = default;
@@ -28,9 +30,15 @@ public:
     /// input, or when the interrupt key was pressed meanwhile.
     virtual std::optional<std::string> ReadLine() = 0;
 
-    /// True once for each time that the user has pressed the interrupt key (Ctrl-C) since the
-    /// last call. The key does nothing else from the construction of this object on.
+    /// True once for each interrupt since the last call: the user has pressed the interrupt key
+    /// (Ctrl-C), or the system asks this process to end (SIGTERM; on Windows a closed console,
+    /// log-off, shutdown). From the construction of this object on neither does anything else;
+    /// Windows waits, as long as it ever does, for the process to end by itself.
     virtual bool TakeInterrupt() = 0;
+
+    /// As `Peers::HoldSystem`, for a program without windows. Does nothing where the system has no
+    /// such request.
+    virtual void HoldSystem(const std::string& /*reason*/) {}
 };
 
 }  // namespace vantor

@@ -64,6 +64,10 @@ bool HeadlessFiles::Exists(const std::string& path) const {
     return mFiles.contains(normal) || mVanishing.contains(normal);
 }
 
+bool HeadlessFiles::SameFile(const std::string& path, const std::string& other) const {
+    return Exists(path) && Normal(path) == Normal(other);
+}
+
 std::uint64_t HeadlessFiles::Size(const std::string& path) const {
     return Contents(path).size();
 }

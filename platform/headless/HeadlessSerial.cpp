@@ -97,11 +97,11 @@ bool HeadlessSerialPorts::IsOpen(const std::string& name) const {
 std::unique_ptr<SerialPort> HeadlessSerialPorts::Open(const std::string& name,
                                                       const LineSettings& line) {
     const auto socket = mSockets.find(name);
+    using enum PortOpenError::Reason;
     if (socket == mSockets.end() || !socket->second.farEnd || socket->second.farEnd->HungUp())
-        throw RuntimeError(ErrorNumber::DeviceUnavailable);
-    if (socket->second.busy || socket->second.open)
-        throw RuntimeError(ErrorNumber::PermissionDenied);
-    if (line.bitsPerSecond == 0) throw RuntimeError(ErrorNumber::InvalidCall);
+        throw PortOpenError(NoSuchPort, name);
+    if (socket->second.busy || socket->second.open) throw PortOpenError(InUse, name);
+    if (line.bitsPerSecond == 0) throw PortOpenError(LineRefused, name);
     socket->second.open = true;
     socket->second.farEnd->Opened(line);
     return std::make_unique<HeadlessSerialPort>(*this, name);

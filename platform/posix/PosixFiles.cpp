@@ -93,6 +93,12 @@ bool PosixFiles::Exists(const std::string& path) const {
     return status && S_ISREG(status->st_mode);
 }
 
+bool PosixFiles::SameFile(const std::string& path, const std::string& other) const {
+    const auto one = StatusOf(HostPath(path));
+    const auto two = StatusOf(HostPath(other));
+    return one && two && one->st_dev == two->st_dev && one->st_ino == two->st_ino;
+}
+
 std::uint64_t PosixFiles::Size(const std::string& path) const {
     const std::string hostPath = HostPath(path);
     const auto status = StatusOf(hostPath);

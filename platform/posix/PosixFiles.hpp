@@ -8,6 +8,7 @@ namespace vantor {
 class PosixFiles : public Files {
 public:
     bool Exists(const std::string& path) const override;
+    bool SameFile(const std::string& path, const std::string& other) const override;
     std::uint64_t Size(const std::string& path) const override;
     std::string ReadAll(const std::string& path) const override;
     void WriteAll(const std::string& path, std::string_view bytes) override;

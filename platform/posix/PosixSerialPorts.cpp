@@ -1,8 +1,12 @@
 #include "platform/posix/PosixSerialPorts.hpp"
 
+#include <fcntl.h>
+#include <grp.h>
 #include <sys/stat.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <cstddef>
 #include <filesystem>
 #include <fstream>
@@ -54,6 +58,48 @@ std::string FirstLine(const fs::path& file) {
     return line;
 }
 
+/// The group whose members may use `device`; empty when belonging to it would not help.
+std::string GroupWithAccess(const std::string& device) {
+    constexpr mode_t kBoth = S_IRGRP | S_IWGRP;
+    struct stat status {};
+    if (stat(device.c_str(), &status) != 0 || (status.st_mode & kBoth) != kBoth) return {};
+    const group* const owner = getgrgid(status.st_gid);
+    return owner == nullptr ? std::string() : owner->gr_name;
+}
+
+/// True when one of the open files of the process described in the folder `process` is `device`.
+bool HasOpen(const fs::path& process, const fs::path& device) {
+    std::error_code failed;  // another user's process does not show its files
+    for (fs::directory_iterator file(process / "fd", failed), end; !failed && file != end;
+         file.increment(failed)) {
+        std::error_code closed;  // meanwhile
+        if (fs::read_symlink(file->path(), closed) == device) return true;
+    }
+    return false;
+}
+
+/// The programs that have `device` open, as "minicom (1234)"; empty where the system does not tell.
+std::string Holders(const std::string& device) {
+    const fs::path wanted = Resolved(device);
+    std::string holders;
+    std::error_code failed;
+    for (fs::directory_iterator process("/proc", failed), end; !failed && process != end;
+         process.increment(failed)) {
+        const std::string id = process->path().filename();
+        if (id.find_first_not_of("0123456789") != std::string::npos) continue;
+        if (!HasOpen(process->path(), wanted)) continue;
+        if (!holders.empty()) holders += ", ";
+        holders += FirstLine(process->path() / "comm") + " (" + id + ")";
+    }
+    return holders;
+}
+
+PortOpenError WhyRefused(const std::string& device) {
+    if (faccessat(AT_FDCWD, device.c_str(), R_OK | W_OK, AT_EACCESS) != 0 && errno == EACCES)
+        return {PortOpenError::Reason::NotPermitted, device, GroupWithAccess(device)};
+    return {PortOpenError::Reason::InUse, device, Holders(device)};
+}
+
 }  // namespace
 
 PosixSerialPorts::PosixSerialPorts(PosixMessagePump& pump, const Devices& extra,
@@ -70,8 +116,17 @@ PosixSerialPorts::PosixSerialPorts(PosixMessagePump& pump, const Devices& extra,
 std::unique_ptr<SerialPort> PosixSerialPorts::Open(const std::string& name,
                                                    const LineSettings& line) {
     const auto device = mDevices.find(UpperCase(name));
-    if (device == mDevices.end()) throw RuntimeError(ErrorNumber::DeviceUnavailable);
-    return std::make_unique<PosixSerialPort>(mPump, device->second, line);
+    using enum PortOpenError::Reason;
+    if (device == mDevices.end()) throw PortOpenError(NoSuchPort, name);
+    try {
+        return std::make_unique<PosixSerialPort>(mPump, device->second, line);
+    } catch (const RuntimeError& error) {
+        if (error.Is(ErrorNumber::PermissionDenied)) throw WhyRefused(device->second);
+        if (error.Is(ErrorNumber::DeviceUnavailable))
+            throw PortOpenError(NoSuchPort, device->second);
+        if (error.Is(ErrorNumber::InvalidCall)) throw PortOpenError(LineRefused, device->second);
+        throw;
+    }
 }
 
 bool PosixSerialPorts::IsPresent(const std::string& name) const {

@@ -53,13 +53,18 @@ PosixTerminal::PosixTerminal() {
     static_cast<void>(sigemptyset(&action.sa_mask));
     action.sa_flags = SA_RESTART;  // an interrupt must not break off a write to the line
     action.sa_handler = OnInterrupt;
-    static_cast<void>(sigaction(SIGINT, &action, &mOldInterrupt));  // fails for bad numbers only
+    // sigaction fails for bad numbers only.
+    static_cast<void>(sigaction(SIGINT, &action, &mOldInterrupt));
+    static_cast<void>(sigaction(SIGTERM, &action, &mOldTerminate));
     action.sa_handler = SIG_IGN;
     static_cast<void>(sigaction(SIGPIPE, &action, &mOldPipe));
+    static_cast<void>(sigaction(SIGHUP, &action, &mOldHangUp));
 }
 
 PosixTerminal::~PosixTerminal() {
     static_cast<void>(sigaction(SIGINT, &mOldInterrupt, nullptr));
+    static_cast<void>(sigaction(SIGTERM, &mOldTerminate, nullptr));
+    static_cast<void>(sigaction(SIGHUP, &mOldHangUp, nullptr));
     static_cast<void>(sigaction(SIGPIPE, &mOldPipe, nullptr));
     for (int& end : gWakeUp) PosixHandle(std::exchange(end, -1));
 }

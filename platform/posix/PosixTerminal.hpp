@@ -1,4 +1,5 @@
-// The text terminal off Windows. One object at a time: it owns the process's interrupt signal.
+// The text terminal off Windows. One object at a time: it owns the signals of the
+// process that have to do with its terminal.
 #pragma once
 
 #include <signal.h>
@@ -12,8 +13,8 @@ namespace vantor {
 
 class PosixTerminal : public Terminal {
 public:
-    /// Takes over SIGINT, and ignores SIGPIPE: a reader of our output that goes away must not
-    /// end a running update.
+    /// Takes over SIGINT and SIGTERM, and ignores SIGHUP and SIGPIPE: a connection that drops, or a
+    /// reader of our output that goes away, must not end a running update.
     PosixTerminal();
     ~PosixTerminal() override;
     PosixTerminal(const PosixTerminal&) = delete;
@@ -33,6 +34,8 @@ private:
     bool WaitForInput() const;
 
     struct sigaction mOldInterrupt {};
+    struct sigaction mOldTerminate {};
+    struct sigaction mOldHangUp {};
     struct sigaction mOldPipe {};
     std::string mUnread;
     std::uint32_t mTaken = 0;

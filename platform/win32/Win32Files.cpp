@@ -53,6 +53,22 @@ Win32Handle Open(const std::wstring& hostPath, DWORD access, DWORD share, DWORD 
     return file;
 }
 
+/// What tells one file from all others while both are open.
+struct Identity {
+    Win32Handle file;
+    BY_HANDLE_FILE_INFORMATION information{};
+};
+
+std::optional<Identity> IdentityOf(const std::wstring& hostPath) {
+    // No access is asked for, so a file that another program has locked can be looked at too.
+    Identity identity{Win32Handle(CreateFileW(hostPath.c_str(), 0, kShareAll, nullptr,
+                                              OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr))};
+    if (!identity.file.IsOpen() ||
+        GetFileInformationByHandle(identity.file.Get(), &identity.information) == 0)
+        return std::nullopt;
+    return identity;
+}
+
 /// As many bytes as the system takes in one call.
 DWORD Portion(std::size_t bytes) {
     constexpr std::size_t kMost = 1u << 30;
@@ -102,6 +118,15 @@ bool IsRoot(std::wstring_view folder) {
 bool Win32Files::Exists(const std::string& path) const {
     const auto status = StatusOf(HostPath(path));
     return status && status->isPlainFile;
+}
+
+bool Win32Files::SameFile(const std::string& path, const std::string& other) const {
+    const auto one = IdentityOf(HostPath(path));
+    const auto two = IdentityOf(HostPath(other));
+    return one && two &&
+           one->information.dwVolumeSerialNumber == two->information.dwVolumeSerialNumber &&
+           one->information.nFileIndexHigh == two->information.nFileIndexHigh &&
+           one->information.nFileIndexLow == two->information.nFileIndexLow;
 }
 
 std::uint64_t Win32Files::Size(const std::string& path) const {

@@ -68,9 +68,18 @@ private:
 
 std::unique_ptr<SerialPort> Win32SerialPorts::Open(const std::string& name,
                                                    const LineSettings& line) {
+    using enum PortOpenError::Reason;
     const unsigned number = ComNumber(ToWide(name));
-    if (number == 0) throw RuntimeError(ErrorNumber::DeviceUnavailable);
-    return std::make_unique<Win32SerialPort>(mPump, ComName(number), line);
+    if (number == 0) throw PortOpenError(NoSuchPort, name);
+    try {
+        return std::make_unique<Win32SerialPort>(mPump, ComName(number), line);
+    } catch (const RuntimeError& error) {
+        // The system gives each port to everybody, and to one at a time.
+        if (error.Is(ErrorNumber::PermissionDenied)) throw PortOpenError(InUse, name);
+        if (error.Is(ErrorNumber::DeviceUnavailable)) throw PortOpenError(NoSuchPort, name);
+        if (error.Is(ErrorNumber::InvalidCall)) throw PortOpenError(LineRefused, name);
+        throw;
+    }
 }
 
 // Drivers enter their ports in the map; names given by hand or by redirection are only known to

@@ -10,16 +10,56 @@
 namespace vantor {
 namespace {
 
-// Shared with the interrupt handler, which runs on a thread of the system's.
+// Shared with the control handler, which runs on a thread of the system's.
 std::atomic<std::uint32_t> gInterrupts = 0;
-std::atomic<HANDLE> gWaitingThread = nullptr;
+std::atomic<bool> gEnding = false;
+SRWLOCK gWaitingLock = SRWLOCK_INIT;
+HANDLE gWaitingThread = nullptr;  // under the lock, which keeps the handle open while it is used
+
+class WaitingLock {
+public:
+    WaitingLock() { AcquireSRWLockExclusive(&gWaitingLock); }
+    ~WaitingLock() { ReleaseSRWLockExclusive(&gWaitingLock); }
+    WaitingLock(const WaitingLock&) = delete;
+    WaitingLock& operator=(const WaitingLock&) = delete;
+};
+
+/// Ends the read of the waiting thread. Not every console does that by itself, and no pipe does.
+void EndRead() {
+    // A thread that is only about to read has nothing to cancel yet.
+    constexpr int kMostAttempts = 100;
+    constexpr DWORD kPauseMs = 10;
+    for (int attempt = 0; attempt < kMostAttempts; ++attempt) {
+        {
+            const WaitingLock lock;
+            if (gWaitingThread == nullptr || CancelSynchronousIo(gWaitingThread) != 0) return;
+        }
+        Sleep(kPauseMs);
+    }
+}
+
+void NoteInterrupt() {
+    gInterrupts.fetch_add(1);
+    EndRead();
+}
 
 BOOL WINAPI OnControl(DWORD control) {
-    if (control != CTRL_C_EVENT) return FALSE;
-    gInterrupts.fetch_add(1);
-    // Not every console ends its read by itself, and no pipe does. Without a read to end, good.
-    if (const HANDLE thread = gWaitingThread) static_cast<void>(CancelSynchronousIo(thread));
-    return TRUE;
+    switch (control) {
+        case CTRL_C_EVENT:
+            NoteInterrupt();
+            return TRUE;
+        case CTRL_CLOSE_EVENT:
+        case CTRL_LOGOFF_EVENT:
+        case CTRL_SHUTDOWN_EVENT:
+            gEnding = true;
+            NoteInterrupt();
+            // The system ends the process when this returns. The end of the session ends it too,
+            // and this thread with it; so does the system when it has waited long enough.
+            Sleep(Win32EndOfSession::kLongestHoldMs);
+            return TRUE;
+        default:
+            return FALSE;
+    }
 }
 
 bool IsConsole(HANDLE handle) {
@@ -56,9 +96,13 @@ void WriteTo(DWORD which, std::string_view utf8) {
 class WaitingThread {
 public:
     WaitingThread() : mThread(OpenThread(THREAD_TERMINATE, FALSE, GetCurrentThreadId())) {
+        const WaitingLock lock;
         gWaitingThread = mThread.Get();
     }
-    ~WaitingThread() { gWaitingThread = nullptr; }
+    ~WaitingThread() {
+        const WaitingLock lock;
+        gWaitingThread = nullptr;
+    }
     WaitingThread(const WaitingThread&) = delete;
     WaitingThread& operator=(const WaitingThread&) = delete;
 
@@ -74,8 +118,9 @@ Win32Terminal::Win32Terminal() {
     static_cast<void>(SetConsoleCtrlHandler(OnControl, TRUE));
 }
 
+// A handler that holds the system would keep us waiting here until it gives up.
 Win32Terminal::~Win32Terminal() {
-    static_cast<void>(SetConsoleCtrlHandler(OnControl, FALSE));
+    if (!gEnding) static_cast<void>(SetConsoleCtrlHandler(OnControl, FALSE));
 }
 
 bool Win32Terminal::InputIsTerminal() const {
@@ -155,6 +200,15 @@ bool Win32Terminal::TakeInterrupt() {
     if (mTaken == gInterrupts) return false;
     ++mTaken;
     return true;
+}
+
+void Win32Terminal::HoldSystem(const std::string& reason) {
+    const bool hold = !reason.empty();
+    if (hold && !mEndOfSession) mEndOfSession.emplace(NoteInterrupt);
+    if (mEndOfSession) mEndOfSession->Refuse(ToWide(reason));
+    // Refused, it leaves things as they are on a machine that was not asked: the flash goes on.
+    static_cast<void>(
+        SetThreadExecutionState(hold ? ES_CONTINUOUS | ES_SYSTEM_REQUIRED : ES_CONTINUOUS));
 }
 
 }  // namespace vantor

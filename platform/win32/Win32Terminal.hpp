@@ -1,12 +1,13 @@
 // The console of a Windows program, or whatever its output and input have been sent to. One
-// object at a time: it owns the process's interrupt key.
+// object at a time: it owns the process's control events.
 #pragma once
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "platform/Terminal.hpp"
-#include "platform/win32/Windows.hpp"
+#include "platform/win32/Win32EndOfSession.hpp"
 
 namespace vantor {
 
@@ -28,6 +29,7 @@ public:
     /// A line without terminator at the end of the input counts as a line.
     std::optional<std::string> ReadLine() override;
     bool TakeInterrupt() override;
+    void HoldSystem(const std::string& reason) override;
 
 private:
     enum class Input { More, Ended, Interrupted };
@@ -36,6 +38,7 @@ private:
     Input ReadFromConsole(HANDLE console);
     Input ReadFromStream(HANDLE stream);
 
+    std::optional<Win32EndOfSession> mEndOfSession;  // from the first session on
     std::string mUnread;
     std::uint32_t mTaken = 0;
 };

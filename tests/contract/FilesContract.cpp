@@ -47,6 +47,14 @@ TEST_P(FilesContract, FoldersAreMadeWithAllAboveThemAndAreNoFiles) {
     EXPECT_NE(ErrorOf([&] { files.CreateFolders(At("\\reports\\2026\\may\\error.txt\\x")); }), 0);
 }
 
+TEST_P(FilesContract, AFileIsTheSameUnderEachOfItsPathsAndNoOther) {
+    files.WriteAll(At("\\image.run"), "x");
+    files.WriteAll(At("\\copy.run"), "x");
+    EXPECT_TRUE(files.SameFile(At("\\image.run"), At("/./image.run")));
+    EXPECT_FALSE(files.SameFile(At("\\image.run"), At("\\copy.run")));
+    EXPECT_FALSE(files.SameFile(At("\\none.run"), At("\\none.run")));
+}
+
 TEST_P(FilesContract, WhatIsMissingHasItsErrorNumber) {
     EXPECT_FALSE(files.Exists(At("\\none.txt")));
     EXPECT_FALSE(files.Exists(At("\\no folder\\none.txt")));

@@ -1,6 +1,7 @@
 // What the native services off Windows do beyond their contracts: several programs on one
 // registry file, crashes, last words, interrupts, names of ports.
 #include <fcntl.h>
+#include <grp.h>
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/ioctl.h>
@@ -137,6 +138,30 @@ TEST_F(InFolder, InputIsCountedAndReadHoweverShortlyAfterTheLastCount) {
         ASSERT_EQ(port->InputCount(), 2u) << i;
         ASSERT_EQ(write(master.Get(), "\r\n", 2), 2);
         ASSERT_EQ(port->Read(bytes), 4u) << i;
+    }
+}
+
+TEST_F(InFolder, ADeviceOfAGroupIsToldWithTheGroup) {
+    if (geteuid() != 0) GTEST_SKIP() << "only root can make such a device";
+    const PosixHandle master(posix_openpt(O_RDWR | O_NOCTTY));
+    ASSERT_EQ(grantpt(master.Get()) + unlockpt(master.Get()), 0);
+    const std::string device = ptsname(master.Get());
+    constexpr uid_t kNobody = 65534;
+    ASSERT_EQ(chown(device.c_str(), 0, getgrnam("dialout")->gr_gid), 0);
+    PosixSerialPorts ports(pump, {{"COM5", device}});
+    const auto refusal = [&]() -> std::pair<PortOpenError::Reason, std::string> {
+        try {
+            ports.Open("COM5", {});
+        } catch (const PortOpenError& error) {
+            return {error.Why(), error.Who()};
+        }
+        return {};
+    };
+    using Told = std::pair<PortOpenError::Reason, std::string>;
+    for (const auto& [mode, group] : {std::pair{0660u, "dialout"}, std::pair{0600u, ""}}) {
+        ASSERT_EQ(chmod(device.c_str(), mode) + seteuid(kNobody), 0);
+        EXPECT_EQ(refusal(), Told(PortOpenError::Reason::NotPermitted, group));
+        ASSERT_EQ(seteuid(0), 0);
     }
 }
 

@@ -10,6 +10,7 @@
 #include <array>
 #include <chrono>
 #include <system_error>
+#include <utility>
 
 namespace vantor {
 namespace {
@@ -113,6 +114,10 @@ void Child::Signal(int number) const {
 
 void Child::Type(const std::string& text) const {
     Must(write(mOutEnd, text.data(), text.size()) == static_cast<ssize_t>(text.size()), "write");
+}
+
+void Child::HangUp() {
+    Must(close(std::exchange(mOutEnd, -1)) == 0, "close");
 }
 
 }  // namespace vantor

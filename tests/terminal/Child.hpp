@@ -28,6 +28,8 @@ public:
     void Signal(int number) const;
     /// Types `text` on its terminal.
     void Type(const std::string& text) const;
+    /// Takes its terminal away, as a connection that drops does.
+    void HangUp();
 
     const std::string& Out() const { return mOut; }
     const std::string& Err() const { return mErr; }

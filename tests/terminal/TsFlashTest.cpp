@@ -17,6 +17,7 @@ namespace {
 
 using testing::HasSubstr;
 using testing::Not;
+using testing::StartsWith;
 
 const std::string kTools = TOOLS_FOLDER;
 
@@ -86,8 +87,16 @@ protected:
                 flash.Err().substr(hint, end - hint)};
     }
 
+    std::string Read(const std::string& path) const {
+        std::stringstream text;
+        text << std::ifstream(path, std::ios::binary).rdbuf();
+        return text.str();
+    }
+    std::string Log() const { return Read(transcript); }
+
     const TemporaryFolder folder;
     const std::string image = folder / "image.run";
+    const std::string transcript = folder / "log.txt";
     std::string port;
     std::optional<Child> indicator;
 };
@@ -136,22 +145,39 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"VerifyFailed", {"--fault", "verify-failed"}, 5, 1, "", kVerify}),
     [](const auto& row) { return std::string(row.param.name); });
 
-TEST_F(OverATerminal, TheInterruptKeyIsTheAbortButtonWhileTheSessionHasOne) {
-    StartIndicator({"--think", "50"});
-    Child flash(Command());
-    ASSERT_TRUE(flash.WaitFor("Line 4 of 40"));
-    flash.Signal(SIGINT);
-    EXPECT_EQ(flash.Wait(), 6);
-    EXPECT_EQ(flash.Err(), std::string("Aborting...\n") + kAborted);
+TEST_F(OverATerminal, TheInterruptKeyAndARequestToEndAreTheAbortButtonWhileTheSessionHasOne) {
+    for (const int signal : {SIGINT, SIGTERM}) {
+        StartIndicator({"--think", "50"});
+        Child flash(Command({"--yes", "--log", transcript}));
+        ASSERT_TRUE(flash.WaitFor("Line 4 of 40"));
+        flash.Signal(signal);
+        EXPECT_EQ(flash.Wait(), 6);
+        EXPECT_EQ(flash.Err(), std::string("Aborting...\n") + kAborted);
+        EXPECT_THAT(Log(), HasSubstr(" -- lines "));
+    }
 }
 
-TEST_F(OverATerminal, TheInterruptKeyIsAnsweredWithAReasonInTheFinalPhase) {
-    StartIndicator({"--write", "3000"});
-    Child flash(Command());
-    ASSERT_TRUE(flash.WaitFor("Updating Indicator"));
-    flash.Signal(SIGINT);
+TEST_F(OverATerminal, AnInterruptIsAnsweredWithAReasonInTheFinalPhase) {
+    // As many blank lines as the session leaves its button enabled at the last line that it sends.
+    WriteImage(ImageOf(40) + std::string(15, '\n'));
+    for (const int signal : {SIGINT, SIGTERM}) {
+        StartIndicator({"--write", "3000"});
+        Child flash(Command());
+        ASSERT_TRUE(flash.WaitFor("Updating Indicator"));
+        flash.Signal(signal);
+        EXPECT_EQ(flash.Wait(), 0);
+        EXPECT_THAT(flash.Err(), HasSubstr("can no longer be aborted"));
+        EXPECT_THAT(flash.Err(), Not(HasSubstr("Aborting")));
+        EXPECT_EQ(indicator->Wait(), 0);
+    }
+}
+
+TEST_F(OverATerminal, AConnectionThatDropsEndsNoUpdate) {
+    StartIndicator({"--think", "20"});
+    Child flash(Command(), Child::Output::Terminal);
+    ASSERT_TRUE(flash.WaitFor("Line 4 of 40"));
+    flash.HangUp();
     EXPECT_EQ(flash.Wait(), 0);
-    EXPECT_THAT(flash.Err(), HasSubstr("can no longer be aborted"));
     EXPECT_EQ(indicator->Wait(), 0);
 }
 
@@ -159,14 +185,15 @@ TEST_F(OverATerminal, AMissingAndABusyPortAreTold) {
     port = folder / "no-such-device";
     const Ended missing = Flash();
     EXPECT_EQ(missing.status, 3);
-    EXPECT_EQ(missing.err, kNoPort);
+    EXPECT_EQ(missing.err, kNoPort + ("There is no port " + port + ".\n"));
 
     StartIndicator({"--think", "100"});
     Child first(Command());
     ASSERT_TRUE(first.WaitFor("Line 4 of 40"));
     const Ended second = Flash();
     EXPECT_EQ(second.status, 3);
-    EXPECT_EQ(second.err, kNoPort);
+    EXPECT_THAT(second.err, StartsWith(kNoPort + ("The port " + port + " is in use by ")));
+    EXPECT_THAT(second.err, HasSubstr("tsflash ("));
     EXPECT_EQ(first.Wait(), 0);
 }
 
@@ -214,6 +241,7 @@ TEST_F(OverATerminal, TheWarningIsAskedOnTheTerminalAndWithoutOneItRefuses) {
 
     Child accepted(Command({}), Child::Output::Terminal);
     ASSERT_TRUE(accepted.WaitFor("[y/N]"));
+    std::filesystem::remove(image);  // it has been read by now
     accepted.Type("y\n");
     EXPECT_EQ(accepted.Wait(), 0);
     EXPECT_THAT(accepted.Out(), HasSubstr("[####################] 100 %  Line 40 of 40"));
@@ -241,33 +269,29 @@ TEST_F(OverATerminal, NoImageButTheExpectedOneIsASuccess) {
 
 TEST_F(OverATerminal, AnOverrideIsUsedAndNeverStored) {
     StartIndicator({"--baud", "9600"});
-    const std::string transcript = folder / "log.txt";
     const Ended flash = Flash({"--quiet", "-b", "9600", "--stop-bits=2", "--log", transcript});
     EXPECT_EQ(flash.status, 0);
     EXPECT_EQ(indicator->Wait(), 0);
     EXPECT_THAT(flash.out, Not(HasSubstr("Line ")));
-    std::stringstream log;
-    log << std::ifstream(transcript).rdbuf();
-    EXPECT_THAT(log.str(), testing::ContainsRegex("opened COM[0-9]+ 9600,N,8,2\n"));
-    EXPECT_THAT(log.str(), HasSubstr("-> TRAV\\r\n"));
-    EXPECT_THAT(log.str(), HasSubstr("<- DONE"));
+    EXPECT_THAT(Log(), testing::ContainsRegex("opened COM[0-9]+ 9600,N,8,2\n"));
+    EXPECT_THAT(Log(), HasSubstr("-> TRAV\\r\n"));
+    EXPECT_THAT(Log(), HasSubstr("<- DONE"));
     EXPECT_FALSE(std::filesystem::exists(folder / "tessmar-vantor-update"));
 }
 
 TEST_F(OverATerminal, AnAdapterThatHoldsRepliesBackIsToldAndTheTranscriptEndsWithTheCounts) {
     StartIndicator({"--latency", "16", "--fault", "nak@7x3"});
-    const std::string transcript = folder / "log.txt";
     const Ended flash = Flash({"--log", transcript});
     EXPECT_EQ(flash.status, 0);
     EXPECT_THAT(flash.hint, HasSubstr("latency timer"));
     EXPECT_EQ(flash.err, "");
     EXPECT_EQ(indicator->Wait(), 0);
-    std::stringstream log;
-    log << std::ifstream(transcript).rdbuf();
-    EXPECT_THAT(log.str(), HasSubstr(" -- lines 41, acknowledged 41, retries 3\n"));
+    EXPECT_THAT(Log(), HasSubstr(" -- lines 41, acknowledged 41, retries 3\n"));
 }
 
 TEST_F(OverATerminal, WhatCannotBeMeantIsRefusedBeforeThePortIsTouched) {
+    std::filesystem::create_hard_link(image, folder / "hard.txt");
+    std::filesystem::create_symlink("image.run", folder / "soft.txt");
     const std::pair<std::vector<std::string>, const char*> rows[] = {
         {{"--frobnicate"}, "Unknown option: --frobnicate"},
         {{"--baud", "14400"}, "--baud does not take the value '14400'"},
@@ -277,12 +301,16 @@ TEST_F(OverATerminal, WhatCannotBeMeantIsRefusedBeforeThePortIsTouched) {
         {{"--practice", "--fault", "nonsense@1"}, "nonsense@1"},
         {{"--log", folder / "none/log.txt"}, "transcript cannot be written"},
         {{"--log"}, "one image"},  // takes the image's name as its value
+        {{"--log", image}, "overwrite the image"},
+        {{"--log", folder / "hard.txt"}, "overwrite the image"},
+        {{"--log", folder / "soft.txt"}, "overwrite the image"},
     };
     for (const auto& [options, why] : rows) {
         const Ended flash = Flash(options);
         EXPECT_EQ(flash.status, 2) << why;
         EXPECT_THAT(flash.err, HasSubstr(why));
     }
+    EXPECT_EQ(Read(image), ImageOf(40));
     port = "/dev/null";  // never a port
     std::filesystem::remove(image);
     const Ended flash = Flash();

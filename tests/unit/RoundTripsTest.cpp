@@ -76,6 +76,7 @@ struct PipedTerminal : Terminal {
     void WriteError(std::string_view text) override { errors += text; }
     std::optional<std::string> ReadLine() override { return {}; }
     bool TakeInterrupt() override { return std::exchange(pressed, false); }
+    void HoldSystem(const std::string& reason) override { errors += "held: " + reason + "\n"; }
 
     std::string errors;
     bool pressed = false;
@@ -104,9 +105,10 @@ struct Course {
 };
 
 /// Runs tsflash on virtual time with `arguments` for the image "m40.run" behind COM1. Returns its
-/// exit status, what it said on standard error, and how long it took.
-std::tuple<ExitStatus, std::string, std::uint32_t> Flash(const Course& course,
-                                                         std::vector<std::string> arguments) {
+/// exit status, what it said on standard error or asked of the system, and how long it took.
+std::tuple<ExitStatus, std::string, std::uint32_t> Flash(
+    const Course& course, std::vector<std::string> arguments,
+    std::unique_ptr<StringTable> strings = std::make_unique<CompiledStrings>(Language::English)) {
     IndicatorOptions options;
     options.paced = true;
     options.faults = {ParseFault(course.fault)};
@@ -131,13 +133,30 @@ std::tuple<ExitStatus, std::string, std::uint32_t> Flash(const Course& course,
     native.registry = std::make_unique<RegistryHive>();
     native.codePage = std::make_unique<CodePage1252>();
     native.versions = std::make_unique<VersionResources>(*native.files);
-    native.strings = std::make_unique<CompiledStrings>(Language::English);
+    native.strings = std::move(strings);
     auto terminal = std::make_unique<PipedTerminal>();
     const PipedTerminal& shown = *terminal;
     native.terminal = std::move(terminal);
     const std::uint32_t start = native.clock->Milliseconds();
     const ExitStatus status = RunTsFlash(native);
     return {status, shown.errors, native.clock->Milliseconds() - start};
+}
+
+TEST(TsFlash, AnErrorInMidStreamIsToldByTheErrorHandlerAndIsNoneOfUsage) {
+    struct WithoutLine : CompiledStrings {
+        using CompiledStrings::CompiledStrings;
+        std::string LoadResString(std::int32_t id) const override {
+            if (id == 816) throw RuntimeError(ErrorNumber::ResourceNotFound);
+            return CompiledStrings::LoadResString(id);
+        }
+    };
+    const auto [status, errors, tookMs] = Flash({.fault = "nak@7x3"}, {"--yes", "m40.run"},
+                                                std::make_unique<WithoutLine>(Language::English));
+    EXPECT_EQ(status, ExitStatus::UpdateFailure);
+    EXPECT_EQ(errors,
+              "held: Updating Indicator\n\aTessmar Vantor Update\nThe following error has occurred "
+              "in procedure:\nfrmMain.FlashIndicator on line 0\nError (326) Resource not found\n"
+              "held: \n");
 }
 
 class Transcripts : public testing::TestWithParam<Course> {};

@@ -77,6 +77,19 @@ TEST(Process, AnUnhandledErrorIsNamedInABoxAndEndsTheProgram) {
     }
 }
 
+TEST(Terminal, TheEndOfTheUsersSessionIsRefusedDuringAFlashAndElseTheInterruptKey) {
+    Win32Terminal terminal;
+    const auto window = [] { return FindWindowW(L"VantorEndOfSession", nullptr); };
+    terminal.HoldSystem("Updating Indicator");
+    while (window() == nullptr || GetWindowLongPtrW(window(), GWLP_USERDATA) == 0) Sleep(1);
+    EXPECT_EQ(SendMessageW(window(), WM_QUERYENDSESSION, 0, 0), FALSE);
+    terminal.HoldSystem({});
+    EXPECT_EQ(SendMessageW(window(), WM_QUERYENDSESSION, 0, 0), TRUE);
+    EXPECT_FALSE(terminal.TakeInterrupt());
+    SendNotifyMessageW(window(), WM_ENDSESSION, TRUE, 0);
+    while (!terminal.TakeInterrupt()) Sleep(1);  // and the system waits until the terminal goes
+}
+
 }  // namespace
 }  // namespace vantor
 

@@ -18,6 +18,7 @@
 #include "flash/FirmwareImage.hpp"
 #include "flash/FlashSession.hpp"
 #include "platform/Clipboard.hpp"
+#include "platform/Registry.hpp"
 #include "settings/CAppSettings.hpp"
 #include "support/Conversions.hpp"
 #include "support/Traps.hpp"
@@ -52,6 +53,21 @@ void CheckImage(const std::string& path, const Files& files, const StringTable& 
     for (std::size_t i = 0; i <= lines.UBound(); ++i)
         if (!TrimBlanks(lines[i]).empty()) return;
     throw Refusal(strings, 2036, path);
+}
+
+/// Defaults in the place of settings that cannot be read could name another port.
+void CheckSettings(Registry& registry, const StringTable& strings) {
+    try {
+        RegistryKey key = 0;
+        if (registry.OpenKey(RegistryRoot::CurrentUser, "SOFTWARE", kRegistryQueryValue, key) ==
+            kRegistrySuccess)
+            static_cast<void>(registry.CloseKey(key));
+    } catch (const UnreadableStore& store) {
+        const std::size_t line = store.DamagedLine();
+        throw RuntimeError(ErrorNumber::InvalidFileFormat,
+                           Filled(strings.LoadResString(line == 0 ? 2081 : 2080), store.File(),
+                                  std::to_string(line)));
+    }
 }
 
 ExitStatus StatusOf(FlashOutcome outcome) {
@@ -289,6 +305,7 @@ ExitStatus RunTsFlash(NativePlatform& native) {
                 break;
             case Action::Flash:
                 CheckImage(options.image, *native.files, strings);
+                CheckSettings(*native.registry, strings);
                 if (!options.yes && !native.terminal->InputIsTerminal())
                     throw Refusal(strings, 2038, {});
                 return Run(native, options).Flash();

@@ -11,7 +11,6 @@ void PolledPump::PumpPending() {
 }
 
 void PolledPump::Run() {
-    mQuit = false;
     while (!mQuit) {
         PumpPending();
         if (!mQuit) Rest();

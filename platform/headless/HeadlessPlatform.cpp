@@ -4,19 +4,23 @@
 #include "support/RuntimeError.hpp"
 
 namespace vantor {
-namespace {
 
 class HeadlessPeer : public FormPeer {
 public:
     HeadlessPeer(HeadlessPeers& peers, Form& form)
-        : mPeers(peers), mForm(form), mName(form.Name()) {
+        : mPeers(peers), mForm(form), mName(form.Name()), mHandle(++peers.mLastHandle) {
         mPeers.open.push_back(mName);
     }
-    ~HeadlessPeer() override { std::erase(mPeers.open, mName); }
+    ~HeadlessPeer() override {
+        std::erase(mPeers.open, mName);
+        std::erase(mPeers.mShown, mHandle);
+    }
     HeadlessPeer(const HeadlessPeer&) = delete;
     HeadlessPeer& operator=(const HeadlessPeer&) = delete;
 
     void Show(ShowMode mode, NativeWindow) override {
+        std::erase(mPeers.mShown, mHandle);
+        mPeers.mShown.push_back(mHandle);
         if (mode == ShowMode::Modal && mPeers.whileModal) mPeers.whileModal(mForm);
     }
     void FormChanged(Property) override {}
@@ -31,18 +35,18 @@ public:
         constexpr float kLine = 200;
         return {kLetter * static_cast<float>(text.size()), kLine};
     }
-    NativeWindow Handle() const override { return 0; }
+    NativeWindow Handle() const override { return mHandle; }
 
 private:
     HeadlessPeers& mPeers;
     Form& mForm;
     std::string mName;
+    NativeWindow mHandle;
 };
-
-}  // namespace
 
 BoxAnswer HeadlessMessageBoxes::Show(const MessageBoxRequest& request) {
     shown.push_back(request);
+    if (request.owner == 0) shown.back().owner = mPeers.Active();
     if (whileOpen) whileOpen(request);
     if (answers.empty()) return request.buttons == BoxButtons::Ok ? BoxAnswer::Ok : BoxAnswer::Yes;
     const BoxAnswer answer = answers.front();
@@ -72,6 +76,7 @@ std::string HeadlessProcess::ExecutablePath() const {
 }
 
 std::unique_ptr<FormPeer> HeadlessPeers::Draw(Form& form) {
+    if (refuse) throw RuntimeError(ErrorNumber::OutOfMemory);
     return std::make_unique<HeadlessPeer>(*this, form);
 }
 

@@ -57,18 +57,6 @@ protected:
     void Rest() override {}  // each pump has moved the clock already
 };
 
-class HeadlessMessageBoxes : public MessageBoxes {
-public:
-    BoxAnswer Show(const MessageBoxRequest& request) override;
-    void Beep() override { ++beeps; }
-
-    std::vector<MessageBoxRequest> shown;
-    std::deque<BoxAnswer> answers;  ///< taken one by one; then Yes, or Ok
-    /// Runs while a box is open, to let something happen behind it.
-    std::function<void(const MessageBoxRequest&)> whileOpen;
-    int beeps = 0;
-};
-
 class HeadlessDialogs : public CommonDialogs {
 public:
     bool OpenFile(FileDialogRecord& record) override { return Answer(record); }
@@ -104,11 +92,15 @@ public:
 /// Draws nothing; remembers what was shown.
 class HeadlessPeers : public Peers {
 public:
+    /// Raises RuntimeError 7 while `refuse` is set.
     std::unique_ptr<FormPeer> Draw(Form& form) override;
     Size ScreenSize() const override { return {28800, 16200}; }  // 1920 by 1080 at 96 dpi
     void SetMousePointer(MousePointer shape) override { pointer = shape; }
 
     void HoldSystem(const std::string& reason) override { held = reason; }
+
+    /// The window in use: the one shown last of those that are open; 0 for none.
+    NativeWindow Active() const { return mShown.empty() ? 0 : mShown.back(); }
 
     /// Stands for the user of a modal window, which returns after it.
     std::function<void(Form&)> whileModal;
@@ -116,8 +108,31 @@ public:
     std::string held;             ///< why the system is held; empty when it is not
     MousePointer pointer = MousePointer::Default;
     std::vector<std::string> open;  ///< names of the forms that have a peer now
+    bool refuse = false;            ///< no window can be made
     /// Told of every change of a control's property.
     std::function<void(const Control&, Property)> onChange;
+
+private:
+    friend class HeadlessPeer;
+    std::vector<NativeWindow> mShown;
+    NativeWindow mLastHandle = 0;
+};
+
+class HeadlessMessageBoxes : public MessageBoxes {
+public:
+    explicit HeadlessMessageBoxes(const HeadlessPeers& peers) : mPeers(peers) {}
+
+    BoxAnswer Show(const MessageBoxRequest& request) override;
+    void Beep() override { ++beeps; }
+
+    std::vector<MessageBoxRequest> shown;  ///< with the owner that each box had
+    std::deque<BoxAnswer> answers;  ///< taken one by one; then Yes, or Ok
+    /// Runs while a box is open, to let something happen behind it.
+    std::function<void(const MessageBoxRequest&)> whileOpen;
+    int beeps = 0;
+
+private:
+    const HeadlessPeers& mPeers;
 };
 
 /// Takes what the header tells to be a picture, except a file that says it is damaged.
@@ -170,8 +185,8 @@ struct HeadlessPlatform {
     HeadlessFiles files;
     VersionResources versions{files};
     HeadlessFolders folders;
-    HeadlessMessageBoxes boxes;
     HeadlessPeers peers;
+    HeadlessMessageBoxes boxes{peers};
     HeadlessPictures pictures{files};
     HeadlessProcess process;
     RegistryHive registry;

@@ -43,7 +43,9 @@ public:
     virtual std::uint64_t Size(const std::string& path) const = 0;
 
     /// The whole contents, byte for byte.
-    std::string ReadAll(const std::string& path) const { return ReadStart(path, std::string::npos); }
+    std::string ReadAll(const std::string& path) const {
+        return ReadStart(path, std::string::npos);
+    }
 
     /// The first `most` bytes, or all where there are fewer.
     virtual std::string ReadStart(const std::string& path, std::size_t most) const = 0;

@@ -232,7 +232,7 @@ std::optional<std::string> Reader::TakeQuoted(bool hexEscapes) {
                (text[at + 1] == '\\' || text[at + 1] == '"');
     };
     std::size_t end = 0;
-    while (end < mRest.size() && mRest[end] != '"') end += escapes(mRest, end) ? 2 : 1;
+    while (end < mRest.size() && mRest[end] != '"') end += escapes(mRest, end) ? 2u : 1u;
     if (end >= mRest.size()) return std::nullopt;
     const auto raw = Stored(mRest.substr(0, end));
     mRest.remove_prefix(end + 1);

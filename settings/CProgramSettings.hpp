@@ -20,7 +20,7 @@ public:
 
     RegistryRoot RootKey = RegistryRoot::LocalMachine;
     std::string MainBranch;  ///< "SOFTWARE" at first
-    std::string RegBase;  ///< company
+    std::string RegBase;     ///< company
     std::string Program;
     std::string Section;  ///< "Settings" at first
 

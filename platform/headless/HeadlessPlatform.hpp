@@ -126,7 +126,7 @@ public:
     void Beep() override { ++beeps; }
 
     std::vector<MessageBoxRequest> shown;  ///< with the owner that each box had
-    std::deque<BoxAnswer> answers;  ///< taken one by one; then Yes, or Ok
+    std::deque<BoxAnswer> answers;         ///< taken one by one; then Yes, or Ok
     /// Runs while a box is open, to let something happen behind it.
     std::function<void(const MessageBoxRequest&)> whileOpen;
     int beeps = 0;

@@ -54,7 +54,7 @@ private:
 
     std::string mFile;
     RegistryHive mHive;
-    Stamp mStamp;       // of the contents of mHive
+    Stamp mStamp;        // of the contents of mHive
     bool mTold = false;  // that the file cannot be read
 };
 

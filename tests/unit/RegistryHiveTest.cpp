@@ -61,12 +61,26 @@ INSTANTIATE_TEST_SUITE_P(
 
 // What would be lost by the next write is damage: the file is to be left alone.
 TEST(RegistryText, ALineThatCannotBeHeldStopsTheReading) {
-    for (const char* line :
-         {"\"a\"=\"open end\\", "\"a\"=\"x\" y", "\"a", "\"a\"=", "=", "\"a\"=-",
-          "\"a\"=dword:123456789", "\"a\"=dword:12g4", "\"a\"=hex:01,", "\"a\"=hex:001",
-          "\"a\"=hex(x):01", "\"a\"=hex:01,\\", "\"a\\x00b\"=\"\"", "[HKEY_CURRENT_USER\\Soft",
-          "[HKEY_USERS\\Soft]", "[]", "[", "[-HKEY_CURRENT_USER\\Software\\Vantor]",
-          "[HKEY_CURRENT_USER\\a%5cb]", "word"})
+    for (const char* line : {"\"a\"=\"open end\\",
+                             "\"a\"=\"x\" y",
+                             "\"a",
+                             "\"a\"=",
+                             "=",
+                             "\"a\"=-",
+                             "\"a\"=dword:123456789",
+                             "\"a\"=dword:12g4",
+                             "\"a\"=hex:01,",
+                             "\"a\"=hex:001",
+                             "\"a\"=hex(x):01",
+                             "\"a\"=hex:01,\\",
+                             "\"a\\x00b\"=\"\"",
+                             "[HKEY_CURRENT_USER\\Soft",
+                             "[HKEY_USERS\\Soft]",
+                             "[]",
+                             "[",
+                             "[-HKEY_CURRENT_USER\\Software\\Vantor]",
+                             "[HKEY_CURRENT_USER\\a%5cb]",
+                             "word"})
         EXPECT_EQ(Exported(kHead + "\"b\"=\"1\"\n" + line + "\n\"c\"=\"2\"\n"), "damaged in line 5")
             << line;
     std::string deep = "REGEDIT4\n[HKEY_CURRENT_USER";
@@ -104,9 +118,10 @@ TEST(RegistryText, BothVersionsAreReadInEveryEncoding) {
         "\"c\"=hex(7):41,00,00,00,00,00\r\n\"d\"=hex(1):e9,00,00,00\r\n\"e\"=hex:ac,20\r\n"
         "\"\\x\"=dword:5\r\n";
     const std::string expected =
-        kHead + "\"\\\\x\"=dword:00000005\n\"a\\x80\"=hex(1):33,38,34,30,30,80,00\n"
-                "\"b\"=hex(2):25,80,00\n\"c\"=hex(7):41,00,00\n\"d\"=hex(1):e9,00\n"
-                "\"e\"=hex:ac,20\n";
+        kHead +
+        "\"\\\\x\"=dword:00000005\n\"a\\x80\"=hex(1):33,38,34,30,30,80,00\n"
+        "\"b\"=hex(2):25,80,00\n\"c\"=hex(7):41,00,00\n\"d\"=hex(1):e9,00\n"
+        "\"e\"=hex:ac,20\n";
     const std::string file = kHead5 + lines;
     std::string utf8;
     for (const char c : file) utf8 += c == '~' ? "€"s : c == '^' ? "ሴ"s : std::string(1, c);

@@ -199,8 +199,8 @@ protected:
     ~PeersOfTheOptions() override { window->Unload(); }
 
     bool IsOpen() const {
-        const LRESULT state = SendMessageW(
-            tree, TVM_GETITEMSTATE, reinterpret_cast<WPARAM>(heading), TVIS_EXPANDED);
+        const LRESULT state =
+            SendMessageW(tree, TVM_GETITEMSTATE, reinterpret_cast<WPARAM>(heading), TVIS_EXPANDED);
         return (state & TVIS_EXPANDED) != 0;
     }
     void Notify(UINT code) const {

@@ -21,24 +21,23 @@ modStartup::~modStartup() {
 
 bool modStartup::Main() {
     PrepareErrorHandler();
-    bool first = true;
-    Trapped("modStartup.Main", [&] {
+    const bool clean = Trapped("modStartup.Main", [this] {
         static bool blnFilterInstalled = false;
         if (!blnFilterInstalled) {
             mPlatform.process.InstallUnhandledExceptionFilter(mErrors->Title);
             blnFilterInstalled = true;
         }
-        if (mPlatform.process.AnotherInstanceRuns(mErrors->Title)) {
-            first = false;
-            return;
-        }
+        if (mPlatform.process.AnotherInstanceRuns(mErrors->Title)) return;
         mHelpFile = AppPath(mPlatform.process) + "tswuhelp.chm";
         mDesktop.Help = [this](const Form& form) { ShowHelp(form.Handle()); };
         mMain = std::make_shared<frmMain>(mDesktop, mPlatform);
         mMain->Load();
         mMain->Show(ShowMode::Modeless);
     });
-    return first;
+    // A loaded window that could not be shown would keep the program running out of sight, and
+    // every later start would end at the running instance.
+    if (!clean && mMain) mMain->Unload();
+    return !mDesktop.OpenForms().empty();
 }
 
 void modStartup::ShowHelp(NativeWindow owner) {

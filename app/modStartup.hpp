@@ -21,8 +21,9 @@ public:
     modStartup(const modStartup&) = delete;
     modStartup& operator=(const modStartup&) = delete;
 
-    /// Sets the process up and shows the main window. False when another instance runs already:
-    /// the program is then to end at once, silently.
+    /// Sets the process up and shows the main window. False when no window is open afterwards, and
+    /// the program must end at once: another instance runs already, the window could not be made
+    /// (reported), or it was closed while a box of the start-up was open.
     bool Main();
 
     CErrHandler& Errors() { return *mErrors; }

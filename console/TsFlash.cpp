@@ -19,6 +19,7 @@
 #include "flash/FirmwareImage.hpp"
 #include "flash/FlashSession.hpp"
 #include "platform/Clipboard.hpp"
+#include "platform/Registry.hpp"
 #include "settings/CAppSettings.hpp"
 #include "support/Conversions.hpp"
 #include "support/Traps.hpp"
@@ -74,6 +75,21 @@ std::string OpenFailure(const SerialControl& comm, const StringTable& strings) {
             return Filled(strings.LoadResString(2056), error->Device(), comm.Settings());
     }
     return {};
+}
+
+/// Defaults in the place of settings that cannot be read could name another port.
+void CheckSettings(Registry& registry, const StringTable& strings) {
+    try {
+        RegistryKey key = 0;
+        if (registry.OpenKey(RegistryRoot::CurrentUser, "SOFTWARE", kRegistryQueryValue, key) ==
+            kRegistrySuccess)
+            static_cast<void>(registry.CloseKey(key));
+    } catch (const UnreadableStore& store) {
+        const std::size_t line = store.DamagedLine();
+        throw RuntimeError(ErrorNumber::InvalidFileFormat,
+                           Filled(strings.LoadResString(line == 0 ? 2081 : 2080), store.File(),
+                                  std::to_string(line)));
+    }
 }
 
 ExitStatus StatusOf(FlashOutcome outcome) {
@@ -309,6 +325,7 @@ ExitStatus CheckAndFlash(NativePlatform& native, const Options& options) {
     if (!options.log.empty() && native.files->SameFile(options.log, options.image))
         throw Refusal(strings, 2050, options.log);
     std::string image = ReadImage(options.image, *native.files, strings);
+    CheckSettings(*native.registry, strings);
     if (!options.yes && !native.terminal->InputIsTerminal()) throw Refusal(strings, 2038, {});
     return Run(native, options, std::move(image)).Flash();
 }

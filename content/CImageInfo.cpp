@@ -30,7 +30,7 @@ bool IsStartOfFrame(std::uint8_t marker) {
 void CImageInfo::ReadImageInfo(const std::string& path) {
     mWidth = mHeight = mDepth = 0;
     mType = Type::Unknown;
-    mBytes = mFiles.ReadAll(path).substr(0, kBufferSize);
+    mBytes = mFiles.ReadStart(path, kBufferSize);
     if (At(0) == 137 && At(1) == 'P' && At(2) == 'N') ReadPng();
     if (At(0) == 'G' && At(1) == 'I' && At(2) == 'F') ReadGif();
     if (At(0) == 'B' && At(1) == 'M') ReadBmp();

@@ -42,11 +42,17 @@ void Form::Placed(const vantor::Place& outer, WindowState state, const Size& inn
 
 void Form::Load() {
     if (mLoaded || mGone) return;
-    ApplyDesign();
-    mLoaded = true;
-    mDesktop.mOpen.push_back(shared_from_this());
-    mPeer = mDesktop.mPeers.Draw(*this);
-    Form_Load();
+    const std::shared_ptr<Form> keepAlive = shared_from_this();
+    try {
+        ApplyDesign();
+        mLoaded = true;
+        mDesktop.mOpen.push_back(keepAlive);
+        mPeer = mDesktop.mPeers.Draw(*this);
+        Form_Load();
+    } catch (...) {
+        Leave();
+        throw;
+    }
 }
 
 void Form::Show(ShowMode mode, const Form* owner) {
@@ -65,13 +71,18 @@ bool Form::Unload() {
         return false;
     }
     Form_Unload();
+    Leave();
+    return true;
+}
+
+void Form::Leave() {
     mPeer.reset();
     mVisible = false;
     mLoaded = false;
     mGone = true;
-    std::erase(mDesktop.mOpen, keepAlive);
+    std::erase_if(mDesktop.mOpen,
+                  [this](const std::shared_ptr<Form>& form) { return form.get() == this; });
     if (mDesktop.mOpen.empty()) mDesktop.mPump.Quit();
-    return true;
 }
 
 void Form::ControlChanged(const Control& control, Property property) {

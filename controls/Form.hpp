@@ -113,7 +113,8 @@ public:
     bool Gone() const { return mGone; }
 
     /// Applies the design, makes the peer and runs Form_Load; a second call does nothing.
-    /// Raises RuntimeError 51 when the design and the class disagree about the controls.
+    /// Raises RuntimeError 51 when the design and the class disagree about the controls, and what
+    /// the peer or Form_Load raises. The window is then gone, without Form_Unload.
     void Load();
 
     /// Loads the window if needed and shows it; a modal one returns when it has closed.
@@ -156,6 +157,8 @@ private:
     unsigned NextRank() { return ++mRanks; }
     void FormChanged(Property property);
     void ApplyDesign();
+    /// Ends the window's life on the desktop. The caller keeps the object alive.
+    void Leave();
 
     Desktop& mDesktop;
     const FormDesign& mDesign;

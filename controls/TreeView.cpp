@@ -53,9 +53,8 @@ void TreeView::Select(int node) {
     Changed(Property::Value);
 }
 
-void TreeView::Click(int node) {
-    Select(node);
-    NodeClick.Raise(At(node));
+void TreeView::RaiseIfMoved(int before) {
+    if (mSelected >= 0 && mSelected != before) NodeClick.Raise(At(mSelected));
 }
 
 }  // namespace vantor

@@ -26,7 +26,7 @@ public:
     TreeView(Form& parent, std::string name, int index = -1)
         : Control(parent, ControlKind::TreeView, std::move(name), index) {}
 
-    /// The user has selected a node, by mouse or by key.
+    /// The user has selected a node: by mouse, by key, or by closing one that it lies under.
     Event<TreeNode> NodeClick{[this] { return KeepParent(); }};
 
     const std::vector<TreeNode>& Nodes() const { return mNodes; }
@@ -37,6 +37,7 @@ public:
     void Clear();
 
     /// Opens or closes a node. When the selected one disappears, this one is selected instead.
+    /// No event follows.
     void Expanded(int node, bool expanded);
 
     /// -1 for none.
@@ -44,8 +45,9 @@ public:
     /// Selects a node and opens all that it lies under. No event follows.
     void Select(int node);
 
-    /// For peers: the user has selected a node. The event follows the change.
-    void Click(int node);
+    /// For peers, after a change that the user has made: raises NodeClick when another node than
+    /// `before` is selected now. The handler may unload the window, and the peer with it.
+    void RaiseIfMoved(int before);
 
 private:
     std::size_t Checked(int node) const;

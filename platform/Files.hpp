@@ -2,6 +2,7 @@
 // parts on every system: this service alone knows what a backslash means off Windows.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <memory>
 #include <string>
@@ -45,7 +46,12 @@ public:
     virtual std::uint64_t Size(const std::string& path) const = 0;
 
     /// The whole contents, byte for byte.
-    virtual std::string ReadAll(const std::string& path) const = 0;
+    std::string ReadAll(const std::string& path) const {
+        return ReadStart(path, std::string::npos);
+    }
+
+    /// The first `most` bytes, or all where there are fewer.
+    virtual std::string ReadStart(const std::string& path, std::size_t most) const = 0;
 
     /// Replaces the file by `bytes`, creating it when missing. Not atomic.
     virtual void WriteAll(const std::string& path, std::string_view bytes) = 0;

@@ -17,7 +17,9 @@ struct MessageBoxRequest {
     std::string title{};  ///< empty: the application's title
     BoxIcon icon = BoxIcon::None;
     BoxButtons buttons = BoxButtons::Ok;
-    NativeWindow owner = 0;  ///< disabled while the box is open
+    /// Disabled while the box is open. 0: the window of the program that is in use, if there is
+    /// one, for boxes of code that knows no window; all other windows are then disabled as well.
+    NativeWindow owner = 0;
 };
 
 class MessageBoxes {

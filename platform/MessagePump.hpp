@@ -25,10 +25,12 @@ public:
     /// return says nothing; only the port tells whether there is input.
     virtual void AwaitInput() {}
 
-    /// Dispatches until `Quit` is called, sleeping while there is nothing to do.
+    /// Dispatches until `Quit` is called, sleeping while there is nothing to do. One call of `Quit`
+    /// ends one `Run`.
     virtual void Run() = 0;
 
-    /// Makes the innermost `Run` return once its current callback has returned.
+    /// Makes the innermost `Run` return once its current callback has returned. While none runs
+    /// it is remembered: the next `Run` returns at once.
     virtual void Quit() = 0;
 
     /// Calls `tick` every `intervalMs` milliseconds (at least 1) until stopped. A tick that is

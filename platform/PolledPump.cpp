@@ -15,7 +15,6 @@ void PolledPump::PumpPending() {
 }
 
 void PolledPump::Run() {
-    mQuit = false;
     while (!mQuit) {
         PumpPending();
         if (!mQuit) Rest();

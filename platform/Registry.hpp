@@ -2,9 +2,13 @@
 // queries, and values as 8-bit bytes, since the stored format is defined on those.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <string>
 #include <string_view>
+#include <utility>
+
+#include "support/RuntimeError.hpp"
 
 namespace vantor {
 
@@ -24,6 +28,7 @@ inline constexpr RegistryResult kRegistryAccessDenied = 5;   // ERROR_ACCESS_DEN
 inline constexpr RegistryResult kRegistryInvalidHandle = 6;  // ERROR_INVALID_HANDLE
 inline constexpr RegistryResult kRegistryWriteFault = 29;    // ERROR_WRITE_FAULT
 inline constexpr RegistryResult kRegistryMoreData = 234;     // ERROR_MORE_DATA
+inline constexpr RegistryResult kRegistryCorrupt = 1015;     // ERROR_REGISTRY_CORRUPT
 
 // Value types, with the system's values.
 inline constexpr std::uint32_t kRegistryString = 1;  // REG_SZ, stored with its terminating NUL
@@ -36,8 +41,30 @@ inline constexpr std::uint32_t kRegistrySetValue = 0x2;
 inline constexpr std::uint32_t kRegistryWrite = 0x20006;     // KEY_WRITE
 inline constexpr std::uint32_t kRegistryAllButOwner = 0x3f;  // mask 63, read and write
 
+/// The store that the registry is kept in cannot be read as a whole: what it holds is not known,
+/// and defaults must not be taken for it.
+class UnreadableStore : public RuntimeError {
+public:
+    /// `line` is the first damaged line of `file`, from 1; 0 when the system refuses the file, with
+    /// `number` for the reason.
+    UnreadableStore(std::string file, std::size_t line, ErrorNumber number)
+        : RuntimeError(number, StandardDescription(static_cast<std::int32_t>(number)) + ": " +
+                                   file + (line == 0 ? "" : ", line " + std::to_string(line))),
+          mFile(std::move(file)),
+          mDamagedLine(line) {}
+
+    const std::string& File() const { return mFile; }
+    std::size_t DamagedLine() const { return mDamagedLine; }
+
+private:
+    std::string mFile;
+    std::size_t mDamagedLine;
+};
+
 /// The registry, used from one thread. Paths use "\", names and paths ignore letter case, and
-/// all text is in the system's 8-bit code page. Nothing is raised: each call returns a result.
+/// all text is in the system's 8-bit code page. Each call returns a result. The only error raised
+/// is UnreadableStore: by the first call that finds it, and not again (kRegistryCorrupt) until the
+/// store can be read, or every single value would be told. Nothing is written meanwhile.
 class Registry {
 public:
     virtual ~Registry() = default;

@@ -3,17 +3,14 @@
 #include <algorithm>
 #include <cstddef>
 #include <limits>
-#include <optional>
 #include <utility>
+
+#include "platform/RegistryExport.hpp"
 
 namespace vantor {
 namespace {
 
 constexpr RegistryResult kInvalidParameter = 87;  // ERROR_INVALID_PARAMETER
-
-// The system's own limits. They also bound what a damaged file can make us build.
-constexpr std::size_t kMaxNameLength = 255;
-constexpr std::size_t kMaxDepth = 512;
 
 /// Lower case in code page 1252, where names are compared.
 char Folded(char c) {
@@ -64,9 +61,9 @@ RegistryHive::Node* RegistryHive::Find(const RegistryPath& path) const {
 RegistryResult RegistryHive::Create(const RegistryPath& path, Node*& node) {
     const auto root = mRoots.find(path.root);
     if (root == mRoots.end()) return kRegistryInvalidHandle;
-    if (path.parts.size() > kMaxDepth) return kInvalidParameter;
+    if (path.parts.size() > kMaxRegistryDepth) return kInvalidParameter;
     for (const std::string& part : path.parts)
-        if (part.size() > kMaxNameLength) return kInvalidParameter;
+        if (part.size() > kMaxRegistryName) return kInvalidParameter;
     node = root->second.get();
     for (const std::string& part : path.parts) {
         std::unique_ptr<Node>& child = node->children[Folded(part)];
@@ -156,7 +153,8 @@ void RegistryHive::ExportKeys(const Node& parent, RegistryPath& path, std::strin
 }
 
 std::string RegistryHive::Export() const {
-    std::string text = "REGEDIT4\n";
+    std::string text(kRegistryTextHeader);
+    text += '\n';
     for (const auto& [root, node] : mRoots) {
         RegistryPath path{root, {}};
         ExportKeys(*node, path, text);
@@ -164,20 +162,17 @@ std::string RegistryHive::Export() const {
     return text;
 }
 
-void RegistryHive::Import(std::string_view text) {
-    Node* node = nullptr;
-    while (!text.empty()) {
-        const std::string line = TakeRegistryLine(text);
-        if (line.starts_with('[')) {
-            // Values below a damaged key line belong to nobody, not to the key before it.
-            node = nullptr;
-            const std::optional<RegistryPath> path = ReadKeyLine(line);
-            if (!path || Create(*path, node) != kRegistrySuccess) node = nullptr;
-        } else if (node != nullptr) {
-            std::optional<RegistryValue> value = ReadValueLine(line);
-            if (value) node->values.insert_or_assign(Folded(value->name), std::move(*value));
-        }
+std::size_t RegistryHive::Import(std::string_view file) {
+    RegistryExport read = ReadRegistryExport(file);
+    if (read.damagedLine != 0) return read.damagedLine;
+    for (ExportedKey& key : read.keys) {
+        Node* node = nullptr;
+        // Refuses only what the reader takes for damage.
+        static_cast<void>(Create(key.path, node));
+        for (RegistryValue& value : key.values)
+            node->values.insert_or_assign(Folded(value.name), std::move(value));
     }
+    return 0;
 }
 
 }  // namespace vantor

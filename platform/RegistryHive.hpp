@@ -2,6 +2,7 @@
 // It stores nothing by itself and watches no rights other than those a key was opened with.
 #pragma once
 
+#include <cstddef>
 #include <cstdint>
 #include <map>
 #include <memory>
@@ -34,8 +35,9 @@ public:
     /// ASCII and line feeds only.
     std::string Export() const;
 
-    /// Adds what `text` holds to the contents. What cannot be read is left out; never raises.
-    void Import(std::string_view text);
+    /// Adds what an export file of either version holds to the contents. Returns 0, or the number
+    /// of the first line that cannot be read; nothing has been added then.
+    std::size_t Import(std::string_view file);
 
     /// Removes all keys and values. Open handles stay.
     void Clear();

@@ -4,6 +4,7 @@
 #include <cctype>
 #include <optional>
 
+#include "platform/Utf16.hpp"
 #include "support/Traps.hpp"
 
 namespace vantor {
@@ -142,22 +143,6 @@ std::string_view View(const std::vector<char>& block) {
     return {block.data(), block.size()};
 }
 
-void AppendUtf8(std::string& text, char16_t unit) {
-    // The halves of a pair stay apart: version texts hold digits, dots and blanks.
-    if (unit < 0x80) {
-        text += static_cast<char>(unit);
-    } else if (unit < 0x800) {
-        text += static_cast<char>(0xC0 | unit >> 6);
-        text += static_cast<char>(0x80 | (unit & 0x3F));
-    } else if (unit < 0xD800 || unit > 0xDFFF) {
-        text += static_cast<char>(0xE0 | unit >> 12);
-        text += static_cast<char>(0x80 | (unit >> 6 & 0x3F));
-        text += static_cast<char>(0x80 | (unit & 0x3F));
-    } else {
-        text += '?';
-    }
-}
-
 }  // namespace
 
 std::string_view VersionBlockIn(std::string_view program) {
@@ -212,10 +197,7 @@ bool VersionResources::QueryString(const std::vector<char>& block, const std::st
                                    std::string& value) const {
     const auto found = ValueAt(View(block), subBlock);
     if (!found) return false;
-    value.clear();
-    const Reader reader(*found);
-    for (std::size_t at = 0; at + 1 < found->size(); at += 2)
-        AppendUtf8(value, static_cast<char16_t>(reader.U16(at)));
+    value = Utf8FromUtf16(found->substr(0, found->size() / 2 * 2));
     return true;
 }
 

@@ -3,6 +3,15 @@
 #include "support/Traps.hpp"
 
 namespace vantor {
+
+CProgramSettings::CProgramSettings(vantor::Registry& registry, const CodePage& codePage)
+    : mRegistry(registry), mCodePage(codePage) {
+    BoxedSetup("Morvane.CProgramSettings.Class_Initialize", [this] {
+        MainBranch = "SOFTWARE";
+        Section = "Settings";
+    });
+}
+
 std::string CProgramSettings::KeyPath() const {
     std::string path = MainBranch + "\\" + RegBase + "\\" + Program + "\\" + Section;
     if (path.ends_with('\\')) path.pop_back();

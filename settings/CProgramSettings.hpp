@@ -16,14 +16,13 @@ class CodePage;
 /// own box. Texts are UTF-8 here and bytes of the system's code page in the registry.
 class CProgramSettings {
 public:
-    CProgramSettings(vantor::Registry& registry, const CodePage& codePage)
-        : mRegistry(registry), mCodePage(codePage) {}
+    CProgramSettings(vantor::Registry& registry, const CodePage& codePage);
 
     RegistryRoot RootKey = RegistryRoot::LocalMachine;
-    std::string MainBranch = "SOFTWARE";
-    std::string RegBase;  ///< company
+    std::string MainBranch;  ///< "SOFTWARE" at first
+    std::string RegBase;     ///< company
     std::string Program;
-    std::string Section = "Settings";
+    std::string Section;  ///< "Settings" at first
 
     /// The value `name` as text (a DWORD in decimal); `fallback` when the key or the value is
     /// missing, is of another type, or is empty. Never creates the key.

@@ -31,6 +31,7 @@ constexpr std::array kStandardTexts = {
     NumberedText{ErrorNumber::PathFileAccess, "Path/File access error"},
     NumberedText{ErrorNumber::PathNotFound, "Path not found"},
     NumberedText{ErrorNumber::ObjectNotSet, "Object variable or With block variable not set"},
+    NumberedText{ErrorNumber::InvalidFileFormat, "Invalid file format"},
     NumberedText{ErrorNumber::ResourceNotFound, "Resource not found"},
     NumberedText{ErrorNumber::InvalidPropertyValue, "Invalid property value"},
     NumberedText{ErrorNumber::ActionNotSupported, "Object doesn't support this action"},

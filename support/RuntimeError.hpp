@@ -27,6 +27,7 @@ enum class ErrorNumber : std::int32_t {
     PathFileAccess = 75,
     PathNotFound = 76,
     ObjectNotSet = 91,
+    InvalidFileFormat = 321,
     ResourceNotFound = 326,
     InvalidPropertyValue = 380,
     ActionNotSupported = 445,

@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <string_view>
 
+#include "app/base/AppInfo.hpp"
 #include "app/base/StoredValue.hpp"
 #include "controls/Form.hpp"
 #include "support/Conversions.hpp"
@@ -30,6 +31,15 @@ void TakeNumber(std::string_view record, std::string_view marker, float& quantit
 }
 
 }  // namespace
+
+CFormPos::CFormPos(vantor::Registry& registry, const CodePage& codePage)
+    : mRegistry(registry), mCodePage(codePage) {
+    BoxedSetup("Morvane.CFormPos.Class_Initialize", [this] {
+        const AppInfo app;
+        RegistryPath = "SOFTWARE\\" + app.companyName + "\\" + app.title;
+        SubKey = "Positions";
+    });
+}
 
 std::string CFormPos::KeyPath() const {
     return SubKey.empty() ? RegistryPath : RegistryPath + "\\" + SubKey;

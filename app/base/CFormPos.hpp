@@ -3,7 +3,6 @@
 
 #include <string>
 
-#include "app/base/AppInfo.hpp"
 #include "platform/Registry.hpp"
 
 namespace vantor {
@@ -16,13 +15,12 @@ class Form;
 /// 2 maximised. Errors are shown in the class's own boxes.
 class CFormPos {
 public:
-    CFormPos(vantor::Registry& registry, const CodePage& codePage)
-        : mRegistry(registry), mCodePage(codePage) {}
+    CFormPos(vantor::Registry& registry, const CodePage& codePage);
 
     vantor::Form* Form = nullptr;  ///< the window to manage
     RegistryRoot RootKey = RegistryRoot::CurrentUser;
-    std::string RegistryPath = "SOFTWARE\\" + AppInfo{}.companyName + "\\" + AppInfo{}.title;
-    std::string SubKey = "Positions";
+    std::string RegistryPath;  ///< at first that of the program
+    std::string SubKey;        ///< "Positions" at first
 
     /// Writes the record of the window as it is now.
     void SaveForm();

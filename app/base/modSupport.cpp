@@ -28,17 +28,17 @@ std::string AddFinalSlash(const std::string& path) {
 
 void DoEventsNice(MessagePump& pump) {
     static std::int16_t counter = 0;
+    // The counter only ever takes the values 0 and 1, so every second call pumps. Kept: the
+    // reply wait's rhythm rests on this ratio.
+    if (counter % 10 == 0) {
+        ++counter;
+        return;
+    }
     Ignoring([&pump] {
-        // The counter only ever takes the values 0 and 1, so every second call pumps. Kept: the
-        // reply wait's rhythm rests on this ratio.
-        if (counter % 10 != 0) {
-            pump.PumpPending();
-            pump.AwaitInput();
-            counter = 0;
-        } else {
-            ++counter;
-        }
+        pump.PumpPending();
+        pump.AwaitInput();
     });
+    counter = 0;
 }
 
 }  // namespace vantor

@@ -72,8 +72,8 @@ std::uint64_t HeadlessFiles::Size(const std::string& path) const {
     return Contents(path).size();
 }
 
-std::string HeadlessFiles::ReadAll(const std::string& path) const {
-    return Contents(path);
+std::string HeadlessFiles::ReadStart(const std::string& path, std::size_t most) const {
+    return Contents(path).substr(0, most);
 }
 
 void HeadlessFiles::WriteAll(const std::string& path, std::string_view bytes) {
@@ -102,6 +102,7 @@ std::unique_ptr<OutputFile> HeadlessFiles::Create(const std::string& path) {
 
 void HeadlessFiles::Delete(const std::string& path) {
     static_cast<void>(Contents(path));  // for the errors of a file that is not there
+    if (mHeld.contains(Normal(path))) throw RuntimeError(ErrorNumber::PermissionDenied);
     mFiles.erase(Normal(path));
 }
 

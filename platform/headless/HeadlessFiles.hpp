@@ -18,7 +18,7 @@ public:
     bool Exists(const std::string& path) const override;
     bool SameFile(const std::string& path, const std::string& other) const override;
     std::uint64_t Size(const std::string& path) const override;
-    std::string ReadAll(const std::string& path) const override;
+    std::string ReadStart(const std::string& path, std::size_t most) const override;
     void WriteAll(const std::string& path, std::string_view bytes) override;
     void Append(const std::string& path, std::string_view bytes) override;
     std::unique_ptr<OutputFile> Create(const std::string& path) override;
@@ -36,6 +36,9 @@ public:
     /// Makes `path` a file that is there when asked for and gone (53) when used.
     void MakeVanishing(const std::string& path);
 
+    /// From now on `path` cannot be deleted (70).
+    void Hold(const std::string& path) { mHeld.insert(Normal(path)); }
+
     /// Marks a file as a hidden or a system one.
     void SetHidden(const std::string& path) { mHidden.insert(Normal(path)); }
     void SetSystem(const std::string& path) { mSystem.insert(Normal(path)); }
@@ -50,6 +53,7 @@ private:
     std::map<std::string, std::string> mFiles;  // by normal path, like all the others
     std::set<std::string> mFolders;
     std::set<std::string> mVanishing;
+    std::set<std::string> mHeld;
     std::set<std::string> mHidden;
     std::set<std::string> mSystem;
     std::map<std::string, std::int32_t> mFailures;

@@ -3,19 +3,23 @@
 #include "controls/Form.hpp"
 
 namespace vantor {
-namespace {
 
 class HeadlessPeer : public FormPeer {
 public:
     HeadlessPeer(HeadlessPeers& peers, Form& form)
-        : mPeers(peers), mForm(form), mName(form.Name()) {
+        : mPeers(peers), mForm(form), mName(form.Name()), mHandle(++peers.mLastHandle) {
         mPeers.open.push_back(mName);
     }
-    ~HeadlessPeer() override { std::erase(mPeers.open, mName); }
+    ~HeadlessPeer() override {
+        std::erase(mPeers.open, mName);
+        std::erase(mPeers.mShown, mHandle);
+    }
     HeadlessPeer(const HeadlessPeer&) = delete;
     HeadlessPeer& operator=(const HeadlessPeer&) = delete;
 
     void Show(ShowMode mode, NativeWindow) override {
+        std::erase(mPeers.mShown, mHandle);
+        mPeers.mShown.push_back(mHandle);
         if (mode == ShowMode::Modal && mPeers.whileModal) mPeers.whileModal(mForm);
     }
     void FormChanged(Property) override {}
@@ -30,18 +34,18 @@ public:
         constexpr float kLine = 200;
         return {kLetter * static_cast<float>(text.size()), kLine};
     }
-    NativeWindow Handle() const override { return 0; }
+    NativeWindow Handle() const override { return mHandle; }
 
 private:
     HeadlessPeers& mPeers;
     Form& mForm;
     std::string mName;
+    NativeWindow mHandle;
 };
-
-}  // namespace
 
 BoxAnswer HeadlessMessageBoxes::Show(const MessageBoxRequest& request) {
     shown.push_back(request);
+    if (request.owner == 0) shown.back().owner = mPeers.Active();
     if (whileOpen) whileOpen(request);
     if (answers.empty()) return request.buttons == BoxButtons::Ok ? BoxAnswer::Ok : BoxAnswer::Yes;
     const BoxAnswer answer = answers.front();

@@ -65,18 +65,6 @@ protected:
     void Rest() override {}  // each pump has moved the clock already
 };
 
-class HeadlessMessageBoxes : public MessageBoxes {
-public:
-    BoxAnswer Show(const MessageBoxRequest& request) override;
-    void Beep() override { ++beeps; }
-
-    std::vector<MessageBoxRequest> shown;
-    std::deque<BoxAnswer> answers;  ///< taken one by one; then Yes, or Ok
-    /// Runs while a box is open, to let something happen behind it.
-    std::function<void(const MessageBoxRequest&)> whileOpen;
-    int beeps = 0;
-};
-
 class HeadlessDialogs : public CommonDialogs {
 public:
     bool OpenFile(FileDialogRecord& record) override { return Answer(record); }
@@ -119,6 +107,9 @@ public:
 
     void HoldSystem(const std::string& reason) override { held = reason; }
 
+    /// The window in use: the one shown last of those that are open; 0 for none.
+    NativeWindow Active() const { return mShown.empty() ? 0 : mShown.back(); }
+
     /// Stands for the user of a modal window, which returns after it.
     std::function<void(Form&)> whileModal;
     std::vector<ThinLine> lines;  ///< drawn on forms
@@ -128,6 +119,28 @@ public:
     bool refuse = false;            ///< no window can be made
     /// Told of every change of a control's property.
     std::function<void(const Control&, Property)> onChange;
+
+private:
+    friend class HeadlessPeer;
+    std::vector<NativeWindow> mShown;
+    NativeWindow mLastHandle = 0;
+};
+
+class HeadlessMessageBoxes : public MessageBoxes {
+public:
+    explicit HeadlessMessageBoxes(const HeadlessPeers& peers) : mPeers(peers) {}
+
+    BoxAnswer Show(const MessageBoxRequest& request) override;
+    void Beep() override { ++beeps; }
+
+    std::vector<MessageBoxRequest> shown;  ///< with the owner that each box had
+    std::deque<BoxAnswer> answers;         ///< taken one by one; then Yes, or Ok
+    /// Runs while a box is open, to let something happen behind it.
+    std::function<void(const MessageBoxRequest&)> whileOpen;
+    int beeps = 0;
+
+private:
+    const HeadlessPeers& mPeers;
 };
 
 /// Takes what the header tells to be a picture, except a file that says it is damaged.
@@ -180,8 +193,8 @@ struct HeadlessPlatform {
     HeadlessFiles files;
     VersionResources versions{files};
     HeadlessFolders folders;
-    HeadlessMessageBoxes boxes;
     HeadlessPeers peers;
+    HeadlessMessageBoxes boxes{peers};
     HeadlessPictures pictures{files};
     HeadlessProcess process;
     RegistryHive registry;

@@ -107,7 +107,7 @@ std::uint64_t PosixFiles::Size(const std::string& path) const {
     return static_cast<std::uint64_t>(status->st_size);
 }
 
-std::string PosixFiles::ReadAll(const std::string& path) const {
+std::string PosixFiles::ReadStart(const std::string& path, std::size_t most) const {
     const std::string hostPath = HostPath(path);
     const PosixHandle file = Open(hostPath, O_RDONLY);
     struct stat status {};
@@ -115,10 +115,11 @@ std::string PosixFiles::ReadAll(const std::string& path) const {
     if (!S_ISREG(status.st_mode)) throw RuntimeError(ErrorNumber::PathFileAccess);
     // The size is a hint only: the file may grow meanwhile, and some of the system's files claim
     // to be empty. One byte more finds the end without another round.
-    std::string bytes(static_cast<std::size_t>(status.st_size) + 1, '\0');
+    std::string bytes(std::min(static_cast<std::size_t>(status.st_size) + 1, most), '\0');
     std::size_t length = 0;
-    for (;;) {
-        if (length == bytes.size()) bytes.resize(length + std::max<std::size_t>(length, 4096));
+    while (length < most) {
+        if (length == bytes.size())
+            bytes.resize(std::min(length + std::max<std::size_t>(length, 4096), most));
         const ssize_t count = Uninterrupted(
             [&] { return read(file.Get(), bytes.data() + length, bytes.size() - length); });
         if (count < 0) Raise(errno, hostPath);

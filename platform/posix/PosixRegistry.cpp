@@ -7,9 +7,11 @@
 
 #include <array>
 #include <cerrno>
+#include <climits>
 #include <cstddef>
 #include <cstdio>
 #include <ctime>
+#include <utility>
 
 #include "platform/posix/PosixHandle.hpp"
 
@@ -24,10 +26,33 @@ RegistryResult ResultOf(int systemError) {
     return denied ? kRegistryAccessDenied : kRegistryWriteFault;
 }
 
+bool IsMissing(int systemError) {
+    return systemError == ENOENT || systemError == ENOTDIR;
+}
+
+/// Why the file cannot be read.
+ErrorNumber ErrorOf(int systemError) {
+    if (systemError == EACCES || systemError == EPERM) return ErrorNumber::PermissionDenied;
+    return systemError == EIO ? ErrorNumber::DeviceIO : ErrorNumber::PathFileAccess;
+}
+
 std::string FolderOf(const std::string& path) {
     const std::size_t slash = path.rfind('/');
     if (slash == std::string::npos) return ".";
     return slash == 0 ? "/" : path.substr(0, slash);
+}
+
+/// Where `path` leads over symbolic links. The last one may lead to a file that is still missing.
+std::string TargetOf(std::string path) {
+    constexpr int kMostLinks = 40;  // as the system allows
+    std::array<char, PATH_MAX> target{};
+    for (int i = 0; i < kMostLinks; ++i) {
+        const ssize_t length = readlink(path.c_str(), target.data(), target.size());
+        if (length <= 0) break;
+        const std::string next(target.data(), static_cast<std::size_t>(length));
+        path = next.starts_with('/') ? next : FolderOf(path) + '/' + next;
+    }
+    return path;
 }
 
 // What cannot be made here shows when the file in it is.
@@ -78,60 +103,86 @@ std::string DefaultRegistryFile(const Folders& folders) {
     return folders.ApplicationData() + "/tessmar-vantor-update/registry.reg";
 }
 
-PosixRegistry::Stamp PosixRegistry::StampOf(int descriptor) {
-    struct stat status {};
-    if (fstat(descriptor, &status) != 0) return {};
+PosixRegistry::Stamp PosixRegistry::StampOf(const struct stat& status) {
     return {status.st_ino, status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
 }
 
 /// Reads the file if it is another one than last time.
 RegistryResult PosixRegistry::Refresh() {
-    const PosixHandle file(open(mFile.c_str(), O_RDONLY | O_CLOEXEC));
-    if (!file.IsOpen() && errno != ENOENT && errno != ENOTDIR) return ResultOf(errno);
-    const Stamp stamp = file.IsOpen() ? StampOf(file.Get()) : Stamp{};
-    if (stamp == mStamp) return kRegistrySuccess;
+    struct stat status {};
+    const bool found = stat(mFile.c_str(), &status) == 0;
+    const bool missing = !found && IsMissing(errno);
+    const bool known = (found && StampOf(status) == mStamp) || (missing && mStamp == Stamp{});
+    return known && !mTold ? kRegistrySuccess : Reread();
+}
+
+RegistryResult PosixRegistry::Reread() {
+    // A pipe in place of the file would hold us up for ever.
+    const PosixHandle file(open(mFile.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
+    if (!file.IsOpen() && !IsMissing(errno)) return Tell({mFile, 0, ErrorOf(errno)});
     std::string text;
-    if (file.IsOpen() && !ReadBytes(file.Get(), text)) return ResultOf(errno);
+    Stamp stamp;
+    if (file.IsOpen()) {
+        struct stat status {};
+        if (fstat(file.Get(), &status) != 0) return Tell({mFile, 0, ErrorOf(errno)});
+        if (!S_ISREG(status.st_mode)) return Tell({mFile, 0, ErrorNumber::PathFileAccess});
+        if (!ReadBytes(file.Get(), text)) return Tell({mFile, 0, ErrorOf(errno)});
+        stamp = StampOf(status);
+    }
     mHive.Clear();
-    mHive.Import(text);
+    if (const std::size_t line = mHive.Import(text); line != 0)
+        return Tell({mFile, line, ErrorNumber::InvalidFileFormat});
     mStamp = stamp;
+    mTold = false;
     return kRegistrySuccess;
+}
+
+RegistryResult PosixRegistry::Tell(const UnreadableStore& error) {
+    mHive.Clear();
+    if (std::exchange(mTold, true)) return kRegistryCorrupt;
+    throw error;
 }
 
 /// Writes a new file beside the old one and puts it in its place: a crash at any point leaves
 /// one of the two whole.
-RegistryResult PosixRegistry::Save(const std::string& text) {
-    const std::string newFile = mFile + ".new";
+RegistryResult PosixRegistry::Save(const std::string& target, const std::string& text) {
+    const std::string newFile = target + ".new";
     const PosixHandle file(
         open(newFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kFileMode));
     if (!file.IsOpen()) return ResultOf(errno);
-    if (!WriteBytes(file.Get(), text) || fsync(file.Get()) != 0) return ResultOf(errno);
-    const Stamp stamp = StampOf(file.Get());
-    if (rename(newFile.c_str(), mFile.c_str()) != 0) return ResultOf(errno);
-    mStamp = stamp;
+    struct stat status {};
+    if (!WriteBytes(file.Get(), text) || fsync(file.Get()) != 0 ||
+        fstat(file.Get(), &status) != 0 || rename(newFile.c_str(), target.c_str()) != 0) {
+        const RegistryResult result = ResultOf(errno);
+        static_cast<void>(unlink(newFile.c_str()));  // the failed write is the error to tell
+        return result;
+    }
+    mStamp = StampOf(status);
     // The change is made by now; some file systems cannot sync a folder and need not.
-    const PosixHandle folder(open(FolderOf(mFile).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+    const PosixHandle folder(open(FolderOf(target).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (folder.IsOpen()) static_cast<void>(fsync(folder.Get()));
     return kRegistrySuccess;
 }
 
 /// Runs `change` on the newest state of the file and stores the outcome; a change that cannot be
-/// stored is taken back.
+/// stored is taken back. The state is read whatever the file's time says: two programs can write
+/// within one tick of the file system's clock.
 RegistryResult PosixRegistry::Change(const std::function<RegistryResult()>& change) {
-    CreateFolders(FolderOf(mFile));
-    const PosixHandle lock = LockedFile(mFile + ".lock");
+    const std::string target = TargetOf(mFile);
+    CreateFolders(FolderOf(target));
+    const PosixHandle lock = LockedFile(target + ".lock");
     if (!lock.IsOpen()) return ResultOf(errno);
-    RegistryResult result = Refresh();
+    RegistryResult result = Reread();
     if (result != kRegistrySuccess) return result;
     const std::string before = mHive.Export();
     result = change();
     if (result != kRegistrySuccess) return result;
     const std::string after = mHive.Export();
     if (after == before) return kRegistrySuccess;
-    result = Save(after);
+    result = Save(target, after);
     if (result == kRegistrySuccess) return result;
     mHive.Clear();
-    mHive.Import(before);
+    static_cast<void>(mHive.Import(before));  // its own export
     return result;
 }
 

@@ -2,7 +2,7 @@
 // programs that run for the user. It adds storage to the registry in memory, nothing else.
 #pragma once
 
-#include <sys/types.h>
+#include <sys/stat.h>
 
 #include <cstdint>
 #include <functional>
@@ -17,8 +17,10 @@ namespace vantor {
 std::string DefaultRegistryFile(const Folders& folders);
 
 /// The file is looked at again whenever a key is opened; queries answer from memory. Every change
-/// is on the disk when its call returns, and the file is whole at any time. Programs that change
-/// it at the same time wait for each other for up to a few seconds.
+/// is made to what the file holds at that moment, is on the disk when its call returns, and leaves
+/// the file whole at any time. It is written as version 4 of the format, without comments.
+/// Programs that change it at the same time wait for each other for up to a few seconds. A symbolic
+/// link in the file's place is followed. A file that cannot be read whole raises UnreadableStore.
 class PosixRegistry : public Registry {
 public:
     explicit PosixRegistry(std::string file) : mFile(std::move(file)) {}
@@ -43,14 +45,17 @@ private:
         friend bool operator==(const Stamp&, const Stamp&) = default;
     };
 
-    static Stamp StampOf(int descriptor);
+    static Stamp StampOf(const struct stat& status);
     RegistryResult Refresh();
+    RegistryResult Reread();
+    RegistryResult Tell(const UnreadableStore& error);
     RegistryResult Change(const std::function<RegistryResult()>& change);
-    RegistryResult Save(const std::string& text);
+    RegistryResult Save(const std::string& target, const std::string& text);
 
     std::string mFile;
     RegistryHive mHive;
-    Stamp mStamp;
+    Stamp mStamp;        // of the contents of mHive
+    bool mTold = false;  // that the file cannot be read
 };
 
 }  // namespace vantor

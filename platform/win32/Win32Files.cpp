@@ -136,16 +136,17 @@ std::uint64_t Win32Files::Size(const std::string& path) const {
     return status->size;
 }
 
-std::string Win32Files::ReadAll(const std::string& path) const {
+std::string Win32Files::ReadStart(const std::string& path, std::size_t most) const {
     const Win32Handle file = Open(HostPath(path), GENERIC_READ, kShareAll, OPEN_EXISTING);
     LARGE_INTEGER size{};
     if (GetFileSizeEx(file.Get(), &size) == 0) RaiseFileError(GetLastError());
     // The size is a hint only: the file may grow meanwhile. One byte more finds the end without
     // another round.
-    std::string bytes(static_cast<std::size_t>(size.QuadPart) + 1, '\0');
+    std::string bytes(std::min(static_cast<std::size_t>(size.QuadPart) + 1, most), '\0');
     std::size_t length = 0;
-    for (;;) {
-        if (length == bytes.size()) bytes.resize(length + std::max<std::size_t>(length, 4096));
+    while (length < most) {
+        if (length == bytes.size())
+            bytes.resize(std::min(length + std::max<std::size_t>(length, 4096), most));
         DWORD count = 0;
         if (ReadFile(file.Get(), bytes.data() + length, Portion(bytes.size() - length), &count,
                      nullptr) == 0)

@@ -11,7 +11,7 @@ public:
     bool Exists(const std::string& path) const override;
     bool SameFile(const std::string& path, const std::string& other) const override;
     std::uint64_t Size(const std::string& path) const override;
-    std::string ReadAll(const std::string& path) const override;
+    std::string ReadStart(const std::string& path, std::size_t most) const override;
     void WriteAll(const std::string& path, std::string_view bytes) override;
     void Append(const std::string& path, std::string_view bytes) override;
     std::unique_ptr<OutputFile> Create(const std::string& path) override;

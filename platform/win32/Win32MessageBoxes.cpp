@@ -1,5 +1,7 @@
 #include "platform/win32/Win32MessageBoxes.hpp"
 
+#include <vector>
+
 #include "platform/win32/Windows.hpp"
 
 namespace vantor {
@@ -45,15 +47,65 @@ BoxAnswer Refusal(BoxButtons buttons) {
     return BoxAnswer::Ok;
 }
 
+bool TakesInput(HWND window) {
+    return IsWindowVisible(window) != 0 && IsWindowEnabled(window) != 0;
+}
+
+/// The window in use; the topmost one that takes input while another program is in front.
+HWND WindowInUse() {
+    HWND found = GetActiveWindow();
+    if (found != nullptr && TakesInput(found)) return found;
+    found = nullptr;
+    const auto take = [](HWND window, LPARAM result) -> BOOL {
+        const bool own = GetWindowThreadProcessId(window, nullptr) == GetCurrentThreadId();
+        const bool titled = (GetWindowLongPtrW(window, GWL_STYLE) & WS_CAPTION) == WS_CAPTION;
+        if (!own || !titled || !TakesInput(window)) return TRUE;
+        *reinterpret_cast<HWND*>(result) = window;
+        return FALSE;
+    };
+    // The result only tells whether the search was ended early.
+    static_cast<void>(EnumWindows(take, reinterpret_cast<LPARAM>(&found)));
+    return found;
+}
+
+/// Keeps all windows of this thread but `owner` from taking input while it lives.
+class OthersDisabled {
+public:
+    explicit OthersDisabled(HWND owner) : mOwner(owner) {
+        const auto disable = [](HWND window, LPARAM self) -> BOOL {
+            auto& others = *reinterpret_cast<OthersDisabled*>(self);
+            if (window == others.mOwner || !TakesInput(window)) return TRUE;
+            others.mDisabled.push_back(window);
+            static_cast<void>(EnableWindow(window, FALSE));
+            return TRUE;
+        };
+        static_cast<void>(
+            EnumThreadWindows(GetCurrentThreadId(), disable, reinterpret_cast<LPARAM>(this)));
+    }
+    ~OthersDisabled() {
+        for (const HWND window : mDisabled) static_cast<void>(EnableWindow(window, TRUE));
+    }
+    OthersDisabled(const OthersDisabled&) = delete;
+    OthersDisabled& operator=(const OthersDisabled&) = delete;
+
+private:
+    HWND mOwner;
+    std::vector<HWND> mDisabled;
+};
+
 }  // namespace
 
 BoxAnswer Win32MessageBoxes::Show(const MessageBoxRequest& request) {
-    // A box without owner still must not let the program's other windows take input.
-    const HWND owner = reinterpret_cast<HWND>(request.owner);
-    const UINT modality = owner == nullptr ? MB_TASKMODAL : MB_APPLMODAL;
+    if (request.owner != 0) return ShowOwned(request, request.owner);
+    const HWND owner = WindowInUse();
+    const OthersDisabled others(owner);
+    return ShowOwned(request, reinterpret_cast<NativeWindow>(owner));
+}
+
+BoxAnswer Win32MessageBoxes::ShowOwned(const MessageBoxRequest& request, NativeWindow owner) const {
     const std::wstring title = ToWide(request.title.empty() ? mDefaultTitle : request.title);
-    switch (MessageBoxW(owner, ToWide(request.text).c_str(), title.c_str(),
-                        IconFlag(request.icon) | ButtonFlag(request.buttons) | modality)) {
+    switch (MessageBoxW(reinterpret_cast<HWND>(owner), ToWide(request.text).c_str(), title.c_str(),
+                        IconFlag(request.icon) | ButtonFlag(request.buttons))) {
         case IDYES:
             return BoxAnswer::Yes;
         case IDNO:

@@ -16,6 +16,8 @@ public:
     void Beep() override;
 
 private:
+    BoxAnswer ShowOwned(const MessageBoxRequest& request, NativeWindow owner) const;
+
     std::string mDefaultTitle;
 };
 

@@ -56,7 +56,6 @@ void Win32MessagePump::PumpPending() {
 }
 
 void Win32MessagePump::Run() {
-    mQuit = false;
     MSG message{};
     while (!mQuit && GetMessageW(&message, nullptr, 0, 0) > 0) Dispatch(message);
     mQuit = false;

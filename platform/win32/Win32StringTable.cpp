@@ -3,19 +3,18 @@
 #include <cstddef>
 
 #include "platform/win32/Windows.hpp"
-#include "support/RuntimeError.hpp"
 
 namespace vantor {
 
 std::string Win32StringTable::LoadResString(std::int32_t id) const {
     // The system looks at the low 16 bits only.
     constexpr std::int32_t kLastId = 0xFFFF;
-    if (id < 0 || id > kLastId) throw RuntimeError(ErrorNumber::ResourceNotFound);
+    if (id < 0 || id > kLastId) throw Missing(id);
     // With a size of 0 the call gives the resource itself, however long it is.
     const wchar_t* text = nullptr;
     const int length = LoadStringW(GetModuleHandleW(nullptr), static_cast<UINT>(id),
                                    reinterpret_cast<wchar_t*>(&text), 0);
-    if (length <= 0 || text == nullptr) throw RuntimeError(ErrorNumber::ResourceNotFound);
+    if (length <= 0 || text == nullptr) throw Missing(id);
     return ToUtf8({text, static_cast<std::size_t>(length)});
 }
 

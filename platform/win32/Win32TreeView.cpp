@@ -63,14 +63,16 @@ void Win32TreeView::Notified(const NMHDR& header) {
     const TVITEMW& item = reinterpret_cast<const NMTREEVIEWW&>(header).itemNew;
     if (item.hItem == nullptr) return;
     const auto node = static_cast<int>(item.lParam);
-    if (header.code == TVN_SELCHANGEDW) {
-        mModel.Click(node);
-        return;
-    }
-    // When the selected node disappears, the tree itself selects another one, and says so.
+    const int before = mModel.Selected();
+    // When the selected node disappears, some systems tell of the new selection before the closing
+    // is over: following the model at that moment would open the node again.
     mInStep = true;
-    mModel.Expanded(node, IsExpanded(item.hItem));
+    if (header.code == TVN_SELCHANGEDW)
+        mModel.Select(node);
+    else
+        mModel.Expanded(node, IsExpanded(item.hItem));
     mInStep = false;
+    mModel.RaiseIfMoved(before);  // last: this object may be gone afterwards
 }
 
 }  // namespace vantor

@@ -17,6 +17,9 @@ TEST_P(FilesContract, BytesComeBackAsTheyWereWritten) {
     files.Append(At("/image.s19"), "tail\n");
     EXPECT_EQ(files.ReadAll(At("\\image.s19")), bytes + "tail\n");
     EXPECT_EQ(files.Size(At("/image.s19")), bytes.size() + 5);
+    EXPECT_EQ(files.ReadStart(At("/image.s19"), 5), "line\r");
+    EXPECT_EQ(files.ReadStart(At("/image.s19"), 65535), bytes + "tail\n");
+    EXPECT_EQ(files.ReadStart(At("/image.s19"), 0), "");
     files.Append(At("/new.log"), "");
     EXPECT_EQ(files.ReadAll(At("/new.log")), "");
     files.Delete(At("\\new.log"));

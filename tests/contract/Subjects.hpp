@@ -46,6 +46,7 @@ public:
 };
 using ClockSubject = Plain<Clock>;
 using CodePageSubject = Plain<CodePage>;
+using PumpSubject = Plain<MessagePump>;
 
 /// The usual way to make one: a `Made` object owned by the subject.
 template <typename Service, typename Made>
@@ -120,6 +121,7 @@ public:
 Makers<ClockSubject> HeadlessClocks();
 Makers<CodePageSubject> HeadlessCodePages();
 Makers<FilesSubject> HeadlessFileSystems();
+Makers<PumpSubject> HeadlessPumps();
 Makers<RegistrySubject> HeadlessRegistries();
 Makers<StringsSubject> HeadlessStringTables();
 Makers<SerialSubject> HeadlessSerialLines();
@@ -128,6 +130,7 @@ Makers<SerialSubject> HeadlessSerialLines();
 Makers<ClockSubject> NativeClocks();
 Makers<CodePageSubject> NativeCodePages();
 Makers<FilesSubject> NativeFileSystems();
+Makers<PumpSubject> NativePumps();
 Makers<RegistrySubject> NativeRegistries();
 Makers<StringsSubject> NativeStringTables();
 Makers<SerialSubject> NativeSerialLines();

@@ -1,4 +1,6 @@
 // The subjects in memory, which run on every machine.
+#include <gtest/gtest.h>
+
 #include "platform/CodePage1252.hpp"
 #include "platform/RegistryHive.hpp"
 #include "platform/headless/HeadlessFiles.hpp"
@@ -26,7 +28,7 @@ public:
     void Restart() override {
         const std::string text = mHive->Export();
         mHive = std::make_unique<RegistryHive>();
-        mHive->Import(text);
+        EXPECT_EQ(mHive->Import(text), 0u);
     }
 
 private:
@@ -66,6 +68,15 @@ private:
     bool mHungUp = false;
 };
 
+class VirtualPump : public PumpSubject {
+public:
+    MessagePump& Get() override { return mPump; }
+
+private:
+    HeadlessClock mClock;
+    HeadlessPump mPump{mClock};
+};
+
 class MemoryLine : public SerialSubject {
 public:
     MemoryLine() {
@@ -98,6 +109,10 @@ Makers<CodePageSubject> HeadlessCodePages() {
 
 Makers<FilesSubject> HeadlessFileSystems() {
     return {MakerOf<FilesSubject, MemoryFiles>("Memory")};
+}
+
+Makers<PumpSubject> HeadlessPumps() {
+    return {MakerOf<PumpSubject, VirtualPump>("Virtual")};
 }
 
 Makers<RegistrySubject> HeadlessRegistries() {

@@ -32,6 +32,15 @@ private:
     std::unique_ptr<PosixRegistry> mRegistry = Opened();
 };
 
+class PolledPumpOfTheSystem : public PumpSubject {
+public:
+    MessagePump& Get() override { return mPump; }
+
+private:
+    PosixClock mClock;
+    PosixMessagePump mPump{mClock};
+};
+
 class PseudoTerminal : public WireEnd {
 public:
     PseudoTerminal() : mMaster(posix_openpt(O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC)) {
@@ -93,6 +102,10 @@ Makers<ClockSubject> NativeClocks() {
 
 Makers<FilesSubject> NativeFileSystems() {
     return {MakerOf<FilesSubject, HostFiles<PosixFiles>>("Posix")};
+}
+
+Makers<PumpSubject> NativePumps() {
+    return {MakerOf<PumpSubject, PolledPumpOfTheSystem>("Posix")};
 }
 
 Makers<RegistrySubject> NativeRegistries() {

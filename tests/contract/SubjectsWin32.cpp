@@ -122,6 +122,10 @@ Makers<FilesSubject> NativeFileSystems() {
     return {MakerOf<FilesSubject, HostFiles<Win32Files>>("Win32")};
 }
 
+Makers<PumpSubject> NativePumps() {
+    return {MakerOf<PumpSubject, Owning<MessagePump, Win32MessagePump>>("Win32")};
+}
+
 Makers<RegistrySubject> NativeRegistries() {
     return {MakerOf<RegistrySubject, SystemRegistry>("Win32")};
 }

@@ -5,6 +5,8 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/ioctl.h>
+#include <sys/resource.h>
+#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
@@ -26,12 +28,17 @@ namespace vantor {
 namespace {
 
 namespace fs = std::filesystem;
+using namespace std::string_literals;
 
 class InFolder : public testing::Test {
 protected:
     void Put(const std::string& name, const std::string& text) const {
         fs::create_directories(fs::path(folder / name).parent_path());
         std::ofstream(folder / name) << text;
+    }
+    std::string Text(const std::string& name) const {
+        std::ifstream file(folder / name);
+        return {std::istreambuf_iterator<char>(file), {}};
     }
 
     const TemporaryFolder folder;
@@ -97,6 +104,64 @@ TEST_F(PosixRegistryFile, NeitherOtherProgramsNorCrashesNorFailedWritesCostAValu
     EXPECT_TRUE(Has("a") && !Has("refused") && Has("e"));
     PosixRegistry nowhere("/dev/null/registry.reg");
     EXPECT_NE(Set(nowhere, "a"), kRegistrySuccess);
+
+    rlimit limit{};
+    getrlimit(RLIMIT_FSIZE, &limit);
+    const rlimit before = std::exchange(limit, {10, limit.rlim_max});
+    signal(SIGXFSZ, SIG_IGN);
+    setrlimit(RLIMIT_FSIZE, &limit);
+    EXPECT_EQ(Set(registry, "too much"), kRegistryWriteFault);
+    setrlimit(RLIMIT_FSIZE, &before);
+    EXPECT_FALSE(fs::exists(file + ".new"));
+    EXPECT_TRUE(Has("e"));
+}
+
+// As by another program within one tick of the file system's clock.
+TEST_F(PosixRegistryFile, AChangeThatTheFilesTimeDoesNotShowIsNotLost) {
+    PosixRegistry registry(file);
+    ASSERT_EQ(Set(registry, "a"), kRegistrySuccess);
+    struct stat status {};
+    ASSERT_EQ(stat(file.c_str(), &status), 0);
+    std::string text = Text("registry.reg");
+    Put("registry.reg", text.replace(text.find("\"a\""), 3, "\"c\""));
+    const std::array<timespec, 2> times = {status.st_atim, status.st_mtim};
+    ASSERT_EQ(utimensat(AT_FDCWD, file.c_str(), times.data(), 0), 0);
+    ASSERT_EQ(Set(registry, "b"), kRegistrySuccess);
+    EXPECT_TRUE(Has("b") && Has("c") && !Has("a"));
+}
+
+TEST_F(PosixRegistryFile, ASymbolicLinkIsWrittenThrough) {
+    fs::create_directory(folder / "synced");
+    fs::create_symlink("synced/mine.reg", file);
+    PosixRegistry registry(file);
+    for (const char* name : {"first", "second"}) {
+        ASSERT_EQ(Set(registry, name), kRegistrySuccess);
+        EXPECT_TRUE(fs::is_symlink(file));
+        EXPECT_NE(Text("synced/mine.reg").find(name), std::string::npos);
+    }
+}
+
+TEST_F(PosixRegistryFile, ADamagedFileIsToldOnceAndNeverWrittenOver) {
+    const std::string sound = "REGEDIT4\n\n[HKEY_CURRENT_USER\\Soft]\n\"ñ\"=\"x\"\n";
+    const std::string path = folder / "ñ/registry.reg";
+    PosixRegistry registry(path);
+    for (const std::string& damage : {"?\n"s, "\"b\"=-\n"s}) {
+        Put("ñ/registry.reg", sound + damage);
+        try {
+            Set(registry, "a");
+            ADD_FAILURE() << "not told";
+        } catch (const UnreadableStore& error) {
+            EXPECT_EQ(error.Description(), "Invalid file format: " + path + ", line 5");
+            EXPECT_EQ(error.DamagedLine(), 5u);
+        }
+        EXPECT_EQ(Set(registry, "a"), kRegistryCorrupt);
+        EXPECT_EQ(Text("ñ/registry.reg"), sound + damage);
+        Put("ñ/registry.reg", sound);
+        EXPECT_EQ(Set(registry, "a"), kRegistrySuccess);
+        EXPECT_NE(Text("ñ/registry.reg").find("\"a\"=\"x\""), std::string::npos);
+    }
+    PosixRegistry device("/dev/null");
+    EXPECT_THROW(Set(device, "a"), UnreadableStore);
 }
 
 TEST(PosixProcessDeathTest, SignalsAndExceptionsAreNamedBeforeTheEnd) {

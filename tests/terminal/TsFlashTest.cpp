@@ -311,6 +311,13 @@ TEST_F(OverATerminal, WhatCannotBeMeantIsRefusedBeforeThePortIsTouched) {
         EXPECT_THAT(flash.err, HasSubstr(why));
     }
     EXPECT_EQ(Read(image), ImageOf(40));
+    const std::string settings = folder / "tessmar-vantor-update/registry.reg";
+    std::filesystem::create_directories(std::filesystem::path(settings).parent_path());
+    std::ofstream(settings) << "REGEDIT4\nPort=COM7\n";
+    const Ended damaged = Flash({"--practice"});
+    EXPECT_EQ(damaged.status, 2);
+    EXPECT_THAT(damaged.err, HasSubstr("settings file cannot be read: " + settings + ", line 2"));
+    std::filesystem::remove(settings);
     port = "/dev/null";  // never a port
     std::filesystem::remove(image);
     const Ended flash = Flash();

@@ -130,6 +130,13 @@ TEST_F(CErrHandlerTest, BoxAndReportComeWithoutEachOther) {
     EXPECT_TRUE(mPlatform.boxes.shown.size() == 1 && mPlatform.boxes.beeps == 1);
 }
 
+TEST_F(CErrHandlerTest, AReportThatCannotBeDeletedIsAddedTo) {
+    mPlatform.files.Add(kFile, "old\r\n");
+    mPlatform.files.Hold(kFile);
+    Overflow("a.b");
+    EXPECT_TRUE(Report().starts_with("old\r\n Application Error Information\r\n"));
+}
+
 TEST_F(CErrHandlerTest, TheTraceStartsAnewAndStopsWithTheSwitch) {
     const std::string trace = "/opt/vantor/trace.log";
     mPlatform.files.Add(trace, "old");

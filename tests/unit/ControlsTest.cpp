@@ -43,6 +43,21 @@ TEST_F(ControlsTest, ADesignAndAClassThatDoNotFitAreAnInternalError) {
     EXPECT_EQ(Raised([&] { controlMissing->Load(); }).Number(), 51);
 }
 
+TEST_F(ControlsTest, AWindowThatFailsToLoadLeavesNothingOpen) {
+    struct Failing : Form {
+        using Form::Form;
+        void Form_Load() override { throw RuntimeError(ErrorNumber::DiskFull); }
+    };
+    static constexpr FormDesign kEmpty = {"frmFailing", "", "", {}, {}};
+    for (const bool refused : {false, true}) {
+        mPlatform.peers.refuse = refused;
+        const auto window = std::make_shared<Failing>(mPlatform.desktop, kEmpty);
+        EXPECT_EQ(Raised([&] { window->Load(); }).Number(), refused ? 7 : 61);
+        EXPECT_TRUE(window->Gone());
+        EXPECT_TRUE(mPlatform.desktop.OpenForms().empty() && mPlatform.peers.open.empty());
+    }
+}
+
 TEST_F(ControlsTest, AWindowUnloadedByItsOwnHandlerLivesUntilTheHandlerReturns) {
     const std::weak_ptr<Window> watched = mWindow;
     CommandButton& button = mWindow->cmdGo;

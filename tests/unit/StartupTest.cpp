@@ -89,6 +89,46 @@ TEST_F(StartupTest, ABrokenSettingIsReportedOnceAndTheDefaultsAreUsed) {
     EXPECT_TRUE(settings.AutoUnZip());
 }
 
+// Without a window nothing would end the program, and its lock would end every later start.
+TEST_F(StartupTest, WithoutAMainWindowThereIsNothingToRun) {
+    mPlatform.peers.refuse = true;
+    EXPECT_FALSE(mStartup.Main());
+    EXPECT_EQ(Told(mPlatform), Texts{ReportBox("modStartup.Main", "(7) Out of memory")});
+}
+
+TEST_F(StartupTest, ACloseBehindABoxOfTheStartEndsTheProgram) {
+    mPlatform.registry.Import(RegistryWith("Settings", "\"AutoUnZip\"=\"perhaps\"\n"));
+    mPlatform.boxes.whileOpen = [this](const MessageBoxRequest&) {
+        EXPECT_TRUE(mStartup.MainWindow()->Unload());
+    };
+    EXPECT_FALSE(mStartup.Main());
+    EXPECT_EQ(mPlatform.boxes.shown.size(), 1u);
+    EXPECT_EQ(mPlatform.peers.open, Texts{});
+}
+
+TEST_F(StartupTest, BoxesOfTheErrorHandlerAndTheClassesBelongToTheWindowInUse) {
+    ASSERT_TRUE(mStartup.Main());
+    frmMain& window = *mStartup.MainWindow();
+    const auto boxes = [] {
+        Trapped("a.b", [] { throw RuntimeError(6); });
+        Boxed("c", [] { throw RuntimeError(6); });
+        BoxedSetup("d", [] { throw RuntimeError(6); });
+    };
+    boxes();
+    const auto status = std::make_shared<frmStatus>(window.GetDesktop(), mPlatform.strings);
+    status->Show();
+    const NativeWindow inFront = status->Handle();
+    boxes();
+    status->Unload();
+    boxes();
+    std::vector<NativeWindow> owners;
+    for (const MessageBoxRequest& box : mPlatform.boxes.shown) owners.push_back(box.owner);
+    const NativeWindow main = window.Handle();
+    EXPECT_NE(main, 0u);
+    EXPECT_EQ(owners, (std::vector<NativeWindow>{main, main, main, inFront, inFront, inFront, main,
+                                                 main, main}));
+}
+
 TEST_F(StartupTest, ClosingTheMainWindowEndsTheProgramAndCleansUp) {
     mPlatform.files.Add(kUpdates, "x");
     mStartup.Main();
@@ -135,9 +175,10 @@ TEST(modSupport, EveryPathGetsExactlyOneFinalBackslash) {
 
 TEST(modSupport, EverySecondCallOfTheNicePumpPumps) {
     HeadlessPlatform platform;
-    for (int round = 0; round < 2; ++round) {
+    for (int round = 0; round < 3; ++round) {
         for (int i = 0; i < 10; ++i) DoEventsNice(platform.pump);
         EXPECT_EQ(platform.pump.pumps, 5u * static_cast<unsigned>(round + 1));
+        if (round == 1) platform.pump.AddSource([] { throw RuntimeError(6); });
     }
 }
 

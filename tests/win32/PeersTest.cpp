@@ -193,6 +193,54 @@ INSTANTIATE_TEST_SUITE_P(Real, PeersOfAWindow,
                                          WindowKind{"frmConfigure", Make<Options>}),
                          [](const auto& row) { return std::string(row.param.name); });
 
+class PeersOfTheOptions : public RealPeers {
+protected:
+    PeersOfTheOptions() { window->Show(); }
+    ~PeersOfTheOptions() override { window->Unload(); }
+
+    bool IsOpen() const {
+        const LRESULT state =
+            SendMessageW(tree, TVM_GETITEMSTATE, reinterpret_cast<WPARAM>(heading), TVIS_EXPANDED);
+        return (state & TVIS_EXPANDED) != 0;
+    }
+    void Notify(UINT code) const {
+        NMTREEVIEWW told{};
+        told.hdr = {tree, static_cast<UINT_PTR>(GetDlgCtrlID(tree)), code};
+        told.itemNew.hItem = heading;
+        SendMessageW(GetParent(tree), WM_NOTIFY, told.hdr.idFrom, reinterpret_cast<LPARAM>(&told));
+    }
+    void ExpectTheHeading() const {
+        EXPECT_FALSE(IsOpen());
+        EXPECT_FALSE(window->picHolder[0].Enabled());
+        EXPECT_EQ(window->picSelection.PrintedTexts().at(0).text, "Communications");
+    }
+
+    std::shared_ptr<Options> window = std::make_shared<Options>(platform.desktop, platform.real);
+    const HWND tree = FindWindowExW(WindowOf(*window), nullptr, WC_TREEVIEWW, nullptr);
+    const HTREEITEM heading =
+        reinterpret_cast<HTREEITEM>(SendMessageW(tree, TVM_GETNEXTITEM, TVGN_ROOT, 0));
+};
+
+TEST_F(PeersOfTheOptions, ShowTheHeadingWhenItIsClosedOverThePage) {
+    ASSERT_TRUE(IsOpen() && window->picHolder[0].Enabled());
+    TVHITTESTINFO button{};
+    button.pt.y = 8;
+    while ((button.flags & TVHT_ONITEMBUTTON) == 0 && ++button.pt.x < 40)
+        SendMessageW(tree, TVM_HITTEST, 0, reinterpret_cast<LPARAM>(&button));
+    SendMessageW(tree, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(button.pt.x, button.pt.y));
+    SendMessageW(tree, WM_LBUTTONUP, 0, MAKELPARAM(button.pt.x, button.pt.y));
+    ExpectTheHeading();
+}
+
+// Some systems tell of the new selection while the closing is under way, and of the closing last.
+TEST_F(PeersOfTheOptions, OpenNothingAgainWhileItCloses) {
+    SendMessageW(tree, TVM_EXPAND, TVE_COLLAPSE, reinterpret_cast<LPARAM>(heading));
+    Notify(TVN_SELCHANGEDW);
+    EXPECT_FALSE(IsOpen());
+    Notify(TVN_ITEMEXPANDEDW);
+    ExpectTheHeading();
+}
+
 class PeersInAFlash : public RealPeers {
 protected:
     PeersInAFlash() {

@@ -8,6 +8,7 @@
 
 #include "dialogs/frmAbout.hpp"
 #include "dialogs/frmStatus.hpp"
+#include "platform/win32/Win32MessageBoxes.hpp"
 #include "tests/win32/RealWindows.hpp"
 
 namespace vantor {
@@ -78,6 +79,27 @@ TEST_P(PumpInALoop, TicksAndHearsEveryWakeUp) {
 
 INSTANTIATE_TEST_SUITE_P(Real, PumpInALoop, testing::ValuesIn(kLoops),
                          [](const auto& row) { return std::string(row.param.name); });
+
+TEST_F(Pump, ABoxWithoutAnOwnerBelongsToTheWindowInUseAndDisablesTheOthers) {
+    const auto behind = std::make_shared<frmStatus>(platform.desktop, platform.strings);
+    behind->Show();
+    SetActiveWindow(WindowOf(*window));
+    bool seen = false;
+    const TimerId timer = queue.StartTimer(10, [&] {
+        const HWND box = FindWindowW(L"#32770", kBoxTitle);
+        if (box == nullptr) return;
+        if (!std::exchange(seen, true)) {
+            EXPECT_EQ(GetWindow(box, GW_OWNER), WindowOf(*window));
+            EXPECT_FALSE(IsWindowEnabled(WindowOf(*window)) || IsWindowEnabled(WindowOf(*behind)));
+        }
+        PostMessageW(box, WM_COMMAND, IDOK, 0);
+    });
+    Win32MessageBoxes("Program").Show({.text = "Text", .title = ToUtf8(kBoxTitle)});
+    queue.StopTimer(timer);
+    EXPECT_TRUE(seen);
+    EXPECT_TRUE(IsWindowEnabled(WindowOf(*window)) && IsWindowEnabled(WindowOf(*behind)));
+    behind->Unload();
+}
 
 TEST_F(Pump, AStoppedTimerSwallowsTheTickThatIsInTheQueue) {
     const HWND hidden = FindWindowExW(HWND_MESSAGE, nullptr, L"VantorMessagePump", nullptr);

@@ -1,0 +1,30 @@
+// Export files of the system's registry editor, read whole. RegistryText writes the format.
+#pragma once
+
+#include <cstddef>
+#include <string_view>
+#include <vector>
+
+#include "platform/RegistryText.hpp"
+
+namespace vantor {
+
+/// A key with the values below its line.
+struct ExportedKey {
+    RegistryPath path;
+    std::vector<RegistryValue> values;
+};
+
+struct RegistryExport {
+    std::vector<ExportedKey> keys;  ///< in the order of the file; a key may come more than once
+    std::size_t damagedLine = 0;    ///< where reading ended, from 1; 0: the whole file was read
+};
+
+/// Reads version 4 (REGEDIT4, 8-bit) and version 5 (UTF-16 or UTF-8), with or without a byte order
+/// mark. Names, strings and the bytes of `hex(1)`, `hex(2)` and `hex(7)` of version 5 become 8-bit
+/// text (code page 1252). Comments and blank lines are passed over; empty text is an empty export.
+/// Whatever else cannot be held counts as damage, so that writing the outcome loses nothing: a line
+/// of another form, a value below no key, another root, a character that the code page lacks.
+RegistryExport ReadRegistryExport(std::string_view file);
+
+}  // namespace vantor

@@ -1,0 +1,15 @@
+// UTF-16 as files hold it, on every system.
+#pragma once
+
+#include <string>
+#include <string_view>
+
+namespace vantor {
+
+enum class ByteOrder : bool { LowFirst, HighFirst };
+
+/// UTF-8 of UTF-16 text given as bytes. A half of a surrogate pair alone, and an odd last byte,
+/// become U+FFFD.
+std::string Utf8FromUtf16(std::string_view bytes, ByteOrder order = ByteOrder::LowFirst);
+
+}  // namespace vantor

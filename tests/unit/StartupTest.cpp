@@ -74,8 +74,22 @@ TEST_F(StartupTest, TheHelpKeyOpensTheFileOrSaysWhyNotAndDoesNotDisturbAnUpdate)
 
     window.EnableButtons(false);
     window.HelpWanted();
+    window.picPicture.Press();
     EXPECT_EQ(mPlatform.shell.asked.size(), 2u);
     EXPECT_EQ(mPlatform.boxes.shown.size(), 1u);
+}
+
+TEST_F(StartupTest, AFolderThatTheSystemCannotNameIsNeverTheRootOfTheDrive) {
+    mPlatform.folders.home.clear();
+    ASSERT_TRUE(mStartup.Main());
+    EXPECT_EQ(std::get<std::string>(mStartup.Errors().Destination()), "C:\\ERRORS.TXT");
+    EXPECT_FALSE(mPlatform.files.Exists("/TSMR/CALDOR/cache"));
+    frmMain& window = *mStartup.MainWindow();
+    window.cmdFlash.Press();
+    ASSERT_EQ(mPlatform.dialogs.shown.size(), 1u);
+    EXPECT_EQ(mPlatform.dialogs.shown[0].initialFolder, "");
+    window.Unload();
+    EXPECT_EQ(Told(mPlatform), Texts{});
 }
 
 TEST_F(StartupTest, ABrokenSettingIsReportedOnceAndTheDefaultsAreUsed) {
@@ -157,8 +171,7 @@ TEST_F(StartupTest, TheDownloadButtonsWaitForASelection) {
     mStartup.Main();
     frmMain& window = *mStartup.MainWindow();
     for (const int selected : {-1, 0}) {
-        window.lvwUpdates.selectedRow = selected;
-        window.lvwUpdates.Press();
+        window.lvwUpdates.Choose(selected);
         for (CommandButton* button :
              {&window.cmdDetails, &window.cmdDownload, &window.cmdDownloadAll})
             EXPECT_EQ(button->Enabled(), selected == 0) << button->Name();

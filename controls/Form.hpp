@@ -23,6 +23,7 @@ struct ControlStyle {
     const char* face = "";  ///< their shape; empty for that of the window
     bool bold = false;
     bool centred = false;        ///< of a label's text
+    bool verbatim = false;       ///< likewise: "&" shows, and "..." where there is no room for more
     bool defaultButton = false;  ///< pressed by Enter
     bool cancelButton = false;   ///< pressed by Esc
     /// Number of the text that is read aloud for a control which shows none; 0 where it does, or

@@ -1,6 +1,6 @@
 #include "platform/win32/Win32MessageBoxes.hpp"
 
-#include "platform/win32/Windows.hpp"
+#include "platform/win32/Win32DisabledWindows.hpp"
 
 namespace vantor {
 namespace {
@@ -50,6 +50,7 @@ BoxAnswer Refusal(BoxButtons buttons) {
 BoxAnswer Win32MessageBoxes::Show(const MessageBoxRequest& request) {
     // A box without owner still must not let the program's other windows take input.
     const HWND owner = reinterpret_cast<HWND>(request.owner);
+    const Win32DisabledWindows others(owner);
     const UINT modality = owner == nullptr ? MB_TASKMODAL : MB_APPLMODAL;
     const std::wstring title = ToWide(request.title.empty() ? mDefaultTitle : request.title);
     switch (MessageBoxW(owner, ToWide(request.text).c_str(), title.c_str(),

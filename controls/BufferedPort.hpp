@@ -40,6 +40,8 @@ public:
     void Output(std::string_view bytes);
     /// Hands the driver what it takes now. True when nothing is left to hand over.
     bool FlushPending();
+    /// Forgets what the driver has not taken, except the rest of the line that has begun.
+    void DropPendingLines();
     /// Bytes queued and not yet sent; 0 on a closed port. Asking moves the queue on.
     std::size_t OutBufferCount();
 

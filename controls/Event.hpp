@@ -1,6 +1,7 @@
 // Event slots of controls.
 #pragma once
 
+#include <cstdint>
 #include <functional>
 #include <memory>
 #include <utility>
@@ -9,6 +10,13 @@ namespace vantor {
 
 /// Whether an event may be raised again while its own handler runs.
 enum class Nesting : bool { Refused, Allowed };
+
+/// What became of an event that was raised.
+enum class EventResult : std::uint8_t {
+    NoHandler,  ///< nobody handles it
+    Busy,       ///< its handler runs already and may not be nested; nothing was done
+    Handled,
+};
 
 /// One event with at most one handler. Handlers pump messages, so any event can be raised while
 /// others are being handled; an event is not raised again while its own handler runs, unless the
@@ -27,15 +35,15 @@ public:
         mNesting = nesting;
     }
 
-    /// Runs the handler. Returns false, having done nothing, when there is none or it is
-    /// running already and may not be nested.
-    bool Raise(Args... args) {
-        if (!mHandler || (mRunning && mNesting == Nesting::Refused)) return false;
+    /// Runs the handler where there is one that may run now.
+    EventResult Raise(Args... args) {
+        if (!mHandler) return EventResult::NoHandler;
+        if (mRunning && mNesting == Nesting::Refused) return EventResult::Busy;
         const std::shared_ptr<void> keepAlive = mOwner ? mOwner() : nullptr;
         const Running guard(mRunning);
         const std::function<void(Args...)> handler = mHandler;
         handler(std::forward<Args>(args)...);
-        return true;
+        return EventResult::Handled;
     }
 
 private:

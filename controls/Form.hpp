@@ -30,6 +30,7 @@ struct ControlStyle {
     const char* face = "";  ///< their shape; empty for that of the window
     bool bold = false;
     bool centred = false;        ///< of a label's text
+    bool verbatim = false;       ///< likewise: "&" shows, and "..." where there is no room for more
     bool defaultButton = false;  ///< pressed by Enter
     bool cancelButton = false;   ///< pressed by Esc
     /// Has the focus when the window opens, and Tab never stops on it.

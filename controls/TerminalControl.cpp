@@ -1,10 +1,13 @@
 #include "controls/TerminalControl.hpp"
 
 #include <algorithm>
+#include <array>
+#include <cstdio>
 #include <utility>
 
 #include "controls/Form.hpp"
 #include "platform/Clipboard.hpp"
+#include "platform/Clock.hpp"
 #include "platform/CodePage.hpp"
 #include "platform/MessageBoxes.hpp"
 #include "platform/StringTable.hpp"
@@ -16,7 +19,11 @@ namespace {
 
 // A line that never pauses leaves the windows their turn after so many bytes.
 constexpr std::size_t kMostAtOnce = 65'536;
+constexpr auto kAll = static_cast<std::size_t>(-1);
 constexpr std::uint32_t kSendIntervalMs = 10;
+constexpr std::uint32_t kDrainMs = 2000;
+constexpr std::uint32_t kDrainStepMs = 5;
+constexpr std::uint32_t kBeepIntervalMs = 250;
 
 struct MenuRow {
     TerminalCommand command;
@@ -50,6 +57,30 @@ std::string WithLineEnds(std::string_view text, std::string_view lineEnd) {
     return result;
 }
 
+/// The first character of UTF-8 text that is not empty.
+std::string_view FirstCharacter(std::string_view utf8) {
+    std::size_t length = 1;
+    while (length < utf8.size() && (static_cast<unsigned char>(utf8[length]) & 0xC0u) == 0x80u)
+        ++length;
+    return utf8.substr(0, length);
+}
+
+/// "→ (U+2192)": many of those that the code page lacks cannot be seen.
+std::string NameOf(std::string_view character) {
+    unsigned code = static_cast<unsigned char>(character.front());
+    if (character.size() > 1) code &= 0xFFu >> (character.size() + 1);
+    for (const char byte : character.substr(1))
+        code = code << 6u | (static_cast<unsigned char>(byte) & 0x3Fu);
+    std::array<char, 16> number{};
+    const int length = std::snprintf(number.data(), number.size(), " (U+%04X)", code);
+    return std::string(character) + std::string(number.data(), static_cast<std::size_t>(length));
+}
+
+/// The code page gives "?" for what it lacks.
+bool LacksAny(const CodePage& codePage, const std::string& utf8) {
+    return std::ranges::count(codePage.ToAnsi(utf8), '?') != std::ranges::count(utf8, '?');
+}
+
 }  // namespace
 
 TerminalControl::TerminalControl(Form& parent, std::string name, Platform& platform)
@@ -67,28 +98,50 @@ TerminalControl::~TerminalControl() {
 // --- the port --------------------------------------------------------------------------------
 
 void TerminalControl::Open() {
-    mPort.Open([this] { TakeInput(); });
+    if (PortOpen()) return;
+    mPort.Open([this] { TakeInput(kMostAtOnce); });
 }
 
 void TerminalControl::Close() {
+    const std::shared_ptr<void> keepAlive = KeepParent();
+    TakeInput(kAll);
     mPort.Close();
 }
 
-void TerminalControl::TakeInput() {
+void TerminalControl::DrainOutput() {
+    const Clock& clock = mPlatform.clock;
+    const std::uint32_t start = clock.Milliseconds();
+    while (mPort.OutBufferCount() > 0 && clock.Milliseconds() - start < kDrainMs)
+        mPlatform.clock.Sleep(kDrainStepMs);
+}
+
+void TerminalControl::TakeInput(std::size_t most) {
     // The box that reports a failed capture lets the window be closed behind it.
     const std::shared_ptr<void> keepAlive = KeepParent();
-    const std::string bytes = mPort.Input(kMostAtOnce);
-    if (bytes.empty()) return;  // the device has gone
+    const std::string bytes = mPort.Input(most);
+    if (bytes.empty()) return;  // the device has gone, or nothing waits
     Show(bytes);
     Capture(bytes);
 }
 
 void TerminalControl::Show(std::string_view bytes) {
     const std::uint64_t bells = mParser.Bells();
+    // Only what stands on the screen can be overwritten, and lines keep their numbers.
+    const std::int64_t top = mScreen.TopLine();
+    const std::string marked = mSelection.TextFrom(top);
     mParser.Write(bytes);
-    if (mParser.Bells() != bells) mPlatform.boxes.Beep();
+    if (mParser.Bells() != bells) Beep();
     if (mFollowOutput) mView.reset();
     Changed(Property::Value);
+    const bool dropped = mSelection.To().line < mScreen.FirstLine();
+    if (!mSelection.Empty() && (dropped || mSelection.TextFrom(top) != marked)) Select({}, {});
+}
+
+void TerminalControl::Beep() {
+    const std::uint32_t now = mPlatform.clock.Milliseconds();
+    if (mBeepedAt && now - *mBeepedAt < kBeepIntervalMs) return;
+    mBeepedAt = now;
+    mPlatform.boxes.Beep();
 }
 
 void TerminalControl::Capture(std::string_view bytes) {
@@ -105,8 +158,13 @@ void TerminalControl::Capture(std::string_view bytes) {
 }
 
 void TerminalControl::CaptureFile(const std::string& path) {
-    mCapture.reset();
-    mCaptureFile.clear();
+    const std::shared_ptr<void> keepAlive = KeepParent();
+    TakeInput(kAll);
+    // The file that is being written cannot be made anew before it is closed.
+    if (path.empty() || path == mCaptureFile) {
+        mCapture.reset();
+        mCaptureFile.clear();
+    }
     if (path.empty()) return;
     mCapture = mPlatform.files.Create(path);
     mCaptureFile = path;
@@ -134,12 +192,14 @@ void TerminalControl::Output(std::string_view line) {
 }
 
 void TerminalControl::Key(std::string_view bytes) {
-    if (!PortOpen()) return;
+    if (!PortOpen()) return Beep();
     ScrollTo(mScreen.TopLine());
     Send(bytes);
+    if (!PortOpen()) Beep();  // the device is found gone only when it is used
 }
 
 void TerminalControl::Type(const std::string& text) {
+    if (LacksAny(mPlatform.codePage, text)) return Beep();
     Key(mPlatform.codePage.ToAnsi(text));
 }
 
@@ -186,7 +246,8 @@ void TerminalControl::Clear() {
 void TerminalControl::Invoke(TerminalCommand command) {
     const std::shared_ptr<void> keepAlive = KeepParent();
     bool handled = false;
-    Command.Raise(command, handled);
+    // An owner that is still at one command has had no say in this one.
+    if (Command.Raise(command, handled) == EventResult::Busy) return;
     if (!handled && !Parent().Gone()) PerformCommand(command);
 }
 
@@ -247,11 +308,32 @@ std::string TerminalControl::SelectedText() const {
 }
 
 void TerminalControl::Copy() {
-    if (!mSelection.Empty()) mPlatform.clipboard.Text(SelectedText());
+    const std::string text = SelectedText();
+    if (!text.empty()) mPlatform.clipboard.Text(text);
 }
 
 void TerminalControl::Paste() {
-    Type(WithLineEnds(mPlatform.clipboard.Text(), "\r"));
+    const std::string text = WithLineEnds(mPlatform.clipboard.Text(), "\r");
+    if (!PortOpen() || !RefusePaste(text)) Type(text);
+}
+
+/// True when `text` cannot be sent, after a box that says why.
+bool TerminalControl::RefusePaste(const std::string& text) {
+    if (!LacksAny(mPlatform.codePage, text)) return false;
+    std::string_view rest = text;
+    std::string_view character = FirstCharacter(rest);
+    int line = 1;
+    while (!LacksAny(mPlatform.codePage, std::string(character))) {
+        if (character == "\r") ++line;
+        rest.remove_prefix(character.size());
+        if (rest.empty()) return false;
+        character = FirstCharacter(rest);
+    }
+    std::string told = mPlatform.strings.LoadResString(2132);
+    told.replace(told.find("%1"), 2, NameOf(character));
+    told.replace(told.find("%2"), 2, std::to_string(line));
+    mPlatform.boxes.Show({.text = told, .icon = BoxIcon::Exclamation, .owner = Parent().Handle()});
+    return true;
 }
 
 std::int64_t TerminalControl::FirstShownLine() const {

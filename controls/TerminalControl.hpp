@@ -55,7 +55,8 @@ struct OfferedCommand {
 /// The numbers of members are those by which the vendor's terminal knew them. Bytes in both
 /// directions pass unchanged; on the screen they are characters of the system's 8-bit code page.
 /// Nothing raises for the sake of the line: an open that fails, or a device that disappears, is
-/// seen only through `PortOpen`.
+/// seen only through `PortOpen`. What cannot be sent of what the user types makes the terminal
+/// beep; it beeps at most four times a second, for whatever reason.
 ///
 /// Peers are told of `Property::Value` when text has come (see `TerminalScreen::Dirty`; a peer
 /// cleans what it has painted) and of `Property::Repaint` when all of it is to be painted again.
@@ -75,16 +76,26 @@ public:
     /// Member 88: the port is open.
     bool PortOpen() const { return mPort.IsOpen(); }
 
-    /// Member 116: performs one of the terminal's commands, without asking the owner.
+    /// Member 116: performs one of the terminal's commands, without asking the owner. Opening an
+    /// open port does nothing. What has arrived by then is shown and captured before a close.
     void PerformCommand(TerminalCommand command);
+
+    /// Waits until all that was to be sent is on the line, at most 2 seconds. For a close by the
+    /// user. It does not pump: the windows behind it may be about to go.
+    void DrainOutput();
+    /// True when the driver has taken all that was to be sent, or the port is closed.
+    bool OutputTaken() { return mPort.FlushPending(); }
+    /// Forgets the lines that the driver has not begun to take.
+    void DropPendingLines() { mPort.DropPendingLines(); }
 
     /// Member 130: the dialog for the port's settings, which is set by whoever has one.
     void ShowSettings();
     std::function<void()> SettingsDialog;
 
     /// Member 16: the file that what is received goes into as it arrives; empty when there is
-    /// none. A name begins a capture, replacing the file; the empty text ends it. A capture that
-    /// runs ends in any case. Raises what Files::Create does.
+    /// none. A name begins a capture, replacing the file; the empty text ends it. What has arrived
+    /// by then belongs to the capture that runs, which ends unless the new file cannot be made.
+    /// Raises what Files::Create does.
     const std::string& CaptureFile() const { return mCaptureFile; }
     void CaptureFile(const std::string& path);
 
@@ -135,9 +146,10 @@ public:
     /// An entry of it was chosen.
     void Invoke(TerminalCommand command);
 
-    /// Bytes as typed, in the system's 8-bit code page; Enter is CR. Nothing on a closed port.
+    /// Bytes as typed, in the system's 8-bit code page; Enter is CR. A beep on a closed port.
     void Key(std::string_view bytes);
-    /// UTF-8 text as typed.
+    /// UTF-8 text as typed. A beep when the code page lacks a character of it: nothing is sent
+    /// then.
     void Type(const std::string& text);
 
     void SelectAll();
@@ -145,9 +157,10 @@ public:
     void Select(TextPosition anchor, TextPosition end);
     /// The marked text, UTF-8.
     std::string SelectedText() const;
-    /// Does nothing without a selection: what the clipboard holds stays.
+    /// Does nothing without a marked text: what the clipboard holds stays.
     void Copy();
-    /// Types the clipboard's text, each of its line ends as Enter.
+    /// Types the clipboard's text, each of its line ends as Enter. A text with a character that
+    /// the code page lacks is refused as a whole: a box names the character and its line.
     void Paste();
 
     // --- what there is to paint ---------------------------------------------------------------
@@ -168,12 +181,14 @@ public:
 private:
     void Open();
     void Close();
-    void TakeInput();
+    void TakeInput(std::size_t most);
     void Show(std::string_view bytes);
     void Capture(std::string_view bytes);
     void Send(std::string_view bytes);
     void KeepSending();
     void Clear();
+    void Beep();
+    bool RefusePaste(const std::string& text);
     bool Useful(TerminalCommand command) const;
 
     Platform& mPlatform;
@@ -186,6 +201,7 @@ private:
     std::unique_ptr<OutputFile> mCapture;
     std::array<CommandOffer, 12> mOffers{};  // by command
     TimerId mSendTimer = 0;
+    std::optional<std::uint32_t> mBeepedAt;  // milliseconds of the clock
     bool mFollowOutput = false;
     bool mEndLines = true;
     bool mLocalEcho = false;

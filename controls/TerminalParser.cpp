@@ -12,7 +12,7 @@ constexpr unsigned char kEscape = 0x1B;
 constexpr unsigned char kDelete = 0x7F;
 constexpr int kLargestParameter = 9999;
 // A text whose end was lost must not take the rest of the session with it.
-constexpr std::size_t kLongestText = 256;
+constexpr std::size_t kLongestText = 4096;
 
 bool IsControl(unsigned char byte) {
     return byte < ' ' || byte == kDelete;
@@ -101,7 +101,7 @@ void TerminalParser::TakeText(unsigned char byte) {
     if (byte == '\r' || byte == '\n') {
         mState = State::Ground;
         TakeControl(byte);
-    } else if (byte == kBell || ++mTextLength >= kLongestText) {
+    } else if (byte == kBell || ++mTextLength > kLongestText) {
         mState = State::Ground;
     }
 }
@@ -281,7 +281,7 @@ void TerminalParser::SetModes(bool on) {
         if (!mPrivate && mode == 4) modes.insert = on;
         if (!mPrivate && mode == 20) modes.lineFeedReturns = on;
         if (mPrivate && mode == 7) modes.autoWrap = on;
-        if (mPrivate && mode == 25) modes.cursorVisible = on;
+        if (mPrivate && mode == 25) mScreen.ShowCursor(on);
         if (mPrivate && mode == 6) {
             modes.originMode = on;
             mScreen.MoveTo(0, 0);

@@ -150,6 +150,7 @@ void TerminalScreen::Put(std::string_view characters) {
     const std::size_t from = Index(mCursor.column);
     const std::size_t end = from + characters.size();
     if (cells.size() < end) cells.resize(end);
+    Row(mCursor.row).continues = false;
     Cell cell = pen;
     for (std::size_t i = 0; i < characters.size(); ++i) {
         cell.character = characters[i];
@@ -199,7 +200,13 @@ int TerminalScreen::UsedRows() const {
 void TerminalScreen::NewPage() {
     for (int lines = UsedRows(); lines > 0; --lines) AddLine();
     PlaceCursor(0, 0);
+    mScrolled = false;
     mAllDirty = true;
+}
+
+void TerminalScreen::ShowCursor(bool visible) {
+    modes.cursorVisible = visible;
+    MarkDirty(mCursor.row);
 }
 
 // --- the cursor ------------------------------------------------------------------------------
@@ -249,6 +256,11 @@ void TerminalScreen::Blank(int row, int from, int to) {
     MarkDirty(row);
 }
 
+void TerminalScreen::EndLineAbove(int row) {
+    const std::size_t index = mCount - Index(mRows) + Index(row);
+    if (index > 0) At(index - 1).continues = false;
+}
+
 void TerminalScreen::EraseLine(Erase extent) {
     mWrapPending = false;
     Blank(mCursor.row, extent == Erase::ToEnd ? mCursor.column : 0,
@@ -256,13 +268,18 @@ void TerminalScreen::EraseLine(Erase extent) {
 }
 
 void TerminalScreen::EraseDisplay(Erase extent) {
-    if (extent == Erase::All) {
+    if (extent == Erase::All && mScrolled) {
         const ScreenCursor cursor = mCursor;
         NewPage();
         PlaceCursor(cursor.row, cursor.column);
         return;
     }
+    if (extent == Erase::All) EndLineAbove(0);
     EraseLine(extent);
+    if (extent == Erase::All) {
+        for (int row = 0; row < mRows; ++row) Blank(row, 0, kMostColumns);
+        return;
+    }
     const bool down = extent == Erase::ToEnd;
     for (int row = down ? mCursor.row + 1 : 0; row < (down ? mRows : mCursor.row); ++row)
         Blank(row, 0, kMostColumns);
@@ -275,6 +292,7 @@ void TerminalScreen::EraseCharacters(int count) {
 
 void TerminalScreen::InsertCharacters(int count) {
     std::vector<Cell>& cells = Row(mCursor.row).cells;
+    Row(mCursor.row).continues = false;
     mWrapPending = false;
     MarkDirty(mCursor.row);
     if (Index(mCursor.column) >= cells.size()) return;
@@ -285,6 +303,7 @@ void TerminalScreen::InsertCharacters(int count) {
 
 void TerminalScreen::DeleteCharacters(int count) {
     std::vector<Cell>& cells = Row(mCursor.row).cells;
+    Row(mCursor.row).continues = false;
     mWrapPending = false;
     MarkDirty(mCursor.row);
     const auto from = cells.begin() + std::min(mCursor.column, static_cast<int>(cells.size()));
@@ -294,14 +313,22 @@ void TerminalScreen::DeleteCharacters(int count) {
 void TerminalScreen::MoveRows(int top, int count) {
     const int rows = mBottom - top + 1;
     const bool up = count > 0;
-    for (int step = std::min(up ? count : -count, rows); step > 0; --step) {
-        for (int i = 0; i + 1 < rows; ++i) {
-            const int row = up ? top + i : mBottom - i;
-            std::swap(Row(row), Row(up ? row + 1 : row - 1));
-        }
-        Blank(up ? mBottom : top, 0, kMostColumns);
-    }
+    const int steps = std::min(up ? count : -count, rows);
+    EndLineAbove(top);
+    RotateRows(top, mBottom, up ? steps : rows - steps);
+    for (int i = 0; i < steps; ++i) Blank(up ? mBottom - i : top + i, 0, kMostColumns);
+    if (!up) Row(mBottom).continues = false;
     MarkDirty(top, mBottom);
+}
+
+void TerminalScreen::RotateRows(int first, int last, int count) {
+    if (count <= 0 || count > last - first) return;
+    const auto reverse = [this](int from, int to) {
+        while (from < to) std::swap(Row(from++), Row(to--));
+    };
+    reverse(first, first + count - 1);
+    reverse(first + count, last);
+    reverse(first, last);
 }
 
 void TerminalScreen::InsertLines(int count) {
@@ -313,11 +340,15 @@ void TerminalScreen::DeleteLines(int count) {
 }
 
 void TerminalScreen::ScrollUp(int count) {
-    if (mTop != 0 || mBottom != mRows - 1) {
+    if (mTop != 0) {
         MoveRows(mTop, std::max(count, 0));
         return;
     }
-    for (int lines = std::min(count, mRows); lines > 0; --lines) AddLine();
+    const int lines = std::clamp(count, 0, mBottom + 1);
+    for (int i = 0; i < lines; ++i) AddLine();
+    // What stands below the region keeps its place on the screen.
+    RotateRows(mBottom + 1 - lines, mRows - 1, mRows - 1 - mBottom);
+    mScrolled = mScrolled || lines > 0;
     mAllDirty = true;
 }
 

@@ -114,6 +114,7 @@ public:
     /// Moves all that is on the screen into the history and the cursor to the first place: a
     /// cleared page stays readable further up.
     void NewPage();
+    void ShowCursor(bool visible);
 
     void MoveTo(int row, int column);  ///< rows as the origin mode counts them
     void MoveToColumn(int column) { PlaceCursor(mCursor.row, column); }
@@ -121,6 +122,8 @@ public:
     void SaveCursor();
     void RestoreCursor();
 
+    /// All of it goes into the history first when lines have gone there since the last page did:
+    /// a display that clears and redraws the screen over and over leaves one page there.
     void EraseDisplay(Erase extent);
     void EraseLine(Erase extent);
     void EraseCharacters(int count);
@@ -166,6 +169,11 @@ private:
     void PlaceCursor(int row, int column);
     /// Moves the rows from `top` to the region's bottom by `count`, up when positive.
     void MoveRows(int top, int count);
+    /// Moves the rows `first` to `last` up by `count`; those at the top come in again at the
+    /// bottom.
+    void RotateRows(int first, int last, int count);
+    /// What stands in `row` is no longer the rest of the line above.
+    void EndLineAbove(int row);
     bool CursorInRegion() const { return mCursor.row >= mTop && mCursor.row <= mBottom; }
     void Blank(int row, int from, int to);
     void MarkDirty(int row) { mDirty.set(static_cast<std::size_t>(row)); }
@@ -181,6 +189,7 @@ private:
 
     ScreenCursor mCursor;
     bool mWrapPending = false;  // the last column is written; the next character goes below
+    bool mScrolled = true;      // lines went into the history since the last page, or none did yet
     int mTop = 0;
     int mBottom;
     Saved mSaved;

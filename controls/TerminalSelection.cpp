@@ -24,12 +24,14 @@ void TerminalSelection::Set(TextPosition anchor, TextPosition end) {
 void TerminalSelection::SetAll() {
     std::int64_t end = mScreen.EndLine();
     while (end > mScreen.FirstLine() && mScreen.Line(end - 1).empty()) --end;
-    Set({mScreen.FirstLine(), 0}, {end - 1, TerminalScreen::kMostColumns});
+    if (end == mScreen.FirstLine()) return Clear();
+    // Up to where the last line ends now: what comes behind it later is not marked.
+    Set({mScreen.FirstLine(), 0}, {end - 1, static_cast<int>(mScreen.Line(end - 1).size())});
 }
 
-std::string TerminalSelection::Text() const {
+std::string TerminalSelection::TextFrom(std::int64_t first) const {
     std::string text;
-    const std::int64_t first = std::max(mFrom.line, mScreen.FirstLine());
+    first = std::max({first, mFrom.line, mScreen.FirstLine()});
     const std::int64_t last = std::min(mTo.line, mScreen.EndLine() - 1);
     std::size_t lineStart = 0;  // of the line that `text` ends with
     for (std::int64_t line = first; line <= last; ++line) {

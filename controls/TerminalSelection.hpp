@@ -1,6 +1,7 @@
 // The part of a terminal's text that the user has marked.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 #include "controls/TerminalScreen.hpp"
@@ -16,7 +17,7 @@ public:
 
     /// Marks what lies between the two, in whichever order they come.
     void Set(TextPosition anchor, TextPosition end);
-    /// All of the text, without the blank lines below it.
+    /// All of the text, without the blank lines below it; nothing where there is none.
     void SetAll();
     void Clear() { mFrom = mTo = {}; }
 
@@ -27,7 +28,9 @@ public:
 
     /// The marked characters, CR LF between lines, blanks at their ends left out. A line that was
     /// only broken at the screen's edge is given in one.
-    std::string Text() const;
+    std::string Text() const { return TextFrom(mFrom.line); }
+    /// Likewise of what is marked in `first` and the lines below it.
+    std::string TextFrom(std::int64_t first) const;
 
 private:
     const TerminalScreen& mScreen;

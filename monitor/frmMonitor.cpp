@@ -1,5 +1,7 @@
 #include "monitor/frmMonitor.hpp"
 
+#include <algorithm>
+#include <cmath>
 #include <string_view>
 
 #include "app/base/LoadResources.hpp"
@@ -20,6 +22,8 @@ namespace {
 // OFN_OVERWRITEPROMPT and OFN_PATHMUSTEXIST, for both dialogs.
 constexpr std::int32_t kFileDialogFlags = 2050;
 constexpr std::int16_t kLineIntervalMs = 50;
+constexpr std::int16_t kDriverPollMs = 10;
+constexpr float kCascadeTwips = 375;  // about the height of a title bar
 
 std::vector<std::string_view> SplitLines(std::string_view text) {
     constexpr std::string_view kLineEnd = "\r\n";
@@ -72,6 +76,25 @@ void frmMonitor::Form_Load() {
 void frmMonitor::RestorePosition() {
     mobjFormPos.Form = this;
     if (!mobjFormPos.RestoreForm(false)) mobjFormPos.CenterForm();
+    const Size screen = GetDesktop().GetPeers().ScreenSize();
+    while (CoversAnother()) {
+        vantor::Place place = Place();
+        place.left += kCascadeTwips;
+        place.top += kCascadeTwips;
+        if (place.left + place.width > screen.width || place.top + place.height > screen.height)
+            return;
+        Place(place);
+    }
+}
+
+/// True when another monitor window would be hidden behind this one.
+bool frmMonitor::CoversAnother() const {
+    if (State() != WindowState::Normal) return false;
+    return std::ranges::any_of(GetDesktop().OpenForms(), [this](const auto& form) {
+        return form.get() != this && form->Name() == Name() &&
+               std::abs(form->Place().left - Place().left) < kCascadeTwips / 2 &&
+               std::abs(form->Place().top - Place().top) < kCascadeTwips / 2;
+    });
 }
 
 void frmMonitor::ConfigureTerminal() {
@@ -177,15 +200,15 @@ void frmMonitor::comMonitor_Command(TerminalCommand command, bool& handled) {
 void frmMonitor::mnuCommOpen_Click() {
     Trapped("frmMonitor.mnuCommOpen_Click", [this] {
         comMonitor.PerformCommand(TerminalCommand::Open);
-        if (!comMonitor.PortOpen())
-            mPlatform.boxes.Show(
-                {.text = Text(1001), .title = "", .icon = BoxIcon::Exclamation, .owner = Handle()});
+        if (!comMonitor.PortOpen()) TellPortTrouble();
         if (!Gone()) UpdateStatus();
     });
 }
 
 void frmMonitor::mnuCommClose_Click() {
     Trapped("frmMonitor.mnuCommClose_Click", [this] {
+        // An update must not wait for what somebody pasted here.
+        if (!mOwner.FlashIsRunning()) comMonitor.DrainOutput();
         comMonitor.PerformCommand(TerminalCommand::Close);
         UpdateStatus();
     });
@@ -204,6 +227,12 @@ void frmMonitor::ShowPortSettings() {
     dialog->CenterOn(*this);
     dialog->Show(ShowMode::Modal, this);
     dialog->Unload();
+    if (dialog->ReopenFailed() && !Gone()) TellPortTrouble();
+}
+
+void frmMonitor::TellPortTrouble() {
+    mPlatform.boxes.Show(
+        {.text = Text(1001), .title = "", .icon = BoxIcon::Exclamation, .owner = Handle()});
 }
 
 void frmMonitor::mnuFileExit_Click() {
@@ -241,6 +270,9 @@ void frmMonitor::mnuCaptureEnd_Click() {
 
 void frmMonitor::mnuCaptureSend_Click() {
     Trapped("frmMonitor.mnuCaptureSend_Click", [this] {
+        // The send would run on top of the update, which would stand still until it ends. The menu
+        // entry follows the port alone.
+        if (mOwner.FlashIsRunning()) return mPlatform.boxes.Beep();
         const std::string fileName = AskForFile(811, true);
         if (!fileName.empty()) SendFile(fileName);
     });
@@ -256,7 +288,7 @@ bool frmMonitor::SendFile(const std::string& fileName) {
             progress->Initialize(fileName);
             progress->CenterOn(*this);
             progress->Show(ShowMode::Modeless, this);
-            if (!mPlatform.files.Exists(fileName)) return;
+            if (!FileExists(fileName)) return;
             mPlatform.pump.PumpPending();
             if (Gone()) return;
             sent = SendLines(GetFile(fileName), *progress);
@@ -266,6 +298,13 @@ bool frmMonitor::SendFile(const std::string& fileName) {
             std::erase(mProgress, progress);
         });
     return sent;
+}
+
+/// Normal files only: hidden and system files count as missing.
+bool frmMonitor::FileExists(const std::string& fileName) const {
+    const std::size_t name = fileName.find_last_of("\\/") + 1;
+    return !fileName.empty() &&
+           !mPlatform.files.List(fileName.substr(0, name), fileName.substr(name), {}).empty();
 }
 
 std::string frmMonitor::GetFile(const std::string& fileName) {
@@ -278,8 +317,9 @@ bool frmMonitor::SendLines(const std::string& text, frmSend& progress) {
     const std::vector<std::string_view> lines = SplitLines(text);
     const std::string last = std::to_string(lines.size() - 1);
     CDelay delay(mPlatform.clock, mPlatform.pump);
-    delay.Waiting = [this](bool& cancel) { cancel = Gone(); };
+    delay.Waiting = [this](bool& cancel) { cancel = Gone() || !comMonitor.PortOpen(); };
     bool sent = false;
+    bool lost = false;
     if (Gone()) return false;
     comMonitor.FollowOutput(true);
     comMonitor.EndLines(true);
@@ -288,18 +328,33 @@ bool frmMonitor::SendLines(const std::string& text, frmSend& progress) {
         if (TrimBlanks(lines[i]).empty()) continue;
         comMonitor.Output(lines[i]);
         delay.Delay(kLineIntervalMs);
+        AwaitDriver(delay, progress);
         if (Gone()) return false;
+        lost = !comMonitor.PortOpen();
+        sent = !lost;
+        if (lost) break;
         progress.status(Text(816) + " " + std::to_string(i) + " " + Text(817) + " " + last);
-        sent = true;
         mPlatform.pump.PumpPending();
         if (Gone()) return false;
-        if (progress.Cancelled()) {
-            sent = false;
-            break;
-        }
+        sent = !MustStop(progress);
+        if (sent) continue;
+        comMonitor.DropPendingLines();
+        break;
     }
     comMonitor.FollowOutput(false);
+    if (lost) TellPortTrouble();
     return sent;
+}
+
+/// Keeps the progress with a slow line. With a queue of unsent lines a Cancel would come too late.
+void frmMonitor::AwaitDriver(CDelay& delay, const frmSend& progress) {
+    while (!Gone() && !comMonitor.OutputTaken() && !MustStop(progress)) delay.Delay(kDriverPollMs);
+}
+
+/// An update that is begun during a send runs on top of it, so nothing delays it. What is left of
+/// the file stays unsent when the send comes to it again: the update then waits for its verdict.
+bool frmMonitor::MustStop(const frmSend& progress) const {
+    return progress.Cancelled() || mOwner.FlashIsRunning();
 }
 
 }  // namespace vantor

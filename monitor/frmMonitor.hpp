@@ -18,7 +18,7 @@ class CAppSettings;
 class CDelay;
 class frmSend;
 
-/// What the monitor window asks of the main window when it unloads.
+/// What the monitor window asks of the main window.
 class MonitorOwner {
 public:
     virtual ~MonitorOwner() = default;
@@ -26,6 +26,8 @@ public:
     virtual bool CloseIsWaiting() const = 0;
     /// Goes on with that close.
     virtual void ResumeClose() = 0;
+    /// An indicator is being updated.
+    virtual bool FlashIsRunning() const = 0;
 };
 
 class frmMonitor : public Form {
@@ -42,9 +44,10 @@ public:
     void UpdatePort();
     void UpdateSettings();
 
-    /// Sends the file line by line, one every 50 ms, while the windows stay usable. Divided at
-    /// CR LF only; blank lines are left out. True when at least one line was sent and nobody
-    /// cancelled; false when a window was closed meanwhile.
+    /// Sends the file line by line, one every 50 ms and none before the driver has taken the one
+    /// before, while the windows stay usable. Divided at CR LF only; blank lines are left out. True
+    /// when at least one line was sent and nobody cancelled; false when a window or the port was
+    /// closed meanwhile, the port was lost, or an update was begun.
     bool SendFile(const std::string& fileName);
 
     TerminalControl comMonitor;
@@ -68,6 +71,7 @@ protected:
 
 private:
     void RestorePosition();
+    bool CoversAnother() const;
     void UnloadProgress();
     void ConfigureTerminal();
     void comMonitor_Command(TerminalCommand command, bool& handled);
@@ -79,9 +83,13 @@ private:
     void mnuCaptureEnd_Click();
     void mnuCaptureSend_Click();
     void ShowPortSettings();
+    void TellPortTrouble();
     std::string AskForFile(std::int32_t title, bool openDialog);
     std::string GetFile(const std::string& fileName);
     bool SendLines(const std::string& text, frmSend& progress);
+    bool FileExists(const std::string& fileName) const;
+    void AwaitDriver(CDelay& delay, const frmSend& progress);
+    bool MustStop(const frmSend& progress) const;
     std::string Text(std::int32_t id) const;
 
     Platform& mPlatform;

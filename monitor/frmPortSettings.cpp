@@ -66,17 +66,32 @@ std::string frmPortSettings::ChosenSettings() const {
     return cboSpeed.Text() + "," + parity + "," + cboDataBits.Text() + "," + cboStopBits.Text();
 }
 
+/// Compared by meaning: "9600,n,8,1" is the line that the dialog gives as "9600,N,8,1".
+bool frmPortSettings::IsChange(const std::string& port, const std::string& settings) const {
+    bool same = false;
+    Ignoring(
+        [&] { same = ParseLineSettings(settings) == ParseLineSettings(mTerminal.Settings()); });
+    return port != mTerminal.Port() || !same;
+}
+
+void frmPortSettings::Apply(const std::string& port, const std::string& settings) {
+    const bool reopen = mTerminal.PortOpen();
+    if (reopen) {
+        mTerminal.DrainOutput();
+        mTerminal.PerformCommand(TerminalCommand::Close);
+    }
+    mTerminal.Port(port);
+    mTerminal.Settings(settings);
+    if (reopen) mTerminal.PerformCommand(TerminalCommand::Open);
+    mReopenFailed = reopen && !mTerminal.PortOpen();
+}
+
 void frmPortSettings::cmdOK_Click() {
     Trapped("frmPortSettings.cmdOK_Click", [this] {
         const std::string port = cboPort.Text();
         const std::string settings = ChosenSettings();
         // The same choice again must not interrupt what is arriving.
-        const bool changed = port != mTerminal.Port() || settings != mTerminal.Settings();
-        if (changed && !mTerminal.Parent().Gone()) {
-            mTerminal.Port(port);
-            mTerminal.Settings(settings);
-            if (mTerminal.PortOpen()) mTerminal.PerformCommand(TerminalCommand::Open);
-        }
+        if (IsChange(port, settings) && !mTerminal.Parent().Gone()) Apply(port, settings);
         Unload();
     });
 }

@@ -13,11 +13,15 @@ namespace vantor {
 class TerminalControl;
 
 /// Shows what `terminal` uses now, and gives it what was chosen when OK is pressed; an open port
-/// is opened anew then. Settings that are none show as 38400 bit/s, 8 data bits, no parity, one
-/// stop bit. The line has no flow control, which the dialog says.
+/// is opened anew then. The same choice again changes nothing. Settings that are none show as 38400
+/// bit/s, 8 data bits, no parity, one stop bit. The line has no flow control, which the dialog
+/// says.
 class frmPortSettings : public Form {
 public:
     frmPortSettings(Desktop& desktop, Platform& platform, TerminalControl& terminal);
+
+    /// OK was pressed and has left the port, which was open, closed.
+    bool ReopenFailed() const { return mReopenFailed; }
 
     /// Port, speed, parity, data bits, stop bits, flow control.
     std::array<Label, 6> lblLabels{Label{*this, "lblLabels", 0}, Label{*this, "lblLabels", 1},
@@ -40,9 +44,12 @@ private:
     void ListLine();
     void cmdOK_Click();
     std::string ChosenSettings() const;
+    bool IsChange(const std::string& port, const std::string& settings) const;
+    void Apply(const std::string& port, const std::string& settings);
 
     Platform& mPlatform;
     TerminalControl& mTerminal;
+    bool mReopenFailed = false;
 };
 
 }  // namespace vantor

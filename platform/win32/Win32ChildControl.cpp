@@ -23,7 +23,10 @@ struct Looks {
 Looks LooksOf(const Control& control, const ControlDesign& row) {
     switch (control.Kind()) {
         case ControlKind::Label:
-            return {L"STATIC", row.style.centred ? DWORD{SS_CENTER} : DWORD{SS_LEFT}, 0};
+            return {L"STATIC",
+                    (row.style.centred ? DWORD{SS_CENTER} : DWORD{SS_LEFT}) |
+                        (row.style.verbatim ? DWORD{SS_NOPREFIX | SS_ENDELLIPSIS} : 0),
+                    0};
         case ControlKind::CommandButton:
             return {L"BUTTON",
                     (row.style.holdsFocus ? 0 : DWORD{WS_TABSTOP}) |

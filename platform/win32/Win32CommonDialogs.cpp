@@ -1,6 +1,6 @@
 #include "platform/win32/Win32CommonDialogs.hpp"
 
-#include "platform/win32/Windows.hpp"
+#include "platform/win32/Win32DisabledWindows.hpp"
 
 #include <commdlg.h>
 
@@ -21,6 +21,23 @@ std::wstring Buffer(const std::string& text, std::int32_t size) {
 const wchar_t* OrNull(const std::wstring& text) {
     return text.empty() ? nullptr : text.c_str();
 }
+
+/// Puts the current folder back, which the dialogs change with every folder that is shown. A
+/// folder that is held as current cannot be removed, nor can its drive.
+class KeptFolder {
+public:
+    KeptFolder() : mFolder(GetCurrentDirectoryW(0, nullptr), L'\0') {
+        mFolder.resize(GetCurrentDirectoryW(static_cast<DWORD>(mFolder.size()), mFolder.data()));
+    }
+    ~KeptFolder() {
+        if (!mFolder.empty()) static_cast<void>(SetCurrentDirectoryW(mFolder.c_str()));
+    }
+    KeptFolder(const KeptFolder&) = delete;
+    KeptFolder& operator=(const KeptFolder&) = delete;
+
+private:
+    std::wstring mFolder;
+};
 
 bool Show(FileDialogRecord& record, Dialog dialog) {
     const std::wstring title = ToWide(record.title);
@@ -46,6 +63,8 @@ bool Show(FileDialogRecord& record, Dialog dialog) {
     wide.lpstrDefExt = OrNull(extension);
     // The current look of the dialog, whatever else is asked for.
     wide.Flags = record.flags | OFN_EXPLORER;
+    const KeptFolder folderBefore;
+    const Win32DisabledWindows others(wide.hwndOwner);
     if (dialog(&wide) == 0) return false;
     record.file = ToUtf8(file);
     record.fileTitle = ToUtf8(fileTitle);

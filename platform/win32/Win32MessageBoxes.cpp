@@ -1,8 +1,6 @@
 #include "platform/win32/Win32MessageBoxes.hpp"
 
-#include <vector>
-
-#include "platform/win32/Windows.hpp"
+#include "platform/win32/Win32DisabledWindows.hpp"
 
 namespace vantor {
 namespace {
@@ -68,44 +66,16 @@ HWND WindowInUse() {
     return found;
 }
 
-/// Keeps all windows of this thread but `owner` from taking input while it lives.
-class OthersDisabled {
-public:
-    explicit OthersDisabled(HWND owner) : mOwner(owner) {
-        const auto disable = [](HWND window, LPARAM self) -> BOOL {
-            auto& others = *reinterpret_cast<OthersDisabled*>(self);
-            if (window == others.mOwner || !TakesInput(window)) return TRUE;
-            others.mDisabled.push_back(window);
-            static_cast<void>(EnableWindow(window, FALSE));
-            return TRUE;
-        };
-        static_cast<void>(
-            EnumThreadWindows(GetCurrentThreadId(), disable, reinterpret_cast<LPARAM>(this)));
-    }
-    ~OthersDisabled() {
-        for (const HWND window : mDisabled) static_cast<void>(EnableWindow(window, TRUE));
-    }
-    OthersDisabled(const OthersDisabled&) = delete;
-    OthersDisabled& operator=(const OthersDisabled&) = delete;
-
-private:
-    HWND mOwner;
-    std::vector<HWND> mDisabled;
-};
-
 }  // namespace
 
 BoxAnswer Win32MessageBoxes::Show(const MessageBoxRequest& request) {
-    if (request.owner != 0) return ShowOwned(request, request.owner);
-    const HWND owner = WindowInUse();
-    const OthersDisabled others(owner);
-    return ShowOwned(request, reinterpret_cast<NativeWindow>(owner));
-}
-
-BoxAnswer Win32MessageBoxes::ShowOwned(const MessageBoxRequest& request, NativeWindow owner) const {
+    const HWND owner =
+        request.owner != 0 ? reinterpret_cast<HWND>(request.owner) : WindowInUse();
+    const Win32DisabledWindows others(owner);
+    const UINT modality = owner == nullptr ? MB_TASKMODAL : MB_APPLMODAL;
     const std::wstring title = ToWide(request.title.empty() ? mDefaultTitle : request.title);
-    switch (MessageBoxW(reinterpret_cast<HWND>(owner), ToWide(request.text).c_str(), title.c_str(),
-                        IconFlag(request.icon) | ButtonFlag(request.buttons))) {
+    switch (MessageBoxW(owner, ToWide(request.text).c_str(), title.c_str(),
+                        IconFlag(request.icon) | ButtonFlag(request.buttons) | modality)) {
         case IDYES:
             return BoxAnswer::Yes;
         case IDNO:

@@ -16,7 +16,6 @@ public:
     void Beep() override;
 
 private:
-    BoxAnswer ShowOwned(const MessageBoxRequest& request, NativeWindow owner) const;
 
     std::string mDefaultTitle;
 };

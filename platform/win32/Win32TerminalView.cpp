@@ -8,73 +8,16 @@
 #include <string_view>
 #include <utility>
 
+#include "platform/win32/Win32CellLooks.hpp"
 #include "support/Traps.hpp"
 
 namespace vantor {
 namespace {
 
-constexpr UINT_PTR kScrollTimer = 1;
+enum : UINT_PTR { kScrollTimer = 1, kAnnounceTimer };
 constexpr UINT kScrollIntervalMs = 50;
+constexpr UINT kAnnounceIntervalMs = 300;
 constexpr int kCaretPixels = 2;
-
-constexpr std::array<COLORREF, kDefaultColour> kPalette = {
-    RGB(0, 0, 0),       RGB(170, 0, 0),    RGB(0, 130, 0),    RGB(150, 90, 0),
-    RGB(0, 0, 170),     RGB(150, 0, 150),  RGB(0, 130, 130),  RGB(192, 192, 192),
-    RGB(110, 110, 110), RGB(255, 60, 60),  RGB(40, 190, 40),  RGB(230, 190, 0),
-    RGB(70, 90, 255),   RGB(230, 70, 230), RGB(30, 190, 190), RGB(255, 255, 255)};
-
-COLORREF ColourOf(std::uint8_t colour, int otherwise) {
-    return colour < kDefaultColour ? kPalette[colour] : GetSysColor(otherwise);
-}
-
-struct RunColours {
-    COLORREF ink;
-    COLORREF ground;
-};
-
-/// True while the user has the whole system in few colours of strong contrast.
-bool HighContrast() {
-    HIGHCONTRASTW choice{};
-    choice.cbSize = sizeof choice;
-    return SystemParametersInfoW(SPI_GETHIGHCONTRAST, sizeof choice, &choice, 0) != 0 &&
-           (choice.dwFlags & HCF_HIGHCONTRASTON) != 0;
-}
-
-/// `systemOnly`: whatever colours the far end asks for.
-RunColours ColoursOf(const Cell& cell, bool selected, bool systemOnly) {
-    RunColours colours = {GetSysColor(COLOR_WINDOWTEXT), GetSysColor(COLOR_WINDOW)};
-    if (!systemOnly)
-        colours = {ColourOf(cell.foreground, COLOR_WINDOWTEXT),
-                   ColourOf(cell.background, COLOR_WINDOW)};
-    if ((cell.flags & kReversed) != 0) std::swap(colours.ink, colours.ground);
-    if (selected) colours = {GetSysColor(COLOR_HIGHLIGHTTEXT), GetSysColor(COLOR_HIGHLIGHT)};
-    if ((cell.flags & kConcealed) != 0) colours.ink = colours.ground;
-    return colours;
-}
-
-bool LooksLike(const Cell& one, const Cell& other) {
-    return one.foreground == other.foreground && one.background == other.background &&
-           one.flags == other.flags;
-}
-
-/// What each byte is in the system's code page. One by one: where two bytes can make a character
-/// they are still two cells.
-const std::array<wchar_t, 256>& Characters() {
-    static const std::array<wchar_t, 256> characters = [] {
-        std::array<wchar_t, 256> table{};
-        for (std::size_t i = 0; i < table.size(); ++i) {
-            const char byte = static_cast<char>(i);
-            table[i] = L' ';
-            static_cast<void>(MultiByteToWideChar(CP_ACP, 0, &byte, 1, &table[i], 1));
-        }
-        return table;
-    }();
-    return characters;
-}
-
-wchar_t Wide(char character) {
-    return Characters()[static_cast<unsigned char>(character)];
-}
 
 bool IsDown(int key) {
     return GetKeyState(key) < 0;
@@ -149,7 +92,7 @@ std::optional<LRESULT> Win32TerminalView::Handle(UINT message, WPARAM first, LPA
             OnWheel(GET_WHEEL_DELTA_WPARAM(first));
             return 0;
         case WM_TIMER:
-            OnScrollTimer();
+            first == kScrollTimer ? OnScrollTimer() : Announce();
             return 0;
         case WM_SETFOCUS:
             static_cast<void>(CreateCaret(mWindow, nullptr, mFont.Width(), kCaretPixels));
@@ -217,6 +160,7 @@ void Win32TerminalView::Follow(Property property) {
         static_cast<void>(InvalidateRect(mWindow, nullptr, FALSE));
     else if (mControl.Screen().AnyDirty())
         InvalidateDirty();
+    if (property == Property::Value && mControl.Screen().AnyDirty()) AnnounceSoon();
     mShownFirst = mControl.FirstShownLine();
     mControl.Screen().Clean();
 }
@@ -285,10 +229,10 @@ void Win32TerminalView::PaintRun(HDC target, POINT from, std::span<const Cell> r
     std::array<wchar_t, TerminalScreen::kMostColumns> text{};
     std::array<INT, TerminalScreen::kMostColumns> steps{};
     std::ranges::transform(run, text.begin(),
-                           [](const Cell& cell) { return Wide(cell.character); });
+                           [](const Cell& cell) { return LetterOf(cell.character); });
     std::fill_n(steps.begin(), run.size(), mFont.Width());
     const Cell& look = run.front();
-    const RunColours colours = ColoursOf(look, selected, mHighContrast);
+    const CellColours colours = ColoursOf(look, selected, mHighContrast);
     const auto count = static_cast<int>(run.size());
     const int left = static_cast<int>(from.x) * mFont.Width();
     const int top = static_cast<int>(from.y) * mFont.Height();
@@ -420,10 +364,18 @@ void Win32TerminalView::OnCharacter(wchar_t character) {
     constexpr wchar_t kCtrlC = 3;
     if (character == kCtrlC && !mControl.Selection().Empty()) {
         mControl.Invoke(TerminalCommand::Copy);
+        if (mWindow != nullptr) Unselect();  // the next one is for the line
         return;
     }
+    if (IS_HIGH_SURROGATE(character)) {
+        mHighSurrogate = character;
+        return;
+    }
+    std::wstring typed(1, character);
+    const wchar_t high = std::exchange(mHighSurrogate, L'\0');
+    if (IS_SURROGATE_PAIR(high, character)) typed.insert(0, 1, high);
     Unselect();
-    mControl.Type(ToUtf8({&character, 1}));
+    mControl.Type(ToUtf8(typed));
 }
 
 // --- selecting ----------------------------------------------------------------------------------
@@ -524,10 +476,23 @@ std::wstring Win32TerminalView::ShownText() const {
     for (int row = 0; row < mControl.Screen().Rows(); ++row) {
         if (row > 0) text += L"\r\n";
         for (const Cell& cell : mControl.Screen().Line(mControl.FirstShownLine() + row))
-            text += Wide(cell.character);
+            text += LetterOf(cell.character);
         text.resize(text.find_last_not_of(L' ') + 1);
     }
     return text;
+}
+
+// Screen readers speak at each event, so text that arrives in pieces raises one for many.
+void Win32TerminalView::AnnounceSoon() {
+    if (!mAnnouncing)
+        mAnnouncing = SetTimer(mWindow, kAnnounceTimer, kAnnounceIntervalMs, nullptr) != 0;
+}
+
+void Win32TerminalView::Announce() {
+    static_cast<void>(KillTimer(mWindow, kAnnounceTimer));
+    mAnnouncing = false;
+    NotifyWinEvent(EVENT_OBJECT_VALUECHANGE, mWindow, OBJID_CLIENT, CHILDID_SELF);
+    NotifyWinEvent(EVENT_OBJECT_LIVEREGIONCHANGED, mWindow, OBJID_CLIENT, CHILDID_SELF);
 }
 
 LRESULT Win32TerminalView::GiveText(std::size_t room, wchar_t* into) const {

@@ -65,6 +65,8 @@ private:
 
     bool OnContextMenu(LPARAM where);
     int AskForCommand(POINT at) const;
+    void AnnounceSoon();
+    void Announce();
     std::wstring ShownText() const;
     LRESULT GiveText(std::size_t room, wchar_t* into) const;
 
@@ -75,6 +77,8 @@ private:
     std::int64_t mShownFirst = 0;  // the first line of the view as it was last told to be painted
     std::optional<TextPosition> mAnchor;  // while the mouse selects
     bool mScrolling = false;              // the mouse is above or below the text meanwhile
+    bool mAnnouncing = false;             // screen readers will be told of new text
+    wchar_t mHighSurrogate = L'\0';       // the first half of a character that is being typed
     int mWheel = 0;                       // what wheels have turned, less than a notch
 };
 

@@ -12,6 +12,8 @@ namespace vantor {
 namespace {
 
 const std::string kFile = "C:\\files\\setup.txt";
+const Texts kPortTrouble = {
+    "!||Unable to open communications port. Check your settings and try again."};
 
 class MonitorTest : public testing::Test {
 protected:
@@ -52,6 +54,7 @@ protected:
         mPlatform.peers.onChange = [this](const Control& control, Property property) {
             if (control.Name() != "lblStatus" || property != Property::Repaint) return;
             mStatus.push_back(control.Caption());
+            EXPECT_TRUE(mWire.received.ends_with('\r')) << "the progress runs ahead of the line";
         };
         return mMonitor->SendFile(kFile);
     }
@@ -104,12 +107,28 @@ TEST_F(MonitorTest, TheSettingsCommandUpdatesBothPanelsAndReopens) {
         dialog.cmdCancel.Press();
     });
     EXPECT_EQ(Panels(), "Connected|COM4|9600,E,7,1|");
+    mMonitor->comMonitor.Settings("9600,e,7,1");
+    other.line = {};
+    choose([](frmPortSettings& dialog) { dialog.cmdOK.Press(); });
+    mMonitor->mnuCommOpen.Press();
+    EXPECT_EQ(other.line, LineSettings{}) << "opened anew without a change";
+    EXPECT_EQ(Told(mPlatform), Texts{});
     mPlatform.ports.Hold("COM1", true);
     choose([](frmPortSettings& dialog) {
         dialog.cboPort.Choose(0);
         dialog.cmdOK.Press();
     });
     EXPECT_EQ(Panels(), "Disconnected|COM1|9600,E,7,1|") << "opened anew on a port that is busy";
+    EXPECT_EQ(Told(mPlatform), kPortTrouble);
+}
+
+TEST_F(MonitorTest, ASecondWindowIsBesideTheFirst) {
+    const Place first = mMonitor->Place();
+    const std::shared_ptr<frmMonitor> second = Open();
+    EXPECT_EQ(second->Place(),
+              (Place{first.left + 375, first.top + 375, first.width, first.height}));
+    second->Unload();
+    EXPECT_EQ(mMonitor->Place(), first);
 }
 
 TEST_F(MonitorTest, ACloseOfTheMainWindowThatWaitsGoesOnWhenTheMonitorUnloads) {
@@ -135,10 +154,12 @@ TEST_F(MonitorTest, CapturesIntoTheFileThatWasConfirmed) {
     arrive("one\r\n");
     mMonitor->mnuCaptureStart.Press();
     arrive("two");
+    mWire.sent = "waiting";
     mMonitor->mnuCaptureEnd.Press();
     mMonitor->mnuCaptureEnd.Press();
     arrive("three");
-    EXPECT_EQ(mPlatform.files.ReadAll("/tmp/a.txt"), "one\r\ntwo") << "a cancel changes nothing";
+    EXPECT_EQ(mPlatform.files.ReadAll("/tmp/a.txt"), "one\r\ntwowaiting")
+        << "a cancel changes nothing, and what has arrived belongs to it";
     const FileDialogRecord& asked = mPlatform.dialogs.shown.at(0);
     EXPECT_EQ(asked.title + asked.defaultExtension, "Capture Filename.txt");
     EXPECT_EQ(asked.flags, 2050u);
@@ -175,6 +196,9 @@ TEST_F(MonitorTest, SendsOnlyWhatIsThere) {
     EXPECT_EQ(Told(mPlatform), Texts{});
     EXPECT_TRUE(Send("no line end"));
     EXPECT_EQ(mWire.received, "no line end\r");
+    mPlatform.files.Add("C:\\files\\hidden.txt", "x");
+    mPlatform.files.SetHidden("C:\\files\\hidden.txt");
+    EXPECT_FALSE(mMonitor->SendFile("C:\\files\\hidden.txt")) << "no normal file";
     mPlatform.files.FailOn(kFile, 70);
     EXPECT_FALSE(mMonitor->SendFile(kFile));
     EXPECT_EQ(Told(mPlatform), Texts{"none|GetFile|Error: 70. Permission denied"});
@@ -218,6 +242,52 @@ TEST_F(MonitorTest, ACancelOrAClosedWindowEndsASendAfterTheLineInProgress) {
         if (mMonitor->Gone() && !mMain->Gone()) mMonitor = Open();
     }
     EXPECT_EQ(mPlatform.peers.open, Texts{});
+}
+
+TEST_F(MonitorTest, ASendEndsWithThePortAndSaysSo) {
+    const std::function<void()> ways[] = {
+        [this] { mWire.gone = true; },
+        [this] { mMonitor->mnuCommClose.Press(); },
+    };
+    for (const auto& end : ways) {
+        mWire.received.clear();
+        mWire.gone = false;
+        mPlatform.boxes.shown.clear();
+        After(60, end);
+        EXPECT_FALSE(Send("1\r\n2\r\n3\r\n4\r\n"));
+        EXPECT_EQ(mWire.received, "1\r2\r");
+        EXPECT_EQ(Told(mPlatform), kPortTrouble);
+        EXPECT_EQ(Progress(), nullptr);
+    }
+}
+
+TEST_F(MonitorTest, AnUpdateIsNotHeldUpByASend) {
+    After(60, [this] { mMain->Flags().mblnFlashing = true; });
+    EXPECT_FALSE(Send("1\r\n2\r\n3\r\n"));
+    EXPECT_EQ(mWire.received, "1\r2\r");
+    mMonitor->mnuCaptureSend.Press();
+    EXPECT_TRUE(mPlatform.dialogs.shown.empty());
+    EXPECT_EQ(mPlatform.boxes.beeps, 1);
+    // Nor by a close, which does not wait for the line then.
+    mPlatform.ports.LimitWrites(1);
+    mMonitor->comMonitor.Key("0123456789");
+    mMonitor->mnuCommClose.Press();
+    EXPECT_LT(mWire.received.size(), 10u);
+    mMain->Flags().mblnFlashing = false;
+}
+
+TEST_F(MonitorTest, OnASlowLineTheProgressKeepsToItACancelEndsItAndACloseWaitsForIt) {
+    mPlatform.ports.LimitWrites(1);
+    const std::string longLine(100, 'x');
+    EXPECT_TRUE(Send(longLine + "\r\n2\r\n"));
+    EXPECT_EQ(mStatus, (Texts{"Line 0 of 2 ", "Line 1 of 2 "}));
+    mWire.received.clear();
+    After(60, [this] { Progress()->cmdCancel.Press(); });
+    mPlatform.peers.onChange = {};
+    mPlatform.files.Add(kFile, longLine + "\n2\n3\n");
+    EXPECT_FALSE(mMonitor->SendFile(kFile));
+    mMonitor->mnuCommClose.Press();
+    EXPECT_EQ(mWire.received, longLine + "\n") << "the line that had begun, and no more";
 }
 
 }  // namespace

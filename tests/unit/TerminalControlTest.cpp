@@ -81,13 +81,15 @@ TEST_F(TerminalControlTest, CapturesWhatIsReceivedByteForByte) {
     Arrive(more);
     for (int i = 0; i < 3; ++i) mPlatform.pump.PumpPending();
     mCom.CaptureFile("/tmp/second.txt");
+    EXPECT_EQ(Raised([&] { mCom.CaptureFile("/no folder/x.txt"); }).Number(), 76);
     Arrive("second");
+    mWire.sent = " and last";
+    mCom.PerformCommand(TerminalCommand::Close);
     mCom.CaptureFile("");
     mCom.CaptureFile("");
     Arrive("after");
     EXPECT_EQ(mPlatform.files.ReadAll(kPath), all + more);
-    EXPECT_EQ(mPlatform.files.ReadAll("/tmp/second.txt"), "second");
-    EXPECT_EQ(Raised([&] { mCom.CaptureFile("/no folder/x.txt"); }).Number(), 76);
+    EXPECT_EQ(mPlatform.files.ReadAll("/tmp/second.txt"), "second and last");
     EXPECT_EQ(mCom.CaptureFile(), "");
 }
 
@@ -131,10 +133,19 @@ TEST_F(TerminalControlTest, TheOwnerMayHandleACommandOfTheMenu) {
     mCom.Invoke(TerminalCommand::Close);
     EXPECT_FALSE(mCom.PortOpen());
     EXPECT_EQ(raised.size(), 2u);
+    mCom.PerformCommand(TerminalCommand::Open);
+    mCom.Command.Handle([this](TerminalCommand, bool& handled) {
+        handled = true;
+        mCom.Invoke(TerminalCommand::Close);
+    });
+    mCom.Invoke(TerminalCommand::Settings);
+    EXPECT_TRUE(mCom.PortOpen()) << "its owner was busy and is not passed over";
 }
 
 TEST_F(TerminalControlTest, CopyTakesTheSelectionAndLeavesTheClipboardWithoutOne) {
     mPlatform.clipboard.Text("kept");
+    mCom.PerformCommand(TerminalCommand::Copy);
+    mCom.PerformCommand(TerminalCommand::SelectAll);
     mCom.PerformCommand(TerminalCommand::Copy);
     EXPECT_EQ(mPlatform.clipboard.Text(), "kept");
     Arrive("12.5 kg\r\n\x80 \xF1");
@@ -160,6 +171,47 @@ TEST_F(TerminalControlTest, AViewMovedUpStaysUntilItsUserOrATransmissionReturns)
     mCom.ScrollTo(3);
     mCom.PerformCommand(TerminalCommand::Clear);
     EXPECT_EQ(mCom.FirstShownLine(), mCom.Screen().TopLine());
+}
+
+TEST_F(TerminalControlTest, WhatCannotBeSentIsNotAndBeeps) {
+    const auto beeps = [this](const std::function<void()>& user) {
+        mPlatform.clock.Sleep(1000);
+        mPlatform.boxes.beeps = 0;
+        user();
+        return mPlatform.boxes.beeps;
+    };
+    EXPECT_EQ(beeps([this] { mCom.Type("?ñ"); }), 0);
+    EXPECT_EQ(beeps([this] { mCom.Type("Ω"); }), 1);
+    mPlatform.clipboard.Text("ok\r\n\r\n1 Ω");
+    EXPECT_EQ(beeps([this] { mCom.Paste(); }), 0);
+    EXPECT_EQ(
+        Told(mPlatform),
+        Texts{"!||Nothing was pasted. This character cannot be sent: Ω (U+03A9), in line 3."});
+    EXPECT_EQ(mWire.received, "?\xF1");
+    mWire.gone = true;
+    EXPECT_EQ(beeps([this] { mCom.Key("a"); }), 1) << "lost, and nobody knew";
+    EXPECT_EQ(beeps([this] { mCom.Paste(); }), 1);
+    EXPECT_EQ(Told(mPlatform).size(), 1u);
+}
+
+TEST_F(TerminalControlTest, BellsAreHeardFourTimesASecondAtMost) {
+    const std::uint32_t start = mPlatform.clock.Milliseconds();
+    while (mPlatform.clock.Milliseconds() - start < 1000) Arrive("\a\a");
+    EXPECT_EQ(mPlatform.boxes.beeps, 4);
+}
+
+TEST_F(TerminalControlTest, AMarkGoesWithItsText) {
+    Arrive("one\r\ntwo");
+    mCom.SelectAll();
+    Arrive(" more\r\nthree");
+    EXPECT_EQ(mCom.SelectedText(), "one\r\ntwo");
+    Arrive("\x1B[Hx");
+    EXPECT_TRUE(mCom.Selection().Empty()) << "overwritten";
+    mCom.SelectAll();
+    std::string lines;
+    for (int i = 0; i < 11'000; ++i) lines += "\r\n";
+    Arrive(lines);
+    EXPECT_TRUE(mCom.Selection().Empty()) << "dropped out of the history";
 }
 
 }  // namespace

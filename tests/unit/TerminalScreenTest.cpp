@@ -72,9 +72,13 @@ constexpr Case kCases[] = {
     {"abcd\x1B[1;2H\x1B[4hXY\x1B[4lZ", "aXYZcd||||0,4"},
     {"1\r\n2\r\n3\r\n4\x1B[2;1H\x1B[L", "1||2|3|1,0"},
     {"1\r\n2\r\n3\x1B[S", "2|3|||2,1"},
+    {"1\r\n2\r\n3\r\n4\x1B[1;1H\x1B[2L", "||1|2|0,0"},
+    {"1\r\n2\r\n3\r\n4\x1B[2;1H\x1B[9999L", "1||||1,0"},
+    {"1\r\n2\r\n3\r\n4\x1B[1;1H\x1B[3M", "4||||0,0"},
     // the scroll region
     {"1\r\n2\r\n3\r\n4\x1B[2;3r\x1B[3;1H\nx", "1|3|x|4|2,1"},
     {"1\r\n2\r\n3\r\n4\x1B[2;3r\x1B[2;1H\x1BMx", "1|x|2|4|1,1"},
+    {"1\r\n2\r\n3\r\n4\x1B[1;3r\x1B[2Sx", "x|||4|0,1"},
     {"\x1B[2;3r\x1B[?6h\x1B[1;1Ha\x1B[9;1Hb", "|a|b||2,1"},
     {"1\r\n2\r\n3\r\n4\x1B[3;2r\n5", "2|3|4| 5|3,2"},
     {"\x1B[2;3r\x1B[2;1H\x1B[9Aa\x1B[9Bb", "|a| b||2,2"},
@@ -142,13 +146,28 @@ TEST(TerminalScreen, TheHistoryKeepsTheNewestLinesUnderTheirNumbers) {
     EXPECT_TRUE(screen.Line(screen.FirstLine() - 1).empty() && screen.Line(kLines + 1).empty());
 }
 
-TEST(TerminalScreen, AClearedPageStaysReadableFurtherUp) {
-    TerminalScreen screen(8, 3);
-    TerminalParser parser(screen);
-    parser.Write(
-        "1\r\n2\x1B[2J\x1B[Ha\fb\x1B"
-        "cd");
-    EXPECT_EQ(Shown(screen, 0), "1|2|a|b|d|||0,1");
+TEST(TerminalScreen, WhatLeavesTheScreenStaysReadableFurtherUp) {
+    constexpr Case kPages[] = {
+        {"1\r\n2\x1B[2J\x1B[Ha\fb\x1B"
+         "cd",
+         "1|2|a|b|d|||0,1"},
+        {"a\x1B[2J\x1B[Hb\x1B[2J\x1B[Hc\x1B[2J\x1B[Hd", "a|d|||0,1"},  // redrawn, not scrolled
+        {"a\x1B[2J\x1B[Hb\r\nc\r\nd\r\ne\x1B[2J\x1B[Hf", "a|b|c|d|e|f|||0,1"},
+        {"1\r\n2\r\n3\x1B[1;2r\x1B[2;1H\n4\r\n5", "1|2|4|5|3|1,1"},
+    };
+    for (const Case& test : kPages) {
+        TerminalScreen screen(8, 3);
+        TerminalParser(screen).Write(test.bytes);
+        EXPECT_EQ(Shown(screen, 0), test.shown) << testing::PrintToString(test.bytes);
+    }
+}
+
+TEST(TerminalScreen, ALongTextForTheTerminalItselfIsSwallowedWhole) {
+    for (const char* const begin : {"\x1B]0;", "\x1BPq"}) {
+        TerminalScreen screen(8, 4);
+        TerminalParser(screen).Write(begin + std::string(4094, 'x') + "\x1B\\b");
+        EXPECT_EQ(Shown(screen, 0), "b||||0,1");
+    }
 }
 
 TEST(TerminalScreen, AResizeLosesNoTextAndLeavesTheCursorOnIt) {
@@ -192,12 +211,19 @@ TEST(TerminalScreen, OnlyWhatChangedIsToBeDrawn) {
     EXPECT_EQ(dirty("\x1B[3;1H"), "02") << "the cursor leaves one row and enters another";
     EXPECT_EQ(dirty("\x1B[2;3r\x1B[2;1H\x1B[L"), "012");
     EXPECT_EQ(dirty("\x1B[r\x1B[4;1H\n"), "0123");
+    EXPECT_EQ(dirty("\x1B[?25l"), "3") << "where the cursor was";
 }
 
 TEST(TerminalSelection, GivesTheTextAsLinesWereSent) {
     TerminalScreen screen(8, 4, 1);
     TerminalParser parser(screen);
     TerminalSelection selection(screen);
+    selection.SetAll();
+    EXPECT_TRUE(selection.Empty()) << "there is no text";
+    parser.Write("123456789\x1B[Hab");
+    selection.SetAll();
+    EXPECT_EQ(selection.Text(), "ab345678\r\n9") << "written anew, a line that was broken ends";
+    parser.Write("\x1B[2;1H\x1B[K\x1B[H");
     parser.Write("12345678abc  \r\n\r\n  x ");
     selection.SetAll();
     EXPECT_EQ(selection.Text(), "12345678abc\r\n\r\n  x");

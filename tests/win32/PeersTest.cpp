@@ -104,6 +104,7 @@ std::shared_ptr<Form> MakeMonitor(Desktop& desktop, Platform& platform) {
     struct : MonitorOwner {
         bool CloseIsWaiting() const override { return false; }
         void ResumeClose() override {}
+        bool FlashIsRunning() const override { return false; }
     } static nobody;
     return std::make_shared<frmMonitor>(desktop, platform, nobody);
 }

@@ -1,10 +1,13 @@
 // The terminal's window: what it paints, and what mouse, wheel and keys do to its control.
 #include <gtest/gtest.h>
 
+#include <cstdlib>
 #include <string>
 
 #include "monitor/frmMonitor.hpp"
+#include "platform/win32/Win32CellLooks.hpp"
 #include "platform/win32/Win32ChildControl.hpp"
+#include "platform/win32/Win32MessageBoxes.hpp"
 #include "tests/unit/Wire.hpp"
 #include "tests/win32/RealWindows.hpp"
 
@@ -50,6 +53,7 @@ protected:
 private:
     bool CloseIsWaiting() const override { return false; }
     void ResumeClose() override {}
+    bool FlashIsRunning() const override { return false; }
 };
 
 TEST_F(TerminalView, ADragMarksTextWhichCtrlCCopiesInsteadOfBeingSent) {
@@ -63,10 +67,75 @@ TEST_F(TerminalView, ADragMarksTextWhichCtrlCCopiesInsteadOfBeingSent) {
     Send(WM_CHAR, 3);
     EXPECT_EQ(platform.clipboard.Text(), "11\r\nline 1");
     EXPECT_EQ(wire.received, "");
-    Send(WM_CHAR, 'a');  // unmarks
-    Send(WM_CHAR, 3);
+    Send(WM_CHAR, 3);  // nothing is marked any more
     platform.queue.PumpPending();
-    EXPECT_EQ(wire.received, "a\x03");
+    EXPECT_EQ(wire.received, "\x03");
+}
+
+TEST_F(TerminalView, TheTwoHalvesOfACharacterAreOne) {
+    terminal.PerformCommand(TerminalCommand::Open);
+    Send(WM_CHAR, 0xD83D);
+    EXPECT_EQ(platform.boxes.beeps, 0) << "half a character";
+    Send(WM_CHAR, 0xDE00);
+    EXPECT_EQ(platform.boxes.beeps, 1) << "the code page has it not";
+    Send(WM_CHAR, 'a');
+    EXPECT_EQ(wire.received, "a");
+}
+
+TEST_F(TerminalView, NewTextIsAnnouncedNowAndThen) {
+    static int announced;
+    announced = 0;
+    const HWINEVENTHOOK hook = SetWinEventHook(
+        EVENT_OBJECT_LIVEREGIONCHANGED, EVENT_OBJECT_LIVEREGIONCHANGED, nullptr,
+        [](HWINEVENTHOOK, DWORD, HWND, LONG, LONG, DWORD, DWORD) { ++announced; },
+        GetCurrentProcessId(), 0, WINEVENT_OUTOFCONTEXT);
+    ASSERT_NE(hook, nullptr);
+    terminal.PerformCommand(TerminalCommand::Open);
+    int written = 0;
+    for (const ULONGLONG start = GetTickCount64(); announced < 2; ++written) {
+        wire.sent = "x";
+        platform.queue.PumpPending();
+        ASSERT_LT(GetTickCount64() - start, 30'000u);
+    }
+    EXPECT_GT(written, 4);
+    UnhookWinEvent(hook);
+}
+
+TEST_F(TerminalView, LettersShowWhereOnlyOneColourWasChosen) {
+    const auto difference = [](COLORREF a, COLORREF b) {
+        return std::abs(GetRValue(a) - GetRValue(b)) + std::abs(GetGValue(a) - GetGValue(b)) +
+               std::abs(GetBValue(a) - GetBValue(b));
+    };
+    for (std::uint8_t colour = 0; colour < kDefaultColour; ++colour) {
+        for (const Cell& cell : {Cell{'x', colour}, Cell{'x', kDefaultColour, colour},
+                                 Cell{'x', colour, kDefaultColour, kReversed}}) {
+            const CellColours colours = ColoursOf(cell, false, false);
+            EXPECT_GT(difference(colours.ink, colours.ground), 200) << int{colour};
+        }
+    }
+    EXPECT_EQ(ColoursOf(Cell{'x', 1}, false, false).ink, RGB(170, 0, 0)) << "as it was chosen";
+}
+
+TEST_F(TerminalView, ABoxOfTheMonitorDisablesEveryOtherWindow) {
+    const auto other = std::make_shared<frmMonitor>(platform.desktop, platform.real, *this);
+    other->Show();
+    static HWND watched;
+    static int enabledMeanwhile;
+    watched = WindowOf(*other);
+    enabledMeanwhile = -1;
+    const UINT_PTR timer = SetTimer(nullptr, 0, 20, [](HWND, UINT, UINT_PTR, DWORD) {
+        const HWND box = FindWindowW(L"#32770", L"Vantor box");
+        if (box == nullptr) return;
+        enabledMeanwhile = IsWindowEnabled(watched);
+        PostMessageW(box, WM_COMMAND, IDOK, 0);
+    });
+    Win32MessageBoxes boxes("Vantor box");
+    boxes.Show({.text = "?", .owner = monitor->Handle()});
+    KillTimer(nullptr, timer);
+    EXPECT_EQ(enabledMeanwhile, 0);
+    EXPECT_NE(IsWindowEnabled(watched), 0);
+    EXPECT_NE(IsWindowEnabled(WindowOf(*monitor)), 0);
+    other->Unload();
 }
 
 TEST_F(TerminalView, WheelAndScrollBarShowWhatHasLeftTheScreen) {

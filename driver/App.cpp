@@ -206,7 +206,7 @@ void ClickAt(POINT at, int times) {
     std::vector<INPUT> inputs = {input};
     input.mi = {};
     for (int i = 0; i < times; ++i)
-        for (const DWORD flags : {MOUSEEVENTF_LEFTDOWN, MOUSEEVENTF_LEFTUP}) {
+        for (const DWORD flags : {DWORD{MOUSEEVENTF_LEFTDOWN}, DWORD{MOUSEEVENTF_LEFTUP}}) {
             input.mi.dwFlags = flags;
             inputs.push_back(input);
         }
@@ -394,8 +394,9 @@ void App::KeyUntil(WORD key, const std::string& what, const std::function<bool()
 
 void App::OpenMenu(WORD key) const {
     Await("the keyboard", [this] { return GetForegroundWindow() == mMain; });
-    KeyUntil(key, std::string("the menu of Alt+") + static_cast<char>(key),
-             [this] { return InMenu(); }, true);
+    KeyUntil(
+        key, std::string("the menu of Alt+") + static_cast<char>(key), [this] { return InMenu(); },
+        true);
 }
 
 bool App::InMenu() const {

@@ -93,7 +93,8 @@ protected:
         app->KeyUntil(key, port, [&] { return options.Text("cboPort") == port; });
     }
     void KeyToEnd(const Window& options, WORD key, bool withAlt = false) const {
-        app->KeyUntil(key, "the end", [&] { return !options.IsThere(); }, withAlt);
+        app->KeyUntil(
+            key, "the end", [&] { return !options.IsThere(); }, withAlt);
         AwaitClosed(options);
     }
 

@@ -176,7 +176,8 @@ TEST_F(TsUpdate, TheAbortButtonAndItsKeyEndTheStreamBeforeTheNextLine) {
         StartFlash();
         AwaitLine(5);
         if (byKey)
-            app->KeyUntil('A', "the abort", [this] { return app->Dialog() != nullptr; }, true);
+            app->KeyUntil(
+                'A', "the abort", [this] { return app->Dialog() != nullptr; }, true);
         else
             app->Press("cmdFlashAbort");
         EXPECT_EQ(App::Read(app->AwaitBox()), kAborted);

@@ -144,7 +144,8 @@ TEST_F(Pictures, ADoubleClickOnTheTitleBarOnlyMakesTheWindowLarge) {
     ASSERT_EQ(SendMessageW(app->Main(), WM_NCHITTEST, 0, MAKELPARAM(at.x, at.y)), HTCAPTION);
     ClickAt(at, 2);
     Await("the large window", [this] { return IsZoomed(app->Main()) != 0; });
-    ASSERT_EQ(WindowFromPoint(at), app->Child("picPicture"));
+    Await("the picture under the mouse",
+          [&] { return WindowFromPoint(at) == app->Child("picPicture"); });
     // Behind the release, so what that has opened would be there too.
     Click();
     ExpectOpened({"http://click/"});

@@ -7,6 +7,7 @@
 #include <string>
 
 #include "driver/PictureCache.hpp"
+#include "resources/Version.h"
 #include "tests/e2e/EndToEnd.hpp"
 
 namespace vantor::driver {

@@ -380,6 +380,9 @@ void App::AwaitInputTaken() const {
           [this] { return !IsRunning() || GetUpdateRect(mMain, nullptr, FALSE) == 0; });
 }
 
+// When a window of the display server gets the focus or the mouse, Wine takes over which keys are
+// down on the real keyboard, and there they are all up. An injected Alt is lost in that way when
+// this comes between it and its key.
 void App::KeyUntil(WORD key, const std::string& what, const std::function<bool()>& condition,
                    bool withAlt) const {
     constexpr unsigned kLostAfterMs = 3'000;

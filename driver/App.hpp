@@ -126,6 +126,8 @@ public:
     static std::string TextIn(HWND box);
 
     bool InMenu() const;
+    /// Waits until the program has taken all input that has been made so far.
+    void AwaitInputTaken() const;
     /// Presses `key` and waits for `condition`. Presses it again when the program has taken all
     /// input and the condition still does not come: the key was lost on its way.
     void KeyUntil(WORD key, const std::string& what, const std::function<bool()>& condition,
@@ -144,7 +146,6 @@ public:
 
 private:
     std::vector<HWND> Windows(const wchar_t* windowClass, bool hiddenToo = false) const;
-    void AwaitInputTaken() const;
 
     Win32Handle mProcess;
     DWORD mId = 0;

@@ -197,6 +197,22 @@ void Key(WORD key, bool withAlt) {
     SendInput(static_cast<UINT>(inputs.size()), inputs.data(), sizeof(INPUT));
 }
 
+void ClickAt(POINT at, int times) {
+    INPUT input{};
+    input.type = INPUT_MOUSE;
+    input.mi.dx = at.x * 65535 / GetSystemMetrics(SM_CXSCREEN);
+    input.mi.dy = at.y * 65535 / GetSystemMetrics(SM_CYSCREEN);
+    input.mi.dwFlags = MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE;
+    std::vector<INPUT> inputs = {input};
+    input.mi = {};
+    for (int i = 0; i < times; ++i)
+        for (const DWORD flags : {DWORD{MOUSEEVENTF_LEFTDOWN}, DWORD{MOUSEEVENTF_LEFTUP}}) {
+            input.mi.dwFlags = flags;
+            inputs.push_back(input);
+        }
+    SendInput(static_cast<UINT>(inputs.size()), inputs.data(), sizeof(INPUT));
+}
+
 void ClickIn(HWND window, int x, int y) {
     PostMessageW(window, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(x, y));
     PostMessageW(window, WM_LBUTTONUP, 0, MAKELPARAM(x, y));
@@ -218,7 +234,7 @@ App::App(const std::string& path) {
     mProcess = StartProgram(path);
     mId = GetProcessId(mProcess.Get());
     Await("the main window", [this] {
-        const std::vector<HWND> forms = Windows(L"VantorForm");
+        const std::vector<HWND> forms = Windows(L"VantorForm", Dialog() != nullptr);
         if (!forms.empty()) mMain = forms.front();
         return mMain != nullptr || !IsRunning();
     });
@@ -234,18 +250,19 @@ DWORD App::RunBeside() {
     return WaitForEnd(process.Get());
 }
 
-std::vector<HWND> App::Windows(const wchar_t* windowClass) const {
+std::vector<HWND> App::Windows(const wchar_t* windowClass, bool hiddenToo) const {
     struct Search {
         DWORD id;
         std::wstring windowClass;
+        bool hiddenToo;
         std::vector<HWND> found;
-    } search = {mId, windowClass, {}};
+    } search = {mId, windowClass, hiddenToo, {}};
     EnumWindows(
         [](HWND window, LPARAM parameter) {
             auto& wanted = *reinterpret_cast<Search*>(parameter);
             DWORD id = 0;
             GetWindowThreadProcessId(window, &id);
-            if (id == wanted.id && IsWindowVisible(window) != 0 &&
+            if (id == wanted.id && (wanted.hiddenToo || IsWindowVisible(window) != 0) &&
                 ClassOf(window) == wanted.windowClass)
                 wanted.found.push_back(window);
             return TRUE;
@@ -356,10 +373,33 @@ Box App::TakeBox(int button) const {
     return box;
 }
 
+// A window is painted when its queue holds no input any more.
+void App::AwaitInputTaken() const {
+    RedrawWindow(mMain, nullptr, nullptr, RDW_INVALIDATE);
+    Await("the end of the input",
+          [this] { return !IsRunning() || GetUpdateRect(mMain, nullptr, FALSE) == 0; });
+}
+
+// When a window of the display server gets the focus or the mouse, Wine takes over which keys are
+// down on the real keyboard, and there they are all up. An injected Alt is lost in that way when
+// this comes between it and its key.
+void App::KeyUntil(WORD key, const std::string& what, const std::function<bool()>& condition,
+                   bool withAlt) const {
+    constexpr unsigned kLostAfterMs = 3'000;
+    constexpr int kPresses = 10;
+    for (int presses = 0; presses < kPresses; ++presses) {
+        Key(key, withAlt);
+        if (Comes(condition, kLostAfterMs)) return;
+        AwaitInputTaken();
+    }
+    Await(what, condition);
+}
+
 void App::OpenMenu(WORD key) const {
     Await("the keyboard", [this] { return GetForegroundWindow() == mMain; });
-    Key(key, true);
-    Await(std::string("the menu of Alt+") + static_cast<char>(key), [this] { return InMenu(); });
+    KeyUntil(
+        key, std::string("the menu of Alt+") + static_cast<char>(key), [this] { return InMenu(); },
+        true);
 }
 
 bool App::InMenu() const {
@@ -378,7 +418,7 @@ HWND App::Focus() const {
     GUITHREADINFO info{};
     info.cbSize = sizeof info;
     GetGUIThreadInfo(GetWindowThreadProcessId(mMain, nullptr), &info);
-    return info.hwndFocus;
+    return info.hwndActive == GetForegroundWindow() ? info.hwndFocus : nullptr;
 }
 
 bool App::IsRunning() const {

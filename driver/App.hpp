@@ -4,6 +4,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -35,6 +36,9 @@ struct Box {
 
 /// Presses and releases a key on the keyboard, for the window in the foreground.
 void Key(WORD key, bool withAlt = false);
+
+/// Moves the mouse to a point of the screen and clicks there, `times` in quick succession.
+void ClickAt(POINT at, int times = 1);
 
 /// Posts a press and a release of the left mouse button at a point of the inside of `window`. What
 /// the mouse itself does comes late on this system, and looks like dragging.
@@ -74,7 +78,8 @@ private:
 
 class App {
 public:
-    /// Starts the program and waits for its window.
+    /// Starts the program and waits for its window, which is hidden behind an error box of the
+    /// start-up.
     explicit App(const std::string& path = Setting("DRIVE_PROGRAM"));
     /// Ends it, whatever it does.
     ~App();
@@ -121,10 +126,17 @@ public:
     static std::string TextIn(HWND box);
 
     bool InMenu() const;
+    /// Waits until the program has taken all input that has been made so far.
+    void AwaitInputTaken() const;
+    /// Presses `key` and waits for `condition`. Presses it again when the program has taken all
+    /// input and the condition still does not come: the key was lost on its way.
+    void KeyUntil(WORD key, const std::string& what, const std::function<bool()>& condition,
+                  bool withAlt = false) const;
     /// Waits until the main window has the keyboard, presses Alt and `key`, waits for the menu.
     void OpenMenu(WORD key) const;
     /// The menu that is open; null while there is none.
     HWND Menu() const;
+    /// The control that gets the keys; null while no window of the program is in the foreground.
     HWND Focus() const;
     bool IsRunning() const;
     /// Waits for the end of the program; its exit status.
@@ -133,7 +145,7 @@ public:
     bool Answers() const;
 
 private:
-    std::vector<HWND> Windows(const wchar_t* windowClass) const;
+    std::vector<HWND> Windows(const wchar_t* windowClass, bool hiddenToo = false) const;
 
     Win32Handle mProcess;
     DWORD mId = 0;

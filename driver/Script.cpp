@@ -13,7 +13,7 @@
 namespace vantor::driver {
 namespace {
 
-constexpr ULONGLONG kPatienceMs = 100'000;
+constexpr unsigned kPatienceMs = 100'000;
 
 /// The log's way of writing bytes undone: \r \n \\ and \xNN.
 std::string Plain(const std::string& text) {
@@ -53,13 +53,17 @@ std::vector<Record> Records(char direction) {
 
 }  // namespace
 
-void Await(const std::string& what, const std::function<bool()>& condition) {
+bool Comes(const std::function<bool()>& condition, unsigned patienceMs) {
     const ULONGLONG start = GetTickCount64();
     while (!condition()) {
-        if (GetTickCount64() - start > kPatienceMs)
-            throw std::runtime_error("waited in vain for: " + what);
+        if (GetTickCount64() - start > patienceMs) return false;
         Sleep(5);
     }
+    return true;
+}
+
+void Await(const std::string& what, const std::function<bool()>& condition) {
+    if (!Comes(condition, kPatienceMs)) throw std::runtime_error("waited in vain for: " + what);
 }
 
 std::string Setting(const char* name) {

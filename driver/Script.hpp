@@ -7,6 +7,9 @@
 
 namespace vantor::driver {
 
+/// Waits up to `patienceMs` for `condition`; false when it does not come.
+bool Comes(const std::function<bool()>& condition, unsigned patienceMs);
+
 /// Waits up to 100 s for `condition`; raises an error that names `what` when it does not come.
 void Await(const std::string& what, const std::function<bool()>& condition);
 

@@ -84,8 +84,7 @@ void Workbench::Command(const Window& monitor, WORD key) const {
     const HWND terminal = monitor.Child("comMonitor");
     PostMessageW(terminal, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(terminal), -1);
     Await("the menu", [this] { return app->InMenu(); });
-    Key(key);
-    Await("the end of the menu", [this] { return !app->InMenu(); });
+    app->KeyUntil(key, "the end of the menu", [this] { return !app->InMenu(); });
 }
 
 Window Workbench::SendFile(const Window& monitor, const std::string& bytes) const {

@@ -1,18 +1,19 @@
 #!/bin/sh
-# Compiles both user guides to the program's help file: help/make.sh tswuhelp.chm
+# Compiles both user guides to the program's help file: help/make.sh GUIDES tswuhelp.chm
+# GUIDES is the folder of the guides with the version filled in, which CMake generates.
 # The pages are in the code page that the viewer's search works in.
 set -eu
 help=$(cd "$(dirname "$0")" && pwd)
-docs=$help/../docs
-mkdir -p "$(dirname "$1")"
-result=$(cd "$(dirname "$1")" && pwd)/$(basename "$1")
+guides=$(cd "$1" && pwd)
+mkdir -p "$(dirname "$2")"
+result=$(cd "$(dirname "$2")" && pwd)/$(basename "$2")
 work=$result.work
 rm -rf "$work"
 mkdir -p "$work/utf8"
 cd "$work"
 
 contents() {  # LANGUAGE GUIDE
-    cmark-gfm -e table --unsafe "$docs/$2" >"$1.html"
+    cmark-gfm -e table --unsafe "$guides/$2" >"$1.html"
     awk -v "language=$1" -v folder=utf8 -f "$help/topics.awk" "$1.html" "$1.html" >"$1.hhc"
 }
 contents en user-guide.md
@@ -25,7 +26,7 @@ echo '</ul></body></html>' >>utf8/contents.hhc
 cp "$help/start.html" utf8
 for page in utf8/*; do iconv -f UTF-8 -t WINDOWS-1252 "$page" >"$(basename "$page")"; done
 rm -r utf8 en.html es.html
-cp -R "$docs/images" "$help/help.css" .
+cp -R "$help/../docs/images" "$help/help.css" .
 
 {
     printf '[OPTIONS]\nCompatibility=1.1\nCompiled file=tswuhelp.chm\nContents file=contents.hhc\n'

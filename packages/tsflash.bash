@@ -1,3 +1,4 @@
+# shellcheck shell=bash
 # Completion of tsflash for bash. The options are asked of the program itself.
 _tsflash() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}

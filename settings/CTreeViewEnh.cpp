@@ -1,12 +1,24 @@
 #include "settings/CTreeViewEnh.hpp"
 
-#include <sstream>
+#include <utility>
 
 #include "app/base/StoredValue.hpp"
 #include "controls/TreeView.hpp"
 #include "support/Traps.hpp"
 
 namespace vantor {
+namespace {
+
+/// Takes the text up to `separator` off the front of `rest`. A stream would do so too, and bring
+/// along the locales of the runtime, a third of the Windows program.
+std::string TakeUpTo(char separator, std::string& rest) {
+    const std::size_t at = rest.find(separator);
+    std::string front = rest.substr(0, at);
+    rest.erase(0, at == std::string::npos ? at : at + 1);
+    return front;
+}
+
+}  // namespace
 
 std::string CTreeViewEnh::KeyPath() const {
     return SubKey.empty() ? RegistryPath : RegistryPath + "\\" + SubKey;
@@ -15,18 +27,16 @@ std::string CTreeViewEnh::KeyPath() const {
 void CTreeViewEnh::RestoreNodeStates() {
     Raising("Morvane.CTreeViewEnh.RestoreNodeStates", [this] {
         if (!Tree) throw RuntimeError(ErrorNumber::ObjectNotSet);
-        std::istringstream entries(RegistryGetKeyValue(RootKey, KeyPath(), Tree->Name()));
-        for (std::string entry; std::getline(entries, entry, '|');)
-            if (!entry.empty()) RestoreEntry(entry);
+        std::string entries = RegistryGetKeyValue(RootKey, KeyPath(), Tree->Name());
+        while (!entries.empty())
+            if (std::string entry = TakeUpTo('|', entries); !entry.empty())
+                RestoreEntry(std::move(entry));
     });
 }
 
-void CTreeViewEnh::RestoreEntry(const std::string& entry) {
-    std::istringstream parts(entry);
-    std::string key;
-    std::string state;
-    std::getline(parts, key, '=');
-    std::getline(parts, state, '=');
+void CTreeViewEnh::RestoreEntry(std::string entry) {
+    const std::string key = TakeUpTo('=', entry);
+    const std::string state = TakeUpTo('=', entry);
     // An older or newer program may have had other nodes.
     if (const int node = Tree->NodeIndex(key); node >= 0) Tree->Expanded(node, state == "True");
 }

@@ -33,7 +33,7 @@ public:
 
 private:
     std::string KeyPath() const;
-    void RestoreEntry(const std::string& entry);
+    void RestoreEntry(std::string entry);
     std::string RegistryGetKeyValue(RegistryRoot root, const std::string& path,
                                     const std::string& name);
     void RegistrySetKeyValue(RegistryRoot root, const std::string& path, const std::string& name,

@@ -77,8 +77,8 @@ TEST_F(Monitor, AFileIsSentLineByLineAndCapturedAsThePeerAnswers) {
     EXPECT_GE(indicator.Span('>'), 120);
     monitor.Choose("mnuCaptureEnd");
     Await("the whole capture", [this] { return Content("capture.txt") == indicator.Passed('<'); });
-    Key(VK_RETURN);
-    Await("the answer", [this] { return indicator.Passed('<') != Content("capture.txt"); });
+    app->KeyUntil(VK_RETURN, "the answer",
+                  [this] { return indicator.Passed('<') != Content("capture.txt"); });
     EXPECT_TRUE(indicator.Passed('<').starts_with(Content("capture.txt")));
 }
 
@@ -136,10 +136,10 @@ TEST_F(Monitor, TheSettingsCommandShowsInBothPanels) {
     const Window settings = app->AwaitForm(kPortSettingsWindowDesign);
     EXPECT_EQ(IsWindowEnabled(monitor.Handle()), FALSE);
     Await("the focus", [&] { return app->Focus() == settings.Child("cboPort"); });
-    Key(VK_DOWN);  // COM2
-    Key(VK_TAB);
-    Key(VK_DOWN);  // 57600
-    Key(VK_RETURN);
+    app->KeyUntil(VK_DOWN, "COM2", [&] { return settings.Text("cboPort") == "COM2"; });
+    app->KeyUntil(VK_TAB, "the speed", [&] { return app->Focus() == settings.Child("cboSpeed"); });
+    app->KeyUntil(VK_DOWN, "57600", [&] { return settings.Text("cboSpeed") == "57600"; });
+    app->KeyUntil(VK_RETURN, "the end", [&] { return !settings.IsThere(); });
     Await("the port", [&] { return monitor.Panel("sbStatusBar", 1) == "COM2"; });
     Await("the line", [&] { return monitor.Panel("sbStatusBar", 2) == "57600,N,8,2"; });
     Await("the keyboard", [&] { return app->Focus() == monitor.Child("comMonitor"); });

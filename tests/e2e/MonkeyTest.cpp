@@ -45,16 +45,8 @@ void Monkey::PressAKey() {
 void Monkey::ClickSomewhere() {
     RECT area{};
     GetWindowRect(app->Main(), &area);
-    const int width = GetSystemMetrics(SM_CXSCREEN);
-    const int height = GetSystemMetrics(SM_CYSCREEN);
-    INPUT inputs[3] = {};
-    for (INPUT& input : inputs) input.type = INPUT_MOUSE;
-    inputs[0].mi.dx = (area.left + Below(std::max<int>(area.right - area.left, 1))) * 65535 / width;
-    inputs[0].mi.dy = (area.top + Below(std::max<int>(area.bottom - area.top, 1))) * 65535 / height;
-    inputs[0].mi.dwFlags = MOUSEEVENTF_MOVE | MOUSEEVENTF_ABSOLUTE;
-    inputs[1].mi.dwFlags = MOUSEEVENTF_LEFTDOWN;
-    inputs[2].mi.dwFlags = MOUSEEVENTF_LEFTUP;
-    SendInput(3, inputs, sizeof(INPUT));
+    ClickAt({area.left + Below(std::max<int>(area.right - area.left, 1)),
+             area.top + Below(std::max<int>(area.bottom - area.top, 1))});
 }
 
 void Monkey::MoveTheWindow() {

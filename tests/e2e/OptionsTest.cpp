@@ -70,19 +70,32 @@ protected:
         Await("the main window", [this] { return IsWindowEnabled(app->Main()) != 0; });
         EXPECT_EQ(app->Dialog(), nullptr);
     }
-    /// Goes with Tab to a list and presses a key there.
-    void KeyIn(const Window& options, const char* list, WORD key) const {
+    /// Goes with Tab to a list.
+    void GoTo(const Window& options, const char* list) const {
         for (int tabs = 0; tabs < 9 && app->Focus() != options.Child(list); ++tabs) {
             const HWND before = app->Focus();
-            Key(VK_TAB);
-            Await("the next control", [&] { return app->Focus() != before; });
+            app->KeyUntil(VK_TAB, "the next control", [&] {
+                const HWND focus = app->Focus();
+                return focus != nullptr && focus != before;
+            });
         }
         ASSERT_EQ(app->Focus(), options.Child(list));
-        Key(key);
+    }
+    static bool IsListOpen(const Window& options, const char* list) {
+        return SendMessageW(options.Child(list), CB_GETDROPPEDSTATE, 0, 0) != 0;
+    }
+    void OpenList(const Window& options, const char* list) const {
+        GoTo(options, list);
+        app->KeyUntil(VK_F4, "the open list", [&] { return IsListOpen(options, list); });
     }
     void PickPort(const Window& options, WORD key, const std::string& port) const {
-        KeyIn(options, "cboPort", key);
-        Await(port, [&] { return options.Text("cboPort") == port; });
+        GoTo(options, "cboPort");
+        app->KeyUntil(key, port, [&] { return options.Text("cboPort") == port; });
+    }
+    void KeyToEnd(const Window& options, WORD key, bool withAlt = false) const {
+        app->KeyUntil(
+            key, "the end", [&] { return !options.IsThere(); }, withAlt);
+        AwaitClosed(options);
     }
 
     static bool IsHeadingOpen(const Window& options) {
@@ -105,25 +118,29 @@ protected:
               [&] { return Front(options) == (serial ? page : options.Child("picDetails")); });
         EXPECT_EQ(IsWindowEnabled(page) != 0, serial);
     }
+    void KeyToHeading(const Window& options) const {
+        app->KeyUntil(VK_LEFT, "the heading",
+                      [&] { return options.Text("picSelection") == "Communications"; });
+        ExpectPage(options, "Communications", false);
+    }
 };
 
 TEST_F(Options, OkApplyAndCancelDecideWhatIsStored) {
     Window options = Open();
-    Key(VK_RETURN);
-    AwaitClosed(options);
+    KeyToEnd(options, VK_RETURN);
     EXPECT_EQ(Stored(L"Settings"), Values{});
 
     options = Open();
     PickPort(options, VK_DOWN, "COM2");
-    Key(VK_ESCAPE);
-    AwaitClosed(options);
+    KeyToEnd(options, VK_ESCAPE);
     EXPECT_EQ(Stored(L"Settings"), Values{});
 
     options = Open();
     EXPECT_EQ(options.Text("cboPort"), "COM1");
     PickPort(options, VK_DOWN, "COM2");
-    Key('A', true);
-    Await("the values", [] { return Stored(L"Settings") == SettingsWith("COM2 ", "38400 "); });
+    app->KeyUntil(
+        'A', "the values", [] { return Stored(L"Settings") == SettingsWith("COM2 ", "38400 "); },
+        true);
     PickPort(options, VK_UP, "COM1");
     options.Close();
     AwaitClosed(options);
@@ -133,22 +150,20 @@ TEST_F(Options, OkApplyAndCancelDecideWhatIsStored) {
     options = Open();
     EXPECT_EQ(options.Text("cboPort"), "COM2");
     PickPort(options, VK_UP, "COM1");
-    Key('O', true);
-    AwaitClosed(options);
+    KeyToEnd(options, 'O', true);
     EXPECT_EQ(Stored(L"Settings"), SettingsWith("COM1 ", "38400 "));
 }
 
 // In an open list the arrows only pass over the items; the one it closes with counts.
 TEST_F(Options, ASlowSpeedIsAdvisedAgainstOnceAndKept) {
     const Window options = Open();
-    KeyIn(options, "cboBaudRate", VK_F4);
+    OpenList(options, "cboBaudRate");
     for (const WORD key : std::to_array<WORD>({VK_UP, VK_DOWN, VK_UP, VK_RETURN})) Key(key);
     EXPECT_EQ(app->TakeBox(), kAdvice);
-    KeyIn(options, "cboBaudRate", VK_F4);
+    OpenList(options, "cboBaudRate");
     for (const WORD key : std::to_array<WORD>({VK_DOWN, VK_ESCAPE})) Key(key);
     Await("the choice of before", [&] {
-        return options.Text("cboBaudRate") == "9600" &&
-               SendMessageW(options.Child("cboBaudRate"), CB_GETDROPPEDSTATE, 0, 0) == 0;
+        return options.Text("cboBaudRate") == "9600" && !IsListOpen(options, "cboBaudRate");
     });
     EXPECT_TRUE(options.IsThere()) << "the key was the list's";
     options.Press("cmdOK");
@@ -159,8 +174,8 @@ TEST_F(Options, ASlowSpeedIsAdvisedAgainstOnceAndKept) {
 
 TEST_F(Options, TheRefusedStopBitsAreReportedAndStayShown) {
     const Window options = Open();
-    KeyIn(options, "cboStopBits", VK_F4);
-    Key(VK_RETURN);
+    OpenList(options, "cboStopBits");
+    app->KeyUntil(VK_RETURN, "the box", [this] { return app->Dialog() != nullptr; });
     EXPECT_EQ(app->TakeBox(), kRefused);
     EXPECT_EQ(options.Text("cboStopBits"), "2");
     options.Press("cmdOK");
@@ -172,21 +187,17 @@ TEST_F(Options, TheTreeChangesThePageAndIsRememberedWithTheCorner) {
     Window options = Open();
     ExpectPage(options, "Settings", true);
     EXPECT_TRUE(IsHeadingOpen(options));
-    Key(VK_LEFT);
-    ExpectPage(options, "Communications", false);
+    KeyToHeading(options);
     const HWND tree = options.Child("tvwOptions");
     const auto line = static_cast<int>(SendMessageW(tree, TVM_GETITEMHEIGHT, 0, 0));
     ClickIn(tree, 70, line * 3 / 2);
     ExpectPage(options, "Settings", true);
-    Key(VK_LEFT);
-    ExpectPage(options, "Communications", false);
-    Key(VK_LEFT);
-    Await("the closed heading", [&] { return !IsHeadingOpen(options); });
+    KeyToHeading(options);
+    app->KeyUntil(VK_LEFT, "the closed heading", [&] { return !IsHeadingOpen(options); });
     SetWindowPos(options.Handle(), nullptr, 60, 40, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
     RECT before{};
     GetWindowRect(options.Handle(), &before);
-    Key('C', true);
-    AwaitClosed(options);
+    KeyToEnd(options, 'C', true);
     EXPECT_EQ(Stored(L"Positions\\NodeStates"), (Values{{"tvwOptions", "P1=False|C0=False|\0"s}}));
 
     Restart();

@@ -8,6 +8,7 @@
 #include <string>
 
 #include "driver/PictureCache.hpp"
+#include "resources/Version.h"
 #include "tests/ProgramFile.hpp"
 #include "tests/e2e/EndToEnd.hpp"
 
@@ -133,6 +134,25 @@ TEST_F(Pictures, AnIndexThatSaysNothingOpensNothingAndAMissingOneIsReported) {
     ExpectOpened({"http://longer/"});
 }
 
+// The second release of the button falls on the window as it is when it has become large.
+TEST_F(Pictures, ADoubleClickOnTheTitleBarOnlyMakesTheWindowLarge) {
+    cache.Draw("a.gif", "gif", 40, 20);
+    cache.Put("cache.txt", "1|2|a.gif|http://double-click/");
+    Restart();
+    SetWindowPos(app->Main(), nullptr, 100, 100, 640, 480, SWP_NOZORDER | SWP_NOACTIVATE);
+    const POINT at = {300, 112};
+    ASSERT_EQ(SendMessageW(app->Main(), WM_NCHITTEST, 0, MAKELPARAM(at.x, at.y)), HTCAPTION);
+    ClickAt(at, 2);
+    Await("the large window", [this] { return IsZoomed(app->Main()) != 0; });
+    Await("the picture under the mouse",
+          [&] { return WindowFromPoint(at) == app->Child("picPicture"); });
+    app->AwaitInputTaken();
+    // After a click that opens something, what the release has opened would be there too.
+    cache.Put("cache.txt", "1|2|a.gif|http://click/");
+    Click();
+    ExpectOpened({"http://click/"});
+}
+
 class Versions : public EndToEnd {
 protected:
     ~Versions() override {
@@ -156,12 +176,12 @@ protected:
         app->Choose("mnuToolsCurrentVersions");
         const Box wanted = {"Installed Software Version Information",
                             "Caldor Version: 3.14.1\r\nCaldor Editor Version: Unknown\r\n"
-                            "Pellin Version: Unknown\r\nWeb Update Version: 2.5.31\r\n",
+                            "Pellin Version: Unknown\r\nWeb Update Version: " VANTOR_VERSION "\r\n",
                             "information"};
         EXPECT_EQ(app->TakeBox(), wanted);
         const HWND terminal = OpenMonitor().Handle();
         Await("the keyboard", [=] { return GetForegroundWindow() == terminal; });
-        Key(VK_F1);
+        app->KeyUntil(VK_F1, "the box", [this] { return app->Dialog() != nullptr; });
         EXPECT_EQ(app->TakeBox(), (Box{"Tessmar Vantor Update", noHelp, "exclamation"}));
     }
 

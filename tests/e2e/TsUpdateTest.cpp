@@ -7,6 +7,7 @@
 #include <string>
 
 #include "driver/PictureCache.hpp"
+#include "resources/Version.h"
 #include "tests/e2e/EndToEnd.hpp"
 
 namespace vantor::driver {
@@ -49,6 +50,10 @@ protected:
         });
         EXPECT_EQ(app->Dialog(), nullptr);
         EXPECT_EQ(app->OtherForm(), nullptr);
+    }
+    void AwaitFocus(const char* name) const {
+        Await(std::string("the focus on ") + name,
+              [&] { return app->Focus() == app->Child(name); });
     }
 };
 
@@ -172,7 +177,8 @@ TEST_F(TsUpdate, TheAbortButtonAndItsKeyEndTheStreamBeforeTheNextLine) {
         StartFlash();
         AwaitLine(5);
         if (byKey)
-            Key('A', true);
+            app->KeyUntil(
+                'A', "the abort", [this] { return app->Dialog() != nullptr; }, true);
         else
             app->Press("cmdFlashAbort");
         EXPECT_EQ(App::Read(app->AwaitBox()), kAborted);
@@ -216,11 +222,43 @@ TEST_F(TsUpdate, AMenuHeldOpenPausesTheStreamAndDoesNotBreakIt) {
     Await("the time", [start] { return GetTickCount64() - start > kHeldMs; });
     EXPECT_TRUE(app->InMenu());
     EXPECT_LE(app->Line(), line + 1);
-    Key('U');  // is greyed and starts nothing
-    AwaitLine(51);
+    app->KeyUntil('U', "the end of the menu", [this] { return !app->InMenu(); });
+    AwaitLine(51);  // the entry is greyed and has started nothing
     EXPECT_EQ(app->Dialog(), nullptr);
     EXPECT_EQ(app->TakeBox(), kSuccess);
     EXPECT_EQ(indicator.Wait(), 0) << indicator.Complaints();
+}
+
+TEST_F(TsUpdate, MinimisedWhileItSendsItShowsTheLastPhaseOnTheScreen) {
+    indicator.Start("--think 20 --write 3000");
+    StartFlash();
+    AwaitLine(5);
+    PostMessageW(app->Main(), WM_SYSCOMMAND, SC_MINIMIZE, 0);
+    Await("the small window", [this] { return IsIconic(app->Main()) != 0; });
+    RECT place{};
+    GetWindowRect(AwaitOtherForm(), &place);
+    RECT screen{};
+    SystemParametersInfoW(SPI_GETWORKAREA, 0, &screen, 0);
+    RECT seen{};
+    IntersectRect(&seen, &place, &screen);
+    EXPECT_TRUE(EqualRect(&seen, &place)) << place.left << ' ' << place.top;
+    EXPECT_EQ(app->TakeBox(), kSuccess);
+}
+
+// A process without a window would keep every later one from starting.
+TEST_F(TsUpdate, ACloseDuringTheErrorBoxOfTheStartUpEndsTheProgram) {
+    app->Close();
+    EXPECT_EQ(app->Wait(), 0u);
+    const std::wstring key = ProgramKey() + L"\\Settings";
+    RegSetKeyValueW(HKEY_CURRENT_USER, key.c_str(), L"AutoUnZip", REG_SZ, L"maybe", 12);
+    app.emplace();
+    EXPECT_EQ(App::Read(app->AwaitBox()).icon, "critical");
+    app->Close();
+    app->TakeBox();
+    EXPECT_EQ(app->Wait(), 0u);
+    ForgetSettings();
+    app.emplace();
+    ExpectIdle();
 }
 
 TEST_F(TsUpdate, ASecondStartEndsSilentlyBesideTheFirst) {
@@ -246,40 +284,40 @@ TEST_F(TsUpdate, TheWindowComesBackWhereItWasAndMaximisedToo) {
 
 TEST_F(TsUpdate, TheKeyboardAloneIsEnough) {
     indicator.Start("--think 20");
-    Await("the focus", [this] { return app->Focus() == app->Child("cmdFlash"); });
+    AwaitFocus("cmdFlash");
     Key(VK_TAB);  // to the only button
-    Key(VK_RETURN);
+    const auto dialog = [this] { return app->Dialog() != nullptr; };
+    app->KeyUntil(VK_RETURN, "the file dialog", dialog);
     app->AwaitFileDialog();
-    Key(VK_ESCAPE);
+    app->KeyUntil(VK_ESCAPE, "its end", [&] { return !dialog(); });
     ExpectIdle();
-    EXPECT_EQ(app->Focus(), app->Child("cmdFlash"));
+    AwaitFocus("cmdFlash");
 
     for (const WORD key : {WORD{VK_ESCAPE}, WORD{VK_RETURN}}) {
         app->OpenMenu('H');
-        Key('A');
-        const HWND about = AwaitOtherForm();
+        app->KeyUntil('A', "the About window", [this] { return app->OtherForm() != nullptr; });
+        const HWND about = app->OtherForm();
         EXPECT_EQ(TextOf(about), "Tessmar Vantor Update");
-        EXPECT_EQ(TextOf(GetDlgItem(about, 1002)), "Version 2.05.31");
+        EXPECT_EQ(TextOf(GetDlgItem(about, 1002)), "Version " VANTOR_WRITTEN_VERSION);
         EXPECT_FALSE(IsWindowEnabled(app->Main()));
         Await("the keyboard", [about] { return GetForegroundWindow() == about; });
-        Key(key);
-        Await("the focus", [this] { return app->Focus() == app->Child("cmdFlash"); });
+        app->KeyUntil(key, "its end", [this] { return app->OtherForm() == nullptr; });
+        AwaitFocus("cmdFlash");
     }
 
     app->OpenMenu('F');
-    Key('U');
+    app->KeyUntil('U', "the file dialog", dialog);
     app->ChooseFile(image);
-    app->AwaitBox();
-    Key(VK_RETURN);
-    Await("the abort button's focus",
-          [this] { return app->Focus() == app->Child("cmdFlashAbort"); });
+    const HWND warning = app->AwaitBox();
+    app->KeyUntil(VK_RETURN, "its end", [warning] { return IsWindow(warning) == 0; });
+    AwaitFocus("cmdFlashAbort");
     Await("success", [this] { return app->Dialog() && App::Read(app->Dialog()) == kSuccess; });
-    Key(VK_RETURN);
+    app->KeyUntil(VK_RETURN, "its end", [&] { return !dialog(); });
     ExpectIdle();
-    EXPECT_EQ(app->Focus(), app->Child("cmdFlash"));
+    AwaitFocus("cmdFlash");
 
     app->OpenMenu('F');
-    Key('X');
+    app->KeyUntil('X', "the end of the program", [this] { return !app->IsRunning(); });
     EXPECT_EQ(app->Wait(), 0u);
 }
 

@@ -12,13 +12,23 @@ trap 'status=$?; [ "$status" = 0 ] || tail -n 30 "$log" >&3' EXIT
 set -x
 
 scripts/package
+version=$(sed -n 's/^set(CPACK_PACKAGE_VERSION "\(.*\)")$/\1/p' build/native/CPackConfig.cmake)
+written=$(echo "$version" | awk -F. '{ printf "%d.%02d.%d", $1, $2, $3 }')
 (cd "$packages" && sha256sum -c SHA256SUMS)
 rm -rf "$work"
 mkdir -p "$work/zip"
 
 # The portable archive: both programs, which run from where they lie.
 (cd "$work/zip" && cmake -E tar xf "$packages"/*.zip)
-scripts/wine "$(find "$work/zip" -name tsflash.exe)" --version | grep -F 2.05.31
+scripts/wine "$(find "$work/zip" -name tsflash.exe)" --version | grep -F "$written"
+
+# What is handed out holds no symbols.
+stripped() { file "$1" | grep -v 'not stripped' | grep -F stripped; }
+for program in tsupdate tsflash; do
+    stripped "$(find "$work/zip" -name "$program.exe")"
+done
+# A stream or a locale in the core would bring more than half a megabyte of the runtime along.
+[ "$(find "$work/zip" -name tsupdate.exe -printf %s)" -le 900000 ]
 
 # The installer, twice, as for a newer version.
 settings='HKCU\SOFTWARE\Tessmar Instruments\Packages Test'
@@ -31,8 +41,8 @@ for setup in "$packages"/*-setup.exe "$packages"/*-setup.exe; do
     for file in tsupdate.exe tswuhelp.chm; do
         cmp "$(find "$work/zip" -name "$file")" "$folder/$file"
     done
-    scripts/wine "$folder/tsflash.exe" --version | grep -F 2.05.31
-    scripts/wine reg.exe query "$uninstall" /v DisplayVersion | grep -F 2.5.31
+    scripts/wine "$folder/tsflash.exe" --version | grep -F "$written"
+    scripts/wine reg.exe query "$uninstall" /v DisplayVersion | grep -F "$version"
     find "$drive" -name 'Tessmar Vantor Update.lnk' | grep 'Start Menu'
 done
 
@@ -56,7 +66,9 @@ done
 [ "$(ls "$folder")" = "notes of the user.txt" ]
 rm -r "$folder"
 [ -z "$(find "$drive" -name 'Tessmar Vantor Update.lnk')" ]
-! scripts/wine reg.exe query "$uninstall"
+status=0
+scripts/wine reg.exe query "$uninstall" || status=$?
+[ "$status" = 1 ]
 scripts/wine reg.exe query "$settings" /v Port | grep -F COM7
 scripts/wine reg.exe delete "$settings" /f
 
@@ -66,7 +78,9 @@ mkdir -p "$work/root/var/lib/dpkg/info" "$work/root/var/lib/dpkg/updates"
 touch "$work/root/var/lib/dpkg/status"
 dpkg-deb -f "$packages"/*.deb Depends | grep -F libc6
 deb --install "$packages"/*.deb
-"$work/root/usr/bin/tsflash" --version | grep -F 2.05.31
+"$work/root/usr/bin/tsflash" --version | grep -F "$written"
+stripped "$work/root/usr/bin/tsflash"
+cmp packages/copyright "$work/root/usr/share/doc/tsflash/copyright"
 gzip -t "$work/root/usr/share/man/man1/tsflash.1.gz"
 # shellcheck disable=SC2016  # for the other shell
 PATH=$work/root/usr/bin:$PATH bash -c '. "$1"; COMP_WORDS=(tsflash --pr) COMP_CWORD=1

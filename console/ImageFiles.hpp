@@ -27,8 +27,8 @@ public:
     std::uint64_t Size(const std::string& path) const override {
         return path == mPath ? mImage.size() : mSystem.Size(path);
     }
-    std::string ReadAll(const std::string& path) const override {
-        return path == mPath ? mImage : mSystem.ReadAll(path);
+    std::string ReadStart(const std::string& path, std::size_t most) const override {
+        return path == mPath ? mImage.substr(0, most) : mSystem.ReadStart(path, most);
     }
     void WriteAll(const std::string& path, std::string_view bytes) override {
         mSystem.WriteAll(path, bytes);

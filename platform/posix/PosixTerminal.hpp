@@ -1,5 +1,5 @@
-// The text terminal off Windows. One object at a time: it owns the signals of the
-// process that have to do with its terminal.
+// The text terminal off Windows. One object at a time: it owns the process's signals that have to
+// do with a terminal.
 #pragma once
 
 #include <signal.h>

@@ -158,7 +158,7 @@ TEST_F(OverATerminal, TheInterruptKeyAndARequestToEndAreTheAbortButtonWhileTheSe
 }
 
 TEST_F(OverATerminal, AnInterruptIsAnsweredWithAReasonInTheFinalPhase) {
-    // As many blank lines as the session leaves its button enabled at the last line that it sends.
+    // With so many blank lines at the end, the abort button is still enabled at the last line sent.
     WriteImage(ImageOf(40) + std::string(15, '\n'));
     for (const int signal : {SIGINT, SIGTERM}) {
         StartIndicator({"--write", "3000"});

@@ -94,14 +94,14 @@ struct Adapter : IndicatorFarEnd {
 };
 
 struct Course {
-    const char* name;
-    Micros latency;
-    const char* fault;
-    ExitStatus status;
-    const char* lateness;  // as the hint tells it; empty: no hint
-    const char* lines;     // as the summary tells them
-    const char* replies;
-    const char* wire;
+    const char* name = "";
+    Micros latency = 0;
+    const char* fault = "";
+    ExitStatus status = ExitStatus::Done;
+    const char* lateness = "";  // as the hint tells it; empty: no hint
+    const char* lines = "";     // as the summary tells them
+    const char* replies = "";
+    const char* wire = "";
 };
 
 /// Runs tsflash on virtual time with `arguments` for the image "m40.run" behind COM1. Returns its

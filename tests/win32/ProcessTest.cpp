@@ -15,6 +15,7 @@ namespace vantor {
 namespace {
 
 std::wstring gDesktop = L"win32-tests";
+constexpr int kInterrupted = 6;
 constexpr const char* kTitle = "Last words \\ of a test";
 
 int DoJob(const Win32Process& process) {
@@ -22,7 +23,13 @@ int DoJob(const Win32Process& process) {
     Win32Process().InstallUnhandledExceptionFilter(kTitle);
     if (job == "throw") throw std::runtime_error("¡Adiós!");
     if (job == "crash") RaiseException(EXCEPTION_ACCESS_VIOLATION, 0, 0, nullptr);
-    Win32Terminal terminal;  // "echo"
+    Win32Terminal terminal;
+    if (job == "flash") {
+        terminal.HoldSystem("Updating Indicator");
+        while (!terminal.TakeInterrupt()) Sleep(1);
+        return kInterrupted;
+    }
+    // "echo"
     for (const std::string& argument : process.Arguments()) terminal.Write(argument + "|");
     for (auto line = terminal.ReadLine(); line; line = terminal.ReadLine())
         terminal.Write("<" + *line + ">");
@@ -77,17 +84,18 @@ TEST(Process, AnUnhandledErrorIsNamedInABoxAndEndsTheProgram) {
     }
 }
 
-TEST(Terminal, TheEndOfTheUsersSessionIsRefusedDuringAFlashAndElseTheInterruptKey) {
-    Win32Terminal terminal;
+TEST(Terminal, TheEndOfTheUsersSessionIsRefusedDuringAFlashAndComesAsTheInterruptKey) {
+    const Win32Handle process(Start(L"flash").hProcess);
     const auto window = [] { return FindWindowW(L"VantorEndOfSession", nullptr); };
-    terminal.HoldSystem("Updating Indicator");
-    while (window() == nullptr || GetWindowLongPtrW(window(), GWLP_USERDATA) == 0) Sleep(1);
-    EXPECT_EQ(SendMessageW(window(), WM_QUERYENDSESSION, 0, 0), FALSE);
-    terminal.HoldSystem({});
-    EXPECT_EQ(SendMessageW(window(), WM_QUERYENDSESSION, 0, 0), TRUE);
-    EXPECT_FALSE(terminal.TakeInterrupt());
+    const auto refuses = [&] { return SendMessageW(window(), WM_QUERYENDSESSION, 0, 0) == FALSE; };
+    while ((window() == nullptr || !refuses()) &&
+           WaitForSingleObject(process.Get(), 10) == WAIT_TIMEOUT)
+        continue;
     SendNotifyMessageW(window(), WM_ENDSESSION, TRUE, 0);
-    while (!terminal.TakeInterrupt()) Sleep(1);  // and the system waits until the terminal goes
+    DWORD ended = 0;
+    WaitForSingleObject(process.Get(), INFINITE);
+    GetExitCodeProcess(process.Get(), &ended);
+    EXPECT_EQ(ended, DWORD{kInterrupted});
 }
 
 }  // namespace

@@ -86,7 +86,7 @@ void CheckSettings(Registry& registry, const StringTable& strings) {
             static_cast<void>(registry.CloseKey(key));
     } catch (const UnreadableStore& store) {
         const std::size_t line = store.DamagedLine();
-        throw RuntimeError(ErrorNumber::InvalidFileFormat,
+        throw RuntimeError(ErrorNumber::InvalidCall,
                            Filled(strings.LoadResString(line == 0 ? 2081 : 2080), store.File(),
                                   std::to_string(line)));
     }

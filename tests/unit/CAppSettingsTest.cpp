@@ -24,7 +24,7 @@ constexpr std::int32_t kTypeMismatch = 13;
 class CAppSettingsTest : public testing::Test {
 protected:
     void Store(const std::string& name, const std::string& text) {
-        mPlatform.registry.Import(kKeyLine + '"' + name + "\"=\"" + text + "\"\n");
+        mPlatform.registry.Import(RegistryWith("Settings", '"' + name + "\"=\"" + text + "\"\n"));
     }
     void BeginEdit() {
         mSettings.Initialize();

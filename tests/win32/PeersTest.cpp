@@ -209,7 +209,11 @@ INSTANTIATE_TEST_SUITE_P(Real, PeersOfAWindow,
 
 class PeersOfTheOptions : public RealPeers {
 protected:
-    PeersOfTheOptions() { window->Show(); }
+    PeersOfTheOptions() {
+        window->Show();
+        tree = FindWindowExW(WindowOf(*window), nullptr, WC_TREEVIEWW, nullptr);
+        heading = reinterpret_cast<HTREEITEM>(SendMessageW(tree, TVM_GETNEXTITEM, TVGN_ROOT, 0));
+    }
     ~PeersOfTheOptions() override { window->Unload(); }
 
     bool IsOpen() const {
@@ -230,9 +234,8 @@ protected:
     }
 
     std::shared_ptr<Options> window = std::make_shared<Options>(platform.desktop, platform.real);
-    const HWND tree = FindWindowExW(WindowOf(*window), nullptr, WC_TREEVIEWW, nullptr);
-    const HTREEITEM heading =
-        reinterpret_cast<HTREEITEM>(SendMessageW(tree, TVM_GETNEXTITEM, TVGN_ROOT, 0));
+    HWND tree = nullptr;
+    HTREEITEM heading = nullptr;
 };
 
 TEST_F(PeersOfTheOptions, ShowTheHeadingWhenItIsClosedOverThePage) {

@@ -57,7 +57,7 @@ std::string ReadImage(const std::string& path, const Files& files, const StringT
     throw Refusal(strings, 2036, path);
 }
 
-/// Why the port did not open, as a sentence; empty where the system does not tell.
+/// Why the port did not open, as a sentence; empty when unknown.
 std::string OpenFailure(const SerialControl& comm, const StringTable& strings) {
     const std::optional<PortOpenError>& error = comm.OpenError();
     if (!error) return {};
@@ -110,7 +110,7 @@ ExitStatus StatusOf(FlashOutcome outcome) {
         case FlashOutcome::NothingAccepted:
         case FlashOutcome::AwaitingVerdict:
         case FlashOutcome::NoVerdict:
-        case FlashOutcome::None:  // an error broke it off, and the error handler has told of it
+        case FlashOutcome::None:  // an unexpected error, reported by the error handler
             break;
     }
     return ExitStatus::UpdateFailure;
@@ -301,9 +301,8 @@ void Run::HintAtLateReplies() {
         Filled(mNative.strings->LoadResString(2049), std::to_string(*latenessMs)) + "\n");
 }
 
-// The session looks at the request until its streaming has come to an end; only so long does its
-// button say whether the line at hand may still be the last. Blank lines behind that line leave
-// the button as it was.
+// The session reads the abort flag until it has an outcome. Only until then does the button tell
+// whether an abort is possible: blank lines at the end of the image leave it enabled for good.
 bool Run::CanAbort() const {
     return mSession->Outcome() == FlashOutcome::None && mWindow->cmdFlashAbort.Enabled();
 }
@@ -321,7 +320,6 @@ void Run::Interrupted() {
 
 ExitStatus CheckAndFlash(NativePlatform& native, const Options& options) {
     const StringTable& strings = *native.strings;
-    // The transcript is begun before the image is sent.
     if (!options.log.empty() && native.files->SameFile(options.log, options.image))
         throw Refusal(strings, 2050, options.log);
     std::string image = ReadImage(options.image, *native.files, strings);
@@ -353,7 +351,7 @@ ExitStatus RunTsFlash(NativePlatform& native) {
     } catch (...) {
         const RuntimeError error = PendingError();
         native.terminal->WriteError("tsflash: " + error.Description() + "\n");
-        // What the user can put right is told as error 5, in a sentence.
+        // Mistakes of the user are error 5 with a sentence as the description.
         if (!error.Is(ErrorNumber::InvalidCall)) return ExitStatus::UpdateFailure;
         native.terminal->WriteError(strings.LoadResString(2048) + "\n");
         return ExitStatus::Usage;

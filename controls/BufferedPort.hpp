@@ -30,7 +30,7 @@ public:
     void Open(std::function<void()> notify);
     void Close();
     bool IsOpen() const { return mPort != nullptr; }
-    /// Why the last `Open` failed; none when it did not, or for a reason that has no name.
+    /// Why the last `Open` failed; none after a success or an error other than those of the port.
     const std::optional<PortOpenError>& OpenError() const { return mOpenError; }
 
     /// Sets what is called on input of the open port; an empty function ends it.

@@ -76,8 +76,8 @@ class PortOpenError : public RuntimeError {
 public:
     enum class Reason : std::uint8_t { NoSuchPort, NotPermitted, InUse, LineRefused };
 
-    /// `device` is the system's own name of the port. `who` is, where the system tells, the group
-    /// whose members may open it (NotPermitted), or the programs that hold it (InUse).
+    /// `device` is the system's own name of the port. `who` is, if known, the group whose members
+    /// may open it (NotPermitted) or the processes that have it open (InUse).
     PortOpenError(Reason reason, std::string device, std::string who = {})
         : RuntimeError(NumberOf(reason)),
           mReason(reason),

@@ -8,8 +8,7 @@
 namespace vantor {
 
 /// Standard input, output and error of this process, its interrupt key, and the system's requests
-/// to end. A terminal that has gone away ends nothing: what is written is lost, input is at its
-/// end.
+/// to end. A terminal that disappears does not end the process: output is lost and input has ended.
 class Terminal {
 public:
     virtual ~Terminal() = default;
@@ -32,8 +31,8 @@ public:
 
     /// True once for each interrupt since the last call: the user has pressed the interrupt key
     /// (Ctrl-C), or the system asks this process to end (SIGTERM; on Windows a closed console,
-    /// log-off, shutdown). From the construction of this object on neither does anything else;
-    /// Windows waits, as long as it ever does, for the process to end by itself.
+    /// log-off, shutdown). Neither has any other effect while this object exists. On Windows the
+    /// handler blocks, so that the process can exit by itself before the system terminates it.
     virtual bool TakeInterrupt() = 0;
 
     /// As `Peers::HoldSystem`, for a program without windows. Does nothing where the system has no

@@ -58,7 +58,7 @@ std::string FirstLine(const fs::path& file) {
     return line;
 }
 
-/// The group whose members may use `device`; empty when belonging to it would not help.
+/// The group whose members may use `device`; empty when membership would not help.
 std::string GroupWithAccess(const std::string& device) {
     constexpr mode_t kBoth = S_IRGRP | S_IWGRP;
     struct stat status {};
@@ -67,18 +67,18 @@ std::string GroupWithAccess(const std::string& device) {
     return owner == nullptr ? std::string() : owner->gr_name;
 }
 
-/// True when one of the open files of the process described in the folder `process` is `device`.
+/// True when the process described in `process` ("/proc/1234") has `device` open.
 bool HasOpen(const fs::path& process, const fs::path& device) {
-    std::error_code failed;  // another user's process does not show its files
+    std::error_code failed;  // the files of other users' processes are hidden
     for (fs::directory_iterator file(process / "fd", failed), end; !failed && file != end;
          file.increment(failed)) {
-        std::error_code closed;  // meanwhile
+        std::error_code closed;  // closed meanwhile
         if (fs::read_symlink(file->path(), closed) == device) return true;
     }
     return false;
 }
 
-/// The programs that have `device` open, as "minicom (1234)"; empty where the system does not tell.
+/// The processes that have `device` open, as "name (1234), name (56)"; empty when unknown.
 std::string Holders(const std::string& device) {
     const fs::path wanted = Resolved(device);
     std::string holders;

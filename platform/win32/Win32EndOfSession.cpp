@@ -31,7 +31,7 @@ DWORD WINAPI Win32EndOfSession::Run(void* self) noexcept {
     windowClass.lpszClassName = kClassName;
     // Every object after the first finds the class there; any other failure shows in the next call.
     static_cast<void>(RegisterClassW(&windowClass));
-    // Top-level, though never shown: message-only windows are not told of the session's end.
+    // Top-level, though never shown: message-only windows receive no broadcast messages.
     const HWND window = CreateWindowExW(0, kClassName, L"", WS_OVERLAPPED, 0, 0, 0, 0, nullptr,
                                         nullptr, windowClass.hInstance, nullptr);
     if (window == nullptr) return 0;
@@ -58,7 +58,7 @@ LRESULT CALLBACK Win32EndOfSession::OnMessage(HWND window, UINT message, WPARAM 
     if (self != nullptr && message == WM_QUERYENDSESSION)
         return self->MayEnd(window) ? TRUE : FALSE;
     if (self != nullptr && message == WM_ENDSESSION) {
-        static_cast<void>(ShutdownBlockReasonDestroy(window));  // where there is none, good
+        static_cast<void>(ShutdownBlockReasonDestroy(window));  // fails when there is none
         if (first != 0) self->Hold();
         return 0;
     }

@@ -1,5 +1,5 @@
-// Log-off and shutdown as a console program hears of them. One that uses windows is told through a
-// top-level window alone: its console handler is not called for these two.
+// Log-off and shutdown for a console program. Windows reports them to a process that loads user32
+// only through a top-level window; the console control handler is not called.
 #pragma once
 
 #include <string>
@@ -8,22 +8,21 @@
 
 namespace vantor {
 
-/// Listens with a hidden window on a thread of its own. Where the system gives neither, it hears
-/// nothing.
+/// A hidden window on its own thread. If either cannot be created, log-off is not detected.
 class Win32EndOfSession {
 public:
-    /// How long the system is kept waiting at most: the final phase of a flash, and a reserve.
+    /// Longest time to block log-off and shutdown: the final phase of a flash and a margin.
     static constexpr DWORD kLongestHoldMs = 90000;
 
-    /// `ending` is called on the other thread when the user's session ends, which waits from then
-    /// on until this object is destroyed. It must not raise.
+    /// `ending` is called on the window's thread on WM_ENDSESSION, which then blocks until this
+    /// object is destroyed. It must not throw.
     explicit Win32EndOfSession(void (*ending)());
     ~Win32EndOfSession();
     Win32EndOfSession(const Win32EndOfSession&) = delete;
     Win32EndOfSession& operator=(const Win32EndOfSession&) = delete;
 
-    /// While `reason` is not empty the system is asked not to end the session, and shows it to the
-    /// user, who may insist.
+    /// While `reason` is not empty, WM_QUERYENDSESSION is refused with it as the block reason. The
+    /// user can still force the end of the session.
     void Refuse(std::wstring reason);
 
 private:
@@ -37,7 +36,7 @@ private:
     void (*mEnding)();
     SRWLOCK mLock = SRWLOCK_INIT;
     std::wstring mReason;  // under the lock
-    Win32Handle mLeave;    // set when the thread shall end
+    Win32Handle mLeave;    // set to end the thread
     Win32Handle mThread;
 };
 

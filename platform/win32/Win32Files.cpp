@@ -53,14 +53,14 @@ Win32Handle Open(const std::wstring& hostPath, DWORD access, DWORD share, DWORD 
     return file;
 }
 
-/// What tells one file from all others while both are open.
+/// Volume and index identify a file as long as it is open.
 struct Identity {
     Win32Handle file;
     BY_HANDLE_FILE_INFORMATION information{};
 };
 
 std::optional<Identity> IdentityOf(const std::wstring& hostPath) {
-    // No access is asked for, so a file that another program has locked can be looked at too.
+    // Opened without access rights, so that a file locked by another program works too.
     Identity identity{Win32Handle(CreateFileW(hostPath.c_str(), 0, kShareAll, nullptr,
                                               OPEN_EXISTING, FILE_ATTRIBUTE_NORMAL, nullptr))};
     if (!identity.file.IsOpen() ||

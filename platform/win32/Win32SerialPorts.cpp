@@ -74,7 +74,7 @@ std::unique_ptr<SerialPort> Win32SerialPorts::Open(const std::string& name,
     try {
         return std::make_unique<Win32SerialPort>(mPump, ComName(number), line);
     } catch (const RuntimeError& error) {
-        // The system gives each port to everybody, and to one at a time.
+        // Ports have no permissions by user: access denied means in use.
         if (error.Is(ErrorNumber::PermissionDenied)) throw PortOpenError(InUse, name);
         if (error.Is(ErrorNumber::DeviceUnavailable)) throw PortOpenError(NoSuchPort, name);
         if (error.Is(ErrorNumber::InvalidCall)) throw PortOpenError(LineRefused, name);

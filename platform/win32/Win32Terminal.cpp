@@ -24,9 +24,9 @@ public:
     WaitingLock& operator=(const WaitingLock&) = delete;
 };
 
-/// Ends the read of the waiting thread. Not every console does that by itself, and no pipe does.
+/// Cancels the read of the waiting thread: pipes and some consoles do not end it by themselves.
 void EndRead() {
-    // A thread that is only about to read has nothing to cancel yet.
+    // A thread that has not yet started its read has nothing to cancel.
     constexpr int kMostAttempts = 100;
     constexpr DWORD kPauseMs = 10;
     for (int attempt = 0; attempt < kMostAttempts; ++attempt) {
@@ -53,8 +53,8 @@ BOOL WINAPI OnControl(DWORD control) {
         case CTRL_SHUTDOWN_EVENT:
             gEnding = true;
             NoteInterrupt();
-            // The system ends the process when this returns. The end of the session ends it too,
-            // and this thread with it; so does the system when it has waited long enough.
+            // Windows terminates the process when this returns, or after its own time limit.
+            // Until then the flash session can end and the process exit normally.
             Sleep(Win32EndOfSession::kLongestHoldMs);
             return TRUE;
         default:
@@ -118,7 +118,7 @@ Win32Terminal::Win32Terminal() {
     static_cast<void>(SetConsoleCtrlHandler(OnControl, TRUE));
 }
 
-// A handler that holds the system would keep us waiting here until it gives up.
+// SetConsoleCtrlHandler waits for a running handler, and a close handler blocks until the exit.
 Win32Terminal::~Win32Terminal() {
     if (!gEnding) static_cast<void>(SetConsoleCtrlHandler(OnControl, FALSE));
 }
@@ -206,7 +206,7 @@ void Win32Terminal::HoldSystem(const std::string& reason) {
     const bool hold = !reason.empty();
     if (hold && !mEndOfSession) mEndOfSession.emplace(NoteInterrupt);
     if (mEndOfSession) mEndOfSession->Refuse(ToWide(reason));
-    // Refused, it leaves things as they are on a machine that was not asked: the flash goes on.
+    // A failure only means that the machine may go to sleep.
     static_cast<void>(
         SetThreadExecutionState(hold ? ES_CONTINUOUS | ES_SYSTEM_REQUIRED : ES_CONTINUOUS));
 }

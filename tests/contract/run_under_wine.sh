@@ -1,6 +1,6 @@
 #!/bin/sh
 # Runs the contract tests of the Windows build: with two ports that are wired to each other, and
-# the string table once more in Spanish, which is a matter of the whole process.
+# the string table once more in two kinds of Spanish, which is a matter of the whole process.
 #   run_under_wine.sh path/to/contract_tests.exe
 set -eu
 
@@ -59,6 +59,8 @@ export CONTRACT_PULL
 lay_wire
 status=0
 LC_ALL=C.UTF-8 run || status=1
-LC_ALL=es_ES.UTF-8 CONTRACT_LANGUAGE=Spanish run \
-    --gtest_filter='Native/StringTableContract.*' || status=1
+for locale in es_ES es_MX; do
+    LC_ALL=$locale.UTF-8 CONTRACT_LANGUAGE=Spanish run \
+        --gtest_filter='Native/StringTableContract.*' || status=1
+done
 exit $status

@@ -64,8 +64,11 @@ void FlashSession::doFlash() {
         dialog.DialogTitle = Text(312);
         dialog.DefaultExt = ".run";
         dialog.Filter = Text(313) + " (*.run)|*.run|" + Text(813) + " (*.*)|*.*";
-        dialog.InitialDir =
-            AddFinalSlash(mPlatform.folders.PersonalDocuments()) + "Caldor Downloads\\";
+        // Without a documents folder the dialog begins where the system wants it to.
+        Ignoring([&] {
+            dialog.InitialDir =
+                AddFinalSlash(mPlatform.folders.PersonalDocuments()) + "Caldor Downloads\\";
+        });
         dialog.hWndParent = mHost.Window().Handle();
         if (!dialog.Show(true)) return;
         mPlatform.peers.HoldSystem(Text(723));

@@ -10,14 +10,14 @@ public:
     virtual ~Folders() = default;
 
     /// The user's application-data folder (CSIDL_APPDATA; off Windows XDG_CONFIG_HOME or
-    /// ~/.config). Empty when the system has none.
+    /// ~/.config). Raises RuntimeError 76 when the system has none.
     virtual std::string ApplicationData() const = 0;
 
     /// The user's documents folder (CSIDL_PERSONAL; off Windows the XDG documents folder or
-    /// ~/Documents). Empty when the system has none.
+    /// ~/Documents). Raises RuntimeError 76 when the system has none.
     virtual std::string PersonalDocuments() const = 0;
 
-    /// The folder that this process works in now.
+    /// The folder that this process works in now; empty when the system does not tell.
     virtual std::string Current() const = 0;
 };
 

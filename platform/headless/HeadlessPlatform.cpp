@@ -66,6 +66,11 @@ std::shared_ptr<const Picture> HeadlessPictures::Load(const std::string& path) {
     return std::make_shared<Picture>();
 }
 
+const std::string& HeadlessFolders::Home() const {
+    if (home.empty()) throw RuntimeError(ErrorNumber::PathNotFound);
+    return home;
+}
+
 std::string HeadlessProcess::ExecutablePath() const {
     if (executable.empty()) throw RuntimeError(ErrorNumber::FileNotFound);
     return executable;

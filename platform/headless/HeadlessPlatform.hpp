@@ -83,9 +83,14 @@ private:
 
 class HeadlessFolders : public Folders {
 public:
-    std::string ApplicationData() const override { return "/home/tech/.config"; }
-    std::string PersonalDocuments() const override { return "/home/tech/Documents"; }
+    std::string ApplicationData() const override { return Home() + "/.config"; }
+    std::string PersonalDocuments() const override { return Home() + "/Documents"; }
     std::string Current() const override { return "/home/tech"; }
+
+    std::string home = "/home/tech";  ///< empty: the system names none of the two
+
+private:
+    const std::string& Home() const;
 };
 
 class HeadlessProcess : public Process {

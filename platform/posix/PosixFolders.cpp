@@ -30,8 +30,9 @@ std::string Home() {
     std::string home = PathFromEnvironment("HOME");
     if (!home.empty()) return WithoutEndingSlash(home);
     const passwd* const user = getpwuid(getuid());
-    return user != nullptr && user->pw_dir != nullptr ? WithoutEndingSlash(user->pw_dir)
-                                                      : std::string();
+    if (user == nullptr || user->pw_dir == nullptr || *user->pw_dir == '\0')
+        throw RuntimeError(ErrorNumber::PathNotFound);
+    return WithoutEndingSlash(user->pw_dir);
 }
 
 /// The folder set by a line `NAME="$HOME/..."` or `NAME="/..."`; empty when it is another line.
@@ -82,13 +83,11 @@ std::string FolderFromUserDirs(const std::string& file, std::string_view name,
 std::string PosixFolders::ApplicationData() const {
     const std::string configured = PathFromEnvironment("XDG_CONFIG_HOME");
     if (!configured.empty()) return WithoutEndingSlash(configured);
-    const std::string home = Home();
-    return home.empty() ? std::string() : home + "/.config";
+    return Home() + "/.config";
 }
 
 std::string PosixFolders::PersonalDocuments() const {
     const std::string home = Home();
-    if (home.empty()) return {};
     const std::string configured =
         FolderFromUserDirs(ApplicationData() + "/user-dirs.dirs", "XDG_DOCUMENTS_DIR", home);
     return configured.empty() ? home + "/Documents" : configured;

@@ -4,6 +4,7 @@
 #include "platform/CodePage1252.hpp"
 #include "platform/CompiledStrings.hpp"
 #include "platform/NativePlatform.hpp"
+#include "platform/RegistryHive.hpp"
 #include "platform/VersionResources.hpp"
 #include "platform/posix/PosixClock.hpp"
 #include "platform/posix/PosixFiles.hpp"
@@ -13,8 +14,21 @@
 #include "platform/posix/PosixRegistry.hpp"
 #include "platform/posix/PosixSerialPorts.hpp"
 #include "platform/posix/PosixTerminal.hpp"
+#include "support/Traps.hpp"
 
 namespace vantor {
+namespace {
+
+/// Without a home folder nothing is stored, and what is set lasts as long as the process.
+std::unique_ptr<Registry> RegistryOf(const Folders& folders) {
+    std::unique_ptr<Registry> registry;
+    if (!Ignoring(
+            [&] { registry = std::make_unique<PosixRegistry>(DefaultRegistryFile(folders)); }))
+        registry = std::make_unique<RegistryHive>();
+    return registry;
+}
+
+}  // namespace
 
 NativePlatform MakeNativePlatform(int argc, char** argv) {
     NativePlatform native;
@@ -27,7 +41,7 @@ NativePlatform MakeNativePlatform(int argc, char** argv) {
     native.strings = std::make_unique<CompiledStrings>(LanguageOfEnvironment());
     native.terminal = std::make_unique<PosixTerminal>();
     auto pump = std::make_unique<PosixMessagePump>(*native.clock);
-    native.registry = std::make_unique<PosixRegistry>(DefaultRegistryFile(*native.folders));
+    native.registry = RegistryOf(*native.folders);
     auto ports = std::make_unique<PosixSerialPorts>(*pump);
     native.portName = [&mapper = *ports](const std::string& port) {
         return port.find('/') == std::string::npos ? port : mapper.MapDevice(port);

@@ -3,6 +3,7 @@
 #include <array>
 
 #include "platform/win32/Windows.hpp"
+#include "support/RuntimeError.hpp"
 // Needs what the system's header defines.
 #include <shlobj.h>
 
@@ -11,8 +12,9 @@ namespace {
 
 std::string ShellFolder(int which) {
     std::array<wchar_t, MAX_PATH> path{};
-    if (FAILED(SHGetFolderPathW(nullptr, which, nullptr, SHGFP_TYPE_CURRENT, path.data())))
-        return {};
+    if (FAILED(SHGetFolderPathW(nullptr, which, nullptr, SHGFP_TYPE_CURRENT, path.data())) ||
+        path.front() == L'\0')
+        throw RuntimeError(ErrorNumber::PathNotFound);
     return ToUtf8(path.data());
 }
 

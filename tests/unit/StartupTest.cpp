@@ -78,6 +78,19 @@ TEST_F(StartupTest, TheHelpKeyOpensTheFileOrSaysWhyNotAndDoesNotDisturbAnUpdate)
     EXPECT_EQ(mPlatform.boxes.shown.size(), 1u);
 }
 
+TEST_F(StartupTest, AFolderThatTheSystemCannotNameIsNeverTheRootOfTheDrive) {
+    mPlatform.folders.home.clear();
+    ASSERT_TRUE(mStartup.Main());
+    EXPECT_EQ(std::get<std::string>(mStartup.Errors().Destination()), "C:\\ERRORS.TXT");
+    EXPECT_FALSE(mPlatform.files.Exists("/TSMR/CALDOR/cache"));
+    frmMain& window = *mStartup.MainWindow();
+    window.cmdFlash.Press();
+    ASSERT_EQ(mPlatform.dialogs.shown.size(), 1u);
+    EXPECT_EQ(mPlatform.dialogs.shown[0].initialFolder, "");
+    window.Unload();
+    EXPECT_EQ(Told(mPlatform), Texts{});
+}
+
 TEST_F(StartupTest, ABrokenSettingIsReportedOnceAndTheDefaultsAreUsed) {
     mPlatform.registry.Import(
         RegistryWith("Settings", "\"AutoUnZip\"=\"perhaps\"\n\"Port\"=\"COM9\"\n"));

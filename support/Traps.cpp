@@ -1,5 +1,6 @@
 #include "support/Traps.hpp"
 
+#include <exception>
 #include <string>
 #include <utility>
 
@@ -69,6 +70,13 @@ bool Ignoring(const std::function<void()>& step) noexcept {
     } catch (...) {
         return false;
     }
+}
+
+void ReportPending(std::string_view name) noexcept {
+    if (gSink == nullptr) std::terminate();
+    const bool named = Ignoring([name] { gSink->Push(name); });
+    gSink->HandleError();
+    if (named) gSink->Pop();
 }
 
 }  // namespace vantor

@@ -1,5 +1,6 @@
-// The four error traps. Window and class code contains no other `catch`: a procedure is written
-// as one of these around a flat body, so that every error has exactly one way out of it.
+// The error traps. Window and class code contains no other `catch`: a procedure is written as one
+// of the first four around a flat body, so that every error has exactly one way out of it. The
+// fifth, `Guarded`, is for the procedures that the system calls.
 #pragma once
 
 #include <functional>
@@ -54,5 +55,24 @@ bool BoxedSetup(std::string_view where, const std::function<void()>& body);
 /// Runs one statement whose error is dropped on purpose, so that the next one still runs.
 /// True when there was none, for the caller whose answer to any error is the same.
 bool Ignoring(const std::function<void()>& step) noexcept;
+
+/// Hands the error now being handled to the error handler, as one of the procedure `name`. Without
+/// a handler the program ends as on any unhandled error.
+void ReportPending(std::string_view name) noexcept;
+
+/// Runs the body of a procedure that the system calls (a window procedure, say): no exception may
+/// unwind the system's own frames. An error is handed to the error handler. Unlike `Trapped` this
+/// puts `name` on the procedure stack only for the report, so that it may enclose any procedure.
+/// True when there was none.
+template <typename Body>
+bool Guarded(std::string_view name, Body&& body) noexcept {
+    try {
+        body();
+        return true;
+    } catch (...) {
+        ReportPending(name);
+        return false;
+    }
+}
 
 }  // namespace vantor

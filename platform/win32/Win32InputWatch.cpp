@@ -2,6 +2,8 @@
 
 #include <utility>
 
+#include "support/Traps.hpp"
+
 namespace vantor {
 namespace {
 
@@ -48,7 +50,8 @@ void Win32InputWatch::Arm() {
 }
 
 void CALLBACK Win32InputWatch::OnEvent(void* watch, BOOLEAN) {
-    static_cast<Win32InputWatch*>(watch)->mArrived();
+    // The error handler belongs to the main thread. Without this wake-up the next poll finds out.
+    Ignoring([watch] { static_cast<Win32InputWatch*>(watch)->mArrived(); });
 }
 
 }  // namespace vantor

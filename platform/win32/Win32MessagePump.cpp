@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "support/RuntimeError.hpp"
+#include "support/Traps.hpp"
 
 namespace vantor {
 namespace {
@@ -123,8 +124,11 @@ LRESULT CALLBACK Win32MessagePump::OnMessage(HWND window, UINT message, WPARAM f
                                              LPARAM second) {
     auto* const pump =
         reinterpret_cast<Win32MessagePump*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-    if (pump != nullptr && pump->Handle(message, first)) return 0;
-    return DefWindowProcW(window, message, first, second);
+    bool handled = false;
+    if (pump != nullptr &&
+        !Guarded("Win32MessagePump.OnMessage", [&] { handled = pump->Handle(message, first); }))
+        return 0;
+    return handled ? 0 : DefWindowProcW(window, message, first, second);
 }
 
 bool Win32MessagePump::Handle(UINT message, WPARAM first) {

@@ -8,6 +8,8 @@
 #include <string_view>
 #include <utility>
 
+#include "support/Traps.hpp"
+
 namespace vantor {
 namespace {
 
@@ -121,8 +123,12 @@ LRESULT CALLBACK Win32TerminalView::OnMessage(HWND window, UINT message, WPARAM 
         view->mWindow = nullptr;
         return DefWindowProcW(window, message, first, second);
     }
-    const std::optional<LRESULT> answer = view->Handle(message, first, second);
-    return answer ? *answer : DefWindowProcW(window, message, first, second);
+    LRESULT answer = 0;
+    Guarded("Win32TerminalView.OnMessage", [&] {
+        const std::optional<LRESULT> handled = view->Handle(message, first, second);
+        answer = handled ? *handled : DefWindowProcW(window, message, first, second);
+    });
+    return answer;
 }
 
 /// Nothing for what the system is to deal with.

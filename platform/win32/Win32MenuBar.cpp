@@ -25,7 +25,8 @@ MENUITEMINFOW InfoFor(const Control& item, std::wstring& text) {
 
 }  // namespace
 
-Win32MenuBar::Win32MenuBar(Win32Stage& stage, Form& form) : mStage(stage) {
+// Through the other constructor, so that the destructor takes back a bar that is made in part.
+Win32MenuBar::Win32MenuBar(Win32Stage& stage, Form& form) : Win32MenuBar(stage) {
     UINT command = kFirstCommand;
     for (Control* control : form.Controls()) {
         if (control->Kind() != ControlKind::MenuItem) continue;
@@ -34,12 +35,12 @@ Win32MenuBar::Win32MenuBar(Win32Stage& stage, Form& form) : mStage(stage) {
             [control](const ControlDesign& design) { return design.name == control->Name(); });
         auto& item = static_cast<MenuItem&>(*control);
         if (mBar == nullptr) {
-            mBar = CreateMenu();
+            mBar = Made(CreateMenu());
             ++mStage.held.menus;
         }
         Entry entry = Insert(item, *row, command);
         if (HasEntries(form, item.Name())) {
-            entry.popup = CreatePopupMenu();
+            entry.popup = Made(CreatePopupMenu());
             MENUITEMINFOW info{};
             info.cbSize = sizeof info;
             info.fMask = MIIM_SUBMENU;

@@ -15,7 +15,8 @@ public:
     /// Command identifiers of the entries count from here.
     static constexpr UINT kFirstCommand = 2000;
 
-    /// Builds the bar of `form`; `Handle` is null for a form without menus.
+    /// Builds the bar of `form`; `Handle` is null for a form without menus. Raises RuntimeError 7
+    /// when the system cannot make it.
     Win32MenuBar(Win32Stage& stage, Form& form);
     ~Win32MenuBar();
     Win32MenuBar(const Win32MenuBar&) = delete;
@@ -35,6 +36,7 @@ private:
         UINT position;
     };
 
+    explicit Win32MenuBar(Win32Stage& stage) : mStage(stage) {}
     Entry Insert(MenuItem& item, const ControlDesign& row, UINT command);
     HMENU MenuOf(const char* parent) const;
     bool HasEntries(const Form& form, const std::string& name) const;

@@ -63,12 +63,12 @@ std::wstring ChosenFace(HDC target, const std::wstring& wanted, int height) {
 Win32TerminalFont::Win32TerminalFont(Win32Stage& stage, const ControlStyle& style) : mStage(stage) {
     constexpr float kTwipsPerPoint = 20;
     const int height = stage.ToPixels(style.points * kTwipsPerPoint);
-    const HDC target = CreateCompatibleDC(nullptr);
+    const HDC target = Made(CreateCompatibleDC(nullptr));
     const HGDIOBJ before = GetCurrentObject(target, OBJ_FONT);
     const std::wstring face = ChosenFace(target, ToWide(style.face), height);
-    mPlain = Make(face, height, false);
-    mBold = Make(face, height, true);
-    static_cast<void>(SelectObject(target, mPlain));
+    mPlain.reset(Make(face, height, false));
+    mBold.reset(Make(face, height, true));
+    static_cast<void>(SelectObject(target, mPlain.get()));
     TEXTMETRICW metrics{};
     if (GetTextMetricsW(target, &metrics) != 0) {
         mWidth = std::max<int>(metrics.tmAveCharWidth, 1);
@@ -76,12 +76,11 @@ Win32TerminalFont::Win32TerminalFont(Win32Stage& stage, const ControlStyle& styl
     }
     static_cast<void>(SelectObject(target, before));
     static_cast<void>(DeleteDC(target));
+    if (mPlain == nullptr || mBold == nullptr) RaiseNotMade(GetLastError());
     mStage.held.fonts += 2;
 }
 
 Win32TerminalFont::~Win32TerminalFont() {
-    static_cast<void>(DeleteObject(mPlain));
-    static_cast<void>(DeleteObject(mBold));
     mStage.held.fonts -= 2;
 }
 

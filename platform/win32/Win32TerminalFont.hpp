@@ -1,6 +1,9 @@
 // The letters of a terminal: all of one width, in a face that has those of the code page.
 #pragma once
 
+#include <memory>
+#include <type_traits>
+
 #include "controls/Form.hpp"
 #include "platform/win32/Win32Stage.hpp"
 
@@ -9,20 +12,26 @@ namespace vantor {
 class Win32TerminalFont {
 public:
     /// The face that `style` names, or another when the system has it not or only parts of it.
+    /// Raises RuntimeError 7 when the system cannot make it.
     Win32TerminalFont(Win32Stage& stage, const ControlStyle& style);
     ~Win32TerminalFont();
     Win32TerminalFont(const Win32TerminalFont&) = delete;
     Win32TerminalFont& operator=(const Win32TerminalFont&) = delete;
 
-    HFONT Face(bool bold) const { return bold ? mBold : mPlain; }
+    HFONT Face(bool bold) const { return bold ? mBold.get() : mPlain.get(); }
     /// Pixels of one character.
     int Width() const { return mWidth; }
     int Height() const { return mHeight; }
 
 private:
+    struct Deleter {
+        void operator()(HFONT font) const { static_cast<void>(DeleteObject(font)); }
+    };
+    using Font = std::unique_ptr<std::remove_pointer_t<HFONT>, Deleter>;
+
     Win32Stage& mStage;
-    HFONT mPlain = nullptr;
-    HFONT mBold = nullptr;
+    Font mPlain;
+    Font mBold;
     int mWidth = 8;
     int mHeight = 16;
 };

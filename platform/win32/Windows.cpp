@@ -1,5 +1,8 @@
 #include "platform/win32/Windows.hpp"
 
+#include <array>
+#include <cstddef>
+
 #include "support/RuntimeError.hpp"
 
 namespace vantor {
@@ -50,6 +53,21 @@ void RaiseFileError(DWORD systemError) {
         default:
             throw RuntimeError(ErrorNumber::PathFileAccess);
     }
+}
+
+void RaiseNotMade(DWORD systemError) {
+    std::array<wchar_t, 512> words{};
+    // Graphics calls fail without an error number. The mask keeps the text on one line.
+    const DWORD length =
+        systemError == 0
+            ? 0
+            : FormatMessageW(FORMAT_MESSAGE_FROM_SYSTEM | FORMAT_MESSAGE_IGNORE_INSERTS |
+                                 FORMAT_MESSAGE_MAX_WIDTH_MASK,
+                             nullptr, systemError, 0, words.data(),
+                             static_cast<DWORD>(words.size()), nullptr);
+    std::string text = ToUtf8({words.data(), static_cast<std::size_t>(length)});
+    text.resize(text.find_last_not_of(' ') + 1);
+    throw RuntimeError(ErrorNumber::OutOfMemory, text);
 }
 
 }  // namespace vantor

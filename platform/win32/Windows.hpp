@@ -1,5 +1,5 @@
-// The system's own header, kept small, and the two things that every service here needs with it:
-// text conversion and error numbers. The only place that includes <windows.h>.
+// The system's own header, kept small, and what every service here needs with it: text conversion
+// and error numbers. The only place that includes <windows.h>.
 #pragma once
 
 #ifndef NOMINMAX
@@ -29,5 +29,16 @@ std::string ToUtf8(std::wstring_view wide);
 
 /// Raises the RuntimeError that a failed file operation means: 53, 76, 70, 61, else 75.
 [[noreturn]] void RaiseFileError(DWORD systemError);
+
+/// Raises RuntimeError 7 in the system's own words, where it has some for `systemError`: a window,
+/// a menu or a font could not be made.
+[[noreturn]] void RaiseNotMade(DWORD systemError);
+
+/// `handle`, as a call of the system has returned it; raises as `RaiseNotMade` when it is null.
+template <typename Handle>
+Handle Made(Handle handle) {
+    if (handle == nullptr) RaiseNotMade(GetLastError());
+    return handle;
+}
 
 }  // namespace vantor

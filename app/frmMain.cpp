@@ -28,8 +28,6 @@ frmMain::frmMain(Desktop& desktop, Platform& platform)
       mFormPos(platform.registry, platform.codePage),
       mSettings(platform.registry, platform.codePage, platform.files),
       mSession(*this, mSettings, platform) {
-    picPicture.picture = StockPicture::Banner;
-    lvwUpdates.columns = {"Filename", "File Size", "File Date", "Description"};
     cmdFlash.Click.Handle(
         [this] { Trapped("frmMain.cmdFlash_Click", [this] { mSession.doFlash(); }); });
     mnuFileFlash.Click.Handle(
@@ -109,26 +107,28 @@ void frmMain::Form_Unload() {
 }
 
 void frmMain::Form_Resize() {
-    // A minimised window has no inside to lay out.
-    if (State() == WindowState::Minimised) return;
-    const MainLayout layout = LayoutMainWindow(InnerSize());
-    picPicture.Place(layout.picture);
-    for (PictureBox* panel : {&picStartup, &picUpdate, &picFlash}) panel->Place(layout.panel);
-    lblLabels[0].Place(layout.welcome);
-    cmdFlash.Place(layout.flash);
-    lblLabels[1].Place(layout.updatesLabel);
-    lvwUpdates.Place(layout.updates);
-    lblUpdateStatus.Place(layout.updateStatus);
-    cmdDetails.Place(layout.details);
-    cmdDownload.Place(layout.download);
-    cmdDownloadAll.Place(layout.downloadAll);
-    lblLabels[2].Place(layout.flashLabels[0]);
-    lblLabels[3].Place(layout.flashLabels[1]);
-    lblStatus.Place(layout.status);
-    lblElapsed.Place(layout.elapsed);
-    pbarStatus.Place(layout.progress);
-    lblWarning.Place(layout.warning);
-    cmdFlashAbort.Place(layout.abort);
+    Trapped("frmMain.Form_Resize", [this] {
+        // A minimised window has no inside to lay out.
+        if (State() == WindowState::Minimised) return;
+        const MainLayout layout = LayoutMainWindow(InnerSize());
+        picPicture.Place(layout.picture);
+        for (PictureBox* panel : {&picStartup, &picUpdate, &picFlash}) panel->Place(layout.panel);
+        lblLabels[0].Place(layout.welcome);
+        cmdFlash.Place(layout.flash);
+        lblLabels[1].Place(layout.updatesLabel);
+        lvwUpdates.Place(layout.updates);
+        lblUpdateStatus.Place(layout.updateStatus);
+        cmdDetails.Place(layout.details);
+        cmdDownload.Place(layout.download);
+        cmdDownloadAll.Place(layout.downloadAll);
+        lblLabels[2].Place(layout.flashLabels[0]);
+        lblLabels[3].Place(layout.flashLabels[1]);
+        lblStatus.Place(layout.status);
+        lblElapsed.Place(layout.elapsed);
+        pbarStatus.Place(layout.progress);
+        lblWarning.Place(layout.warning);
+        cmdFlashAbort.Place(layout.abort);
+    });
 }
 
 void frmMain::mnuToolsOptions_Click() {
@@ -143,7 +143,9 @@ void frmMain::mnuToolsOptions_Click() {
 
 std::vector<std::string> frmMain::CommPorts() const {
     std::vector<std::string> names;
-    for (const SerialPortInfo& port : mPlatform.ports.List()) names.push_back(port.name);
+    Trapped("frmMain.CommPorts", [&] {
+        for (const SerialPortInfo& port : mPlatform.ports.List()) names.push_back(port.name);
+    });
     return names;
 }
 
@@ -160,7 +162,7 @@ void frmMain::mnuHelpAbout_Click() {
     Trapped("frmMain.mnuHelpAbout_Click", [this] {
         const auto about = std::make_shared<frmAbout>(GetDesktop(), mPlatform.strings);
         about->Load();
-        about->CenterIn(Place());
+        about->CenterOn(*this);
         about->Show(ShowMode::Modal);
         about->Unload();
     });
@@ -190,6 +192,8 @@ void frmMain::mnuToolsCurrentVersions_Click() {
 
 void frmMain::picPicture_Click() {
     Trapped("frmMain.picPicture_Click", [this] {
+        // Like the help key, this waits for the end of an update.
+        if (!cmdFlash.Enabled()) return;
         const ImageLines index = mPromotion.Index();
         CHourglass hourglass(mPlatform.peers);
         hourglass.Value(true);
@@ -235,7 +239,7 @@ void frmMain::SetButtonState(bool enabled) {
 
 void frmMain::lvwUpdates_Click() {
     Trapped("frmMain.lvwUpdates_Click", [this] {
-        if (lvwUpdates.selectedRow >= 0) SetButtonState(true);
+        if (lvwUpdates.SelectedRow() >= 0) SetButtonState(true);
     });
 }
 

@@ -66,7 +66,7 @@ public:
     CommandButton cmdFlash{*this, "cmdFlash"};
 
     PictureBox picUpdate{*this, "picUpdate"};
-    ListView lvwUpdates{*this, "lvwUpdates"};
+    ListView lvwUpdates{*this, "lvwUpdates", {"Filename", "File Size", "File Date", "Description"}};
     Label lblUpdateStatus{*this, "lblUpdateStatus"};
     CommandButton cmdDetails{*this, "cmdDetails"};
     CommandButton cmdDownload{*this, "cmdDownload"};

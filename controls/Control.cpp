@@ -45,7 +45,6 @@ void Control::Border(vantor::Border border) {
 }
 
 void Control::ZOrder() {
-    mRank = mParent.NextRank();
     Changed(Property::ZOrder);
 }
 

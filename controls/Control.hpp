@@ -15,10 +15,7 @@ class Form;
 enum class ControlKind : std::uint8_t {
     Label,
     CommandButton,
-    Frame,
-    CheckBox,
     ComboBox,
-    OptionButton,
     PictureBox,
     Image,
     ProgressBar,
@@ -29,16 +26,6 @@ enum class ControlKind : std::uint8_t {
     Timer,
     SerialControl,
     Terminal,
-};
-
-/// Position and size in twips (1440 to the inch), within the control's container.
-struct Place {
-    float left = 0;
-    float top = 0;
-    float width = 0;
-    float height = 0;
-
-    friend bool operator==(const Place&, const Place&) = default;
 };
 
 /// The edge around a control.
@@ -88,9 +75,6 @@ public:
 
     /// Brings the control before the controls that it overlaps.
     void ZOrder();
-    /// Of two controls that overlap the one with the higher rank is in front; among those with
-    /// rank 0 the earlier one of the design.
-    unsigned Rank() const { return mRank; }
 
     /// Draws the control at once, without waiting for the message loop.
     void Refresh();
@@ -114,7 +98,6 @@ private:
     std::string mSpokenName;
     vantor::Place mPlace;
     vantor::Border mBorder = vantor::Border::None;
-    unsigned mRank = 0;
     bool mEnabled = true;
     bool mVisible = true;
 };

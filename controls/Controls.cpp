@@ -32,11 +32,6 @@ void PictureBox::Print(const std::string& text) {
     Changed(Property::Value);
 }
 
-void CheckBox::Value(bool value) {
-    mValue = value;
-    Changed(Property::Value);
-}
-
 void ComboBox::Items(std::vector<std::string> items) {
     mItems = std::move(items);
     mListIndex = -1;
@@ -58,6 +53,11 @@ void ComboBox::Choose(int index) {
     if (index < 0) return;
     ListIndex(index);
     Click.Raise();
+}
+
+void ListView::Choose(int row) {
+    mSelectedRow = row;
+    Press();
 }
 
 int FindStringComboBox(const ComboBox& combo, const std::string& text) {

@@ -40,58 +40,23 @@ public:
         : ClickControl(parent, ControlKind::CommandButton, std::move(name), index) {}
 };
 
-/// A box with a caption around other controls.
-class Frame : public Control {
-public:
-    Frame(Form& parent, std::string name, int index = -1)
-        : Control(parent, ControlKind::Frame, std::move(name), index) {}
-};
-
-/// A button that is on or off; the user's click changes it before the event.
-class CheckBox : public ClickControl {
-public:
-    CheckBox(Form& parent, std::string name, int index = -1)
-        : CheckBox(parent, ControlKind::CheckBox, std::move(name), index) {}
-
-    bool Value() const { return mValue; }
-    void Value(bool value);
-
-protected:
-    CheckBox(Form& parent, ControlKind kind, std::string name, int index)
-        : ClickControl(parent, kind, std::move(name), index) {}
-
-private:
-    bool mValue = false;
-};
-
-/// One of several buttons of a container, of which one is on.
-class OptionButton : public CheckBox {
-public:
-    OptionButton(Form& parent, std::string name, int index = -1)
-        : CheckBox(parent, ControlKind::OptionButton, std::move(name), index) {}
-};
-
 /// A menu or menu entry. The caption "-" makes a separator.
 class MenuItem : public ClickControl {
 public:
     MenuItem(Form& parent, std::string name, int index = -1)
         : ClickControl(parent, ControlKind::MenuItem, std::move(name), index) {}
+
+    /// A menu shows all of its entries.
+    void Visible(bool) = delete;
 };
 
-/// Pictures of the program's own.
-enum class StockPicture : std::uint8_t { None, Banner, Logo };
-
-/// A panel or a picture that can be clicked, and printed on.
+/// A panel or a picture that can be printed on, and clicked when its design row says so.
 class PictureBox : public ClickControl {
 public:
-    StockPicture picture = StockPicture::None;
-
-    /// A picture shown instead, as large as fits undistorted; null shows `picture`.
+    /// A picture shown instead of the ground of the design row, as large as fits undistorted; null
+    /// for the ground.
     const std::shared_ptr<const Picture>& Loaded() const { return mLoaded; }
     void Loaded(std::shared_ptr<const Picture> loaded);
-
-    /// In the colours of an active window's title.
-    bool captionBar = false;
 
     /// A text that was printed on the box, its upper left corner in twips.
     struct Printed {
@@ -125,11 +90,9 @@ private:
     std::vector<Printed> mPrinted;
 };
 
-/// A picture that only shows.
+/// Shows the program's icon.
 class Image : public Control {
 public:
-    StockPicture picture = StockPicture::Logo;
-
     Image(Form& parent, std::string name, int index = -1)
         : Control(parent, ControlKind::Image, std::move(name), index) {}
 };
@@ -200,15 +163,24 @@ private:
     std::vector<Panel> mPanels;
 };
 
-/// A list with columns, of which one row can be selected.
+/// A list with columns, of which one row can be selected. It has no rows so far.
 class ListView : public ClickControl {
 public:
-    ListView(Form& parent, std::string name, int index = -1)
-        : ClickControl(parent, ControlKind::ListView, std::move(name), index) {}
+    ListView(Form& parent, std::string name, std::vector<std::string> columns)
+        : ClickControl(parent, ControlKind::ListView, std::move(name), -1),
+          mColumns(std::move(columns)) {}
 
-    std::vector<std::string> columns;
-    std::vector<std::vector<std::string>> rows;
-    int selectedRow = -1;  ///< -1 when nothing is selected
+    const std::vector<std::string>& Columns() const { return mColumns; }
+
+    /// From 0; -1 when nothing is selected.
+    int SelectedRow() const { return mSelectedRow; }
+
+    /// For peers: the user has clicked, after which `row` is selected. The event follows.
+    void Choose(int row);
+
+private:
+    std::vector<std::string> mColumns;
+    int mSelectedRow = -1;
 };
 
 /// Raises its event every `Interval` milliseconds while enabled. Disabled when made; enabling

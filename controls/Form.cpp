@@ -7,6 +7,20 @@
 #include "support/RuntimeError.hpp"
 
 namespace vantor {
+namespace {
+
+Place MiddleOf(const Place& area, Place place) {
+    place.left = area.left + (area.width - place.width) / 2;
+    place.top = area.top + (area.height - place.height) / 2;
+    return place;
+}
+
+/// A start of at least `from`, and of at most what lets `length` end within `room`.
+float Within(float start, float length, float from, float room) {
+    return std::max(from, std::min(start, from + room - length));
+}
+
+}  // namespace
 
 Form::Form(Desktop& desktop, const FormDesign& design) : mDesktop(desktop), mDesign(design) {}
 
@@ -23,9 +37,18 @@ void Form::Place(const vantor::Place& place) {
 }
 
 void Form::CenterIn(const vantor::Place& area) {
-    vantor::Place place = mPlace;
-    place.left = area.left + (area.width - place.width) / 2;
-    place.top = area.top + (area.height - place.height) / 2;
+    Place(MiddleOf(area, mPlace));
+}
+
+void Form::CenterOn(const Form& other) {
+    vantor::Place around = other.Place();
+    // A minimised window is far off the screen.
+    if (other.State() == WindowState::Minimised && other.mPeer)
+        around = other.mPeer->NormalPlace().value_or(around);
+    vantor::Place place = MiddleOf(around, mPlace);
+    const vantor::Place area = mDesktop.GetPeers().WorkArea(around);
+    place.left = Within(place.left, place.width, area.left, area.width);
+    place.top = Within(place.top, place.height, area.top, area.height);
     Place(place);
 }
 

@@ -17,6 +17,13 @@ class MessagePump;
 
 enum class WindowState : std::uint8_t { Normal = 0, Minimised = 1, Maximised = 2 };
 
+/// What a panel shows where nothing else is on it.
+enum class Ground : std::uint8_t {
+    Plain,
+    Banner,      ///< the built-in promotional picture
+    CaptionBar,  ///< the colours of an active window's title
+};
+
 /// What is special about a control's looks, its place among the keys, or how it is read aloud.
 struct ControlStyle {
     float points = 9;       ///< size of its letters
@@ -25,6 +32,10 @@ struct ControlStyle {
     bool centred = false;        ///< of a label's text
     bool defaultButton = false;  ///< pressed by Enter
     bool cancelButton = false;   ///< pressed by Esc
+    /// Has the focus when the window opens, and Tab never stops on it.
+    bool holdsFocus = false;
+    bool clickable = false;  ///< of a panel: a button for the mouse and for the keyboard
+    Ground ground = Ground::Plain;
     /// Number of the text that is read aloud for a control which shows none; 0 where it does, or
     /// where the label in the row before tells what it is.
     std::int32_t spokenName = 0;
@@ -101,6 +112,10 @@ public:
     /// Moves the window to the middle of `area` (twips of the screen), its size unchanged.
     void CenterIn(const vantor::Place& area);
 
+    /// Moves the window to the middle of `other`, or of the place that `other` takes when it is
+    /// restored while it is minimised; always within the free part of the monitor there.
+    void CenterOn(const Form& other);
+
     WindowState State() const { return mState; }
     void State(WindowState state);
 
@@ -153,7 +168,6 @@ private:
     void Join(Control& control) { mControls.push_back(&control); }
     void ControlChanged(const Control& control, Property property);
     Size TextSize(const Control& control, const std::string& face, const std::string& text) const;
-    unsigned NextRank() { return ++mRanks; }
     void FormChanged(Property property);
     void ApplyDesign();
 
@@ -165,7 +179,6 @@ private:
     std::string mCaption;
     vantor::Place mPlace;
     Size mInner;
-    unsigned mRanks = 0;  // given to controls so far
     WindowState mState = WindowState::Normal;
     bool mLoaded = false;
     bool mVisible = false;

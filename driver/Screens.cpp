@@ -89,6 +89,10 @@ void Screens::OfThePictureAndTheMenus() {
     Restart();
     const HWND window = app->Main();
     Show("picture", window);
+    Await("the focus", [this] { return app->Focus() == app->Child("cmdFlash"); });
+    Key(VK_TAB);
+    Await("the picture", [this] { return app->Focus() == app->Child("picPicture"); });
+    Show("picture-focus", window);
     PostMessageW(window, WM_SYSCOMMAND, SC_KEYMENU, 0);
     Await("the menu bar", [this] { return app->InMenu(); });
     Key(VK_DOWN);

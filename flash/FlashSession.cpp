@@ -249,7 +249,7 @@ void FlashSession::ArmFinalPhase() {
     mstrReply.clear();
     mStatus = std::make_shared<frmStatus>(mHost.Window().GetDesktop(), mPlatform.strings);
     mStatus->Load();
-    mStatus->CenterIn(mHost.Window().Place());
+    mStatus->CenterOn(mHost.Window());
     mStatus->Message(Text(723));
     mStatus->Show(ShowMode::Modeless, &mHost.Window());
     mControls.mobjComm.ReceiveThreshold(1);

@@ -201,7 +201,7 @@ void frmMonitor::mnuCommSettings_Click() {
 void frmMonitor::ShowPortSettings() {
     const auto dialog = std::make_shared<frmPortSettings>(GetDesktop(), mPlatform, comMonitor);
     dialog->Load();
-    dialog->CenterIn(Place());
+    dialog->CenterOn(*this);
     dialog->Show(ShowMode::Modal, this);
     dialog->Unload();
 }
@@ -254,7 +254,7 @@ bool frmMonitor::SendFile(const std::string& fileName) {
         "frmMonitor.SendFile",
         [&] {
             progress->Initialize(fileName);
-            progress->CenterIn(Place());
+            progress->CenterOn(*this);
             progress->Show(ShowMode::Modeless, this);
             if (!mPlatform.files.Exists(fileName)) return;
             mPlatform.pump.PumpPending();

@@ -3,6 +3,7 @@
 
 #include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 
 #include "platform/MessageBoxes.hpp"
@@ -37,6 +38,16 @@ struct Size {
     friend bool operator==(const Size&, const Size&) = default;
 };
 
+/// Position and size in twips (1440 to the inch). A control's lies within its container.
+struct Place {
+    float left = 0;
+    float top = 0;
+    float width = 0;
+    float height = 0;
+
+    friend bool operator==(const Place&, const Place&) = default;
+};
+
 /// Colours that the user chooses for the whole system.
 enum class SystemColour : std::uint8_t { ButtonShadow, Highlight3D };
 
@@ -59,7 +70,7 @@ class FormPeer {
 public:
     virtual ~FormPeer() = default;
 
-    /// Shows the window; a modal one returns only when it has been hidden or unloaded.
+    /// Shows the window; a modal one returns only when it has been unloaded.
     virtual void Show(ShowMode mode, NativeWindow owner) = 0;
 
     /// `property` of the form itself changed.
@@ -78,6 +89,10 @@ public:
         return {};
     }
 
+    /// Where the window is while it is neither minimised nor maximised, outer size included;
+    /// nothing where nothing is drawn.
+    virtual std::optional<Place> NormalPlace() const { return std::nullopt; }
+
     /// The window's handle; 0 where nothing is drawn.
     virtual NativeWindow Handle() const = 0;
 };
@@ -92,6 +107,12 @@ public:
 
     /// Size of the screen that windows are placed on.
     virtual Size ScreenSize() const = 0;
+
+    /// What the taskbar leaves free of the monitor that `place` lies on, or is nearest to.
+    virtual Place WorkArea(const Place& /*place*/) const {
+        const Size screen = ScreenSize();
+        return {0, 0, screen.width, screen.height};
+    }
 
     /// Twips of one pixel of the screen: 15 at 96 dots to the inch.
     virtual float TwipsPerPixel() const { return 15; }

@@ -11,7 +11,7 @@ using enum ControlKind;
 
 constexpr ControlStyle kTree = {.spokenName = 501};
 constexpr ControlStyle kHeading = {.bold = true};
-constexpr ControlStyle kCaptionBar = {.points = 11, .bold = true};
+constexpr ControlStyle kCaptionBar = {.points = 11, .bold = true, .ground = Ground::CaptionBar};
 constexpr ControlStyle kOk = {.defaultButton = true};
 constexpr ControlStyle kCancel = {.cancelButton = true};
 

@@ -13,7 +13,7 @@ constexpr const char* kWelcomeInDesign =
     "Welcome to the Vantor update utility. Connect the indicator to this computer, place it into "
     "boot monitor mode and click below to begin.";
 
-constexpr ControlStyle kPicture = {.spokenName = 314};
+constexpr ControlStyle kPicture = {.clickable = true, .ground = Ground::Banner, .spokenName = 314};
 constexpr ControlStyle kUpdates = {.spokenName = 305};
 constexpr ControlStyle kProgress = {.spokenName = 2130};
 constexpr ControlStyle kWelcome = {.points = 11, .centred = true};

@@ -28,7 +28,6 @@ frmConfigure::frmConfigure(Desktop& desktop, Platform& platform)
       mPlatform(platform),
       mobjFormPos(platform.registry, platform.codePage),
       mobjTreeViewEnh(platform.registry, platform.codePage) {
-    picSelection.captionBar = true;
     tvwOptions.NodeClick.Handle([this](const TreeNode& node) { tvwOptions_NodeClick(node); });
     cboPort.Click.Handle([this] { cboPort_Click(); });
     cboBaudRate.Click.Handle([this] { cboBaudRate_Click(); });

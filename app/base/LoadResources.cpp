@@ -11,16 +11,7 @@ namespace vantor {
 namespace {
 
 bool TakesCaption(ControlKind kind) {
-    switch (kind) {
-        case ControlKind::Label:
-        case ControlKind::Frame:
-        case ControlKind::CheckBox:
-        case ControlKind::CommandButton:
-        case ControlKind::OptionButton:
-            return true;
-        default:
-            return false;
-    }
+    return kind == ControlKind::Label || kind == ControlKind::CommandButton;
 }
 
 void TranslateMenuItem(Control& item, const StringTable& strings) {

@@ -26,15 +26,9 @@ Looks LooksOf(const Control& control, const ControlDesign& row) {
             return {L"STATIC", row.style.centred ? DWORD{SS_CENTER} : DWORD{SS_LEFT}, 0};
         case ControlKind::CommandButton:
             return {L"BUTTON",
-                    WS_TABSTOP |
+                    (row.style.holdsFocus ? 0 : DWORD{WS_TABSTOP}) |
                         (row.style.defaultButton ? DWORD{BS_DEFPUSHBUTTON} : DWORD{BS_PUSHBUTTON}),
                     0};
-        case ControlKind::Frame:
-            return {L"BUTTON", BS_GROUPBOX, 0};
-        case ControlKind::CheckBox:
-            return {L"BUTTON", WS_TABSTOP | BS_CHECKBOX, 0};
-        case ControlKind::OptionButton:
-            return {L"BUTTON", WS_TABSTOP | BS_RADIOBUTTON, 0};
         case ControlKind::ComboBox:
             return {L"COMBOBOX", WS_TABSTOP | WS_VSCROLL | DWORD{CBS_DROPDOWNLIST}, 0};
         case ControlKind::StatusBar:
@@ -53,6 +47,7 @@ Looks LooksOf(const Control& control, const ControlDesign& row) {
         case ControlKind::Terminal:
             return {kTerminalClass, WS_TABSTOP | WS_VSCROLL, WS_EX_CLIENTEDGE};
         default:
+            if (row.style.clickable) return {kPanelClass, WS_TABSTOP | WS_CLIPSIBLINGS, 0};
             return {kPanelClass, WS_CLIPCHILDREN | WS_CLIPSIBLINGS, WS_EX_CONTROLPARENT};
     }
 }
@@ -71,13 +66,12 @@ Win32ChildControl::Win32ChildControl(Win32Stage& stage, Control& control, const 
     const RECT place = OuterPlace();
     const DWORD shown = control.Visible() ? WS_VISIBLE : 0;
     const DWORD usable = control.Enabled() ? 0 : WS_DISABLED;
-    mWindow = CreateWindowExW(
+    const HFONT font = stage.Font(row.style.points, row.style.bold);
+    mWindow = Made(CreateWindowExW(
         looks.extendedStyle, looks.windowClass, ToWide(control.Caption()).c_str(),
         WS_CHILD | looks.style | shown | usable, place.left, place.top, place.right - place.left,
         place.bottom - place.top, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
-        stage.Instance(), nullptr);
-    ++mStage.held.windows;
-    const HFONT font = stage.Font(row.style.points, row.style.bold);
+        stage.Instance(), nullptr));
     SendMessageW(mWindow, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
     if (control.Kind() == ControlKind::ListView) InsertColumns();
     if (control.Kind() == ControlKind::Terminal)
@@ -93,6 +87,7 @@ Win32ChildControl::Win32ChildControl(Win32Stage& stage, Control& control, const 
                      0);
     FollowBorder();
     FollowValue();
+    ++mStage.held.windows;
 }
 
 Win32ChildControl::~Win32ChildControl() {
@@ -206,10 +201,6 @@ void Win32ChildControl::FollowValue() {
         const auto value = static_cast<WPARAM>(static_cast<ProgressBar&>(mControl).Value());
         if (static_cast<WPARAM>(SendMessageW(mWindow, PBM_GETPOS, 0, 0)) != value)
             SendMessageW(mWindow, PBM_SETPOS, value, 0);
-    } else if (mControl.Kind() == ControlKind::CheckBox ||
-               mControl.Kind() == ControlKind::OptionButton) {
-        SendMessageW(mWindow, BM_SETCHECK,
-                     static_cast<CheckBox&>(mControl).Value() ? BST_CHECKED : BST_UNCHECKED, 0);
     } else if (mControl.Kind() == ControlKind::ComboBox) {
         FollowList(static_cast<const ComboBox&>(mControl));
     } else if (mControl.Kind() == ControlKind::StatusBar) {
@@ -233,8 +224,16 @@ void Win32ChildControl::FollowList(const ComboBox& combo) {
         SendMessageW(mWindow, CB_SETCURSEL, static_cast<WPARAM>(combo.ListIndex()), 0);
 }
 
-// An open list counts when it closes, not with every item that the arrows pass; a closed one with
-// every arrow. Either way more than one message can say so.
+void Win32ChildControl::Commanded(UINT notification) {
+    if (mControl.Kind() == ControlKind::ComboBox)
+        ListNotified(notification);
+    else if (mControl.Kind() == ControlKind::CommandButton && notification == BN_CLICKED)
+        static_cast<CommandButton&>(mControl).Press();
+}
+
+// A choice that the user has made, the one of before included, is told once: as `kChoiceMade` with
+// the child's id, posted to the form. An open list counts when it closes, not with every item that
+// the arrows pass; a closed one with every arrow. Either way more than one message can say so.
 void Win32ChildControl::ListNotified(UINT notification) {
     const bool open = SendMessageW(mWindow, CB_GETDROPPEDSTATE, 0, 0) != 0;
     if (notification == CBN_SELENDCANCEL) FollowList(static_cast<const ComboBox&>(mControl));
@@ -314,8 +313,16 @@ void Win32ChildControl::BringToFront() {
     }
 }
 
-void Win32ChildControl::TreeNotified(const NMHDR& header) {
-    if (mTree != nullptr) mTree->Notified(header);
+void Win32ChildControl::Notified(const NMHDR& header) {
+    if (mTree != nullptr)
+        mTree->Notified(header);
+    else if (mControl.Kind() == ControlKind::ListView && header.code == NM_CLICK)
+        static_cast<ListView&>(mControl).Choose(SelectedRow());
+}
+
+int Win32ChildControl::SelectedRow() const {
+    return static_cast<int>(
+        SendMessageW(mWindow, LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
 }
 
 void Win32ChildControl::KeepToBottom() {
@@ -330,7 +337,7 @@ void Win32ChildControl::KeepToBottom() {
 void Win32ChildControl::InsertColumns() {
     constexpr float kColumnTwips = 1500;
     int at = 0;
-    for (const std::string& title : static_cast<ListView&>(mControl).columns) {
+    for (const std::string& title : static_cast<ListView&>(mControl).Columns()) {
         std::wstring text = ToWide(title);
         LVCOLUMNW column{};
         column.mask = LVCF_TEXT | LVCF_WIDTH;

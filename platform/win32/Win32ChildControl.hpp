@@ -30,7 +30,8 @@ inline constexpr wchar_t kPanelClass[] = L"VantorPanel";
 
 class Win32ChildControl {
 public:
-    /// Makes the child window of `control` in `parent`, with `id`, as its design row says.
+    /// Makes the child window of `control` in `parent`, with `id`, as its design row says. Raises
+    /// RuntimeError 7 when the system cannot make it.
     Win32ChildControl(Win32Stage& stage, Control& control, const ControlDesign& row, HWND parent,
                       int id);
     Win32ChildControl(const Win32ChildControl&) = delete;
@@ -54,13 +55,13 @@ public:
 
     /// A status bar moves itself to its window's bottom edge; its model learns the height.
     void KeepToBottom();
-    /// A drop-down list says what its user does. A choice that he has made, the one of before
-    /// included, is told once: as `kChoiceMade` with the child's id, posted to the form.
-    void ListNotified(UINT notification);
-    /// Takes that choice.
+    /// The system's window says what its user does (WM_COMMAND). The handler of the model's event
+    /// may unload the form: this object may be gone when the call returns, as after the next two.
+    void Commanded(UINT notification);
+    /// Takes the choice that a drop-down list has posted.
     void TakeChoice();
-    /// A tree says what its user does.
-    void TreeNotified(const NMHDR& header);
+    /// The system's window says what its user does (WM_NOTIFY).
+    void Notified(const NMHDR& header);
     /// Size of a text printed on the control.
     Size TextSize(const std::string& face, const std::string& text) const;
 
@@ -71,12 +72,14 @@ private:
     void FollowBorder();
     void FollowValue();
     void FollowList(const ComboBox& combo);
+    void ListNotified(UINT notification);
     void FollowPanels(const StatusBar& bar);
     int PanelWidth(const std::wstring& text) const;
     void FollowPrinted(const PictureBox& box);
     void BringToFront();
     SIZE Extent(HFONT font, const std::wstring& text) const;
     void InsertColumns();
+    int SelectedRow() const;
 
     Win32Stage& mStage;
     Control& mControl;

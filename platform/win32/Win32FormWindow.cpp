@@ -1,6 +1,7 @@
 #include "platform/win32/Win32FormWindow.hpp"
 
 #include <commctrl.h>
+#include <windowsx.h>
 
 #include <algorithm>
 #include <utility>
@@ -8,7 +9,7 @@
 #include "controls/Controls.hpp"
 #include "platform/win32/Win32PanelPaint.hpp"
 #include "platform/win32/Win32TerminalView.hpp"
-#include "support/RuntimeError.hpp"
+#include "support/Traps.hpp"
 
 namespace vantor {
 namespace {
@@ -53,22 +54,27 @@ void Win32FormWindow::RegisterClasses(HINSTANCE instance) {
     Win32TerminalView::RegisterClasses(instance);
 }
 
-DWORD Win32FormWindow::Style() const {
-    if (mForm->Design().smallest.width > 0) return WS_OVERLAPPEDWINDOW;
-    return WS_POPUP | WS_CAPTION | WS_SYSMENU;
+RECT Win32FormWindow::FirstPlace() const {
+    RECT place = mStage.ToPixels(mForm->Place());
+    const RECT area = Win32Stage::MonitorAt(place).rcWork;
+    const LONG right = std::max(area.right - area.left - (place.right - place.left), LONG{0});
+    const LONG down = std::max(area.bottom - area.top - (place.bottom - place.top), LONG{0});
+    static_cast<void>(OffsetRect(&place, static_cast<int>(area.left + right / 2 - place.left),
+                                 static_cast<int>(area.top + down / 2 - place.top)));
+    return place;
 }
 
 void Win32FormWindow::Create() {
     RegisterClasses(mStage.Instance());
     mMenuBar = std::make_unique<Win32MenuBar>(mStage, *mForm);
-    const RECT place = mStage.ToPixels(mForm->Place());
-    const bool sizable = mForm->Design().smallest.width > 0;
-    mWindow =
-        CreateWindowExW(WS_EX_CONTROLPARENT | (sizable ? 0 : WS_EX_DLGMODALFRAME), kFormClass,
-                        ToWide(mForm->Caption()).c_str(), Style() | WS_CLIPCHILDREN, place.left,
-                        place.top, place.right - place.left, place.bottom - place.top, nullptr,
-                        mMenuBar->Handle(), mStage.Instance(), nullptr);
-    if (mWindow == nullptr) throw RuntimeError(ErrorNumber::OutOfMemory);
+    const RECT place = FirstPlace();
+    const DWORD style =
+        IsSizable() ? DWORD{WS_OVERLAPPEDWINDOW} : DWORD{WS_POPUP | WS_CAPTION | WS_SYSMENU};
+    mWindow = Made(CreateWindowExW(WS_EX_CONTROLPARENT | (IsSizable() ? 0 : WS_EX_DLGMODALFRAME),
+                                   kFormClass, ToWide(mForm->Caption()).c_str(),
+                                   style | WS_CLIPCHILDREN, place.left, place.top,
+                                   place.right - place.left, place.bottom - place.top, nullptr,
+                                   mMenuBar->Handle(), mStage.Instance(), nullptr));
     ++mStage.held.windows;
     static_cast<void>(SetWindowLongPtrW(mWindow, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this)));
     CreateChildren();
@@ -105,9 +111,9 @@ HWND Win32FormWindow::ParentFor(const ControlDesign& row) const {
 }
 
 void Win32FormWindow::CreateToolTips() {
-    mToolTips = CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr,
-                                WS_POPUP | TTS_NOPREFIX | TTS_ALWAYSTIP, 0, 0, 0, 0, mWindow,
-                                nullptr, mStage.Instance(), nullptr);
+    mToolTips = Made(CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr,
+                                     WS_POPUP | TTS_NOPREFIX | TTS_ALWAYSTIP, 0, 0, 0, 0, mWindow,
+                                     nullptr, mStage.Instance(), nullptr));
     for (const auto& child : mChildren)
         if (!child->Model().ToolTip().empty()) FollowToolTip(*child);
 }
@@ -128,7 +134,8 @@ void Win32FormWindow::Show(HWND owner) {
     if (owner != nullptr && owner != mWindow)
         static_cast<void>(
             SetWindowLongPtrW(mWindow, GWLP_HWNDPARENT, reinterpret_cast<LONG_PTR>(owner)));
-    int how = SW_SHOW;
+    const bool restored = IsIconic(mWindow) == 0 && IsZoomed(mWindow) == 0;
+    int how = restored ? SW_SHOW : SW_SHOWNORMAL;
     if (mForm->State() == WindowState::Maximised) how = SW_SHOWMAXIMIZED;
     if (mForm->State() == WindowState::Minimised) how = SW_SHOWMINIMIZED;
     static_cast<void>(ShowWindow(mWindow, how));
@@ -136,8 +143,17 @@ void Win32FormWindow::Show(HWND owner) {
     KeepFocusUsable();
 }
 
-void Win32FormWindow::Hide() {
-    static_cast<void>(ShowWindow(mWindow, SW_HIDE));
+Place Win32FormWindow::NormalPlace() const {
+    WINDOWPLACEMENT placement{};
+    placement.length = sizeof placement;
+    if (GetWindowPlacement(mWindow, &placement) == 0) return mForm->Place();
+    // It counts from the corner of the monitor's work area.
+    RECT place = placement.rcNormalPosition;
+    const MONITORINFO monitor = Win32Stage::MonitorAt(place);
+    static_cast<void>(OffsetRect(&place,
+                                 static_cast<int>(monitor.rcWork.left - monitor.rcMonitor.left),
+                                 static_cast<int>(monitor.rcWork.top - monitor.rcMonitor.top)));
+    return mStage.ToTwips(place);
 }
 
 // --- from the model to the screen --------------------------------------------------------------
@@ -191,13 +207,20 @@ void Win32FormWindow::KeepFocusUsable() {
     if (GetActiveWindow() != mWindow) return;
     const HWND focus = GetFocus();
     if (focus != nullptr && focus != mWindow && IsUsable(focus)) return;
-    for (const auto& child : mChildren) {
-        const bool tabStop = (GetWindowLongPtrW(child->Window(), GWL_STYLE) & WS_TABSTOP) != 0;
-        if (!tabStop || !IsUsable(child->Window())) continue;
-        static_cast<void>(SetFocus(child->Window()));
-        return;
+    static_cast<void>(SetFocus(FirstFocus()));
+}
+
+// Only the user's own Tab leads to a picture: Enter would no longer press the default button.
+HWND Win32FormWindow::FirstFocus() const {
+    for (const bool holders : {true, false}) {
+        for (const auto& child : mChildren) {
+            const ControlStyle& style = child->Row().style;
+            const bool tabStop = (GetWindowLongPtrW(child->Window(), GWL_STYLE) & WS_TABSTOP) != 0;
+            const bool wanted = holders ? style.holdsFocus : tabStop && !style.clickable;
+            if (wanted && IsUsable(child->Window())) return child->Window();
+        }
     }
-    static_cast<void>(SetFocus(mWindow));
+    return mWindow;
 }
 
 // --- from the user to the model -----------------------------------------------------------------
@@ -207,7 +230,11 @@ LRESULT CALLBACK Win32FormWindow::OnFormMessage(HWND window, UINT message, WPARA
     Win32FormWindow* const form = WindowOf(window);
     if (form == nullptr) return DefWindowProcW(window, message, first, second);
     const std::shared_ptr<Win32FormWindow> keepAlive = form->shared_from_this();
-    return form->Handle(message, first, second);
+    const std::shared_ptr<Form> keepModel = form->mForm->weak_from_this().lock();
+    LRESULT answer = 0;
+    Guarded("Win32FormWindow.OnFormMessage",
+            [&] { answer = form->Handle(message, first, second); });
+    return answer;
 }
 
 LRESULT Win32FormWindow::Handle(UINT message, WPARAM first, LPARAM second) {
@@ -216,7 +243,8 @@ LRESULT Win32FormWindow::Handle(UINT message, WPARAM first, LPARAM second) {
             OnCommand(LOWORD(first), HIWORD(first));
             return 0;
         case WM_NOTIFY:
-            return OnNotify(*reinterpret_cast<const NMHDR*>(second));
+            OnNotify(*reinterpret_cast<const NMHDR*>(second));
+            return 0;
         case kChoiceMade:
             if (Win32ChildControl* const list = FindId(static_cast<int>(first))) list->TakeChoice();
             return 0;
@@ -271,9 +299,7 @@ void Win32FormWindow::OnCommand(UINT id, UINT notification) {
     } else if (MenuItem* const item = mMenuBar->Find(id)) {
         item->Press();
     } else if (Win32ChildControl* const child = FindId(static_cast<int>(id))) {
-        if (child->Model().Kind() == ControlKind::CommandButton && notification == BN_CLICKED)
-            static_cast<ClickControl&>(child->Model()).Press();
-        if (child->Model().Kind() == ControlKind::ComboBox) child->ListNotified(notification);
+        child->Commanded(notification);
     }
 }
 
@@ -294,16 +320,9 @@ LRESULT Win32FormWindow::DefaultButton() const {
     return 0;
 }
 
-LRESULT Win32FormWindow::OnNotify(const NMHDR& header) {
-    Win32ChildControl* const child = FindId(static_cast<int>(header.idFrom));
-    if (child == nullptr) return 0;
-    child->TreeNotified(header);
-    if (child->Model().Kind() != ControlKind::ListView || header.code != NM_CLICK) return 0;
-    auto& list = static_cast<ListView&>(child->Model());
-    list.selectedRow = static_cast<int>(
-        SendMessageW(child->Window(), LVM_GETNEXTITEM, static_cast<WPARAM>(-1), LVNI_SELECTED));
-    list.Click.Raise();
-    return 0;
+void Win32FormWindow::OnNotify(const NMHDR& header) {
+    if (Win32ChildControl* const child = FindId(static_cast<int>(header.idFrom)))
+        child->Notified(header);
 }
 
 void Win32FormWindow::OnPlaced() {
@@ -327,7 +346,7 @@ void Win32FormWindow::OnPaint() {
     PAINTSTRUCT paint{};
     const HWND window = mWindow;
     mTarget = BeginPaint(window, &paint);
-    mForm->Painting();
+    Guarded("Win32FormWindow.OnPaint", [this] { mForm->Painting(); });
     mTarget = nullptr;
     static_cast<void>(EndPaint(window, &paint));
 }
@@ -362,42 +381,86 @@ bool Win32FormWindow::MayEndSession() {
     return mStage.reasonToStay.empty();
 }
 
+// --- panels and pictures ------------------------------------------------------------------------
+
 LRESULT CALLBACK Win32FormWindow::OnPanelMessage(HWND window, UINT message, WPARAM first,
                                                  LPARAM second) {
-    const HWND form = GetAncestor(window, GA_ROOT);
-    Win32FormWindow* const owner = form == nullptr ? nullptr : WindowOf(form);
+    const HWND root = GetAncestor(window, GA_ROOT);
+    if (message == WM_COMMAND || message == WM_NOTIFY)
+        return SendMessageW(root, message, first, second);
+    Win32FormWindow* const form = root == nullptr ? nullptr : WindowOf(root);
+    if (form == nullptr) return DefWindowProcW(window, message, first, second);
+    const std::shared_ptr<Win32FormWindow> keepAlive = form->shared_from_this();
+    LRESULT answer = 0;
+    Guarded("Win32FormWindow.OnPanelMessage",
+            [&] { answer = form->HandlePanel(window, message, first, second); });
+    return answer;
+}
+
+LRESULT Win32FormWindow::HandlePanel(HWND panel, UINT message, WPARAM first, LPARAM second) {
+    const Win32ChildControl* const child = FindId(GetDlgCtrlID(panel));
+    if (child == nullptr) return DefWindowProcW(panel, message, first, second);
+    if (message == WM_ERASEBKGND && PaintPanel(*child, reinterpret_cast<HDC>(first))) return 1;
+    std::optional<LRESULT> answer;
+    if (child->Row().style.clickable) answer = HandlePicture(*child, message, first, second);
+    return answer ? *answer : DefWindowProcW(panel, message, first, second);
+}
+
+// As on a button: a click is a press and a release on the same one. The release alone also ends
+// other things, such as the double click on a title bar that puts the picture under the mouse.
+std::optional<LRESULT> Win32FormWindow::HandlePicture(const Win32ChildControl& picture,
+                                                      UINT message, WPARAM first, LPARAM second) {
+    const HWND window = picture.Window();
+    const bool isKey = first == VK_SPACE || first == VK_RETURN;
     switch (message) {
-        case WM_COMMAND:
-        case WM_NOTIFY:
-            return SendMessageW(form, message, first, second);
-        case WM_LBUTTONUP:
-            if (owner != nullptr) {
-                const std::shared_ptr<Win32FormWindow> keepAlive = owner->shared_from_this();
-                owner->ClickPanel(GetDlgCtrlID(window));
-            }
+        case WM_LBUTTONDOWN:
+            static_cast<void>(SetCapture(window));
+            mPressed = window;
             return 0;
-        case WM_ERASEBKGND:
-            if (owner != nullptr && owner->PaintPanel(window, reinterpret_cast<HDC>(first)))
-                return 1;
-            break;
+        case WM_LBUTTONUP: {
+            if (std::exchange(mPressed, nullptr) != window) return 0;
+            static_cast<void>(ReleaseCapture());
+            RECT inside{};
+            static_cast<void>(GetClientRect(window, &inside));
+            if (PtInRect(&inside, {GET_X_LPARAM(second), GET_Y_LPARAM(second)}) != 0)
+                Click(picture);
+            return 0;
+        }
+        case WM_CAPTURECHANGED:
+            mPressed = nullptr;
+            return 0;
+        case WM_GETDLGCODE: {
+            // A button that takes Enter itself, so that the default button does not get it.
+            const auto* const asked = reinterpret_cast<const MSG*>(second);
+            const bool enter = asked != nullptr && asked->wParam == VK_RETURN;
+            return DLGC_BUTTON | DLGC_UNDEFPUSHBUTTON | (enter ? DLGC_WANTMESSAGE : 0);
+        }
+        case WM_KEYDOWN:
+            if (!isKey) return std::nullopt;
+            if ((HIWORD(second) & KF_REPEAT) == 0) Click(picture);
+            return 0;
+        case WM_SETFOCUS:
+        case WM_KILLFOCUS:
+            static_cast<void>(InvalidateRect(window, nullptr, TRUE));
+            return 0;
         default:
-            break;
+            return std::nullopt;
     }
-    return DefWindowProcW(window, message, first, second);
 }
 
-void Win32FormWindow::ClickPanel(int id) {
-    if (Win32ChildControl* const child = FindId(id))
-        static_cast<ClickControl&>(child->Model()).Press();
+void Win32FormWindow::Click(const Win32ChildControl& picture) {
+    static_cast<PictureBox&>(picture.Model()).Press();
 }
 
-bool Win32FormWindow::PaintPanel(HWND panel, HDC target) const {
-    Win32ChildControl* const child = FindId(GetDlgCtrlID(panel));
-    if (child == nullptr || child->Model().Kind() != ControlKind::PictureBox) return false;
+bool Win32FormWindow::PaintPanel(const Win32ChildControl& panel, HDC target) const {
     RECT area{};
-    static_cast<void>(GetClientRect(panel, &area));
-    return PaintPictureBox(mStage, static_cast<PictureBox&>(child->Model()), child->Row(), target,
-                           area);
+    static_cast<void>(GetClientRect(panel.Window(), &area));
+    if (!PaintPictureBox(mStage, static_cast<PictureBox&>(panel.Model()), panel.Row(), target,
+                         area))
+        return false;
+    if (panel.Row().style.clickable && GetFocus() == panel.Window())
+        PaintFocus(mStage, target, area);
+    return true;
 }
 
 Size Win32FormWindow::TextSize(const Control& control, const std::string& face,

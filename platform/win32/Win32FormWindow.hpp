@@ -3,6 +3,7 @@
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "controls/Form.hpp"
@@ -15,19 +16,21 @@ namespace vantor {
 class Win32FormWindow : public std::enable_shared_from_this<Win32FormWindow> {
 public:
     Win32FormWindow(Win32Stage& stage, Form& form);
+    ~Win32FormWindow() { Destroy(); }
     Win32FormWindow(const Win32FormWindow&) = delete;
     Win32FormWindow& operator=(const Win32FormWindow&) = delete;
 
-    /// Makes the window, hidden.
+    /// Makes the window, hidden, in the middle of the screen: there a window is restored to that is
+    /// first shown minimised or maximised. Raises RuntimeError 7 when the system cannot make it.
     void Create();
     /// Destroys it; the model is not looked at any more.
     void Destroy();
 
     HWND Handle() const { return mWindow; }
     void Show(HWND owner);
-    void Hide();
     void FollowForm(Property property);
     void FollowControl(const Control& control, Property property);
+    Place NormalPlace() const;
     void DrawLine(const ThinLine& line) const;
     Size TextSize(const Control& control, const std::string& face, const std::string& text) const;
 
@@ -39,15 +42,18 @@ private:
     LRESULT Handle(UINT message, WPARAM first, LPARAM second);
     void OnCommand(UINT id, UINT notification);
     void OnDefaultKey(UINT id);
-    LRESULT OnNotify(const NMHDR& header);
+    void OnNotify(const NMHDR& header);
     void OnPlaced();
     void OnPaint();
     void OnActivate(bool active);
     void OnSmallest(MINMAXINFO& limits) const;
     bool MayEndSession();
     LRESULT DefaultButton() const;
-    void ClickPanel(int id);
-    bool PaintPanel(HWND panel, HDC target) const;
+    LRESULT HandlePanel(HWND panel, UINT message, WPARAM first, LPARAM second);
+    std::optional<LRESULT> HandlePicture(const Win32ChildControl& picture, UINT message,
+                                         WPARAM first, LPARAM second);
+    static void Click(const Win32ChildControl& picture);
+    bool PaintPanel(const Win32ChildControl& panel, HDC target) const;
 
     void CreateChildren();
     void CreateToolTips();
@@ -56,16 +62,19 @@ private:
     void CatchUpSoon();
     void CatchUp();
     void KeepFocusUsable();
+    HWND FirstFocus() const;
     HWND ParentFor(const ControlDesign& row) const;
     Win32ChildControl* Find(const Control& control) const;
     Win32ChildControl* FindId(int id) const;
-    DWORD Style() const;
+    bool IsSizable() const { return mForm->Design().smallest.width > 0; }
+    RECT FirstPlace() const;
 
     Win32Stage& mStage;
     Form* mForm;  // null once destroyed
     HWND mWindow = nullptr;
     HWND mToolTips = nullptr;
-    HWND mFocus = nullptr;  // the child that had the focus when the window was left
+    HWND mFocus = nullptr;    // the child that had the focus when the window was left
+    HWND mPressed = nullptr;  // the picture on which the mouse button went down
     std::unique_ptr<Win32MenuBar> mMenuBar;
     std::vector<std::unique_ptr<Win32ChildControl>> mChildren;
     HDC mTarget = nullptr;     // while the form paints itself

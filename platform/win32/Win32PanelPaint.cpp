@@ -10,11 +10,12 @@ namespace {
 
 void PaintPrinted(Win32Stage& stage, const PictureBox& box, const ControlDesign& row, HDC target,
                   const RECT& area) {
-    static_cast<void>(FillRect(
-        target, &area, GetSysColorBrush(box.captionBar ? COLOR_ACTIVECAPTION : COLOR_BTNFACE)));
+    const bool captionBar = row.style.ground == Ground::CaptionBar;
+    static_cast<void>(FillRect(target, &area,
+                               GetSysColorBrush(captionBar ? COLOR_ACTIVECAPTION : COLOR_BTNFACE)));
     static_cast<void>(SetBkMode(target, TRANSPARENT));
     static_cast<void>(
-        SetTextColor(target, GetSysColor(box.captionBar ? COLOR_CAPTIONTEXT : COLOR_BTNTEXT)));
+        SetTextColor(target, GetSysColor(captionBar ? COLOR_CAPTIONTEXT : COLOR_BTNTEXT)));
     for (const PictureBox::Printed& printed : box.PrintedTexts()) {
         const HFONT font = stage.Font(row.style.points, row.style.bold, printed.fontName);
         const HGDIOBJ before = SelectObject(target, font);
@@ -32,13 +33,24 @@ bool PaintPictureBox(Win32Stage& stage, const PictureBox& box, const ControlDesi
                      const RECT& area) {
     if (box.Loaded() != nullptr)
         static_cast<const Win32Picture&>(*box.Loaded()).Draw(target, area);
-    else if (box.picture == StockPicture::Banner)
+    else if (row.style.ground == Ground::Banner)
         DrawBanner(stage, target, area);
-    else if (box.captionBar || !box.PrintedTexts().empty())
+    else if (row.style.ground == Ground::CaptionBar || !box.PrintedTexts().empty())
         PaintPrinted(stage, box, row, target, area);
     else
         return false;
     return true;
+}
+
+// Two edges of contrary colours: one of them shows on whatever the picture is.
+void PaintFocus(const Win32Stage& stage, HDC target, RECT area) {
+    constexpr float kEdgeTwips = 15;
+    const int edge = stage.ToPixels(kEdgeTwips);
+    for (const int colour : {COLOR_WINDOWTEXT, COLOR_WINDOW})
+        for (int i = 0; i < edge; ++i) {
+            static_cast<void>(FrameRect(target, &area, GetSysColorBrush(colour)));
+            static_cast<void>(InflateRect(&area, -1, -1));
+        }
 }
 
 }  // namespace vantor

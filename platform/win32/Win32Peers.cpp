@@ -37,6 +37,7 @@ public:
                   const std::string& text) const override {
         return mWindow->TextSize(control, face, text);
     }
+    std::optional<Place> NormalPlace() const override { return mWindow->NormalPlace(); }
     NativeWindow Handle() const override {
         return reinterpret_cast<NativeWindow>(mWindow->Handle());
     }
@@ -108,6 +109,10 @@ Size Win32Peers::ScreenSize() const {
 
 float Win32Peers::TwipsPerPixel() const {
     return mStage.ToTwips(1);
+}
+
+Place Win32Peers::WorkArea(const Place& place) const {
+    return mStage.ToTwips(Win32Stage::MonitorAt(mStage.ToPixels(place)).rcWork);
 }
 
 void Win32Peers::SetMousePointer(MousePointer pointer) {

@@ -20,6 +20,7 @@ public:
     std::unique_ptr<FormPeer> Draw(Form& form) override;
     Size ScreenSize() const override;
     float TwipsPerPixel() const override;
+    Place WorkArea(const Place& place) const override;
     void SetMousePointer(MousePointer pointer) override;
     void HoldSystem(const std::string& reason) override;
 

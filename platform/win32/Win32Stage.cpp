@@ -43,6 +43,14 @@ Place Win32Stage::ToTwips(const RECT& pixels) const {
             ToTwips(pixels.bottom - pixels.top)};
 }
 
+MONITORINFO Win32Stage::MonitorAt(const RECT& place) {
+    MONITORINFO info{};
+    info.cbSize = sizeof info;
+    // The nearest monitor always exists; all 0 is a screen that has just gone.
+    static_cast<void>(GetMonitorInfoW(MonitorFromRect(&place, MONITOR_DEFAULTTONEAREST), &info));
+    return info;
+}
+
 HFONT Win32Stage::Font(float points, bool bold, const std::string& face) {
     HFONT& font = mFonts[{static_cast<int>(std::lround(points * 10)), bold, face}];
     if (font != nullptr) return font;
@@ -57,7 +65,7 @@ HFONT Win32Stage::Font(float points, bool bold, const std::string& face) {
     wanted.lfWeight = bold ? FW_SEMIBOLD : FW_NORMAL;
     if (const std::wstring name = ToWide(face); !name.empty() && name.size() < LF_FACESIZE)
         *std::copy(name.begin(), name.end(), wanted.lfFaceName) = L'\0';
-    font = CreateFontIndirectW(&wanted);
+    font = Made(CreateFontIndirectW(&wanted));
     ++held.fonts;
     return font;
 }

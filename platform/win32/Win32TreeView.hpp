@@ -18,7 +18,8 @@ public:
 
     /// The model has changed.
     void Follow();
-    /// The tree tells of itself: what its user opens, closes and selects reaches the model.
+    /// The tree tells of itself: what its user opens, closes and selects reaches the model. The
+    /// handler of a selection may unload the form, and this object with it.
     void Notified(const NMHDR& header);
 
 private:

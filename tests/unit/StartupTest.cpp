@@ -74,6 +74,7 @@ TEST_F(StartupTest, TheHelpKeyOpensTheFileOrSaysWhyNotAndDoesNotDisturbAnUpdate)
 
     window.EnableButtons(false);
     window.HelpWanted();
+    window.picPicture.Press();
     EXPECT_EQ(mPlatform.shell.asked.size(), 2u);
     EXPECT_EQ(mPlatform.boxes.shown.size(), 1u);
 }
@@ -130,8 +131,7 @@ TEST_F(StartupTest, TheDownloadButtonsWaitForASelection) {
     mStartup.Main();
     frmMain& window = *mStartup.MainWindow();
     for (const int selected : {-1, 0}) {
-        window.lvwUpdates.selectedRow = selected;
-        window.lvwUpdates.Press();
+        window.lvwUpdates.Choose(selected);
         for (CommandButton* button :
              {&window.cmdDetails, &window.cmdDownload, &window.cmdDownloadAll})
             EXPECT_EQ(button->Enabled(), selected == 0) << button->Name();

@@ -6,14 +6,17 @@
 #include <optional>
 #include <string>
 #include <type_traits>
+#include <utility>
 #include <vector>
 
 #include "app/frmMain.hpp"
 #include "dialogs/frmAbout.hpp"
 #include "dialogs/frmStatus.hpp"
+#include "driver/App.hpp"
 #include "monitor/frmMonitor.hpp"
 #include "monitor/frmPortSettings.hpp"
 #include "monitor/frmSend.hpp"
+#include "platform/win32/Win32ChildControl.hpp"
 #include "rehearsal/Images.hpp"
 #include "settings/CAppSettings.hpp"
 #include "settings/frmConfigure.hpp"
@@ -70,6 +73,16 @@ protected:
                 {"windows of the thread", windows},
                 {"handles of the process", OpenHandles()}};
     }
+
+    static HWND ChildOf(const Form& form, const char* name) {
+        return driver::Window(WindowOf(form), form.Design()).Child(name);
+    }
+    /// Sends messages on the way of the user's own, through the message loop.
+    void Post(HWND window, UINT message, WPARAM first, LPARAM second = 0) {
+        PostMessageW(window, message, first, second);
+        platform.queue.PumpPending();
+    }
+    void Tab() { Post(GetFocus(), WM_KEYDOWN, VK_TAB); }
 
     RealWindows platform;
 };
@@ -246,6 +259,176 @@ TEST_F(PeersInAFlash, RefuseShutdownAndSleepAndHonourBothWhenIdle) {
     EXPECT_EQ(wake(), ES_CONTINUOUS);
     SendMessageW(WindowOf(*window), WM_ENDSESSION, TRUE, 0);
     EXPECT_TRUE(window->Gone());
+}
+
+class PeersOfTheMainWindow : public RealPeers {
+protected:
+    PeersOfTheMainWindow() {
+        platform.files.Add(platform.folders.ApplicationData() + "/TSMR/CALDOR/cache/cache.txt",
+                           "1|2|dot.bmp|http://site/");
+    }
+    ~PeersOfTheMainWindow() override { window->Unload(); }
+
+    /// The addresses that have been opened since the last call.
+    std::size_t Opened() {
+        const std::size_t count = platform.shell.asked.size();
+        platform.shell.asked.clear();
+        return count;
+    }
+
+    std::shared_ptr<frmMain> window = std::make_shared<frmMain>(platform.desktop, platform.real);
+};
+
+TEST_F(PeersOfTheMainWindow, ThePictureIsClickedAsAButtonIs) {
+    window->Show();
+    const HWND picture = ChildOf(*window, "picPicture");
+    constexpr LPARAM kInside = MAKELPARAM(9, 9);
+    constexpr LPARAM kBelow = MAKELPARAM(9, 3000);
+    constexpr LPARAM kHeldDown = LPARAM{KF_REPEAT} << 16;
+    struct Message {
+        UINT number;
+        WPARAM first;
+        LPARAM second = 0;
+    };
+    const struct {
+        const char* what;
+        std::vector<Message> messages;
+        std::size_t opened;
+    } kRows[] = {
+        {"the end of a double click on the title bar", {{WM_LBUTTONUP, 0, kInside}}, 0},
+        {"a click", {{WM_LBUTTONDOWN, MK_LBUTTON, kInside}, {WM_LBUTTONUP, 0, kInside}}, 1},
+        {"dragged away", {{WM_LBUTTONDOWN, MK_LBUTTON, kInside}, {WM_LBUTTONUP, 0, kBelow}}, 0},
+        {"interrupted",
+         {{WM_LBUTTONDOWN, MK_LBUTTON, kInside}, {WM_CANCELMODE, 0}, {WM_LBUTTONUP, 0, kInside}},
+         0},
+        {"Space", {{WM_KEYDOWN, VK_SPACE}, {WM_KEYDOWN, VK_SPACE, kHeldDown}}, 1},
+        {"Enter", {{WM_KEYDOWN, VK_RETURN}, {WM_KEYDOWN, VK_RETURN, kHeldDown}}, 1}};
+    for (const bool flashing : {false, true}) {
+        window->EnableButtons(!flashing);
+        for (const auto& row : kRows) {
+            for (const Message& each : row.messages)
+                Post(picture, each.number, each.first, each.second);
+            EXPECT_EQ(Opened(), flashing ? 0 : row.opened) << row.what;
+        }
+    }
+    EXPECT_EQ(platform.dialogs.shown.size(), 0u) << "Enter pressed the default button";
+}
+
+TEST_F(PeersOfTheMainWindow, TabLeadsToThePictureWhichShowsItAndNothingElseDoes) {
+    window->Show();
+    const HWND picture = ChildOf(*window, "picPicture");
+    const HWND button = ChildOf(*window, "cmdFlash");
+    const auto edge = [picture](int at) {
+        UpdateWindow(picture);
+        const HDC target = GetDC(picture);
+        const COLORREF colour = GetPixel(target, at, at);
+        ReleaseDC(picture, target);
+        return colour;
+    };
+    EXPECT_EQ(GetFocus(), button);
+    EXPECT_NE(edge(0), GetSysColor(COLOR_WINDOWTEXT));
+    Tab();
+    EXPECT_EQ(GetFocus(), picture);
+    EXPECT_EQ(edge(0), GetSysColor(COLOR_WINDOWTEXT));
+    EXPECT_EQ(edge(1), GetSysColor(COLOR_WINDOW));
+    Tab();
+    EXPECT_EQ(GetFocus(), button);
+    EXPECT_NE(edge(0), GetSysColor(COLOR_WINDOWTEXT));
+    window->EnableButtons(false);
+    EXPECT_NE(GetFocus(), picture) << "taken there without being asked";
+}
+
+/// To a pixel.
+void ExpectInTheMiddle(const Place& place, const Place& of) {
+    constexpr float kPixel = 15;
+    EXPECT_NEAR(place.left + place.width / 2, of.left + of.width / 2, kPixel);
+    EXPECT_NEAR(place.top + place.height / 2, of.top + of.height / 2, kPixel);
+}
+
+TEST_F(PeersOfTheMainWindow, ADialogOfAMinimisedWindowOpensWhereThatWindowWasAndOnTheScreen) {
+    window->Show();
+    const Place screen = platform.windows.WorkArea({});
+    const Place sound = {1500, 1500, 8400, 6600};
+    const Place overhanging = {screen.width - 600, -3000, 8400, 6600};
+    for (const Place& place : {sound, overhanging}) {
+        window->Place(place);
+        window->State(WindowState::Minimised);
+        EXPECT_TRUE(IsIconic(WindowOf(*window)));
+        const auto dialog = std::make_shared<frmStatus>(platform.desktop, platform.strings);
+        dialog->Load();
+        dialog->CenterOn(*window);
+        const Place& at = dialog->Place();
+        if (place == sound) ExpectInTheMiddle(at, place);
+        EXPECT_TRUE(at.left >= 0 && at.left + at.width <= screen.width && at.top >= 0)
+            << at.left << ',' << at.top;
+        dialog->Unload();
+        window->State(WindowState::Normal);
+        EXPECT_EQ(window->Place(), place);
+    }
+}
+
+TEST_F(PeersOfTheMainWindow, AWindowThatReopensMaximisedIsRestoredToItsDesignSizeInTheMiddle) {
+    platform.registry.Import(
+        RegistryWith("Positions", "\"frmMain\"=\"L=-60;T=-60;W=15480;H=11640;S=2;\"\n"));
+    window->Show();
+    EXPECT_EQ(window->State(), WindowState::Maximised);
+    window->State(WindowState::Normal);
+    EXPECT_EQ(window->State(), WindowState::Normal);
+    EXPECT_EQ(window->Place().width, window->Design().place.width);
+    EXPECT_EQ(window->Place().height, window->Design().place.height);
+    ExpectInTheMiddle(window->Place(), platform.windows.WorkArea({}));
+}
+
+TEST_F(PeersOfTheMainWindow, AnErrorInWhatTheSystemCallsIsReportedAndGoesNoFurther) {
+    window->Show();
+    const auto fail = [] { throw RuntimeError(ErrorNumber::Overflow); };
+    window->cmdFlash.Click.Handle(fail);
+    window->picPicture.Click.Handle(fail);
+    SendMessageW(ChildOf(*window, "cmdFlash"), BM_CLICK, 0, 0);
+    SendMessageW(ChildOf(*window, "picPicture"), WM_KEYDOWN, VK_SPACE, 0);
+    const TimerId timer = platform.queue.StartTimer(10, fail);
+    while (platform.boxes.shown.size() < 3) platform.queue.PumpPending();
+    platform.queue.StopTimer(timer);
+    EXPECT_EQ(Told(platform), (Texts{ReportBox("Win32FormWindow.OnFormMessage", "(6) Overflow"),
+                                     ReportBox("Win32FormWindow.OnPanelMessage", "(6) Overflow"),
+                                     ReportBox("Win32MessagePump.OnMessage", "(6) Overflow")}));
+}
+
+TEST_F(PeersOfTheMainWindow, AButtonWhoseHandlerClosesTheWindowIsNotLookedAtAnyMore) {
+    window->Show();
+    std::vector<std::string> others;
+    window->cmdFlash.Click.Handle([&] {
+        window->Unload();
+        // Takes the memory of what is gone, so that a look at it ends the test.
+        for (int i = 0; i < 1000; ++i) others.emplace_back(sizeof(Win32ChildControl) - 1, '\xff');
+    });
+    SendMessageW(ChildOf(*window, "cmdFlash"), BM_CLICK, 0, 0);
+    EXPECT_TRUE(window->Gone());
+}
+
+TEST_F(PeersOfTheMainWindow, AChildThatCannotBeMadeIsAnErrorInTheWordsOfTheSystem) {
+    window->Load();
+    Win32Stage stage;
+    const HWND nowhere = reinterpret_cast<HWND>(INT_PTR{0x7ffe});
+    const RuntimeError error = Raised([&] {
+        Win32ChildControl(stage, window->lblStatus, window->Design().controls.back(), nowhere, 1);
+    });
+    EXPECT_EQ(error.Number(), 7);
+    EXPECT_NE(error.Description(), StandardDescription(7));
+}
+
+TEST_F(RealPeers, TheAboutWindowOpensWithNoButtonThatLooksChosen) {
+    const auto about = std::make_shared<frmAbout>(platform.desktop, platform.strings);
+    about->Show();
+    const HWND ok = ChildOf(*about, "cmdOK");
+    EXPECT_EQ(GetFocus(), ChildOf(*about, "cmdFocus"));
+    EXPECT_EQ(GetWindowLongPtrW(ok, GWL_STYLE) & BS_TYPEMASK, BS_PUSHBUTTON);
+    for (int i = 0; i < 2; ++i) {
+        Tab();
+        EXPECT_EQ(GetFocus(), ok);
+    }
+    Post(ok, WM_KEYDOWN, VK_RETURN);
+    EXPECT_TRUE(about->Gone());
 }
 
 }  // namespace

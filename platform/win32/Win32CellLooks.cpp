@@ -24,7 +24,7 @@ int Brightness(COLORREF colour) {
 
 /// `colours`, with black or white letters when these would hardly show.
 CellColours Readable(CellColours colours) {
-    constexpr int kLeastDifference = 70;
+    constexpr int kLeastDifference = 80;
     constexpr int kMiddle = 128;
     const int ground = Brightness(colours.ground);
     if (std::abs(Brightness(colours.ink) - ground) < kLeastDifference)

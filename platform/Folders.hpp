@@ -9,15 +9,15 @@ class Folders {
 public:
     virtual ~Folders() = default;
 
-    /// The user's application-data folder (CSIDL_APPDATA; off Windows XDG_CONFIG_HOME or
-    /// ~/.config). Empty when the system has none.
+    /// The user's application-data folder (CSIDL_APPDATA; POSIX: XDG_CONFIG_HOME or ~/.config).
+    /// Empty when there is none.
     virtual std::string ApplicationData() const = 0;
 
-    /// The user's documents folder (CSIDL_PERSONAL; off Windows the XDG documents folder or
-    /// ~/Documents). Empty when the system has none.
+    /// The user's documents folder (CSIDL_PERSONAL; POSIX: the XDG documents folder or
+    /// ~/Documents). Empty when there is none.
     virtual std::string PersonalDocuments() const = 0;
 
-    /// The folder that this process works in now.
+    /// The current working directory of this process.
     virtual std::string Current() const = 0;
 };
 

@@ -46,8 +46,8 @@ void PolledPump::RemoveSource(SourceId id) {
     mSources.erase(id);
 }
 
-// Callbacks may change both tables, so each pass works from the identifiers it began with and
-// looks every one of them up again.
+// Callbacks may change both tables, so each pass iterates over a snapshot of the identifiers and
+// looks up each one again.
 void PolledPump::FireDueTimers() {
     const std::uint32_t now = mClock.Milliseconds();
     std::vector<TimerId> due;

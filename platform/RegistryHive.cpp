@@ -11,11 +11,11 @@ namespace {
 
 constexpr RegistryResult kInvalidParameter = 87;  // ERROR_INVALID_PARAMETER
 
-// The system's own limits. They also bound what a damaged file can make us build.
+// The limits of Windows. They also bound what a damaged file can create.
 constexpr std::size_t kMaxNameLength = 255;
 constexpr std::size_t kMaxDepth = 512;
 
-/// Lower case in code page 1252, where names are compared.
+/// Lower case in code page 1252, in which names are compared.
 char Folded(char c) {
     const auto byte = static_cast<unsigned char>(c);
     if (byte >= 'A' && byte <= 'Z') return static_cast<char>(byte + 0x20);
@@ -128,7 +128,7 @@ RegistryResult RegistryHive::SetValue(RegistryKey key, const std::string& name, 
     if (handle == mHandles.end()) return kRegistryInvalidHandle;
     if ((handle->second.access & kRegistrySetValue) == 0) return kRegistryAccessDenied;
     if (bytes.size() > std::numeric_limits<std::uint32_t>::max()) return kInvalidParameter;
-    // Another program may have removed the key meanwhile; a setting is kept all the same.
+    // Another program may have removed the key meanwhile; the value is stored all the same.
     Node* node = nullptr;
     const RegistryResult result = Create(handle->second.path, node);
     if (result != kRegistrySuccess) return result;
@@ -169,7 +169,7 @@ void RegistryHive::Import(std::string_view text) {
     while (!text.empty()) {
         const std::string line = TakeRegistryLine(text);
         if (line.starts_with('[')) {
-            // Values below a damaged key line belong to nobody, not to the key before it.
+            // Values below a damaged key line are dropped, not added to the key before it.
             node = nullptr;
             const std::optional<RegistryPath> path = ReadKeyLine(line);
             if (!path || Create(*path, node) != kRegistrySuccess) node = nullptr;

@@ -1,5 +1,5 @@
-// The registry in memory, with the system's semantics, and its text export and import.
-// It stores nothing by itself and watches no rights other than those a key was opened with.
+// An in-memory registry with Win32 semantics, and its text export and import.
+// It does not persist anything and enforces no rights except the access mask a key was opened with.
 #pragma once
 
 #include <cstdint>
@@ -14,7 +14,7 @@
 
 namespace vantor {
 
-/// Handles name their key by its path: they stay good when the contents are imported anew.
+/// Handles refer to a key by its path, so they stay valid across an import.
 class RegistryHive : public Registry {
 public:
     RegistryHive();
@@ -30,14 +30,14 @@ public:
                             std::string_view bytes) override;
     RegistryResult CloseKey(RegistryKey key) override;
 
-    /// All keys and values in the format of the system's registry editor (REGEDIT4), printable
-    /// ASCII and line feeds only.
+    /// All keys and values in the format of the registry editor (REGEDIT4), printable ASCII and
+    /// line feeds only.
     std::string Export() const;
 
-    /// Adds what `text` holds to the contents. What cannot be read is left out; never raises.
+    /// Merges the keys and values in `text`. Skips unreadable lines; never raises.
     void Import(std::string_view text);
 
-    /// Removes all keys and values. Open handles stay.
+    /// Removes all keys and values. Open handles stay valid.
     void Clear();
 
 private:

@@ -51,7 +51,7 @@ std::string HexByte(char byte) {
     return Hex(static_cast<unsigned char>(byte), 2);
 }
 
-/// The number that `text` consists of; nothing unless it is `minimum` to 8 digits and no more.
+/// Parses `text` as hexadecimal; empty unless it consists of `minimum` to 8 digits.
 std::optional<std::uint32_t> HexNumber(std::string_view text, std::size_t minimum) {
     if (text.size() < minimum || text.size() > 8) return std::nullopt;
     std::uint32_t number = 0;
@@ -73,7 +73,7 @@ std::string DecodedPart(std::string_view text) {
     return part;
 }
 
-/// `text` in quotes; what the format cannot hold becomes "\x" and two digits.
+/// `text` in quotes; bytes that the format cannot hold become "\x" and two digits.
 std::string Quoted(std::string_view text) {
     std::string quoted = "\"";
     for (const char c : text) {
@@ -87,8 +87,8 @@ std::string Quoted(std::string_view text) {
     return quoted + '"';
 }
 
-/// The quoted text that `line` begins with, taken off it; `hexEscapes` allows for "\x". Any
-/// other backslash stands for itself: people write folder names without doubling it.
+/// Removes the quoted string at the start of `line`; `hexEscapes` allows "\x".
+/// Any other backslash is literal: people write folder names without doubling it.
 std::optional<std::string> TakeQuoted(std::string_view& line, bool hexEscapes) {
     if (line.empty() || line.front() != '"') return std::nullopt;
     std::string text;
@@ -175,8 +175,8 @@ std::string_view TakePhysicalLine(std::string_view& text) {
     return line;
 }
 
-/// True when `line` is a value whose bytes go on in the next line. A text that ends with a
-/// backslash is damaged instead, and must not take its neighbour with it.
+/// True when `line` is a value whose bytes continue on the next line. A string that ends with
+/// a backslash is damaged instead, and must not consume the next line.
 bool IsWrapped(std::string_view line) {
     if (line.empty() || line.back() != '\\') return false;
     if (line.front() == '@')
@@ -242,7 +242,7 @@ std::optional<RegistryPath> ReadKeyLine(std::string_view line) {
         if (!EqualIgnoringCase(parts.front(), name)) continue;
         RegistryPath path{root, {}};
         for (std::size_t i = 1; i < parts.size(); ++i) path.parts.push_back(DecodedPart(parts[i]));
-        // No key can have such a name; exported again, it would name another key.
+        // No key can have such a name; a later export would write it as another key.
         for (const std::string& part : path.parts)
             if (part.find_first_of(std::string_view("\\\0", 2)) != std::string::npos)
                 return std::nullopt;

@@ -1,5 +1,5 @@
-// Lines of the registry's text export format (REGEDIT4): one key or one value at a time.
-// It knows nothing of the tree that they make up, nor of files.
+// Single lines of the registry's text export format (REGEDIT4): one key or one value at a time.
+// It does not handle the tree that they form, nor files.
 #pragma once
 
 #include <cstdint>
@@ -23,25 +23,25 @@ struct RegistryPath {
     std::vector<std::string> parts;
 };
 
-/// `path` without its empty parts, cut at the first NUL as the system's 8-bit calls do.
+/// The non-empty parts of `path`, which is cut at the first NUL as by the 8-bit Win32 calls.
 std::vector<std::string> SplitRegistryPath(std::string_view path);
 
 /// "[HKEY_CURRENT_USER\Software]", printable ASCII only: any other byte of a name, and "%",
 /// becomes "%" and two hexadecimal digits.
 std::string WriteKeyLine(const RegistryPath& path);
 
-/// `"name"="text"`, `dword:`, `hex:` or `hex(type):`, printable ASCII only. Any other byte of a
-/// name becomes "\x" and two hexadecimal digits, which the format itself has no form for.
+/// `"name"="text"`, `dword:`, `hex:` or `hex(type):`, printable ASCII only.
+/// Any other byte of a name becomes "\x" and two hexadecimal digits, an extension of the format.
 std::string WriteValueLine(const RegistryValue& value);
 
-/// Nothing when the line names no key of a known root.
+/// Empty when the line names no key of a known root.
 std::optional<RegistryPath> ReadKeyLine(std::string_view line);
 
-/// Nothing when any part of the line is damaged; half a value is worse than none.
+/// Empty when any part of the line is damaged; a partial value is worse than none.
 std::optional<RegistryValue> ReadValueLine(std::string_view line);
 
-/// Takes the next line off `text`, blanks at both ends stripped and the parts of a wrapped list
-/// of bytes put together. Lines that cannot be parts of such a list are never swallowed.
+/// Removes the next line from `text` and returns it trimmed, with the parts of a wrapped byte list
+/// joined. Lines that cannot continue such a list are never consumed.
 std::string TakeRegistryLine(std::string_view& text);
 
 }  // namespace vantor

@@ -60,8 +60,8 @@ public:
     virtual void CreateFolders(const std::string& path) = 0;
 
     /// Names (without folder) of the regular files in `folder` that match `pattern` ("*.gif";
-    /// wildcards "*" and "?", case-insensitive), in ascending order. Empty when
-    /// the folder is missing.
+    /// wildcards "*" and "?", case-insensitive), in ascending order. A missing folder gives
+    /// an empty list.
     virtual std::vector<std::string> List(const std::string& folder, const std::string& pattern,
                                           ListFilter filter) const = 0;
 };

@@ -17,9 +17,8 @@ public:
     /// Raises RuntimeError 53 when the system does not report it.
     virtual std::string ExecutablePath() const = 0;
 
-    /// True when another instance of the program named `title` runs for this user.
-    /// The first call takes the lock, which is held until this process ends (a named mutex;
-    /// a locked file on POSIX).
+    /// True when another instance of the program `title` runs for this user.
+    /// The first call takes a lock until this process ends (a named mutex; a locked file on POSIX).
     virtual bool AnotherInstanceRuns(const std::string& title) = 0;
 
     /// Installs the last-resort handler for unhandled system exceptions

@@ -9,7 +9,7 @@
 
 namespace vantor {
 
-/// `path` with "/" between its parts, none of them empty or ".".
+/// `path` with "/" separators, without empty or "." parts.
 std::string HeadlessFiles::Normal(const std::string& path) {
     std::string normal;
     for (std::size_t at = 0; at < path.size();) {
@@ -97,7 +97,7 @@ std::unique_ptr<OutputFile> HeadlessFiles::Create(const std::string& path) {
 }
 
 void HeadlessFiles::Delete(const std::string& path) {
-    static_cast<void>(Contents(path));  // for the errors of a file that is not there
+    static_cast<void>(Contents(path));  // raises when the file is missing
     mFiles.erase(Normal(path));
 }
 

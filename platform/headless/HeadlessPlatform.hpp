@@ -1,5 +1,5 @@
-// A whole platform without a screen, on a clock that only the message pump moves: each pump is
-// one millisecond. Boxes and dialogs are answered from a script and recorded.
+// A complete platform without a screen. Only the message pump advances its clock:
+// one millisecond per pump. Boxes and dialogs are answered from a script and recorded.
 #pragma once
 
 #include <cstdint>
@@ -54,7 +54,7 @@ public:
     std::uint64_t pumps = 0;
 
 protected:
-    void Rest() override {}  // each pump has moved the clock already
+    void Rest() override {}  // each pump has already advanced the clock
 };
 
 class HeadlessMessageBoxes : public MessageBoxes {
@@ -63,8 +63,8 @@ public:
     void Beep() override { ++beeps; }
 
     std::vector<MessageBoxRequest> shown;
-    std::deque<BoxAnswer> answers;  ///< taken one by one; then Yes, or Ok
-    /// Runs while a box is open, to let something happen behind it.
+    std::deque<BoxAnswer> answers;  ///< used in order; then Yes, or Ok
+    /// Called while a box is open, to simulate events behind it.
     std::function<void(const MessageBoxRequest&)> whileOpen;
     int beeps = 0;
 };
@@ -75,7 +75,7 @@ public:
     bool SaveFile(FileDialogRecord& record) override { return Answer(record); }
 
     std::vector<FileDialogRecord> shown;
-    std::deque<std::string> choices;  ///< paths taken one by one; then every dialog is cancelled
+    std::deque<std::string> choices;  ///< paths used in order; then every dialog is cancelled
 
 private:
     bool Answer(FileDialogRecord& record);
@@ -96,12 +96,12 @@ public:
     void InstallUnhandledExceptionFilter(const std::string&) override { ++filters; }
 
     std::vector<std::string> arguments;
-    std::string executable = "/opt/vantor/tsupdate";  ///< empty: the system does not tell
+    std::string executable = "/opt/vantor/tsupdate";  ///< empty: the system does not report it
     bool anotherRuns = false;
     int filters = 0;
 };
 
-/// Draws nothing; remembers what was shown.
+/// Draws nothing; records what was shown.
 class HeadlessPeers : public Peers {
 public:
     std::unique_ptr<FormPeer> Draw(Form& form) override;
@@ -110,17 +110,17 @@ public:
 
     void HoldSystem(const std::string& reason) override { held = reason; }
 
-    /// Stands for the user of a modal window, which returns after it.
+    /// Simulates the user of a modal window, which returns afterwards.
     std::function<void(Form&)> whileModal;
     std::vector<ThinLine> lines;  ///< drawn on forms
-    std::string held;             ///< why the system is held; empty when it is not
+    std::string held;             ///< reason that blocks shutdown; empty when none does
     MousePointer pointer = MousePointer::Default;
     std::vector<std::string> open;  ///< names of the forms that have a peer now
-    /// Told of every change of a control's property.
+    /// Called for every change of a control's property.
     std::function<void(const Control&, Property)> onChange;
 };
 
-/// Takes what the header tells to be a picture, except a file that says it is damaged.
+/// Accepts any file whose header is that of a picture, except one marked as damaged.
 class HeadlessPictures : public Pictures {
 public:
     explicit HeadlessPictures(const Files& files) : mFiles(files) {}
@@ -130,7 +130,7 @@ private:
     const Files& mFiles;
 };
 
-/// Remembers what it was asked to open.
+/// Records what it was asked to open.
 class HeadlessShell : public Shell {
 public:
     std::int32_t Execute(const ShellRequest& request) override {

@@ -17,7 +17,7 @@
 namespace vantor {
 namespace {
 
-constexpr mode_t kFileMode = 0666;    // the user's mask takes off what it must
+constexpr mode_t kFileMode = 0666;    // further restricted by the umask
 constexpr mode_t kFolderMode = 0777;  // likewise
 
 std::string HostPath(std::string path) {
@@ -60,7 +60,7 @@ std::optional<struct stat> StatusOf(const std::string& hostPath) {
 }
 
 PosixHandle Open(const std::string& hostPath, int flags) {
-    // Without O_NONBLOCK a named pipe in place of a file would hold us up for ever.
+    // Without O_NONBLOCK, opening a named pipe in place of a file would block for ever.
     const int allFlags = flags | O_CLOEXEC | O_NONBLOCK;
     PosixHandle file(Uninterrupted([&] { return open(hostPath.c_str(), allFlags, kFileMode); }));
     if (!file.IsOpen()) Raise(errno, hostPath);
@@ -107,8 +107,8 @@ std::string PosixFiles::ReadAll(const std::string& path) const {
     struct stat status {};
     if (fstat(file.Get(), &status) != 0) Raise(errno, hostPath);
     if (!S_ISREG(status.st_mode)) throw RuntimeError(ErrorNumber::PathFileAccess);
-    // The size is a hint only: the file may grow meanwhile, and some of the system's files claim
-    // to be empty. One byte more finds the end without another round.
+    // The size is only a hint: the file may grow meanwhile, and files in /proc and /sys report 0.
+    // One extra byte detects the end of the file without another pass.
     std::string bytes(static_cast<std::size_t>(status.st_size) + 1, '\0');
     std::size_t length = 0;
     for (;;) {
@@ -149,7 +149,7 @@ void PosixFiles::CreateFolders(const std::string& path) {
         end = std::min(hostPath.find('/', end + 1), hostPath.size());
         const std::string folder = hostPath.substr(0, end);
         if (mkdir(folder.c_str(), kFolderMode) == 0) continue;
-        const int systemError = errno;  // the look at the folder below overwrites it
+        const int systemError = errno;  // the check of the folder below overwrites it
         const auto status = StatusOf(folder);
         if (status && S_ISDIR(status->st_mode)) continue;
         Raise(systemError, folder);

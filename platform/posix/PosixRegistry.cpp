@@ -16,8 +16,8 @@
 namespace vantor {
 namespace {
 
-constexpr mode_t kFileMode = 0600;    // it holds a proxy password, if a scrambled one
-constexpr mode_t kFolderMode = 0700;  // the conventions ask for it in the configuration folder
+constexpr mode_t kFileMode = 0600;    // it holds a proxy password, although scrambled
+constexpr mode_t kFolderMode = 0700;  // as the XDG conventions require for configuration folders
 
 RegistryResult ResultOf(int systemError) {
     const bool denied = systemError == EACCES || systemError == EPERM || systemError == EROFS;
@@ -30,7 +30,7 @@ std::string FolderOf(const std::string& path) {
     return slash == 0 ? "/" : path.substr(0, slash);
 }
 
-// What cannot be made here shows when the file in it is.
+// A failure here shows when the file in the folder is created.
 void CreateFolders(const std::string& folder) {
     for (std::size_t end = folder.find('/', 1); end != std::string::npos;
          end = folder.find('/', end + 1))
@@ -38,16 +38,16 @@ void CreateFolders(const std::string& folder) {
     static_cast<void>(mkdir(folder.c_str(), kFolderMode));
 }
 
-/// An open file whose lock is held until it is destroyed; none, with the reason in errno.
+/// An open file, locked until it is destroyed; not open on failure, with the reason in errno.
 PosixHandle LockedFile(const std::string& path) {
     constexpr int kTries = 1000;
     constexpr timespec kPause = {0, 5'000'000};
     PosixHandle file(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, kFileMode));
-    // Not the waiting kind of lock: a stopped program would hang all the others.
+    // LOCK_NB: with a blocking lock, one stopped process would hang all the others.
     for (int i = 0; file.IsOpen() && i < kTries; ++i) {
         if (flock(file.Get(), LOCK_EX | LOCK_NB) == 0) return file;
         if (errno != EWOULDBLOCK && errno != EINTR) return {};
-        static_cast<void>(nanosleep(&kPause, nullptr));  // a shorter pause does no harm
+        static_cast<void>(nanosleep(&kPause, nullptr));  // a shorter pause is harmless
     }
     return {};
 }
@@ -84,7 +84,7 @@ PosixRegistry::Stamp PosixRegistry::StampOf(int descriptor) {
     return {status.st_ino, status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
 }
 
-/// Reads the file if it is another one than last time.
+/// Reads the file if it changed since the last read.
 RegistryResult PosixRegistry::Refresh() {
     const PosixHandle file(open(mFile.c_str(), O_RDONLY | O_CLOEXEC));
     if (!file.IsOpen() && errno != ENOENT && errno != ENOTDIR) return ResultOf(errno);
@@ -98,8 +98,8 @@ RegistryResult PosixRegistry::Refresh() {
     return kRegistrySuccess;
 }
 
-/// Writes a new file beside the old one and puts it in its place: a crash at any point leaves
-/// one of the two whole.
+/// Writes a new file next to the old one and renames it: a crash at any point leaves one of
+/// the two intact.
 RegistryResult PosixRegistry::Save(const std::string& text) {
     const std::string newFile = mFile + ".new";
     const PosixHandle file(
@@ -109,14 +109,14 @@ RegistryResult PosixRegistry::Save(const std::string& text) {
     const Stamp stamp = StampOf(file.Get());
     if (rename(newFile.c_str(), mFile.c_str()) != 0) return ResultOf(errno);
     mStamp = stamp;
-    // The change is made by now; some file systems cannot sync a folder and need not.
+    // The change is complete by now; some file systems cannot sync a folder and need not.
     const PosixHandle folder(open(FolderOf(mFile).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (folder.IsOpen()) static_cast<void>(fsync(folder.Get()));
     return kRegistrySuccess;
 }
 
-/// Runs `change` on the newest state of the file and stores the outcome; a change that cannot be
-/// stored is taken back.
+/// Applies `change` to the current state of the file and stores the result; a change that cannot be
+/// stored is rolled back.
 RegistryResult PosixRegistry::Change(const std::function<RegistryResult()>& change) {
     CreateFolders(FolderOf(mFile));
     const PosixHandle lock = LockedFile(mFile + ".lock");

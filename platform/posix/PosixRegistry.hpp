@@ -1,5 +1,5 @@
-// The registry off Windows: one text file in the registry editor's export format, shared by all
-// programs that run for the user. It adds storage to the registry in memory, nothing else.
+// The registry on POSIX: one text file in the registry editor's export format, shared by all
+// programs of the user. It adds only storage to the in-memory registry.
 #pragma once
 
 #include <sys/types.h>
@@ -13,12 +13,12 @@
 
 namespace vantor {
 
-/// The place of the file below the user's application-data folder.
+/// The path of the file below the user's application-data folder.
 std::string DefaultRegistryFile(const Folders& folders);
 
-/// The file is looked at again whenever a key is opened; queries answer from memory. Every change
-/// is on the disk when its call returns, and the file is whole at any time. Programs that change
-/// it at the same time wait for each other for up to a few seconds.
+/// The file is checked again whenever a key is opened; queries are served from memory.
+/// Every change is on disk when its call returns, and replaces the file atomically.
+/// Concurrent writers wait for each other for up to a few seconds.
 class PosixRegistry : public Registry {
 public:
     explicit PosixRegistry(std::string file) : mFile(std::move(file)) {}
@@ -34,7 +34,7 @@ public:
     RegistryResult CloseKey(RegistryKey key) override;
 
 private:
-    /// Tells one state of the file from another; all zero when there is no file.
+    /// Identifies one state of the file; all zero when there is no file.
     struct Stamp {
         std::uint64_t node = 0;
         std::int64_t size = 0;

@@ -1,4 +1,4 @@
-// The text terminal off Windows. One object at a time: it owns the process's interrupt signal.
+// The text terminal on POSIX. At most one object: it owns the interrupt signal of the process.
 #pragma once
 
 #include <signal.h>
@@ -12,8 +12,8 @@ namespace vantor {
 
 class PosixTerminal : public Terminal {
 public:
-    /// Takes over SIGINT, and ignores SIGPIPE: a reader of our output that goes away must not
-    /// end a running update.
+    /// Takes over SIGINT and ignores SIGPIPE: a closed reader of the output must not end
+    /// a running update.
     PosixTerminal();
     ~PosixTerminal() override;
     PosixTerminal(const PosixTerminal&) = delete;
@@ -25,7 +25,7 @@ public:
     void Write(std::string_view utf8) override;
     void WriteError(std::string_view utf8) override;
 
-    /// A line without terminator at the end of the input counts as a line.
+    /// A last line without a terminator counts as a line.
     std::optional<std::string> ReadLine() override;
     bool TakeInterrupt() override;
 

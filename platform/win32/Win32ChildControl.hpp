@@ -1,4 +1,4 @@
-// One control as a child window: made from its model, and kept in step with it.
+// One control as a child window: created from its model and kept in sync with it.
 #pragma once
 
 #include <memory>
@@ -16,10 +16,10 @@ class StatusBar;
 class Win32TerminalView;
 class Win32TreeView;
 
-/// Identifiers of child windows count from here, in collection order.
+/// Identifiers of child windows start here, in collection order.
 inline constexpr int kFirstChildId = 1000;
 
-/// What a list posts to its form: its user has chosen.
+/// Posted by a list to its form: the user has made a choice.
 inline constexpr UINT kChoiceMade = WM_APP + 1;
 
 /// True for the kinds that have a window of their own.
@@ -30,12 +30,12 @@ inline constexpr wchar_t kPanelClass[] = L"VantorPanel";
 
 class Win32ChildControl {
 public:
-    /// Makes the child window of `control` in `parent`, with `id`, as its design row says.
+    /// Creates the child window of `control` in `parent`, with `id`, as its design row specifies.
     Win32ChildControl(Win32Stage& stage, Control& control, const ControlDesign& row, HWND parent,
                       int id);
     Win32ChildControl(const Win32ChildControl&) = delete;
     Win32ChildControl& operator=(const Win32ChildControl&) = delete;
-    /// The window goes with its parent; only the count is kept here.
+    /// The window is destroyed with its parent; only the count is updated here.
     ~Win32ChildControl();
 
     Control& Model() const { return mControl; }
@@ -43,25 +43,25 @@ public:
     HWND Window() const { return mWindow; }
 
     void Follow(Property property);
-    /// Shows what `FollowLater` has put off.
+    /// Applies what `FollowLater` deferred.
     void CatchUp();
-    /// True for what a session sets with every line: it is shown by the message loop, while the
-    /// line is on the wire, and not in the pause between two lines.
+    /// True for properties that a session sets with every line: the message loop shows them while
+    /// the line is being transmitted, not in the gap between two lines.
     bool FollowLater(Property property);
 
-    /// Before the window is destroyed.
+    /// Must be called before the window is destroyed.
     void ForgetSpokenName();
 
-    /// A status bar moves itself to its window's bottom edge; its model learns the height.
+    /// A status bar moves itself to the bottom edge of its window; its model gets the height.
     void KeepToBottom();
-    /// A drop-down list says what its user does. A choice that he has made, the one of before
-    /// included, is told once: as `kChoiceMade` with the child's id, posted to the form.
+    /// Handles a notification of a drop-down list. A choice, even of the current item,
+    /// is reported once: as `kChoiceMade` with the child's id, posted to the form.
     void ListNotified(UINT notification);
-    /// Takes that choice.
+    /// Applies that choice.
     void TakeChoice();
-    /// A tree says what its user does.
+    /// Handles a notification of a tree.
     void TreeNotified(const NMHDR& header);
-    /// Size of a text printed on the control.
+    /// Size of a text drawn on the control.
     Size TextSize(const std::string& face, const std::string& text) const;
 
 private:
@@ -82,12 +82,12 @@ private:
     Control& mControl;
     const ControlDesign& mRow;
     HWND mWindow = nullptr;
-    std::shared_ptr<Win32TerminalView> mTerminal;  // of a terminal alone
-    std::unique_ptr<Win32TreeView> mTree;          // of a tree alone
+    std::shared_ptr<Win32TerminalView> mTerminal;  // of a terminal only
+    std::unique_ptr<Win32TreeView> mTree;          // of a tree only
     std::vector<std::string> mListed;              // the items that a list shows
     std::string mShownCaption;
     bool mLate = false;    // caption or value may differ from what is shown
-    bool mChosen = false;  // a choice is on its way to the form
+    bool mChosen = false;  // a choice is posted to the form
 };
 
 }  // namespace vantor

@@ -1,5 +1,5 @@
-// The window of one form: its children, its menu bar, and the routing of the system's messages
-// to the model. Handlers may unload the form; the window object then outlives its own message.
+// The window of one form: its children, its menu bar, and the routing of window messages to
+// the model. Handlers may unload the form; the window object then outlives its current message.
 #pragma once
 
 #include <memory>
@@ -18,9 +18,9 @@ public:
     Win32FormWindow(const Win32FormWindow&) = delete;
     Win32FormWindow& operator=(const Win32FormWindow&) = delete;
 
-    /// Makes the window, hidden.
+    /// Creates the window, hidden.
     void Create();
-    /// Destroys it; the model is not looked at any more.
+    /// Destroys the window; the model is not accessed afterwards.
     void Destroy();
 
     HWND Handle() const { return mWindow; }
@@ -65,12 +65,12 @@ private:
     Form* mForm;  // null once destroyed
     HWND mWindow = nullptr;
     HWND mToolTips = nullptr;
-    HWND mFocus = nullptr;  // the child that had the focus when the window was left
+    HWND mFocus = nullptr;  // the child that had the focus when the window was deactivated
     std::unique_ptr<Win32MenuBar> mMenuBar;
     std::vector<std::unique_ptr<Win32ChildControl>> mChildren;
     HDC mTarget = nullptr;     // while the form paints itself
-    bool mCatchingUp = false;  // a message to that end is on its way
-    bool mMoving = false;      // the model moves the window, which needs no telling
+    bool mCatchingUp = false;  // a kCatchUp message is posted
+    bool mMoving = false;      // the model moves the window: do not notify it
 };
 
 }  // namespace vantor

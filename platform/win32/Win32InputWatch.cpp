@@ -5,12 +5,12 @@
 namespace vantor {
 namespace {
 
-// The event character too: adapters pass a reply on at once when somebody waits for it.
+// EV_RXFLAG too: adapters forward a reply at once while a program waits for that event.
 constexpr DWORD kEvents = EV_RXCHAR | EV_RXFLAG;
 
 }  // namespace
 
-// Where the system has no such wait to give, the pump's own polls do without it.
+// Where the system does not support this wait, the polling of the pump suffices.
 Win32InputWatch::Win32InputWatch(HANDLE device, std::function<void()> arrived)
     : mDevice(device),
       mArrived(std::move(arrived)),
@@ -22,11 +22,11 @@ Win32InputWatch::Win32InputWatch(HANDLE device, std::function<void()> arrived)
 }
 
 Win32InputWatch::~Win32InputWatch() {
-    // Returns when no callback runs any more.
+    // Blocks until no callback runs.
     if (mRegistration != nullptr)
         static_cast<void>(UnregisterWaitEx(mRegistration, INVALID_HANDLE_VALUE));
     if (HasOverlappedIoCompleted(&mWait)) return;
-    // A new mask ends the wait, and the system must be through with our memory before it goes.
+    // A new mask ends the wait. It must complete before its OVERLAPPED is destroyed.
     static_cast<void>(SetCommMask(mDevice, kEvents));
     static_cast<void>(CancelIoEx(mDevice, &mWait));
     DWORD unused = 0;
@@ -34,16 +34,16 @@ Win32InputWatch::~Win32InputWatch() {
 }
 
 void Win32InputWatch::Arm() {
-    constexpr ULONGLONG kLeastMs = 8;  // under the pump's interval, whose next poll then arms
+    constexpr ULONGLONG kLeastMs = 8;  // below the interval of the pump, whose next poll then arms
     const ULONGLONG now = GetTickCount64();
     if (!mUsable || !HasOverlappedIoCompleted(&mWait) || now - mArmedAt < kLeastMs) return;
-    // A line without modem signals, as under a compatibility layer, may end every wait at once
-    // and in failure. Trying again and again would cost half a processor.
+    // A line without modem signals, as under a compatibility layer, may fail every wait at once.
+    // Retrying all the time would use half a processor.
     DWORD unused = 0;
     mUsable = mArmedAt == 0 || GetOverlappedResult(mDevice, &mWait, &unused, FALSE) != 0;
     if (!mUsable) return;
     mArmedAt = now;
-    // A wait that ends at once sets the event like any other.
+    // A wait that completes at once also sets the event.
     if (WaitCommEvent(mDevice, &mEvents, &mWait) == 0) mUsable = GetLastError() == ERROR_IO_PENDING;
 }
 

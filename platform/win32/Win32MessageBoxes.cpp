@@ -48,7 +48,7 @@ BoxAnswer Refusal(BoxButtons buttons) {
 }  // namespace
 
 BoxAnswer Win32MessageBoxes::Show(const MessageBoxRequest& request) {
-    // A box without owner still must not let the program's other windows take input.
+    // Without an owner window, the box must still disable the program's other windows.
     const HWND owner = reinterpret_cast<HWND>(request.owner);
     const UINT modality = owner == nullptr ? MB_TASKMODAL : MB_APPLMODAL;
     const std::wstring title = ToWide(request.title.empty() ? mDefaultTitle : request.title);
@@ -68,7 +68,7 @@ BoxAnswer Win32MessageBoxes::Show(const MessageBoxRequest& request) {
 }
 
 void Win32MessageBoxes::Beep() {
-    static_cast<void>(MessageBeep(MB_OK));  // a machine without sound is no fault
+    static_cast<void>(MessageBeep(MB_OK));  // a machine without sound is not an error
 }
 
 }  // namespace vantor

@@ -1,4 +1,4 @@
-// What a picture box shows: its picture, its ground, and what was printed on it.
+// Paints a picture box: its picture, its background, and the text printed on it.
 #pragma once
 
 #include "controls/Controls.hpp"
@@ -7,8 +7,8 @@
 
 namespace vantor {
 
-/// Paints `area` of `target`; false, with nothing painted, when the box is a plain panel. `row`
-/// says how large the letters are.
+/// Paints `area` of `target`; returns false, with nothing painted, when the box is a plain panel.
+/// `row` gives the font size.
 bool PaintPictureBox(Win32Stage& stage, const PictureBox& box, const ControlDesign& row, HDC target,
                      const RECT& area);
 

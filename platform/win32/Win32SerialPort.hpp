@@ -1,5 +1,5 @@
-// One open serial line on Windows: overlapped transfers that never wait. Names and lists of
-// ports are not its business.
+// One open serial port on Windows: overlapped I/O, non-blocking. It does not handle
+// names and lists of ports.
 #pragma once
 
 #include <memory>
@@ -12,12 +12,12 @@
 
 namespace vantor {
 
-/// One write is under way at a time; until it has ended `Write` accepts nothing. Closing waits
-/// for it as long as its bytes take on the line: the system would throw away the rest.
+/// At most one write is pending; until it completes, `Write` accepts nothing.
+/// Closing waits for it as long as its bytes take on the line: Windows would discard the rest.
 class Win32SerialPort : public SerialPort {
 public:
-    /// Opens the port `name` ("COM3"). `pump` must outlive the port. Raises 68, 70 or 5 as
-    /// SerialPorts::Open does.
+    /// Opens the port `name` ("COM3"). `pump` must outlive the port. Raises 68,
+    /// 70 or 5 like SerialPorts::Open.
     Win32SerialPort(Win32MessagePump& pump, const std::wstring& name, const LineSettings& line);
     ~Win32SerialPort() override;
     Win32SerialPort(const Win32SerialPort&) = delete;
@@ -45,7 +45,7 @@ private:
     Win32Handle mDevice;
     Win32Handle mReadDone;
     Win32Handle mWriteDone;
-    std::string mOutgoing;  // the driver's until the write has ended
+    std::string mOutgoing;  // used by the driver until the write completes
     OVERLAPPED mWrite{};
     bool mWriting = false;
     unsigned mBitsPerCharacter;

@@ -8,10 +8,10 @@
 namespace vantor {
 
 std::string Win32StringTable::LoadResString(std::int32_t id) const {
-    // The system looks at the low 16 bits only.
+    // LoadStringW uses only the low 16 bits.
     constexpr std::int32_t kLastId = 0xFFFF;
     if (id < 0 || id > kLastId) throw RuntimeError(ErrorNumber::ResourceNotFound);
-    // With a size of 0 the call gives the resource itself, however long it is.
+    // With size 0 the call returns a pointer to the resource itself, of any length.
     const wchar_t* text = nullptr;
     const int length = LoadStringW(GetModuleHandleW(nullptr), static_cast<UINT>(id),
                                    reinterpret_cast<wchar_t*>(&text), 0);

@@ -10,14 +10,14 @@
 namespace vantor {
 namespace {
 
-// Shared with the interrupt handler, which runs on a thread of the system's.
+// Shared with the control handler, which runs on a system thread.
 std::atomic<std::uint32_t> gInterrupts = 0;
 std::atomic<HANDLE> gWaitingThread = nullptr;
 
 BOOL WINAPI OnControl(DWORD control) {
     if (control != CTRL_C_EVENT) return FALSE;
     gInterrupts.fetch_add(1);
-    // Not every console ends its read by itself, and no pipe does. Without a read to end, good.
+    // Some consoles do not end their read on Ctrl-C, and pipes never do. Harmless without a read.
     if (const HANDLE thread = gWaitingThread) static_cast<void>(CancelSynchronousIo(thread));
     return TRUE;
 }
@@ -28,7 +28,7 @@ bool IsConsole(HANDLE handle) {
 }
 
 void WriteToConsole(HANDLE console, std::wstring_view text) {
-    constexpr std::size_t kMostAtOnce = 8192;  // consoles refuse texts of 64 KB
+    constexpr std::size_t kMostAtOnce = 8192;  // consoles reject writes of 64 KB
     while (!text.empty()) {
         DWORD count = 0;
         if (WriteConsoleW(console, text.data(),
@@ -52,7 +52,7 @@ void WriteTo(DWORD which, std::string_view utf8) {
     }
 }
 
-/// This thread's handle for other threads, while it waits.
+/// Publishes this thread's handle to other threads while it waits.
 class WaitingThread {
 public:
     WaitingThread() : mThread(OpenThread(THREAD_TERMINATE, FALSE, GetCurrentThreadId())) {
@@ -68,7 +68,7 @@ private:
 
 }  // namespace
 
-// A program that was started with the key switched off, as in the background, leaves it so.
+// A program started with Ctrl-C disabled, as in the background, keeps it disabled.
 Win32Terminal::Win32Terminal() {
     mTaken = gInterrupts;
     static_cast<void>(SetConsoleCtrlHandler(OnControl, TRUE));
@@ -110,8 +110,8 @@ Win32Terminal::Input Win32Terminal::ReadFromConsole(HANDLE console) {
     SetLastError(ERROR_SUCCESS);
     const BOOL read =
         ReadConsoleW(console, buffer.data(), static_cast<DWORD>(buffer.size()), &count, nullptr);
-    // The interrupt key ends the read with success and nothing in it; where it does not, a line
-    // that began before it is not wanted any more.
+    // Ctrl-C ends the read with success and no data; where it does not, a line begun
+    // before it is discarded.
     if (GetLastError() == ERROR_OPERATION_ABORTED || before != gInterrupts)
         return Input::Interrupted;
     constexpr wchar_t kEndKey = 0x1A;  // Ctrl-Z at the start of a line

@@ -1,5 +1,5 @@
-// The console of a Windows program, or whatever its output and input have been sent to. One
-// object at a time: it owns the process's interrupt key.
+// The console of a Windows program, or its redirected input and output. At most one object:
+// it owns the interrupt key of the process.
 #pragma once
 
 #include <cstdint>
@@ -21,11 +21,11 @@ public:
     bool OutputIsTerminal() const override;
     unsigned Columns() const override;
 
-    /// UTF-8 as it is where the output is no console.
+    /// Redirected output is plain UTF-8.
     void Write(std::string_view utf8) override;
     void WriteError(std::string_view utf8) override;
 
-    /// A line without terminator at the end of the input counts as a line.
+    /// A last line without a terminator counts as a line.
     std::optional<std::string> ReadLine() override;
     bool TakeInterrupt() override;
 

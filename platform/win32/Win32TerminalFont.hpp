@@ -1,4 +1,4 @@
-// The letters of a terminal: all of one width, in a face that has those of the code page.
+// The monospaced font of a terminal, in a typeface that has the letters of the code page.
 #pragma once
 
 #include "controls/Form.hpp"
@@ -8,14 +8,14 @@ namespace vantor {
 
 class Win32TerminalFont {
 public:
-    /// The face that `style` names, or another when the system has it not or only parts of it.
+    /// The typeface that `style` names, or another when it is missing or incomplete.
     Win32TerminalFont(Win32Stage& stage, const ControlStyle& style);
     ~Win32TerminalFont();
     Win32TerminalFont(const Win32TerminalFont&) = delete;
     Win32TerminalFont& operator=(const Win32TerminalFont&) = delete;
 
     HFONT Face(bool bold) const { return bold ? mBold : mPlain; }
-    /// Pixels of one character.
+    /// Size of one character in pixels.
     int Width() const { return mWidth; }
     int Height() const { return mHeight; }
 

@@ -67,7 +67,7 @@ void Win32TreeView::Notified(const NMHDR& header) {
         mModel.Click(node);
         return;
     }
-    // When the selected node disappears, the tree itself selects another one, and says so.
+    // When the selected node disappears, the tree selects another one and sends a notification.
     mInStep = true;
     mModel.Expanded(node, IsExpanded(item.hItem));
     mInStep = false;

@@ -45,7 +45,7 @@ std::uint8_t OneOf(std::string_view digits, std::uint32_t low, std::uint32_t hig
     return static_cast<std::uint8_t>(number);
 }
 
-/// The settings may name a port by its bare number.
+/// The settings may hold only the port number.
 std::string PortName(const std::string& port) {
     return IsNumeric(port) ? "COM" + std::to_string(ToInt16(port)) : port;
 }
@@ -65,7 +65,7 @@ void BufferedPort::Open(std::function<void()> notify) {
     try {
         mPort = mPorts.Open(PortName(name), ParseLineSettings(settings));
     } catch (const RuntimeError&) {
-        // A port that cannot be opened stays closed: its user asks IsOpen and says so.
+        // A port that fails to open stays closed: the caller checks IsOpen and reports it.
         return;
     }
     Notify(std::move(notify));
@@ -82,7 +82,7 @@ void BufferedPort::OnPort(Operation&& operation) {
     try {
         operation(*mPort);
     } catch (const RuntimeError&) {
-        // The device has gone away: polls find nothing from now on and sends do nothing.
+        // The device is lost: from now on polls find nothing and sends have no effect.
         Close();
     }
 }

@@ -7,16 +7,16 @@
 
 namespace vantor {
 
-/// Whether an event may be raised again while its own handler runs.
+/// Whether an event is re-entrant: may be raised while its own handler runs.
 enum class Nesting : bool { Refused, Allowed };
 
-/// One event with at most one handler. Handlers pump messages, so any event can be raised while
-/// others are being handled; an event is not raised again while its own handler runs, unless the
-/// handler was set to allow it.
+/// One event with at most one handler. Handlers pump messages, so any event can be raised
+/// while others are being handled. An event is not re-entrant unless its handler is set
+/// with `Nesting::Allowed`.
 template <typename... Args>
 class Event {
 public:
-    /// `owner` says what must stay alive until the handler has returned: the form.
+    /// `owner` returns the object to keep alive until the handler has returned: the form.
     explicit Event(std::function<std::shared_ptr<void>()> owner = {}) : mOwner(std::move(owner)) {}
     Event(const Event&) = delete;
     Event& operator=(const Event&) = delete;
@@ -27,8 +27,8 @@ public:
         mNesting = nesting;
     }
 
-    /// Runs the handler. Returns false, having done nothing, when there is none or it is
-    /// running already and may not be nested.
+    /// Runs the handler. Returns false without effect when there is none, or when it is already
+    /// running and must not be re-entered.
     bool Raise(Args... args) {
         if (!mHandler || (mRunning && mNesting == Nesting::Refused)) return false;
         const std::shared_ptr<void> keepAlive = mOwner ? mOwner() : nullptr;

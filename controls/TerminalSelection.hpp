@@ -1,4 +1,4 @@
-// The part of a terminal's text that the user has marked.
+// The selected part of a terminal's text.
 #pragma once
 
 #include <string>
@@ -7,16 +7,16 @@
 
 namespace vantor {
 
-/// A stretch of text from one position up to but not including another. It stays with its text
-/// while that moves up, and shrinks with what drops out of the history.
+/// A range of text, its end exclusive. It follows its text while that scrolls, and shrinks when
+/// text drops out of the history.
 class TerminalSelection {
 public:
     /// `screen` outlives the selection.
     explicit TerminalSelection(const TerminalScreen& screen) : mScreen(screen) {}
 
-    /// Marks what lies between the two, in whichever order they come.
+    /// Selects the text between the two positions, in either order.
     void Set(TextPosition anchor, TextPosition end);
-    /// All of the text, without the blank lines below it.
+    /// Selects all text, without the blank lines below it.
     void SetAll();
     void Clear() { mFrom = mTo = {}; }
 
@@ -25,8 +25,8 @@ public:
     TextPosition From() const { return mFrom; }
     TextPosition To() const { return mTo; }
 
-    /// The marked characters, CR LF between lines, blanks at their ends left out. A line that was
-    /// only broken at the screen's edge is given in one.
+    /// The selected characters, CR LF between lines, without trailing blanks. A line that was only
+    /// wrapped at the screen edge is returned unbroken.
     std::string Text() const;
 
 private:

@@ -77,7 +77,7 @@ void frmMain::Startup() {
         bordered->Border(vantor::Border::Static);
 }
 
-// A stored value that cannot be read is told once; the program goes on with the rest.
+// An unreadable stored value is reported once; the program continues with the others.
 void frmMain::LoadSettings() {
     Trapped("frmMain.LoadSettings", [this] { mSettings.Initialize(); });
 }
@@ -93,7 +93,7 @@ bool frmMain::Form_QueryUnload() {
     bool proceed = true;
     Trapped("frmMain.Form_QueryUnload", [&] {
         if (!mFlags.mblnFlashing) return;
-        // The session ends itself first; it then closes the window.
+        // The session ends first and then closes the window.
         mFlags.mblnCloseRequested = true;
         proceed = false;
     });
@@ -109,7 +109,7 @@ void frmMain::Form_Unload() {
 }
 
 void frmMain::Form_Resize() {
-    // A minimised window has no inside to lay out.
+    // A minimised window has no client area to lay out.
     if (State() == WindowState::Minimised) return;
     const MainLayout layout = LayoutMainWindow(InnerSize());
     picPicture.Place(layout.picture);

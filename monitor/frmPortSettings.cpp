@@ -15,7 +15,7 @@ namespace {
 
 constexpr const char* kParityLetters = "NOE";  // in the order of the list, and of Parity
 
-/// Lists `items`, and `chosen` as the last of them when it is none of them, and chooses it.
+/// Lists `items` and selects `chosen`, appended to the list when it is missing.
 void Fill(ComboBox& combo, std::vector<std::string> items, const std::string& chosen) {
     if (std::ranges::find(items, chosen) == items.end()) items.push_back(chosen);
     combo.Items(std::move(items));
@@ -70,7 +70,7 @@ void frmPortSettings::cmdOK_Click() {
     Trapped("frmPortSettings.cmdOK_Click", [this] {
         const std::string port = cboPort.Text();
         const std::string settings = ChosenSettings();
-        // The same choice again must not interrupt what is arriving.
+        // An unchanged selection must not interrupt incoming data.
         const bool changed = port != mTerminal.Port() || settings != mTerminal.Settings();
         if (changed && !mTerminal.Parent().Gone()) {
             mTerminal.Port(port);

@@ -1,4 +1,4 @@
-// The terminal's dialog for its port and line parameters.
+// The terminal's dialog for port and line parameters.
 #pragma once
 
 #include <array>
@@ -12,9 +12,9 @@ namespace vantor {
 
 class TerminalControl;
 
-/// Shows what `terminal` uses now, and gives it what was chosen when OK is pressed; an open port
-/// is opened anew then. Settings that are none show as 38400 bit/s, 8 data bits, no parity, one
-/// stop bit. The line has no flow control, which the dialog says.
+/// Shows the current settings of `terminal`, and applies the selection on OK; an open port
+/// is then reopened. Invalid settings show as 38400 bit/s, 8 data bits, no parity, one stop bit.
+/// The line has no flow control; the dialog shows this.
 class frmPortSettings : public Form {
 public:
     frmPortSettings(Desktop& desktop, Platform& platform, TerminalControl& terminal);

@@ -27,7 +27,7 @@ void CTreeViewEnh::RestoreEntry(const std::string& entry) {
     std::string state;
     std::getline(parts, key, '=');
     std::getline(parts, state, '=');
-    // An older or newer program may have had other nodes.
+    // Another version of the program may have had other nodes.
     if (const int node = Tree->NodeIndex(key); node >= 0) Tree->Expanded(node, state == "True");
 }
 

@@ -12,7 +12,7 @@ std::string AppPath(const Process& process) {
     std::string folder;
     BoxedSetup("Pellin.modSupport.AppPath", [&] {
         const std::string path = process.ExecutablePath();
-        // Off Windows the system reports its own separator.
+        // On POSIX the path has "/" separators.
         folder = AddFinalSlash(path.substr(0, path.find_last_of("\\/")));
     });
     return folder;
@@ -29,8 +29,8 @@ std::string AddFinalSlash(const std::string& path) {
 void DoEventsNice(MessagePump& pump) {
     static std::int16_t counter = 0;
     Ignoring([&pump] {
-        // The counter only ever takes the values 0 and 1, so every second call pumps. Kept: the
-        // reply wait's rhythm rests on this ratio.
+        // The counter is only ever 0 or 1, so every second call pumps. Kept: the timing of
+        // the reply wait depends on this ratio.
         if (counter % 10 != 0) {
             pump.PumpPending();
             pump.AwaitInput();

@@ -1,5 +1,5 @@
-// tsupdate.exe in the hands of its user, with the virtual indicator behind COM1: every way a
-// flash can end, and what the windows do besides.
+// tsupdate.exe as the user operates it, with the virtual indicator on COM1: every outcome of
+// a flash, and the other functions of the windows.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -41,7 +41,7 @@ const Box kVerifyFailed = {
 
 class TsUpdate : public EndToEnd {
 protected:
-    /// As the window is when nothing runs.
+    /// The window in its idle state.
     void ExpectIdle() const {
         Await("the start panel alone", [this] {
             return app->IsShown("picStartup") && !app->IsShown("picFlash") &&
@@ -132,7 +132,7 @@ TEST_F(TsUpdate, APortThatIsHeldOrVanishesIsToldOnceAndWorksAgainWhenItIsBack) {
 
 struct Ending {
     const char* name;
-    const char* indicator;  // its options; null: there is none
+    const char* indicator;  // its options; null: no indicator
     Box box;
 };
 
@@ -206,7 +206,7 @@ TEST_F(TsUpdate, AClosedWindowEndsTheProgramWithTheWordsOfItsStage) {
 }
 
 TEST_F(TsUpdate, AMenuHeldOpenPausesTheStreamAndDoesNotBreakIt) {
-    constexpr ULONGLONG kHeldMs = 25'000;  // longer than the program waits for a reply
+    constexpr ULONGLONG kHeldMs = 25'000;  // longer than the reply time-out
     indicator.Start("--think 50");
     StartFlash();
     AwaitLine(5);
@@ -216,7 +216,7 @@ TEST_F(TsUpdate, AMenuHeldOpenPausesTheStreamAndDoesNotBreakIt) {
     Await("the time", [start] { return GetTickCount64() - start > kHeldMs; });
     EXPECT_TRUE(app->InMenu());
     EXPECT_LE(app->Line(), line + 1);
-    Key('U');  // is greyed and starts nothing
+    Key('U');  // greyed: starts nothing
     AwaitLine(51);
     EXPECT_EQ(app->Dialog(), nullptr);
     EXPECT_EQ(app->TakeBox(), kSuccess);

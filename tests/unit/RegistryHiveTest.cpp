@@ -1,5 +1,5 @@
-// The registry's text form: what is written, and what becomes of files that people or accidents
-// have changed. The registry's calls themselves are the contract suite's business.
+// The registry's text format: what is written, and how files that were edited or damaged are read.
+// The contract suite tests the registry calls.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -22,7 +22,7 @@ const std::string kHead = "REGEDIT4\n\n[HKEY_CURRENT_USER\\Software\\Vantor]\n";
 
 struct Line {
     const char* read;
-    const char* written;  // what the key holds afterwards, as lines
+    const char* written;  // contents of the key afterwards, as lines
 };
 
 class ReadLine : public testing::TestWithParam<Line> {};
@@ -60,7 +60,7 @@ INSTANTIATE_TEST_SUITE_P(
         Line{"\"a\"=", ""}, Line{"=", ""}, Line{"\"a\"=-", ""}, Line{"; remark", ""},
         Line{"\"a\"=dword:123456789", ""}, Line{"\"a\"=dword:12g4", ""},
         Line{"\"a\"=hex:01,", ""}, Line{"\"a\"=hex:001", ""}, Line{"\"a\"=hex(x):01", ""},
-        // The rest of the list is lost; the value after it must not be.
+        // The rest of the list is lost; the value after it must be kept.
         Line{"\"a\"=hex:01,\\", ""}));
 
 TEST(RegistryText, ValuesBelowADamagedKeyLineGoToNoKey) {

@@ -1,4 +1,4 @@
-// The terminal's window: what it paints, and what mouse, wheel and keys do to its control.
+// The terminal's window: what it paints, and the effect of mouse, wheel and keys on its control.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -63,7 +63,7 @@ TEST_F(TerminalView, ADragMarksTextWhichCtrlCCopiesInsteadOfBeingSent) {
     Send(WM_CHAR, 3);
     EXPECT_EQ(platform.clipboard.Text(), "11\r\nline 1");
     EXPECT_EQ(wire.received, "");
-    Send(WM_CHAR, 'a');  // unmarks
+    Send(WM_CHAR, 'a');  // clears the selection
     Send(WM_CHAR, 3);
     platform.queue.PumpPending();
     EXPECT_EQ(wire.received, "a\x03");

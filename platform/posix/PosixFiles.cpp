@@ -107,7 +107,7 @@ std::string PosixFiles::ReadAll(const std::string& path) const {
     struct stat status {};
     if (fstat(file.Get(), &status) != 0) Raise(errno, hostPath);
     if (!S_ISREG(status.st_mode)) throw RuntimeError(ErrorNumber::PathFileAccess);
-    // The size is only a hint: the file may grow meanwhile, and files in /proc and /sys report 0.
+    // The size is only a hint: the file may grow meanwhile, and files in /proc report 0.
     // One extra byte detects the end of the file without another pass.
     std::string bytes(static_cast<std::size_t>(status.st_size) + 1, '\0');
     std::size_t length = 0;

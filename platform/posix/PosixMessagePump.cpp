@@ -4,7 +4,7 @@
 
 namespace vantor {
 
-// Polling in a busy-wait would keep the kernel threads that deliver the input off the processor and
+// Polling in a busy-wait would keep the kernel work that delivers the input off the processor and
 // so delay the input that it waits for.
 void PosixMessagePump::AwaitInput() {
     constexpr timespec kAtMost{.tv_sec = 0, .tv_nsec = 10'000'000};

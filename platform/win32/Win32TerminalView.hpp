@@ -71,8 +71,8 @@ private:
     TerminalControl& mControl;
     HWND mWindow;  // null once it is destroyed
     Win32TerminalFont mFont;
-    bool mHighContrast = false;    // as of the last paint
-    std::int64_t mShownFirst = 0;  // the first line of the view as last invalidated
+    bool mHighContrast = false;           // as of the last paint
+    std::int64_t mShownFirst = 0;         // the first line of the view as last invalidated
     std::optional<TextPosition> mAnchor;  // set while the mouse selects
     bool mScrolling = false;              // the mouse is above or below the text meanwhile
     int mWheel = 0;                       // accumulated wheel movement, less than a notch

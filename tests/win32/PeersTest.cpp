@@ -36,7 +36,7 @@ BOOL CALLBACK CountWithChildren(HWND window, LPARAM total) {
     return CountWindow(window, total);
 }
 
-/// Kernel handles of this process. Wine's GetProcessHandleCount always returns 0.
+/// Kernel handles of this process, counted here because Wine's count always reads 0.
 int OpenHandles() {
     constexpr UINT_PTR kBeyond = 0x8000;
     int count = 0;

@@ -15,7 +15,7 @@ void LayoutStartup(MainLayout& layout, Size panel) {
     constexpr Size kFlashButton = {3600, 690};
     const float width = std::min(panel.width, 7800.0f);
     const float left = (panel.width - width) / 2;
-    constexpr float kTextHeight = 1080;  // four lines, which the longer language needs
+    constexpr float kTextHeight = 1080;  // four lines, needed by the longer language
     const float spare = panel.height - kTextHeight - kFlashButton.height;
     layout.welcome = {left, spare / 4, width, kTextHeight};
     layout.flash = {(panel.width - kFlashButton.width) / 2, spare / 2 + kTextHeight,
@@ -23,7 +23,7 @@ void LayoutStartup(MainLayout& layout, Size panel) {
 }
 
 void LayoutFlash(MainLayout& layout, Size panel) {
-    // The labels hold the longest of both languages.
+    // The labels fit the longest text of both languages.
     constexpr float kLabelWidth = 2700;
     constexpr float kRow = 420;
     constexpr float kBarHeight = 450;
@@ -58,9 +58,9 @@ MainLayout LayoutMainWindow(Size inner) {
     const float width = std::max(inner.width, kLeast.width) - 2 * kMargin;
     const float height = std::max(inner.height, kLeast.height) - 2 * kMargin;
     MainLayout layout;
-    // A quarter for the picture, within what a banner needs and deserves.
+    // A quarter of the height for the picture, within sensible limits for a banner.
     const float pictureHeight = std::clamp(height / 4, 1200.0f, 2400.0f);
-    // Two pixels less, so that rounding never cuts an edge off.
+    // Two pixels less, so that rounding never clips an edge.
     constexpr float kEdge = 30;
     layout.picture = {kMargin, kMargin, width - kEdge, pictureHeight};
     layout.panel = {kMargin, kMargin + pictureHeight + kGap, width, height - pictureHeight - kGap};

@@ -1,5 +1,5 @@
-// The geometry of the main window: where everything lies in an inside of a given size. Numbers
-// only; all in twips.
+// The geometry of the main window: the position of every control for a given client size.
+// Pure arithmetic, all in twips; accesses no window.
 #pragma once
 
 #include <array>
@@ -8,10 +8,10 @@
 
 namespace vantor {
 
-/// Places of the panels within the window, and of the controls within their panels.
+/// Positions of the panels within the window, and of the controls within their panels.
 struct MainLayout {
     Place picture;
-    Place panel;  ///< all three panels lie here, one of them visible
+    Place panel;  ///< of all three panels, one of them visible
 
     Place welcome;
     Place flash;
@@ -31,7 +31,7 @@ struct MainLayout {
     Place downloadAll;
 };
 
-/// Lays the window out. An inside smaller than the least one is laid out as that one.
+/// Lays out the window. A client size below the minimum is laid out as the minimum.
 MainLayout LayoutMainWindow(Size inner);
 
 }  // namespace vantor

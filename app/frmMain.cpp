@@ -75,7 +75,7 @@ void frmMain::Startup() {
         bordered->Border(vantor::Border::Static);
 }
 
-// A stored value that cannot be read is told once; the program goes on with the rest.
+// An unreadable stored value is reported once; the program continues with the others.
 void frmMain::LoadSettings() {
     Trapped("frmMain.LoadSettings", [this] { mSettings.Initialize(); });
 }
@@ -91,7 +91,7 @@ bool frmMain::Form_QueryUnload() {
     bool proceed = true;
     Trapped("frmMain.Form_QueryUnload", [&] {
         if (!mFlags.mblnFlashing) return;
-        // The session ends itself first; it then closes the window.
+        // The session ends first and then closes the window.
         mFlags.mblnCloseRequested = true;
         proceed = false;
     });

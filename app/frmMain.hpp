@@ -1,5 +1,5 @@
-// The main window: owner of the settings, of the serial control used for flashing, and of
-// everything that the user starts.
+// The main window. Owns the settings, the serial control for flashing, and everything
+// that the user starts.
 #pragma once
 
 #include <array>
@@ -34,7 +34,7 @@ public:
     FlashFlags& Flags() override { return mFlags; }
     /// Makes exactly one of the three panels visible.
     void ShowFunction(MainPanel panel) override;
-    /// The commands that must not run during a flash.
+    /// Enables the commands that must not run during a flash.
     void EnableButtons(bool enabled) override;
     /// Unloads the window, which ends the program.
     void mnuFileExit_Click() override;
@@ -47,7 +47,7 @@ public:
     // OptionsOwner
     std::vector<std::string> CommPorts() const override;
 
-    // The list of updates' buttons. They have no actions of their own.
+    // The buttons of the update list. They have no actions.
     void SetButtonState(bool enabled);
 
     MenuItem mnuFile{*this, "mnuFile"};

@@ -42,8 +42,8 @@ bool modStartup::Main() {
 
 void modStartup::ShowHelp(NativeWindow owner) {
     Trapped("modStartup.ShowHelp", [&] {
-        // Neither a box nor another program's start is to come between a line and its answer, so
-        // this is one of the commands that wait for the end of an update.
+        // No box and no program start may delay the reply to a line, so this is one of the commands
+        // that are disabled during an update.
         if (!mMain->cmdFlash.Enabled()) return;
         std::int32_t complaint = 0;
         if (!mPlatform.files.Exists(mHelpFile))
@@ -58,7 +58,7 @@ void modStartup::ShowHelp(NativeWindow owner) {
     });
 }
 
-// Nothing can be reported before the handler stands, so each step's error is passed over.
+// Errors cannot be reported before the handler is installed, so those of each step are ignored.
 void modStartup::PrepareErrorHandler() {
     Ignoring([this] {
         mErrors = std::make_unique<CErrHandler>(

@@ -1,4 +1,4 @@
-// Where the program starts: the error handler first, then one instance, then the main window.
+// Program start: the error handler first, then the single-instance check, then the main window.
 #pragma once
 
 #include <memory>
@@ -12,8 +12,8 @@ namespace vantor {
 
 class frmMain;
 
-/// The program's globals. After `Main` the program lives in the main window's events: its caller
-/// runs the message pump, which ends when the last window has closed.
+/// The program's globals. After `Main` the program runs in the main window's events:
+/// the caller runs the message pump, which ends when the last window has closed.
 class modStartup {
 public:
     explicit modStartup(Platform& platform);

@@ -8,7 +8,7 @@
 namespace vantor {
 namespace {
 
-/// The terminal's own line ends, and no blank before them.
+/// `text` with "\n" line ends, and without spaces before them.
 std::string ForTerminal(const std::string& text) {
     std::string lines;
     for (const char c : text) {
@@ -20,7 +20,7 @@ std::string ForTerminal(const std::string& text) {
     return lines;
 }
 
-/// The console's own window: its progress bar is the progress line.
+/// The console's window: its progress bar is shown as the progress line.
 class WindowPeer : public FormPeer {
 public:
     WindowPeer(ConsoleWindow& window, ProgressLine& progress, Terminal& terminal)
@@ -29,12 +29,12 @@ public:
     void Show(ShowMode, NativeWindow) override {}
     void FormChanged(Property) override {}
     void ControlChanged(const Control& control, Property property) override {
-        // The dialogue before the first line has no progress, but it can last a minute.
+        // There is no progress before the first line, but that phase can last a minute.
         if (&control == &mWindow.cmdFlashAbort && property == Property::Enabled &&
             control.Enabled() && !mProgress.Running())
             mTerminal.Write(mWindow.lblStatus.Caption() + "\n");
-        // The session sets the bar last of what a line changes. It clears the line's text
-        // before it sets the bar back at the end, which is no progress.
+        // The session updates the bar last for each line. At the end it clears the line's text
+        // before it resets the bar; that is not progress.
         if (&control == &mWindow.pbarStatus && property == Property::Value &&
             !mWindow.lblStatus.Caption().empty())
             mProgress.Show(mWindow.pbarStatus.Value(), mWindow.lblStatus.Caption(),
@@ -53,7 +53,7 @@ private:
     Terminal& mTerminal;
 };
 
-/// Any other window: what it wants drawn at once is its message.
+/// Any other window: prints the message that it wants drawn at once.
 class MessagePeer : public FormPeer {
 public:
     MessagePeer(ProgressLine& progress, Terminal& terminal)

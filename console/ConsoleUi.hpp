@@ -1,5 +1,5 @@
-// What stands for windows, boxes and dialogs in a console program: everything that the session
-// would show is written to the terminal.
+// Windows, boxes and dialogs of a console program: writes everything that the session would
+// show to the terminal.
 #pragma once
 
 #include <functional>
@@ -17,8 +17,8 @@
 
 namespace vantor {
 
-/// Boxes as text: the title above the message. Warnings and failures go to standard error. A
-/// question is asked on the terminal unless it is answered in advance.
+/// Boxes as text: the title above the message. Warnings and failures go to standard error.
+/// Questions are asked on the terminal unless they are answered in advance.
 class ConsoleBoxes : public MessageBoxes {
 public:
     ConsoleBoxes(Terminal& terminal, const StringTable& strings, ProgressLine& progress,
@@ -42,7 +42,7 @@ private:
     bool mAlwaysYes;
 };
 
-/// The file dialog of a program that was told the file on its command line.
+/// The file dialog of a program that gets the file from its command line.
 class ConsoleDialogs : public CommonDialogs {
 public:
     explicit ConsoleDialogs(std::string path) : mPath(std::move(path)) {}
@@ -53,13 +53,13 @@ private:
     std::string mPath;
 };
 
-/// A terminal shows no pictures.
+/// A terminal cannot show pictures.
 class ConsolePictures : public Pictures {
 public:
     std::shared_ptr<const Picture> Load(const std::string&) override { return nullptr; }
 };
 
-/// A terminal has no program registered for anything.
+/// A terminal has no registered programs.
 class ConsoleShell : public Shell {
 public:
     std::int32_t Execute(const ShellRequest&) override { return kNoAssociation; }
@@ -74,7 +74,7 @@ private:
     static constexpr std::int32_t kNoAssociation = 31;
 };
 
-/// Draws the progress bar of the console's window as a line, and the messages of others.
+/// Shows the progress bar of the console's window as a line, and prints the messages of others.
 class ConsolePeers : public Peers {
 public:
     ConsolePeers(Terminal& terminal, ProgressLine& progress, bool quiet)
@@ -91,8 +91,8 @@ private:
     bool mQuiet;
 };
 
-/// A pump that forwards to another and calls a function after each round, so that the interrupt
-/// key is noticed wherever the session waits.
+/// A pump that forwards to another and calls a function after each pass, so that the interrupt key
+/// is noticed wherever the session waits.
 class WatchedPump : public MessagePump {
 public:
     WatchedPump(MessagePump& inner, std::function<void()> afterRound)

@@ -1,5 +1,5 @@
-// The window that hosts a flash session in a console program: the controls that the session
-// drives, and nothing else.
+// The window of a flash session in a console program: the controls that the session
+// needs, and nothing else.
 #pragma once
 
 #include "controls/Controls.hpp"
@@ -16,7 +16,7 @@ public:
     Form& Window() override { return *this; }
     FlashControls SessionControls() override;
     FlashFlags& Flags() override { return mFlags; }
-    // There are no panels and no buttons besides the session's own.
+    // There are no panels and no buttons except those of the session.
     void ShowFunction(MainPanel) override {}
     void EnableButtons(bool) override {}
     void mnuFileExit_Click() override { Unload(); }
@@ -30,7 +30,7 @@ public:
     SerialControl mobjComm;
 
 protected:
-    /// The interrupt key does nothing before the session enables its button.
+    /// The interrupt key has no effect before the session enables its button.
     void Form_Load() override { cmdFlashAbort.Enabled(false); }
 
 private:

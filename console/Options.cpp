@@ -9,11 +9,11 @@
 namespace vantor {
 namespace {
 
-/// One option: where its value goes, or what it switches.
+/// One option: the field that it sets.
 struct OptionRow {
     std::string_view letter;  ///< "-p", empty when there is none
     std::string_view name;    ///< "--port"
-    std::string_view value;   ///< what the help calls its value; empty: it takes none
+    std::string_view value;   ///< name of its value in the help; empty: it takes none
     std::int32_t help;
     void (*apply)(Options&, const std::string& value);
 };
@@ -58,7 +58,7 @@ void Replace(std::string& text, std::string_view mark, const std::string& value)
         text.replace(at, mark.size(), value);
 }
 
-/// Applies the option at `at` and leaves `at` on the last argument that belonged to it.
+/// Applies the option at `at` and advances `at` to the last argument that belongs to it.
 void ApplyOption(Options& options, const std::vector<std::string>& arguments, std::size_t& at,
                  const StringTable& strings) {
     const std::string& argument = arguments[at];
@@ -117,7 +117,7 @@ std::string HelpText(const StringTable& strings) {
 }
 
 std::string Filled(std::string text, const std::string& first, const std::string& second) {
-    // The second mark first: the first value may look like a mark itself.
+    // The second placeholder first: the first value may contain one itself.
     Replace(text, "%2", second);
     Replace(text, "%1", first);
     return text;

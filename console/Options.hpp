@@ -14,7 +14,7 @@ enum class Action : unsigned char { Flash, ListPorts, Version, Help };
 struct Options {
     Action action = Action::Flash;
     std::string image;
-    // What overrides a stored setting, checked by the settings themselves.
+    // Overrides of stored settings, validated by the settings.
     std::optional<std::string> port;
     std::optional<std::string> baud;
     std::optional<std::string> parity;
@@ -27,9 +27,9 @@ struct Options {
     std::vector<std::string> faults;
 };
 
-/// Reads the arguments behind the program's name. Values follow an option as "--baud 9600",
-/// "--baud=9600" or "-b 9600"; "--" ends the options. Raises RuntimeError 5 with a sentence in
-/// the user's language for anything that it does not know.
+/// Parses the arguments after the program name. Option values are given as "--baud 9600",
+/// "--baud=9600" or "-b 9600"; "--" ends the options. Raises RuntimeError 5 with a message in
+/// the user's language for unknown arguments.
 Options ParseOptions(const std::vector<std::string>& arguments, const StringTable& strings);
 
 /// The help text.

@@ -19,7 +19,7 @@ IndicatorOptions OptionsFor(const CAppSettings& settings, const std::vector<std:
     options.bitsPerSecond = static_cast<std::uint32_t>(ToInt32(settings.BaudRate()));
     options.paced = true;
     for (const std::string& fault : faults) options.faults.push_back(ParseFault(fault));
-    // What is no image for this indicator it refuses line by line, as a real one would.
+    // It rejects an invalid image line by line, as a real indicator would.
     Ignoring([&] { options.expected = FlashMemory::FromRecords(image); });
     return options;
 }

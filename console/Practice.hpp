@@ -1,4 +1,4 @@
-// Practice without hardware: a virtual indicator in this process behind every port.
+// Practice without hardware: a virtual indicator in this process, connected to every port.
 #pragma once
 
 #include <string>
@@ -15,9 +15,8 @@ class CAppSettings;
 
 class Practice {
 public:
-    /// An indicator that starts at the settings' speed, expects `image`, paces its line like a
-    /// real one and has `faults`. Raises RuntimeError 5 with the reason for a fault that is not
-    /// known.
+    /// An indicator that starts at the speed of the settings, expects `image`, paces its line like
+    /// a real one and has `faults`. Raises RuntimeError 5 with the reason for an unknown fault.
     Practice(Clock& clock, const CAppSettings& settings, const std::vector<std::string>& faults,
              const std::string& image);
 

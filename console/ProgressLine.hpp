@@ -10,23 +10,23 @@
 
 namespace vantor {
 
-/// On a terminal one line that is drawn over and over: bar, percentage, line of lines, elapsed
-/// time, time left. Elsewhere a line for each ten per cent.
+/// On a terminal a line that is redrawn in place: bar, percentage, line number and count,
+/// elapsed time, remaining time. Otherwise a line for each ten per cent.
 class ProgressLine {
 public:
-    /// All outlive the object.
+    /// All must outlive the object.
     ProgressLine(Terminal& terminal, const Clock& clock, const StringTable& strings)
         : mTerminal(terminal), mClock(clock), mStrings(strings) {}
 
-    /// Shows `percent` (0 to 100) with the session's own texts for the line and the time.
+    /// Shows `percent` (0 to 100) with the session's texts for the line and the time.
     void Show(int percent, const std::string& status, const std::string& elapsed);
 
     /// True from the first `Show` to `Finish`.
     bool Running() const { return mRunning; }
 
-    /// Ends the line, so that other text can follow. The next `Show` goes on in a new one.
+    /// Ends the line, so that other text can follow. The next `Show` starts a new one.
     void Break();
-    /// Likewise, and the progress is over: the next `Show` begins another.
+    /// Likewise, and ends the progress: the next `Show` starts another.
     void Finish();
 
 private:

@@ -10,11 +10,11 @@ namespace {
 
 constexpr std::int64_t kMicrosPerMilli = 1000;
 constexpr std::int64_t kMicrosPerSecond = 1'000'000;
-// "OK" and CR. The wait ends with the K, but an adapter that passes a reply on at once does so
-// at its CR; the line feed travels while the next line goes out.
+// "OK" and CR. The wait ends with the K, but an adapter that forwards a reply at once does so at
+// its CR; the line feed is received while the next line is sent.
 constexpr std::size_t kReplyCharacters = 3;
 
-/// The lower of the two in the middle when their number is even.
+/// The lower of the two middle values when the count is even.
 template <typename Number>
 Number Median(std::vector<Number> numbers) {
     const auto middle = numbers.begin() + static_cast<std::ptrdiff_t>((numbers.size() - 1) / 2);
@@ -63,14 +63,14 @@ void RoundTrips::Closed() {
 void RoundTrips::Sent(std::string_view bytes) {
     Count(bytes);
     if (!mSending) BeginSend();
-    // A driver may have taken a part only; the rest follows.
+    // The driver may have accepted only a part; the rest follows.
     mSend += bytes;
     if (mSend.ends_with('\r')) EndSend();
 }
 
 void RoundTrips::BeginSend() {
-    // What follows a reply to a line is thrown away before the next send. A verdict still stands
-    // here only when the session has listened for one: what it sends then is no line of the image.
+    // Input after the reply to a line is discarded before the next send. A verdict remains here
+    // only when the session has listened for one; what it sends then is not a line of the image.
     if (mPhase == Phase::Image && mReply.find("DONE") != std::string::npos) mPhase = Phase::Over;
     mSending = true;
     mAwaiting = false;

@@ -1,5 +1,5 @@
-// How long the indicator's replies take, learnt from what passes over the line alone. It tells
-// an adapter that holds replies back from a line that is merely slow, and sums a session up.
+// Measures the round trips of the indicator's replies, from the traffic on the line only.
+// Distinguishes an adapter that holds replies back from a slow line, and summarises a session.
 #pragma once
 
 #include <cstddef>
@@ -15,27 +15,27 @@
 
 namespace vantor {
 
-/// Follows one session. An image line begins with its first byte out and ends with the reply
-/// that the session would take for its own, or with the input that the session throws away.
+/// Follows one session. An image line starts with its first byte sent and ends with the reply that
+/// the session accepts for it, or with the input that the session discards.
 class RoundTrips : public TrafficListener {
 public:
-    /// So many first replies to image lines decide whether replies arrive late. It is their
-    /// median that does: a machine that was busy for a moment, or an indicator that erased its
-    /// memory behind the first line, moves a mean and not a median; ten of these may be odd.
+    /// This many first replies to image lines decide whether replies are late. Their median
+    /// is used: a busy machine, or an indicator that erases its memory after the first line,
+    /// shifts a mean but not a median; ten of these may be outliers.
     static constexpr std::size_t kFirstReplies = 21;
-    /// How much later than the wire explains is late. Half the 16 ms to which common adapters
-    /// set their timer, since part of that time can have run before the reply comes; more than
-    /// what an indicator takes to check a line and a system to wake a program.
+    /// Excess over the wire time from which a reply is late. Half the 16 ms latency timer of
+    /// common adapters, because part of that time may have passed before the reply arrives;
+    /// more than an indicator needs to check a line and a system to wake a process.
     static constexpr std::int64_t kLateUs = 8000;
 
-    /// `clock` outlives the object.
+    /// `clock` must outlive the object.
     explicit RoundTrips(const Clock& clock) : mClock(clock) {}
 
-    /// By how many whole milliseconds the replies arrive late, once it is known; told once.
-    /// None when they do not, and after it was told.
+    /// By how many whole milliseconds replies are late, once that is known; reported once.
+    /// Empty when they are not late, and after it was reported.
     std::optional<std::int64_t> TakeLateness();
 
-    /// The session so far, for those who read a transcript: a line each for the image's lines,
+    /// Summary of the session so far, for a transcript: one line each for the image lines,
     /// the round trips, and the times.
     std::vector<std::string> Summary() const;
 
@@ -57,17 +57,17 @@ private:
     const Clock& mClock;
     Phase mPhase = Phase::Handshake;
     LineSettings mLine;
-    std::string mSend;  // the command or line that is going out, or was the last one
+    std::string mSend;  // the command or line being sent, or the last one
     bool mSending = false;
     bool mAwaiting = false;
-    bool mRefused = false;  // the last image line has not been taken, so far
+    bool mRefused = false;  // the last image line is not accepted yet
     std::string mReply;
     std::uint32_t mSentAt = 0;
 
     std::optional<std::uint32_t> mBegun;
     std::uint32_t mLastAt = 0;
-    // Both ways, by bits per second, and divided once: a character need not take a whole number
-    // of microseconds.
+    // Bits in both directions, by bits per second, and divided only once: a character need not take
+    // a whole number of microseconds.
     std::map<std::uint32_t, std::uint64_t> mBits;
     std::uint64_t mLines = 0;
     std::uint64_t mAcknowledged = 0;

@@ -36,8 +36,8 @@ public:
     std::size_t InputCount() override { return mInner->InputCount(); }
     std::size_t OutputCount() override { return mInner->OutputCount(); }
     void DiscardInput() override {
-        // Read first, so that the listeners have what the program never looks at. Only what is
-        // there now: a line that babbles must not hold the program here.
+        // Read first, so that the listeners get the bytes that the program discards.
+        // Only those available now: continuous input must not block the program here.
         std::string bytes(mInner->InputCount(), '\0');
         if (!bytes.empty()) bytes.resize(mInner->Read(bytes));
         mInner->DiscardInput();

@@ -1,5 +1,4 @@
-// What passes over a serial line, told to those who watch it. The program that uses the line
-// does not notice.
+// Reports the traffic of a serial line to listeners. Transparent to the program that uses the line.
 #pragma once
 
 #include <memory>
@@ -12,7 +11,7 @@
 
 namespace vantor {
 
-/// Told of everything right after it has happened.
+/// Called for every event right after it has happened.
 class TrafficListener {
 public:
     virtual ~TrafficListener() = default;
@@ -22,14 +21,14 @@ public:
     virtual void Closed() = 0;
     virtual void Sent(std::string_view bytes) = 0;
     virtual void Received(std::string_view bytes) = 0;
-    /// The program has thrown away what had arrived: `bytes`, or nothing.
+    /// The program has discarded its received input: `bytes`, or nothing.
     virtual void Discarded(std::string_view bytes) = 0;
 };
 
-/// Serial ports that forward to others and tell of every transfer.
+/// Serial ports that forward to others and report every transfer.
 class WatchedSerialPorts : public SerialPorts {
 public:
-    /// All outlive the ports.
+    /// All must outlive the ports.
     WatchedSerialPorts(SerialPorts& inner, std::vector<TrafficListener*> listeners)
         : mInner(inner), mListeners(std::move(listeners)) {}
 

@@ -1,4 +1,4 @@
-// The transcript of a serial line: what went over it, when, and in which direction.
+// The transcript of a serial line: the transferred bytes with time and direction.
 #pragma once
 
 #include <cstdint>
@@ -11,11 +11,11 @@
 
 namespace vantor {
 
-/// `bytes` for reading: printable ASCII as it is, the rest as \r, \n, \t, \\ or \xHH.
+/// `bytes` in readable form: printable ASCII unchanged, the rest as \r, \n, \t, \\ or \xHH.
 std::string Escaped(std::string_view bytes);
 
 /// A file with a line for each transfer: milliseconds since it was opened, direction ("->" to
-/// the indicator, "<-" from it, "--" for what is no transfer), escaped bytes.
+/// the indicator, "<-" from it, "--" for other events), escaped bytes.
 class Transcript : public TrafficListener {
 public:
     /// Raises RuntimeError 75 when `path` (UTF-8) cannot be written.

@@ -27,7 +27,7 @@
 namespace vantor {
 namespace {
 
-/// What a run cannot begin with: shown as a sentence, exit status 2.
+/// An error that prevents a run: shown as a message, exit status 2.
 RuntimeError Refusal(const StringTable& strings, std::int32_t text, const std::string& what) {
     return RuntimeError(ErrorNumber::InvalidCall, Filled(strings.LoadResString(text), what));
 }
@@ -116,7 +116,7 @@ ExitStatus StatusOf(FlashOutcome outcome) {
     return ExitStatus::UpdateFailure;
 }
 
-/// The error handler as the sink of all traps, while this lives.
+/// Installs the error handler as the sink of all traps during its lifetime.
 class SinkScope {
 public:
     explicit SinkScope(CErrHandler& errors, const Folders& folders) {
@@ -130,7 +130,7 @@ public:
     SinkScope& operator=(const SinkScope&) = delete;
 };
 
-/// Ends the transcript, where there is one, with the summary of the session.
+/// Ends the transcript, if there is one, with the summary of the session.
 class LogEnd {
 public:
     LogEnd(const std::unique_ptr<Transcript>& transcript, const RoundTrips& roundTrips)
@@ -147,7 +147,7 @@ private:
     const RoundTrips& mRoundTrips;
 };
 
-/// One flash with everything that it needs; members stand in the order of making.
+/// One flash with everything that it needs; members are in construction order.
 class Run {
 public:
     Run(NativePlatform& native, const Options& options, std::string image);
@@ -182,7 +182,7 @@ private:
     std::unique_ptr<Practice> mPractice;
     std::unique_ptr<Transcript> mTranscript;
     RoundTrips mRoundTrips{*mNative.clock};
-    LogEnd mLogEnd{mTranscript, mRoundTrips};  // behind the port's last line, however this ends
+    LogEnd mLogEnd{mTranscript, mRoundTrips};  // after the port's last entry, on every exit
     WatchedSerialPorts mPorts{RealPorts(), Listeners()};
     WatchedPump mPump;
     MemoryClipboard mClipboard;
@@ -234,8 +234,8 @@ ExitStatus Run::Flash() {
     return StatusOf(outcome);
 }
 
-// What the command line says goes through the settings' own setters, in an edit that is never
-// applied: nothing of it is stored.
+// Values from the command line go through the setters of the settings, in an edit that is never
+// applied: nothing is stored.
 void Run::LoadSettings() {
     Trapped("tsflash.LoadSettings", [this] { mSettings.Initialize(); });
     mSettings.BeginEdit();
@@ -245,7 +245,7 @@ void Run::LoadSettings() {
     Override(mOptions.baud, "--baud", &CAppSettings::BaudRate);
     Override(mOptions.parity, "--parity", &CAppSettings::Parity);
     Override(mOptions.dataBits, "--data-bits", &CAppSettings::DataBits);
-    // "2" is what every load gives and what no setter takes.
+    // Every load gives "2", and no setter accepts it.
     if (mOptions.stopBits != mSettings.StopBits())
         Override(mOptions.stopBits, "--stop-bits", &CAppSettings::StopBits);
 }
@@ -282,8 +282,8 @@ std::vector<TrafficListener*> Run::Listeners() {
 
 void Run::Watch() {
     if (mNative.terminal->TakeInterrupt()) Interrupted();
-    if (!mPractice) HintAtLateReplies();  // in practice there is no adapter to blame
-    // Nobody can close this window, so the wait that only a close request ends is ended here.
+    if (!mPractice) HintAtLateReplies();  // practice has no adapter
+    // The user cannot close this window, so a wait that only a close request ends is ended here.
     if (mSession && mSession->Outcome() == FlashOutcome::NothingAccepted &&
         !mWindow->Flags().mblnCloseRequested) {
         mProgress.Finish();
@@ -292,7 +292,7 @@ void Run::Watch() {
     }
 }
 
-// Under --quiet too: a fault of the set-up that nobody would notice otherwise is no progress.
+// Also under --quiet: a configuration fault that would go unnoticed is not progress output.
 void Run::HintAtLateReplies() {
     const std::optional<std::int64_t> latenessMs = mRoundTrips.TakeLateness();
     if (!latenessMs) return;

@@ -1,4 +1,4 @@
-// tsflash's entry point: takes the platform that the program is built for.
+// Entry point of tsflash: creates the native platform.
 #include "console/TsFlash.hpp"
 
 int main(int argc, char** argv) {

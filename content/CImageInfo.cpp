@@ -8,7 +8,7 @@ namespace vantor {
 namespace {
 
 constexpr std::size_t kBufferSize = 65535;
-// Every search for a marker ends here, so that what follows it is still inside the buffer.
+// Every marker search ends here, so that the data after the marker is still inside the buffer.
 constexpr std::size_t kSearchEnd = kBufferSize - 10;
 
 std::int32_t Mult(std::uint8_t low, std::uint8_t high) {
@@ -20,7 +20,7 @@ std::uint8_t ToDepth(int bits) {
     return static_cast<std::uint8_t>(bits);
 }
 
-/// The frame headers; the codes left out of their range stand for tables.
+/// The frame headers; the codes excluded from the range are tables.
 bool IsStartOfFrame(std::uint8_t marker) {
     return marker >= 192 && marker <= 207 && marker != 196 && marker != 200 && marker != 204;
 }
@@ -38,7 +38,7 @@ void CImageInfo::ReadImageInfo(const std::string& path) {
     mBytes.clear();
 }
 
-/// The buffer is filled up with zeros behind a short file.
+/// Beyond the end of a short file the buffer reads as zeros.
 std::uint8_t CImageInfo::At(std::size_t position) const {
     return position < mBytes.size() ? static_cast<std::uint8_t>(mBytes[position]) : std::uint8_t{0};
 }
@@ -70,10 +70,10 @@ void CImageInfo::ReadPng() {
             mDepth = ToDepth(4 * bitDepth);
             break;
         default:
-            return;  // not a colour type
+            return;  // unknown colour type
     }
     mType = Type::Png;
-    // The low halves of the two sizes.
+    // The low 16 bits of the two sizes.
     mWidth = HighFirst(18);
     mHeight = HighFirst(22);
 }
@@ -93,7 +93,7 @@ void CImageInfo::ReadBmp() {
 }
 
 void CImageInfo::ReadJpeg() {
-    // Behind the end of a short file no marker can begin.
+    // No marker can start past the end of a short file.
     const std::size_t end = std::min(kSearchEnd, mBytes.size());
     std::size_t at = 0;
     while (!(At(at) == 255 && At(at + 1) == 216 && At(at + 2) == 255))

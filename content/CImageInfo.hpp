@@ -1,5 +1,5 @@
-// What the header of a picture file says of it, to tell a picture from a file that only has the
-// name of one. Decodes nothing.
+// Picture properties from the header of a file, to distinguish a picture from a file that only has
+// the name of one. Decodes nothing.
 #pragma once
 
 #include <cstddef>
@@ -23,8 +23,8 @@ public:
     std::uint8_t Depth() const { return mDepth; }    ///< bits per pixel
     Type ImageType() const { return mType; }
 
-    /// Sets the four from the first 65535 bytes of `path`. Raises RuntimeError 6 for a depth
-    /// beyond 255, or the error of a file that cannot be read (see Files).
+    /// Sets the four from the first 65535 bytes of `path`. Raises RuntimeError 6 for a depth above
+    /// 255, or the error of an unreadable file (see Files).
     void ReadImageInfo(const std::string& path);
 
 private:

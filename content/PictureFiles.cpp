@@ -10,7 +10,7 @@
 namespace vantor {
 namespace {
 
-// The sibling program that keeps the folder writes lower-case names; the dot is not looked at.
+// The sibling program that fills the folder writes lower-case names; the dot is not checked.
 bool IsPictureName(std::string_view name) {
     constexpr std::array<std::string_view, 3> kEndings = {"gif", "jpg", "bmp"};
     return name.size() > 3 &&

@@ -1,4 +1,4 @@
-// The pictures of a folder.
+// Lists the pictures of a folder.
 #pragma once
 
 #include <cstdint>
@@ -9,9 +9,9 @@
 
 namespace vantor {
 
-/// Fills `names` with the bare names of the picture files in `folder`, in the order of the
-/// listing, and returns their number. A picture is told by the last three characters of its name
-/// alone: "gif", "jpg" or "bmp", in lower case. Raises RuntimeError 6 beyond 32767 pictures.
+/// Fills `names` with the names (without folder) of the picture files in `folder`,
+/// in listing order, and returns their number. Only the last three characters of a name count:
+/// "gif", "jpg" or "bmp", in lower case. Raises RuntimeError 6 beyond 32767 pictures.
 std::int16_t PictureFilesToArray(const Files& files, const std::string& folder, bool includeHidden,
                                  bool includeSystem, std::vector<std::string>& names);
 

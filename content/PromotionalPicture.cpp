@@ -17,10 +17,10 @@
 namespace vantor {
 namespace {
 
-// Written with backslashes; the shell puts them right.
+// Written with backslashes; the shell corrects them.
 constexpr const char* kWebSite = "http:\\\\www.tessmar.example";
 
-/// The fourth of the fields between bars. The first three are the sibling program's affair.
+/// The fourth of the fields separated by "|"; the sibling program uses the first three.
 std::optional<std::string_view> AddressField(std::string_view line) {
     for (int field = 0; field < 3; ++field) {
         const std::size_t bar = line.find('|');
@@ -74,7 +74,7 @@ ImageLines PromotionalPicture::Index() const {
     return FileToStringArray(CacheFolder() + "cache.txt", mPlatform.files);
 }
 
-// The name may stand anywhere in a line, so an earlier line for a longer name wins.
+// The name may be anywhere in a line, so an earlier line with a longer name wins.
 std::string PromotionalPicture::Address(const ImageLines& index) const {
     if (mBox.Tag().empty()) return kWebSite;
     const std::size_t last = index.UBound();

@@ -1,5 +1,5 @@
-// The picture of the main window: one of those that the sibling program keeps in its cache, or
-// the built-in one; and the web address that belongs to it. Fetches nothing.
+// The picture of the main window: one from the cache of the sibling program, or the built-in one;
+// and its URL. Downloads nothing.
 #pragma once
 
 #include <string>
@@ -12,20 +12,20 @@ namespace vantor {
 
 class PromotionalPicture {
 public:
-    /// `box` shows the picture; its `Tag` holds the bare name of the cached file shown, and is
-    /// empty for the built-in one. Both must outlive this object.
+    /// `box` shows the picture; its `Tag` holds the name of the cached file (without folder),
+    /// and is empty for the built-in one. Both must outlive this object.
     PromotionalPicture(PictureBox& box, Platform& platform);
 
-    /// Shows one of the cached pictures, chosen at random. Whatever goes wrong shows the
-    /// built-in one instead; nothing is reported.
+    /// Shows one of the cached pictures, chosen at random. On any error shows the built-in one;
+    /// nothing is reported.
     void Choose();
 
-    /// The lines of the cache's index; an unsized list when there is none.
+    /// The lines of the cache's index file; an unsized list when there is none.
     ImageLines Index() const;
 
-    /// The address behind the picture shown: the maker's web site for the built-in one, else
-    /// what `index` says, as it stands; empty when it says nothing. Raises RuntimeError 9 when
-    /// a cached picture is shown and the index is unsized.
+    /// The URL for the picture shown: the maker's web site for the built-in one, else the one in
+    /// `index`, unchanged; empty when `index` has none. Raises RuntimeError 9 when a cached picture
+    /// is shown and the index is unsized.
     std::string Address(const ImageLines& index) const;
 
 private:

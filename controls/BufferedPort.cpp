@@ -45,7 +45,7 @@ std::uint8_t OneOf(std::string_view digits, std::uint32_t low, std::uint32_t hig
     return static_cast<std::uint8_t>(number);
 }
 
-/// The settings may name a port by its bare number.
+/// The settings may hold only the port number.
 std::string PortName(const std::string& port) {
     return IsNumeric(port) ? "COM" + std::to_string(ToInt16(port)) : port;
 }
@@ -88,7 +88,7 @@ void BufferedPort::OnPort(Operation&& operation) {
     try {
         operation(*mPort);
     } catch (const RuntimeError&) {
-        // The device has gone away: polls find nothing from now on and sends do nothing.
+        // The device is lost: from now on polls find nothing and sends have no effect.
         Close();
     }
 }

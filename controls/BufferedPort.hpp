@@ -1,4 +1,4 @@
-// A serial port as the controls use it: configured with texts, silent about the line's troubles.
+// A serial port as the controls use it: configured by strings, raises no errors of the line.
 #pragma once
 
 #include <cstddef>
@@ -16,38 +16,38 @@ namespace vantor {
 /// data bits, stop bits). Raises RuntimeError 380 for anything else.
 LineSettings ParseLineSettings(std::string_view settings);
 
-/// A port that keeps what the driver does not take at once. Nothing here raises for the sake of
-/// the line: an open that fails, or a device that disappears, is seen only through `IsOpen`.
+/// A port that buffers what the driver does not accept at once. No line error raises:
+/// a failed open or a lost device shows only in `IsOpen`.
 class BufferedPort {
 public:
     explicit BufferedPort(SerialPorts& ports) : mPorts(ports) {}
 
-    std::string name;      ///< "COM1" style, or the bare number; used at the next open
+    std::string name;      ///< "COM1" style, or only the number; used at the next open
     std::string settings;  ///< see ParseLineSettings; checked and used at the next open
 
-    /// Opens the port, closing it first when it is open. `notify`, when set, is called at each
-    /// pump that finds input, and once when the device has gone.
+    /// Opens the port, closing it first when it is open. `notify`, if set, is called at each pump
+    /// that finds input, and once when the device is lost.
     void Open(std::function<void()> notify);
     void Close();
     bool IsOpen() const { return mPort != nullptr; }
     /// Why the last `Open` failed; none after a success or an error other than those of the port.
     const std::optional<PortOpenError>& OpenError() const { return mOpenError; }
 
-    /// Sets what is called on input of the open port; an empty function ends it.
+    /// Sets the callback for input of the open port; an empty function removes it.
     void Notify(std::function<void()> notify);
 
     /// Queues `bytes` for sending; does nothing on a closed port.
     void Output(std::string_view bytes);
-    /// Hands the driver what it takes now. True when nothing is left to hand over.
+    /// Passes as much pending output to the driver as it accepts. True when none is left.
     bool FlushPending();
     /// Forgets what the driver has not taken, except the rest of the line that has begun.
     void DropPendingLines();
     /// Bytes queued and not yet sent; 0 on a closed port. Asking moves the queue on.
     std::size_t OutBufferCount();
 
-    /// Bytes waiting to be read; 0 on a closed port. Asking moves the output queue on.
+    /// Bytes waiting to be read; 0 on a closed port. Also calls `FlushPending`.
     std::size_t InBufferCount();
-    /// Takes all waiting bytes, or about `most` of them: as many whole pieces as reach it.
+    /// Reads all waiting bytes, or about `most` of them: stops after the chunk that reaches `most`.
     std::string Input(std::size_t most = static_cast<std::size_t>(-1));
     void ClearInput();
 

@@ -1,5 +1,5 @@
-// What all controls of a form have in common. Controls know no operating system: a peer draws
-// them, and everything works the same without one.
+// What all controls of a form have in common. Controls are platform-independent: a peer draws them,
+// and everything works without one.
 #pragma once
 
 #include <cstdint>
@@ -31,11 +31,11 @@ enum class ControlKind : std::uint8_t {
 /// The edge around a control.
 enum class Border : std::uint8_t { None, Static, Sunken };
 
-/// A control of a form. It joins the form's collection when it is made and is a member of the
-/// form, so it never outlives it. Setting a property tells the form's peer.
+/// A control of a form. It adds itself to the form's collection on construction; it is a member of
+/// the form, so it never outlives it. Setting a property notifies the form's peer.
 class Control {
 public:
-    /// `index` tells the members of a control array apart; -1 for a single control.
+    /// `index` distinguishes the members of a control array; -1 for a single control.
     Control(Form& parent, ControlKind kind, std::string name, int index = -1);
     virtual ~Control() = default;
     Control(const Control&) = delete;
@@ -53,7 +53,7 @@ public:
     void Caption(std::string caption);
 
     bool Enabled() const { return mEnabled; }
-    /// Virtual because enabling some controls (a timer) starts something.
+    /// Virtual because enabling some controls (a timer) has a side effect.
     virtual void Enabled(bool enabled);
 
     bool Visible() const { return mVisible; }
@@ -62,18 +62,18 @@ public:
     const std::string& ToolTip() const { return mToolTip; }
     void ToolTip(std::string toolTip);
 
-    /// What is read aloud for a control that shows no text of its own.
+    /// The accessible name of a control that shows no text.
     const std::string& SpokenName() const { return mSpokenName; }
     void SpokenName(std::string name);
 
     const vantor::Place& Place() const { return mPlace; }
     void Place(const vantor::Place& place);
 
-    /// The edge is drawn within the control's place: nothing moves.
+    /// The border is drawn inside the control's place: nothing moves.
     vantor::Border Border() const { return mBorder; }
     void Border(vantor::Border border);
 
-    /// Brings the control before the controls that it overlaps.
+    /// Brings the control in front of the controls that it overlaps.
     void ZOrder();
 
     /// Draws the control at once, without waiting for the message loop.
@@ -81,10 +81,10 @@ public:
 
 protected:
     void Changed(Property property);
-    /// Size of `text` in the control's letters, of the shape `face` when that is not empty. All 0
-    /// where nothing is drawn.
+    /// Size of `text` in the control's font, in the typeface `face` if not empty.
+    /// All 0 where nothing is drawn.
     Size TextSize(const std::string& face, const std::string& text) const;
-    /// Keeps the form alive while one of its handlers runs; for the owners of events.
+    /// Keeps the form alive while one of its handlers runs; for owners of events.
     std::shared_ptr<void> KeepParent() const;
 
 private:

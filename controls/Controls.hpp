@@ -1,4 +1,4 @@
-// The plain controls of the program's windows.
+// The basic controls of the program's windows.
 #pragma once
 
 #include <cstddef>
@@ -20,12 +20,12 @@ public:
         : Control(parent, ControlKind::Label, std::move(name), index) {}
 };
 
-/// Anything whose event is a click. A peer raises it; code may press it with `Press`.
+/// A control whose event is a click. Raised by a peer or by code through `Press`.
 class ClickControl : public Control {
 public:
     Event<> Click{[this] { return KeepParent(); }};
 
-    /// A click by the user or standing for one: nothing happens while the control is disabled.
+    /// A click, by the user or simulated. Ignored while the control is disabled.
     void Press() {
         if (Enabled()) Click.Raise();
     }
@@ -69,17 +69,17 @@ public:
     };
     const std::vector<Printed>& PrintedTexts() const { return mPrinted; }
 
-    /// Removes what was printed; the next text begins in the upper left corner.
+    /// Removes the printed texts; the next one starts in the upper left corner.
     void Cls();
-    /// The shape of the letters printed from now on; empty for that of the window.
+    /// Typeface of the texts printed from now on; empty for that of the window.
     std::string FontName;
-    /// Where the next text begins, in twips of the inside.
+    /// Position of the next text, in twips of the client area.
     float CurrentX = 0;
     float CurrentY = 0;
-    /// Size of `text` in these letters, in twips.
+    /// Size of `text` in this font, in twips.
     float TextWidth(const std::string& text) const { return TextSize(FontName, text).width; }
     float TextHeight(const std::string& text) const { return TextSize(FontName, text).height; }
-    /// Prints `text`; the next one begins a line lower, at the left.
+    /// Prints `text` and moves the position to the start of the next line.
     void Print(const std::string& text);
 
     PictureBox(Form& parent, std::string name, int index = -1)
@@ -97,7 +97,7 @@ public:
         : Control(parent, ControlKind::Image, std::move(name), index) {}
 };
 
-/// A bar from 0 to 100.
+/// A progress bar from 0 to 100.
 class ProgressBar : public Control {
 public:
     ProgressBar(Form& parent, std::string name, int index = -1)
@@ -111,25 +111,25 @@ private:
     std::int16_t mValue = 0;
 };
 
-/// A list of which the chosen text shows. `Property::Value` tells of new items and another choice.
+/// A drop-down list. `Property::Value` reports new items and a changed selection.
 class ComboBox : public ClickControl {
 public:
     ComboBox(Form& parent, std::string name, int index = -1)
         : ClickControl(parent, ControlKind::ComboBox, std::move(name), index) {}
 
     const std::vector<std::string>& Items() const { return mItems; }
-    /// Replaces the list; nothing of it is chosen then.
+    /// Replaces the list and clears the selection.
     void Items(std::vector<std::string> items);
 
-    /// The chosen item, from 0; -1 for none.
+    /// The selected item, from 0; -1 for none.
     int ListIndex() const { return mListIndex; }
-    /// Raises RuntimeError 380 where there is no such item.
+    /// Raises RuntimeError 380 when there is no such item.
     void ListIndex(int index);
-    /// The chosen text; empty for none.
+    /// The selected text; empty for none.
     std::string Text() const;
 
-    /// For peers: the user has chosen an item. The event follows the change. Nothing below 0, which
-    /// systems say for no choice.
+    /// For peers: the user has selected an item. The event follows the change. Ignores negative
+    /// values, with which systems report no selection.
     void Choose(int index);
 
 private:
@@ -137,11 +137,11 @@ private:
     int mListIndex = -1;
 };
 
-/// Index of `text` in the list of `combo`, letter case included; -1 when it is not there.
+/// Index of `text` in the list of `combo`, case-sensitive; -1 when it is not found.
 int FindStringComboBox(const ComboBox& combo, const std::string& text);
 
-/// A bar of texts that keeps to its window's bottom edge by itself: of its place only the height
-/// counts, which a peer sets to what it really draws. `Property::Value` tells of another text.
+/// A bar of texts that positions itself at the bottom edge of its window: only the height of its
+/// place is used, and a peer sets it to the drawn height. `Property::Value` reports a changed text.
 class StatusBar : public Control {
 public:
     struct Panel {
@@ -183,8 +183,8 @@ private:
     int mSelectedRow = -1;
 };
 
-/// Raises its event every `Interval` milliseconds while enabled. Disabled when made; enabling
-/// it again while it runs changes nothing.
+/// Raises its event every `Interval` milliseconds while enabled. Initially disabled; enabling it
+/// while it runs has no effect.
 class Timer : public Control {
 public:
     Timer(Form& parent, std::string name, MessagePump& pump, std::uint32_t intervalMs);

@@ -8,7 +8,7 @@
 
 namespace vantor {
 
-/// Whether an event may be raised again while its own handler runs.
+/// Whether an event is re-entrant: may be raised while its own handler runs.
 enum class Nesting : bool { Refused, Allowed };
 
 /// What became of an event that was raised.
@@ -24,7 +24,7 @@ enum class EventResult : std::uint8_t {
 template <typename... Args>
 class Event {
 public:
-    /// `owner` says what must stay alive until the handler has returned: the form.
+    /// `owner` returns the object to keep alive until the handler has returned: the form.
     explicit Event(std::function<std::shared_ptr<void>()> owner = {}) : mOwner(std::move(owner)) {}
     Event(const Event&) = delete;
     Event& operator=(const Event&) = delete;

@@ -1,5 +1,5 @@
-// Windows as plain objects: their controls, their life from load to unload, and the set of those
-// that are open.
+// Platform-independent windows: their controls, their lifetime from load to unload,
+// and the set of open ones.
 #pragma once
 
 #include <functional>
@@ -26,8 +26,8 @@ enum class Ground : std::uint8_t {
 
 /// What is special about a control's looks, its place among the keys, or how it is read aloud.
 struct ControlStyle {
-    float points = 9;       ///< size of its letters
-    const char* face = "";  ///< their shape; empty for that of the window
+    float points = 9;       ///< font size
+    const char* face = "";  ///< typeface; empty for that of the window
     bool bold = false;
     bool centred = false;        ///< of a label's text
     bool verbatim = false;       ///< likewise: "&" shows, and "..." where there is no room for more
@@ -47,24 +47,24 @@ struct ControlDesign {
     ControlKind kind;
     const char* name;
     int index;           ///< -1 for a single control
-    const char* parent;  ///< name of the panel or menu it lies in, empty for the window itself
-    Place place;         ///< twips, within the parent; all 0 for what has no place of its own
+    const char* parent;  ///< name of the containing panel or menu, empty for the window itself
+    Place place;         ///< twips, within the parent; all 0 for controls without a position
     const char* caption;
     const char* tag;
     ControlStyle style = {};
 };
 
-/// A window's design: data that says what the window looks like before any code runs.
+/// A window's design: its appearance as data, before any code runs.
 struct FormDesign {
     const char* name;
     const char* caption;
     const char* tag;
     Place place;  ///< outer size in twips
     std::span<const ControlDesign> controls;
-    Size smallest = {};  ///< least outer size of a sizable window; none for a fixed one
+    Size smallest = {};  ///< minimum outer size of a sizable window; all 0 for a fixed one
 };
 
-/// The open windows of the program, and what they need to be drawn.
+/// The open windows of the program, and the services that they need.
 class Desktop {
 public:
     Desktop(Peers& peers, MessagePump& pump) : mPeers(peers), mPump(pump) {}
@@ -72,10 +72,10 @@ public:
     Peers& GetPeers() const { return mPeers; }
     MessagePump& Pump() const { return mPump; }
 
-    /// The loaded windows, in the order in which they were loaded.
+    /// The loaded windows, in load order.
     const std::vector<std::shared_ptr<Form>>& OpenForms() const { return mOpen; }
 
-    /// What the help key does in each of them; its argument is the window that has it.
+    /// Handles the help key for all windows; the argument is the active one.
     std::function<void(const Form&)> Help = [](const Form&) {};
 
 private:
@@ -85,9 +85,9 @@ private:
     std::vector<std::shared_ptr<Form>> mOpen;
 };
 
-/// A window. Made with std::make_shared; the desktop keeps it alive while it is loaded, and an
-/// event keeps it alive until its outermost handler has returned, so code may unload the window
-/// that it belongs to. Once it is gone nothing is drawn any more and it cannot be loaded again.
+/// A window. Created with std::make_shared. The desktop keeps it alive while it is loaded,
+/// and an event keeps it alive until its outermost handler has returned, so code may unload its own
+/// window. Once unloaded, it is not drawn any more and cannot be loaded again.
 class Form : public std::enable_shared_from_this<Form> {
 public:
     Form(Desktop& desktop, const FormDesign& design);
@@ -96,7 +96,7 @@ public:
     Form& operator=(const Form&) = delete;
 
     std::string Name() const { return mDesign.name; }
-    /// The controls in collection order: the order in which the class declares them.
+    /// The controls in collection order: the order of declaration in the class.
     const std::vector<Control*>& Controls() const { return mControls; }
     const FormDesign& Design() const { return mDesign; }
     /// The control of a design row. Raises RuntimeError 51 when the class has none.
@@ -110,7 +110,7 @@ public:
     const vantor::Place& Place() const { return mPlace; }
     void Place(const vantor::Place& place);
 
-    /// Moves the window to the middle of `area` (twips of the screen), its size unchanged.
+    /// Centres the window in `area` (twips of the screen) without changing its size.
     void CenterIn(const vantor::Place& area);
 
     /// Moves the window to the middle of `other`, or of the place that `other` takes when it is
@@ -120,12 +120,12 @@ public:
     WindowState State() const { return mState; }
     void State(WindowState state);
 
-    /// Size of the inside, which controls can be laid out in.
+    /// Size of the client area.
     const Size& InnerSize() const { return mInner; }
 
     bool Visible() const { return mVisible; }
     bool Loaded() const { return mLoaded; }
-    /// True once the window has been unloaded. A wait that runs in its code ends then.
+    /// True once the window has been unloaded. Wait loops in its code must then end.
     bool Gone() const { return mGone; }
 
     /// Applies the design, makes the peer and runs Form_Load; a second call does nothing.
@@ -133,18 +133,18 @@ public:
     /// the peer or Form_Load raises. The window is then gone, without Form_Unload.
     void Load();
 
-    /// Loads the window if needed and shows it; a modal one returns when it has closed.
+    /// Loads the window if needed and shows it; a modal one returns when it is closed.
     void Show(ShowMode mode = ShowMode::Modeless, const Form* owner = nullptr);
 
-    /// Closes the window: asks Form_QueryUnload and, when that lets it, runs Form_Unload and
-    /// destroys the peer. The last window to go ends the message pump. True when it is gone.
+    /// Closes the window: calls Form_QueryUnload and, unless it refuses, Form_Unload, and destroys
+    /// the peer. The last window to unload ends the message pump. True when unloaded.
     bool Unload();
 
-    /// For peers: the window is now there and so large. Runs Form_Resize when the inside has
-    /// another size than before.
+    /// For peers: reports position and size. Runs Form_Resize when the size of
+    /// the client area has changed.
     void Placed(const vantor::Place& outer, WindowState state, const Size& inner);
 
-    /// For peers: the inside is to be drawn again, which Form_Paint does with DrawLine.
+    /// For peers: repaint the client area. Form_Paint does so with DrawLine.
     void Painting() { Form_Paint(); }
 
     /// For peers: the help key was pressed.
@@ -152,7 +152,7 @@ public:
 
     Desktop& GetDesktop() const { return mDesktop; }
 
-    /// The native window, 0 where nothing is drawn.
+    /// The window handle; 0 where nothing is drawn.
     NativeWindow Handle() const { return mPeer ? mPeer->Handle() : 0; }
 
 protected:

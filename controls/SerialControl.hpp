@@ -1,5 +1,5 @@
-// The serial communications control: a port that a window configures with texts, opens, and
-// reads and writes through buffers.
+// The serial communications control: a port that a window configures by strings, opens,
+// and reads and writes through buffers.
 #pragma once
 
 #include <cstddef>
@@ -14,9 +14,9 @@
 
 namespace vantor {
 
-/// A serial port as a control. Text in both directions is bytes, passed unchanged: raw mode, no
-/// flow control, DTR and RTS asserted while open. Nothing here raises for the sake of the line:
-/// an open that fails, or a device that disappears, is seen only through `PortOpen`.
+/// A serial port as a control. Text in both directions is bytes, passed unchanged:
+/// raw mode, no flow control, DTR and RTS asserted while open. No line error raises:
+/// a failed open or a lost device shows only in `PortOpen`.
 class SerialControl : public Control {
 public:
     SerialControl(Form& parent, std::string name, SerialPorts& ports);
@@ -38,21 +38,21 @@ public:
 
     /// Queues `bytes` for sending; does nothing on a closed port.
     void Output(std::string_view bytes) { mPort.Output(bytes); }
-    /// Bytes queued and not yet sent; 0 on a closed port. Asking moves the queue on.
+    /// Bytes queued and not yet sent; 0 on a closed port. Also flushes pending output.
     std::size_t OutBufferCount() { return mPort.OutBufferCount(); }
 
-    /// Bytes waiting to be read; 0 on a closed port. Asking moves the output queue on.
+    /// Bytes waiting to be read; 0 on a closed port. Also flushes pending output.
     std::size_t InBufferCount() { return mPort.InBufferCount(); }
-    /// Takes all waiting bytes.
+    /// Reads all waiting bytes.
     std::string Input() { return mPort.Input(); }
     void ClearInput() { mPort.ClearInput(); }
 
-    /// 0: no receive events. n: an event whenever at least n bytes wait. Raising it with enough
-    /// bytes already waiting raises the event at once.
+    /// 0: no receive events. n: an event whenever at least n bytes are waiting. When enough bytes
+    /// are already waiting, setting it raises the event at once.
     void ReceiveThreshold(std::size_t bytes);
     std::size_t ReceiveThreshold() const { return mReceiveThreshold; }
 
-    /// Bytes have arrived. Not raised while its handler runs; the bytes stay in the buffer.
+    /// Bytes have arrived. Not re-entrant; bytes that arrive meanwhile stay in the buffer.
     Event<> Receive{[this] { return KeepParent(); }};
 
 private:

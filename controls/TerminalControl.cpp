@@ -17,7 +17,7 @@
 namespace vantor {
 namespace {
 
-// A line that never pauses leaves the windows their turn after so many bytes.
+// With continuous input the message loop gets its turn after this many bytes.
 constexpr std::size_t kMostAtOnce = 65'536;
 constexpr auto kAll = static_cast<std::size_t>(-1);
 constexpr std::uint32_t kSendIntervalMs = 10;
@@ -147,8 +147,8 @@ void TerminalControl::Beep() {
 void TerminalControl::Capture(std::string_view bytes) {
     if (!mCapture) return;
     Trapped("TerminalControl.Capture", [&] {
-        // Taken out while it writes: a write that fails has ended the capture before its report
-        // shows, behind which more text arrives.
+        // Moved out during the write: a failed write must have ended the capture before its report
+        // is shown, because more text arrives behind that box.
         std::unique_ptr<OutputFile> file = std::move(mCapture);
         std::string path = std::exchange(mCaptureFile, {});
         file->Write(bytes);
@@ -177,8 +177,8 @@ void TerminalControl::Send(std::string_view bytes) {
     if (mLocalEcho) Show(WithLineEnds(bytes, "\r\n"));
 }
 
-/// Hands the rest over bit by bit when the driver does not take all at once. Idle there is no
-/// timer.
+/// Sends the remainder in parts when the driver does not accept everything at once.
+/// No timer runs while idle.
 void TerminalControl::KeepSending() {
     const bool done = mPort.FlushPending();
     if (done && mSendTimer != 0)
@@ -236,7 +236,7 @@ void TerminalControl::PerformCommand(TerminalCommand command) {
     }
 }
 
-/// The rest of what an emptied screen means: a sequence that had begun, and the view.
+/// Also resets what depends on the screen: a partial escape sequence and the scroll position.
 void TerminalControl::Clear() {
     mParser.Reset();
     mView.reset();

@@ -1,6 +1,5 @@
 // The serial terminal control: a port, a screen, a keyboard, capture to a file, and the commands of
-// a context menu. It is complete without a peer, which only paints the screen and passes on what
-// the user does.
+// a context menu. It works without a peer, which only paints the screen and forwards user input.
 #pragma once
 
 #include <array>
@@ -25,21 +24,21 @@
 
 namespace vantor {
 
-/// The terminal's own commands, with the numbers that its users know them by.
+/// The terminal's commands, with the numbers of its interface.
 enum class TerminalCommand : std::uint8_t {
     Copy = 1,       ///< the selection to the clipboard
-    Paste = 2,      ///< the clipboard's text is typed
-    SelectAll = 3,  ///< marks the whole text
+    Paste = 2,      ///< types the clipboard's text
+    SelectAll = 3,  ///< selects the whole text
     Open = 7,       ///< opens the port
     Close = 8,      ///< closes the port
-    Clear = 9,      ///< empties the screen; its text stays in the history
-    Reset = 10,     ///< colours, scroll region and modes as at the start, and an empty screen
-    Settings = 11,  ///< shows the dialog for the port's settings
+    Clear = 9,      ///< clears the screen; its text stays in the history
+    Reset = 10,     ///< resets colours, scroll region and modes, and clears the screen
+    Settings = 11,  ///< shows the dialog for the port settings
 };
 
-/// When the context menu offers a command for use.
+/// When the context menu offers a command.
 enum class CommandOffer : std::uint8_t {
-    WhenUseful = 0,  ///< only while it can do something; greyed otherwise
+    WhenUseful = 0,  ///< only while it has an effect; greyed otherwise
     Never = 1,       ///< it is not in the menu
     Always = 2,      ///< at any time
 };
@@ -49,7 +48,7 @@ struct OfferedCommand {
     TerminalCommand command;
     std::string caption;  ///< UTF-8
     bool enabled;
-    bool startsGroup;  ///< a separator goes above it
+    bool startsGroup;  ///< preceded by a separator
 };
 
 /// The numbers of members are those by which the vendor's terminal knew them. Bytes in both
@@ -58,8 +57,8 @@ struct OfferedCommand {
 /// seen only through `PortOpen`. What cannot be sent of what the user types makes the terminal
 /// beep; it beeps at most four times a second, for whatever reason.
 ///
-/// Peers are told of `Property::Value` when text has come (see `TerminalScreen::Dirty`; a peer
-/// cleans what it has painted) and of `Property::Repaint` when all of it is to be painted again.
+/// Peers get `Property::Value` when text has arrived (see `TerminalScreen::Dirty`; a peer calls
+/// `Clean` after painting) and `Property::Repaint` when everything must be repainted.
 class TerminalControl : public Control {
 public:
     TerminalControl(Form& parent, std::string name, Platform& platform);
@@ -69,7 +68,7 @@ public:
     const std::string& Settings() const { return mPort.settings; }
     void Settings(std::string settings) { mPort.settings = std::move(settings); }
 
-    /// Member 28: the port's name, "COM1" style; a bare number n means COMn. Used at the next open.
+    /// Member 28: the port's name, "COM1" style, or n for COMn. Used at the next open.
     const std::string& Port() const { return mPort.name; }
     void Port(std::string name) { mPort.name = std::move(name); }
 
@@ -99,51 +98,51 @@ public:
     const std::string& CaptureFile() const { return mCaptureFile; }
     void CaptureFile(const std::string& path);
 
-    /// Member 84: transmits one line as it is, and a CR behind it.
+    /// Member 84: transmits one line unchanged, followed by a CR.
     void Output(std::string_view line);
 
-    /// Member 49: while true the view stays with the newest text, so that what a long transmission
-    /// brings can be followed. Otherwise a view that was moved up stays where it is.
+    /// Member 49: while true, the view stays at the newest text, to follow a long transmission.
+    /// Otherwise a view that was scrolled up stays where it is.
     bool FollowOutput() const { return mFollowOutput; }
     void FollowOutput(bool follow);
 
-    /// Member 62: lines given to `Output` are ended with CR. True at first.
+    /// Member 62: `Output` ends lines with CR. Default: true.
     bool EndLines() const { return mEndLines; }
     void EndLines(bool end) { mEndLines = end; }
 
-    /// Member 6: a line longer than the screen is wide goes on in the next row instead of writing
-    /// its last column again and again. True at first; the far end can switch it too.
+    /// Member 6: a line longer than the screen width continues in the next row instead of
+    /// overwriting its last column. Default: true; the far end can switch it too.
     bool AutoWrap() const { return mScreen.modes.autoWrap; }
     void AutoWrap(bool wrap) { mScreen.modes.autoWrap = wrap; }
 
-    /// Member 55: the kind of flow control. 0, none, is the only one: raises RuntimeError 380 for
-    /// any other.
+    /// Member 55: the kind of flow control. Only 0 (none) is supported; raises RuntimeError
+    /// 380 for any other value.
     int Handshake() const { return 0; }
     void Handshake(int kind);
 
-    /// Member 112: what is typed and transmitted shows at once, instead of when the far end sends
-    /// it back. False at first.
+    /// Member 112: shows typed and transmitted text at once, instead of when the far end
+    /// echoes it. Default: false.
     bool LocalEcho() const { return mLocalEcho; }
     void LocalEcho(bool echo) { mLocalEcho = echo; }
 
-    /// Member 113: a received CR goes to the next row too, for far ends that send no LF.
-    /// False at first.
+    /// Member 113: a received CR also moves to the next row, for far ends that send
+    /// no LF. Default: false.
     bool AutoLineFeed() const { return mScreen.modes.returnFeeds; }
     void AutoLineFeed(bool feed) { mScreen.modes.returnFeeds = feed; }
 
-    /// Member 121, by command: when the context menu offers it. WhenUseful at first.
+    /// Member 121, by command: when the context menu offers it. Default: WhenUseful.
     CommandOffer CommandMode(TerminalCommand command) const;
     void CommandMode(TerminalCommand command, CommandOffer offer);
 
-    /// The user has invoked a command. A handler that sets `handled` has seen to it; otherwise the
-    /// terminal performs it itself.
+    /// The user has invoked a command. A handler that sets `handled` has performed it;
+    /// otherwise the terminal does.
     Event<TerminalCommand, bool&> Command{[this] { return KeepParent(); }};
 
-    // --- what the user does -------------------------------------------------------------------
+    // --- user input ---------------------------------------------------------------------------
 
-    /// The context menu as it is now, top to bottom.
+    /// The current context menu, top to bottom.
     std::vector<OfferedCommand> ContextMenu() const;
-    /// An entry of it was chosen.
+    /// Invokes an entry of the context menu.
     void Invoke(TerminalCommand command);
 
     /// Bytes as typed, in the system's 8-bit code page; Enter is CR. A beep on a closed port.
@@ -153,9 +152,9 @@ public:
     void Type(const std::string& text);
 
     void SelectAll();
-    /// Marks from `anchor` up to `end`, in whichever order they come.
+    /// Selects the text between `anchor` and `end`, in either order.
     void Select(TextPosition anchor, TextPosition end);
-    /// The marked text, UTF-8.
+    /// The selected text, UTF-8.
     std::string SelectedText() const;
     /// Does nothing without a marked text: what the clipboard holds stays.
     void Copy();
@@ -163,16 +162,16 @@ public:
     /// the code page lacks is refused as a whole: a box names the character and its line.
     void Paste();
 
-    // --- what there is to paint ---------------------------------------------------------------
+    // --- state to paint -----------------------------------------------------------------------
 
     TerminalScreen& Screen() { return mScreen; }
     const TerminalSelection& Selection() const { return mSelection; }
 
-    /// The line in the view's first row: the screen's own unless the user has moved the view up.
+    /// The line in the first row of the view: that of the screen unless the view is scrolled up.
     std::int64_t FirstShownLine() const;
     void ScrollTo(std::int64_t firstLine);
 
-    /// So many characters fit into the control now.
+    /// Sets the size in characters that fits into the control.
     void ScreenSize(int columns, int rows);
 
     /// Moves the control. Raises RuntimeError 380 for a size below zero.
@@ -196,7 +195,7 @@ private:
     TerminalScreen mScreen;
     TerminalParser mParser{mScreen};
     TerminalSelection mSelection{mScreen};
-    std::optional<std::int64_t> mView;  // the view's first line while it is moved up
+    std::optional<std::int64_t> mView;  // the first line of a view that is scrolled up
     std::string mCaptureFile;
     std::unique_ptr<OutputFile> mCapture;
     std::array<CommandOffer, 12> mOffers{};  // by command

@@ -56,9 +56,9 @@ void TerminalParser::Take(unsigned char byte) {
     } else if (mState == State::Text) {
         TakeText(byte);
     } else if (IsControl(byte)) {
-        TakeControl(byte);  // within a sequence too, which goes on behind it
+        TakeControl(byte);  // also within a sequence, which continues after it
     } else if (byte > kDelete) {
-        // No sequence holds such a byte: this one was broken off, and text follows.
+        // No sequence contains such a byte: this one is incomplete, and text follows.
         mState = State::Ground;
         const char character = static_cast<char>(byte);
         mScreen.Print({&character, 1});
@@ -322,8 +322,8 @@ void TerminalParser::SetLook(int code) {
     if (code >= 100 && code <= 107) pen.background = static_cast<std::uint8_t>(code - 100 + 8);
 }
 
-/// A colour of the 256 or of the 16 million, of which the sixteen are taken and the others left.
-/// Returns the place of its last parameter.
+/// A colour of the 256 or the 16 million: those that are one of the sixteen are set,
+/// others ignored. Returns the index of its last parameter.
 std::size_t TerminalParser::SetExtendedColour(std::size_t at) {
     const auto parameter = [this](std::size_t i) {
         return i < mParameters.size() ? mParameters[i] : 0;

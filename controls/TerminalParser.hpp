@@ -1,5 +1,5 @@
-// What received bytes mean for the screen: characters, control characters, and the sequences of
-// VT100 and ANSI terminals.
+// Interprets received bytes for the screen: characters, control characters, and the escape
+// sequences of VT100 and ANSI terminals.
 #pragma once
 
 #include <array>
@@ -11,10 +11,10 @@
 
 namespace vantor {
 
-/// Takes any bytes in any portions. What is not understood is swallowed to its end, so that stray
-/// codes never litter the screen; a sequence that never ends swallows no more than its line.
-/// Bytes from 128 up are characters: the 8-bit controls of some terminals lie where the code page
-/// has letters. Requests of the line are not answered: nothing is sent that nobody typed.
+/// Accepts any bytes, split anywhere. Unknown sequences are consumed completely,
+/// so that no part of them shows on the screen; an unterminated one consumes no more than its line.
+/// Bytes from 128 up are characters: the code page has letters at the 8-bit (C1) control codes.
+/// Requests for reports are not answered: the terminal sends only what was typed.
 class TerminalParser {
 public:
     /// `screen` outlives the parser.
@@ -22,20 +22,20 @@ public:
 
     void Write(std::string_view bytes);
 
-    /// Forgets a sequence that has begun.
+    /// Discards a partial sequence.
     void Reset() { mState = State::Ground; }
 
-    /// How many times BEL has come.
+    /// Number of BEL characters received.
     std::uint64_t Bells() const { return mBells; }
 
 private:
     enum class State : std::uint8_t {
         Ground,
         Escape,       ///< after ESC
-        EscapeRest,   ///< after ESC and an intermediate character: the end is swallowed
+        EscapeRest,   ///< after ESC and an intermediate character: the rest is ignored
         Sequence,     ///< after ESC [
-        IgnoredRest,  ///< of a sequence that is not understood
-        Text,         ///< a text for the terminal itself, such as a window title
+        IgnoredRest,  ///< of an unknown sequence
+        Text,         ///< a string for the terminal itself, such as a window title
     };
 
     void Take(unsigned char byte);
@@ -52,14 +52,14 @@ private:
     void SetLook(int code);
     std::size_t SetExtendedColour(std::size_t at);
 
-    /// A parameter, or `missing` where there is none or 0.
+    /// A parameter, or `missing` where it is absent or 0.
     int Parameter(std::size_t at, int missing) const;
 
     TerminalScreen& mScreen;
     State mState = State::Ground;
     std::array<int, 16> mParameters{};
-    std::size_t mParameterCount = 0;  // those begun; further ones are dropped
-    bool mPrivate = false;            // the sequence began with "?"
+    std::size_t mParameterCount = 0;  // those begun; excess ones are dropped
+    bool mPrivate = false;            // the sequence starts with "?"
     std::size_t mTextLength = 0;
     std::uint64_t mBells = 0;
 };

@@ -49,14 +49,14 @@ TerminalScreen::StoredLine& TerminalScreen::Row(int row) {
     return At(mCount - Index(mRows) + Index(row));
 }
 
-/// A blank line at the end of the text. Once all are in use the oldest gives its memory for it.
+/// Appends a blank line. At full capacity the oldest line's memory is reused for it.
 void TerminalScreen::AddLine() {
     if (mCount == mCapacity) {
         mStart = mStart + 1 == mCapacity ? 0 : mStart + 1;
         --mCount;
         ++mFirstLine;
     }
-    // Places fill up from the first, so a place that is not there yet is the next one.
+    // The ring fills from the front, so a missing element is always the next one.
     if (mStart + mCount == mRing.size() && mRing.size() < mCapacity) mRing.emplace_back();
     ++mCount;
     StoredLine& line = At(mCount - 1);
@@ -88,7 +88,7 @@ void TerminalScreen::Resize(int columns, int rows) {
     if (columns == mColumns && rows == mRows) return;
     mColumns = columns;
     if (rows < mRows) DropBlankLines(mRows - rows);
-    // A lower screen gives its upper rows to the history, a higher one takes them back.
+    // Fewer rows move the upper ones into the history; more rows take them back.
     const int history = static_cast<int>(mCount) - mRows;
     const int shift = std::clamp(rows - mRows, rows - mRows < 0 ? rows - mRows : 0, history);
     mRows += shift;
@@ -103,7 +103,7 @@ void TerminalScreen::Resize(int columns, int rows) {
     mAllDirty = true;
 }
 
-// --- what is to be drawn ---------------------------------------------------------------------
+// --- dirty rows ------------------------------------------------------------------------------
 
 bool TerminalScreen::Dirty(int row) const {
     if (row < 0 || row >= mRows) return false;
@@ -130,7 +130,7 @@ void TerminalScreen::Print(std::string_view characters) {
         characters.remove_prefix(part.size());
         if (part.size() < room) return;
         mWrapPending = true;
-        // Without the wrap each further character takes the last column from the one before.
+        // Without auto-wrap each further character overwrites the last column.
         if (!modes.autoWrap && characters.size() > 1)
             characters.remove_prefix(characters.size() - 1);
     }
@@ -143,7 +143,7 @@ void TerminalScreen::WrapIfPending() {
     LineFeed();
 }
 
-/// Writes what fits into the cursor's row and moves the cursor behind it, or onto the last column.
+/// Writes what fits into the cursor's row; moves the cursor past it, or to the last column.
 void TerminalScreen::Put(std::string_view characters) {
     if (modes.insert) InsertCharacters(static_cast<int>(characters.size()));
     std::vector<Cell>& cells = Row(mCursor.row).cells;
@@ -245,7 +245,7 @@ void TerminalScreen::SetTabStop() {
 
 // --- erasing and moving ----------------------------------------------------------------------
 
-/// Blanks the columns `from` up to but not including `to` of a row. Blank ends are not stored.
+/// Blanks the columns `from` to `to` (exclusive) of a row. Trailing blanks are not stored.
 void TerminalScreen::Blank(int row, int from, int to) {
     std::vector<Cell>& cells = Row(row).cells;
     if (Index(to) >= cells.size())
@@ -365,7 +365,7 @@ void TerminalScreen::ScrollRegion(int top, int bottom) {
 }
 
 void TerminalScreen::Reset() {
-    const bool returnFeeds = modes.returnFeeds;  // the host's wish, not the line's
+    const bool returnFeeds = modes.returnFeeds;  // set by the host, not by the line
     modes = {.returnFeeds = returnFeeds};
     pen = {};
     mSaved = {};

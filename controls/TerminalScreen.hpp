@@ -1,5 +1,5 @@
-// The terminal's screen and the lines that have left it at the top: characters with their looks,
-// without a window and without a port. What bytes mean is the parser's business.
+// The terminal's screen and its scroll-back history: characters with attributes, without a window
+// and without a port. It does not interpret bytes; the parser does.
 #pragma once
 
 #include <bitset>
@@ -11,11 +11,11 @@
 
 namespace vantor {
 
-/// The colour of whoever draws, instead of one of the sixteen: 0 to 7 black, red, green, yellow,
+/// The default colour of the view, instead of one of the sixteen: 0 to 7 black, red, green, yellow,
 /// blue, magenta, cyan, white; 8 to 15 the bright ones in the same order.
 inline constexpr std::uint8_t kDefaultColour = 16;
 
-/// Looks of a cell beside its colours; a cell's `flags` hold any of them.
+/// Attributes of a cell besides its colours; combined in a cell's `flags`.
 enum CellFlag : std::uint8_t {
     kBold = 1,
     kUnderlined = 2,
@@ -24,7 +24,7 @@ enum CellFlag : std::uint8_t {
     kConcealed = 16,
 };
 
-/// One character, of the system's 8-bit code page.
+/// One character of the ANSI code page.
 struct Cell {
     char character = ' ';
     std::uint8_t foreground = kDefaultColour;
@@ -34,8 +34,8 @@ struct Cell {
     friend bool operator==(const Cell&, const Cell&) = default;
 };
 
-/// A place in the text. Lines are counted from the first that the screen ever held and keep
-/// their number while the text moves up, until they drop out at the far end.
+/// A position in the text. Lines are numbered from the first one that the screen ever held and keep
+/// their number while the text scrolls, until they drop out of the history.
 struct TextPosition {
     std::int64_t line = 0;
     int column = 0;
@@ -52,21 +52,21 @@ struct ScreenCursor {
     friend bool operator==(const ScreenCursor&, const ScreenCursor&) = default;
 };
 
-/// Directions and extents of erasing, with the numbers that the sequences use.
+/// Extents of erasing, with the numbers used in the sequences.
 enum class Erase : std::uint8_t { ToEnd = 0, ToStart = 1, All = 2 };
 
-/// The screen's modes, which sequences and the control switch.
+/// Screen modes, set by sequences and by the control.
 struct ScreenModes {
     bool autoWrap = true;          ///< a character beyond the last column goes to the next row
-    bool insert = false;           ///< characters push the rest of their row to the right
-    bool originMode = false;       ///< rows are counted from the top of the scroll region
-    bool lineFeedReturns = false;  ///< LF goes to the first column too
-    bool returnFeeds = false;      ///< CR goes to the next row too
+    bool insert = false;           ///< characters shift the rest of their row to the right
+    bool originMode = false;       ///< rows count from the top of the scroll region
+    bool lineFeedReturns = false;  ///< LF also moves to the first column
+    bool returnFeeds = false;      ///< CR also moves to the next row
     bool cursorVisible = true;
 };
 
-/// Rows and columns count from 0. Every operation takes any numbers and clamps them; nothing
-/// fails. Memory is bounded by the history and by the largest screen.
+/// Rows and columns count from 0. Every operation clamps out-of-range numbers; nothing fails.
+/// Memory is bounded by the history and by the largest screen.
 class TerminalScreen {
 public:
     static constexpr int kMostColumns = 512;
@@ -78,26 +78,26 @@ public:
 
     int Columns() const { return mColumns; }
     int Rows() const { return mRows; }
-    /// Text is never broken anew: what a narrower screen cuts off is there again on a wider one.
+    /// Text is not rewrapped: what a narrower screen cuts off reappears on a wider one.
     void Resize(int columns, int rows);
 
-    // The text. Lines from FirstLine up to but not including EndLine exist; the last Rows of them,
+    // The text. Lines from FirstLine to EndLine (exclusive) exist; the last Rows of them,
     // from TopLine on, are the screen.
     std::int64_t FirstLine() const { return mFirstLine; }
     std::int64_t TopLine() const { return EndLine() - mRows; }
     std::int64_t EndLine() const { return mFirstLine + static_cast<std::int64_t>(mCount); }
-    /// The cells of a line up to the last that was written; blank beyond. May be longer than the
-    /// screen is wide. Empty for a line that does not exist. Valid until the next change.
+    /// The cells of a line up to the last one written; blank beyond. May be longer than the screen
+    /// width. Empty for a line that does not exist. Valid until the next change.
     std::span<const Cell> Line(std::int64_t line) const;
-    /// True when the text of `line` goes on in the next one without a line end between them.
+    /// True when the text of `line` continues in the next one without a line end.
     bool Continues(std::int64_t line) const;
 
     ScreenCursor Cursor() const { return mCursor; }
 
-    // What a drawn side has to draw again. The rows of the cursor, before and after, count.
+    // Rows to repaint. They include the rows of the cursor, before and after.
     bool Dirty(int row) const;
     bool AnyDirty() const { return mAllDirty || mDirty.any(); }
-    /// All that is on the screen has been drawn.
+    /// Marks everything as painted.
     void Clean();
 
     // --- operations of the parser -----------------------------------------------------------
@@ -105,18 +105,18 @@ public:
     /// Writes characters at the cursor.
     void Print(std::string_view characters);
     void CarriageReturn();
-    /// Down a row; at the region's bottom the region moves up, from the top of the screen into
-    /// the history.
+    /// Moves down a row. At the bottom of the region the region scrolls; rows that leave the top of
+    /// the screen go to the history.
     void LineFeed();
     void ReverseLineFeed();
     void Backspace();
     void Tab();
-    /// Moves all that is on the screen into the history and the cursor to the first place: a
-    /// cleared page stays readable further up.
+    /// Moves the whole screen into the history and the cursor to the first position:
+    /// a cleared page remains readable in the history.
     void NewPage();
     void ShowCursor(bool visible);
 
-    void MoveTo(int row, int column);  ///< rows as the origin mode counts them
+    void MoveTo(int row, int column);  ///< rows as counted by the origin mode
     void MoveToColumn(int column) { PlaceCursor(mCursor.row, column); }
     void MoveBy(int rows, int columns);  ///< stops at the edges of the region, or of the screen
     void SaveCursor();
@@ -133,7 +133,7 @@ public:
     void DeleteLines(int count);
     void ScrollUp(int count);
     void ScrollDown(int count);
-    /// Rows `top` to `bottom`, both included; a region of less than two rows is no region.
+    /// Rows `top` to `bottom` (inclusive); a region of fewer than two rows is ignored.
     void ScrollRegion(int top, int bottom);
 
     void SetTabStop();
@@ -141,9 +141,9 @@ public:
     void ClearAllTabStops() { mTabStops.reset(); }
 
     ScreenModes modes;
-    Cell pen;  ///< colours and flags of what is written; its character is not used
+    Cell pen;  ///< colours and flags of written characters; its character is not used
 
-    /// All as at the start, what is on the screen kept in the history.
+    /// Restores the initial state; the contents of the screen stay in the history.
     void Reset();
 
 private:
@@ -167,7 +167,7 @@ private:
     void Put(std::string_view characters);
     void WrapIfPending();
     void PlaceCursor(int row, int column);
-    /// Moves the rows from `top` to the region's bottom by `count`, up when positive.
+    /// Moves the rows from `top` to the bottom of the region by `count`, up when positive.
     void MoveRows(int top, int count);
     /// Moves the rows `first` to `last` up by `count`; those at the top come in again at the
     /// bottom.
@@ -182,7 +182,7 @@ private:
     int mColumns;
     int mRows;
     std::size_t mCapacity;
-    std::vector<StoredLine> mRing;  // lines that fall out at one end are used again at the other
+    std::vector<StoredLine> mRing;  // lines dropped at one end are reused at the other
     std::size_t mStart = 0;
     std::size_t mCount = 0;
     std::int64_t mFirstLine = 0;

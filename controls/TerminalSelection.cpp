@@ -33,7 +33,7 @@ std::string TerminalSelection::TextFrom(std::int64_t first) const {
     std::string text;
     first = std::max({first, mFrom.line, mScreen.FirstLine()});
     const std::int64_t last = std::min(mTo.line, mScreen.EndLine() - 1);
-    std::size_t lineStart = 0;  // of the line that `text` ends with
+    std::size_t lineStart = 0;  // of the last line in `text`
     for (std::int64_t line = first; line <= last; ++line) {
         const int from = line == mFrom.line ? mFrom.column : 0;
         const int to = line == mTo.line ? mTo.column : TerminalScreen::kMostColumns;

@@ -1,4 +1,4 @@
-// The part of a terminal's text that the user has marked.
+// The selected part of a terminal's text.
 #pragma once
 
 #include <cstdint>
@@ -8,14 +8,14 @@
 
 namespace vantor {
 
-/// A stretch of text from one position up to but not including another. It stays with its text
-/// while that moves up, and shrinks with what drops out of the history.
+/// A range of text, its end exclusive. It follows its text while that scrolls, and shrinks when
+/// text drops out of the history.
 class TerminalSelection {
 public:
     /// `screen` outlives the selection.
     explicit TerminalSelection(const TerminalScreen& screen) : mScreen(screen) {}
 
-    /// Marks what lies between the two, in whichever order they come.
+    /// Selects the text between the two positions, in either order.
     void Set(TextPosition anchor, TextPosition end);
     /// All of the text, without the blank lines below it; nothing where there is none.
     void SetAll();

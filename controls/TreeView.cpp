@@ -31,7 +31,7 @@ void TreeView::Clear() {
     Changed(Property::Value);
 }
 
-// A parent is added before what lies under it, so the way up ends.
+// A parent is added before its children, so this loop terminates.
 bool TreeView::LiesUnder(int node, int ancestor) const {
     while (node >= 0) {
         node = NodeIndex(At(node).parent);

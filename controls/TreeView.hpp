@@ -1,4 +1,4 @@
-// A tree of nodes, which the user opens, closes and selects.
+// A tree of nodes that the user expands, collapses and selects.
 #pragma once
 
 #include <cstddef>
@@ -12,15 +12,15 @@
 namespace vantor {
 
 struct TreeNode {
-    std::string key;     ///< names the node; may be empty
-    std::string parent;  ///< key of the node that it lies under, empty for none
+    std::string key;     ///< identifies the node; may be empty
+    std::string parent;  ///< key of the parent node, empty for none
     std::string text;
     bool bold = false;
-    bool expanded = false;  ///< the nodes under it show
+    bool expanded = false;  ///< its child nodes are visible
 };
 
-/// The nodes count from 0, in the order in which they were added. Of a node that there is not,
-/// every operation raises RuntimeError 9. `Property::Value` tells of every change.
+/// Nodes count from 0, in the order in which they were added. Every operation on a missing node
+/// raises RuntimeError 9. `Property::Value` reports every change.
 class TreeView : public Control {
 public:
     TreeView(Form& parent, std::string name, int index = -1)
@@ -32,7 +32,7 @@ public:
     const std::vector<TreeNode>& Nodes() const { return mNodes; }
     /// The node with this key; -1 when there is none.
     int NodeIndex(const std::string& key) const;
-    /// Raises 457 when another node has the same key, 9 when there is no such parent.
+    /// Raises 457 when the key is already used, 9 when there is no such parent.
     void Add(TreeNode node);
     void Clear();
 
@@ -42,7 +42,7 @@ public:
 
     /// -1 for none.
     int Selected() const { return mSelected; }
-    /// Selects a node and opens all that it lies under. No event follows.
+    /// Selects a node and expands its ancestors. Raises no event.
     void Select(int node);
 
     /// For peers, after a change that the user has made: raises NodeClick when another node than

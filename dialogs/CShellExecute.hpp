@@ -1,4 +1,4 @@
-// Opens documents, folders, programs and addresses with what the system has registered for them.
+// Opens documents, folders, programs and URLs with their registered programs.
 #pragma once
 
 #include <cstdint>
@@ -8,14 +8,13 @@
 
 namespace vantor {
 
-/// Every launch returns -1 when the shell took it, else the shell's own code, below 33 (see
-/// Shell). Failures to launch are not raised; `show` is one of the system's SW_... codes, 1 a
-/// normal, activated window.
+/// Every launch returns -1 on success, else the shell's code, below 33 (see Shell). Launch failures
+/// are not raised. `show` is one of the SW_... codes; 1 is a normal, activated window.
 class CShellExecute {
 public:
     /// `shell` must outlive this object.
     explicit CShellExecute(Shell& shell) : mShell(shell) {}
-    /// Lets go of a started process, which goes on.
+    /// Closes the handle of a started process, which keeps running.
     ~CShellExecute() { mShell.Release(mProcess); }
     CShellExecute(const CShellExecute&) = delete;
     CShellExecute& operator=(const CShellExecute&) = delete;
@@ -34,7 +33,7 @@ public:
                                const std::string& parameters, const std::string& folder,
                                std::int32_t show = 1);
 
-    /// True while the process runs that the last LaunchDocument or LaunchProgram started.
+    /// True while the process started by the last LaunchDocument or LaunchProgram runs.
     bool StillExecuting() const;
 
 private:

@@ -12,7 +12,7 @@ std::string CVersionInfo::FileVersion(const std::string& path) {
     const std::string unknown = mStrings.LoadResString(320);
     if (!ReadBlock(path)) return unknown;
     std::string version = TrimNulls(GetInfoBlock("ProductVersion"));
-    // Read but never reported: what counts is the file's own version, even when it has none.
+    // Read but not used: the file version is the result, even when it is empty.
     version = TrimNulls(GetInfoBlock("FileVersion"));
     version = TrimBlanks(version);
     return version.empty() ? unknown : version;

@@ -16,14 +16,14 @@ public:
     CVersionInfo(const FileVersions& versions, const StringTable& strings)
         : mVersions(versions), mStrings(strings) {}
 
-    /// The `FileVersion` text of `path` without blanks around it; the string "Unknown" when the
-    /// file is missing or says nothing of its version.
+    /// The `FileVersion` text of `path`, trimmed; the string "Unknown" when the file
+    /// is missing or has no version.
     std::string FileVersion(const std::string& path);
 
-    /// The version string `name` in the block read last; empty when it is not there.
+    /// The version string `name` in the block read last; empty when not found.
     std::string GetInfoBlock(const std::string& name) const;
 
-    /// `text` up to its first zero character.
+    /// `text` up to its first NUL.
     static std::string TrimNulls(std::string_view text);
 
 private:

@@ -24,8 +24,8 @@ void frmAbout::Form_Load() {
         lblVersion.Caption(mStrings.LoadResString(401) + " " + std::to_string(app.major) + "." +
                            TwoDigits(app.minor) + "." + std::to_string(app.revision));
         lblRelease.Caption("");
-        // "Acerca de..." and "About..." without the menu's dots and accelerator would need a
-        // text of their own; the program's name serves both languages.
+        // "Acerca de..." and "About..." without the dots and the accelerator of the menu would need
+        // another text; the program's name serves both languages.
         Caption(app.title);
     });
 }

@@ -33,7 +33,7 @@ void frmStatus::Height(float twips) {
     vantor::Place place = Place();
     place.height = twips;
     Place(place);
-    // Out of view is out of reach: a hidden button takes neither Tab nor Enter.
+    // A button below the visible area must also be hidden, or Tab and Enter would reach it.
     cmdOK.Visible(twips == kTallHeight);
 }
 

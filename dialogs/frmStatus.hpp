@@ -1,4 +1,4 @@
-// The status window: a message that shows while a long operation runs, with or without OK.
+// The status window: a message during a long operation, with or without OK.
 #pragma once
 
 #include <string>
@@ -14,14 +14,14 @@ class frmStatus : public Form {
 public:
     frmStatus(Desktop& desktop, const StringTable& strings);
 
-    /// Outer heights in twips: the message alone, and with the OK button in view.
+    /// Outer heights in twips: the message only, and with the OK button visible.
     static constexpr float kShortHeight = 1100;
     static constexpr float kTallHeight = 1800;
 
-    /// Sets the message and draws it at once, even while the caller keeps the message loop busy.
+    /// Sets the message and draws it at once, even while the caller blocks the message loop.
     void Message(const std::string& text);
 
-    /// True gives the window its tall size, with the OK button; false the short one.
+    /// True sets the tall size, with the OK button; false the short one.
     void DisplayOK(bool display);
 
     vantor::Image Image1{*this, "Image1"};

@@ -26,7 +26,7 @@ void ImageLines::Split() {
         const std::size_t lastIndex = kFirstSize - 1 + mSteps.size() * kStep;
         if (mCount == lastIndex) mSteps.push_back(std::make_unique<std::string_view[]>(kStep));
     }
-    // An empty file is one empty line, not none.
+    // An empty file is one empty line, not zero lines.
     if (mCount == 0) mCount = 1;
 }
 

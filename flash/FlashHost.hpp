@@ -1,5 +1,5 @@
-// What a flash session sees of the window that hosts it: a few controls, three flags, and the
-// commands that belong to the window. The session knows no window class.
+// The interface of a flash session to its window: a few controls, three flags, and the commands of
+// the window. The session knows no window class.
 #pragma once
 
 #include <cstdint>
@@ -9,14 +9,14 @@
 
 namespace vantor {
 
-/// The only channel from the window's handlers into the running session.
+/// The only channel from the window's handlers to the running session.
 struct FlashFlags {
     bool mblnFlashing = false;        ///< a session is in progress
     bool mblnAbortFlash = false;      ///< the user pressed the abort button
     bool mblnCloseRequested = false;  ///< the user tried to close the window meanwhile
 };
 
-/// The panels of the main window, of which one shows at a time.
+/// The panels of the main window, of which one is visible.
 enum class MainPanel : std::uint8_t { Startup, Update, Flash };
 
 /// The controls that the session drives.
@@ -34,7 +34,7 @@ class FlashHost {
 public:
     virtual ~FlashHost() = default;
 
-    /// The window itself: it owns the boxes, and when it has gone every wait ends.
+    /// The window itself: owner of the boxes; when it is gone, every wait ends.
     virtual Form& Window() = 0;
     virtual FlashControls SessionControls() = 0;
     virtual FlashFlags& Flags() = 0;

@@ -24,8 +24,8 @@ constexpr const char* kWritingFlash =
     "Writing firmware update to flash memory. This can take a few minutes. Do not disconnect "
     "power from the indicator during this update.";
 
-/// From this many lines before the last one on, a session cannot be aborted any more: the
-/// indicator may already be writing.
+/// From this many lines before the last one, a session cannot be aborted any more:
+/// the indicator may already be writing.
 constexpr std::int32_t kLinesBeyondAbort = 10;
 constexpr int kMostSends = 4;
 
@@ -75,12 +75,12 @@ void FlashSession::doFlash() {
         FlashIndicator(dialog.FileName);
         while (mFlags.mblnFlashing && !mHost.Window().Gone()) {
             DoEventsNice(mPlatform.pump);
-            // No line of the image was accepted, so nothing will ever end this wait but the user.
+            // No line of the image was accepted, so only the user can end this wait.
             if (mOutcome == FlashOutcome::NothingAccepted && mFlags.mblnCloseRequested)
                 mFlags.mblnFlashing = false;
         }
     };
-    // Whatever happened, the port is closed and the window is usable again.
+    // In every case close the port and make the window usable again.
     const auto restore = [this] {
         mPlatform.peers.HoldSystem({});
         mControls.mobjComm.ClosePort();
@@ -149,7 +149,7 @@ bool FlashSession::OpenLine(CHourglass& hourglass) {
 }
 
 bool FlashSession::Handshake(CHourglass& hourglass) {
-    // The blanks wake the monitor; nothing answers them.
+    // The blanks wake the monitor; it does not reply to them.
     for (int i = 0; i < 2; ++i) Ignoring([this] { mLink.RawSend(" \r"); });
     if (Command("TRAV") != SendResult::SendOK) {
         hourglass.Value(false);
@@ -199,7 +199,7 @@ bool FlashSession::Stream(const std::string& fileName, const CMMTimer& stopwatch
                 return false;
             }
         }
-        // Lets the abort button and a close request through.
+        // Lets the abort button and close requests through.
         mPlatform.pump.PumpPending();
     }
     if (!mLastAccepted) mOutcome = FlashOutcome::NothingAccepted;
@@ -217,7 +217,7 @@ FlashSession::Line FlashSession::SendLine(std::string_view line) {
     if (result == SendResult::SendOK)
         mLastAccepted = true;
     else
-        // A verdict in answer to a line is not one: the verdict is taken in the final phase.
+        // A verdict in reply to a line is ignored: the verdict belongs to the final phase.
         mPlatform.boxes.Beep();
     return Line::Sent;
 }
@@ -234,8 +234,8 @@ void FlashSession::ShowProgress(std::int32_t index, std::int32_t last, const CMM
     mControls.lblWarning.Caption(index == last ? kWritingFlash : "");
 }
 
-// An image of one line has 0 as its last index: the division is reported, and the session goes
-// on with what `percent` held.
+// An image of one line has last index 0: the division by zero is reported, and the session
+// continues with the old `percent`.
 void FlashSession::ScalePercentLong(std::int32_t value, std::int32_t total, std::int16_t& percent) {
     Trapped("frmMain.ScalePercentLong", [&] {
         const std::int32_t scaled = CheckedMultiply(value, 100);
@@ -338,7 +338,7 @@ void FlashSession::ClearProgress() {
 
 // ------------------------------------------------------------------------------------------
 
-// A window that has gone takes its messages with it.
+// A window that is gone shows no more messages.
 void FlashSession::Say(BoxIcon icon, const std::string& text, const std::string& title) {
     const Form& window = mHost.Window();
     if (window.Gone()) return;

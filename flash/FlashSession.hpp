@@ -1,5 +1,5 @@
-// One firmware update from the choice of the image to the indicator's verdict: the dialogue with
-// the boot monitor, the stream of lines, and the supervision of the final phase.
+// One firmware update, from the selection of the image to the indicator's verdict: the protocol
+// with the boot monitor, the streaming of lines, and the supervision of the final phase.
 #pragma once
 
 #include <cstdint>
@@ -21,14 +21,14 @@ class frmStatus;
 
 /// How the last session ended, or what it waits for.
 enum class FlashOutcome : std::uint8_t {
-    None,      ///< no session yet, or it has not reached an end
+    None,      ///< no session yet, or not ended yet
     Declined,  ///< the warning was not answered Yes
     PortNotOpen,
     NotInBootMonitor,
     SystemLoadRefused,
     LineRefused,  ///< a line failed four times
     Aborted,
-    NothingAccepted,  ///< the image is through, and no line of it was answered OK: it waits
+    NothingAccepted,  ///< all lines sent, none answered OK: still waiting
     AwaitingVerdict,
     Done,
     VerifyFailed,
@@ -37,21 +37,21 @@ enum class FlashOutcome : std::uint8_t {
 
 class FlashSession {
 public:
-    /// Whole allowance for writing flash memory and reporting the verdict.
+    /// Time limit for writing flash memory and reporting the verdict.
     static constexpr std::uint32_t kVerdictTimeoutMs = 60000;
 
-    /// Takes the host's events (abort button, timer, receive event). All outlive the session.
+    /// Handles the host's events (abort button, timer, receive event). All outlive the session.
     FlashSession(FlashHost& host, const CAppSettings& settings, Platform& platform);
     ~FlashSession();
     FlashSession(const FlashSession&) = delete;
     FlashSession& operator=(const FlashSession&) = delete;
 
-    /// Lets the user choose an image and runs a session with it, pumping messages until it is
-    /// over; then closes the port, and the window too when that was asked for meanwhile.
+    /// Lets the user select an image and runs a session with it, pumping messages until it ends;
+    /// then closes the port, and the window too if that was requested meanwhile.
     void doFlash();
 
     /// The streaming phase. On return the session has ended (mblnFlashing false), or the final
-    /// phase is armed and its events will end it. A file that does not exist ends it silently.
+    /// phase is armed and ends by its events. A missing file ends the session silently.
     void FlashIndicator(const std::string& fileName);
 
     FlashOutcome Outcome() const { return mOutcome; }
@@ -92,7 +92,7 @@ private:
     FlashOutcome mOutcome = FlashOutcome::None;
     bool mLastAccepted = false;
     std::shared_ptr<frmStatus> mStatus;
-    std::string mstrReply;  // text of the final phase, piece by piece
+    std::string mstrReply;  // text of the final phase, received in pieces
 };
 
 }  // namespace vantor

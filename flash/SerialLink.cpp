@@ -35,8 +35,8 @@ SerialLink::SerialLink(FlashHost& host, const CAppSettings& settings, Clock& clo
 
 void SerialLink::SetupCommPortFlash() {
     Trapped("frmMain.SetupCommPortFlash", [this] {
-        // The control is raw, without echo and flow control, whenever it is open; what a
-        // session can have left behind is its interest in receive events.
+        // The control is always raw, without echo and flow control, while it is open;
+        // the only state left by an earlier session can be its receive threshold.
         mComm.ReceiveThreshold(0);
         mComm.Port(mSettings.CommPort());
         mComm.Settings(SettingsAt(mSettings.BaudRate()));
@@ -93,8 +93,8 @@ SendResult SerialLink::AwaitReply(std::int32_t start) {
         }
         if (late || EndWanted() || !mComm.PortOpen()) return SendResult::SendFailed;
         DoEventsNice(mPump);
-        // A held menu may have paused the pump past the limit: what arrived meanwhile is looked
-        // at once more before the time counts.
+        // A menu held open may have blocked the pump past the limit: what arrived meanwhile
+        // is checked once more before the time-out applies.
         late = mClock.Ticks() > limit;
     }
 }

@@ -1,5 +1,5 @@
-// Talking to the indicator's boot monitor: configuring the line, sending one command or image
-// line, and collecting the reply to it.
+// The protocol of the indicator's boot monitor: configures the line, sends one command or image
+// line, and collects the reply to it.
 #pragma once
 
 #include <cstdint>
@@ -22,18 +22,18 @@ enum class SendResult : std::int32_t {
     SendVerifyFailed = 3,  ///< "VERIFY FAILED"
 };
 
-/// What a reply says: the first of "VERIFY FAILED", "DONE", "OK" and "??", in this order, that
-/// stands anywhere in it; none while it holds none of them.
+/// The result of a reply: the first of "VERIFY FAILED", "DONE", "OK" and "??", in this order,
+/// that it contains; empty while it contains none of them.
 std::optional<SendResult> ReplyIn(std::string_view reply);
 
 class SerialLink {
 public:
-    /// How long a reply may take, from before the send.
+    /// Time limit for a reply, counted from before the send.
     static constexpr std::int32_t kReplyTimeoutMs = 20000;
     /// Pause after each character of a paced send.
     static constexpr std::int16_t kPacedDelayMs = 50;
 
-    /// All of these outlive the link.
+    /// All of these must outlive the link.
     SerialLink(FlashHost& host, const CAppSettings& settings, Clock& clock, MessagePump& pump);
 
     /// Prepares the closed control from the settings: port, line, no receive events.
@@ -43,11 +43,11 @@ public:
     std::string SettingsAt(std::string_view speed) const;
 
     /// Writes `text` at once when the port is open, and does nothing when it is not.
-    /// Errors go on with the source "Morvane.frmMain.RawSend".
+    /// Errors are raised with the source "Morvane.frmMain.RawSend".
     void RawSend(std::string_view text);
 
-    /// Writes `text` byte by byte with a pause after each, without asking whether the port is
-    /// open. Errors go on with the source "Morvane.frmMain.DelayedSend".
+    /// Writes `text` byte by byte with a pause after each, without checking whether the port
+    /// is open. Errors are raised with the source "Morvane.frmMain.DelayedSend".
     void DelayedSend(std::string_view text);
 
     /// Sends `text` and waits for the reply, pumping messages. `text` is changed in place: a
@@ -56,10 +56,10 @@ public:
     /// wrong. The input buffer is empty afterwards.
     void SendData(std::string& text, bool paced, SendResult& result);
 
-    /// True when the user wants the session to end, or its window has gone.
+    /// True when the user wants the session to end, or its window is gone.
     bool EndWanted() const;
 
-    /// Waits, pumping messages; ends at once when the window has gone.
+    /// Waits, pumping messages; ends at once when the window is gone.
     void Wait(std::int16_t ms);
 
 private:

@@ -52,7 +52,7 @@ frmMonitor::frmMonitor(Desktop& desktop, Platform& platform, MonitorOwner& owner
     mnuCommClose.Click.Handle([this] { mnuCommClose_Click(); });
     mnuCaptureStart.Click.Handle([this] { mnuCaptureStart_Click(); });
     mnuCaptureEnd.Click.Handle([this] { mnuCaptureEnd_Click(); });
-    // A second file can be sent while the first still is.
+    // A second file can be sent during the transmission of the first.
     mnuCaptureSend.Click.Handle([this] { mnuCaptureSend_Click(); }, Nesting::Allowed);
 }
 
@@ -60,7 +60,7 @@ std::string frmMonitor::Text(std::int32_t id) const {
     return mPlatform.strings.LoadResString(id);
 }
 
-// --- life ------------------------------------------------------------------------------------
+// --- lifetime --------------------------------------------------------------------------------
 
 void frmMonitor::Form_Load() {
     Trapped("frmMonitor.Form_Load", [this] {
@@ -118,7 +118,7 @@ void frmMonitor::Initialize(const CAppSettings& settings) {
 }
 
 void frmMonitor::Form_Resize() {
-    // Too small a window has no room for the terminal: what it looked like stays.
+    // When the window is too small for the terminal, its old size is kept.
     Ignoring([this] {
         const Size& inner = InnerSize();
         comMonitor.Move({0, 0, inner.width, inner.height - sbStatusBar.Place().height});
@@ -141,7 +141,7 @@ void frmMonitor::Form_Unload() {
     });
 }
 
-/// Before this window: the system takes the windows that it owns along with it.
+/// Called before this window closes: Windows destroys owned windows with their owner.
 void frmMonitor::UnloadProgress() {
     const std::vector<std::shared_ptr<frmSend>> shown = mProgress;
     for (const std::shared_ptr<frmSend>& progress : shown) progress->Unload();
@@ -167,7 +167,7 @@ void frmMonitor::UpdateSettings() {
             [this] { sbStatusBar.PanelText("settings", comMonitor.Settings()); });
 }
 
-// --- menus and the terminal's own commands ---------------------------------------------------
+// --- menus and commands of the terminal ------------------------------------------------------
 
 void frmMonitor::comMonitor_Command(TerminalCommand command, bool& handled) {
     Trapped("frmMonitor.comMonitor_Command", [&] {
@@ -188,11 +188,11 @@ void frmMonitor::comMonitor_Command(TerminalCommand command, bool& handled) {
                 if (Gone()) return;
                 UpdatePort();
                 UpdateSettings();
-                // The dialog opens an open port anew, which may have failed.
+                // The dialog reopens an open port, which may have failed.
                 UpdateStatus();
                 break;
             default:
-                break;  // the terminal's own affair
+                break;  // handled by the terminal
         }
     });
 }
@@ -244,7 +244,7 @@ void frmMonitor::mnuFileExit_Click() {
 
 // --- capture ---------------------------------------------------------------------------------
 
-/// The file that the user confirms; empty on cancel, and when the window was closed meanwhile.
+/// The file confirmed by the user; empty on cancel, and when the window was closed meanwhile.
 std::string frmMonitor::AskForFile(std::int32_t title, bool openDialog) {
     CFileDialog dialog(mPlatform.dialogs);
     dialog.DialogTitle = Text(title);

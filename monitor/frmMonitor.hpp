@@ -1,4 +1,4 @@
-// Monitor mode: a terminal on the indicator's port, for talking to it by hand.
+// Monitor mode: a terminal on the indicator's port, for manual commands.
 #pragma once
 
 #include <cstdint>
@@ -22,9 +22,9 @@ class frmSend;
 class MonitorOwner {
 public:
     virtual ~MonitorOwner() = default;
-    /// The user has asked the main window to close, and it has not closed yet.
+    /// The user has asked the main window to close, and it is still open.
     virtual bool CloseIsWaiting() const = 0;
-    /// Goes on with that close.
+    /// Resumes that close.
     virtual void ResumeClose() = 0;
     /// An indicator is being updated.
     virtual bool FlashIsRunning() const = 0;
@@ -32,14 +32,14 @@ public:
 
 class frmMonitor : public Form {
 public:
-    /// `owner` outlives the loaded window.
+    /// `owner` must outlive the loaded window.
     frmMonitor(Desktop& desktop, Platform& platform, MonitorOwner& owner);
 
-    /// Takes the port and the line from `settings`, which outlive the window. The port stays
-    /// closed. Called after loading and before showing.
+    /// Takes the port and the line parameters from `settings`, which must outlive the window.
+    /// Does not open the port. Called after loading and before showing.
     void Initialize(const CAppSettings& settings);
 
-    /// Each shows one thing of the terminal in the status bar.
+    /// Each updates one panel of the status bar from the terminal.
     void UpdateStatus();
     void UpdatePort();
     void UpdateSettings();
@@ -96,8 +96,8 @@ private:
     MonitorOwner& mOwner;
     CFormPos mobjFormPos;
     const CAppSettings* mobjSettings = nullptr;
-    std::vector<std::shared_ptr<frmSend>> mProgress;  // of the transmissions that run
-    bool mblnPortOpen = false;                        // as the status bar shows it
+    std::vector<std::shared_ptr<frmSend>> mProgress;  // of the running transmissions
+    bool mblnPortOpen = false;                        // as shown in the status bar
 };
 
 }  // namespace vantor

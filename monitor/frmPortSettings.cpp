@@ -15,7 +15,7 @@ namespace {
 
 constexpr const char* kParityLetters = "NOE";  // in the order of the list, and of Parity
 
-/// Lists `items`, and `chosen` as the last of them when it is none of them, and chooses it.
+/// Lists `items` and selects `chosen`, appended to the list when it is missing.
 void Fill(ComboBox& combo, std::vector<std::string> items, const std::string& chosen) {
     if (std::ranges::find(items, chosen) == items.end()) items.push_back(chosen);
     combo.Items(std::move(items));

@@ -1,4 +1,4 @@
-// The terminal's dialog for its port and line parameters.
+// The terminal's dialog for port and line parameters.
 #pragma once
 
 #include <array>

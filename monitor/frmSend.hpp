@@ -1,4 +1,4 @@
-// The progress window of a file that is being sent.
+// The progress window of a file transmission.
 #pragma once
 
 #include <array>
@@ -11,17 +11,17 @@ namespace vantor {
 
 class StringTable;
 
-/// Lives for one transmission, which asks it whether the user has cancelled. Closing it by its
-/// title bar cancels too.
+/// Lives for one transmission, which polls it for cancellation. Closing it by
+/// the title bar also cancels.
 class frmSend : public Form {
 public:
     frmSend(Desktop& desktop, const StringTable& strings);
 
-    /// Takes the full name of the file and shows it without its folder.
+    /// Takes the full file name and shows it without its folder.
     void Initialize(const std::string& fileName);
 
     std::string FileName() const;
-    /// Shows `text` at once. Nothing once the window is gone.
+    /// Shows `text` at once. No effect once the window is gone.
     void status(const std::string& text);
     bool Cancelled() const;
 

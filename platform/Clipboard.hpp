@@ -1,23 +1,23 @@
-// The clipboard, as far as texts go.
+// Clipboard access, text only.
 #pragma once
 
 #include <string>
 
 namespace vantor {
 
-/// The text that programs hand each other. Never raises.
+/// Exchanges text with other programs. Never raises.
 class Clipboard {
 public:
     virtual ~Clipboard() = default;
 
-    /// The text in it; empty when it holds none, or something else.
+    /// The clipboard's text; empty when it holds none.
     virtual std::string Text() const = 0;
 
-    /// Replaces its contents by `text`. A clipboard that another program holds stays as it is.
+    /// Replaces the contents with `text`. No effect while another program has the clipboard open.
     virtual void Text(const std::string& text) = 0;
 };
 
-/// A clipboard of this process alone, for systems and tests without one.
+/// A clipboard private to this process, for systems without one and for tests.
 class MemoryClipboard : public Clipboard {
 public:
     std::string Text() const override { return mText; }

@@ -1,4 +1,4 @@
-// Time as the rest of the program sees it: one wrapping millisecond clock and the wall clock.
+// Time sources: one wrapping millisecond clock and the wall clock.
 #pragma once
 
 #include <cstdint>
@@ -19,7 +19,7 @@ struct DateTime {
 /// "2026-11-24 21:18:05", the form that reports use.
 std::string FormatDateTime(const DateTime& time);
 
-/// The process's sources of time. Used from one thread; no operation fails.
+/// The time sources of the process. Used from one thread; no operation fails.
 class Clock {
 public:
     virtual ~Clock() = default;
@@ -27,14 +27,14 @@ public:
     /// Milliseconds since system start, wrapping at 2^32 (Windows: timeGetTime).
     virtual std::uint32_t Milliseconds() const = 0;
 
-    /// Gives up the processor for at least `ms` milliseconds (Windows: Sleep).
+    /// Blocks the thread for at least `ms` milliseconds (Windows: Sleep).
     virtual void Sleep(std::uint32_t ms) = 0;
 
     /// The local date and time of day.
     virtual DateTime Now() const = 0;
 
-    /// The clock value as the 32-bit signed number that intervals are computed with. It turns
-    /// negative 24.8 days after system start; interval arithmetic tests for that overflow.
+    /// The clock as the 32-bit signed number that intervals are computed with. It turns negative
+    /// 24.8 days after system start; interval arithmetic checks for that overflow.
     std::int32_t Ticks() const { return static_cast<std::int32_t>(Milliseconds()); }
 };
 

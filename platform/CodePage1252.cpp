@@ -7,8 +7,8 @@
 namespace vantor {
 namespace {
 
-// Bytes 80 to 9F. The five that the code page leaves undefined stand for the control characters
-// of the same number, as the system has it: scrambled values use every byte and must survive.
+// Bytes 80 to 9F. The five undefined ones map to the control characters of the same number,
+// as on Windows: scrambled values use every byte and must survive the round trip.
 constexpr std::array<char32_t, 32> kUpperControls = {
     0x20AC, 0x0081, 0x201A, 0x0192, 0x201E, 0x2026, 0x2020, 0x2021, 0x02C6, 0x2030, 0x0160,
     0x2039, 0x0152, 0x008D, 0x017D, 0x008F, 0x0090, 0x2018, 0x2019, 0x201C, 0x201D, 0x2022,
@@ -29,7 +29,7 @@ char Byte(char32_t codePoint) {
                : static_cast<char>(0x80 + (found - kUpperControls.begin()));
 }
 
-/// The code point at `at`, which moves behind it; behind one byte when that is no valid UTF-8.
+/// Decodes the code point at `at` and moves `at` past it; past one byte of invalid UTF-8.
 char32_t NextCodePoint(std::string_view utf8, std::size_t& at) {
     const auto byteAt = [utf8](std::size_t i) { return static_cast<unsigned char>(utf8[i]); };
     const unsigned char lead = byteAt(at);
@@ -63,7 +63,7 @@ std::string CodePage1252::FromAnsi(std::string_view ansi) const {
     std::string utf8;
     utf8.reserve(ansi.size());
     for (const char byte : ansi) {
-        // Nothing in the code page lies beyond U+FFFF.
+        // The code page has no character above U+FFFF.
         const char32_t codePoint = CodePoint(static_cast<unsigned char>(byte));
         if (codePoint < 0x80) {
             utf8 += byte;

@@ -1,12 +1,12 @@
-// Code page 1252 in tables of its own, for systems whose 8-bit code page is something else.
-// It knows no other code page and makes no best-fit guesses.
+// Code page 1252 in built-in tables, for systems whose 8-bit code page is a different one.
+// It supports no other code page and no best-fit mapping.
 #pragma once
 
 #include "platform/CodePage.hpp"
 
 namespace vantor {
 
-/// Text that is not valid UTF-8 counts as something the code page lacks, byte by byte.
+/// Each byte of invalid UTF-8 counts as one unmappable character.
 class CodePage1252 : public CodePage {
 public:
     std::string ToAnsi(std::string_view utf8) const override;

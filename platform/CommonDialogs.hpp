@@ -8,17 +8,17 @@
 
 namespace vantor {
 
-/// The common dialog's record, texts in UTF-8. Its lists are those of the system: parts closed
-/// by a NUL, the whole by another.
+/// The fields of OPENFILENAME, strings in UTF-8. Lists have the Win32 format:
+/// each item ends with a NUL, and the list with another.
 struct FileDialogRecord {
     NativeWindow owner = 0;
-    std::uint32_t flags = 0;  ///< OFN_... bits, with the system's values
+    std::uint32_t flags = 0;  ///< OFN_... bits, Win32 values
     std::string title;
     std::string defaultExtension;
     std::string initialFolder;
     std::string filter;            ///< "description NUL pattern NUL ... NUL NUL"
-    std::int32_t filterIndex = 0;  ///< from 1; 0 takes the first
-    std::string file;              ///< buffer, in and out, NUL-filled to `maxFile` characters
+    std::int32_t filterIndex = 0;  ///< from 1; 0 selects the first
+    std::string file;              ///< in/out buffer, NUL-padded to `maxFile` characters
     std::string fileTitle;         ///< likewise: the name without folder
     std::int32_t maxFile = 260;    ///< size of both buffers in characters
 };
@@ -28,11 +28,11 @@ class CommonDialogs {
 public:
     virtual ~CommonDialogs() = default;
 
-    /// GetOpenFileName. True when a file was confirmed; `record.file` and `.fileTitle` then
-    /// hold it. False on cancel and on any error, the record unchanged.
+    /// GetOpenFileName. Returns true when the user confirmed a file, which `record.file` and
+    /// `.fileTitle` then hold; false on cancel and on any error, with the record unchanged.
     virtual bool OpenFile(FileDialogRecord& record) = 0;
 
-    /// GetSaveFileName, likewise.
+    /// GetSaveFileName, with the same contract.
     virtual bool SaveFile(FileDialogRecord& record) = 0;
 };
 

@@ -17,7 +17,7 @@ struct Row {
     std::string_view spanish;
 };
 
-// The closing row keeps a table without texts from being an array of no elements.
+// The closing row avoids a zero-length array when a table has no texts.
 constexpr Row kClosingRow = {std::numeric_limits<std::int32_t>::max(), "-", "-"};
 
 #define STRING(id, english, spanish) Row{id, english, spanish},

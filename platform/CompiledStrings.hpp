@@ -1,5 +1,5 @@
-// The text table compiled into the program, for systems without string resources.
-// It holds the same rows as the resource script and picks the language once, at construction.
+// The string table compiled into the program, for systems without string resources.
+// It holds the same rows as the resource script; the language is fixed at construction.
 #pragma once
 
 #include <cstdint>
@@ -11,8 +11,8 @@ namespace vantor {
 
 enum class Language : std::uint8_t { English, Spanish };
 
-/// The interface language that the values of the environment variables LC_ALL, LC_MESSAGES and
-/// LANG ask for (empty where unset); the first that is set decides.
+/// The interface language for the values of the environment variables LC_ALL, LC_MESSAGES and LANG
+/// (empty where unset). The first non-empty one decides.
 Language LanguageOfLocale(std::string_view lcAll, std::string_view lcMessages,
                           std::string_view lang);
 

@@ -1,5 +1,5 @@
-// Files and folders by path. Paths are UTF-8 and may be written with "\" or "/" between their
-// parts on every system: this service alone knows what a backslash means off Windows.
+// Files and folders by path. Paths are UTF-8; both "\" and "/" separate their parts on every
+// system. Only this service handles backslashes on POSIX.
 #pragma once
 
 #include <cstddef>
@@ -11,32 +11,31 @@
 
 namespace vantor {
 
-/// Which entries `Files::List` leaves in beside plain, visible files.
+/// Entries that `Files::List` returns in addition to regular, visible files.
 struct ListFilter {
-    bool hidden = false;  ///< hidden files too (off Windows: names that begin with a point)
-    bool system = false;  ///< system files too (off Windows there are none)
+    bool hidden = false;  ///< hidden files (POSIX: names that begin with a dot)
+    bool system = false;  ///< system files (POSIX: none)
 };
 
-/// A file being written from its start on; closed when destroyed. What a `Write` has taken can be
-/// read by others at once.
+/// A file being written from its start; closed on destruction. Other readers see what `Write` has
+/// written at once.
 class OutputFile {
 public:
     virtual ~OutputFile() = default;
 
-    /// Adds all of `bytes` at the end. Raises what the operations of `Files` do; how much was
-    /// written by then is not known.
+    /// Appends all of `bytes`. Raises the errors of `Files`; how much was written before
+    /// the error is unknown.
     virtual void Write(std::string_view bytes) = 0;
 };
 
-/// The file system. Used from one thread. Operations raise RuntimeError:
-/// 53 no such file, 76 no such folder on the way, 70 permission denied, 61 disk full,
-/// 75 anything else that the system refuses.
+/// The file system. Used from one thread. Operations raise RuntimeError: 53 no such file,
+/// 76 a folder of the path is missing, 70 permission denied, 61 disk full, 75 any other failure.
 class Files {
 public:
     virtual ~Files() = default;
 
-    /// True when `path` names an existing plain file. Folders, devices and anything that
-    /// cannot be looked at count as false; never raises.
+    /// True when `path` names an existing regular file. False for folders, devices and anything
+    /// inaccessible; never raises.
     virtual bool Exists(const std::string& path) const = 0;
 
     /// True when both paths lead to one existing file, by whatever names or links; never raises.
@@ -53,25 +52,25 @@ public:
     /// The first `most` bytes, or all where there are fewer.
     virtual std::string ReadStart(const std::string& path, std::size_t most) const = 0;
 
-    /// Replaces the file by `bytes`, creating it when missing. Not atomic.
+    /// Replaces the file's contents with `bytes`, creating it when missing. Not atomic.
     virtual void WriteAll(const std::string& path, std::string_view bytes) = 0;
 
-    /// Adds `bytes` at the end, creating the file when missing.
+    /// Appends `bytes`, creating the file when missing.
     virtual void Append(const std::string& path, std::string_view bytes) = 0;
 
-    /// Replaces the file by an empty one, creating it when missing, and keeps it open for writing.
-    /// Others may read it meanwhile. The service must outlive what it returns.
+    /// Creates the file, or truncates it, and keeps it open for writing. Other processes may read
+    /// it meanwhile. The service must outlive the returned object.
     virtual std::unique_ptr<OutputFile> Create(const std::string& path) = 0;
 
-    /// Removes a plain file. Raises 53 when there is none.
+    /// Removes a regular file. Raises 53 when there is none.
     virtual void Delete(const std::string& path) = 0;
 
-    /// Creates the folder `path` and those above it; does nothing when it exists.
+    /// Creates the folder `path` and its missing parents; does nothing when it exists.
     virtual void CreateFolders(const std::string& path) = 0;
 
-    /// Names (no folder part) of the plain files in `folder` whose name matches `pattern`
-    /// ("*.gif"; "*" and "?" as wild cards, letter case ignored), in ascending order.
-    /// A missing folder gives an empty list.
+    /// Names (without folder) of the regular files in `folder` that match `pattern` ("*.gif";
+    /// wildcards "*" and "?", case-insensitive), in ascending order. A missing folder gives
+    /// an empty list.
     virtual std::vector<std::string> List(const std::string& folder, const std::string& pattern,
                                           ListFilter filter) const = 0;
 };

@@ -26,9 +26,9 @@ class MessageBoxes {
 public:
     virtual ~MessageBoxes() = default;
 
-    /// Shows a box and returns the user's answer (MessageBoxW). Modal: events go on being
-    /// delivered meanwhile. A box that cannot be shown counts as answered with the refusing
-    /// button: No, Cancel, or Ok where there is no other.
+    /// Shows a modal box and returns the user's answer (MessageBoxW).
+    /// Events are delivered meanwhile. A box that cannot be shown returns the declining answer:
+    /// No, Cancel, or Ok where there is no other.
     virtual BoxAnswer Show(const MessageBoxRequest& request) = 0;
 
     /// The default system sound (MessageBeep).

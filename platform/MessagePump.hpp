@@ -1,5 +1,5 @@
-// The event loop of the one thread: pending window messages, timers, and whatever the platform
-// has to deliver to controls. Long operations call it between their steps to keep windows alive.
+// The event loop of the single thread: window messages, timers and platform notifications for
+// controls. Long operations pump it between their steps to keep windows responsive.
 #pragma once
 
 #include <cstdint>
@@ -9,8 +9,8 @@ namespace vantor {
 
 using TimerId = std::uint32_t;
 
-/// The event queue of the thread that made it. Callbacks run on that thread, inside the calls
-/// below (on Windows also inside the loops of modal boxes and menus). They must not throw.
+/// The event queue of the thread that created it. Callbacks run on that thread, inside the calls
+/// below (on Windows also inside the modal loops of boxes and menus). They must not throw.
 class MessagePump {
 public:
     virtual ~MessagePump() = default;
@@ -33,11 +33,11 @@ public:
     /// it is remembered: the next `Run` returns at once.
     virtual void Quit() = 0;
 
-    /// Calls `tick` every `intervalMs` milliseconds (at least 1) until stopped. A tick that is
-    /// late is not made up for. Returns the identifier for `StopTimer`, never 0.
+    /// Calls `tick` every `intervalMs` milliseconds (at least 1) until stopped.
+    /// Missed ticks are not caught up. Returns the identifier for `StopTimer`, never 0.
     virtual TimerId StartTimer(std::uint32_t intervalMs, std::function<void()> tick) = 0;
 
-    /// Ends a timer; no tick follows, even one that was already due. Unknown ids are ignored.
+    /// Stops a timer; no tick follows, even one that was already due. Unknown ids are ignored.
     virtual void StopTimer(TimerId id) = 0;
 };
 

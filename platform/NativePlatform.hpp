@@ -1,4 +1,4 @@
-// The services of the system that a program is built for, as its start-up file takes them.
+// The services of the system that a program is built for, created by its start-up file.
 #pragma once
 
 #include <functional>
@@ -19,7 +19,7 @@
 
 namespace vantor {
 
-/// What needs no window. Declared in the order of making: later ones may use earlier ones.
+/// Services that need no window, in construction order: later ones may use earlier ones.
 struct NativePlatform {
     std::unique_ptr<Process> process;
     std::unique_ptr<Clock> clock;
@@ -32,13 +32,13 @@ struct NativePlatform {
     std::unique_ptr<MessagePump> pump;
     std::unique_ptr<Registry> registry;
     std::unique_ptr<SerialPorts> ports;
-    /// The COM name that opens what a person calls `port`: a COM name as it is, a device path
-    /// (where the system has those) mapped to a free name for this run. Raises RuntimeError 68
-    /// when no name is free.
+    /// Maps a port name given by the user to the COM name that opens it: a COM name to itself,
+    /// a device path (where the system has those) to a free name for this run.
+    /// Raises RuntimeError 68 when no name is free.
     std::function<std::string(const std::string& port)> portName;
 };
 
-/// Makes them for this process. `argc` and `argv` are those of main.
+/// Creates them for this process. `argc` and `argv` are those of main.
 NativePlatform MakeNativePlatform(int argc, char** argv);
 
 }  // namespace vantor

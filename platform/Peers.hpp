@@ -1,4 +1,4 @@
-// What draws forms and the mouse pointer. The control model works the same with no peer at all.
+// Native windows for forms, and the mouse pointer. The control model works without any peer.
 #pragma once
 
 #include <cstdint>
@@ -15,7 +15,7 @@ class Form;
 
 enum class MousePointer : std::uint8_t { Default = 0, Hourglass = 11 };
 
-/// What of a control changed, so that its peer can follow.
+/// The property of a control that changed, for its peer to update.
 enum class Property : std::uint8_t {
     Caption,
     Enabled,
@@ -27,7 +27,7 @@ enum class Property : std::uint8_t {
     Border,
     Value,
     ZOrder,   ///< brought to the front
-    Repaint,  ///< draw now, even while the caller keeps the message loop busy
+    Repaint,  ///< draw now, even while the caller blocks the message loop
 };
 
 /// A size in twips.
@@ -51,7 +51,7 @@ struct Place {
 /// Colours that the user chooses for the whole system.
 enum class SystemColour : std::uint8_t { ButtonShadow, Highlight3D };
 
-/// A line one pixel thin, in twips of a form's inside; both of its ends belong to it.
+/// A line one pixel wide, in twips of a form's client area; both end points are included.
 struct ThinLine {
     float left = 0;
     float top = 0;
@@ -65,7 +65,7 @@ struct ThinLine {
 /// How a form is shown.
 enum class ShowMode : std::uint8_t { Modeless, Modal };
 
-/// The drawn side of one form; destroyed when the form unloads.
+/// The native window of one form; destroyed when the form unloads.
 class FormPeer {
 public:
     virtual ~FormPeer() = default;
@@ -79,11 +79,10 @@ public:
     /// `property` of one of its controls changed.
     virtual void ControlChanged(const Control& control, Property property) = 0;
 
-    /// Draws on the form itself, below its controls; only from within the form's `Painting`.
+    /// Draws on the form itself, below its controls. Only valid inside the form's `Painting`.
     virtual void DrawLine(const ThinLine&) {}
 
-    /// Size of a text as the control prints it, in letters of the shape `face`; all 0 where
-    /// nothing is drawn.
+    /// Size of a text as the control draws it in the typeface `face`; all 0 where nothing is drawn.
     virtual Size TextSize(const Control&, const std::string& /*face*/,
                           const std::string& /*text*/) const {
         return {};
@@ -97,15 +96,15 @@ public:
     virtual NativeWindow Handle() const = 0;
 };
 
-/// Makes peers. Used from one thread.
+/// Creates peers. Used from one thread.
 class Peers {
 public:
     virtual ~Peers() = default;
 
-    /// A peer for `form`, hidden until shown. The form outlives it.
+    /// Creates the peer of `form`, hidden until shown. The form outlives it.
     virtual std::unique_ptr<FormPeer> Draw(Form& form) = 0;
 
-    /// Size of the screen that windows are placed on.
+    /// Size of the screen that holds the windows.
     virtual Size ScreenSize() const = 0;
 
     /// What the taskbar leaves free of the monitor that `place` lies on, or is nearest to.
@@ -117,12 +116,11 @@ public:
     /// Twips of one pixel of the screen: 15 at 96 dots to the inch.
     virtual float TwipsPerPixel() const { return 15; }
 
-    /// Sets the pointer of the whole screen until set again.
+    /// Sets the pointer of the whole screen until the next call.
     virtual void SetMousePointer(MousePointer pointer) = 0;
 
-    /// While `reason` is not empty the system is asked to stay awake, and not to end the session
-    /// of the user: a shutdown is refused with `reason`, which the system shows. An empty one
-    /// ends that.
+    /// While `reason` is not empty, requests that the system stay awake and blocks shutdown and
+    /// log-off; the system shows `reason`. An empty `reason` ends both.
     virtual void HoldSystem(const std::string& reason) = 0;
 };
 

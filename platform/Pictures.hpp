@@ -6,7 +6,7 @@
 
 namespace vantor {
 
-/// A decoded picture; what it is made of is known to the implementation that draws it.
+/// A decoded picture. Only the implementation that draws it knows its representation.
 class Picture {
 public:
     virtual ~Picture() = default;
@@ -16,9 +16,8 @@ class Pictures {
 public:
     virtual ~Pictures() = default;
 
-    /// Decodes the GIF, JPEG or BMP file `path` with the system's codecs (OleLoadPicture).
-    /// Raises RuntimeError 481 when it holds no picture that can be decoded, or the error of
-    /// the file (see Files).
+    /// Decodes the GIF, JPEG or BMP file `path` with the system's codecs (OleLoadPicture). Raises
+    /// RuntimeError 481 when it holds no decodable picture, or an error of the file (see Files).
     virtual std::shared_ptr<const Picture> Load(const std::string& path) = 0;
 };
 

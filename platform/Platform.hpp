@@ -1,4 +1,4 @@
-// All services of the platform in one place, as the start-up code lends them to the house.
+// References to all platform services, passed from the start-up code to the application.
 #pragma once
 
 namespace vantor {
@@ -20,8 +20,8 @@ class SerialPorts;
 class Shell;
 class StringTable;
 
-/// References to the services; they outlive everything that they are lent to. A class that
-/// needs one or two of them takes those, not the whole.
+/// The services outlive every object that gets a reference. A class that needs one or two of them
+/// takes those, not the whole structure.
 struct Platform {
     Clipboard& clipboard;
     Clock& clock;

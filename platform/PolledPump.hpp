@@ -1,4 +1,4 @@
-// A message pump for systems without a window queue: timers and sources are asked at each pump.
+// A message pump for systems without a window queue: each pump polls the timers and sources.
 #pragma once
 
 #include <cstdint>
@@ -23,13 +23,13 @@ public:
     TimerId StartTimer(std::uint32_t intervalMs, std::function<void()> tick) override;
     void StopTimer(TimerId id) override;
 
-    /// Calls `poll` once at every pump until removed. A source may add and remove sources and
-    /// timers, itself included, and may pump.
+    /// Calls `poll` once per pump until removed. A source may add and remove sources and timers,
+    /// itself included, and may pump.
     SourceId AddSource(std::function<void()> poll);
     void RemoveSource(SourceId id);
 
 protected:
-    /// What `Run` does when a pass is over, so that it does not burn the processor.
+    /// Called by `Run` after each pass, to avoid a busy-wait.
     virtual void Rest();
 
     Clock& GetClock() { return mClock; }

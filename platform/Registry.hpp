@@ -1,5 +1,5 @@
-// The registry with the system's own semantics: result codes instead of errors, two-step
-// queries, and values as 8-bit bytes, since the stored format is defined on those.
+// The registry with Win32 semantics: result codes instead of exceptions, two-step queries,
+// and values as 8-bit bytes, on which the stored format is defined.
 #pragma once
 
 #include <cstddef>
@@ -12,7 +12,7 @@
 
 namespace vantor {
 
-/// Predefined root keys, with the system's values.
+/// Predefined root keys, Win32 values.
 enum class RegistryRoot : std::uint32_t {
     CurrentUser = 0x80000001u,   // HKEY_CURRENT_USER
     LocalMachine = 0x80000002u,  // HKEY_LOCAL_MACHINE
@@ -21,7 +21,7 @@ enum class RegistryRoot : std::uint32_t {
 using RegistryKey = std::uint64_t;  ///< an open key; 0 is none
 using RegistryResult = std::int32_t;
 
-// Results, with the system's values.
+// Result codes, Win32 values.
 inline constexpr RegistryResult kRegistrySuccess = 0;        // ERROR_SUCCESS
 inline constexpr RegistryResult kRegistryFileNotFound = 2;   // ERROR_FILE_NOT_FOUND
 inline constexpr RegistryResult kRegistryAccessDenied = 5;   // ERROR_ACCESS_DENIED
@@ -30,12 +30,12 @@ inline constexpr RegistryResult kRegistryWriteFault = 29;    // ERROR_WRITE_FAUL
 inline constexpr RegistryResult kRegistryMoreData = 234;     // ERROR_MORE_DATA
 inline constexpr RegistryResult kRegistryCorrupt = 1015;     // ERROR_REGISTRY_CORRUPT
 
-// Value types, with the system's values.
+// Value types, Win32 values.
 inline constexpr std::uint32_t kRegistryString = 1;  // REG_SZ, stored with its terminating NUL
 inline constexpr std::uint32_t kRegistryBinary = 3;  // REG_BINARY
-inline constexpr std::uint32_t kRegistryDword = 4;   // REG_DWORD, 4 bytes, low byte first
+inline constexpr std::uint32_t kRegistryDword = 4;   // REG_DWORD, 4 bytes, little-endian
 
-// Access masks, with the system's values.
+// Access masks, Win32 values.
 inline constexpr std::uint32_t kRegistryQueryValue = 0x1;
 inline constexpr std::uint32_t kRegistrySetValue = 0x2;
 inline constexpr std::uint32_t kRegistryWrite = 0x20006;     // KEY_WRITE
@@ -73,18 +73,18 @@ public:
     virtual RegistryResult OpenKey(RegistryRoot root, const std::string& path, std::uint32_t access,
                                    RegistryKey& key) = 0;
 
-    /// Opens a key, creating what is missing of its path (RegCreateKeyExA, no class, options 0).
+    /// Opens a key and creates missing parts of its path (RegCreateKeyExA, no class, options 0).
     virtual RegistryResult CreateKey(RegistryRoot root, const std::string& path,
                                      std::uint32_t access, RegistryKey& key) = 0;
 
-    /// Queries a value (RegQueryValueExA). With a null `data` only `type` and `size` (bytes,
-    /// the terminating NUL counted) are set. Otherwise `size` holds the buffer's size on entry
-    /// and the value's on return; too small a buffer gives kRegistryMoreData.
+    /// Queries a value (RegQueryValueExA). With a null `data`, only `type` and `size` (bytes,
+    /// including the terminating NUL) are set. Otherwise `size` holds the buffer size on entry and
+    /// the value's size on return; a buffer that is too small gives kRegistryMoreData.
     virtual RegistryResult QueryValue(RegistryKey key, const std::string& name, std::uint32_t& type,
                                       char* data, std::uint32_t& size) = 0;
 
-    /// Sets a value to `bytes`, which for a string include its terminating NUL
-    /// (RegSetValueExA). Bytes of value 0 inside a string are kept.
+    /// Sets a value to `bytes`, which for a string include its terminating NUL (RegSetValueExA).
+    /// Embedded NULs of a string are kept.
     virtual RegistryResult SetValue(RegistryKey key, const std::string& name, std::uint32_t type,
                                     std::string_view bytes) = 0;
 

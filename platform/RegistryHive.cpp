@@ -125,7 +125,7 @@ RegistryResult RegistryHive::SetValue(RegistryKey key, const std::string& name, 
     if (handle == mHandles.end()) return kRegistryInvalidHandle;
     if ((handle->second.access & kRegistrySetValue) == 0) return kRegistryAccessDenied;
     if (bytes.size() > std::numeric_limits<std::uint32_t>::max()) return kInvalidParameter;
-    // Another program may have removed the key meanwhile; a setting is kept all the same.
+    // Another program may have removed the key meanwhile; the value is stored all the same.
     Node* node = nullptr;
     const RegistryResult result = Create(handle->second.path, node);
     if (result != kRegistrySuccess) return result;

@@ -1,5 +1,5 @@
-// The registry in memory, with the system's semantics, and its text export and import.
-// It stores nothing by itself and watches no rights other than those a key was opened with.
+// An in-memory registry with Win32 semantics, and its text export and import.
+// It does not persist anything and enforces no rights except the access mask a key was opened with.
 #pragma once
 
 #include <cstddef>
@@ -15,7 +15,7 @@
 
 namespace vantor {
 
-/// Handles name their key by its path: they stay good when the contents are imported anew.
+/// Handles refer to a key by its path, so they stay valid across an import.
 class RegistryHive : public Registry {
 public:
     RegistryHive();
@@ -31,15 +31,15 @@ public:
                             std::string_view bytes) override;
     RegistryResult CloseKey(RegistryKey key) override;
 
-    /// All keys and values in the format of the system's registry editor (REGEDIT4), printable
-    /// ASCII and line feeds only.
+    /// All keys and values in the format of the registry editor (REGEDIT4), printable ASCII and
+    /// line feeds only.
     std::string Export() const;
 
     /// Adds what an export file of either version holds to the contents. Returns 0, or the number
     /// of the first line that cannot be read; nothing has been added then.
     std::size_t Import(std::string_view file);
 
-    /// Removes all keys and values. Open handles stay.
+    /// Removes all keys and values. Open handles stay valid.
     void Clear();
 
 private:

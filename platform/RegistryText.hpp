@@ -35,15 +35,15 @@ struct RegistryPath {
     std::vector<std::string> parts;
 };
 
-/// `path` without its empty parts, cut at the first NUL as the system's 8-bit calls do.
+/// The non-empty parts of `path`, which is cut at the first NUL as by the 8-bit Win32 calls.
 std::vector<std::string> SplitRegistryPath(std::string_view path);
 
 /// "[HKEY_CURRENT_USER\Software]", printable ASCII only: any other byte of a name, "%" and "]"
 /// become "%" and two hexadecimal digits.
 std::string WriteKeyLine(const RegistryPath& path);
 
-/// `"name"="text"`, `dword:`, `hex:` or `hex(type):`, printable ASCII only. Any other byte of a
-/// name becomes "\x" and two hexadecimal digits, which the format itself has no form for.
+/// `"name"="text"`, `dword:`, `hex:` or `hex(type):`, printable ASCII only.
+/// Any other byte of a name becomes "\x" and two hexadecimal digits, an extension of the format.
 std::string WriteValueLine(const RegistryValue& value);
 
 }  // namespace vantor

@@ -1,4 +1,4 @@
-// Serial lines: opening one by name with its line parameters, and moving bytes without waiting.
+// Serial ports: opening one by name with its line parameters, and non-blocking I/O.
 #pragma once
 
 #include <cstddef>
@@ -32,43 +32,43 @@ constexpr unsigned BitsPerCharacter(const LineSettings& line) {
     return 1u + line.dataBits + (line.parity == Parity::None ? 0u : 1u) + line.stopBits;
 }
 
-/// An open serial line, used from one thread and exclusive to this process until destroyed.
+/// An open serial port, used from one thread and exclusive to this process until destroyed.
 /// Raw in both directions, no flow control, DTR and RTS asserted while it is open.
-/// Every operation raises RuntimeError 57 when the device has gone away (an unplugged adapter,
-/// the other end of a pseudo-terminal closed); after that only destruction is of use.
+/// Every operation raises RuntimeError 57 when the device is lost (an unplugged adapter,
+/// a closed pseudo-terminal peer); after that the only useful operation is destruction.
 class SerialPort {
 public:
-    /// Closes the line. Bytes that the driver still holds are given up to it, not waited for.
+    /// Closes the port. Does not drain: bytes that the driver still buffers are left to it.
     virtual ~SerialPort() = default;
 
-    /// Takes up to `into.size()` bytes that have already arrived; never waits.
-    /// Returns the count, 0 when there are none.
+    /// Reads up to `into.size()` received bytes; never blocks. Returns the count,
+    /// 0 when there are none.
     virtual std::size_t Read(std::span<char> into) = 0;
 
-    /// Hands over as many of `bytes` as the driver accepts at once; never waits.
+    /// Passes as many of `bytes` to the driver as it accepts at once; never blocks.
     /// Returns the count, 0 when its buffer is full.
     virtual std::size_t Write(std::string_view bytes) = 0;
 
-    /// Bytes that have arrived and were not read (Windows: ClearCommError, cbInQue).
+    /// Received bytes that were not read yet (Windows: ClearCommError, cbInQue).
     virtual std::size_t InputCount() = 0;
 
     /// Bytes accepted by `Write` that the device has not sent yet (cbOutQue).
     virtual std::size_t OutputCount() = 0;
 
-    /// Throws away what has arrived and was not read.
+    /// Discards received bytes that were not read yet.
     virtual void DiscardInput() = 0;
 
-    /// Calls `notify` on the pumping thread, from within the message pump, as long as unread
-    /// bytes wait (at each pump that finds some), and once when the device is found gone.
-    /// An empty function ends it. `notify` may read, write, and destroy this port.
+    /// Calls `notify` on the pumping thread, inside the message pump: at each pump that finds
+    /// unread bytes, and once when the device is found lost. An empty function cancels it.
+    /// `notify` may read, write, and destroy this port.
     virtual void NotifyOnInput(std::function<void()> notify) = 0;
 };
 
-/// A serial port that the machine has.
+/// A serial port of the machine.
 struct SerialPortInfo {
     std::string name;         ///< "COM3", the name that opens it
     std::string device;       ///< the system's own name ("/dev/ttyUSB0", "\Device\Serial0")
-    std::string description;  ///< what the system knows of it, may be empty
+    std::string description;  ///< the system's description, may be empty
 };
 
 /// Why a port does not open.

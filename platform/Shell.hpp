@@ -1,4 +1,4 @@
-// Handing documents, folders and addresses to the system's shell.
+// Opens documents, folders and URLs with the system's shell.
 #pragma once
 
 #include <cstdint>
@@ -17,29 +17,29 @@ struct ShellRequest {
     std::int32_t show = 1;  ///< SW_... code
 };
 
-/// A process that `Shell::Start` keeps open; 0 is none.
+/// Handle of a process that `Shell::Start` started; 0 is none.
 using ShellProcess = std::uintptr_t;
 
-/// What a launch returns from here on means that the shell took it.
+/// Results from this value on mean success.
 constexpr std::int32_t kFirstShellSuccess = 33;
 
-/// Both launches return the shell's own result code. Failures: 2 file not found (also for an empty
-/// one), 3 path not found, 5 access denied, 31 no association.
+/// Both launches return the shell's result code. Failures: 2 file not found (also for an empty
+/// name), 3 path not found, 5 access denied, 31 no association.
 class Shell {
 public:
     virtual ~Shell() = default;
 
-    /// Opens `request.file` with what is registered for it (ShellExecute).
+    /// Opens `request.file` with its registered program (ShellExecute).
     virtual std::int32_t Execute(const ShellRequest& request) = 0;
 
-    /// As `Execute`, with variables in the texts expanded; `process` becomes what was started,
-    /// or 0 when the document went to a program that ran already (ShellExecuteEx).
+    /// As `Execute`, with environment variables expanded; `process` is set to the started process,
+    /// or to 0 when a running program took the document (ShellExecuteEx).
     virtual std::int32_t Start(const ShellRequest& request, ShellProcess& process) = 0;
 
     /// True while `process` runs (GetExitCodeProcess).
     virtual bool IsActive(ShellProcess process) const = 0;
 
-    /// Lets go of `process`, which goes on (CloseHandle). 0 is ignored.
+    /// Closes the handle of `process`, which keeps running (CloseHandle). 0 is ignored.
     virtual void Release(ShellProcess process) = 0;
 };
 

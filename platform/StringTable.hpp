@@ -1,4 +1,4 @@
-// Every text that a person reads, by number, in the language of the user's interface.
+// Every user-visible text, by number, in the user's interface language.
 #pragma once
 
 #include <cstdint>
@@ -13,8 +13,8 @@ public:
     virtual ~StringTable() = default;
 
     /// The text `id` as UTF-8 (Windows: LoadStringW on the program's two-language STRINGTABLE):
-    /// Spanish when that is the language of the user's interface, English otherwise. Nothing is
-    /// cached. Raises RuntimeError 326 for a number that the table does not hold.
+    /// Spanish when that is the user's interface language, English otherwise. Nothing is cached.
+    /// Raises RuntimeError 326 for a number that is not in the table.
     virtual std::string LoadResString(std::int32_t id) const = 0;
 
 protected:

@@ -19,14 +19,14 @@ public:
     /// Width of the output in columns; 80 when it is unknown.
     virtual unsigned Columns() const = 0;
 
-    /// Writes UTF-8 text to standard output at once. What cannot be written is lost.
+    /// Writes UTF-8 text to standard output, unbuffered. Write errors are ignored.
     virtual void Write(std::string_view utf8) = 0;
 
-    /// Likewise to standard error.
+    /// The same for standard error.
     virtual void WriteError(std::string_view utf8) = 0;
 
-    /// Waits for a line from standard input, without its terminator; nothing at the end of the
-    /// input, or when the interrupt key was pressed meanwhile.
+    /// Waits for a line from standard input and returns it without its terminator;
+    /// empty at end of file, or when the interrupt key was pressed meanwhile.
     virtual std::optional<std::string> ReadLine() = 0;
 
     /// True once for each interrupt since the last call: the user has pressed the interrupt key

@@ -10,7 +10,7 @@
 namespace vantor {
 namespace {
 
-/// Little-endian numbers of a file that may be broken: what lies outside it reads as 0.
+/// Little-endian numbers of a file that may be malformed: out-of-range reads give 0.
 class Reader {
 public:
     explicit Reader(std::string_view bytes) : mBytes(bytes) {}
@@ -32,12 +32,12 @@ private:
     std::string_view mBytes;
 };
 
-// --- the way to the block through the program file -----------------------------------------------
+// --- finding the block in the program file -------------------------------------------------------
 
 struct Headers {
     std::size_t sections;
     std::size_t sectionCount;
-    std::uint32_t resources;  // relative to where the program is loaded
+    std::uint32_t resources;  // RVA
 };
 
 std::optional<Headers> HeadersOf(const Reader& program) {
@@ -53,7 +53,7 @@ std::optional<Headers> HeadersOf(const Reader& program) {
                    .resources = program.U32(directories + kResourceDirectory)};
 }
 
-/// Where in the file lies what is loaded at `address`; 0 when nothing does.
+/// The file offset of the relative virtual address `address`; 0 when no section holds it.
 std::size_t Offset(const Reader& program, const Headers& headers, std::uint32_t address) {
     constexpr std::size_t kSectionHeader = 40;
     for (std::size_t i = 0; i < headers.sectionCount; ++i) {
@@ -65,7 +65,7 @@ std::size_t Offset(const Reader& program, const Headers& headers, std::uint32_t 
     return 0;
 }
 
-/// The first entry of a resource directory, or the one of `id`: its offset field.
+/// The offset field of the first entry of a resource directory, or of entry `id`.
 std::optional<std::uint32_t> EntryOf(const Reader& program, std::size_t directory,
                                      std::optional<std::uint32_t> id) {
     const std::size_t count =
@@ -83,7 +83,7 @@ constexpr std::size_t Aligned(std::size_t at) {
     return (at + 3) & ~std::size_t{3};
 }
 
-/// One node of the block: a key in UTF-16, a value, and further nodes behind it.
+/// One node of the block: a key in UTF-16, a value, and child nodes.
 struct Node {
     std::u16string key;
     std::string_view value;
@@ -153,7 +153,7 @@ std::string_view VersionBlockIn(std::string_view program) {
     if (root == 0) return {};
     constexpr std::uint32_t kVersionType = 16;
     constexpr std::uint32_t kOffsetBits = 0x7FFFFFFF;  // the bit above marks a directory
-    // Three levels: the type, the name, the language. Any name and language will do.
+    // Three levels: the type, the name, the language. Any name and language is accepted.
     std::size_t at = root;
     std::optional<std::uint32_t> wanted = kVersionType;
     for (int level = 0; level < 3; ++level) {
@@ -168,7 +168,7 @@ std::string_view VersionBlockIn(std::string_view program) {
 
 std::string VersionResources::BlockOf(const std::string& path) const {
     std::string block;
-    // A file that is missing or cannot be read carries no version.
+    // A file that is missing or unreadable has no version.
     static_cast<void>(Ignoring([&] { block = VersionBlockIn(mFiles.ReadAll(path)); }));
     return block;
 }

@@ -1,4 +1,4 @@
-// Version resources read from the bytes of program files, where no system service does it.
+// Version resources parsed from program files, for systems without a service for it.
 #pragma once
 
 #include <string_view>
@@ -26,8 +26,8 @@ private:
     const Files& mFiles;
 };
 
-/// The version block (VS_VERSIONINFO) inside the bytes of a program file; empty when there is
-/// none, or when the file is broken. Points into `program`.
+/// The version block (VS_VERSIONINFO) in the bytes of a program file; empty when there is none or
+/// the file is malformed. Points into `program`.
 std::string_view VersionBlockIn(std::string_view program);
 
 }  // namespace vantor

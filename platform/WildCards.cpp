@@ -9,7 +9,7 @@ char Lower(char c) {
     return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
 }
 
-/// Where the UTF-8 character at `at` ends.
+/// The end of the UTF-8 character at `at`.
 std::size_t CharacterEnd(std::string_view text, std::size_t at) {
     do ++at;
     while (at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0u) == 0x80u);
@@ -22,7 +22,7 @@ bool MatchesPattern(std::string_view name, std::string_view pattern) {
     if (pattern == "*.*") return true;
     std::size_t n = 0;
     std::size_t p = 0;
-    std::size_t star = std::string_view::npos;  // the last "*" met, and what it stands for so far
+    std::size_t star = std::string_view::npos;  // the last "*", and the end of what it matches
     std::size_t starEnd = 0;
     while (n < name.size()) {
         if (p < pattern.size() && pattern[p] == '*') {

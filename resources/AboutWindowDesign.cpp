@@ -22,7 +22,7 @@ constexpr std::array kControls = {
     ControlDesign{Label, "lblOwnership", 1, "", {1440, 1440, 6300, 480}, "Ownership", "404"},
     ControlDesign{Label, "lblDisclaimer", -1, "", {240, 2100, 7320, 1320}, "Disclaimer", "402"},
     ControlDesign{CommandButton, "cmdOK", -1, "", {6375, 3540, 1365, 405}, "OK", "101", kOkStyle},
-    // Out of sight: it takes the focus when the window opens, so that no button looks chosen.
+    // Off-screen: it takes the initial focus, so that no button appears selected.
     ControlDesign{CommandButton, "cmdFocus", -1, "", {-1500, 0, 300, 300}, "", "", kFocusStyle},
 };
 

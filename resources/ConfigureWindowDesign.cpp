@@ -1,5 +1,5 @@
-// The options dialog: the tree of pages at the left; at the right a caption bar over the pages,
-// which all lie on the place of the placeholder; below them OK, Cancel and Apply.
+// The options dialog: the tree of pages at the left; at the right a caption bar above the pages,
+// which all have the position of the placeholder; below them OK, Cancel and Apply.
 #include <array>
 
 #include "resources/Designs.hpp"

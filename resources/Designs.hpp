@@ -1,6 +1,6 @@
-// The designs of the program's windows: one table a window, in the order in which its class
-// declares the controls. Places are twips; captions that begin with a number, and tags, name the
-// text that replaces the caption when the window loads.
+// The designs of the program's windows: one table per window, in the order in which its class
+// declares the controls. Positions are twips. Captions that begin with a number, and tags,
+// are the number of the text that replaces the caption when the window loads.
 #pragma once
 
 #include "controls/Form.hpp"

@@ -1,5 +1,5 @@
-// The main window: menus, the promotional picture, and three panels of which one shows. Places
-// within the window are computed from its size, so the rows hold none.
+// The main window: menus, the promotional picture, and three panels, one of them visible.
+// Positions are computed from the window size, so the rows hold none.
 #include <array>
 
 #include "resources/Designs.hpp"

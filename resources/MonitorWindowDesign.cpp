@@ -1,5 +1,5 @@
-// The monitor window: a terminal over a status bar. The terminal's place is computed from the
-// window's size.
+// The monitor window: a terminal above a status bar. The position of the terminal is computed
+// from the window size.
 #include <array>
 
 #include "resources/Designs.hpp"

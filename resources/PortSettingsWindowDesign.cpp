@@ -22,7 +22,7 @@ constexpr Place ListAt(int row) {
     return {2190, kFirstRow + kRow * static_cast<float>(row), 1800, 345};
 }
 
-// Each label stands before its list, which its accelerator then leads to.
+// Each label precedes its list, which gets the focus from the label's accelerator.
 constexpr std::array kControls = {
     ControlDesign{Label, "lblLabels", 0, "", LabelAt(0), "&Port:", "2111"},
     ControlDesign{ComboBox, "cboPort", -1, "", ListAt(0), "", ""},

@@ -1,5 +1,5 @@
-// The progress window of a file that is being sent. Its two values have a pixel of free room
-// around them, where the window draws their edges.
+// The progress window of a file transmission. A pixel around its two values stays free for
+// the edges that the window draws.
 #include <array>
 
 #include "resources/Designs.hpp"

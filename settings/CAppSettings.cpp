@@ -15,7 +15,7 @@ std::string SourceOf(std::string_view procedure) {
     return "Morvane.CAppSettings." + std::string(procedure);
 }
 
-/// Put together at run time, so that the password does not stand in the program as one text.
+/// Assembled at run time, so that the password is not a literal in the program file.
 std::string StorePassword() {
     std::string password;
     for (const int code : {86, 52, 77, 107, 51}) password += static_cast<char>(code);
@@ -47,8 +47,8 @@ bool IsCommPort(const std::string& value) {
         const double number = ToDouble(value);
         return number > 0 && number <= kHighest;
     }
-    // "COM" may stand anywhere, yet the number is what follows the third character: "XCOM5" is
-    // a type mismatch rather than an invalid value.
+    // "COM" may be anywhere, but the number is what follows the third character:
+    // "XCOM5" is a type mismatch rather than an invalid value.
     if (value.find("COM") == std::string::npos) return false;
     const std::int16_t number = ToInt16(std::string_view(value).substr(3));
     return number >= 1 && number <= kHighest;
@@ -60,7 +60,7 @@ CAppSettings::CAppSettings(vantor::Registry& registry, const CodePage& codePage,
     : mRegistry(registry), mCodePage(codePage), mFiles(files), mRecord(Defaults()) {
     mBrokenRules.BrokenRule = [this] { RaiseValid(false); };
     mBrokenRules.NoBrokenRules = [this] { RaiseValid(true); };
-    // Initialize loads again and passes the error on, so that it is reported once.
+    // Initialize loads again and raises the error, so that it is reported once.
     Ignoring([this] { Load(); });
 }
 
@@ -109,11 +109,11 @@ void CAppSettings::Load() {
         mRecord.Parity = text("Parity", defaults.Parity);
         mRecord.DataBits = text("DataBits", defaults.DataBits);
         // Written by Save and never read: the indicator's monitor frames with two stop bits,
-        // whatever is stored, and the setter refuses this very value.
+        // whatever is stored, and the setter rejects this very value.
         mRecord.StopBits = defaults.StopBits.Padded();
         mRecord.ProxyEnable = boolean("EnableProxy", defaults.ProxyEnable);
         mRecord.ProxyHostname = text("ProxyHostname", defaults.ProxyHostname);
-        // "ProxtPort" is part of the stored format: the right spelling would lose the setting.
+        // "ProxtPort" is part of the stored format: correcting it would lose the setting.
         mRecord.ProxyPort = text("ProxtPort", defaults.ProxyPort);
         mRecord.ProxyUsername = text("ProxyUsername", defaults.ProxyUsername);
         mRecord.ProxyPassword = Scrambled(text("ProxyPassword", defaults.ProxyPassword));
@@ -127,7 +127,7 @@ void CAppSettings::Save() {
         CProgramSettings store = OpenStore();
         store.WriteEntry("AutoUnZip", FromBool(mRecord.AutoUnZip));
         store.WriteEntry("PassiveFTP", FromBool(mRecord.PassiveFTP));
-        // The serial fields are stored in their full width, blanks included.
+        // The serial fields are stored in full width, with padding.
         store.WriteEntry("Port", mRecord.CommPort.Padded());
         store.WriteEntry("Baud", mRecord.BaudRate.Padded());
         store.WriteEntry("Parity", mRecord.Parity.Padded());
@@ -290,8 +290,8 @@ std::string CAppSettings::ProxyPort() const {
 
 void CAppSettings::ProxyPort(const std::string& value) {
     SetText("ProxyPort", mRecord.ProxyPort, value, [&] {
-        // The numeric test looks at the port held, not at the new one: the way that this
-        // program has always judged it.
+        // The numeric check tests the current port, not the new one. Kept:
+        // the product has always done so.
         if (!IsNumeric(ProxyPort())) return false;
         const double port = LeadingNumber(value);
         return port > 0 && port <= 65535;

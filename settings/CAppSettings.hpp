@@ -1,4 +1,4 @@
-// The user's settings: loaded from the registry, changed only inside an edit, checked value by
+// The user's settings: loaded from the registry, changed only inside an edit, validated value by
 // value, and written back as a whole when the edit is applied.
 #pragma once
 
@@ -19,7 +19,7 @@ class CProgramSettings;
 class Files;
 class Registry;
 
-/// A text field of `Width` characters: padded with blanks on the right, or cut.
+/// A text field of `Width` characters, padded with spaces or truncated.
 template <std::size_t Width>
 class FixedText {
 public:
@@ -30,7 +30,7 @@ public:
         mText = FixedWidth(text, Width);
         return *this;
     }
-    /// The whole field, blanks included.
+    /// The whole field, with padding.
     const std::string& Padded() const { return mText; }
     std::string Trimmed() const { return std::string(TrimBlanks(mText)); }
 
@@ -54,49 +54,48 @@ struct SettingsRecord {
     FixedText<30> ProxyUsername;
 };
 
-/// One shared object for the run. Getters return texts trimmed of blanks; those of the serial
-/// line answer at any time, the others only once initialised. Setters check in this order and
-/// leave everything as it was on failure. Every error carries "Morvane.CAppSettings." and the
-/// operation's name as its source:
+/// One shared object per run. Getters return trimmed text; those of the serial line are valid at
+/// any time, the others only once initialised. Setters check in this order and change nothing on
+/// failure. Every error has the source "Morvane.CAppSettings." and the operation's name:
 ///   kNotInitialised  a setter, a transaction or a guarded getter before Initialize
 ///   445              a setter or the end of an edit outside one; BeginEdit inside one
 ///   kTooLong         a text longer than its field
-///   kInvalidValue    a breach of the property's rule
+///   kInvalidValue    a violation of the property's rule
 class CAppSettings {
 public:
     static constexpr std::int32_t kTooLong = kObjectError + 10001;
     static constexpr std::int32_t kInvalidValue = kObjectError + 10002;
     static constexpr std::int32_t kNotInitialised = kObjectError + 10006;
 
-    /// Loads the settings. A stored value that cannot be read as what it should be ends the load
-    /// there, without an error yet. The services must outlive the object.
+    /// Loads the settings. An unreadable stored value ends the load there; the error is raised
+    /// later, by Initialize. The services must outlive the object.
     CAppSettings(vantor::Registry& registry, const CodePage& codePage, Files& files);
     CAppSettings(const CAppSettings&) = delete;
     CAppSettings& operator=(const CAppSettings&) = delete;
 
     /// Marks the object initialised and loads again. Raises the error that ended the load (13 for
-    /// a stored boolean that is none); the object is usable all the same: what was read before
-    /// stays, the rest keeps its defaults.
+    /// an invalid stored boolean). The object is usable all the same: values read before it are
+    /// kept, the others have their defaults.
     void Initialize();
 
     void BeginEdit();
     /// Writes the record when a property was set since BeginEdit, and ends the edit.
     void ApplyEdit();
-    /// Brings every field back to what it was at BeginEdit, and ends the edit.
+    /// Restores every field to its value at BeginEdit, and ends the edit.
     void CancelEdit();
 
     /// 300 to 115200 in the usual steps.
     std::string BaudRate() const { return mRecord.BaudRate.Trimmed(); }
     void BaudRate(const std::string& value);
-    /// "COM1" to "COM32", or the number alone.
+    /// "COM1" to "COM32", or only the number.
     std::string CommPort() const { return mRecord.CommPort.Trimmed(); }
     void CommPort(const std::string& value);
     std::string DataBits() const { return mRecord.DataBits.Trimmed(); }
     void DataBits(const std::string& value);
-    /// "N", "O" or "E" in either case, kept as given.
+    /// "N", "O" or "E" in either case, stored as given.
     std::string Parity() const { return mRecord.Parity.Trimmed(); }
     void Parity(const std::string& value);
-    /// "2" after every load, yet only 1 can be set.
+    /// "2" after every load, although only 1 can be set.
     std::string StopBits() const { return mRecord.StopBits.Trimmed(); }
     void StopBits(const std::string& value);
 
@@ -121,8 +120,8 @@ public:
 
     /// True when no rule is broken.
     bool IsValid() const { return mBrokenRules.Count() == 0; }
-    /// Raised when that changes. No rule is ever entered, so it never is; the options dialog of
-    /// a business object listens to it all the same.
+    /// Raised when that changes. No rule is ever added, so it never is; the options dialog connects
+    /// to it as to any business object.
     std::function<void(bool& valid)> Valid;
 
 private:
@@ -134,13 +133,13 @@ private:
 
     void RequireInitialised() const;
     void RequireEditing() const;
-    /// The frame of every setter: checks, then `rule`, then `store`, then the dirty flag.
+    /// Common part of every setter: checks, then `rule`, then `store`, then the dirty flag.
     void Set(std::string_view property, const std::function<void()>& rule,
              const std::function<void()>& store);
     template <std::size_t Width>
     void SetText(std::string_view property, FixedText<Width>& field, const std::string& value,
                  const std::function<bool()>& keepsRule);
-    /// The frame of every guarded getter.
+    /// Common part of every guarded getter.
     template <typename Value>
     Value Get(std::string_view property, const std::function<Value()>& value) const;
 

@@ -1,4 +1,4 @@
-// The rules that a business object breaks at the moment.
+// The rules of a business object that are broken now.
 #pragma once
 
 #include <cstdint>
@@ -10,12 +10,12 @@ namespace vantor {
 
 class CBrokenRules {
 public:
-    /// Raised when a rule breaks, and when the last broken one has been kept again.
+    /// Raised when a rule breaks, and when the last broken rule is satisfied again.
     std::function<void()> BrokenRule;
     std::function<void()> NoBrokenRules;
 
-    /// Enters or removes `rule`. Entering it twice raises RuntimeError 457, removing one that is
-    /// not there RuntimeError 5, as a keyed collection does.
+    /// Adds or removes `rule`. Adding it twice raises RuntimeError 457, removing a missing one
+    /// RuntimeError 5, as in a keyed collection.
     void RuleBroken(const std::string& rule, bool isBroken);
 
     std::int16_t Count() const { return static_cast<std::int16_t>(mRules.size()); }

@@ -8,7 +8,7 @@
 namespace vantor {
 namespace {
 
-/// UTF-8 to UTF-16 units, each as two bytes, low byte first; what is no UTF-8 becomes U+FFFD.
+/// UTF-8 to UTF-16 units, each as two little-endian bytes; invalid UTF-8 becomes U+FFFD.
 std::vector<std::uint8_t> WideBytes(std::string_view utf8) {
     std::vector<std::uint8_t> bytes;
     const auto unit = [&bytes](std::uint32_t value) {
@@ -58,12 +58,12 @@ void CEncryption::TakeKey() {
 
 bool CEncryption::EncryptByte(std::uint8_t& byte) {
     return Boxed("EncryptByte", [&] {
-        // An empty password has no key byte to take.
+        // An empty password has no key byte.
         std::uint8_t& key = mKey.at(static_cast<std::size_t>(mPosition));
         byte ^= key;
         byte ^= static_cast<std::uint8_t>(Product16(key, mPosition) % 256);
         const auto last = static_cast<std::int16_t>(mKey.size() - 1);
-        // Past the end the key goes on from index 1: index 0 serves the first byte only.
+        // Past the end the key continues at index 1: index 0 is used for the first byte only.
         const std::int16_t next =
             mPosition >= last ? std::int16_t{1} : static_cast<std::int16_t>(mPosition + 1);
         key = static_cast<std::uint8_t>(mKey[static_cast<std::size_t>(next)] + key);
@@ -109,8 +109,8 @@ std::u16string CEncryption::EncryptString(const std::u16string& text) {
     return result;
 }
 
-// The input is read before the output is touched, so an input that cannot be read costs nothing
-// and a file can be scrambled onto itself.
+// The input is read before the output is opened: an unreadable input does not destroy the output,
+// and a file can be scrambled in place.
 void CEncryption::EncryptFile() {
     Boxed("EncryptFile", [&] {
         TakeKey();

@@ -11,9 +11,9 @@ namespace vantor {
 
 class CodePage;
 
-/// A store whose key is composed from a root and four path parts. Failures of the registry are
-/// silent: what cannot be read is the caller's default. Run-time errors are shown in the class's
-/// own box. Texts are UTF-8 here and bytes of the system's code page in the registry.
+/// A store whose key consists of a root and four path parts. Registry failures are silent:
+/// an unreadable value becomes the caller's default. Run-time errors are shown in a box of this
+/// class. Strings are UTF-8 here and in the ANSI code page in the registry.
 class CProgramSettings {
 public:
     CProgramSettings(vantor::Registry& registry, const CodePage& codePage);
@@ -24,8 +24,8 @@ public:
     std::string Program;
     std::string Section;  ///< "Settings" at first
 
-    /// The value `name` as text (a DWORD in decimal); `fallback` when the key or the value is
-    /// missing, is of another type, or is empty. Never creates the key.
+    /// The value `name` as text (a DWORD in decimal); `fallback` when the key or the value
+    /// is missing, has another type, or is empty. Never creates the key.
     std::string ReadEntry(const std::string& name, const std::string& fallback);
 
     /// Sets the value `name` to `value` as REG_SZ, creating the key when it is missing.

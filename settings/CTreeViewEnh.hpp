@@ -1,4 +1,4 @@
-// Which nodes of a tree were open: remembered in the registry, put back the next time.
+// Stores in the registry which nodes of a tree are expanded, and restores them.
 #pragma once
 
 #include <string>
@@ -11,17 +11,17 @@ namespace vantor {
 class CodePage;
 class TreeView;
 
-/// One tree's memory: a text value named after the tree, with an entry "key=True|" or
-/// "key=False|" for each node that has a key. Failures of the registry are silent. Errors go on to
-/// the caller with "Morvane.CTreeViewEnh." and the operation's name as their source; those of the
-/// registry helpers are shown in the class's own boxes.
+/// The stored state of one tree: a string value named after the tree, with an entry
+/// "key=True|" or "key=False|" for each node that has a key. Registry failures are silent.
+/// Errors are raised with the source "Morvane.CTreeViewEnh." and the operation's name;
+/// those of the registry helpers are shown in boxes of this class.
 class CTreeViewEnh {
 public:
     CTreeViewEnh(vantor::Registry& registry, const CodePage& codePage)
         : mRegistry(registry), mCodePage(codePage) {}
 
-    /// Opens and closes the nodes as the value says. A node that it does not name stays as it is,
-    /// one that it names and the tree lacks is skipped. Raises 91 without a tree.
+    /// Expands and collapses the nodes as stored. A node without an entry keeps its state;
+    /// an entry without a node is skipped. Raises 91 without a tree.
     void RestoreNodeStates();
     /// Writes the value. Raises 91 without a tree.
     void SaveNodeStates();

@@ -15,7 +15,7 @@
 namespace vantor {
 namespace {
 
-/// Lists `items` and chooses `current`; nothing when it is none of them.
+/// Lists `items` and selects `current`; selects nothing when it is not among them.
 void Fill(ComboBox& combo, std::vector<std::string> items, const std::string& current) {
     combo.Items(std::move(items));
     combo.ListIndex(FindStringComboBox(combo, current));
@@ -47,8 +47,8 @@ void frmConfigure::Form_Load() {
     });
 }
 
-// Of the record only the corner counts: a dialog has the size of its design, whatever a program
-// with another design has stored, and it is neither minimised nor maximised.
+// Only the corner of the stored record is used: the dialog has the size of its design,
+// whatever a version with another design has stored, and is neither minimised nor maximised.
 void frmConfigure::RestorePosition() {
     mobjFormPos.Form = this;
     const bool restored = mobjFormPos.RestoreForm(true) && State() == WindowState::Normal;
@@ -143,7 +143,7 @@ void frmConfigure::ApplySettings() {
     });
 }
 
-// --- the tree and the pages ----------------------------------------------------------------------
+// --- tree and pages ------------------------------------------------------------------------------
 
 void frmConfigure::tvwOptions_NodeClick(const TreeNode& node) {
     Trapped("frmConfigure.tvwOptions_NodeClick", [&] {
@@ -168,17 +168,17 @@ void frmConfigure::PrintSelection(const std::string& text) {
     picSelection.Print(text);
 }
 
-// Behind another page, a page that could be reached by Tab would take what nobody sees.
+// A page behind another one must be disabled, or Tab would reach its hidden controls.
 void frmConfigure::EnablePage(const PictureBox* page) {
     for (PictureBox& each : picHolder) each.Enabled(false);
     for (PictureBox& each : picHolder)
         if (&each == page) each.Enabled(true);
 }
 
-// --- the lists -----------------------------------------------------------------------------------
+// --- lists ---------------------------------------------------------------------------------------
 
-// A value that the settings refuse is reported, and the list goes on showing what was picked while
-// the settings keep what they had. This is deliberate, here and in all that follow.
+// A value that the settings reject is reported. The list keeps showing the selected value while
+// the settings keep the old one. This is deliberate, here and in all handlers below.
 void frmConfigure::cboPort_Click() {
     Trapped("frmConfigure.cboPort_Click", [this] {
         if (!mblnLoading) mobjSettings->CommPort(cboPort.Text());
@@ -195,7 +195,7 @@ void frmConfigure::cboBaudRate_Click() {
                               .title = "",
                               .icon = BoxIcon::Information,
                               .owner = Handle()});
-        // The window may have been closed behind the box, and its edit with it.
+        // The window may have been closed behind the box, which ends its edit.
         if (!Gone()) mobjSettings->BaudRate(cboBaudRate.Text());
     });
 }
@@ -212,14 +212,14 @@ void frmConfigure::cboParity_Click() {
     });
 }
 
-// The only entry is one that the settings refuse.
+// The only entry is one that the settings reject.
 void frmConfigure::cboStopBits_Click() {
     Trapped("frmConfigure.cboStopBits_Click", [this] {
         if (!mblnLoading) mobjSettings->StopBits(cboStopBits.Text());
     });
 }
 
-// --- the ways out --------------------------------------------------------------------------------
+// --- closing -------------------------------------------------------------------------------------
 
 void frmConfigure::cmdOK_Click() {
     Trapped("frmConfigure.cmdOK_Click", [this] {
@@ -241,8 +241,8 @@ void frmConfigure::cmdCancel_Click() {
 
 void frmConfigure::Form_Unload() {
     Trapped("frmConfigure.Form_Unload", [this] {
-        // The title bar, Alt+F4 and the end of the program are Cancel: the settings would be left
-        // in an edit that nothing ends, and the next dialog could not begin its own.
+        // The title bar, Alt+F4 and the end of the program act as Cancel: otherwise the edit would
+        // stay open and the next dialog could not begin its own.
         if (mblnEditing) CancelEdit();
         if (mobjSettings) mobjSettings->Valid = {};
         mobjFormPos.SaveForm();

@@ -16,32 +16,32 @@ namespace vantor {
 
 class CAppSettings;
 
-/// What the options dialog asks of the main window.
+/// What the options dialog needs from the main window.
 class OptionsOwner {
 public:
     virtual ~OptionsOwner() = default;
-    /// The names of the serial ports that the machine has now, in numeric order.
+    /// The names of the serial ports that are present now, in numeric order.
     virtual std::vector<std::string> CommPorts() const = 0;
 };
 
-/// What the user picks is set at once; OK and Apply keep it, and every other way to close the
-/// dialog takes it back. The settings are in no edit any more when the window has gone.
+/// Each selection is set at once; OK and Apply keep it, any other way to close the dialog reverts
+/// it. Once the window is gone, no edit is open.
 class frmConfigure : public Form {
 public:
     frmConfigure(Desktop& desktop, Platform& platform);
 
-    /// Shows `settings` and begins to edit them. Called after loading and before showing; both
-    /// outlive the loaded window.
+    /// Shows `settings` and begins to edit them. Called after loading and before showing;
+    /// both must outlive the loaded window.
     void Initialize(CAppSettings& settings, const OptionsOwner& owner);
 
-    /// Enables what would apply the settings.
+    /// Enables the buttons that apply the settings.
     void SetValid(bool valid);
 
     TreeView tvwOptions{*this, "tvwOptions"};
     PictureBox picSelection{*this, "picSelection"};
     PictureBox picDetails{*this, "picDetails"};
     Label lblDetails{*this, "lblDetails"};
-    /// The pages, all on the place of picDetails.
+    /// The pages, all at the position of picDetails.
     std::array<PictureBox, 1> picHolder{PictureBox{*this, "picHolder", 0}};
     /// Heading, port, baud rate, data bits, parity, stop bits.
     std::array<Label, 6> lblLabels{Label{*this, "lblLabels", 0}, Label{*this, "lblLabels", 1},
@@ -87,7 +87,7 @@ private:
     CAppSettings* mobjSettings = nullptr;
     const OptionsOwner* mobjOwner = nullptr;
     bool mblnLoading = false;  // the lists are being filled
-    bool mblnEditing = false;  // the edit that this dialog has begun is open
+    bool mblnEditing = false;  // the edit begun by this dialog is open
 };
 
 }  // namespace vantor

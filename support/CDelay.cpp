@@ -15,8 +15,8 @@ void CDelay::Delay(std::int16_t ms) {
         if (Waiting) Waiting(cancel);
         if (cancel) return;
         if (passes % 10 == 0) {
-            // Never reached, since each pump resets the count: the wait is a busy loop that
-            // pumps on every pass. Kept so; a sleep would delay the receive event.
+            // Never reached, since each pump resets the count: the wait is a busy-wait that pumps
+            // on every pass. Kept on purpose: a sleep would delay the receive event.
             mClock.Sleep(1);
         } else {
             mPump.PumpPending();

@@ -8,7 +8,7 @@
 namespace vantor {
 namespace {
 
-/// `text` and NUL characters behind it, `size` characters in all.
+/// `text` padded with NULs to `size` characters.
 std::string Buffer(const std::string& text, std::int32_t size) {
     const std::size_t length = CharacterCount(text);
     if (size < 0 || length > static_cast<std::size_t>(size))
@@ -16,7 +16,7 @@ std::string Buffer(const std::string& text, std::int32_t size) {
     return text + std::string(static_cast<std::size_t>(size) - length, '\0');
 }
 
-/// With several files chosen, folder and names come divided by single NULs; a pair ends them.
+/// A multiple selection is the folder and the names, separated by a NUL and terminated by two.
 std::string Cleaned(std::string buffer) {
     using namespace std::string_literals;
     buffer.resize(std::min(buffer.size(), buffer.find("\0\0"s)));

@@ -1,4 +1,4 @@
-// The common open and save dialogs behind a few properties.
+// Properties for the common open and save dialogs.
 #pragma once
 
 #include <cstdint>
@@ -12,22 +12,21 @@ class CFileDialog {
 public:
     explicit CFileDialog(CommonDialogs& dialogs) : mDialogs(dialogs) {}
 
-    // The properties go into the dialog's record as they stand. Texts are UTF-8.
+    // Copied unchanged into `FileDialogRecord`. Strings are UTF-8.
     std::string DefaultExt;
     std::string DialogTitle;
     std::string FileName;          ///< in and out: the full path
     std::string FileTitle;         ///< in and out: the name without folder
-    std::string Filter;            ///< pairs of description and pattern, parts joined by "|"
+    std::string Filter;            ///< description and pattern pairs, separated by "|"
     std::int32_t FilterIndex = 0;  ///< passed in; the user's choice is not read back
     std::int32_t Flags = 0;        ///< the common dialog's flag bits
     NativeWindow hWndParent = 0;
     std::string InitialDir;
     std::int32_t MaxFileSize = 260;  ///< size of both name buffers in characters
 
-    /// Shows the open dialog or the save dialog. True when the user confirmed a file; FileName
-    /// and FileTitle then hold it, and otherwise what they held before (a cancel and a dialog
-    /// that fails to open look the same). A FileName longer than MaxFileSize is reported as an
-    /// overflow.
+    /// Shows the open or the save dialog. Returns true when the user confirmed a file;
+    /// FileName and FileTitle then hold it. On cancel and on failure both are unchanged.
+    /// A FileName longer than MaxFileSize is reported as an overflow.
     bool Show(bool openDialog);
 
 private:

@@ -1,12 +1,11 @@
-// The wait cursor for the span of a procedure.
+// The wait cursor for the duration of a procedure.
 #pragma once
 
 namespace vantor {
 
 class Peers;
 
-/// Sets the default pointer again when destroyed, however the procedure ends and whatever
-/// `Value` was.
+/// Restores the default pointer on destruction, on every exit path and whatever `Value` was.
 class CHourglass {
 public:
     explicit CHourglass(Peers& peers) : mPeers(peers) {}

@@ -1,4 +1,4 @@
-// The stopwatch on the system's millisecond clock.
+// A stopwatch on the system's millisecond clock.
 #pragma once
 
 #include <cstdint>
@@ -7,23 +7,23 @@
 
 namespace vantor {
 
-/// Measures the sum of its runs, in 32-bit signed milliseconds: a sum that does not fit raises
-/// RuntimeError 6, and a run of more than 24.8 days reads as a negative time.
+/// Adds up its runs in 32-bit signed milliseconds. A sum that does not fit raises RuntimeError 6;
+/// a run of more than 24.8 days reads as a negative time.
 class CMMTimer {
 public:
     explicit CMMTimer(const Clock& clock) : mClock(clock) {}
 
-    /// Divisor from milliseconds to the unit of `ElapsedTime`: 1000, so seconds, at creation.
+    /// Divisor from milliseconds to the unit of `ElapsedTime`. Default: 1000 (seconds).
     std::int32_t ScaleFactor() const { return mScaleFactor; }
     void ScaleFactor(std::int32_t factor) { mScaleFactor = factor; }
 
-    /// Starts from 0.
+    /// Resets the sum and starts a run.
     void StartTimer();
     /// Ends the current run.
     void StopTimer();
-    /// Goes on from where it stopped.
+    /// Starts another run and keeps the sum.
     void ResumeTimer();
-    /// Sum of the runs, the current one included, in units of the scale factor; 0 before any.
+    /// Sum of all runs, including the current one, in units of the scale factor; 0 before any.
     double ElapsedTime() const;
 
 private:
@@ -32,7 +32,7 @@ private:
     const Clock& mClock;
     std::int32_t mScaleFactor = 1000;
     std::int32_t mAccumulatedMs = 0;
-    std::int32_t mStartTime = 0;  // 0 when no run is going
+    std::int32_t mStartTime = 0;  // 0 when not running
     bool mStopped = false;
 };
 

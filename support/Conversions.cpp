@@ -16,8 +16,8 @@ bool IsDigit(char c) {
     return c >= '0' && c <= '9';
 }
 
-/// Length of the decimal number at the start of `text`, which holds no blanks: 0 when there is
-/// none. An exponent counts only when digits follow it.
+/// Length of the decimal number at the start of `text`, which holds no spaces; 0 when there
+/// is none. An exponent counts only when digits follow it.
 std::size_t DecimalLength(std::string_view text) {
     std::size_t at = 0;
     const auto digits = [&text, &at] {
@@ -50,13 +50,13 @@ double ParseDecimal(std::string_view number) {
     const auto [end, error] =
         std::from_chars(plain.data() + skip, plain.data() + plain.size(), value);
     if (error != std::errc::result_out_of_range) return value;
-    // Too large is an error; too small is as good as nothing.
+    // Overflow is an error; an underflow is not, and gives 0 or a subnormal number.
     value = std::strtod(plain.c_str(), nullptr);
     if (std::isinf(value)) throw RuntimeError(ErrorNumber::Overflow);
     return value;
 }
 
-/// The 32-bit pattern of "&H1F" or "&O17"; one that fits 16 bits is read as a 16-bit number.
+/// The 32-bit pattern of "&H1F" or "&O17"; a value that fits in 16 bits is read as signed 16-bit.
 std::optional<double> ParseRadix(std::string_view text) {
     if (text.size() < 3 || text[0] != '&') return std::nullopt;
     const std::string letter = UpperCase(text.substr(1, 1));
@@ -80,7 +80,7 @@ std::optional<double> WholeNumber(std::string_view text) {
 
 template <typename Integer>
 Integer Rounded(double value) {
-    // The default rounding mode of the language is to nearest, halves to even.
+    // In the default rounding mode std::nearbyint rounds half to even.
     const double rounded = std::nearbyint(value);
     if (!(rounded >= std::numeric_limits<Integer>::min() &&
           rounded <= std::numeric_limits<Integer>::max()))

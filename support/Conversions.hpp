@@ -1,5 +1,5 @@
-// Conversions between texts and numbers with the rules that the stored settings and the window
-// designs rely on. Digits are ASCII, the decimal separator is a point, in every language.
+// Conversions between text and numbers by the rules that the stored settings and the window designs
+// rely on. Digits are ASCII and the decimal separator is a point, whatever the locale.
 #pragma once
 
 #include <cstddef>
@@ -9,16 +9,16 @@
 
 namespace vantor {
 
-/// `text` without blanks (character 32 only) at both ends.
+/// `text` without leading and trailing spaces (character 32 only).
 std::string_view TrimBlanks(std::string_view text);
 
-/// The number at the start of `text`: leading blanks are skipped, then sign, digits, point and
-/// exponent are read up to the first character that is no part of a number. 0 without one.
-/// Raises RuntimeError 6 when it is too large for a double.
+/// Parses the number at the start of `text`: skips leading spaces, then reads sign,
+/// digits, point and exponent up to the first character that is not part of a number.
+/// Returns 0 when there is none. Raises RuntimeError 6 when it is too large for a double.
 double LeadingNumber(std::string_view text);
 
-/// True when the whole of `text`, blanks around it aside, is a number: sign, digits with at
-/// most one point, exponent, or a hexadecimal "&H" or octal "&O" integer.
+/// True when all of `text`, surrounding spaces aside, is a number: sign, digits with at most one
+/// point, exponent, or a hexadecimal "&H" or octal "&O" integer.
 bool IsNumeric(std::string_view text);
 
 /// `text` as a number. Raises RuntimeError 13 when it is not numeric.
@@ -32,7 +32,7 @@ std::int32_t ToInt32(double value);
 std::int16_t ToInt16(std::string_view text);
 std::int32_t ToInt32(std::string_view text);
 
-/// "True" or "False" in any letter case, or a number, of which all but 0 are true.
+/// Accepts "True" and "False", case-insensitive, and numbers, of which all but 0 are true.
 /// Raises RuntimeError 13 for anything else.
 bool ToBool(std::string_view text);
 
@@ -46,14 +46,14 @@ std::string TwoDigits(std::int32_t value);
 std::int32_t CheckedAdd(std::int32_t a, std::int32_t b);
 std::int32_t CheckedMultiply(std::int32_t a, std::int32_t b);
 
-/// Number of characters in UTF-8 text. In text that is none, a stray continuation byte belongs
-/// to the character before it.
+/// Number of characters in UTF-8 text. A stray continuation byte in invalid UTF-8 counts as part of
+/// the preceding character.
 std::size_t CharacterCount(std::string_view utf8);
 
-/// `utf8` as a field of exactly `width` characters: blanks added on the right, or cut.
+/// `utf8` padded with spaces, or truncated, to exactly `width` characters.
 std::string FixedWidth(std::string_view utf8, std::size_t width);
 
-/// `text` with every ASCII letter in upper case.
+/// `text` with ASCII letters in upper case.
 std::string UpperCase(std::string_view text);
 
 }  // namespace vantor

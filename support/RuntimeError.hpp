@@ -1,5 +1,5 @@
-// The numbered run-time error that every procedure raises, and its mapping from the errors of
-// the standard library. Showing or writing an error is the business of the traps and their sink.
+// The numbered run-time error that every procedure raises, and its mapping from exceptions of
+// the standard library. Reporting errors is up to the traps and their sink.
 #pragma once
 
 #include <cstdint>
@@ -9,7 +9,7 @@
 
 namespace vantor {
 
-/// The classic run-time error numbers that this program raises or tests for.
+/// The run-time error numbers that this program raises or tests for.
 enum class ErrorNumber : std::int32_t {
     InvalidCall = 5,
     Overflow = 6,
@@ -35,17 +35,17 @@ enum class ErrorNumber : std::int32_t {
     InvalidPicture = 481,
 };
 
-/// Errors of business objects count from here (hexadecimal 80040000).
+/// Base of the error numbers of business objects (0x80040000).
 inline constexpr std::int32_t kObjectError = -2147221504;
 
-/// The text that goes with `number` when an error carries no description of its own;
-/// "Application-defined or object-defined error" for a number outside the table.
+/// Standard description of `number`, used when an error has none of its own; "Application-defined
+/// or object-defined error" for an unknown number.
 std::string StandardDescription(std::int32_t number);
 
 /// An error with the number, description and source that the reports show.
 class RuntimeError : public std::exception {
 public:
-    /// An empty `description` takes the standard one of `number`.
+    /// An empty `description` selects the standard one of `number`.
     explicit RuntimeError(std::int32_t number, std::string description = {},
                           std::string source = {});
     explicit RuntimeError(ErrorNumber number, std::string description = {});
@@ -69,9 +69,9 @@ private:
     std::string mSource;
 };
 
-/// The error now being handled, standard-library exceptions mapped to their classic numbers
-/// (std::bad_alloc 7, std::out_of_range 9, std::overflow_error 6 ...). Call it from a catch
-/// block only; outside one it is error 51.
+/// The exception being handled. Standard-library exceptions map to run-time error numbers
+/// (std::bad_alloc 7, std::out_of_range 9, std::overflow_error 6 ...). Call it from a catch block
+/// only; elsewhere it returns error 51.
 RuntimeError PendingError();
 
 }  // namespace vantor

@@ -10,7 +10,7 @@
 
 namespace vantor {
 
-/// Where trapped errors go. The one error handler of the process implements it.
+/// Receives trapped errors. The error handler of the process implements it.
 class ErrorSink {
 public:
     virtual ~ErrorSink() = default;
@@ -18,23 +18,23 @@ public:
     virtual void Push(std::string_view name) = 0;
     /// The procedure pushed last ends.
     virtual void Pop() = 0;
-    /// Reports the error now being handled (see PendingError). Never throws.
+    /// Reports the error being handled (see PendingError). Never throws.
     virtual void HandleError() = 0;
     /// Shows `text` under `title` with an OK button and no icon. Never throws.
     virtual void ShowBox(std::string_view title, std::string_view text) = 0;
 };
 
-/// Installs the sink that all traps of the process report to; null removes it.
-/// The sink is not owned and must outlive every trap. Returns the one installed before.
+/// Installs the process-wide sink of all traps; null removes it. Returns the previous one.
+/// The sink is not owned and must outlive every trap.
 ErrorSink* SetErrorSink(ErrorSink* sink) noexcept;
 
-/// Runs `body` as the procedure `name`; an error is handed to the error handler and ends the
-/// procedure. `exit`, when given, runs on both exits, after a report and before the name is
-/// popped; its own error is reported likewise. True when no error was reported.
+/// Runs `body` as the procedure `name`. An error is passed to the sink and ends the procedure.
+/// `exit`, if given, runs in either case, after the report and before the name is popped;
+/// its own error is reported too. Returns true when no error was reported.
 bool Trapped(std::string_view name, const std::function<void()>& body,
              const std::function<void()>& exit = {});
 
-/// Runs `body`; an error goes on to the caller with `source` as its source.
+/// Runs `body`; rethrows an error with `source` as its source.
 template <typename Body>
 auto Raising(std::string_view source, Body&& body) {
     try {
@@ -44,16 +44,16 @@ auto Raising(std::string_view source, Body&& body) {
     }
 }
 
-/// Runs `body`; an error is shown in the class's own box "Error: number. description", titled
-/// `name`, and ends the procedure. True when there was none.
+/// Runs `body`. An error is shown in a box "Error: number. description", titled `name`,
+/// and ends the procedure. Returns true when there was none.
 bool Boxed(std::string_view name, const std::function<void()>& body);
 
-/// Runs a class's set-up or one of the support module's procedures; an error is shown under
-/// `title` as "An error has occured in `where` " with its number, description and line.
+/// Runs the initialisation of a class, or a procedure of the support module. An error is shown
+/// under `title` as "An error has occured in `where` " with its number, description and line.
 bool BoxedSetup(std::string_view where, const std::function<void()>& body);
 
-/// Runs one statement whose error is dropped on purpose, so that the next one still runs.
-/// True when there was none, for the caller whose answer to any error is the same.
+/// Runs one statement and ignores its error, so that the next one still runs.
+/// Returns true when there was none, for callers that treat all errors alike.
 bool Ignoring(const std::function<void()>& step) noexcept;
 
 /// Hands the error now being handled to the error handler, as one of the procedure `name`. Without

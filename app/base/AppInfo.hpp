@@ -1,4 +1,4 @@
-// What the program knows about itself.
+// The program's identity and version.
 #pragma once
 
 #include <cstdint>
@@ -8,8 +8,8 @@
 
 namespace vantor {
 
-/// The application's own version data, as stamped into the build. The title and the company are
-/// parts of the registry path, so they never change.
+/// The application's version data from the build. Title and company are parts of the registry path,
+/// so they never change.
 struct AppInfo {
     std::string title = VANTOR_TITLE;
     std::string companyName = VANTOR_COMPANY;

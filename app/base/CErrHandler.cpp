@@ -27,7 +27,7 @@ std::string ErrorLogPath(const Folders& folders) {
 }
 
 CErrHandler::CErrHandler(const Services& services) : mServices(services) {
-    // No sink is installed yet; this handler's own box tells of its failed set-up.
+    // No sink is installed yet; this handler's own box reports a failed initialisation.
     ErrorSink* const before = SetErrorSink(this);
     BoxedSetup("Morvane.CErrHandler.Class_Initialize",
                [this] { mStack.reserve(mMaxProcStackItems); });
@@ -65,7 +65,7 @@ void CErrHandler::Pop() {
 }
 
 void CErrHandler::Trace(std::string_view mark, std::string_view name) {
-    // A trace that cannot be written must not stop the procedure that it traces.
+    // A failed write must not stop the traced procedure.
     Ignoring([&] {
         std::string line = std::to_string(mServices.clock.Milliseconds()) + " ";
         line.append(2 * (mStack.size() - 1), ' ').append(mark).append(name).append(kLineEnd);
@@ -170,7 +170,7 @@ void CErrHandler::WriteReport(const std::string& procedure) {
         WriteRecord(std::get<std::shared_ptr<ErrorRecordSet>>(mDestination), procedure);
 }
 
-// The file holds the most recent error only, which is what a technician is asked to send in.
+// The file holds only the latest error, which a technician is asked to send in.
 void CErrHandler::WriteFile(const std::string& path, const std::string& procedure) {
     if (const std::size_t slash = path.find_last_of("\\/"); slash != std::string::npos)
         Ignoring([&] { mServices.files.CreateFolders(path.substr(0, slash)); });

@@ -1,5 +1,5 @@
-// The one error reporter of the program: the stack of running procedures, the message box and
-// the report. It shows and writes errors; what happens next is the procedure's business.
+// The error reporter of the program: the stack of running procedures, the message box and
+// the report. It shows and writes errors; it does not decide how a procedure continues.
 #pragma once
 
 #include <cstddef>
@@ -21,14 +21,14 @@ class Folders;
 class MessageBoxes;
 class Process;
 
-/// Anything that may be assigned as a destination. Only a record set is accepted.
+/// Any object that may be assigned as a destination. Only a record set is accepted.
 class DestinationObject {
 public:
     virtual ~DestinationObject() = default;
     virtual std::string TypeName() const = 0;
 };
 
-/// A database table that takes error records. Its operations may raise anything.
+/// A database table for error records. Its operations may raise anything.
 class ErrorRecordSet : public DestinationObject {
 public:
     virtual void Open() = 0;
@@ -54,13 +54,13 @@ public:
     /// `services` must outlive the handler.
     explicit CErrHandler(const Services& services);
 
-    /// The application's title, above every box; taken from the application when left empty.
+    /// The application's title, shown above every box; default: that of the application.
     std::string Title;
     /// Show the message box.
     bool DisplayMsgOnError = false;
     /// Add the "Additional Information" section to the report.
     bool IncludeExpandedInfo = false;
-    /// What the program was doing; reported when set.
+    /// The current operation; reported when set.
     std::string CurrentOperation;
     /// Name of the table in messages about the record set.
     std::string ErrorsTable = "Errors";
@@ -70,26 +70,25 @@ public:
     /// Raised last, unless the report was cancelled.
     std::function<void()> AfterHandlerCalled;
 
-    /// Where reports go: the path of the report file ("C:\ERRORS.TXT" at creation), or a record
-    /// set. Any other object raises "Invalid object type: " and its type name; a null pointer
-    /// stands for a record set not yet assigned.
+    /// The destination of reports: the path of the report file ("C:\ERRORS.TXT" initially),
+    /// or a record set. Any other object raises "Invalid object type: " and its type name;
+    /// a null pointer is a record set that is not assigned yet.
     void Destination(std::string path) { mDestination = std::move(path); }
     void Destination(std::shared_ptr<DestinationObject> object);
     const std::variant<std::string, std::shared_ptr<ErrorRecordSet>>& Destination() const {
         return mDestination;
     }
 
-    /// Capacity reserved for the procedure stack; deeper nesting grows it by as much again.
+    /// Reserved capacity of the procedure stack; deeper nesting grows it by the same amount.
     void MaxProcStackItems(std::size_t items);
     std::size_t MaxProcStackItems() const { return mMaxProcStackItems; }
 
-    /// Switching it on deletes "trace.log" in the program's folder and opens it anew; every
-    /// procedure's begin and end is then written to it, a line each, with the clock's time in
-    /// milliseconds.
+    /// Enabling it replaces "trace.log" in the program's folder by an empty file. Every start and
+    /// end of a procedure is then logged there, one line each, with the clock time in milliseconds.
     void TraceExecution(bool trace);
     bool TraceExecution() const { return mTraceExecution; }
 
-    /// Number, description and line of the error reported last.
+    /// Number, description and line of the last reported error.
     const RuntimeError& LastError() const { return mLastError; }
 
     void Push(std::string_view name) override;

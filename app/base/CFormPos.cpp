@@ -13,19 +13,19 @@
 namespace vantor {
 namespace {
 
-/// A single-precision number in plain decimal text.
+/// A single-precision number as decimal text.
 std::string Decimal(float number) {
     std::array<char, 64> text{};
     const int length = std::snprintf(text.data(), text.size(), "%.7g", static_cast<double>(number));
     return {text.data(), static_cast<std::size_t>(length)};
 }
 
-/// Takes the number behind `marker` into `quantity`; leaves it where the marker is missing.
+/// Sets `quantity` to the number after `marker`; leaves it unchanged when the marker is missing.
 void TakeNumber(std::string_view record, std::string_view marker, float& quantity) {
     const std::size_t at = record.find(marker);
     if (at == std::string_view::npos) return;
     const double number = LeadingNumber(record.substr(at + marker.size()));
-    // Beyond 32 bits no place can be meant, and none can be computed with.
+    // A number beyond 32 bits is no valid position and would overflow in arithmetic.
     static_cast<void>(ToInt32(number));
     quantity = static_cast<float>(number);
 }

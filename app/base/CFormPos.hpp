@@ -1,4 +1,4 @@
-// Where a window was and how large: remembered in the registry, put back the next time.
+// Stores the position and size of a window in the registry, and restores them.
 #pragma once
 
 #include <string>
@@ -10,9 +10,9 @@ namespace vantor {
 class CodePage;
 class Form;
 
-/// One window's position memory. The record is one text value named after the window:
-/// "L=left;T=top;W=width;H=height;S=state;", places in twips, state 0 normal, 1 minimised,
-/// 2 maximised. Errors are shown in the class's own boxes.
+/// The stored position of one window. The record is one string value named after the window:
+/// "L=left;T=top;W=width;H=height;S=state;", positions in twips, state 0 normal, 1 minimised,
+/// 2 maximised. Errors are shown in boxes of this class.
 class CFormPos {
 public:
     CFormPos(vantor::Registry& registry, const CodePage& codePage);
@@ -22,16 +22,16 @@ public:
     std::string RegistryPath;  ///< at first that of the program
     std::string SubKey;        ///< "Positions" at first
 
-    /// Writes the record of the window as it is now.
+    /// Writes the record of the window's current state.
     void SaveForm();
 
-    /// Applies the record; false, with nothing changed, when there is none. A minimised or
-    /// maximised state is taken without the place. With `keepOnScreen` a window whose corner
-    /// lies off the right or bottom edge is pulled back, one that overhangs is left. A number
-    /// beyond 32 bits and a negative size are errors (6, 380).
+    /// Applies the record; returns false, with nothing changed, when there is none. For a minimised
+    /// or maximised state only the state is applied. With `keepOnScreen`, a window whose corner
+    /// is beyond the right or bottom edge is moved back; one that only overlaps the edge is not.
+    /// A number beyond 32 bits and a negative size raise errors (6, 380).
     bool RestoreForm(bool keepOnScreen);
 
-    /// Moves the window to the middle of the screen, its size unchanged.
+    /// Centres the window on the screen without changing its size.
     void CenterForm();
 
 private:

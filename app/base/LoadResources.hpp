@@ -1,4 +1,4 @@
-// Translating a window in place.
+// Translates a window at run time.
 #pragma once
 
 #include <cstdint>
@@ -8,17 +8,17 @@ namespace vantor {
 class Form;
 class StringTable;
 
-/// Which of a window's parts `TranslateForm` looks at.
+/// The parts of a window that `TranslateForm` translates.
 enum class Translate : std::uint8_t { All, WithoutMenusAndTitle };
 
 /// Replaces every annotated caption of `form` by its text: menu entries whose caption begins with
-/// a number other than 0, labels and buttons with a tag, then the title when the window has a
-/// tag. An entry without a number keeps its design text; a tag that is not a number raises 13,
-/// an unknown number 326. What was set before an error stays set.
+/// a number other than 0, labels and buttons with a tag, then the title when the window has a tag.
+/// An entry without a number keeps its design text. A tag that is not a number raises 13,
+/// an unknown number 326; replacements made before an error are kept.
 void TranslateForm(Form& form, const StringTable& strings, Translate what = Translate::All);
 
-/// The common LoadResources procedure of the windows: TranslateForm, errors reported under the
-/// window's name.
+/// The LoadResources procedure of all windows: calls TranslateForm and reports errors
+/// under the window's name.
 void LoadResources(Form& form, const StringTable& strings, Translate what = Translate::All);
 
 }  // namespace vantor

@@ -7,7 +7,7 @@
 namespace vantor {
 namespace {
 
-/// Closes an open key when it goes. What cannot be closed again is the system's loss.
+/// Closes an open key on destruction. A failed close is ignored.
 class KeyCloser {
 public:
     KeyCloser(Registry& registry, RegistryKey key) : mRegistry(registry), mKey(key) {}
@@ -20,7 +20,7 @@ private:
     RegistryKey mKey;
 };
 
-// First the type and the size, with no buffer; then the value itself.
+// First the type and the size, without a buffer; then the value itself.
 StoredValue QueryOpenKey(Registry& registry, const CodePage& codePage, RegistryKey key,
                          const std::string& name) {
     std::uint32_t type = 0;
@@ -65,7 +65,7 @@ void WriteStoredText(Registry& registry, const CodePage& codePage, RegistryRoot 
     const KeyCloser closer(registry, key);
     std::string bytes = codePage.ToAnsi(text);
     bytes += '\0';
-    // A failed write is silent: the program goes on with what it holds.
+    // A failed write is silent: the program continues with the value in memory.
     static_cast<void>(registry.SetValue(key, codePage.ToAnsi(name), type, bytes));
 }
 

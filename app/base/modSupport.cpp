@@ -12,7 +12,7 @@ std::string AppPath(const Process& process) {
     std::string folder;
     BoxedSetup("Pellin.modSupport.AppPath", [&] {
         const std::string path = process.ExecutablePath();
-        // Off Windows the system reports its own separator.
+        // On POSIX the path has "/" separators.
         folder = AddFinalSlash(path.substr(0, path.find_last_of("\\/")));
     });
     return folder;

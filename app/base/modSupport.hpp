@@ -1,4 +1,4 @@
-// Three small procedures that are used everywhere.
+// Three small procedures used by all modules.
 #pragma once
 
 #include <string>
@@ -8,11 +8,11 @@ namespace vantor {
 class MessagePump;
 class Process;
 
-/// The folder of the program's file, with a final backslash.
-/// An error is shown in the module's own box; the result is then empty.
+/// The folder of the program's file, with a trailing backslash. An error is shown in a box of this
+/// module; the result is then empty.
 std::string AppPath(const Process& process);
 
-/// `path` with a final "\", added when its last character is another one (or there is none).
+/// `path` with a trailing "\", added when its last character is another one (or there is none).
 std::string AddFinalSlash(const std::string& path);
 
 /// A cheap message pump for wait loops: pumps on every second call. Never raises.

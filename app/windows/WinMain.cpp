@@ -1,4 +1,4 @@
-// The Windows program's entry point: takes the platform, starts the house, runs the message loop.
+// Entry point of the Windows program: creates the platform, starts the application, runs the pump.
 #include "app/base/AppInfo.hpp"
 #include "app/modStartup.hpp"
 #include "platform/NativePlatform.hpp"

@@ -23,7 +23,7 @@ void FaultyLine::Opened(const LineSettings& line) {
 }
 
 void FaultyLine::Closed() {
-    // After an unplugging the device has been told already.
+    // After an unplug the device has already been closed.
     if (!mOpen) return;
     Deliver(kEndOfTime);
     if (!mOpen) return;
@@ -88,7 +88,7 @@ void FaultyLine::PassByte(Lane& lane, char byte) {
     lane.freeAt += lane.splitMs;
 }
 
-// What is still on its way goes with the cable.
+// Bytes still in transit are lost with the connection.
 void FaultyLine::UnplugIfDue() {
     for (const Lane& lane : mLanes)
         for (const LineFault& fault : lane.faults)

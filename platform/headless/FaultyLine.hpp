@@ -1,5 +1,5 @@
-// A serial line that is out of order: it stands between a headless port and its far end, forwards
-// both directions, and does harm at stated bytes. What the bytes mean is no matter to it.
+// Fault injection for a serial line: forwards both directions between a headless port and its far
+// end, and injects faults at given bytes. It does not interpret the bytes.
 #pragma once
 
 #include <array>
@@ -19,35 +19,35 @@ enum class Direction : std::uint8_t { ToDevice, ToHost };
 
 enum class LineFaultKind : std::uint8_t {
     Drop,    ///< the byte is lost
-    Double,  ///< the byte comes twice
-    Garble,  ///< the lowest bit of the byte is turned over
-    Delay,   ///< the byte, and what follows it, comes `ms` later
-    Split,   ///< the byte and the 15 behind it come one by one, `ms` apart
-    Unplug,  ///< when so many bytes have passed, the device is gone for good
+    Double,  ///< the byte is duplicated
+    Garble,  ///< the lowest bit of the byte is inverted
+    Delay,   ///< the byte, and what follows it, arrives `ms` later
+    Split,   ///< the byte and the next 15 arrive one by one, `ms` apart
+    Unplug,  ///< once so many bytes have passed, the device is lost for good
 };
 
 struct LineFault {
     LineFaultKind kind = LineFaultKind::Drop;
     Direction direction = Direction::ToDevice;
-    /// Which byte of the direction, from 0, counted as the sender sent them since the line was
-    /// made, over all openings. A byte that has passed already is never struck; `Unplug` at such
-    /// a one strikes at once.
+    /// Index of the byte in its direction, from 0, counted as sent since construction,
+    /// over all openings. A byte that has already passed is not affected, except that `Unplug` at
+    /// such a one acts at once.
     std::size_t byte = 0;
     std::uint32_t ms = 0;  ///< `Delay`, `Split`: 0 to 3,600,000
 
     friend bool operator==(const LineFault&, const LineFault&) = default;
 };
 
-/// Used from one thread. Order is kept: nothing overtakes a delayed byte. Bytes move when the
-/// host sends or looks. Those still on their way to the device when the host closes arrive
-/// first; those on their way to the host are then lost.
+/// Used from one thread. Order is preserved: no byte overtakes a delayed one.
+/// Bytes move when the host writes or polls. When the host closes, bytes in transit to the device
+/// are delivered first; those in transit to the host are then lost.
 class FaultyLine : public FarEnd {
 public:
     /// Both outlive the line.
     FaultyLine(FarEnd& device, const Clock& clock) : mDevice(device), mClock(clock) {}
 
     void Add(const LineFault& fault);
-    /// Bytes of `direction` that the sender has sent so far.
+    /// Bytes sent in `direction` so far.
     std::size_t Passed(Direction direction) const { return LaneOf(direction).passed; }
 
     void Opened(const LineSettings& line) override;
@@ -65,7 +65,7 @@ private:
         std::size_t passed = 0;
         std::vector<LineFault> faults;
         std::deque<Underway> bytes;
-        std::uint32_t freeAt = 0;  // no byte arrives before
+        std::uint32_t freeAt = 0;  // earliest arrival of the next byte
         std::size_t splitBytes = 0;
         std::uint32_t splitMs = 0;
     };

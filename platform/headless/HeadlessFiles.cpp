@@ -9,7 +9,7 @@
 
 namespace vantor {
 
-/// `path` with "/" between its parts, none of them empty or ".".
+/// `path` with "/" separators, without empty or "." parts.
 std::string HeadlessFiles::Normal(const std::string& path) {
     std::string normal;
     for (std::size_t at = 0; at < path.size();) {

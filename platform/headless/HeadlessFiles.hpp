@@ -1,5 +1,5 @@
-// A file system in memory for tests. Paths are compared with letter case, "\" and "/" alike.
-// It knows no rights, no links and no current folder.
+// An in-memory file system for tests. Paths are case-sensitive; "\" and "/" are equivalent.
+// It has no permissions, no links and no current folder.
 #pragma once
 
 #include <cstdint>
@@ -27,13 +27,13 @@ public:
     std::vector<std::string> List(const std::string& folder, const std::string& pattern,
                                   ListFilter filter) const override;
 
-    /// Puts a file there, with the folders above it.
+    /// Adds a file and its parent folders.
     void Add(const std::string& path, std::string_view bytes);
 
-    /// From now on every operation on `path` that may raise raises `errorNumber`; 0 ends that.
+    /// Every operation on `path` that can raise raises `errorNumber` from now on; 0 ends that.
     void FailOn(const std::string& path, std::int32_t errorNumber);
 
-    /// Makes `path` a file that is there when asked for and gone (53) when used.
+    /// Makes `path` a file that exists when checked and is gone (error 53) when used.
     void MakeVanishing(const std::string& path);
 
     /// From now on `path` cannot be deleted (70).

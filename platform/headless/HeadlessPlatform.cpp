@@ -28,7 +28,7 @@ public:
         if (told) told(control, property);
     }
     void DrawLine(const ThinLine& line) override { mPeers.lines.push_back(line); }
-    // Letters of one width: no font decides what a test sees.
+    // A fixed letter width: the results of tests depend on no font.
     Size TextSize(const Control&, const std::string&, const std::string& text) const override {
         constexpr float kLetter = 100;
         constexpr float kLine = 200;

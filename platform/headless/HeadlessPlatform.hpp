@@ -1,5 +1,5 @@
-// A whole platform without a screen, on a clock that only the message pump moves: each pump is
-// one millisecond. Boxes and dialogs are answered from a script and recorded.
+// A complete platform without a screen. Only the message pump advances its clock:
+// one millisecond per pump. Boxes and dialogs are answered from a script and recorded.
 #pragma once
 
 #include <cstdint>
@@ -62,7 +62,7 @@ public:
     bool refuse = false;  ///< no timer can be made
 
 protected:
-    void Rest() override {}  // each pump has moved the clock already
+    void Rest() override {}  // each pump has already advanced the clock
 };
 
 class HeadlessDialogs : public CommonDialogs {
@@ -71,7 +71,7 @@ public:
     bool SaveFile(FileDialogRecord& record) override { return Answer(record); }
 
     std::vector<FileDialogRecord> shown;
-    std::deque<std::string> choices;  ///< paths taken one by one; then every dialog is cancelled
+    std::deque<std::string> choices;  ///< paths used in order; then every dialog is cancelled
 
 private:
     bool Answer(FileDialogRecord& record);
@@ -97,12 +97,12 @@ public:
     void InstallUnhandledExceptionFilter(const std::string&) override { ++filters; }
 
     std::vector<std::string> arguments;
-    std::string executable = "/opt/vantor/tsupdate";  ///< empty: the system does not tell
+    std::string executable = "/opt/vantor/tsupdate";  ///< empty: the system does not report it
     bool anotherRuns = false;
     int filters = 0;
 };
 
-/// Draws nothing; remembers what was shown.
+/// Draws nothing; records what was shown.
 class HeadlessPeers : public Peers {
 public:
     /// Raises RuntimeError 7 while `refuse` is set.
@@ -118,7 +118,7 @@ public:
     /// Stands for the user of a modal window, which returns after it.
     std::function<void(Form&)> whileModal;
     std::vector<ThinLine> lines;  ///< drawn on forms
-    std::string held;             ///< why the system is held; empty when it is not
+    std::string held;             ///< reason that blocks shutdown; empty when none does
     MousePointer pointer = MousePointer::Default;
     std::vector<std::string> open;  ///< names of the forms that have a peer now
     bool refuse = false;            ///< no window can be made
@@ -148,7 +148,7 @@ private:
     const HeadlessPeers& mPeers;
 };
 
-/// Takes what the header tells to be a picture, except a file that says it is damaged.
+/// Accepts any file whose header is that of a picture, except one marked as damaged.
 class HeadlessPictures : public Pictures {
 public:
     explicit HeadlessPictures(const Files& files) : mFiles(files) {}
@@ -158,7 +158,7 @@ private:
     const Files& mFiles;
 };
 
-/// Remembers what it was asked to open.
+/// Records what it was asked to open.
 class HeadlessShell : public Shell {
 public:
     std::int32_t Execute(const ShellRequest& request) override {

@@ -63,7 +63,7 @@ public:
     }
 
 private:
-    /// The far end; raises when there is none any more.
+    /// The far end; raises when it is gone.
     FarEnd& Device() {
         const auto socket = mPorts.mSockets.find(mName);
         if (socket == mPorts.mSockets.end() || !socket->second.farEnd ||
@@ -110,7 +110,7 @@ std::unique_ptr<SerialPort> HeadlessSerialPorts::Open(const std::string& name,
 std::vector<SerialPortInfo> HeadlessSerialPorts::List() const {
     std::vector<SerialPortInfo> ports;
     for (const auto& entry : mSockets) ports.push_back({entry.first, entry.first, "in memory"});
-    // Among names of one stem the shorter number is the smaller.
+    // Among names with the same prefix, the shorter one has the smaller number.
     std::ranges::stable_sort(ports, {},
                              [](const SerialPortInfo& port) { return port.name.size(); });
     return ports;

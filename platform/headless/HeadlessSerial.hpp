@@ -1,5 +1,5 @@
-// Serial ports in memory: each is a wire to a far end in the same process. For tests, and for
-// practising without hardware.
+// In-memory serial ports: each connects to a far end in the same process. For tests,
+// and for practice without hardware.
 #pragma once
 
 #include <cstdint>
@@ -15,20 +15,20 @@
 
 namespace vantor {
 
-/// What is at the other end of a wire.
+/// The device at the other end of a line.
 class FarEnd {
 public:
     virtual ~FarEnd() = default;
     virtual void Opened(const LineSettings& line) = 0;
     virtual void Closed() = 0;
     virtual void Receive(std::string_view bytes) = 0;
-    /// Bytes that have come out since the last call.
+    /// Bytes sent since the last call.
     virtual std::string Transmit() = 0;
-    /// True when the device has gone away.
+    /// True when the device is gone.
     virtual bool HungUp() const = 0;
 };
 
-/// A virtual indicator as a far end, on the time of `clock`.
+/// Connects a virtual indicator as far end, with the time of `clock`.
 class IndicatorFarEnd : public FarEnd {
 public:
     /// Both outlive the far end.
@@ -52,14 +52,14 @@ class HeadlessSerialPorts : public SerialPorts {
 public:
     explicit HeadlessSerialPorts(PolledPump& pump) : mPump(pump) {}
 
-    /// The port `name` exists from now on and leads to `farEnd`, which outlives its use.
+    /// Adds the port `name`, connected to `farEnd`, which must outlive its use.
     void Plug(const std::string& name, FarEnd& farEnd) { mSockets[name].farEnd = &farEnd; }
-    /// The port disappears, under an open line too.
+    /// Removes the port, even while it is open.
     void Unplug(const std::string& name) { mSockets.erase(name); }
-    /// Another program holds the port, or gives it back.
+    /// Simulates another program that opens or closes the port.
     void Hold(const std::string& name, bool held) { mSockets[name].busy = held; }
     bool IsOpen(const std::string& name) const;
-    /// Most bytes that one write takes, to imitate a driver whose buffer is full.
+    /// Maximum bytes per write, to simulate a driver with a full buffer.
     void LimitWrites(std::size_t bytes) { mWriteLimit = bytes; }
 
     std::unique_ptr<SerialPort> Open(const std::string& name, const LineSettings& line) override;

@@ -8,7 +8,7 @@ namespace vantor {
 
 std::uint32_t PosixClock::Milliseconds() const {
     timespec now{};
-    static_cast<void>(clock_gettime(CLOCK_MONOTONIC, &now));  // this clock is always there
+    static_cast<void>(clock_gettime(CLOCK_MONOTONIC, &now));  // this clock always exists
     const std::int64_t ms = static_cast<std::int64_t>(now.tv_sec) * 1000 + now.tv_nsec / 1000000;
     return static_cast<std::uint32_t>(ms);
 }
@@ -17,7 +17,7 @@ void PosixClock::Sleep(std::uint32_t ms) {
     timespec left{};
     left.tv_sec = static_cast<time_t>(ms / 1000);
     left.tv_nsec = static_cast<long>(ms % 1000) * 1000000;
-    // A signal ends the sleep early; "at least" is what callers rely on.
+    // A signal ends the sleep early; callers rely on the minimum.
     while (nanosleep(&left, &left) != 0 && errno == EINTR) continue;
 }
 

@@ -1,4 +1,4 @@
-// The system's clocks off Windows.
+// The system clocks on POSIX.
 #pragma once
 
 #include "platform/Clock.hpp"

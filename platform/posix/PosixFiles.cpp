@@ -17,7 +17,7 @@
 namespace vantor {
 namespace {
 
-constexpr mode_t kFileMode = 0666;    // the user's mask takes off what it must
+constexpr mode_t kFileMode = 0666;    // further restricted by the umask
 constexpr mode_t kFolderMode = 0777;  // likewise
 
 std::string HostPath(std::string path) {
@@ -60,7 +60,7 @@ std::optional<struct stat> StatusOf(const std::string& hostPath) {
 }
 
 PosixHandle Open(const std::string& hostPath, int flags) {
-    // Without O_NONBLOCK a named pipe in place of a file would hold us up for ever.
+    // Without O_NONBLOCK, opening a named pipe in place of a file would block for ever.
     const int allFlags = flags | O_CLOEXEC | O_NONBLOCK;
     PosixHandle file(Uninterrupted([&] { return open(hostPath.c_str(), allFlags, kFileMode); }));
     if (!file.IsOpen()) Raise(errno, hostPath);
@@ -156,7 +156,7 @@ void PosixFiles::CreateFolders(const std::string& path) {
         end = std::min(hostPath.find('/', end + 1), hostPath.size());
         const std::string folder = hostPath.substr(0, end);
         if (mkdir(folder.c_str(), kFolderMode) == 0) continue;
-        const int systemError = errno;  // the look at the folder below overwrites it
+        const int systemError = errno;  // the check of the folder below overwrites it
         const auto status = StatusOf(folder);
         if (status && S_ISDIR(status->st_mode)) continue;
         Raise(systemError, folder);

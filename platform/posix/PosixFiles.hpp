@@ -1,4 +1,4 @@
-// Files off Windows. "\" in a path means "/" here, and only here; names cannot contain it.
+// Files on POSIX. "\" in a path means "/" here, and only here; names cannot contain it.
 #pragma once
 
 #include "platform/Files.hpp"

@@ -15,7 +15,7 @@
 namespace vantor {
 namespace {
 
-/// The value of an environment variable that must be a full path; others are to be ignored.
+/// The value of an environment variable that must be an absolute path; other values are ignored.
 std::string PathFromEnvironment(const char* name) {
     const char* const value = std::getenv(name);
     return value != nullptr && *value == '/' ? value : std::string();
@@ -66,7 +66,7 @@ std::string FolderFromUserDirs(const std::string& file, std::string_view name,
     try {
         text = PosixFiles().ReadAll(file);
     } catch (const RuntimeError&) {
-        return {};  // most systems without a desktop have no such file
+        return {};  // systems without a desktop usually have no such file
     }
     std::string folder;
     for (std::string_view rest = text; !rest.empty();) {

@@ -1,11 +1,11 @@
-// The user's folders as the desktop conventions of free systems define them. Creates none.
+// The user's folders by the XDG conventions. Creates none.
 #pragma once
 
 #include "platform/Folders.hpp"
 
 namespace vantor {
 
-/// Paths come with "/" between their parts and none at the end.
+/// Paths use "/" and have no trailing one.
 class PosixFolders : public Folders {
 public:
     std::string ApplicationData() const override;

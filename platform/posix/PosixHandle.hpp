@@ -1,4 +1,4 @@
-// An open file of the system that closes itself. Not for reading or writing by itself.
+// Owns a file descriptor and closes it. Does no I/O.
 #pragma once
 
 #include <unistd.h>
@@ -17,7 +17,7 @@ public:
         std::swap(mDescriptor, other.mDescriptor);
         return *this;
     }
-    // Nothing can be done about a refused close: the descriptor is gone either way.
+    // A failed close needs no handling: the descriptor is released either way.
     ~PosixHandle() {
         if (IsOpen()) static_cast<void>(close(mDescriptor));
     }
@@ -29,7 +29,7 @@ private:
     int mDescriptor = -1;
 };
 
-/// Repeats the system call `call` while a signal interrupts it.
+/// Repeats the system call `call` while it fails with EINTR.
 template <typename Call>
 auto Uninterrupted(Call call) {
     auto result = call();

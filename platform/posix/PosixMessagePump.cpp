@@ -4,11 +4,11 @@
 
 namespace vantor {
 
-// A loop that only looked again and again would keep the system's own carrying of bytes off the
-// processor: what it waits for would come the later, the busier it looks for it.
+// Polling in a busy-wait would keep the kernel work that delivers the input off the processor and
+// so delay the input that it waits for.
 void PosixMessagePump::AwaitInput() {
     constexpr timespec kAtMost{.tv_sec = 0, .tv_nsec = 10'000'000};
-    // A signal ends the wait early, as input does; the caller looks for itself what there is.
+    // A signal ends the wait early, as input does; the caller checks for input itself.
     static_cast<void>(ppoll(mWatched.data(), mWatched.size(), &kAtMost, nullptr));
 }
 

@@ -1,4 +1,4 @@
-// The event loop off Windows: it knows the open serial devices, so that waiting costs nothing.
+// The event loop on POSIX. Watches the open serial devices, so waiting uses no processor time.
 #pragma once
 
 #include <vector>
@@ -13,10 +13,10 @@ class PosixMessagePump : public PolledPump {
 public:
     using PolledPump::PolledPump;
 
-    /// Sleeps in ppoll until one of the watched devices has input or has gone, at most 10 ms.
+    /// Blocks in ppoll until a watched device has input or is lost, at most 10 ms.
     void AwaitInput() override;
 
-    /// Counts the open file `descriptor` among the devices; it must stay open until `Unwatch`.
+    /// Adds `descriptor` to the watched devices; it must stay open until `Unwatch`.
     void Watch(int descriptor);
     void Unwatch(int descriptor);
 

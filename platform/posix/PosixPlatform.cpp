@@ -1,4 +1,4 @@
-// The native platform off Windows.
+// The native platform on POSIX.
 #include <utility>
 
 #include "platform/CodePage1252.hpp"

@@ -19,7 +19,7 @@
 namespace vantor {
 namespace {
 
-// What a signal handler uses is set up beforehand and never freed: it may run at any instruction.
+// What a signal handler uses is initialised beforehand and never freed: it may run at any time.
 constexpr std::size_t kAlternateStackSize = 65536;
 std::array<char, 256> gTitle{};
 std::array<char, kAlternateStackSize> gAlternateStack{};
@@ -44,7 +44,7 @@ constexpr std::array kSignalNames = {
     SignalName{SIGSEGV, 0, "Access Violation"},
 };
 
-// Async-signal-safe. There is nobody left to tell that the words did not get out.
+// Async-signal-safe. A failed write is ignored: there is no other channel to report it.
 void Say(std::string_view words) {
     while (!words.empty()) {
         const ssize_t count =
@@ -59,7 +59,7 @@ void SayTitle() {
     Say(": Unhandled Exception: ");
 }
 
-// The default action is back in place by now (SA_RESETHAND) and takes over on return.
+// The default action is restored by now (SA_RESETHAND) and runs on return.
 void OnFatalSignal(int signal, siginfo_t* info, void*) {
     std::string_view name;
     for (const SignalName& entry : kSignalNames) {
@@ -126,7 +126,7 @@ std::string PosixProcess::ExecutablePath() const {
 bool PosixProcess::AnotherInstanceRuns(const std::string& title) {
     if (mPlaces.contains(title)) return false;
     const std::string path = LockFile(title);
-    // O_NOFOLLOW: anybody can leave a link in a shared folder.
+    // O_NOFOLLOW: any user can create a symbolic link in a shared folder.
     PosixHandle file(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
     if (!file.IsOpen()) return false;
     if (Uninterrupted([&] { return flock(file.Get(), LOCK_EX | LOCK_NB); }) != 0)
@@ -141,11 +141,11 @@ void PosixProcess::InstallUnhandledExceptionFilter(const std::string& title) {
     gTitle[length] = '\0';
     std::set_terminate(OnTerminate);
 
-    // A stack that has overflowed has no room for the handler.
+    // An overflowed stack has no space for the handler.
     stack_t stack{};
     stack.ss_sp = gAlternateStack.data();
     stack.ss_size = gAlternateStack.size();
-    static_cast<void>(sigaltstack(&stack, nullptr));  // without it only that one case is mute
+    static_cast<void>(sigaltstack(&stack, nullptr));  // on failure a stack overflow goes unreported
 
     struct sigaction action {};
     action.sa_sigaction = OnFatalSignal;

@@ -1,4 +1,4 @@
-// The running program off Windows: arguments, own file, single instance, last words.
+// The running process on POSIX: arguments, program file, single instance, fatal signals.
 #pragma once
 
 #include <map>
@@ -11,23 +11,23 @@
 
 namespace vantor {
 
-/// The interface language that this process's environment asks for.
+/// The interface language that the environment variables of this process select.
 Language LanguageOfEnvironment();
 
 class PosixProcess : public Process {
 public:
-    /// Takes what `main` was given; the first argument is the program's name.
+    /// Takes the arguments of `main`; the first one is the program name.
     PosixProcess(int argumentCount, const char* const* arguments);
 
     const std::vector<std::string>& Arguments() const override { return mArguments; }
     std::string ExecutablePath() const override;
 
-    /// The place is a locked file in the user's run-time folder. When no such file can be made
-    /// there is nobody to ask, and the answer is no.
+    /// The lock is a locked file in the user's run-time folder. When no such file can be created,
+    /// the answer is false.
     bool AnotherInstanceRuns(const std::string& title) override;
 
-    /// Off Windows the last words go to standard error; then the system does what it always
-    /// does with such a process, a core file included.
+    /// Writes the message to standard error; then the default action of the signal follows,
+    /// a core dump included.
     void InstallUnhandledExceptionFilter(const std::string& title) override;
 
 private:

@@ -18,8 +18,8 @@
 namespace vantor {
 namespace {
 
-constexpr mode_t kFileMode = 0600;    // it holds a proxy password, if a scrambled one
-constexpr mode_t kFolderMode = 0700;  // the conventions ask for it in the configuration folder
+constexpr mode_t kFileMode = 0600;    // it holds a proxy password, although scrambled
+constexpr mode_t kFolderMode = 0700;  // as the XDG conventions require for configuration folders
 
 RegistryResult ResultOf(int systemError) {
     const bool denied = systemError == EACCES || systemError == EPERM || systemError == EROFS;
@@ -63,16 +63,16 @@ void CreateFolders(const std::string& folder) {
     static_cast<void>(mkdir(folder.c_str(), kFolderMode));
 }
 
-/// An open file whose lock is held until it is destroyed; none, with the reason in errno.
+/// An open file, locked until it is destroyed; not open on failure, with the reason in errno.
 PosixHandle LockedFile(const std::string& path) {
     constexpr int kTries = 1000;
     constexpr timespec kPause = {0, 5'000'000};
     PosixHandle file(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, kFileMode));
-    // Not the waiting kind of lock: a stopped program would hang all the others.
+    // LOCK_NB: with a blocking lock, one stopped process would hang all the others.
     for (int i = 0; file.IsOpen() && i < kTries; ++i) {
         if (flock(file.Get(), LOCK_EX | LOCK_NB) == 0) return file;
         if (errno != EWOULDBLOCK && errno != EINTR) return {};
-        static_cast<void>(nanosleep(&kPause, nullptr));  // a shorter pause does no harm
+        static_cast<void>(nanosleep(&kPause, nullptr));  // a shorter pause is harmless
     }
     return {};
 }
@@ -107,7 +107,7 @@ PosixRegistry::Stamp PosixRegistry::StampOf(const struct stat& status) {
     return {status.st_ino, status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
 }
 
-/// Reads the file if it is another one than last time.
+/// Reads the file if it changed since the last read.
 RegistryResult PosixRegistry::Refresh() {
     struct stat status {};
     const bool found = stat(mFile.c_str(), &status) == 0;

@@ -1,5 +1,5 @@
-// The registry off Windows: one text file in the registry editor's export format, shared by all
-// programs that run for the user. It adds storage to the registry in memory, nothing else.
+// The registry on POSIX: one text file in the registry editor's export format, shared by all
+// programs of the user. It adds only storage to the in-memory registry.
 #pragma once
 
 #include <sys/stat.h>
@@ -13,7 +13,7 @@
 
 namespace vantor {
 
-/// The place of the file below the user's application-data folder.
+/// The path of the file below the user's application-data folder.
 std::string DefaultRegistryFile(const Folders& folders);
 
 /// The file is looked at again whenever a key is opened; queries answer from memory. Every change
@@ -36,7 +36,7 @@ public:
     RegistryResult CloseKey(RegistryKey key) override;
 
 private:
-    /// Tells one state of the file from another; all zero when there is no file.
+    /// Identifies one state of the file; all zero when there is no file.
     struct Stamp {
         std::uint64_t node = 0;
         std::int64_t size = 0;

@@ -56,8 +56,8 @@ tcflag_t FrameFlags(const LineSettings& line) {
     return flags;
 }
 
-// A pseudo-terminal carries characters, not bits: it keeps 8 of them and no parity, whatever it
-// is asked for. That is no reason to refuse it.
+// A pseudo-terminal carries characters, not bits: it always has 8 data bits and no parity,
+// whatever is requested. This is no reason to refuse it.
 bool IsPseudoTerminal(int descriptor) {
     constexpr unsigned kFirstMajor = 136;
     constexpr unsigned kLastMajor = 143;
@@ -76,26 +76,26 @@ PosixSerialPort::PosixSerialPort(PosixMessagePump& pump, const std::string& devi
     mDevice = PosixHandle(Uninterrupted([&] { return open(device.c_str(), kFlags); }));
     if (!mDevice.IsOpen()) RaiseOpenError(errno);
     if (isatty(mDevice.Get()) != 1) throw RuntimeError(ErrorNumber::DeviceUnavailable);
-    // The lock comes before anything is changed on a line that may be in use, and binds the
-    // superuser too, whom the driver's own mark does not. The mark keeps out programs that do
-    // not lock; it comes last because a refused line must not be left marked.
+    // flock comes before any change to a line that may be in use; unlike TIOCEXCL it also
+    // keeps out root. TIOCEXCL keeps out programs that do not use flock. It comes last:
+    // a port that is refused must not stay exclusive.
     if (Uninterrupted([&] { return flock(mDevice.Get(), LOCK_EX | LOCK_NB); }) != 0)
         RaiseOpenError(errno);
     SetLine(line);
     RaiseModemLines();
     if (ioctl(mDevice.Get(), TIOCEXCL) != 0) RaiseOpenError(errno);
-    // Reading makes the driver deliver what it still holds, so that this throws all of it away.
+    // Reading makes the driver deliver what it still buffers, so that all of it is discarded.
     TakeInput();
     mInput.clear();
-    static_cast<void>(tcflush(mDevice.Get(), TCIFLUSH));  // a device gone by now shows later
+    static_cast<void>(tcflush(mDevice.Get(), TCIFLUSH));  // a lost device shows later
     mPump.Watch(mDevice.Get());
 }
 
 PosixSerialPort::~PosixSerialPort() {
     StopNotifying();
     mPump.Unwatch(mDevice.Get());
-    // The mark outlives us where another program holds the device too, such as the other side of
-    // a pseudo-terminal; it would lock out whoever comes next.
+    // TIOCEXCL persists while another program has the device open, such as the other side of
+    // a pseudo-terminal; the next open would fail.
     static_cast<void>(ioctl(mDevice.Get(), TIOCNXCL));
 }
 
@@ -105,17 +105,17 @@ void PosixSerialPort::SetLine(const LineSettings& line) const {
     termios wanted{};
     if (tcgetattr(descriptor, &wanted) != 0) RaiseOpenError(errno);
     cfmakeraw(&wanted);
-    wanted.c_iflag = IGNBRK;  // an indicator switched off pulls the line low; that is no byte
+    wanted.c_iflag = IGNBRK;  // an indicator switched off pulls the line low (break); not a byte
     const tcflag_t frameBits = CSIZE | CSTOPB | PARENB | PARODD;
     wanted.c_cflag &= ~(frameBits | static_cast<tcflag_t>(CRTSCTS));
     wanted.c_cflag |= FrameFlags(line) | CLOCAL | CREAD | HUPCL;
-    wanted.c_cc[VMIN] = 1;  // with 0, "nothing there" could not be told from "device gone"
+    wanted.c_cc[VMIN] = 1;  // with 0, "no input" and "device lost" are indistinguishable
     wanted.c_cc[VTIME] = 0;
     if (cfsetispeed(&wanted, speed) != 0 || cfsetospeed(&wanted, speed) != 0 ||
         tcsetattr(descriptor, TCSANOW, &wanted) != 0)
         throw RuntimeError(ErrorNumber::InvalidCall);
 
-    // Setting succeeds when any part of it did, so what counts is what can be read back.
+    // tcsetattr succeeds when any part of the request did, so the settings are read back.
     termios got{};
     if (tcgetattr(descriptor, &got) != 0) RaiseOpenError(errno);
     const bool frameHolds = (got.c_cflag & frameBits) == (wanted.c_cflag & frameBits);
@@ -126,7 +126,7 @@ void PosixSerialPort::SetLine(const LineSettings& line) const {
 void PosixSerialPort::RaiseModemLines() const {
     const int lines = TIOCM_DTR | TIOCM_RTS;
     if (ioctl(mDevice.Get(), TIOCMBIS, &lines) == 0) return;
-    // Pseudo-terminals and three-wire adapters have no such lines.
+    // Pseudo-terminals and three-wire adapters do not have these lines.
     if (errno != ENOTTY && errno != EINVAL) RaiseOpenError(errno);
 }
 
@@ -175,7 +175,7 @@ std::size_t PosixSerialPort::OutputCount() {
     if (mGone) RaiseGone();
     int count = 0;
     if (ioctl(mDevice.Get(), TIOCOUTQ, &count) == 0) return static_cast<std::size_t>(count);
-    if (errno == ENOTTY || errno == EINVAL) return 0;  // the driver does not count this queue
+    if (errno == ENOTTY || errno == EINVAL) return 0;  // the driver does not report this count
     RaiseGone();
 }
 
@@ -197,7 +197,7 @@ void PosixSerialPort::StopNotifying() {
     mNotify = nullptr;
 }
 
-// The callback may destroy this port: it is called as a copy, and nothing follows it.
+// The callback may destroy this port: a copy is called, and no member is used after it.
 void PosixSerialPort::PollInput() {
     TakeInput();
     if (mInput.empty() && !mGone) return;

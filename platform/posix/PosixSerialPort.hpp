@@ -1,5 +1,5 @@
-// One open serial line off Windows: raw termios, never waiting. Names and lists of ports are not
-// its business.
+// One open serial port on POSIX: raw termios, non-blocking. It does not handle names and
+// lists of ports.
 #pragma once
 
 #include <functional>
@@ -11,12 +11,12 @@
 
 namespace vantor {
 
-/// Closing can last as long as the driver takes to send what it still holds: the system offers
-/// no way to leave the bytes behind that does not throw them away.
+/// Closing can block until the driver has sent what it still buffers: POSIX has no way to leave
+/// those bytes to the driver without discarding them.
 class PosixSerialPort : public SerialPort {
 public:
-    /// Opens the device file `device`. `pump` must outlive the port. Raises 68, 70 or 5 as
-    /// SerialPorts::Open does.
+    /// Opens the device file `device`. `pump` must outlive the port. Raises 68, 70 or 5 like
+    /// SerialPorts::Open.
     PosixSerialPort(PosixMessagePump& pump, const std::string& device, const LineSettings& line);
     ~PosixSerialPort() override;
     PosixSerialPort(const PosixSerialPort&) = delete;

@@ -44,7 +44,7 @@ bool InNumericOrder(const SerialPortInfo& a, const SerialPortInfo& b) {
     return std::pair(a.name.size(), a.name) < std::pair(b.name.size(), b.name);
 }
 
-/// The file that links lead to; `path` itself when there is none.
+/// The target of a symbolic link; `path` itself when there is none.
 fs::path Resolved(const fs::path& path) {
     std::error_code failed;
     fs::path real = fs::canonical(path, failed);
@@ -54,7 +54,7 @@ fs::path Resolved(const fs::path& path) {
 std::string FirstLine(const fs::path& file) {
     std::ifstream stream(file);
     std::string line;
-    std::getline(stream, line);  // what cannot be read stays empty
+    std::getline(stream, line);  // stays empty when unreadable
     return line;
 }
 
@@ -135,19 +135,19 @@ bool PosixSerialPorts::IsPresent(const std::string& name) const {
         struct stat status {};
         return stat(device.c_str(), &status) == 0 && S_ISCHR(status.st_mode);
     }
-    std::error_code failed;  // what cannot be looked at is not there
+    std::error_code failed;  // an inaccessible entry counts as missing
     const fs::path entry = fs::path(mDeviceClass) / fs::path(device).filename();
     if (!fs::exists(entry, failed)) return false;
-    // The system keeps entries for ports on the board that no machine has; they are of type 0.
+    // The kernel keeps entries for on-board ports that do not exist; their type is 0.
     return !device.starts_with("/dev/ttyS") || FirstLine(entry / "type") != "0";
 }
 
-/// What a USB device says of itself, else the name of the driver.
+/// The product name of a USB device, else the name of the driver.
 std::string PosixSerialPorts::Description(const std::string& device) const {
     const fs::path entry = fs::path(mDeviceClass) / Resolved(device).filename() / "device";
     std::error_code failed;
     if (!fs::exists(entry, failed)) return {};
-    // The texts are those of the USB device, some levels above its serial function.
+    // The product name belongs to the USB device, some levels above its serial function.
     constexpr int kLevels = 4;
     fs::path level = Resolved(entry);
     for (int i = 0; i < kLevels; ++i, level = level.parent_path()) {
@@ -174,7 +174,7 @@ std::string PosixSerialPorts::MapDevice(const std::string& path) {
     const fs::path wanted = Resolved(path);
     for (const auto& [name, device] : mDevices)
         if (device == path || Resolved(device) == wanted) return name;
-    // From the far end of the table: an adapter plugged in later gets a low number.
+    // From the end of the table: an adapter plugged in later gets a low number.
     for (unsigned number = kLastComNumber; number != 0; --number) {
         std::string name = ComName(number);
         if (mExtra.contains(name) || IsPresent(name)) continue;

@@ -16,7 +16,7 @@
 namespace vantor {
 namespace {
 
-// Shared with the signal handler. The pipe wakes a wait that the signal arrives just before.
+// Shared with the signal handler. The pipe avoids losing a signal that arrives just before a wait.
 std::atomic<std::uint32_t> gInterrupts = 0;
 std::array<int, 2> gWakeUp = {-1, -1};
 
@@ -25,7 +25,7 @@ static_assert(std::atomic<std::uint32_t>::is_always_lock_free, "a signal handler
 void OnInterrupt(int) {
     const int systemError = errno;
     gInterrupts.fetch_add(1);
-    // A full pipe refuses, and wakes the waiting side all the same.
+    // A write to a full pipe fails, but the waiting side wakes anyway.
     if (write(gWakeUp[1], "!", 1) != 1) errno = systemError;
     errno = systemError;
 }
@@ -51,7 +51,7 @@ PosixTerminal::PosixTerminal() {
     if (pipe2(gWakeUp.data(), O_CLOEXEC | O_NONBLOCK) != 0) gWakeUp = {-1, -1};
     struct sigaction action {};
     static_cast<void>(sigemptyset(&action.sa_mask));
-    action.sa_flags = SA_RESTART;  // an interrupt must not break off a write to the line
+    action.sa_flags = SA_RESTART;  // an interrupt must not cut short a write to the line
     action.sa_handler = OnInterrupt;
     // sigaction fails for bad numbers only.
     static_cast<void>(sigaction(SIGINT, &action, &mOldInterrupt));
@@ -97,7 +97,7 @@ bool PosixTerminal::WaitForInput() const {
     std::array<pollfd, 2> ends = {pollfd{STDIN_FILENO, POLLIN, 0}, pollfd{gWakeUp[0], POLLIN, 0}};
     for (;;) {
         const int ready = poll(ends.data(), ends.size(), -1);
-        if (ready < 0 && errno != EINTR) return true;  // the read will tell what is wrong
+        if (ready < 0 && errno != EINTR) return true;  // the read reports the error
         if (ready < 0) continue;
         if (ends[1].revents != 0) return false;
         if (ends[0].revents != 0) return true;
@@ -106,7 +106,7 @@ bool PosixTerminal::WaitForInput() const {
 
 std::optional<std::string> PosixTerminal::ReadLine() {
     std::array<char, 4096> buffer{};
-    // Interrupts from before this wait are for TakeInterrupt alone.
+    // Interrupts from before this wait are for TakeInterrupt only.
     while (read(gWakeUp[0], buffer.data(), buffer.size()) > 0) continue;
     std::size_t end = mUnread.find('\n');
     while (end == std::string::npos) {

@@ -26,7 +26,7 @@ public:
     void Write(std::string_view utf8) override;
     void WriteError(std::string_view utf8) override;
 
-    /// A line without terminator at the end of the input counts as a line.
+    /// A last line without a terminator counts as a line.
     std::optional<std::string> ReadLine() override;
     bool TakeInterrupt() override;
 

@@ -33,7 +33,7 @@ void DrawGradient(HDC target, const RECT& area) {
     }
 }
 
-/// An indicator's front: a light case with a dark display on it.
+/// An indicator: a light case with a dark display.
 RECT DrawIndicator(HDC target, const RECT& area) {
     const int height = (area.bottom - area.top) * 3 / 5;
     const int width = height * 2;

@@ -1,4 +1,4 @@
-// The picture that stands for the promotional one: drawn, so that it fits every size.
+// The banner shown in place of a promotional picture, drawn so that it fits every size.
 #pragma once
 
 #include "platform/win32/Win32Stage.hpp"

@@ -97,7 +97,7 @@ Win32ChildControl::~Win32ChildControl() {
     --mStage.held.windows;
 }
 
-// The height of a list includes that of its open part; closed it is as high as its letters want.
+// The height of a combo box includes its drop-down list; closed, its height follows the font.
 RECT Win32ChildControl::OuterPlace() const {
     RECT place = mStage.ToPixels(mControl.Place());
     if (mControl.Kind() == ControlKind::ComboBox)
@@ -129,7 +129,7 @@ void Win32ChildControl::Follow(Property property) {
             static_cast<void>(SetWindowPos(mWindow, nullptr, place.left, place.top,
                                            place.right - place.left, place.bottom - place.top,
                                            SWP_NOZORDER | SWP_NOACTIVATE));
-            // Centred and wrapped text is drawn for the old size otherwise.
+            // Otherwise centred and wrapped text stays drawn for the old size.
             static_cast<void>(InvalidateRect(mWindow, nullptr, TRUE));
             break;
         }
@@ -149,7 +149,7 @@ void Win32ChildControl::Follow(Property property) {
             break;
         case Property::State:
         case Property::ToolTip:
-            break;  // the form's affair
+            break;  // handled by the form
     }
 }
 
@@ -166,15 +166,15 @@ void Win32ChildControl::CatchUp() {
     if (mControl.Kind() == ControlKind::ProgressBar) FollowValue();
 }
 
-// Mostly it is what it was already, and each call costs some compatibility layers a journey to
-// another process.
+// The caption mostly stays the same, and under some compatibility layers each call
+// is a cross-process call.
 void Win32ChildControl::FollowCaption() {
     if (mShownCaption == mControl.Caption()) return;
     mShownCaption = mControl.Caption();
     static_cast<void>(SetWindowTextW(mWindow, ToWide(mShownCaption).c_str()));
 }
 
-// The text of these windows is seen nowhere; a terminal's is what stands in it.
+// These windows do not display their text; the text of a terminal is its contents.
 void Win32ChildControl::FollowSpokenName() {
     const std::wstring name = ToWide(mControl.SpokenName());
     if (mTerminal == nullptr) static_cast<void>(SetWindowTextW(mWindow, name.c_str()));
@@ -186,7 +186,7 @@ void Win32ChildControl::ForgetSpokenName() {
 }
 
 void Win32ChildControl::FollowBorder() {
-    if (mTerminal != nullptr) return;  // its edge is its own
+    if (mTerminal != nullptr) return;  // a terminal draws its own border
     LONG_PTR style = GetWindowLongPtrW(mWindow, GWL_EXSTYLE);
     const LONG_PTR before = style;
     style &= ~static_cast<LONG_PTR>(WS_EX_STATICEDGE | WS_EX_CLIENTEDGE);
@@ -215,7 +215,7 @@ void Win32ChildControl::FollowValue() {
     }
 }
 
-// Filling the list anew while the user chooses from it would close it under his hand.
+// Refilling the list would close the open drop-down.
 void Win32ChildControl::FollowList(const ComboBox& combo) {
     if (mListed != combo.Items()) {
         mListed = combo.Items();
@@ -252,7 +252,7 @@ void Win32ChildControl::TakeChoice() {
     static_cast<ComboBox&>(mControl).Choose(index);
 }
 
-// Each panel is as wide as its text wants, and the last one takes the rest.
+// Each panel is as wide as its text; the last one takes the remaining width.
 void Win32ChildControl::FollowPanels(const StatusBar& bar) {
     std::vector<std::wstring> texts;
     std::vector<int> edges;
@@ -291,7 +291,7 @@ Size Win32ChildControl::TextSize(const std::string& face, const std::string& tex
     return {mStage.ToTwips(size.cx), mStage.ToTwips(size.cy)};
 }
 
-// The window's text is what is read aloud to a user who does not see it.
+// The window text is what a screen reader reads.
 void Win32ChildControl::FollowPrinted(const PictureBox& box) {
     std::wstring all;
     for (const PictureBox::Printed& printed : box.PrintedTexts())
@@ -300,7 +300,7 @@ void Win32ChildControl::FollowPrinted(const PictureBox& box) {
     static_cast<void>(InvalidateRect(mWindow, nullptr, TRUE));
 }
 
-// Only above what it overlaps: the order of the windows is also that of the Tab key.
+// Raised only above overlapping windows, because the z-order is also the tab order.
 void Win32ChildControl::BringToFront() {
     RECT own{};
     if (GetWindowRect(mWindow, &own) == 0) return;

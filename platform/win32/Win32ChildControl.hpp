@@ -1,4 +1,4 @@
-// One control as a child window: made from its model, and kept in step with it.
+// One control as a child window: created from its model and kept in sync with it.
 #pragma once
 
 #include <memory>
@@ -16,10 +16,10 @@ class StatusBar;
 class Win32TerminalView;
 class Win32TreeView;
 
-/// Identifiers of child windows count from here, in collection order.
+/// Identifiers of child windows start here, in collection order.
 inline constexpr int kFirstChildId = 1000;
 
-/// What a list posts to its form: its user has chosen.
+/// Posted by a list to its form: the user has made a choice.
 inline constexpr UINT kChoiceMade = WM_APP + 1;
 
 /// True for the kinds that have a window of their own.
@@ -36,7 +36,7 @@ public:
                       int id);
     Win32ChildControl(const Win32ChildControl&) = delete;
     Win32ChildControl& operator=(const Win32ChildControl&) = delete;
-    /// The window goes with its parent; only the count is kept here.
+    /// The window is destroyed with its parent; only the count is updated here.
     ~Win32ChildControl();
 
     Control& Model() const { return mControl; }
@@ -44,16 +44,16 @@ public:
     HWND Window() const { return mWindow; }
 
     void Follow(Property property);
-    /// Shows what `FollowLater` has put off.
+    /// Applies what `FollowLater` deferred.
     void CatchUp();
-    /// True for what a session sets with every line: it is shown by the message loop, while the
-    /// line is on the wire, and not in the pause between two lines.
+    /// True for properties that a session sets with every line: the message loop shows them while
+    /// the line is being transmitted, not in the gap between two lines.
     bool FollowLater(Property property);
 
-    /// Before the window is destroyed.
+    /// Must be called before the window is destroyed.
     void ForgetSpokenName();
 
-    /// A status bar moves itself to its window's bottom edge; its model learns the height.
+    /// A status bar moves itself to the bottom edge of its window; its model gets the height.
     void KeepToBottom();
     /// The system's window says what its user does (WM_COMMAND). The handler of the model's event
     /// may unload the form: this object may be gone when the call returns, as after the next two.
@@ -85,12 +85,12 @@ private:
     Control& mControl;
     const ControlDesign& mRow;
     HWND mWindow = nullptr;
-    std::shared_ptr<Win32TerminalView> mTerminal;  // of a terminal alone
-    std::unique_ptr<Win32TreeView> mTree;          // of a tree alone
+    std::shared_ptr<Win32TerminalView> mTerminal;  // of a terminal only
+    std::unique_ptr<Win32TreeView> mTree;          // of a tree only
     std::vector<std::string> mListed;              // the items that a list shows
     std::string mShownCaption;
     bool mLate = false;    // caption or value may differ from what is shown
-    bool mChosen = false;  // a choice is on its way to the form
+    bool mChosen = false;  // a choice is posted to the form
 };
 
 }  // namespace vantor

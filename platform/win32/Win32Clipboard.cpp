@@ -5,7 +5,7 @@
 namespace vantor {
 namespace {
 
-/// The clipboard while it is open; nobody else gets at it meanwhile.
+/// The open clipboard; no other program can access it meanwhile.
 class OpenedClipboard {
 public:
     explicit OpenedClipboard(HWND owner) : mOpen(OpenClipboard(owner) != 0) {}
@@ -21,7 +21,7 @@ private:
     bool mOpen;
 };
 
-/// `text` and a terminating 0 in memory that the clipboard can take over; null without memory.
+/// `text` with a terminating NUL, in memory that the clipboard can own; null when out of memory.
 HGLOBAL MemoryWith(const std::wstring& text) {
     const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, (text.size() + 1) * sizeof(wchar_t));
     if (memory == nullptr) return nullptr;
@@ -47,7 +47,7 @@ std::string Win32Clipboard::Text() const {
     const auto* const text =
         memory == nullptr ? nullptr : static_cast<const wchar_t*>(GlobalLock(memory));
     if (text == nullptr) return {};
-    // Not every program ends its text with a 0 where it should.
+    // Not every program terminates its text with a NUL.
     const std::wstring_view all(text, GlobalSize(memory) / sizeof(wchar_t));
     std::string result = ToUtf8(all.substr(0, all.find(L'\0')));
     static_cast<void>(GlobalUnlock(memory));
@@ -60,7 +60,7 @@ void Win32Clipboard::Text(const std::string& text) {
     const HGLOBAL memory = MemoryWith(ToWide(text));
     if (memory == nullptr || EmptyClipboard() == 0 ||
         SetClipboardData(CF_UNICODETEXT, memory) == nullptr)
-        static_cast<void>(GlobalFree(memory));  // null too
+        static_cast<void>(GlobalFree(memory));  // null is allowed
 }
 
 }  // namespace vantor

@@ -1,4 +1,4 @@
-// The system's clipboard, as far as texts go.
+// The Windows clipboard, text only.
 #pragma once
 
 #include "platform/Clipboard.hpp"
@@ -17,7 +17,7 @@ public:
     void Text(const std::string& text) override;
 
 private:
-    HWND mOwner;  // the system takes texts only from a window
+    HWND mOwner;  // the clipboard accepts text only from a window
 };
 
 }  // namespace vantor

@@ -1,7 +1,7 @@
 #include "platform/win32/Win32Clock.hpp"
 
 #include "platform/win32/Windows.hpp"
-// Needs what the system's header defines.
+// Requires the types of <windows.h>.
 #include <timeapi.h>
 
 namespace vantor {
@@ -11,7 +11,7 @@ constexpr UINT kStepMs = 1;
 
 }  // namespace
 
-// A system that refuses the finer step keeps its own; all that suffers is the pace.
+// On failure the timer resolution is unchanged; only the pacing suffers.
 Win32Clock::Win32Clock() {
     static_cast<void>(timeBeginPeriod(kStepMs));
 }

@@ -1,12 +1,12 @@
-// The system's clocks on Windows.
+// The system clocks on Windows.
 #pragma once
 
 #include "platform/Clock.hpp"
 
 namespace vantor {
 
-/// While it lives the system's timers count single milliseconds. Their usual step of 15.6 ms is
-/// longer than the pauses of the paced dialogue.
+/// Sets the system timer resolution to 1 ms while it lives. The default of 15.6 ms is longer than
+/// the pauses of the paced dialogue.
 class Win32Clock : public Clock {
 public:
     Win32Clock();

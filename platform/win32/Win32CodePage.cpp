@@ -6,7 +6,7 @@ namespace vantor {
 
 std::string Win32CodePage::ToAnsi(std::string_view utf8) const {
     const std::wstring wide = ToWide(utf8);
-    // A system set to UTF-8 lacks nothing, and refuses to be told what to do about it.
+    // UTF-8 as ANSI code page can map everything; WideCharToMultiByte then rejects a substitute.
     const bool lacksNothing = GetACP() == CP_UTF8;
     const DWORD flags = lacksNothing ? 0 : WC_NO_BEST_FIT_CHARS;
     const char* const substitute = lacksNothing ? nullptr : "?";

@@ -11,7 +11,7 @@ namespace {
 
 using Dialog = BOOL(WINAPI*)(OPENFILENAMEW*);
 
-/// A buffer of `size` characters, and one more for the terminating NUL.
+/// A buffer of `size` characters plus the terminating NUL.
 std::wstring Buffer(const std::string& text, std::int32_t size) {
     std::wstring buffer = ToWide(text);
     buffer.resize(static_cast<std::size_t>(std::max(size, 1)) + 1, L'\0');
@@ -43,7 +43,7 @@ bool Show(FileDialogRecord& record, Dialog dialog) {
     const std::wstring title = ToWide(record.title);
     const std::wstring folder = ToWide(record.initialFolder);
     const std::wstring filter = ToWide(record.filter);
-    // The system adds the point itself.
+    // Windows adds the dot itself.
     const std::wstring extension =
         ToWide(record.defaultExtension.starts_with('.') ? record.defaultExtension.substr(1)
                                                         : record.defaultExtension);
@@ -61,7 +61,7 @@ bool Show(FileDialogRecord& record, Dialog dialog) {
     wide.lpstrInitialDir = OrNull(folder);
     wide.lpstrTitle = OrNull(title);
     wide.lpstrDefExt = OrNull(extension);
-    // The current look of the dialog, whatever else is asked for.
+    // The Explorer-style dialog, whatever the flags.
     wide.Flags = record.flags | OFN_EXPLORER;
     const KeptFolder folderBefore;
     const Win32DisabledWindows others(wide.hwndOwner);

@@ -1,4 +1,4 @@
-// The system's open and save dialogs.
+// The open and save dialogs of Windows.
 #pragma once
 
 #include "platform/CommonDialogs.hpp"

@@ -1,4 +1,4 @@
-// Version resources as Windows reads them.
+// Version resources through the Win32 version calls.
 #pragma once
 
 #include "platform/FileVersions.hpp"

@@ -21,7 +21,7 @@ std::wstring HostPath(std::string_view path) {
     return wide;
 }
 
-/// "NUL" and its like are devices in every folder; only the system knows which names are.
+/// "NUL" and similar names are devices in every folder; only Windows knows all of them.
 bool IsDevice(const std::wstring& hostPath) {
     const DWORD needed = GetFullPathNameW(hostPath.c_str(), 0, nullptr, nullptr);
     std::wstring full(needed, L'\0');
@@ -34,7 +34,7 @@ struct Status {
     std::uint64_t size = 0;
 };
 
-/// Nothing when there is no such entry; the system's last error then says why.
+/// Empty when there is no such entry; GetLastError then has the reason.
 std::optional<Status> StatusOf(const std::wstring& hostPath) {
     WIN32_FILE_ATTRIBUTE_DATA data{};
     if (GetFileAttributesExW(hostPath.c_str(), GetFileExInfoStandard, &data) == 0)
@@ -48,7 +48,7 @@ Win32Handle Open(const std::wstring& hostPath, DWORD access, DWORD share, DWORD 
     Win32Handle file(CreateFileW(hostPath.c_str(), access, share, nullptr, disposition,
                                  FILE_ATTRIBUTE_NORMAL | FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
     if (!file.IsOpen()) RaiseFileError(GetLastError());
-    // A device such as COM1 would hold us up for ever.
+    // Reading a device such as COM1 would block for ever.
     if (GetFileType(file.Get()) != FILE_TYPE_DISK) throw RuntimeError(ErrorNumber::PathFileAccess);
     return file;
 }
@@ -106,7 +106,7 @@ bool PassesFilter(DWORD attributes, ListFilter filter) {
     return (attributes & FILE_ATTRIBUTE_SYSTEM) == 0 || filter.system;
 }
 
-/// "C:" and "\\machine\share" are there or not; nobody can create them.
+/// "C:" and "\\machine\share" exist or not; they cannot be created.
 bool IsRoot(std::wstring_view folder) {
     if (folder.empty() || folder.ends_with(L':')) return true;
     if (!folder.starts_with(L"\\\\")) return false;
@@ -185,7 +185,7 @@ void Win32Files::CreateFolders(const std::string& path) {
         end = std::min(hostPath.find(L'\\', end + 1), hostPath.size());
         const std::wstring folder = hostPath.substr(0, end);
         if (IsRoot(folder) || CreateDirectoryW(folder.c_str(), nullptr) != 0) continue;
-        const DWORD systemError = GetLastError();  // the look at the folder below overwrites it
+        const DWORD systemError = GetLastError();  // the check of the folder below overwrites it
         const DWORD attributes = GetFileAttributesW(folder.c_str());
         if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
             continue;

@@ -1,5 +1,5 @@
-// Files on Windows, by wide paths. Patterns are matched as everywhere else: the system's own
-// search would also match the short names that it keeps beside the long ones.
+// Files on Windows, by wide paths. Patterns are matched by the portable code:
+// FindFirstFile would also match the short (8.3) names.
 #pragma once
 
 #include "platform/Files.hpp"

@@ -29,7 +29,7 @@ std::string Win32Folders::PersonalDocuments() const {
 }
 
 std::string Win32Folders::Current() const {
-    std::wstring path(GetCurrentDirectoryW(0, nullptr), L'\0');  // its NUL counted
+    std::wstring path(GetCurrentDirectoryW(0, nullptr), L'\0');  // includes the NUL
     const DWORD length = GetCurrentDirectoryW(static_cast<DWORD>(path.size()), path.data());
     if (length >= path.size()) return {};
     path.resize(length);

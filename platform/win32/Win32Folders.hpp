@@ -5,7 +5,7 @@
 
 namespace vantor {
 
-/// Paths come with "\" between their parts.
+/// Paths use "\".
 class Win32Folders : public Folders {
 public:
     std::string ApplicationData() const override;

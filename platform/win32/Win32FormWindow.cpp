@@ -19,7 +19,7 @@ constexpr UINT kCatchUp = WM_APP;
 
 bool IsUsable(HWND window) {
     if (window == nullptr || IsWindowVisible(window) == 0) return false;
-    // What lies in a disabled panel takes no input and is called enabled all the same.
+    // A child of a disabled panel gets no input, but IsWindowEnabled still returns true for it.
     HWND each = window;
     while (IsWindowEnabled(each) != 0) {
         if ((GetWindowLongPtrW(each, GWL_STYLE) & WS_CHILD) == 0) return true;
@@ -44,7 +44,7 @@ void Win32FormWindow::RegisterClasses(HINSTANCE instance) {
     windowClass.hIcon = LoadIconW(instance, MAKEINTRESOURCEW(1));
     windowClass.lpfnWndProc = OnFormMessage;
     windowClass.lpszClassName = kFormClass;
-    // All but the first window find the classes there; another failure shows in the next call.
+    // All but the first window find the classes registered; another failure shows in the next call.
     static_cast<void>(RegisterClassW(&windowClass));
     windowClass.hIcon = nullptr;
     windowClass.style = CS_HREDRAW | CS_VREDRAW;
@@ -96,7 +96,7 @@ void Win32FormWindow::Destroy() {
 
 void Win32FormWindow::CreateChildren() {
     int id = kFirstChildId;
-    // In the order of the design, where a panel stands before what lies in it and Tab goes on.
+    // In design order: a panel precedes its children, and the order is the tab order.
     for (const ControlDesign& row : mForm->Design().controls) {
         if (!HasWindow(row.kind)) continue;
         mChildren.push_back(std::make_unique<Win32ChildControl>(mStage, mForm->ControlOf(row), row,
@@ -156,7 +156,7 @@ Place Win32FormWindow::NormalPlace() const {
     return mStage.ToTwips(place);
 }
 
-// --- from the model to the screen --------------------------------------------------------------
+// --- from the model to the window --------------------------------------------------------------
 
 void Win32FormWindow::FollowForm(Property property) {
     if (property == Property::Caption)
@@ -185,13 +185,13 @@ void Win32FormWindow::FollowControl(const Control& control, Property property) {
     if (property == Property::ToolTip)
         FollowToolTip(*child);
     else if (IsWindowVisible(mWindow) != 0 && child->FollowLater(property))
-        CatchUpSoon();  // a window that is not yet shown is to be whole when it is
+        CatchUpSoon();  // a window must be complete when it is first shown
     else
         child->Follow(property);
     if (property == Property::Enabled || property == Property::Visible) KeepFocusUsable();
 }
 
-// By a message, which also the loops of menus and message boxes bring.
+// By a posted message: the modal loops of menus and message boxes dispatch it too.
 void Win32FormWindow::CatchUpSoon() {
     if (std::exchange(mCatchingUp, true)) return;
     if (PostMessageW(mWindow, kCatchUp, 0, 0) == 0) CatchUp();  // the queue is full
@@ -202,7 +202,7 @@ void Win32FormWindow::CatchUp() {
     for (const auto& child : mChildren) child->CatchUp();
 }
 
-// A focus on a hidden or disabled control would leave the keyboard dead.
+// With the focus on a hidden or disabled control, keyboard input would be lost.
 void Win32FormWindow::KeepFocusUsable() {
     if (GetActiveWindow() != mWindow) return;
     const HWND focus = GetFocus();
@@ -267,7 +267,7 @@ LRESULT Win32FormWindow::Handle(UINT message, WPARAM first, LPARAM second) {
         case WM_PAINT:
             OnPaint();
             return 0;
-        case WM_HELP:  // F1, in whichever control
+        case WM_HELP:  // F1 in any control
             mForm->HelpWanted();
             return TRUE;
         case kCatchUp:
@@ -280,7 +280,7 @@ LRESULT Win32FormWindow::Handle(UINT message, WPARAM first, LPARAM second) {
         case WM_ENDSESSION:
             if (first != 0) mForm->Unload();
             return 0;
-        case WM_SYSCOLORCHANGE:  // told to the uppermost windows only
+        case WM_SYSCOLORCHANGE:  // sent to top-level windows only
             for (const auto& child : mChildren) SendMessageW(child->Window(), message, 0, 0);
             return 0;
         case WM_SETCURSOR:
@@ -303,7 +303,7 @@ void Win32FormWindow::OnCommand(UINT id, UINT notification) {
     }
 }
 
-/// Enter without a button under it, and Esc.
+/// Enter without a focused button, and Esc.
 void Win32FormWindow::OnDefaultKey(UINT id) {
     for (const auto& child : mChildren) {
         const ControlStyle& style = child->Row().style;
@@ -333,9 +333,9 @@ void Win32FormWindow::OnPlaced() {
     WindowState state = WindowState::Normal;
     if (IsZoomed(mWindow) != 0) state = WindowState::Maximised;
     if (IsIconic(mWindow) != 0) state = WindowState::Minimised;
-    // Hidden, the window has not yet taken the state that the model wants for it.
+    // A hidden window does not have the state yet that the model wants for it.
     if (IsWindowVisible(mWindow) == 0) state = mForm->State();
-    // Before the form lays out what lies above it.
+    // Before the form lays out what is above it.
     for (const auto& child : mChildren)
         if (child->Model().Kind() == ControlKind::StatusBar) child->KeepToBottom();
     const Place inside = mStage.ToTwips(inner);
@@ -353,7 +353,7 @@ void Win32FormWindow::OnPaint() {
 
 void Win32FormWindow::DrawLine(const ThinLine& line) const {
     if (mTarget == nullptr) return;
-    // Both ends belong to the line.
+    // Both end points belong to the line.
     const RECT area = {mStage.ToPixels(line.left), mStage.ToPixels(line.top),
                        mStage.ToPixels(line.right) + 1, mStage.ToPixels(line.bottom) + 1};
     const bool shadow = line.colour == SystemColour::ButtonShadow;

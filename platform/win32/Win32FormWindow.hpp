@@ -1,5 +1,5 @@
-// The window of one form: its children, its menu bar, and the routing of the system's messages
-// to the model. Handlers may unload the form; the window object then outlives its own message.
+// The window of one form: its children, its menu bar, and the routing of window messages to
+// the model. Handlers may unload the form; the window object then outlives its current message.
 #pragma once
 
 #include <memory>
@@ -23,7 +23,7 @@ public:
     /// Makes the window, hidden, in the middle of the screen: there a window is restored to that is
     /// first shown minimised or maximised. Raises RuntimeError 7 when the system cannot make it.
     void Create();
-    /// Destroys it; the model is not looked at any more.
+    /// Destroys the window; the model is not accessed afterwards.
     void Destroy();
 
     HWND Handle() const { return mWindow; }
@@ -78,8 +78,8 @@ private:
     std::unique_ptr<Win32MenuBar> mMenuBar;
     std::vector<std::unique_ptr<Win32ChildControl>> mChildren;
     HDC mTarget = nullptr;     // while the form paints itself
-    bool mCatchingUp = false;  // a message to that end is on its way
-    bool mMoving = false;      // the model moves the window, which needs no telling
+    bool mCatchingUp = false;  // a kCatchUp message is posted
+    bool mMoving = false;      // the model moves the window: do not notify it
 };
 
 }  // namespace vantor

@@ -1,4 +1,4 @@
-// An open handle of the system that closes itself. Not for registry keys or windows.
+// Owns a Win32 handle and closes it. Not for registry keys or windows.
 #pragma once
 
 #include <utility>
@@ -7,7 +7,7 @@
 
 namespace vantor {
 
-/// Some calls report failure with a null handle, others with an invalid one: neither is open.
+/// Some calls report failure as null, others as INVALID_HANDLE_VALUE: neither is open.
 class Win32Handle {
 public:
     Win32Handle() = default;
@@ -17,7 +17,7 @@ public:
         std::swap(mHandle, other.mHandle);
         return *this;
     }
-    // Nothing can be done about a refused close.
+    // A failed close cannot be handled.
     ~Win32Handle() {
         if (IsOpen()) static_cast<void>(CloseHandle(mHandle));
     }

@@ -7,12 +7,12 @@
 namespace vantor {
 namespace {
 
-// The event character too: adapters pass a reply on at once when somebody waits for it.
+// EV_RXFLAG too: adapters forward a reply at once while a program waits for that event.
 constexpr DWORD kEvents = EV_RXCHAR | EV_RXFLAG;
 
 }  // namespace
 
-// Where the system has no such wait to give, the pump's own polls do without it.
+// Where the system does not support this wait, the polling of the pump suffices.
 Win32InputWatch::Win32InputWatch(HANDLE device, std::function<void()> arrived)
     : mDevice(device), mArrived(std::move(arrived)), mWait(std::make_unique<Win32Request>(true)) {
     if (!mWait->done.IsOpen() || SetCommMask(mDevice, kEvents) == 0) return;
@@ -21,7 +21,7 @@ Win32InputWatch::Win32InputWatch(HANDLE device, std::function<void()> arrived)
 }
 
 Win32InputWatch::~Win32InputWatch() {
-    // Returns when no callback runs any more.
+    // Blocks until no callback runs.
     if (mRegistration != nullptr)
         static_cast<void>(UnregisterWaitEx(mRegistration, INVALID_HANDLE_VALUE));
     if (mWait->HasEnded()) return;
@@ -31,7 +31,7 @@ Win32InputWatch::~Win32InputWatch() {
 }
 
 void Win32InputWatch::Arm() {
-    constexpr ULONGLONG kLeastMs = 8;  // under the pump's interval, whose next poll then arms
+    constexpr ULONGLONG kLeastMs = 8;  // below the interval of the pump, whose next poll then arms
     const ULONGLONG now = GetTickCount64();
     if (!mUsable || !mWait->HasEnded() || now - mArmedAt < kLeastMs) return;
     // A line without modem signals, as under a compatibility layer, may end every wait at once

@@ -1,5 +1,5 @@
-// Waits in the background until a serial line reports bytes, so that nobody has to look for them.
-// Reports may come for nothing; it counts and reads no bytes itself.
+// Waits in the background until a serial line reports received bytes, so that no polling is needed.
+// Reports may be spurious; it does not count or read bytes.
 #pragma once
 
 #include <functional>
@@ -9,19 +9,19 @@
 
 namespace vantor {
 
-/// Everything but the callback happens on the thread that made it.
+/// All but the callback runs on the thread that created it.
 class Win32InputWatch {
 public:
-    /// `device` outlives the watch; its event mask is the watch's. `arrived` is called on a
-    /// thread of the system's and must not touch the watch.
+    /// `device` must outlive the watch, which owns its event mask. `arrived` runs on a system
+    /// thread and must not access the watch.
     Win32InputWatch(HANDLE device, std::function<void()> arrived);
     ~Win32InputWatch();
     Win32InputWatch(const Win32InputWatch&) = delete;
     Win32InputWatch& operator=(const Win32InputWatch&) = delete;
 
-    /// Waits for the next report: one `arrived`, then silence until armed again. Does nothing
-    /// while a wait is on its way, when the device has gone, and within some milliseconds of the
-    /// last time, so that a stream of bytes becomes no stream of reports.
+    /// Waits for the next report: one `arrived`, then none until armed again. Does nothing while
+    /// a wait is pending, when the device is lost, and within some milliseconds of the last call,
+    /// so that continuous input does not cause continuous reports.
     void Arm();
 
 private:

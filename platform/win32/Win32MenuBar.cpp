@@ -51,7 +51,7 @@ Win32MenuBar::Win32MenuBar(Win32Stage& stage, Form& form) : Win32MenuBar(stage) 
     }
 }
 
-// A bar that is set on a window goes with it; this is for one that is not any more.
+// A bar that is set on a window is destroyed with it; this destroys one that is not set any more.
 Win32MenuBar::~Win32MenuBar() {
     if (mBar == nullptr) return;
     static_cast<void>(DestroyMenu(mBar));

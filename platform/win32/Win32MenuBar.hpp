@@ -1,4 +1,4 @@
-// The menu bar of a window, made from the menu rows of its design and kept in step with them.
+// The menu bar of a window, built from the menu rows of its design and kept in sync with them.
 #pragma once
 
 #include <map>
@@ -12,7 +12,7 @@ class MenuItem;
 
 class Win32MenuBar {
 public:
-    /// Command identifiers of the entries count from here.
+    /// Command identifiers of the entries start here.
     static constexpr UINT kFirstCommand = 2000;
 
     /// Builds the bar of `form`; `Handle` is null for a form without menus. Raises RuntimeError 7
@@ -25,13 +25,13 @@ public:
     HMENU Handle() const { return mBar; }
     /// The entry with the command identifier `command`; null when there is none.
     MenuItem* Find(UINT command) const;
-    /// Follows a changed property of one of the entries.
+    /// Applies a changed property of one of the entries.
     void Follow(const Control& item, Property property, HWND window);
 
 private:
     struct Entry {
         MenuItem* item;
-        HMENU menu;   // the menu that it stands in
+        HMENU menu;   // the menu that contains it
         HMENU popup;  // the menu that it opens; null for a command
         UINT position;
     };

@@ -90,7 +90,7 @@ BoxAnswer Win32MessageBoxes::Show(const MessageBoxRequest& request) {
 }
 
 void Win32MessageBoxes::Beep() {
-    static_cast<void>(MessageBeep(MB_OK));  // a machine without sound is no fault
+    static_cast<void>(MessageBeep(MB_OK));  // a machine without sound is not an error
 }
 
 }  // namespace vantor

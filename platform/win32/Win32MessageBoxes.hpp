@@ -1,4 +1,4 @@
-// The system's message boxes and default sound.
+// The message boxes and the default sound of Windows.
 #pragma once
 
 #include <string>
@@ -9,7 +9,7 @@ namespace vantor {
 
 class Win32MessageBoxes : public MessageBoxes {
 public:
-    /// `defaultTitle` heads the boxes that bring no title of their own.
+    /// `defaultTitle` is the title of boxes that have none of their own.
     explicit Win32MessageBoxes(std::string defaultTitle) : mDefaultTitle(std::move(defaultTitle)) {}
 
     BoxAnswer Show(const MessageBoxRequest& request) override;

@@ -12,15 +12,15 @@ namespace {
 
 constexpr wchar_t kClassName[] = L"VantorMessagePump";
 constexpr UINT kWakeUp = WM_APP;
-// Beyond every timer's number: those are 32 bits wide.
+// Above all timer identifiers, which are 32-bit.
 constexpr UINT_PTR kPollTimer = UINT_PTR{1} << 32;
 constexpr std::uint32_t kPollIntervalMs = 10;
-// A port that is open all day and silent must not keep the processor from resting.
+// A port that is open all day and silent must not keep the processor from idling.
 constexpr std::uint32_t kIdlePollIntervalMs = 200;
 constexpr int kAttentivePolls = 100;
-// Some milliseconds at most, or the windows would answer late.
+// Some milliseconds at most; otherwise the windows would respond late.
 constexpr int kMostRounds = 16;
-// A window that always wants to be drawn must keep neither the line nor the clock waiting.
+// A window that repaints continuously must delay neither the line nor the timers.
 constexpr int kMostAtOnce = 500;
 
 }  // namespace
@@ -30,7 +30,7 @@ Win32MessagePump::Win32MessagePump() {
     windowClass.lpfnWndProc = OnMessage;
     windowClass.hInstance = GetModuleHandleW(nullptr);
     windowClass.lpszClassName = kClassName;
-    // Every pump after the first finds the class there; any other failure shows in the next call.
+    // Every pump but the first finds the class registered; another failure shows in the next call.
     static_cast<void>(RegisterClassW(&windowClass));
     mWindow = CreateWindowExW(0, kClassName, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
                               windowClass.hInstance, nullptr);
@@ -38,7 +38,7 @@ Win32MessagePump::Win32MessagePump() {
     static_cast<void>(SetWindowLongPtrW(mWindow, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this)));
 }
 
-// Takes the window's timers and whatever was posted to it along.
+// Destroying the window also removes its timers and posted messages.
 Win32MessagePump::~Win32MessagePump() {
     static_cast<void>(DestroyWindow(mWindow));
 }
@@ -50,7 +50,7 @@ void Win32MessagePump::PumpPending() {
         if (message.message == WM_QUIT) mQuit = true;
         Dispatch(message);
     }
-    // The system gives timers last of all; asked for by name they come even so.
+    // WM_TIMER has the lowest priority; asked for explicitly, it is returned even now.
     if (taken == kMostAtOnce && PeekMessageW(&message, mWindow, WM_TIMER, WM_TIMER, PM_REMOVE) != 0)
         Dispatch(message);
     if (!mSources.empty()) PollSources();
@@ -73,15 +73,15 @@ bool Win32MessagePump::WaitAndDispatch() {
 
 void Win32MessagePump::Dispatch(MSG& message) {
     if (mFilter && mFilter(message)) return;
-    static_cast<void>(TranslateMessage(&message));  // tells what it did, not whether it failed
+    static_cast<void>(TranslateMessage(&message));  // its result is not an error code
     static_cast<void>(DispatchMessageW(&message));
 }
 
-// A flag and not the system's own quit message, which would also break off the box or menu that
-// may be open in the current callback.
+// A flag instead of PostQuitMessage: WM_QUIT would also end a box or menu that is open in
+// the current callback.
 void Win32MessagePump::Quit() {
     mQuit = true;
-    static_cast<void>(PostMessageW(mWindow, WM_NULL, 0, 0));  // a full queue wakes it up too
+    static_cast<void>(PostMessageW(mWindow, WM_NULL, 0, 0));  // a full queue wakes it too
 }
 
 TimerId Win32MessagePump::StartTimer(std::uint32_t intervalMs, std::function<void()> tick) {
@@ -91,7 +91,7 @@ TimerId Win32MessagePump::StartTimer(std::uint32_t intervalMs, std::function<voi
     return id;
 }
 
-// A tick that is already in the queue finds no timer any more.
+// A tick that is already queued finds no timer.
 void Win32MessagePump::StopTimer(TimerId id) {
     if (mTimers.erase(id) != 0) static_cast<void>(KillTimer(mWindow, id));
 }
@@ -115,7 +115,7 @@ void Win32MessagePump::Attend() {
 }
 
 void Win32MessagePump::WakeUp(SourceId id) const {
-    // With a queue that is full the poll timer comes next.
+    // If the queue is full, the next poll timer does it.
     static_cast<void>(PostMessageW(mWindow, kWakeUp, id, 0));
 }
 
@@ -155,8 +155,8 @@ void Win32MessagePump::Tick(UINT_PTR id) {
             PollSources();
             if (!mAgain) break;
         }
-        // Counted anew from here: a slow poll must not find itself due again at once, which
-        // would keep the queue from ever being empty.
+        // The interval restarts here: otherwise a slow poll would be due again at once,
+        // and the queue would never be empty.
         const bool idle = mIdlePolls >= kAttentivePolls;
         if (!mSources.empty())
             SetSystemTimer(kPollTimer, idle ? kIdlePollIntervalMs : kPollIntervalMs);
@@ -178,7 +178,7 @@ void Win32MessagePump::PollSource(SourceId id) {
     poll();
 }
 
-// Callbacks may change the table, so the pass works from the identifiers that it began with.
+// Callbacks may change the table, so the pass iterates over a snapshot of the identifiers.
 void Win32MessagePump::PollSources() {
     std::vector<SourceId> ids;
     ids.reserve(mSources.size());

@@ -1,5 +1,5 @@
-// The window message queue of the thread that makes it, and a hidden window through which timers
-// and serial ports reach that thread even while a modal loop runs it.
+// The window message queue of the thread that creates it, and a hidden window through which timers
+// and serial ports reach that thread even inside a modal loop.
 #pragma once
 
 #include <cstdint>
@@ -21,12 +21,12 @@ public:
     Win32MessagePump& operator=(const Win32MessagePump&) = delete;
 
     void PumpPending() override;
-    /// Only lets others run: the system tells of input too late to wait for it between two lines.
+    /// Only yields: Windows reports input too late for a wait between two lines.
     void AwaitInput() override { static_cast<void>(SwitchToThread()); }
     void Run() override;
     void Quit() override;
 
-    /// The system takes intervals below 10 ms for 10 ms.
+    /// Windows raises intervals below 10 ms to 10 ms.
     TimerId StartTimer(std::uint32_t intervalMs, std::function<void()> tick) override;
     void StopTimer(TimerId id) override;
 
@@ -37,23 +37,23 @@ public:
     SourceId AddSource(std::function<void()> poll);
     void RemoveSource(SourceId id);
 
-    /// Something has come from a source, or is expected from it: polls are frequent for a while.
+    /// A source has received data or expects some: polls are frequent for a while.
     void Attend();
-    /// For a poll that has found plenty: the poll timer polls again at once, a limited number of
-    /// times, for the system's own timers are too slow for a line that never pauses.
+    /// For a poll that has found much data: the poll timer polls again at once, a limited number of
+    /// times, because system timers are too slow for continuous input.
     void PollAgain() { mAgain = true; }
 
-    /// Asks `filter` about each message of the two loops above; true means that it has dealt
-    /// with it (the keys of a window's controls).
+    /// Passes each message of the two loops above to `filter`; true means that it has handled
+    /// the message (keyboard input of a window's controls).
     void Filter(std::function<bool(MSG&)> filter) { mFilter = std::move(filter); }
 
-    /// Waits for one message and dispatches it, for the loop of a modal window: what comes behind
-    /// the message that closes it belongs to the loop around. False when `Quit` has been called:
-    /// the loop then ends, and so does the one around it.
+    /// Waits for one message and dispatches it, for the loop of a modal window:
+    /// messages after the one that closes it belong to the outer loop. Returns false after `Quit`,
+    /// which ends this loop and the outer one.
     bool WaitAndDispatch();
 
-    /// Asks for a poll of the source `id`; may be called from any thread while the pump lives.
-    /// A source that has been removed meanwhile is not called.
+    /// Requests a poll of the source `id`. Thread-safe while the pump lives.
+    /// A source that was removed meanwhile is not called.
     void WakeUp(SourceId id) const;
 
 private:
@@ -71,7 +71,7 @@ private:
     std::map<SourceId, std::function<void()>> mSources;
     std::uint32_t mLastId = 0;
     bool mAgain = false;
-    int mIdlePolls = 0;  // of the poll timer, since somebody last attended
+    int mIdlePolls = 0;  // of the poll timer, since the last Attend
     bool mQuit = false;
 };
 

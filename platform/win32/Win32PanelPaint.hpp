@@ -1,4 +1,4 @@
-// What a picture box shows: its picture, its ground, and what was printed on it.
+// Paints a picture box: its picture, its background, and the text printed on it.
 #pragma once
 
 #include "controls/Controls.hpp"

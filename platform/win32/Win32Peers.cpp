@@ -9,7 +9,7 @@
 
 namespace vantor {
 
-/// The peer of one form: owner of its window.
+/// The peer of one form. Owns its window.
 class Win32FormPeer : public FormPeer {
 public:
     Win32FormPeer(Win32Peers& peers, Form& form)
@@ -58,11 +58,11 @@ void Win32FormPeer::Show(ShowMode mode, NativeWindow owner) {
         mWindow->Show(above);
         return;
     }
-    // A modal window that was given no owner stays above the one that was in use.
+    // A modal window without an owner is shown above the active window.
     if (above == nullptr) above = GetActiveWindow();
     DisableOthers();
     mWindow->Show(above);
-    // The peer goes when the form unloads; what the loop needs is held here.
+    // The peer is destroyed when the form unloads; the loop keeps its own references.
     Win32MessagePump& pump = mPeers.mPump;
     const std::shared_ptr<Form> form = mForm.shared_from_this();
     while (!form->Gone() && pump.WaitAndDispatch()) continue;
@@ -76,7 +76,7 @@ void Win32FormPeer::DisableOthers() {
     }
 }
 
-// Before the modal window goes, or the system would activate another program's window.
+// Before the modal window closes; otherwise Windows would activate a window of another program.
 void Win32FormPeer::EnableOthers() {
     for (const HWND window : std::exchange(mDisabled, {}))
         static_cast<void>(EnableWindow(window, TRUE));
@@ -86,7 +86,7 @@ Win32Peers::Win32Peers(Win32MessagePump& pump) : mPump(pump) {
     INITCOMMONCONTROLSEX wanted{};
     wanted.dwSize = sizeof wanted;
     wanted.dwICC = ICC_WIN95_CLASSES;
-    // Without the classes the children that need them are missing from their window.
+    // Without the classes, only the children that need them are missing.
     static_cast<void>(InitCommonControlsEx(&wanted));
     mPump.Filter([this](MSG& message) {
         return std::ranges::any_of(
@@ -124,7 +124,7 @@ void Win32Peers::SetMousePointer(MousePointer pointer) {
 void Win32Peers::HoldSystem(const std::string& reason) {
     mStage.reasonToStay = ToWide(reason);
     const bool hold = !reason.empty();
-    // A refusal leaves things as they are on a machine that was not asked: the flash goes on.
+    // If this fails, the machine behaves as without the request, and the flash continues.
     static_cast<void>(
         SetThreadExecutionState(hold ? ES_CONTINUOUS | ES_SYSTEM_REQUIRED : ES_CONTINUOUS));
     if (mWindows.empty()) return;

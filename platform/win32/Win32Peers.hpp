@@ -1,4 +1,4 @@
-// Draws forms as real windows.
+// Implements forms as native windows.
 #pragma once
 
 #include <vector>
@@ -11,7 +11,7 @@ namespace vantor {
 
 class Win32Peers : public Peers {
 public:
-    /// Gives the keys of the windows' controls to them through `pump`, which outlives the peers.
+    /// Handles keyboard input of controls through `pump`, which must outlive the peers.
     explicit Win32Peers(Win32MessagePump& pump);
     ~Win32Peers() override;
     Win32Peers(const Win32Peers&) = delete;
@@ -31,7 +31,7 @@ private:
 
     Win32MessagePump& mPump;
     Win32Stage mStage;
-    std::vector<HWND> mWindows;  // in the order of making; the first is the main window
+    std::vector<HWND> mWindows;  // in creation order; the first is the main window
 };
 
 }  // namespace vantor

@@ -11,7 +11,7 @@
 namespace vantor {
 namespace {
 
-/// The largest rectangle of the shape `width` by `height` inside `area`, in its middle.
+/// The largest rectangle with the aspect ratio `width` to `height`, centred in `area`.
 RECT Fitted(const RECT& area, double width, double height) {
     const double scale =
         std::min((area.right - area.left) / width, (area.bottom - area.top) / height);
@@ -22,7 +22,7 @@ RECT Fitted(const RECT& area, double width, double height) {
     return {left, top, left + across, top + down};
 }
 
-/// A stream over a copy of `bytes`, which goes with it; null when the system refuses.
+/// A stream that owns a copy of `bytes`; null on failure.
 IStream* StreamOver(const std::string& bytes) {
     const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, std::max<std::size_t>(bytes.size(), 1));
     if (memory == nullptr) return nullptr;
@@ -51,7 +51,7 @@ void Win32Picture::Draw(HDC target, const RECT& area) const {
     const RECT place = Fitted(area, width, height);
     static_cast<void>(SetStretchBltMode(target, HALFTONE));
     static_cast<void>(SetBrushOrgEx(target, 0, 0, nullptr));
-    // The picture's own axis points upwards.
+    // The y axis of the picture points upwards.
     static_cast<void>(mPicture->Render(target, place.left, place.top, place.right - place.left,
                                        place.bottom - place.top, 0, height, width, -height,
                                        nullptr));

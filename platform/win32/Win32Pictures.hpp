@@ -1,4 +1,4 @@
-// Pictures through the system's own decoders.
+// Pictures decoded by Windows.
 #pragma once
 
 #include "platform/Files.hpp"
@@ -17,7 +17,7 @@ public:
     Win32Picture(const Win32Picture&) = delete;
     Win32Picture& operator=(const Win32Picture&) = delete;
 
-    /// As large as fits into `area` undistorted, in its middle, on the window's colour.
+    /// Draws it centred in `area`, as large as its aspect ratio allows, on the window colour.
     void Draw(HDC target, const RECT& area) const;
 
 private:
@@ -27,7 +27,7 @@ private:
 
 class Win32Pictures : public Pictures {
 public:
-    /// Prepares this thread for the decoders. `files` must outlive this object, and this object
+    /// Initialises COM on this thread. `files` must outlive this object, and this object
     /// the pictures that it loads.
     explicit Win32Pictures(const Files& files);
     ~Win32Pictures() override;
@@ -36,7 +36,7 @@ public:
 
     std::shared_ptr<const Picture> Load(const std::string& path) override;
 
-    /// Pictures that are there now.
+    /// Number of pictures that exist now.
     int Held() const { return mHeld; }
 
 private:

@@ -16,7 +16,7 @@
 
 namespace vantor {
 
-// What main is given has been through the 8-bit code page; the process asks the system itself.
+// argv was converted to the ANSI code page; the process queries the wide command line instead.
 NativePlatform MakeNativePlatform(int, char**) {
     NativePlatform native;
     native.process = std::make_unique<Win32Process>();

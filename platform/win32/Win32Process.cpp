@@ -7,13 +7,13 @@
 #include <memory>
 
 #include "support/RuntimeError.hpp"
-// Needs what the system's header defines.
+// Requires the types of <windows.h>.
 #include <shellapi.h>
 
 namespace vantor {
 namespace {
 
-// Made beforehand and never freed: the handler may run at any instruction and must not allocate.
+// Allocated beforehand and never freed: the handler may run at any time and must not allocate.
 std::array<wchar_t, 128> gTitle{};
 
 struct ExceptionName {
@@ -63,7 +63,7 @@ void WriteLastWords(const wchar_t* words) {
         if (got > 0) length += static_cast<std::size_t>(got) - 1;  // its NUL is overwritten
     }
     DWORD count = 0;
-    // There is nobody left to tell that the words did not get out.
+    // A failed write is ignored: there is no other channel to report it.
     static_cast<void>(WriteFile(GetStdHandle(STD_ERROR_HANDLE), line.data(),
                                 static_cast<DWORD>(length), &count, nullptr));
 }
@@ -98,11 +98,11 @@ LONG WINAPI OnUnhandledException(EXCEPTION_POINTERS* exception) {
         } catch (const std::exception& error) {
             what = ToWide(error.what());
         } catch (...) {
-            // It has no text; the words above stand.
+            // It has no text; the default above is used.
         }
     }
     SayLastWords(what.c_str());
-    constexpr DWORD kAborted = 3;  // what the C library's own abort reports
+    constexpr DWORD kAborted = 3;  // the exit code of abort in the C library
     End(kAborted);
 }
 
@@ -132,10 +132,10 @@ std::string Win32Process::ExecutablePath() const {
 bool Win32Process::AnotherInstanceRuns(const std::string& title) {
     if (mPlaces.contains(title)) return false;
     std::wstring name = ToWide(title);
-    std::replace(name.begin(), name.end(), L'\\', L'-');  // would be a folder of names
+    std::replace(name.begin(), name.end(), L'\\', L'-');  // it separates namespaces
     Win32Handle place(CreateMutexW(nullptr, FALSE, (L"Local\\" + name).c_str()));
     const DWORD systemError = GetLastError();
-    if (!place.IsOpen()) return systemError == ERROR_ACCESS_DENIED;  // somebody else's
+    if (!place.IsOpen()) return systemError == ERROR_ACCESS_DENIED;  // belongs to another user
     if (systemError == ERROR_ALREADY_EXISTS) return true;
     mPlaces.emplace(title, std::move(place));
     return false;
@@ -147,7 +147,7 @@ void Win32Process::InstallUnhandledExceptionFilter(const std::string& title) {
     std::copy_n(wide.begin(), length, gTitle.begin());
     gTitle[length] = L'\0';
     std::set_terminate(OnTerminate);
-    static_cast<void>(SetUnhandledExceptionFilter(OnUnhandledException));  // gives the old one
+    static_cast<void>(SetUnhandledExceptionFilter(OnUnhandledException));  // returns the old one
 }
 
 }  // namespace vantor

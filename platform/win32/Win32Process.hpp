@@ -1,4 +1,4 @@
-// The running program on Windows: arguments, own file, single instance, last words.
+// The running process on Windows: arguments, program file, single instance, unhandled exceptions.
 #pragma once
 
 #include <map>
@@ -17,10 +17,10 @@ public:
     const std::vector<std::string>& Arguments() const override { return mArguments; }
     std::string ExecutablePath() const override;
 
-    /// The place is a named mutex of the user's session.
+    /// The lock is a named mutex of the user's session.
     bool AnotherInstanceRuns(const std::string& title) override;
 
-    /// Where no box can be shown the words go to standard error.
+    /// Where no box can be shown, the message goes to standard error.
     void InstallUnhandledExceptionFilter(const std::string& title) override;
 
 private:

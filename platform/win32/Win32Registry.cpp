@@ -21,7 +21,7 @@ RegistryKey OurKey(HKEY key) {
 
 }  // namespace
 
-// The system clears the handle when it fails, so it is given one of ours.
+// RegOpenKeyEx clears the handle on failure, so it gets a local one.
 RegistryResult Win32Registry::OpenKey(RegistryRoot root, const std::string& path,
                                       std::uint32_t access, RegistryKey& key) {
     HKEY opened = nullptr;

@@ -1,5 +1,5 @@
-// The system's registry by its 8-bit calls: the stored format is defined on the bytes that those
-// take and give. Keeps no list of open keys; what is not closed ends with the process.
+// The Windows registry through its 8-bit calls: the stored format is defined on the bytes that
+// those read and write. Open keys are not tracked; leaked ones are closed with the process.
 #pragma once
 
 #include "platform/Registry.hpp"

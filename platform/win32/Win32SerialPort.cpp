@@ -23,8 +23,8 @@ constexpr std::size_t kMostBytesAtOnce = kQueueBytes;
     }
 }
 
-// The system lets one program open a port once. Where that does not hold (a compatibility
-// layer, a driver that shares) two of ours would take each other's acknowledgements.
+// Windows opens a port exclusively. Where it does not (a compatibility layer, a driver that
+// shares), two instances of this program would read each other's acknowledgements.
 Win32Handle Claim(const std::wstring& name) {
     Win32Handle claim(CreateMutexW(nullptr, FALSE, (L"Local\\Vantor serial line " + name).c_str()));
     const DWORD systemError = GetLastError();
@@ -57,18 +57,18 @@ BYTE ParityCode(Parity parity) {
     return NOPARITY;
 }
 
-// What the caller does not choose: raw both ways, no flow control, both modem lines up.
+// Settings that the caller does not choose: raw, no flow control, DTR and RTS asserted.
 DCB RawBlock() {
     DCB block{};
     block.DCBlength = sizeof block;
     block.fBinary = TRUE;
     block.fDtrControl = DTR_CONTROL_ENABLE;
     block.fRtsControl = RTS_CONTROL_ENABLE;
-    // Without flow control they mean nothing, but drivers refuse two that are equal.
+    // Unused without flow control, but drivers reject two equal characters.
     block.XonChar = 0x11;
     block.XoffChar = 0x13;
-    // Adapters hold short replies for some 16 ms unless one contains this character, and every
-    // acknowledgement ends with it.
+    // Adapters hold back short replies for some 16 ms unless one contains the event character,
+    // and every acknowledgement ends with this one.
     block.EvtChar = '\r';
     return block;
 }
@@ -85,14 +85,14 @@ Win32SerialPort::Win32SerialPort(Win32MessagePump& pump, const std::wstring& nam
       mBitsPerCharacter(BitsPerCharacter(line)),
       mBitsPerSecond(line.bitsPerSecond) {
     SetLine(line);
-    // A driver that has queues of another size keeps them.
+    // A driver with a fixed queue size keeps it.
     static_cast<void>(SetupComm(mDevice.Get(), kQueueBytes, kQueueBytes));
-    // Reads return at once with what is there; writes have all the time that the line takes.
+    // Reads return at once with the available bytes; writes have no time-out.
     COMMTIMEOUTS timeouts{};
     timeouts.ReadIntervalTimeout = MAXDWORD;
     if (SetCommTimeouts(mDevice.Get(), &timeouts) == 0) RaiseOpenError(GetLastError());
     static_cast<void>(SetCommMask(mDevice.Get(), EV_RXCHAR | EV_RXFLAG));  // for the adapters
-    // A device gone by now shows later.
+    // A lost device shows later.
     static_cast<void>(PurgeComm(mDevice.Get(), PURGE_RXCLEAR));
 }
 
@@ -105,7 +105,7 @@ void Win32SerialPort::SetLine(const LineSettings& line) const {
     if (line.bitsPerSecond == 0 || (line.dataBits != 7 && line.dataBits != 8) ||
         (line.stopBits != 1 && line.stopBits != 2))
         throw RuntimeError(ErrorNumber::InvalidCall);
-    // What opens under a port's name need not be one; only a serial line answers this.
+    // A name that opens may refer to another kind of device; only a serial port answers this.
     DCB present{};
     present.DCBlength = sizeof present;
     if (GetCommState(mDevice.Get(), &present) == 0)
@@ -119,9 +119,9 @@ void Win32SerialPort::SetLine(const LineSettings& line) const {
     if (SetCommState(mDevice.Get(), &wanted) == 0) throw RuntimeError(ErrorNumber::InvalidCall);
 }
 
-/// One system call, since this is asked in busy waits; false when the device has gone.
+/// One system call, since wait loops call this; false when the device is lost.
 bool Win32SerialPort::Look(COMSTAT& queues) const {
-    DWORD lineErrors = 0;  // the protocol above notices a damaged reply by itself
+    DWORD lineErrors = 0;  // the protocol detects damaged replies itself
     return ClearCommError(mDevice.Get(), &lineErrors, &queues) != 0;
 }
 
@@ -190,14 +190,13 @@ std::size_t Win32SerialPort::InputCount() {
     return Queues().cbInQue;
 }
 
-// The system counts the bytes of a pending write; a compatibility layer may not, and then one
-// byte stands for all.
+// Windows counts the bytes of a pending write. A compatibility layer may not; then the count is 1.
 std::size_t Win32SerialPort::OutputCount() {
     const std::size_t count = Queues().cbOutQue;
     return WriteIsPending() ? std::max<std::size_t>(count, 1) : count;
 }
 
-// Discarding succeeds on a device that has gone, so it is the look that tells.
+// PurgeComm succeeds on a lost device; ClearCommError detects the loss.
 void Win32SerialPort::DiscardInput() {
     static_cast<void>(PurgeComm(mDevice.Get(), PURGE_RXCLEAR));
     static_cast<void>(Queues());
@@ -219,9 +218,9 @@ void Win32SerialPort::StopNotifying() {
     mNotify = nullptr;
 }
 
-// The callback may destroy this port: it is called as a copy, and nothing follows it.
+// The callback may destroy this port: a copy is called, and no member is used after it.
 void Win32SerialPort::PollInput() {
-    mWatch->Arm();  // before the look, so that no byte comes between the two unnoticed
+    mWatch->Arm();  // before the check, so that no byte arrives unnoticed in between
     COMSTAT queues{};
     const bool gone = mGone || !Look(queues);
     if (!gone && queues.cbInQue == 0) return;

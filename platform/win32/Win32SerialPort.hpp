@@ -1,5 +1,5 @@
-// One open serial line on Windows: overlapped transfers that never wait. Names and lists of
-// ports are not its business.
+// One open serial port on Windows: overlapped I/O, non-blocking. It does not handle
+// names and lists of ports.
 #pragma once
 
 #include <memory>
@@ -18,8 +18,8 @@ namespace vantor {
 /// that does not end a cancelled request loses the port, within some seconds.
 class Win32SerialPort : public SerialPort {
 public:
-    /// Opens the port `name` ("COM3"). `pump` must outlive the port. Raises 68, 70 or 5 as
-    /// SerialPorts::Open does.
+    /// Opens the port `name` ("COM3"). `pump` must outlive the port. Raises 68,
+    /// 70 or 5 like SerialPorts::Open.
     Win32SerialPort(Win32MessagePump& pump, const std::wstring& name, const LineSettings& line);
     ~Win32SerialPort() override;
     Win32SerialPort(const Win32SerialPort&) = delete;

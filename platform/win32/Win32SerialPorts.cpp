@@ -15,7 +15,7 @@ std::wstring ComName(unsigned number) {
     return L"COM" + std::to_wstring(number);
 }
 
-/// The number of "com7"; 0 when it is no name of a port.
+/// The number of "com7"; 0 when it is not a port name.
 unsigned ComNumber(const std::wstring& name) {
     for (unsigned number = 1; number <= kLastComNumber; ++number)
         if (CompareStringOrdinal(name.c_str(), -1, ComName(number).c_str(), -1, TRUE) == CSTR_EQUAL)
@@ -23,7 +23,7 @@ unsigned ComNumber(const std::wstring& name) {
     return 0;
 }
 
-/// What the name leads to; empty when it leads nowhere.
+/// The device behind the name; empty when there is none.
 std::string DeviceOf(const std::wstring& name) {
     std::array<wchar_t, 1024> device{};
     const DWORD length =
@@ -36,7 +36,7 @@ public:
     SerialMap() {
         if (RegOpenKeyExW(HKEY_LOCAL_MACHINE, L"HARDWARE\\DEVICEMAP\\SERIALCOMM", 0,
                           KEY_QUERY_VALUE, &mKey) != ERROR_SUCCESS)
-            mKey = nullptr;  // a machine that has never had a port
+            mKey = nullptr;  // the machine has never had a port
     }
     ~SerialMap() {
         if (mKey != nullptr) static_cast<void>(RegCloseKey(mKey));
@@ -44,11 +44,11 @@ public:
     SerialMap(const SerialMap&) = delete;
     SerialMap& operator=(const SerialMap&) = delete;
 
-    /// Sets the device and the COM name of the entry `index`; false behind the last one.
+    /// Sets the device and the COM name of the entry `index`; false past the last one.
     bool Entry(DWORD index, std::wstring& device, std::wstring& name) const {
         if (mKey == nullptr) return false;
         std::array<wchar_t, 256> valueName{};
-        std::array<wchar_t, 256> value{};  // its last NUL stays, whatever is stored
+        std::array<wchar_t, 256> value{};  // its last NUL is never overwritten
         auto nameLength = static_cast<DWORD>(valueName.size());
         auto size = static_cast<DWORD>(sizeof value - sizeof value[0]);
         DWORD type = 0;
@@ -82,8 +82,8 @@ std::unique_ptr<SerialPort> Win32SerialPorts::Open(const std::string& name,
     }
 }
 
-// Drivers enter their ports in the map; names given by hand or by redirection are only known to
-// the system itself.
+// Drivers register their ports in the map; names assigned by hand or by redirection are only in
+// the DOS device namespace.
 std::vector<SerialPortInfo> Win32SerialPorts::List() const {
     std::map<unsigned, std::string> devices;
     const SerialMap map;

@@ -1,4 +1,4 @@
-// The machine's serial ports on Windows: which there are, and opening one by name.
+// The machine's serial ports on Windows: lists the present ones and opens one by name.
 #pragma once
 
 #include "platform/SerialPort.hpp"

@@ -7,7 +7,7 @@
 namespace vantor {
 namespace {
 
-/// The texts of a request as the system takes them; they last as long as this object.
+/// The wide strings of a request; valid as long as this object.
 struct WideRequest {
     explicit WideRequest(const ShellRequest& request)
         : owner(reinterpret_cast<HWND>(request.owner)),
@@ -27,7 +27,7 @@ struct WideRequest {
     std::wstring folder;
 };
 
-/// The codes travel as instance handles, for the sake of programs of long ago.
+/// The shell returns its codes as instance handles, for compatibility with 16-bit Windows.
 std::int32_t CodeOf(HINSTANCE instance) {
     return static_cast<std::int32_t>(reinterpret_cast<INT_PTR>(instance));
 }
@@ -35,7 +35,7 @@ std::int32_t CodeOf(HINSTANCE instance) {
 }  // namespace
 
 std::int32_t Win32Shell::Execute(const ShellRequest& request) {
-    // The system would open the current folder for it.
+    // Windows would open the current folder.
     if (request.file.empty()) return SE_ERR_FNF;
     const WideRequest wide(request);
     return CodeOf(ShellExecuteW(wide.owner, WideRequest::OrNull(wide.verb), wide.file.c_str(),
@@ -56,7 +56,7 @@ std::int32_t Win32Shell::Start(const ShellRequest& request, ShellProcess& proces
     record.lpParameters = WideRequest::OrNull(wide.parameters);
     record.lpDirectory = WideRequest::OrNull(wide.folder);
     record.nShow = request.show;
-    // What failed is in the record's code.
+    // An error is reported in `hInstApp`.
     static_cast<void>(ShellExecuteExW(&record));
     process = reinterpret_cast<ShellProcess>(record.hProcess);
     return CodeOf(record.hInstApp);

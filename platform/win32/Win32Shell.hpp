@@ -1,4 +1,4 @@
-// The shell of Windows.
+// The Windows shell.
 #pragma once
 
 #include "platform/Shell.hpp"

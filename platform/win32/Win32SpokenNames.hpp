@@ -1,4 +1,4 @@
-// What is read aloud for a window that shows nothing which could be.
+// Accessible names for windows whose text does not provide one.
 #pragma once
 
 #include <string>
@@ -9,7 +9,7 @@ struct IAccPropServices;
 
 namespace vantor {
 
-/// Used from one thread, in which it keeps COM at work.
+/// Used from one thread, on which it keeps COM initialised.
 class Win32SpokenNames {
 public:
     Win32SpokenNames();
@@ -17,14 +17,14 @@ public:
     Win32SpokenNames(const Win32SpokenNames&) = delete;
     Win32SpokenNames& operator=(const Win32SpokenNames&) = delete;
 
-    /// Names `window` (IAccPropServices::SetHwndPropStr), which is to be forgotten before it is
-    /// destroyed. Where the system has no such service the window's text has to do.
+    /// Sets the accessible name of `window` (IAccPropServices::SetHwndPropStr); call `Forget`
+    /// before it is destroyed. Without the service the window text has to serve.
     void Set(HWND window, const std::wstring& name);
     void Forget(HWND window);
 
 private:
     bool mPrepared;
-    IAccPropServices* mService = nullptr;  // from the first name on
+    IAccPropServices* mService = nullptr;  // created with the first name
 };
 
 }  // namespace vantor

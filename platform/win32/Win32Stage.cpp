@@ -32,7 +32,7 @@ float Win32Stage::ToTwips(int pixels) const {
     return static_cast<float>(pixels) * kTwipsPerInch / static_cast<float>(mDpi);
 }
 
-// Edges are rounded, not sizes: neighbours stay neighbours at every resolution.
+// Edges are rounded, not sizes: adjacent controls stay adjacent at every resolution.
 RECT Win32Stage::ToPixels(const Place& place) const {
     return {ToPixels(place.left), ToPixels(place.top), ToPixels(place.left + place.width),
             ToPixels(place.top + place.height)};
@@ -56,7 +56,7 @@ HFONT Win32Stage::Font(float points, bool bold, const std::string& face) {
     if (font != nullptr) return font;
     NONCLIENTMETRICSW metrics{};
     metrics.cbSize = sizeof metrics;
-    // Without an answer the record's zeros ask for the system's default face.
+    // On failure the zeros select the default typeface.
     static_cast<void>(SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0));
     LOGFONTW wanted = metrics.lfMessageFont;
     wanted.lfHeight =

@@ -1,5 +1,5 @@
-// What all drawn windows share: resolution, fonts, the pointer, and the count of what the peers
-// hold of the system, so that a leak can be seen.
+// What all windows share: DPI scaling, fonts, the pointer, and counts of the system objects that
+// the peers hold, for leak detection.
 #pragma once
 
 #include <map>
@@ -12,7 +12,7 @@
 
 namespace vantor {
 
-/// System objects that the peers hold at the moment.
+/// System objects that the peers hold now.
 struct HeldObjects {
     int windows = 0;
     int menus = 0;
@@ -28,7 +28,7 @@ public:
 
     HINSTANCE Instance() const { return mInstance; }
 
-    /// Twips to pixels and back at the system's resolution.
+    /// Twips to pixels and back at the system DPI.
     int ToPixels(float twips) const;
     float ToTwips(int pixels) const;
     RECT ToPixels(const Place& place) const;
@@ -44,7 +44,7 @@ public:
     HeldObjects held;
     Win32SpokenNames spokenNames;
     HCURSOR cursor = nullptr;   ///< the pointer of all windows; null: each window's own
-    std::wstring reasonToStay;  ///< why the system must not go down; empty: it may
+    std::wstring reasonToStay;  ///< reason that blocks a shutdown; empty: none
 
 private:
     HINSTANCE mInstance;

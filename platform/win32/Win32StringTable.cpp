@@ -7,7 +7,7 @@
 namespace vantor {
 
 std::string Win32StringTable::LoadResString(std::int32_t id) const {
-    // The system looks at the low 16 bits only.
+    // LoadStringW uses only the low 16 bits.
     constexpr std::int32_t kLastId = 0xFFFF;
     if (id < 0 || id > kLastId) throw Missing(id);
     // With a size of 0 the call gives the resource itself, however long it is.

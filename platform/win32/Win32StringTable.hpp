@@ -1,5 +1,4 @@
-// The texts in the program's own string resources. Which language they come in is the system's
-// choice, made anew at each call.
+// Texts from the program's string resources. Windows selects the language at each call.
 #pragma once
 
 #include "platform/StringTable.hpp"

@@ -68,7 +68,7 @@ bool IsConsole(HANDLE handle) {
 }
 
 void WriteToConsole(HANDLE console, std::wstring_view text) {
-    constexpr std::size_t kMostAtOnce = 8192;  // consoles refuse texts of 64 KB
+    constexpr std::size_t kMostAtOnce = 8192;  // consoles reject writes of 64 KB
     while (!text.empty()) {
         DWORD count = 0;
         if (WriteConsoleW(console, text.data(),
@@ -92,7 +92,7 @@ void WriteTo(DWORD which, std::string_view utf8) {
     }
 }
 
-/// This thread's handle for other threads, while it waits.
+/// Publishes this thread's handle to other threads while it waits.
 class WaitingThread {
 public:
     WaitingThread() : mThread(OpenThread(THREAD_TERMINATE, FALSE, GetCurrentThreadId())) {
@@ -112,7 +112,7 @@ private:
 
 }  // namespace
 
-// A program that was started with the key switched off, as in the background, leaves it so.
+// A program started with Ctrl-C disabled, as in the background, keeps it disabled.
 Win32Terminal::Win32Terminal() {
     mTaken = gInterrupts;
     static_cast<void>(SetConsoleCtrlHandler(OnControl, TRUE));
@@ -155,8 +155,8 @@ Win32Terminal::Input Win32Terminal::ReadFromConsole(HANDLE console) {
     SetLastError(ERROR_SUCCESS);
     const BOOL read =
         ReadConsoleW(console, buffer.data(), static_cast<DWORD>(buffer.size()), &count, nullptr);
-    // The interrupt key ends the read with success and nothing in it; where it does not, a line
-    // that began before it is not wanted any more.
+    // Ctrl-C ends the read with success and no data; where it does not, a line begun
+    // before it is discarded.
     if (GetLastError() == ERROR_OPERATION_ABORTED || before != gInterrupts)
         return Input::Interrupted;
     constexpr wchar_t kEndKey = 0x1A;  // Ctrl-Z at the start of a line

@@ -22,11 +22,11 @@ public:
     bool OutputIsTerminal() const override;
     unsigned Columns() const override;
 
-    /// UTF-8 as it is where the output is no console.
+    /// Redirected output is plain UTF-8.
     void Write(std::string_view utf8) override;
     void WriteError(std::string_view utf8) override;
 
-    /// A line without terminator at the end of the input counts as a line.
+    /// A last line without a terminator counts as a line.
     std::optional<std::string> ReadLine() override;
     bool TakeInterrupt() override;
     void HoldSystem(const std::string& reason) override;

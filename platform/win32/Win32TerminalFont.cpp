@@ -12,11 +12,11 @@ namespace {
 constexpr std::array kFallbacks = {L"Consolas", L"Lucida Console", L"Courier New",
                                    L"Liberation Mono", L"DejaVu Sans Mono"};
 
-/// Letters of both languages, and signs that an indicator shows.
+/// Letters of both languages, and symbols that an indicator displays.
 constexpr std::wstring_view kSample = L"Az09\x00c1\x00d1\x00e1\x00e9\x00ed\x00f1\x00f3\x00fa\x00b0";
 
 HFONT Make(const std::wstring& face, int height, bool bold) {
-    // The one face that is made for another code page is not found without naming that.
+    // The one OEM face is only found with its character set.
     const bool isTerminal = face == L"Terminal";
     return CreateFontW(-height, 0, 0, 0, bold ? FW_BOLD : FW_NORMAL, FALSE, FALSE, FALSE,
                        isTerminal ? OEM_CHARSET : DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
@@ -24,7 +24,7 @@ HFONT Make(const std::wstring& face, int height, bool bold) {
                        face.c_str());
 }
 
-/// True when the system has given the face that was asked for, of one width and with all letters.
+/// True when the selected typeface is the requested one, monospaced, and has all letters.
 bool IsWhole(HDC target, const std::wstring& face) {
     std::array<wchar_t, LF_FACESIZE> given{};
     TEXTMETRICW metrics{};
@@ -34,7 +34,7 @@ bool IsWhole(HDC target, const std::wstring& face) {
         GetGlyphIndicesW(target, kSample.data(), static_cast<int>(kSample.size()), glyphs.data(),
                          GGI_MARK_NONEXISTING_GLYPHS) == GDI_ERROR)
         return false;
-    // The flag has its name from faces of one width lacking it.
+    // Despite its name, the flag is set for faces that are not monospaced.
     const bool oneWidth = (metrics.tmPitchAndFamily & TMPF_FIXED_PITCH) == 0;
     constexpr WORD kMissing = 0xffff;
     constexpr WORD kMissingInBitmaps = 0x1f;
@@ -43,7 +43,7 @@ bool IsWhole(HDC target, const std::wstring& face) {
            });
 }
 
-/// `wanted` or the first fallback that serves; without one the system chooses.
+/// `wanted` or the first suitable fallback; without one the system chooses.
 std::wstring ChosenFace(HDC target, const std::wstring& wanted, int height) {
     std::vector<std::wstring> faces = {wanted};
     faces.insert(faces.end(), kFallbacks.begin(), kFallbacks.end());

@@ -1,4 +1,4 @@
-// The letters of a terminal: all of one width, in a face that has those of the code page.
+// The monospaced font of a terminal, in a typeface that has the letters of the code page.
 #pragma once
 
 #include <memory>

@@ -74,14 +74,14 @@ LRESULT CALLBACK Win32TerminalView::OnMessage(HWND window, UINT message, WPARAM 
     return answer;
 }
 
-/// Nothing for what the system is to deal with.
+/// Empty for messages that DefWindowProc has to handle.
 std::optional<LRESULT> Win32TerminalView::Handle(UINT message, WPARAM first, LPARAM second) {
     switch (message) {
         case WM_PAINT:
             OnPaint();
             return 0;
         case WM_ERASEBKGND:
-            return 1;  // every pixel is painted anyhow, and once is enough
+            return 1;  // every pixel is painted anyway, and once is enough
         case WM_SIZE:
             OnSize();
             return 0;
@@ -105,7 +105,7 @@ std::optional<LRESULT> Win32TerminalView::Handle(UINT message, WPARAM first, LPA
         case WM_CONTEXTMENU:
             if (OnContextMenu(second)) return 0;
             return std::nullopt;
-        // Programs that read windows aloud find the text here.
+        // Screen readers get the text here.
         case WM_GETTEXTLENGTH:
             return static_cast<LRESULT>(ShownText().size());
         case WM_GETTEXT:
@@ -119,7 +119,7 @@ std::optional<LRESULT> Win32TerminalView::Handle(UINT message, WPARAM first, LPA
 
 std::optional<LRESULT> Win32TerminalView::HandleKey(UINT message, WPARAM first) {
     switch (message) {
-        case WM_GETDLGCODE:  // Tab, Enter, Esc and the arrows belong to the line
+        case WM_GETDLGCODE:  // Tab, Enter, Esc and the arrows are sent to the line
             return DLGC_WANTALLKEYS | DLGC_WANTCHARS | DLGC_WANTARROWS | DLGC_WANTTAB;
         case WM_KEYDOWN:
             if (OnKeyDown(first)) return 0;
@@ -165,7 +165,7 @@ void Win32TerminalView::Follow(Property property) {
     mControl.Screen().Clean();
 }
 
-// One rectangle over all that is dirty: however much arrives, the system is told once.
+// One rectangle for all dirty rows: however much arrives, there is one call.
 void Win32TerminalView::InvalidateDirty() {
     const TerminalScreen& screen = mControl.Screen();
     const auto below = static_cast<int>(screen.TopLine() - mShownFirst);
@@ -177,7 +177,7 @@ void Win32TerminalView::InvalidateDirty() {
         last = row + below;
     }
     if (last < 0) {
-        ShowScrollBar();  // no paint comes that would do it
+        ShowScrollBar();  // no paint follows that would do it
         return;
     }
     RECT area{};
@@ -222,8 +222,8 @@ void Win32TerminalView::PaintRow(HDC target, int row) const {
     }
 }
 
-/// Cells of one look, from a place in columns and rows. What blinks stands still: an idle window
-/// is to cost nothing.
+/// Cells with equal attributes, at a position in columns and rows. Blinking is not animated:
+/// an idle window must use no processor time.
 void Win32TerminalView::PaintRun(HDC target, POINT from, std::span<const Cell> run,
                                  bool selected) const {
     std::array<wchar_t, TerminalScreen::kMostColumns> text{};
@@ -248,7 +248,7 @@ void Win32TerminalView::PaintRun(HDC target, POINT from, std::span<const Cell> r
     static_cast<void>(ExtTextOutW(target, 0, 0, ETO_OPAQUE, &area, nullptr, 0, nullptr));
 }
 
-/// What is too narrow for another column, and too low for another row.
+/// The areas too narrow for another column and too low for another row.
 void Win32TerminalView::PaintMargins(HDC target) const {
     RECT client{};
     static_cast<void>(GetClientRect(mWindow, &client));
@@ -280,7 +280,7 @@ void Win32TerminalView::OnSize() {
     static_cast<void>(InvalidateRect(mWindow, nullptr, FALSE));
 }
 
-// Always there, lest the text change its width with the first line that leaves the screen.
+// Always shown; otherwise the first line that scrolls off would change the width of the text.
 void Win32TerminalView::ShowScrollBar() {
     const TerminalScreen& screen = mControl.Screen();
     SCROLLINFO info{};
@@ -338,7 +338,7 @@ void Win32TerminalView::ScrollBy(int lines) {
 
 // --- keys ---------------------------------------------------------------------------------------
 
-/// The keys that make no character. True when it was one of the terminal's.
+/// Keys without a character. True when the terminal handles the key.
 bool Win32TerminalView::OnKeyDown(WPARAM key) {
     const bool shift = IsDown(VK_SHIFT);
     const bool control = IsDown(VK_CONTROL);
@@ -358,8 +358,7 @@ bool Win32TerminalView::OnKeyDown(WPARAM key) {
     return true;
 }
 
-// Ctrl+C is a character of the line, and so is Ctrl+V; only where text is marked does the first
-// mean what it means elsewhere.
+// Ctrl+C and Ctrl+V are characters for the line; only while text is selected, Ctrl+C copies.
 void Win32TerminalView::OnCharacter(wchar_t character) {
     constexpr wchar_t kCtrlC = 3;
     if (character == kCtrlC && !mControl.Selection().Empty()) {
@@ -418,7 +417,7 @@ void Win32TerminalView::ScrollWhileSelecting(bool on) {
         static_cast<void>(KillTimer(mWindow, kScrollTimer));
 }
 
-/// The further the mouse is outside, the faster.
+/// The further the mouse is outside, the faster it scrolls.
 void Win32TerminalView::OnScrollTimer() {
     POINT at{};
     RECT client{};
@@ -434,12 +433,12 @@ void Win32TerminalView::OnScrollTimer() {
 
 // --- the context menu ---------------------------------------------------------------------------
 
-/// False where the menu is the system's affair, as on the scroll bar.
+/// False where Windows shows its own menu, as on the scroll bar.
 bool Win32TerminalView::OnContextMenu(LPARAM where) {
     POINT at = {GET_X_LPARAM(where), GET_Y_LPARAM(where)};
     RECT client{};
     static_cast<void>(GetClientRect(mWindow, &client));
-    if (where == -1) {  // by the keyboard
+    if (where == -1) {  // opened by the keyboard
         at = {0, 0};
         static_cast<void>(ClientToScreen(mWindow, &at));
     } else {
@@ -448,7 +447,7 @@ bool Win32TerminalView::OnContextMenu(LPARAM where) {
         if (PtInRect(&client, inside) == 0) return false;
     }
     const int command = AskForCommand(at);
-    // The window may have gone while the menu was open.
+    // The window may have been destroyed while the menu was open.
     if (command != 0 && mWindow != nullptr) mControl.Invoke(static_cast<TerminalCommand>(command));
     return true;
 }
@@ -469,7 +468,7 @@ int Win32TerminalView::AskForCommand(POINT at) const {
     return chosen;
 }
 
-// --- the text for others ------------------------------------------------------------------------
+// --- text for screen readers --------------------------------------------------------------------
 
 std::wstring Win32TerminalView::ShownText() const {
     std::wstring text;

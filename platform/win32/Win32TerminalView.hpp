@@ -1,5 +1,5 @@
-// The window of a terminal control: paints its screen, and passes on what the user does with keys
-// and mouse. It holds no text of its own.
+// The window of a terminal control: paints its screen and forwards keyboard and mouse
+// input. It stores no text.
 #pragma once
 
 #include <cstdint>
@@ -18,19 +18,19 @@ namespace vantor {
 /// The window class of terminals.
 inline constexpr wchar_t kTerminalClass[] = L"VantorTerminal";
 
-/// Handlers of the control may unload its form; the view then outlives its own message, without a
-/// window and without looking at the control any more.
+/// Handlers of the control may unload its form; the view then outlives its current message,
+/// without a window and without access to the control.
 class Win32TerminalView : public std::enable_shared_from_this<Win32TerminalView> {
 public:
     static void RegisterClasses(HINSTANCE instance);
 
-    /// For `window`, of the class above, which `control` is shown in.
+    /// For `window`, of the class above, which displays `control`.
     Win32TerminalView(Win32Stage& stage, TerminalControl& control, const ControlStyle& style,
                       HWND window);
     Win32TerminalView(const Win32TerminalView&) = delete;
     Win32TerminalView& operator=(const Win32TerminalView&) = delete;
 
-    /// Value: what is dirty is painted with the next paint. Repaint: all of it is.
+    /// Value: dirty rows are painted with the next paint. Repaint: all rows are.
     void Follow(Property property);
 
 private:
@@ -71,11 +71,11 @@ private:
     LRESULT GiveText(std::size_t room, wchar_t* into) const;
 
     TerminalControl& mControl;
-    HWND mWindow;  // null once it has gone
+    HWND mWindow;  // null once it is destroyed
     Win32TerminalFont mFont;
-    bool mHighContrast = false;    // as the user had it when the view was painted last
-    std::int64_t mShownFirst = 0;  // the first line of the view as it was last told to be painted
-    std::optional<TextPosition> mAnchor;  // while the mouse selects
+    bool mHighContrast = false;           // as of the last paint
+    std::int64_t mShownFirst = 0;         // the first line of the view as last invalidated
+    std::optional<TextPosition> mAnchor;  // set while the mouse selects
     bool mScrolling = false;              // the mouse is above or below the text meanwhile
     bool mAnnouncing = false;             // screen readers will be told of new text
     wchar_t mHighSurrogate = L'\0';       // the first half of a character that is being typed

@@ -1,4 +1,4 @@
-// A tree on the screen, kept in step with its model in both directions.
+// A tree-view window, kept in sync with its model in both directions.
 #pragma once
 
 #include <cstddef>
@@ -6,17 +6,17 @@
 
 #include "controls/TreeView.hpp"
 #include "platform/win32/Windows.hpp"
-// Needs what the line above declares.
+// Requires the types of <windows.h>.
 #include <commctrl.h>
 
 namespace vantor {
 
 class Win32TreeView {
 public:
-    /// `window` is the system's tree, which outlives this object.
+    /// `window` is the tree-view window, which outlives this object.
     Win32TreeView(TreeView& model, HWND window) : mModel(model), mWindow(window) {}
 
-    /// The model has changed.
+    /// Updates the window after a change of the model.
     void Follow();
     /// The tree tells of itself: what its user opens, closes and selects reaches the model. The
     /// handler of a selection may unload the form, and this object with it.
@@ -30,9 +30,9 @@ private:
 
     TreeView& mModel;
     HWND mWindow;
-    std::vector<TreeNode> mShown;   // as they were when the items were made
+    std::vector<TreeNode> mShown;   // as of the creation of the items
     std::vector<HTREEITEM> mItems;  // one for each node
-    bool mInStep = false;           // one side follows the other: what comes back is no news
+    bool mInStep = false;           // one side updates the other: ignore the notifications
 };
 
 }  // namespace vantor

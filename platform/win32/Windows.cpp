@@ -7,7 +7,7 @@
 
 namespace vantor {
 
-// The system counts in int; a text of 2 GB does not occur, and a wrapped length converts nothing.
+// Win32 lengths are int; 2 GB strings do not occur here, and an overflowed length converts nothing.
 std::wstring ToWide(std::string_view utf8) {
     const int length = static_cast<int>(utf8.size());
     const int needed = MultiByteToWideChar(CP_UTF8, 0, utf8.data(), length, nullptr, 0);

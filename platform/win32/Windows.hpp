@@ -21,13 +21,13 @@
 
 namespace vantor {
 
-/// UTF-8 to the system's UTF-16. What is not valid UTF-8 becomes U+FFFD.
+/// UTF-8 to UTF-16. Invalid UTF-8 becomes U+FFFD.
 std::wstring ToWide(std::string_view utf8);
 
-/// The system's UTF-16 to UTF-8. Unpaired halves become U+FFFD.
+/// UTF-16 to UTF-8. Unpaired surrogates become U+FFFD.
 std::string ToUtf8(std::wstring_view wide);
 
-/// Raises the RuntimeError that a failed file operation means: 53, 76, 70, 61, else 75.
+/// Raises the RuntimeError for a failed file operation: 53, 76, 70, 61, else 75.
 [[noreturn]] void RaiseFileError(DWORD systemError);
 
 /// Raises RuntimeError 7 in the system's own words, where it has some for `systemError`: a window,

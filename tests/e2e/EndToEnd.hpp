@@ -1,4 +1,4 @@
-// What these tests start from: the workbench, of which a failed one keeps a picture and the log.
+// Fixture of these tests: the workbench; when a test fails, it keeps a screenshot and the log.
 #pragma once
 
 #include <gtest/gtest.h>

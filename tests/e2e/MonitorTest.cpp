@@ -1,4 +1,4 @@
-// Monitor mode in the hands of its user, with an indicator in its running mode behind COM1.
+// Monitor mode as the user operates it, with an indicator in its running mode on COM1.
 #include <gtest/gtest.h>
 
 #include <fstream>
@@ -73,7 +73,7 @@ TEST_F(Monitor, AFileIsSentLineByLineAndCapturedAsThePeerAnswers) {
     AwaitShown(monitor, "M40 V2.05");
     Await("the end", [this] { return app->Forms(kSendWindowDesign).empty(); });
     EXPECT_EQ(indicator.Passed('>'), "help\r  net \rID=B\xe1scula\rhelp\rhelp\rversion\r");
-    // Four pauses of 50 ms; on a busy machine the indicator may have seen the first line late.
+    // Four pauses of 50 ms; on a busy machine the indicator may have received the first line late.
     EXPECT_GE(indicator.Span('>'), 120);
     monitor.Choose("mnuCaptureEnd");
     Await("the whole capture", [this] { return Content("capture.txt") == indicator.Passed('<'); });

@@ -1,4 +1,4 @@
-// Not tests of single faults: a soak of random input that looks for a crash or a hang.
+// A soak test of random input that detects crashes and hangs; it does not test single faults.
 #include <gtest/gtest.h>
 
 #include <iostream>
@@ -63,7 +63,7 @@ void Monkey::ActOn(HWND dialog) {
         PostMessageW(dialog, WM_CLOSE, 0, 0);
     } else if (!App::IsFileDialog(dialog)) {
         const std::string text = App::TextIn(dialog);
-        // The one error that is meant to be: the stop bits that the settings refuse.
+        // The only expected error: the stop bits that the settings reject.
         const bool meant = text.find("frmConfigure.cboStopBits_Click") != std::string::npos;
         if ((text.starts_with("The following error") && !meant) || text.starts_with("Unhandled"))
             ADD_FAILURE() << text;
@@ -95,7 +95,7 @@ void Monkey::Act() {
     app->Press("cmdFlash");
 }
 
-/// A program that has ended has done so of its own will, and one that runs answers.
+/// The program has either ended normally or is running and responsive.
 void Monkey::Check() {
     if (app->IsRunning()) {
         ASSERT_TRUE(app->Answers() || !app->IsRunning()) << "hangs";
@@ -103,7 +103,7 @@ void Monkey::Check() {
     }
     ASSERT_EQ(app->Wait(), 0u) << "crashed";
     ++ends;
-    ForgetSettings();  // another port or speed would end all flashes from here on
+    ForgetSettings();  // another port or speed would fail all later flashes
     app.emplace();
 }
 

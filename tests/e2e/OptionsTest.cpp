@@ -1,6 +1,6 @@
-// The options dialog in the hands of its user, and what is in the registry afterwards.
+// The options dialog as the user operates it, and the contents of the registry afterwards.
 #include "tests/e2e/EndToEnd.hpp"
-// Needs what the line above declares.
+// Requires the types of <windows.h>.
 #include <commctrl.h>
 
 #include <array>
@@ -29,7 +29,7 @@ class Options : public EndToEnd {
 protected:
     using Values = std::map<std::string, std::string>;
 
-    /// The values of one of the program's keys, byte for byte; what is no REG_SZ names its type.
+    /// The values of one of the program's keys, byte for byte; for types but REG_SZ, the type.
     static Values Stored(const wchar_t* key) {
         HKEY open = nullptr;
         Values values;
@@ -105,7 +105,7 @@ protected:
             SendMessageW(tree, TVM_GETITEMSTATE, static_cast<WPARAM>(heading), TVIS_EXPANDED);
         return (state & TVIS_EXPANDED) != 0;
     }
-    /// The panel that is in front where the pages lie.
+    /// The front panel at the position of the pages.
     static HWND Front(const Window& options) {
         RECT page{};
         GetWindowRect(options.Child("picDetails"), &page);
@@ -154,7 +154,7 @@ TEST_F(Options, OkApplyAndCancelDecideWhatIsStored) {
     EXPECT_EQ(Stored(L"Settings"), SettingsWith("COM1 ", "38400 "));
 }
 
-// In an open list the arrows only pass over the items; the one it closes with counts.
+// In an open list the arrow keys do not select; only the item at closing counts.
 TEST_F(Options, ASlowSpeedIsAdvisedAgainstOnceAndKept) {
     const Window options = Open();
     OpenList(options, "cboBaudRate");

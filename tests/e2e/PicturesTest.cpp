@@ -1,5 +1,5 @@
-// The picture of the main window and the web address behind it, and what the program tells of the
-// programs that are installed beside it.
+// The picture of the main window and its URL, and the report of the versions of the programs that
+// are installed next to it.
 #include <gtest/gtest.h>
 
 #include <cstdlib>
@@ -25,7 +25,7 @@ protected:
         return place;
     }
 
-    /// Where the red and the blue half of a picture are seen, within the picture's place.
+    /// The positions of the red and the blue half of a picture, within the picture's place.
     struct Halves {
         RECT red = {};
         RECT blue = {};
@@ -46,7 +46,7 @@ protected:
     }
     bool ShowsTheBuiltIn() const {
         const RECT place = Place();
-        // The middle of the banner's left edge, in the colour that its gradient starts with.
+        // The middle of the banner's left edge, in the start colour of its gradient.
         const RECT edge = {place.left + 2, place.bottom - 4, place.left + 3, place.bottom - 3};
         return OnScreen(edge).front() == 0x122B46u;
     }
@@ -75,7 +75,7 @@ TEST_F(Pictures, EachKindIsShownUndistortedAndAClickOpensItsAddress) {
                                    name + "?x=1&y=2|5\r\n");
         Restart();
         const RECT place = Place();
-        // To a pixel at each edge, where the colours run into the ground's.
+        // To within a pixel at each edge, where the colours blend into the background.
         Await(name + ", whole, in the middle and undistorted", [&] {
             const auto [red, blue] = Seen();
             const LONG across = blue.right - red.left;
@@ -98,7 +98,7 @@ TEST_F(Pictures, WhatIsNoPictureGivesWayToTheBuiltInOneWhichLeadsToTheMaker) {
         cache.Clear();
         if (name == "A.GIF") cache.Draw(name, "gif", 40, 20);
         if (name == "text.gif") cache.Put(name, "Not a picture\r\n");
-        // Its header is whole, so only decoding finds it out.
+        // Its header is intact, so only decoding detects the damage.
         if (name == "cut.jpg")
             cache.Put(name, std::string("\xFF\xD8\xFF\xC0\0\x11\x08\0\x10\0", 10));
         cache.Put("cache.txt", "1|2|" + name + "|http://wrong/\r\n");
@@ -123,12 +123,12 @@ TEST_F(Pictures, AnIndexThatSaysNothingOpensNothingAndAMissingOneIsReported) {
     for (const char* nothing : {"1|2|a.gif\r\n", "1|2|A.GIF|http://case/\r\n", ""}) {
         cache.Put("cache.txt", nothing);
         Click();
-        // Posted behind the click, so the box shows that this has been answered.
+        // Posted after the click, so the box shows that the click has been handled.
         app->Choose("mnuHelpAbout");
         PostMessageW(AwaitOtherForm(), WM_CLOSE, 0, 0);
         Await("its end", [this] { return app->OtherForm() == nullptr; });
     }
-    // After a click that opens something, what the ones before it opened would be there too.
+    // After a click that opens something, anything opened by the earlier ones would be there too.
     cache.Put("cache.txt", "a.gif|2|3\r\n1|2|aa.gif|http://longer/\r\n1|2|a.gif|http://own/");
     Click();
     ExpectOpened({"http://longer/"});
@@ -162,8 +162,8 @@ protected:
     void Install(const char* name, const std::vector<std::string>& texts) const {
         std::ofstream(folder / name, std::ios::binary) << ProgramAround(VersionBlock(texts));
     }
-    /// What a user reads of a folder with padded, ended, missing and misplaced versions, and after
-    /// the help key in a terminal, for which there is no file in it.
+    /// The report on a folder with padded, terminated, missing and misplaced versions,
+    /// and after the help key in a terminal, for which there is no file in it.
     void ExpectTheReport(const std::string& noHelp) {
         std::filesystem::create_directories(folder);
         std::filesystem::copy_file(Setting("DRIVE_PROGRAM"), folder / "tsupdate.exe");

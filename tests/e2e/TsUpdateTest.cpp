@@ -1,5 +1,5 @@
-// tsupdate.exe in the hands of its user, with the virtual indicator behind COM1: every way a
-// flash can end, and what the windows do besides.
+// tsupdate.exe as the user operates it, with the virtual indicator on COM1: every outcome of
+// a flash, and the other functions of the windows.
 #include <gtest/gtest.h>
 
 #include <functional>
@@ -42,7 +42,7 @@ const Box kVerifyFailed = {
 
 class TsUpdate : public EndToEnd {
 protected:
-    /// As the window is when nothing runs.
+    /// The window in its idle state.
     void ExpectIdle() const {
         Await("the start panel alone", [this] {
             return app->IsShown("picStartup") && !app->IsShown("picFlash") &&
@@ -137,7 +137,7 @@ TEST_F(TsUpdate, APortThatIsHeldOrVanishesIsToldOnceAndWorksAgainWhenItIsBack) {
 
 struct Ending {
     const char* name;
-    const char* indicator;  // its options; null: there is none
+    const char* indicator;  // its options; null: no indicator
     Box box;
 };
 
@@ -212,7 +212,7 @@ TEST_F(TsUpdate, AClosedWindowEndsTheProgramWithTheWordsOfItsStage) {
 }
 
 TEST_F(TsUpdate, AMenuHeldOpenPausesTheStreamAndDoesNotBreakIt) {
-    constexpr ULONGLONG kHeldMs = 25'000;  // longer than the program waits for a reply
+    constexpr ULONGLONG kHeldMs = 25'000;  // longer than the reply time-out
     indicator.Start("--think 50");
     StartFlash();
     AwaitLine(5);

@@ -1,11 +1,10 @@
 #!/bin/sh
-# Runs tsupdate.exe under Wine as its users do, against the virtual indicator.
-#   run.sh                   all tests, in English and in Spanish, some at 192 dots per inch
-#   run.sh NAME              the tests whose names match (a filter of GoogleTest)
+# Runs tsupdate.exe under Wine as a user does, with the virtual indicator.
+#   run.sh                   all tests, in English and in Spanish, some at 192 DPI
+#   run.sh NAME              the tests whose names match (a GoogleTest filter)
 #   run.sh --monkey SECONDS  random clicks, keys and close requests; E2E_SEED=N repeats a run
-# Needs build/windows and build/native. Of a failed test a picture and what passed over the line
-# stay in build/drive. The pictures of all stages are taken by driver/screens.sh, and what is
-# measured by scripts/bench.
+# Needs build/windows and build/native. A failed test leaves a screenshot and the log of the line
+# in build/drive. driver/screens.sh takes the screenshots of all stages; scripts/bench measures.
 set -eu
 root=$(cd "$(dirname "$0")/../.." && pwd)
 . "$root/driver/drive.sh"
@@ -18,7 +17,7 @@ case ${1:-} in
 '')
     run C.UTF-8 '-Monkey.*:Spanish*'
     run es_ES.UTF-8 'Spanish*'
-    # By the keyboard alone where everything is twice as large.
+    # Keyboard only, at twice the size.
     use_desktop 1900x1260 192
     run C.UTF-8 '*Keyboard*:Options.*'
     ;;

@@ -1,5 +1,5 @@
-// The virtual indicator on virtual time: its answers, its pacing, its faults, and what it notices
-// of a host that breaks the dialogue. Other tests believe what it says, so it must not be wrong.
+// The virtual indicator on virtual time: its replies, its pacing, its faults, and the protocol
+// violations of a host that it detects. Other tests rely on it, so it must be correct.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -29,8 +29,8 @@ const std::vector<std::string> kImage{
     SerialRecord{'8', 0x1000, {}}.Format(),
 };
 
-/// An indicator that expects the image, and a host on virtual time, which hears bytes exactly
-/// when they come out.
+/// An indicator that expects the image, and a host on virtual time that receives each byte
+/// exactly when it is sent.
 class Host {
 public:
     explicit Host(const std::string& fault = {}, Micros pacedThink = 0)
@@ -40,7 +40,7 @@ public:
     void Close() { indicator.HostClosed(now); }
     void Send(std::string_view bytes) { indicator.Receive(bytes, now); }
 
-    /// What comes out in the next `time`.
+    /// Bytes received in the next `time`.
     std::string Hear(Micros time) {
         const Micros end = now + time;
         std::string heard = indicator.Transmit(now);
@@ -54,10 +54,10 @@ public:
         return heard;
     }
 
-    /// Does what the words of `script` say and returns what is heard in the 100 ms behind each
-    /// line, without line ends; "-" for nothing. "@9600" opens the port at that speed and "@"
-    /// closes it; "#1" is a line of the image; "~500" listens for as many milliseconds; any
-    /// other word is a line, "_" a blank in it.
+    /// Executes the words of `script` and returns what is received in the 100 ms after each line,
+    /// without line ends; "-" for nothing. "@9600" opens the port at that speed and "@" closes it;
+    /// "#1" is a line of the image; "~500" listens for that many milliseconds; any other word
+    /// is a line, "_" a space in it.
     std::string Talk(const std::string& script) {
         std::istringstream words(script);
         std::string heard;
@@ -77,7 +77,7 @@ public:
         }
         return heard.substr(0, heard.size() - 1);
     }
-    /// Takes the dialogue to the point where image lines are expected.
+    /// Runs the protocol up to the point where image lines are expected.
     void BeginLoad() { ASSERT_EQ(Talk("@38400 TRAV BAUD_115200 @ @115200 SYSLOAD"), "OK OK OK"); }
     void Load() {
         BeginLoad();
@@ -253,7 +253,7 @@ TEST(Pacing, TheAnswerComesWhenLineAndThinkingAndItsOwnBytesHavePassed) {
     host.heardAt.clear();
     start = host.now;
     const std::string line = kImage[1] + "\r";
-    // In two parts, the second while the first is on the wire: they pass without a pause.
+    // In two parts, the second during the transmission of the first: there is no gap between them.
     host.Send(line.substr(0, 10));
     host.Hear(300);
     host.Send(line.substr(10));

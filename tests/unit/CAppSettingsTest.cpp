@@ -1,4 +1,4 @@
-// The settings object: its rules, its edit, and the exact form in which it stores itself.
+// The settings object: its rules, its edit transaction, and its exact storage format.
 #include "settings/CAppSettings.hpp"
 
 #include <gtest/gtest.h>
@@ -36,7 +36,7 @@ protected:
     CAppSettings mSettings{mPlatform.registry, mPlatform.codePage, mPlatform.files};
     struct Property {
         const char* name;
-        const char* changed;  // another value than the default
+        const char* changed;  // a value other than the default
         std::function<void(const std::string&)> set;
     };
     const std::vector<Property> mProperties = {
@@ -54,7 +54,7 @@ protected:
         {"ProxyType", "5", [this](auto& v) { mSettings.ProxyType(std::stoi(v)); }},
         {"ProxyUsername", "ann", [this](auto& v) { mSettings.ProxyUsername(v); }}};
 
-    /// All fields in one text.
+    /// All fields as one string.
     std::string Fields() {
         const CAppSettings& s = mSettings;
         return s.CommPort() + "," + s.BaudRate() + "," + s.Parity() + "," + s.DataBits() + "," +

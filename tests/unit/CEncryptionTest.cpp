@@ -1,4 +1,4 @@
-// Scrambling is part of the stored format: what an older version wrote must still be read.
+// Scrambling is part of the stored format: values written by older versions must remain readable.
 #include "settings/CEncryption.hpp"
 
 #include <gtest/gtest.h>
@@ -12,7 +12,7 @@ using namespace std::string_literals;
 
 class CEncryptionTest : public testing::Test {
 protected:
-    /// The bytes that stand for `text` scrambled.
+    /// The scrambled bytes of `text`.
     std::string Bytes(const std::string& text) {
         return mPlatform.codePage.ToAnsi(mEncryption.EncryptStringAscii(text));
     }
@@ -21,7 +21,7 @@ protected:
     CEncryption mEncryption{mPlatform.codePage, mPlatform.files};
 };
 
-// 25 bytes lead past the end of the 16-byte key, so the vector holds the step back to index 1.
+// 25 bytes go past the end of the 16-byte key, so the vector includes the step back to index 1.
 TEST_F(CEncryptionTest, TheStoredFormatMustNotChange) {
     EXPECT_EQ(Bytes("The quick brown fox jumps"),
               "\x1f\x68\xb4\x20\x6b\x75\xa7\x63\x06\x20\x20\x72\x22\x77\x0a\x20\x66\xbe\xdc\x3a"
@@ -39,7 +39,7 @@ TEST_F(CEncryptionTest, AByteThatScramblesToZeroMustNotEndTheText) {
     EXPECT_EQ(Told(mPlatform), Texts{});
 }
 
-// Position 129 is the first at which a key byte of 255 takes the product beyond 16 bits.
+// Position 129 is the first at which a key byte of 255 makes the product exceed 16 bits.
 TEST_F(CEncryptionTest, AnOverflowIsToldOnceAndGivesNoHalfScrambledText) {
     const std::string text(1000, 'a');
     mEncryption.Password.clear();

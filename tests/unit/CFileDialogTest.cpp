@@ -1,4 +1,4 @@
-// What goes into the common dialogs' record, and what is made of it afterwards.
+// The contents of the common dialogs' record, and the results read from it.
 #include "support/CFileDialog.hpp"
 
 #include <gtest/gtest.h>

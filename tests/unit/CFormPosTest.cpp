@@ -1,4 +1,4 @@
-// Window positions: what is stored, what a stored record does, and the geometry that follows.
+// Window positions: what is stored, the effect of a stored record, and the resulting geometry.
 #include "app/base/CFormPos.hpp"
 
 #include <gtest/gtest.h>

@@ -1,4 +1,4 @@
-// The settings store against a registry that notes what it is asked for.
+// The settings store with a registry that records its calls.
 #include "settings/CProgramSettings.hpp"
 
 #include <gtest/gtest.h>

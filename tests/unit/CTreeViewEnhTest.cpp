@@ -1,4 +1,4 @@
-// A tree and the memory of its open nodes.
+// A tree and the stored state of its nodes.
 #include "settings/CTreeViewEnh.hpp"
 
 #include <gtest/gtest.h>
@@ -26,7 +26,7 @@ protected:
     static std::string With(const std::string& value) {
         return RegistryWith("Positions\\NodeStates", "\"tvw\"=\"" + value + "\"\n");
     }
-    /// A letter for each node that is open.
+    /// One letter for each expanded node.
     std::string Open() const {
         std::string open;
         for (const TreeNode& node : tree.Nodes()) open += node.expanded ? 'x' : '-';

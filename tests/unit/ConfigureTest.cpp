@@ -1,4 +1,4 @@
-// The options dialog in the hands of its user, opened by the main window's menu.
+// The options dialog as the user operates it, opened from the menu of the main window.
 #include <gtest/gtest.h>
 
 #include "Wire.hpp"
@@ -24,7 +24,7 @@ protected:
     }
     ~ConfigureTest() override { mMain->Unload(); }
 
-    /// Opens the dialog, lets `user` work on it, and closes it when he has not.
+    /// Opens the dialog, runs `user` on it, and closes it if `user` has not.
     void Open(const User& user) {
         mPlatform.peers.whileModal = [&user](Form& form) {
             user(dynamic_cast<frmConfigure&>(form));
@@ -54,7 +54,7 @@ protected:
 
 TEST_F(ConfigureTest, OpensOnTheSerialPageWithWhatIsSet) {
     Open([this](frmConfigure& dialog) {
-        // One letter from the left, in the middle of 390 twips.
+        // One letter from the left, vertically centred in 390 twips.
         EXPECT_EQ(dialog.picSelection.PrintedTexts(),
                   (std::vector<PictureBox::Printed>{{100, 95, "Tahoma", "Settings"}}));
         EXPECT_EQ(dialog.cboPort.Items(), (Texts{"COM1", "COM3", "COM10"}));
@@ -82,7 +82,7 @@ TEST_F(ConfigureTest, WhatIsSetAndNotListedIsNotChosen) {
     EXPECT_EQ(Stored("Port") + Stored("Baud"), "COM719200");
 }
 
-// Filling a list may look like a pick to the control that is filled.
+// A list control may report a selection while it is filled.
 TEST_F(ConfigureTest, FillingTheListsAssignsNothing) {
     int picks = 0;
     bool inside = false;
@@ -108,7 +108,7 @@ TEST_F(ConfigureTest, EveryCloseButOkIsCancel) {
         [](frmConfigure& dialog) { dialog.cmdCancel.Press(); },
         [](frmConfigure& dialog) { dialog.Unload(); },
         [](frmConfigure&) {},
-        [this](frmConfigure& dialog) {  // behind the advice
+        [this](frmConfigure& dialog) {  // while the advice box is open
             mPlatform.boxes.whileOpen = [&](const MessageBoxRequest&) { dialog.Unload(); };
             Pick(dialog.cboBaudRate, "9600");
             mPlatform.boxes.whileOpen = {};
@@ -132,7 +132,7 @@ TEST_F(ConfigureTest, ASlowSpeedIsAdvisedAgainstOnceAndKept) {
     Open([this](frmConfigure& dialog) {
         Pick(dialog.cboBaudRate, "38400");
         EXPECT_EQ(Told(mPlatform), Texts{});
-        // Assigned once more behind the box, whatever has happened meanwhile.
+        // Set again after the box closes, whatever has happened meanwhile.
         mPlatform.boxes.whileOpen = [this](const MessageBoxRequest&) {
             EXPECT_EQ(mMain->Settings().BaudRate(), "9600");
             mMain->Settings().BaudRate("300");
@@ -144,12 +144,12 @@ TEST_F(ConfigureTest, ASlowSpeedIsAdvisedAgainstOnceAndKept) {
     EXPECT_EQ(Stored("Baud"), "9600  ");
 }
 
-// Whatever size and state another program has stored.
+// Whatever size and state another version has stored.
 TEST_F(ConfigureTest, OfTheWindowsRecordOnlyTheCornerCounts) {
     const struct {
         const char* record;
         Place place;
-    } rows[] = {{"", {10545, 5677.5f, 7710, 4845}},  // the middle of the screen
+    } rows[] = {{"", {10545, 5677.5f, 7710, 4845}},  // centred on the screen
                 {"L=307;T=600;W=9000;H=90;S=0;", {300, 600, 7710, 4845}},
                 {"L=300;T=600;W=9000;H=9000;S=2;", {10545, 5677.5f, 7710, 4845}}};
     for (const auto& row : rows) {

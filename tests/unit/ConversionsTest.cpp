@@ -1,4 +1,4 @@
-// The rules by which texts become numbers: stored settings and window designs rest on them.
+// The rules for converting text to numbers, on which stored settings and window designs rely.
 #include "support/Conversions.hpp"
 
 #include <gtest/gtest.h>

@@ -1,6 +1,6 @@
-// Every fault in every phase of a session, and a random walk through several at once. What is
-// looked at stands in rehearsal: the report fits the bytes received, the limits hold,
-// success means success, and the window can go on.
+// Every fault in every phase of a session, and a random combination of several. The checks are
+// in rehearsal: the report matches the received bytes, the limits hold, success means success,
+// and the window remains usable.
 #include <gtest/gtest.h>
 
 #include <set>
@@ -13,9 +13,9 @@
 namespace vantor {
 namespace {
 
-// --- the line itself ---------------------------------------------------------------------------
+// --- the line ----------------------------------------------------------------------------------
 
-/// Sends back what it hears.
+/// Echoes what it receives.
 struct Echo : FarEnd {
     void Opened(const LineSettings&) override { open = true; }
     void Closed() override { open = false; }
@@ -28,8 +28,8 @@ struct Echo : FarEnd {
 
 struct Harm {
     LineFault fault;
-    const char* atOnce;  ///< what of "abcd" is back at the same instant
-    const char* later;   ///< and what comes within the next 9 ms
+    const char* atOnce;  ///< the part of "abcd" returned at the same instant
+    const char* later;   ///< the part returned within the next 9 ms
 };
 
 TEST(FaultyLine, StrikesTheStatedByteOfTheStatedDirectionAndNoOther) {
@@ -73,7 +73,7 @@ TEST(FaultyLine, AnUnpluggedDeviceIsGoneForBothEndsAndACloseLosesNothingOnTheWay
 
 // --- sessions ----------------------------------------------------------------------------------
 
-// A judge that always agrees would show here.
+// Detects a check that accepts everything.
 TEST(FaultMatrix, SomeCellsAreKnownBeforehand) {
     using enum FlashOutcome;
     const auto outcome = [](Phase phase, const std::variant<LineFault, Fault, UserAct>& what) {
@@ -101,7 +101,7 @@ TEST_P(FaultMatrixRows, InAnyPhaseEndsAsTheBytesSayAndLeavesTheWindowReady) {
             const Verdict verdict = RunSession(CellOf(row, phase, compares));
             EXPECT_EQ(verdict.violation, "")
                 << row.name << ", " << kPhaseNames.at(phase) << ", compares " << compares;
-            // One fault alone never costs a line that was acknowledged.
+            // A single fault never loses a line that was acknowledged.
             EXPECT_TRUE(verdict.outcome != FlashOutcome::Done || verdict.memoryWhole ||
                         (row.unseen && !compares))
                 << row.name << ", " << kPhaseNames.at(phase);

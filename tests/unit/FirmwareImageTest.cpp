@@ -1,4 +1,4 @@
-// Splitting a firmware image into lines. A line lost or altered here is a broken indicator.
+// Splitting a firmware image into lines. A lost or altered line would break an indicator.
 #include "flash/FirmwareImage.hpp"
 
 #include <gtest/gtest.h>

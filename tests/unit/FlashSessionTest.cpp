@@ -1,5 +1,5 @@
-// Whole sessions against the virtual indicator, on virtual time: what the user is told, what the
-// indicator holds afterwards, and how the window is left.
+// Whole sessions against the virtual indicator, on virtual time: the messages to the user,
+// the indicator's memory afterwards, and the final state of the window.
 #include "flash/FlashSession.hpp"
 
 #include <gmock/gmock.h>
@@ -16,7 +16,7 @@ using testing::ElementsAre;
 using testing::HasSubstr;
 using testing::IsEmpty;
 
-// --- how long a session may and must take; its other ends are the fault matrix's business -----
+// --- duration of a session; its other outcomes are in the fault matrix ------------------------
 
 using enum FlashOutcome;
 
@@ -26,7 +26,7 @@ struct Course {
     const char* box;
     FlashOutcome outcome;
     bool memoryWhole;
-    std::int32_t leastMs;  // virtual time that it has to take
+    std::int32_t leastMs;  // minimum virtual time
     std::int32_t mostMs;
 };
 
@@ -58,7 +58,7 @@ INSTANTIATE_TEST_SUITE_P(
         Course{"NoVerdict", {"no-verdict"}, kFailure, NoVerdict, true, 64000, 66000}),
     [](const auto& row) { return std::string(row.param.name); });
 
-// --- what is shown on the way ----------------------------------------------------------------
+// --- progress display ------------------------------------------------------------------------
 
 TEST_F(SessionFixture, TheDialogOffersImagesInTheFolderOfTheDownloads) {
     Connect(ImageOf(30));
@@ -93,7 +93,7 @@ TEST_F(SessionFixture, LinesAreNumberedFromZeroAndTheLastElevenCannotBeAborted) 
     EXPECT_TRUE(window->lblStatus.Caption().empty() && window->pbarStatus.Value() == 0);
 }
 
-// --- the user's hand -------------------------------------------------------------------------
+// --- user actions ----------------------------------------------------------------------------
 
 TEST_F(SessionFixture, ACancelANoOrAVanishedImageEndsItWithoutAWord) {
     window->cmdFlash.Press();
@@ -236,7 +236,7 @@ TEST_F(SessionFixture, HalfAWordOfOneSessionNeverCompletesTheVerdictOfTheNext) {
 TEST_F(SessionFixture, APauseOfTheMessageLoopDoesNotFailALineThatWasAnswered) {
     Connect(ImageOf(30), {"late=100@12"});
     WhenStatusIs("Line 12 of 30", [&] {
-        // A held menu: the pump comes back 25 s later, with the reply waiting.
+        // A menu held open: the pump returns 25 s later, with the reply waiting.
         const TimerId hold = headless.pump.StartTimer(1, [&] { headless.clock.Sleep(25000); });
         headless.pump.StartTimer(10, [&, hold] { headless.pump.StopTimer(hold); });
     });

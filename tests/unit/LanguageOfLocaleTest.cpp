@@ -1,4 +1,4 @@
-// The choice of the language where the system knows only locales.
+// Selection of the language on systems that only have locales.
 #include <gtest/gtest.h>
 
 #include "platform/CompiledStrings.hpp"

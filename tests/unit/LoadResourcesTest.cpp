@@ -1,5 +1,4 @@
-// Translating windows in place: the shipped main window in both languages, and designs with
-// mistakes in them.
+// Translation of windows: the shipped main window in both languages, and designs with errors.
 #include "app/base/LoadResources.hpp"
 
 #include <gtest/gtest.h>
@@ -29,7 +28,7 @@ TEST(LoadResources, TheMainWindowIsTranslatedWithItsMenusItsArraysAndItsToolTip)
     }
 }
 
-// A window of captions and tags as a test wants them.
+// A window with the captions and tags that a test needs.
 class Annotated : public Form {
 public:
     struct Design {
@@ -70,7 +69,7 @@ TEST(LoadResources, MistakesEndItWhereTheyStandAndAreReportedUnderTheWindow) {
     const struct {
         Annotated::Design design;
         std::string captions;
-        const char* error = nullptr;  // as its box says it
+        const char* error = nullptr;  // as shown in its box
     } kCases[] = {{{}, "&File" + kWell},
                   {{.menu = "  803x Communications"}, "&Communications" + kWell},
                   {{.menu = "-"}, "-" + kWell},

@@ -1,4 +1,4 @@
-// Monitor mode as its user meets it: windows, capture and sending, on virtual time.
+// Monitor mode as the user operates it: windows, capture and sending, on virtual time.
 #include <gtest/gtest.h>
 
 #include "Wire.hpp"
@@ -29,7 +29,7 @@ protected:
         mMain->Unload();
     }
 
-    /// Opens one more monitor window by the menu.
+    /// Opens another monitor window from the menu.
     std::shared_ptr<frmMonitor> Open() {
         mMain->mnuToolsMonitor.Press();
         return std::dynamic_pointer_cast<frmMonitor>(mPlatform.desktop.OpenForms().back());
@@ -40,14 +40,14 @@ protected:
             text += panel.text + "|";
         return text;
     }
-    /// The progress window that was opened last.
+    /// The progress window opened last.
     std::shared_ptr<frmSend> Progress() {
         std::shared_ptr<frmSend> found;
         for (const auto& form : mPlatform.desktop.OpenForms())
             if (auto send = std::dynamic_pointer_cast<frmSend>(form)) found = send;
         return found;
     }
-    /// Opens the port, and sends `contents`; the texts of the progress window go to mStatus.
+    /// Opens the port and sends `contents`; the texts of the progress window are stored in mStatus.
     bool Send(const std::string& contents) {
         mPlatform.files.Add(kFile, contents);
         mMonitor->mnuCommOpen.Press();
@@ -58,7 +58,7 @@ protected:
         };
         return mMonitor->SendFile(kFile);
     }
-    /// Does `what` when `ms` have passed, once.
+    /// Runs `what` once, after `ms`.
     void After(std::uint32_t ms, std::function<void()> what) {
         mPlatform.pump.StartTimer(ms, [what, done = std::make_shared<bool>(false)] {
             if (!std::exchange(*done, true)) what();

@@ -1,4 +1,4 @@
-// A registry that notes what it is asked for, and fails on request.
+// A registry that records its calls, and fails on request.
 #pragma once
 
 #include <new>

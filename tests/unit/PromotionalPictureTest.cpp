@@ -1,5 +1,5 @@
-// The cached picture of the main window: which files count, and what their headers say. Where a
-// click leads is tried on the whole program.
+// The cached picture of the main window: which files are accepted, and their headers.
+// The end-to-end tests check the URL that a click opens.
 #include <gtest/gtest.h>
 
 #include <tuple>

@@ -24,7 +24,7 @@ const std::string kHead5 = "Windows Registry Editor Version 5.00\r\n" + kKey;
 
 struct Line {
     const char* read;
-    const char* written;  // what the key holds afterwards, as lines
+    const char* written;  // contents of the key afterwards, as lines
 };
 
 class ReadLine : public testing::TestWithParam<Line> {};

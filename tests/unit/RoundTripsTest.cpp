@@ -1,4 +1,4 @@
-// When tsflash says that replies arrive late, and how a transcript ends: the decision on numbers,
+// When tsflash reports late replies, and how a transcript ends: the decision on numbers,
 // and the whole program on virtual time with an adapter in its line.
 #include "console/RoundTrips.hpp"
 
@@ -25,7 +25,7 @@ using testing::EndsWith;
 struct Replies {
     const char* name;
     LineSettings line;
-    std::vector<std::pair<int, std::uint32_t>> roundTrips;  // so many, of so many ms
+    std::vector<std::pair<int, std::uint32_t>> roundTrips;  // count, milliseconds
     std::optional<std::int64_t> latenessMs;
 };
 
@@ -39,7 +39,7 @@ TEST_P(Lateness, IsTheMedianBeyondTheWireOfTheFirstReplies) {
         trips.Sent(line);
         clock.Sleep(ms);
         trips.Received("OK\r\n");
-        trips.Discarded("DONE");  // a verdict that nobody looks at ends nothing
+        trips.Discarded("DONE");  // a verdict that is discarded ends nothing
     };
     exchange("TRAV\r", 900);
     exchange("SYSLOAD\r", 900);
@@ -65,7 +65,7 @@ INSTANTIATE_TEST_SUITE_P(
 
 // --- the program -------------------------------------------------------------------------------
 
-/// No keyboard, no screen. The interrupt key is pressed when half is seen to have been sent.
+/// No keyboard, no screen. Presses the interrupt key when the output shows 50 %.
 struct PipedTerminal : Terminal {
     bool InputIsTerminal() const override { return false; }
     bool OutputIsTerminal() const override { return false; }
@@ -82,7 +82,7 @@ struct PipedTerminal : Terminal {
     bool pressed = false;
 };
 
-/// An indicator behind a USB adapter.
+/// An indicator connected by a USB adapter.
 struct Adapter : IndicatorFarEnd {
     Adapter(VirtualIndicator& indicator, const Clock& time, Micros latency)
         : IndicatorFarEnd(indicator, time), clock(time), timer(latency) {}
@@ -165,7 +165,7 @@ TEST_P(Transcripts, EndWithASummaryHoweverTheSessionEnds) {
     const Course& course = GetParam();
     const TemporaryFolder folder;
     std::vector<std::string> arguments = {"--yes", "--log", folder / "log.txt", "m40.run"};
-    // The hint is no progress. The interrupt key's turn comes with the sight of the half.
+    // The hint is no progress output. The interrupt key needs the progress output to see the half.
     if (course.status != ExitStatus::Aborted) arguments.emplace_back("--quiet");
     const auto [status, errors, tookMs] = Flash(course, arguments);
     EXPECT_EQ(status, course.status);

@@ -1,4 +1,4 @@
-// The indicator's running mode, as somebody who practises with a terminal meets it.
+// The indicator's running mode, as used for practice with a terminal.
 #include "simulator/RunningMode.hpp"
 
 #include <gtest/gtest.h>

@@ -1,5 +1,5 @@
-// One command or line and its reply: terminators, the order of the reply words, pacing, and what
-// never counts as success.
+// One command or line and its reply: terminators, the order of the reply words, pacing,
+// and replies that never count as success.
 #include "flash/SerialLink.hpp"
 
 #include <gmock/gmock.h>
@@ -82,7 +82,7 @@ TEST_F(LinkFixture, AClosedPortSendsNothingAndFails) {
 }
 
 TEST_F(LinkFixture, WhateverGoesWrongInsideTheResultIsNeverOK) {
-    // 20 s from here lie beyond the clock's signed range.
+    // 20 s from here exceed the clock's signed range.
     headless.clock.Set(0x7fffffffu - 5000u);
     far.onReceive = [&] { far.sent = "OK"; };
     EXPECT_EQ(Send("L"), SendResult::SendFailed);

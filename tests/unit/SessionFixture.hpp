@@ -17,7 +17,7 @@
 
 namespace vantor {
 
-/// An indicator whose line is looked at, and whose verdict can be put into other words.
+/// An indicator that records its line, and whose verdict text can be replaced.
 class SpiedFarEnd : public IndicatorFarEnd {
 public:
     using IndicatorFarEnd::IndicatorFarEnd;
@@ -49,7 +49,7 @@ protected:
         window->Unload();
     }
 
-    /// Plugs an indicator with `faults` that expects `image`, which the dialog will choose.
+    /// Connects an indicator with `faults` that expects `image`, which the dialog will select.
     void Connect(const std::string& image, const std::vector<std::string>& faults = {}) {
         IndicatorOptions options;
         options.expected = FlashMemory::FromRecords(image);
@@ -60,7 +60,7 @@ protected:
         headless.files.Add(kPath, image);
     }
 
-    /// Presses "Update Indicator" and chooses the image.
+    /// Presses "Update Indicator" and selects the image.
     void Flash() {
         headless.dialogs.choices = {kPath};
         window->cmdFlash.Press();
@@ -82,7 +82,7 @@ protected:
         return indicator->Memory() == FlashMemory::FromRecords(image);
     }
 
-    /// The boxes behind the warning.
+    /// The boxes after the warning.
     Texts Boxes() const { return Told(headless); }
 
     ReportingPlatform headless;

@@ -1,4 +1,4 @@
-// What is handed to the shell, and what the report of installed versions reads from files.
+// The requests to the shell, and the file versions read for the report of installed versions.
 #include <gtest/gtest.h>
 
 #include "app/frmMain.hpp"

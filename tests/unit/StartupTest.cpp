@@ -1,4 +1,4 @@
-// From Main to the last window's end, and the small procedures that start-up brings along.
+// From Main to the close of the last window, and the small procedures used at start-up.
 #include "app/modStartup.hpp"
 
 #include <gtest/gtest.h>

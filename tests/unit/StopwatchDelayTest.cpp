@@ -1,4 +1,4 @@
-// The stopwatch and the waiting loop, on a clock that the tests move.
+// The stopwatch and the wait loop, on a clock controlled by the tests.
 #include <gtest/gtest.h>
 
 #include "rehearsal/ReportingPlatform.hpp"
@@ -37,7 +37,7 @@ protected:
     CDelay mDelay{mPlatform.clock, mPlatform.pump};
 };
 
-// Each pump is a millisecond of this clock: a sleep on the way would save pumps.
+// Each pump is a millisecond of this clock: a sleep in the loop would reduce the number of pumps.
 TEST_F(DelayTest, ItPumpsOnEveryPassAndNeverSleeps) {
     const std::uint32_t start = mPlatform.clock.Milliseconds();
     int waits = 0;

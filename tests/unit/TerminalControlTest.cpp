@@ -40,7 +40,7 @@ protected:
         return mCom.SelectedText();
     }
 
-    Wire mWire;  // outlives the window, which the platform's desktop keeps
+    Wire mWire;  // outlives the window, which the desktop keeps alive
     ReportingPlatform mPlatform;
     std::shared_ptr<Window> mWindow = std::make_shared<Window>(mPlatform);
     TerminalControl& mCom = mWindow->com;

@@ -1,4 +1,4 @@
-// What bytes do to the terminal's screen, its history and its selection.
+// The effect of received bytes on the terminal's screen, its history and its selection.
 #include "controls/TerminalScreen.hpp"
 
 #include <gtest/gtest.h>
@@ -17,7 +17,7 @@ std::string Characters(const TerminalScreen& screen, std::int64_t line) {
     return text.substr(0, text.find_last_not_of(' ') + 1);
 }
 
-/// The lines from `first` on, each ended by "|", and the cursor's row and column.
+/// The lines from `first` on, each terminated by "|", and the cursor's row and column.
 std::string Shown(const TerminalScreen& screen, std::int64_t first) {
     std::string text;
     for (std::int64_t line = first; line < screen.EndLine(); ++line)
@@ -82,7 +82,7 @@ constexpr Case kCases[] = {
     {"\x1B[2;3r\x1B[?6h\x1B[1;1Ha\x1B[9;1Hb", "|a|b||2,1"},
     {"1\r\n2\r\n3\r\n4\x1B[3;2r\n5", "2|3|4| 5|3,2"},
     {"\x1B[2;3r\x1B[2;1H\x1B[9Aa\x1B[9Bb", "|a| b||2,2"},
-    // what is not understood, or broken off
+    // unknown and incomplete sequences
     {"a\x1B[38;5;999mb\x1B[12;;;34zc\x1B[>0qd", "abcd||||0,4"},
     {"a\x1B(Bb\x1B#8c\x1B=d\x1B Fe", "abcde||||0,5"},
     {"a\x1B]0;title\x07"

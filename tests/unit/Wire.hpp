@@ -1,4 +1,4 @@
-// The far end of a serial line whose two directions a test sees as texts.
+// The far end of a serial line that gives a test both directions as text.
 #pragma once
 
 #include <functional>

@@ -1,4 +1,4 @@
-// What the real windows take of the system they give back, and what they answer the system.
+// Leak checks of the real windows, and their replies to window messages.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -39,7 +39,7 @@ BOOL CALLBACK CountWithChildren(HWND window, LPARAM total) {
     return CountWindow(window, total);
 }
 
-/// Kernel handles of this process. Wine's own count of them always reads 0.
+/// Kernel handles of this process, counted here because Wine's count always reads 0.
 int OpenHandles() {
     constexpr UINT_PTR kBeyond = 0x8000;
     int count = 0;
@@ -51,7 +51,7 @@ int OpenHandles() {
 
 class RealPeers : public testing::Test {
 protected:
-    // The main window has a picture to load: one pixel.
+    // A one-pixel picture for the main window to load.
     RealPeers() {
         using namespace std::string_literals;
         const std::string header =
@@ -60,7 +60,7 @@ protected:
                            header + std::string(28, '\0'));
     }
 
-    /// What is held now: counted by the peers, and by the system where it counts.
+    /// Objects held now, as counted by the peers and, where possible, by the system.
     std::map<std::string, int> Held() const {
         const HeldObjects& held = platform.windows.Held();
         int windows = 0;
@@ -139,11 +139,11 @@ private:
 
 class PeersOfAWindow : public RealPeers, public testing::WithParamInterface<WindowKind> {
 protected:
-    /// Opens the window, lets it be painted, closes it as its user would.
+    /// Opens the window, lets it be painted, and closes it like a user.
     void OpenAndClose() {
         const auto form = GetParam().make(platform.desktop, platform.real);
         form->Show();
-        // The system delivers timers when there is nothing left to paint.
+        // WM_TIMER is delivered only when there is nothing left to paint.
         const TimerId timer =
             platform.queue.StartTimer(10, [&] { SendMessageW(WindowOf(*form), WM_CLOSE, 0, 0); });
         platform.queue.Run();
@@ -153,14 +153,14 @@ protected:
 };
 
 TEST_P(PeersOfAWindow, GiveBackWhatAHundredOpeningsTook) {
-    for (int i = 0; i < 3; ++i) OpenAndClose();  // the system keeps some of its own
+    for (int i = 0; i < 3; ++i) OpenAndClose();  // the system caches some objects
     const auto before = Held();
     for (int i = 0; i < 100; ++i) OpenAndClose();
     EXPECT_EQ(Held(), before);
     EXPECT_EQ(Told(platform), Texts{});
 }
 
-/// What a program that reads windows aloud says for `window` (IAccessible::get_accName).
+/// The accessible name of `window` (IAccessible::get_accName), as screen readers read it.
 std::wstring ReadAloud(HWND window) {
     IAccessible* object = nullptr;
     if (FAILED(AccessibleObjectFromWindow(window, static_cast<DWORD>(OBJID_CLIENT),
@@ -295,7 +295,7 @@ TEST_F(PeersInAFlash, RefuseShutdownAndSleepAndHonourBothWhenIdle) {
     const auto mayEnd = [this] {
         return SendMessageW(WindowOf(*window), WM_QUERYENDSESSION, 0, 0) != 0;
     };
-    // What is asked for once, and not until further notice, leaves the state as it is.
+    // A single request without ES_CONTINUOUS leaves the state unchanged.
     const auto wake = [] { return SetThreadExecutionState(ES_SYSTEM_REQUIRED); };
     EXPECT_TRUE(mayEnd());
     int boxes = 0;

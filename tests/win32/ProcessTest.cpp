@@ -1,5 +1,5 @@
-// The process as others see it. For that this program is started once more, with a job as its
-// argument: by itself, and by the script around it, which talks to it.
+// The process as seen from outside. This program is started again with a job as its argument:
+// by itself, and by the script around it, which communicates with it.
 #include <gtest/gtest.h>
 
 #include <array>

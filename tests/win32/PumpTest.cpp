@@ -1,4 +1,4 @@
-// The real message queue inside the loops that the system, or a modal window, runs.
+// The real message queue inside modal loops, of the system or of a modal window.
 #include <gtest/gtest.h>
 
 #include <memory>
@@ -30,7 +30,7 @@ constexpr const wchar_t* kBoxTitle = L"A box of this test";
 struct Loop {
     const char* name;
     void (*enter)(const Form& owner, Form& modal);
-    void (*leave)(Form& modal);  // called again and again
+    void (*leave)(Form& modal);  // called repeatedly
 };
 
 const Loop kLoops[] = {
@@ -52,8 +52,8 @@ const Loop kLoops[] = {
 
 class PumpInALoop : public Pump, public testing::WithParamInterface<Loop> {};
 
-// Posted messages come before timers, so between two ticks the source is polled as often as
-// another thread has asked for it; its own timer could not do that.
+// Posted messages have priority over timers, so between two ticks the source is polled as often as
+// another thread requests it; its own timer could not do that.
 TEST_P(PumpInALoop, TicksAndHearsEveryWakeUp) {
     constexpr int kWakeUps = 50;
     int ticks = 0;

@@ -1,5 +1,5 @@
-// A platform with the real message queue and real windows, and everything else headless. Each
-// pump is a millisecond of the headless clock, so a session's waits are short.
+// A platform with the real message queue and real windows, and everything else headless.
+// Each pump is a millisecond of the headless clock, so the waits of a session are short.
 #pragma once
 
 #include "controls/Form.hpp"

@@ -1,4 +1,4 @@
-// The terminal's window: what it paints, and what mouse, wheel and keys do to its control.
+// The terminal's window: what it paints, and the effect of mouse, wheel and keys on its control.
 #include <gtest/gtest.h>
 
 #include <cstdlib>

@@ -1,7 +1,7 @@
 #!/bin/sh
-# Runs the tests of the real windows, on a display of their own, and talks to the program as
-# another program does: arguments and lines pass unharmed, whatever the system's code page.
-#   run.sh path/to/win32_tests.exe [option of GoogleTest]...
+# Runs the tests of the real windows on a separate display, and tests the program's arguments and
+# standard streams: they pass unchanged, whatever the ANSI code page.
+#   run.sh path/to/win32_tests.exe [GoogleTest option]...
 set -eu
 
 root=$(cd "$(dirname "$0")/../.." && pwd)

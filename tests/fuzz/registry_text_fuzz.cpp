@@ -1,4 +1,4 @@
-// The registry's text form, as accidents and people can have changed the file.
+// Text form of the registry, including damaged and hand-edited files.
 #include <algorithm>
 
 #include "platform/RegistryHive.hpp"
@@ -19,13 +19,13 @@ void Fuzz(std::string_view input) {
     const std::string written = hive.Export();
     Require(
         std::ranges::all_of(written, [](char c) { return c == '\n' || (c >= ' ' && c <= '~'); }));
-    // What is written is read back the same, over the same contents as well as into an empty store.
+    // Import of an export is idempotent, both over the same contents and into an empty hive.
     hive.Import(written);
     Require(hive.Export() == written);
     RegistryHive other;
     other.Import(written);
     Require(other.Export() == written);
-    // A file that was cut off keeps its whole lines, whatever follows them.
+    // A later import still adds its keys.
     other.Import("\n\n[HKEY_CURRENT_USER\\z]\n\"z\"=\"z\"\n");
     RegistryKey key = 0;
     Require(other.OpenKey(RegistryRoot::CurrentUser, "Z", kRegistryQueryValue, key) ==

@@ -1,6 +1,6 @@
 #!/bin/sh
-# Makes the packages, installs and removes each: the installer under Wine, the Debian package in a
-# root of its own. Needs nothing built before; as root, because dpkg wants that even there.
+# Builds the packages, installs and removes each: the installer under Wine, the Debian package in a
+# separate root folder. Builds what it needs; run as root, as dpkg --root requires.
 set -eu
 root=$(cd "$(dirname "$0")/../.." && pwd)
 cd "$root"
@@ -16,11 +16,11 @@ scripts/package
 rm -rf "$work"
 mkdir -p "$work/zip"
 
-# The portable archive: both programs, which run from where they lie.
+# The portable archive: the programs run from any folder.
 (cd "$work/zip" && cmake -E tar xf "$packages"/*.zip)
 scripts/wine "$(find "$work/zip" -name tsflash.exe)" --version | grep -F 2.05.31
 
-# The installer, twice, as for a newer version.
+# The installer, twice, as in an upgrade.
 settings='HKCU\SOFTWARE\Tessmar Instruments\Packages Test'
 uninstall='HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\Tessmar Vantor Update'
 drive=$root/build/wine/drive_c
@@ -36,7 +36,7 @@ for setup in "$packages"/*-setup.exe "$packages"/*-setup.exe; do
     find "$drive" -name 'Tessmar Vantor Update.lnk' | grep 'Start Menu'
 done
 
-# A program that is at work is left alone.
+# The installer does not replace a running program.
 scripts/wine "$folder/tsflash.exe" --practice --yes --fault late=15000@1 \
     "Z:$root/build/native/sample.run" >"$work/practice.txt" 2>&1 &
 practice=$!
@@ -48,7 +48,7 @@ wait "$practice"
 
 : >"$folder/notes of the user.txt"
 scripts/wine "$folder/uninstall.exe" /S
-# It goes on as a copy of itself, which can remove it.
+# The uninstaller continues as a temporary copy of itself, which deletes the original.
 for _ in $(seq 100); do
     [ -e "$folder/uninstall.exe" ] || break
     sleep 0.2
@@ -60,7 +60,7 @@ rm -r "$folder"
 scripts/wine reg.exe query "$settings" /v Port | grep -F COM7
 scripts/wine reg.exe delete "$settings" /f
 
-# The Debian package, in a root without the packages that it stands on.
+# The Debian package, in a root folder without its dependencies.
 deb() { dpkg --root="$work/root" --force-depends --log="$work/dpkg.log" "$@"; }
 mkdir -p "$work/root/var/lib/dpkg/info" "$work/root/var/lib/dpkg/updates"
 touch "$work/root/var/lib/dpkg/status"
@@ -68,7 +68,7 @@ dpkg-deb -f "$packages"/*.deb Depends | grep -F libc6
 deb --install "$packages"/*.deb
 "$work/root/usr/bin/tsflash" --version | grep -F 2.05.31
 gzip -t "$work/root/usr/share/man/man1/tsflash.1.gz"
-# shellcheck disable=SC2016  # for the other shell
+# shellcheck disable=SC2016  # expanded by the inner shell
 PATH=$work/root/usr/bin:$PATH bash -c '. "$1"; COMP_WORDS=(tsflash --pr) COMP_CWORD=1
     _tsflash tsflash; [ "${COMPREPLY[*]}" = --practice ]' bash \
     "$work/root/usr/share/bash-completion/completions/tsflash"

@@ -1,6 +1,6 @@
 #!/bin/sh
 # Compiles both user guides to the program's help file: help/make.sh tswuhelp.chm
-# The pages are in the code page that the viewer's search works in.
+# The pages are in Windows-1252: the viewer's search works in that code page.
 set -eu
 help=$(cd "$(dirname "$0")" && pwd)
 docs=$help/../docs

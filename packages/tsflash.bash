@@ -1,4 +1,4 @@
-# Completion of tsflash for bash. The options are asked of the program itself.
+# bash completion for tsflash. Options and ports come from --help and --list-ports.
 _tsflash() {
     local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}
     COMPREPLY=()

@@ -1,4 +1,4 @@
-// Loading an image, against a loop that stores the same lines in a vector of strings.
+// Measures loading an image against a std::getline loop that fills a vector of strings.
 #include <malloc.h>
 
 #include <cstdio>
@@ -42,8 +42,8 @@ double LoadTheirs(const std::string& path, std::size_t lines) {
 
 int main() {
     using namespace vantor::bench;
-    // Memory once touched stays with the process: the faults of fresh pages cost more than either
-    // side, and which side meets them would be chance.
+    // Keep freed memory in the process: page faults on fresh memory cost more than the measured
+    // work, and it would be random which side takes them.
     mallopt(M_TRIM_THRESHOLD, 1 << 30);
     mallopt(M_MMAP_THRESHOLD, 1 << 30);
     const std::string path = std::filesystem::temp_directory_path() / "load_image_bench.run";

@@ -1,4 +1,4 @@
-// What the measurements share.
+// Timing helpers for the benchmarks.
 #pragma once
 
 #include <algorithm>
@@ -19,8 +19,8 @@ struct Pair {
     double theirs;
 };
 
-/// The least of `rounds` runs of both, taken in turns so that the machine's moods hit both alike:
-/// whatever else the machine does only ever adds, and it adds in leaps where threads change cores.
+/// The minimum of `rounds` runs of both, interleaved so that other load affects both alike. The
+/// minimum, because other load and thread migration between cores only add time.
 inline Pair SideBySide(std::size_t rounds, const std::function<double()>& ours,
                        const std::function<double()>& theirs) {
     Pair least{ours(), theirs()};

@@ -1,5 +1,5 @@
-// Streaming an image into m40sim over a pseudo-terminal: against the time that the wire alone
-// needs (paced), and against a bare loop that writes the same lines and waits for OK (unpaced).
+// Measures streaming an image to m40sim over a pseudo-terminal: paced against the pure wire time,
+// unpaced against a minimal loop that writes the same lines and waits for OK.
 #include <fcntl.h>
 #include <poll.h>
 #include <termios.h>
@@ -28,7 +28,7 @@
 namespace vantor::bench {
 namespace {
 
-/// m40sim as a process of its own, for one session.
+/// An m40sim process for one session.
 class Indicator {
 public:
     Indicator(const std::string& tools, const std::string& image, bool paced)
@@ -37,7 +37,7 @@ public:
         mPort = mChild.Out().substr(6, mChild.Out().find('\n') - 6);
     }
     const std::string& Port() const { return mPort; }
-    /// Both ends agree that a whole image was taken.
+    /// Waits for m40sim to end; throws unless it took a whole image.
     void Finish() {
         if (mChild.Wait() != 0) throw std::runtime_error("m40sim: " + mChild.Err());
     }
@@ -47,7 +47,7 @@ private:
                                             bool paced) {
         std::vector<std::string> command{tools + "/m40sim", "--once", "--write", "300",
                                          "--image",         image};
-        // Without pacing the speed says nothing, and both sides are spared its change.
+        // Unpaced, the line speed has no effect; "no-baud" saves both sides the speed change.
         if (paced)
             command.push_back("--pace");
         else
@@ -59,8 +59,8 @@ private:
     std::string mPort;
 };
 
-/// The program's own session, without a screen, on the real line. Returns the seconds from the
-/// first line's display to the status window of the final phase.
+/// Runs the program's flash session, headless, on the pseudo-terminal. Returns the seconds from
+/// the display of the first line to the status window of the final phase.
 double StreamOurs(const std::string& tools, const std::string& image, bool paced) {
     Indicator indicator(tools, image, paced);
     HeadlessPlatform stage;
@@ -110,7 +110,7 @@ double StreamOurs(const std::string& tools, const std::string& image, bool paced
     return seconds;
 }
 
-/// A bare loop on the same kind of terminal.
+/// Blocking I/O on the same kind of terminal, for the reference loop.
 class BareLine {
 public:
     explicit BareLine(const std::string& port) : mFd(open(port.c_str(), O_RDWR | O_NOCTTY)) {

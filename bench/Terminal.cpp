@@ -1,5 +1,5 @@
-// A text of 10 MB that a peer sends without pause, through a pseudo-terminal into the terminal
-// control with a capture running: against the rate of a line at 115200 bit/s with two stop bits.
+// Measures a 10 MB text sent without pause through a pseudo-terminal into the terminal control with
+// capture on, against the byte rate of a line at 115200 bit/s with two stop bits.
 #include <fcntl.h>
 #include <poll.h>
 #include <stdlib.h>
@@ -39,7 +39,7 @@ public:
     TerminalControl com;
 };
 
-/// What the indicator might print all day, a colour now and then.
+/// Typical output of an indicator, with a colour sequence in every tenth line.
 std::string MakeText() {
     std::string text;
     for (int i = 0; text.size() < kTextBytes; ++i) {
@@ -50,7 +50,7 @@ std::string MakeText() {
     return text;
 }
 
-/// The near end of a pseudo-terminal.
+/// The master side of a pseudo-terminal.
 class Peer {
 public:
     Peer() : mMaster(posix_openpt(O_RDWR | O_NOCTTY)) {
@@ -65,7 +65,7 @@ public:
     void Send(std::string_view bytes) const {
         while (!bytes.empty()) {
             const ssize_t count = write(mMaster, bytes.data(), bytes.size());
-            if (count < 0) return;  // the other end shows what is missing
+            if (count < 0) return;  // the comparison of the capture detects the loss
             bytes.remove_prefix(static_cast<std::size_t>(count));
         }
     }
@@ -120,7 +120,7 @@ double Receive(const std::string& text, const std::string& capture) {
     return seconds;
 }
 
-/// Seconds for the parser and the screen alone.
+/// Seconds for parser and screen only, without port and capture.
 double Show(const std::string& text) {
     TerminalScreen screen;
     TerminalParser parser(screen);

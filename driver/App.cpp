@@ -32,7 +32,7 @@ bool HasNumber(const ControlDesign& row, bool menuItem) {
     return row.kind != ControlKind::Timer && row.kind != ControlKind::SerialControl;
 }
 
-/// Controls are numbered in the order of the design, windows and menu items each for themselves.
+/// Control IDs follow the order of the design, counted separately for windows and menu items.
 int Number(const FormDesign& design, const char* name, int index, bool menuItem) {
     int number = 0;
     for (const ControlDesign& row : design.controls) {
@@ -45,7 +45,7 @@ int Number(const FormDesign& design, const char* name, int index, bool menuItem)
 
 HWND Find(HWND form, const FormDesign& design, const char* name, int index) {
     const int id = kFirstChild + Number(design, name, index, false);
-    // Panels hold controls of their own.
+    // The control may be a child of a panel.
     HWND found = GetDlgItem(form, id);
     for (HWND panel = nullptr; found == nullptr;) {
         panel = FindWindowExW(form, panel, L"VantorPanel", nullptr);
@@ -59,7 +59,7 @@ UINT CommandOf(const FormDesign& design, const char* item) {
     return static_cast<UINT>(kFirstCommand + Number(design, item, -1, true));
 }
 
-/// Windows do not say which design they have been made from; the number of their controls does.
+/// A window does not carry the name of its design; the number of controls identifies it.
 bool IsMadeFrom(HWND form, const FormDesign& design) {
     const auto count = static_cast<int>(std::ranges::count_if(
         design.controls, [](const ControlDesign& row) { return HasNumber(row, false); }));
@@ -79,7 +79,7 @@ LRESULT Send(HWND window, UINT message, WPARAM first, LPARAM second) {
     return static_cast<LRESULT>(result);
 }
 
-/// `draw`s on a bitmap in memory and returns what is there then, row by row.
+/// Calls `draw` on a memory bitmap and returns its pixels, row by row.
 Pixels Draw(int width, int height, const std::function<void(HDC)>& draw) {
     BITMAPINFO info{};
     info.bmiHeader = {sizeof info.bmiHeader, width, -height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
@@ -109,7 +109,7 @@ Pixels OnGround(const wchar_t* icon, int size, std::uint32_t ground) {
     });
 }
 
-/// An icon of another program can only be seen: waits until it is drawn, and is the system's own.
+/// Another process's icon is readable from the screen only: waits until it matches a system icon.
 std::string IconIn(HWND box) {
     static const std::pair<const wchar_t*, const char*> kKinds[] = {
         {IDI_QUESTION, "question"},
@@ -130,7 +130,7 @@ std::string IconIn(HWND box) {
     return found;
 }
 
-/// What is put into it ends with this driver, however that ends.
+/// The system kills the processes in this job when the driver ends, even by a crash.
 HANDLE Job() {
     static const HANDLE job = [] {
         JOBOBJECT_EXTENDED_LIMIT_INFORMATION limits{};
@@ -153,7 +153,7 @@ DWORD WaitForEnd(HANDLE process) {
 }  // namespace
 
 void EnterDesktop() {
-    SetProcessDPIAware();  // or the system would translate all sizes
+    SetProcessDPIAware();  // otherwise the system scales all coordinates
     EnterDesktop(DesktopName(), ToWide(Setting("DRIVE_DESKTOP")));
 }
 
@@ -449,8 +449,8 @@ void Window::Choose(const char* item) const {
     PostMessageW(mHandle, WM_COMMAND, CommandOf(*mDesign, item), 0);
 }
 
-// The system copies texts between programs for its own messages only, and a status bar's are not
-// among them: the text is left in the memory of the program and fetched from there.
+// The system does not marshal SB_GETTEXTW across processes: the text goes into a buffer in the
+// target process and is read from there.
 std::string Window::Panel(const char* bar, int index) const {
     constexpr std::size_t kRoom = 256 * sizeof(wchar_t);
     DWORD id = 0;

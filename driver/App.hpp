@@ -1,6 +1,5 @@
-// The program as its user has it: windows that are looked at, buttons, menus and keys.
-// Everything goes through the system and nothing through the program's own classes; what waits,
-// waits for a condition.
+// Drives a running tsupdate.exe through Win32 only: windows, buttons, menus and keys. Does not use
+// the program's classes. Functions that wait poll for a condition with a time-out (`Await`).
 #pragma once
 
 #include <cstdint>
@@ -18,13 +17,13 @@ struct FormDesign;
 
 namespace vantor::driver {
 
-/// The desktop of this run, which no other program of the same Wine prefix shares.
+/// Creates the desktop of this run; no other program of the Wine prefix uses it.
 void EnterDesktop();
 
-/// Starts a program there; it ends with this driver at the latest.
+/// Starts a program on this desktop, in a job that is killed when the driver ends.
 Win32Handle StartProgram(const std::string& path);
 
-/// A message box: what it says, the kind of its icon ("question" and so on), its buttons.
+/// A message box: title, text, kind of icon ("question" and so on), and buttons.
 struct Box {
     std::string title;
     std::string text;
@@ -34,7 +33,7 @@ struct Box {
     bool operator==(const Box&) const = default;
 };
 
-/// Presses and releases a key on the keyboard, for the window in the foreground.
+/// Presses and releases a key by SendInput, for the foreground window.
 void Key(WORD key, bool withAlt = false);
 
 /// Moves the mouse to a point of the screen and clicks there, `times` in quick succession.
@@ -44,17 +43,17 @@ void ClickAt(POINT at, int times = 1);
 /// the mouse itself does comes late on this system, and looks like dragging.
 void ClickIn(HWND window, int x, int y);
 
-/// What is seen there, row by row, as 0xRRGGBB.
+/// Reads the screen pixels in `at`, row by row, as 0xRRGGBB.
 using Pixels = std::vector<std::uint32_t>;
 Pixels OnScreen(const RECT& at);
 
-/// The text of a window of another program.
+/// The text of a window of another process.
 std::string TextOf(HWND window);
 
-/// Sends nothing: posts the press of a dialog's button.
+/// Posts BM_CLICK to a dialog's button; does not wait.
 void PressIn(HWND dialog, int button);
 
-/// A window beside the main one.
+/// A top-level window other than the main window.
 class Window {
 public:
     Window(HWND handle, const FormDesign& design) : mHandle(handle), mDesign(&design) {}
@@ -63,7 +62,7 @@ public:
     bool IsThere() const { return IsWindow(mHandle) != 0; }
     HWND Child(const char* name, int index = -1) const;
     std::string Text(const char* name) const { return TextOf(Child(name)); }
-    /// The text of one panel of a status bar, from 0.
+    /// The text of panel `index` (from 0) of a status bar.
     std::string Panel(const char* bar, int index) const;
 
     void Press(const char* button) const;
@@ -81,22 +80,22 @@ public:
     /// Starts the program and waits for its window, which is hidden behind an error box of the
     /// start-up.
     explicit App(const std::string& path = Setting("DRIVE_PROGRAM"));
-    /// Ends it, whatever it does.
+    /// Terminates the process.
     ~App();
     App(const App&) = delete;
     App& operator=(const App&) = delete;
 
-    /// Starts the program once more beside a running one; its exit status.
+    /// Starts a second instance and waits for its end; returns its exit status.
     static DWORD RunBeside();
 
     HWND Main() const { return mMain; }
-    /// A control of the main window, by its name in the design; null when that has gone.
+    /// A control of the main window, by its name in the design; null when the window is gone.
     HWND Child(const char* name, int index = -1) const;
     std::string Text(const char* name, int index = -1) const { return TextOf(Child(name, index)); }
     bool IsEnabled(const char* name) const { return IsWindowEnabled(Child(name)) != 0; }
     bool IsShown(const char* name) const { return IsWindowVisible(Child(name)) != 0; }
     int Percent() const;
-    /// The line that is being sent; -1 while none is.
+    /// The line being sent; -1 if none.
     int Line() const;
 
     void Press(const char* button) const;
@@ -104,21 +103,21 @@ public:
     void Choose(const char* item) const;
     void Close() const { static_cast<void>(PostMessageW(mMain, WM_CLOSE, 0, 0)); }
 
-    /// The status or About window; null while there is none.
+    /// The status or About window; null if none is open.
     HWND OtherForm() const;
-    /// The windows made from `design`, the uppermost first.
+    /// The windows made from `design`, topmost first.
     std::vector<Window> Forms(const FormDesign& design) const;
-    /// Waits until there are `count` of them; the uppermost.
+    /// Waits until `count` of them are open; returns the topmost.
     Window AwaitForm(const FormDesign& design, std::size_t count = 1) const;
-    /// A message box or file dialog; null while there is none.
+    /// A message box or file dialog; null if none is open.
     HWND Dialog() const;
     static bool IsFileDialog(HWND dialog);
     /// Waits for the file dialog; returns it.
     HWND AwaitFileDialog() const;
-    /// Waits for the file dialog, types `path` into it and presses its button.
+    /// Waits for the file dialog, sets `path` as the file name and presses the default button.
     void ChooseFile(const std::string& path) const;
     static void Fill(HWND fileDialog, const std::string& path);
-    /// Waits for a message box, reads it, presses `button` and waits until it has gone.
+    /// Waits for a message box, reads it, presses `button` and waits until it is closed.
     Box TakeBox(int button = IDOK) const;
     /// Waits for a message box; returns its window.
     HWND AwaitBox() const;
@@ -134,14 +133,14 @@ public:
                   bool withAlt = false) const;
     /// Waits until the main window has the keyboard, presses Alt and `key`, waits for the menu.
     void OpenMenu(WORD key) const;
-    /// The menu that is open; null while there is none.
+    /// The open menu; null if none.
     HWND Menu() const;
     /// The control that gets the keys; null while no window of the program is in the foreground.
     HWND Focus() const;
     bool IsRunning() const;
-    /// Waits for the end of the program; its exit status.
+    /// Waits for the process to end; returns its exit status.
     DWORD Wait() const;
-    /// False when the window has not answered for 30 s.
+    /// False if the main window does not process a message within 30 s.
     bool Answers() const;
 
 private:

@@ -6,7 +6,7 @@
 
 namespace vantor::driver {
 
-// Wine takes the size of a desktop from its registry, once, when the desktop is first drawn.
+// Wine reads the size of a desktop from the registry once, when it first creates its window.
 void EnterDesktop(const std::wstring& name, const std::wstring& size) {
     constexpr const wchar_t* kSizes = L"Software\\Wine\\Explorer\\Desktops";
     RegSetKeyValueW(HKEY_CURRENT_USER, kSizes, name.c_str(), REG_SZ, size.c_str(),
@@ -14,7 +14,7 @@ void EnterDesktop(const std::wstring& name, const std::wstring& size) {
     const HDESK desktop = CreateDesktopW(name.c_str(), nullptr, nullptr, 0, GENERIC_ALL, nullptr);
     if (desktop == nullptr || SetThreadDesktop(desktop) == 0)
         throw std::runtime_error("no desktop for this run");
-    GetDesktopWindow();  // is drawn now
+    GetDesktopWindow();  // creates the desktop window
     RegDeleteKeyValueW(HKEY_CURRENT_USER, kSizes, name.c_str());
 }
 

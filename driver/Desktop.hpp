@@ -1,13 +1,13 @@
-// A desktop of a test program's own.
+// A private desktop for a driver program.
 #pragma once
 
 #include <string>
 
 namespace vantor::driver {
 
-/// Makes the desktop `name`, of `size` pixels ("1024x768"), and puts the windows of this thread
-/// on it. Wine draws it in one window of the display, with window frames and a keyboard focus of
-/// its own: no window manager has a say in the tests, and its absence costs no waits.
+/// Creates the desktop `name` of `size` pixels ("1024x768") and assigns this thread to it. Wine
+/// draws it in one window of the display and manages frames and keyboard focus in it. The tests
+/// therefore do not depend on a window manager, and no time-out is hit when there is none.
 void EnterDesktop(const std::wstring& name, const std::wstring& size);
 
 }  // namespace vantor::driver

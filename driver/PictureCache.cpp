@@ -9,8 +9,8 @@
 namespace vantor::driver {
 namespace {
 
-// The whole prefix's handler: Wine does not look at that of the user. What was there waits under
-// another name.
+// The handler of the whole prefix: Wine ignores a per-user one. The original key is kept under
+// another name meanwhile.
 constexpr wchar_t kHandler[] = L"http";
 constexpr wchar_t kBefore[] = L"http-before-the-driver";
 constexpr char kOpen[] = "--open";
@@ -42,7 +42,7 @@ PictureCache::PictureCache() {
     std::wstring driver(MAX_PATH, L'\0');
     driver.resize(GetModuleFileNameW(nullptr, driver.data(), MAX_PATH));
     const std::wstring command = L"\"" + driver + L"\" --open \"%1\"";
-    RestoreHandler();  // of a run that was cut off
+    RestoreHandler();  // left over from an interrupted run
     MoveKey(kHandler, kBefore);
     RegSetKeyValueW(HKEY_CLASSES_ROOT, kHandler, L"URL Protocol", REG_SZ, L"", sizeof(wchar_t));
     RegSetKeyValueW(HKEY_CLASSES_ROOT, (std::wstring(kHandler) + L"\\shell\\open\\command").c_str(),

@@ -1,4 +1,4 @@
-// The sibling program's picture cache as a driver fills it, and a stand-in for the web browser.
+// Fills the sibling program's picture cache and replaces the web browser, for driver programs.
 #pragma once
 
 #include <string>
@@ -6,7 +6,7 @@
 
 namespace vantor::driver {
 
-/// An empty cache folder, and this driver as the handler of web addresses, while it exists.
+/// Empties the cache folder and registers this driver as the http handler during its lifetime.
 class PictureCache {
 public:
     PictureCache();
@@ -17,15 +17,15 @@ public:
     void Clear() const;
     void Put(const std::string& name, const std::string& bytes) const;
     void Remove(const std::string& name) const;
-    /// A picture of the size in pixels, red in its left half and blue in its right one, encoded
-    /// as `kind`: "gif", "jpg", "bmp" or "png".
+    /// Writes a picture of `width` x `height` pixels, left half red, right half blue, encoded as
+    /// `kind`: "gif", "jpg", "bmp" or "png".
     void Draw(const std::string& name, const std::string& kind, int width, int height) const;
 
-    /// The addresses that have been opened so far.
+    /// The URLs opened so far.
     static std::vector<std::string> Opened();
 };
 
-/// True when the system has started this driver to open an address, which it notes.
+/// True when the system has started this driver to open a URL; records the URL.
 bool OpensAnAddress(int argc, char** argv);
 
 }  // namespace vantor::driver

@@ -1,5 +1,5 @@
-// Takes pictures of all stages of the program, in the language that DRIVE_LANGUAGE names. When a
-// stage does not come, that is told and the exit status is 1; the other parts go on.
+// Takes screenshots of all stages of the program in the language DRIVE_LANGUAGE. A stage that does
+// not appear is reported and makes the exit status 1; the other parts still run.
 #include <exception>
 #include <iostream>
 #include <optional>
@@ -22,7 +22,7 @@ public:
     void OfTheOptions();
 
 private:
-    /// What the user sees of `window` and `above` it.
+    /// Takes a screenshot of the area of `window` and `above`.
     static void Show(const std::string& stage, HWND window, HWND above = nullptr) {
         RECT area{};
         RECT other{};
@@ -35,7 +35,7 @@ private:
     }
     void ShowBox(const std::string& stage) const {
         const HWND box = app->AwaitBox();
-        App::Read(box);  // waits until it is drawn
+        App::Read(box);  // waits until the box is painted
         Show(stage, app->Main(), box);
     }
 };
@@ -106,7 +106,7 @@ void Screens::OfThePictureAndTheMenus() {
     Key(VK_ESCAPE);
     Key(VK_ESCAPE);
     Await("the end of the menu", [this] { return !app->InMenu(); });
-    // Nothing that a user does leads there yet.
+    // No user action shows this panel yet.
     ShowWindow(app->Child("picStartup"), SW_HIDE);
     ShowWindow(app->Child("picUpdate"), SW_SHOW);
     Show("updates", window);
@@ -150,7 +150,7 @@ void Screens::OfTheOptions() {
     Show("options-advice", options.Handle(), app->AwaitBox());
 }
 
-/// True when all stages of a part have come; each part starts with the program anew.
+/// Runs one part on a new program instance; true if all its stages appeared.
 bool Take(const std::string& part, void (Screens::*take)()) {
     std::optional<Screens> screens;
     try {

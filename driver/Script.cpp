@@ -15,7 +15,7 @@ namespace {
 
 constexpr unsigned kPatienceMs = 100'000;
 
-/// The log's way of writing bytes undone: \r \n \\ and \xNN.
+/// Undoes the escapes of the transcript: \r \n \\ and \xNN.
 std::string Plain(const std::string& text) {
     std::string bytes;
     for (std::size_t i = 0; i < text.size(); ++i) {
@@ -39,7 +39,7 @@ struct Record {
     std::string bytes;
 };
 
-/// What the indicator's log has of one direction.
+/// The records of one direction in the indicator's transcript.
 std::vector<Record> Records(char direction) {
     std::istringstream log(Content("indicator.log"));
     std::vector<Record> records;

@@ -1,5 +1,5 @@
-// The script around a program that drives: what it says about the surroundings, and what it does
-// for such a program, which runs under Wine and can start nothing on the system below.
+// Interface to the shell script that runs a driver program: its settings, and requests that it
+// executes, since a program under Wine does not start host processes itself.
 #pragma once
 
 #include <functional>
@@ -13,19 +13,19 @@ bool Comes(const std::function<bool()>& condition, unsigned patienceMs);
 /// Waits up to 100 s for `condition`; raises an error that names `what` when it does not come.
 void Await(const std::string& what, const std::function<bool()>& condition);
 
-/// A setting of the surroundings, from the script; empty when there is none.
+/// An environment variable set by the script; empty if unset.
 std::string Setting(const char* name);
 
-/// A file of this run, as tsupdate.exe and this program name it.
+/// The Windows path of a file in the folder of this run.
 std::string FileOfRun(const char* name);
 
-/// The bytes of such a file; none while it cannot be read.
+/// The bytes of such a file; empty if it cannot be read.
 std::string Content(const char* name);
 
-/// Has the script do what `words` say, and waits until it has.
+/// Sends the request `words` to the script and waits until it is done.
 void Ask(const std::string& words);
 
-/// The virtual indicator, which the script starts behind COM1.
+/// The virtual indicator, which the script starts on COM1.
 class Indicator {
 public:
     Indicator() = default;
@@ -35,14 +35,14 @@ public:
 
     void Start(const std::string& options);
     void Stop();
-    /// Waits for its end; its exit status.
+    /// Waits for the process to end; returns its exit status.
     int Wait();
-    /// What it has said against the program.
+    /// Its standard error output: protocol violations of the program.
     std::string Complaints() const;
 
-    /// The bytes that have passed in one direction: '>' to the indicator, '<' from it.
+    /// The bytes transferred in one direction: '>' to the indicator, '<' from it.
     std::string Passed(char direction) const;
-    /// The milliseconds from the first to the last byte of one direction.
+    /// The milliseconds from the first to the last byte in one direction.
     double Span(char direction) const;
 };
 

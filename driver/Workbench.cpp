@@ -10,7 +10,7 @@
 namespace vantor::driver {
 namespace {
 
-/// 60 records of two bytes each, and the one that ends an image.
+/// 60 data records of two bytes each, and an end record.
 std::string ShortImage() {
     std::string text;
     for (std::uint8_t i = 0; i < 60; ++i)

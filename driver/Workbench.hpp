@@ -1,5 +1,5 @@
-// What work with the program starts from: it runs with fresh settings, an image of 60 data records
-// is there to be sent, and an indicator that is started as it is needed.
+// Fixture for driver programs: the program running with fresh settings, an image of 60 data
+// records, and an indicator to start on demand.
 #pragma once
 
 #include <optional>
@@ -14,7 +14,7 @@ class Workbench {
 public:
     Workbench();
 
-    /// The program's key below HKEY_CURRENT_USER.
+    /// The program's key under HKEY_CURRENT_USER.
     static std::wstring ProgramKey();
     static void ForgetSettings();
 
@@ -23,21 +23,21 @@ public:
 
     /// Presses the start button and chooses the image.
     void AskForFlash() const;
-    /// The same, and says Yes to the warning.
+    /// The same, and answers the warning with Yes.
     void StartFlash() const;
     void AwaitLine(int line) const;
-    /// Waits for the status window of the last phase, or the About box.
+    /// Waits for the status window of the final phase or the About box.
     HWND AwaitOtherForm() const;
 
     // Monitor mode.
     Window OpenMonitor() const;
     static void OpenPort(const Window& monitor);
     static void AwaitShown(const Window& monitor, const std::string& text);
-    /// Presses `key` in the context menu.
+    /// Opens the context menu and presses `key` in it.
     void Command(const Window& monitor, WORD key) const;
-    /// Chooses a file with these bytes to send; its progress window.
+    /// Starts sending a file with these bytes; returns the progress window.
     Window SendFile(const Window& monitor, const std::string& bytes) const;
-    /// Waits until `line` of the file has been sent, as the progress window counts them.
+    /// Waits until the progress window shows `line` or a later one.
     static void AwaitSent(const Window& progress, int line);
 
     const std::string image = FileOfRun("image.run");

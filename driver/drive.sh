@@ -1,13 +1,13 @@
 # shellcheck shell=sh
-# Not a program: what the scripts share that drive tsupdate.exe under Wine, as its user does. They
-# set `root` to the folder of the sources, read this file with their own arguments, and call
-#   use_desktop WIDTHxHEIGHT [DOTS]      a desktop of its own, at 96 dots per inch or at DOTS
-#   drive LOCALE PROGRAM [ARGUMENT]...   runs build/windows/PROGRAM there, the virtual indicator
-#                                        behind COM1, and does what it asks for meanwhile; the exit
-#                                        status is the program's
-# Needs build/windows (tsupdate, PROGRAM) and build/native (m40sim). Without a display the script
-# is started again on one of its own. Pictures go to build/screens; what passed over the line, and
-# what was there when something failed, stays in build/drive.
+# Sourced by the scripts that drive tsupdate.exe under Wine. The caller sets `root` to the source
+# folder, sources this file, and calls
+#   use_desktop WIDTHxHEIGHT [DOTS]      creates a desktop, at 96 dots per inch or at DOTS
+#   drive LOCALE PROGRAM [ARGUMENT]...   runs build/windows/PROGRAM on it, with the virtual
+#                                        indicator on COM1, and executes its requests; returns the
+#                                        exit status of the program
+# Needs build/windows (tsupdate, PROGRAM) and build/native (m40sim). Without a display the calling
+# script is re-executed under with_display.sh. Screenshots go to build/screens; transcripts and the
+# state at a failure stay in build/drive.
 # shellcheck disable=SC2154  # root is the caller's
 [ -n "${DISPLAY:-}" ] || exec "$root/driver/with_display.sh" "$0" "$@"
 folder=$root/build/drive
@@ -26,10 +26,10 @@ exec 8>"$folder/lock"
 flock -n 8 || { echo "The program is being driven already." >&2; exit 1; }
 find "$folder" -type f ! -name lock -delete
 
-# A path as the Windows programs see it.
+# Converts a path to its Windows form under Wine.
 windows_path() { printf 'Z:%s' "$1" | tr / '\134'; }
 
-# Ends what `follow` has started, if it has not ended by itself.
+# Ends a process started by `follow`, if it still runs.
 end() {
     number=$(cat "$folder/$1.pid" 2>/dev/null) || return 0
     kill "$number" 2>/dev/null || true
@@ -44,14 +44,14 @@ clean_up() {
 trap clean_up EXIT
 trap 'exit 1' INT TERM
 
-# The resolution that programs find from now on, in dots per inch.
+# Sets the resolution for programs started from now on, in dots per inch.
 set_resolution() {
     dots=$1
     "$root/scripts/wine" reg.exe add 'HKCU\Control Panel\Desktop' /v LogPixels /t REG_DWORD \
         /d "$dots" /f >>"$folder/wine.log" 2>&1 8>&-
 }
 
-# Runs a program, leaves its number and later its exit status in files.
+# Runs a program in the background; writes its PID and later its exit status to files.
 follow() {
     name=$1
     shift
@@ -75,7 +75,7 @@ start_indicator() {
     until [ -s "$folder/indicator.out" ]; do sleep 0.02; done
 }
 
-# A peer that answers the first key with the whole of flood.txt, as fast as it is taken.
+# A peer that responds to the first key with the whole of flood.txt, as fast as it is read.
 start_flood() {
     stop_indicator
     export FLOOD="$folder/flood.txt"
@@ -90,19 +90,19 @@ stop_indicator() {
     while [ -e "$folder/indicator.pid" ]; do sleep 0.02; done
 }
 
-# A picture of the screen, or of a part of it (WIDTHxHEIGHT+LEFT+TOP).
+# Takes a screenshot into $1, of the desktop or of the area $2 (WIDTHxHEIGHT+LEFT+TOP).
 take_picture() {
     command -v import >/dev/null || return 0
     import -window "$desktop - Wine desktop" ${2:+-crop "$2"} +repage "$1" 2>>"$folder/pictures.log" ||
         echo "no picture $1" >&2
 }
 
-# A picture of the kind $1 that is red in its left half and blue in its right one, of $2 each.
+# Creates a picture of format $1: the left half red, the right half blue, each of size $2.
 draw_picture() {
     convert -size "$2" xc:red xc:blue +append "$folder/picture.$1" 2>>"$folder/pictures.log"
 }
 
-# Where each thread of the program stands: running or asleep, its processor time, and in which call.
+# Prints state, CPU time, wait channel and system call of each thread of the program.
 note_threads() {
     for stat in /proc/[0-9]*/task/*/stat; do
         case $(cat "$stat" 2>/dev/null) in
@@ -113,7 +113,7 @@ note_threads() {
     done
 }
 
-# What the program asks for: one request at a time, gone when it is done.
+# Executes one request of the program; deletes the request file when done.
 answer() {
     read -r verb words <"$folder/request" || return 0
     case $verb in
@@ -134,7 +134,7 @@ answer() {
     rm -f "$folder/request"
 }
 
-pause=0.01  # between two looks for a request
+pause=0.01  # polling interval for requests, seconds
 drive() {
     locale=$1
     driver=$root/build/windows/$2
@@ -155,13 +155,13 @@ DRIVE_SAMPLE=$(windows_path "$root/build/native/sample.run")
 VANTOR_COM1=$port
 export DRIVE_FOLDER DRIVE_PROGRAM DRIVE_SAMPLE VANTOR_COM1
 
-suffix=  # of the names of the pictures
+suffix=  # of the screenshot file names
 use_desktop() {
     DRIVE_RUN=$$-$1
     DRIVE_DESKTOP=$1
     export DRIVE_RUN DRIVE_DESKTOP
     desktop=drive-$DRIVE_RUN
-    # The resolution is read when the desktop is made.
+    # The resolution is read when the desktop is created.
     [ "${2:-96}" = "$dots" ] || set_resolution "${2:-96}"
     suffix=
     [ "$dots" = 96 ] || suffix=-${dots}dpi

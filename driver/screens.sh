@@ -1,6 +1,6 @@
 #!/bin/sh
-# Takes pictures of all stages of tsupdate.exe into build/screens: in both languages, at 96 dots
-# per inch and at 144. Needs build/windows and build/native.
+# Takes screenshots of all stages of tsupdate.exe into build/screens, in both languages, at 96 and
+# 144 dots per inch. Needs build/windows and build/native.
 set -eu
 root=$(cd "$(dirname "$0")/.." && pwd)
 . "$root/driver/drive.sh"

@@ -1,5 +1,5 @@
 #!/bin/sh
-# Runs a command with a display of its own, which nobody sees and which ends with it.
+# Runs a command on a virtual display (Xvfb) that ends with the command.
 #   with_display.sh COMMAND [ARGUMENT]...
 set -eu
 

@@ -1,11 +1,11 @@
-# Splits a guide that has become HTML into the topics of the help file, one for each chapter, and
-# writes their table of contents to standard output. The guide is read twice: for where its anchors
-# come to lie, and for the text. Wants -v language=xx -v folder=OUT; the guide as the
-# only two files. The list around the contents is the caller's.
+# Splits a guide converted to HTML into help topics, one per chapter, and writes their table of
+# contents to standard output. Pass the guide twice as the only files: the first pass collects the
+# anchors, the second writes the pages. Needs -v language=xx -v folder=OUT. The caller adds the
+# list element around the contents.
 
 BEGIN { depth = 1 }
 
-# Every heading has its anchor in a paragraph before it.
+# The anchor of each heading is in the paragraph before it.
 /^<p><a id="[^"]*"><\/a><\/p>$/ {
     split($0, parts, "\"")
     anchor = parts[2]
@@ -54,7 +54,7 @@ function end_topic() {
     close(page)
 }
 
-# The guide's own chapter holds all others.
+# Nests the contents by heading level; the title of the guide is the root.
 function list_heading() {
     while (depth < level) { print "<ul>"; ++depth }
     while (depth > level) { print "</ul>"; --depth }
@@ -63,7 +63,7 @@ function list_heading() {
         "\"></object>"
 }
 
-# Links within the guide lead from page to page, those to the other language to its first one.
+# Rewrites links: anchors of the guide to their pages, the other guide to its first page.
 function linked(text,   before, target) {
     before = ""
     while (match(text, /href="[^"]*"/)) {

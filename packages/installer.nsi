@@ -1,6 +1,6 @@
-; The installer: for all users of 64-bit Windows, in English and Spanish, silent with /S (and
-; /D=FOLDER as the last word). Settings are the user's and stay when the program is removed.
-; Wants /DVERSION=n.n.n, /DPROGRAMS=folder of the stripped programs, /DOUTPUT=file.
+; The installer for 64-bit Windows, all users, in English and Spanish; silent with /S (and
+; /D=FOLDER as the last argument). Uninstalling keeps the user's settings.
+; Needs /DVERSION=n.n.n, /DPROGRAMS=folder of the stripped programs, /DOUTPUT=file.
 Target amd64-unicode
 Unicode true
 !include MUI2.nsh
@@ -12,7 +12,7 @@ Unicode true
 Name "${NAME}"
 OutFile "${OUTPUT}"
 InstallDir "$PROGRAMFILES64\${NAME}"
-; A newer version goes where the older one is.
+; An upgrade installs into the existing folder.
 InstallDirRegKey HKLM "${UNINSTALL}" "InstallLocation"
 RequestExecutionLevel admin
 SetCompressor /SOLID lzma
@@ -27,7 +27,7 @@ BrandingText "${COMPANY}"
 !insertmacro MUI_PAGE_FINISH
 !insertmacro MUI_UNPAGE_CONFIRM
 !insertmacro MUI_UNPAGE_INSTFILES
-; The first is what every other language of the system gets.
+; The first language is the fallback for all other system languages.
 !insertmacro MUI_LANGUAGE "English"
 !insertmacro MUI_LANGUAGE "Spanish"
 LangString InUse ${LANG_ENGLISH} "${NAME} is running. Close it and try again."
@@ -40,8 +40,8 @@ VIAddVersionKey /LANG=${LANG_ENGLISH} "FileDescription" "${NAME} installer"
 VIAddVersionKey /LANG=${LANG_ENGLISH} "FileVersion" "${VERSION}"
 VIAddVersionKey /LANG=${LANG_ENGLISH} "LegalCopyright" "${COMPANY}"
 
-; A program that runs cannot be replaced, and one that flashes must not be disturbed: opening it
-; for writing tells both before anything is touched.
+; A running program cannot be replaced, and a running update must not be disturbed. Opening the
+; file for writing fails in both cases, before anything is changed.
 !macro StopWhenOpen PROGRAM
   IfFileExists "$INSTDIR\${PROGRAM}" 0 +8
   ClearErrors
@@ -86,7 +86,7 @@ Section Uninstall
   Delete "$INSTDIR\tsflash.exe"
   Delete "$INSTDIR\tswuhelp.chm"
   Delete "$INSTDIR\uninstall.exe"
-  ; Only when nothing else lies there.
+  ; Removes the folder only if it is empty.
   RMDir "$INSTDIR"
   Delete "$SMPROGRAMS\${NAME}.lnk"
   DeleteRegKey HKLM "${UNINSTALL}"

@@ -1,4 +1,4 @@
-// What holds after every session that has ended with the window still there.
+// Checks for the idle state after a session that has left the window open.
 #pragma once
 
 #include <string>
@@ -9,7 +9,7 @@
 
 namespace vantor {
 
-/// What of `window` and its platform a session has not put back; empty when all is.
+/// Lists the state of `window` and `platform` that a session has not restored; empty when none.
 inline std::string NotAtRest(frmMain& window, const HeadlessPlatform& platform) {
     std::string what;
     const auto require = [&what](bool holds, const char* name) {

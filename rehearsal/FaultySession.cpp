@@ -20,28 +20,28 @@ constexpr unsigned kMiddleLine = 8;
 constexpr unsigned kLateLine = 18;
 constexpr const char* kPath = "/home/tech/m40.run";
 
-// Stated limits, in milliseconds, each with the few pumps that noticing it may take.
+// Documented time-outs in milliseconds, plus the few message pumps until the program detects them.
 constexpr std::int32_t kSlack = 5;
 constexpr std::int32_t kReply = 20000 + kSlack;
 constexpr std::int32_t kSpeedChange = 4000 + kSlack;
 constexpr std::int32_t kVerdictLimit = 60000 + kSlack;
 constexpr std::uint32_t kLongestSession = 7'200'000;
 
-/// One send of the program and all that it read before the next.
+/// One send of the program and the bytes read before the next one.
 struct Exchange {
     std::string sent;
     std::int32_t at;
     std::string reply;
 };
 
-/// What was to be seen, worked out from the exchanges alone.
+/// The expected result, derived from the exchanges alone.
 struct Due {
     FlashOutcome outcome = FlashOutcome::None;
     Texts boxes;
     std::string wrongSend;
 };
 
-/// The program's end of the line: notes what goes through and where phases begin.
+/// Wraps the line at the program's end; records the traffic and detects phase starts.
 class Wiretap : public FarEnd {
 public:
     Wiretap(FarEnd& line, const Clock& clock, std::function<void(Phase)> begins)
@@ -60,7 +60,7 @@ public:
     void Receive(std::string_view bytes) override {
         exchanges.push_back({std::string(bytes), mClock.Ticks(), {}});
         if (const auto phase = PhaseOf(bytes)) mBegins(*phase);
-        // The phase may have begun with an unplugging.
+        // The start of the phase may have triggered an unplug fault.
         if (!mLine.HungUp()) mLine.Receive(bytes);
     }
     std::string Transmit() override {
@@ -97,7 +97,7 @@ private:
     std::function<void(Phase)> mBegins;
 };
 
-/// Follows the dialogue through the exchanges by its rules.
+/// Replays the protocol rules over the recorded exchanges.
 class Judge {
 public:
     Judge(const Wiretap& tap, bool endWanted) : mTap(tap), mEndWanted(endWanted) {}
@@ -144,8 +144,8 @@ private:
     Word TakeLine(const std::string& line) {
         for (int attempt = 1; attempt <= 4; ++attempt) {
             const Word word = Take(line);
-            // A device that has gone is sent nothing, which fails; a user who wants the end is
-            // obeyed before the next send.
+            // Nothing is sent to a lost device, and the line fails. An abort or close by the user
+            // takes effect before the next send.
             if (word == Word::NotSent)
                 return mTap.HungUp() && !mEndWanted ? Word::Failed : Word::NotSent;
             if (word != Word::Failed) return word;
@@ -180,7 +180,7 @@ private:
     Due mDue;
 };
 
-/// A window, an indicator, and the line between them.
+/// Main window, virtual indicator and faulty line of one run.
 class Course {
 public:
     explicit Course(const Plan& plan) : mPlan(plan) {
@@ -200,7 +200,7 @@ public:
     Verdict Run() {
         Verdict verdict = RunOnce();
         if (!verdict.gone && verdict.violation.empty()) {
-            // Power is cycled, the cable mended.
+            // New indicator and line, no faults.
             mPlan = {};
             const Verdict next = RunOnce();
             if (next.outcome != FlashOutcome::Done || !next.violation.empty())
@@ -292,7 +292,7 @@ private:
         mActs.push_back(*timer);
     }
 
-    /// Ends the wait that nothing but the user ends, and a session that does not end at all.
+    /// Ends the wait that only the user can end, and a session that exceeds the time limit.
     void Watch() {
         if (mWindow->Session().Outcome() == FlashOutcome::NothingAccepted) mWindow->Unload();
         if (mHeadless.clock.Milliseconds() < kLongestSession) return;
@@ -309,7 +309,7 @@ private:
         if (verdict.outcome != due.outcome)
             Violated("outcome " + OutcomeName(verdict.outcome) + ", due was " +
                      OutcomeName(due.outcome));
-        // A window that has gone takes its messages with it.
+        // A session whose window is gone shows no message boxes.
         if (mEndWanted && verdict.gone && !mWindow->Flags().mblnCloseRequested) due.boxes.clear();
         const Texts told = Told(mHeadless);
         if (told == due.boxes) return;
@@ -347,9 +347,9 @@ private:
             Violated("success without the whole image");
     }
 
-    /// A line can be lost without a trace when the indicator answers it with a verdict, which is
-    /// passed over, or when damage strikes the digit that its checksum does not cover. Only an
-    /// indicator that compares finds these.
+    /// A line can be lost undetected when the indicator replies to it with a verdict, which the
+    /// program ignores, or when corruption hits the record type, which the checksum does not
+    /// cover. Only an indicator that compares its memory detects these.
     bool LossUnseen() const {
         const auto answeredByVerdict = [](const Exchange& exchange) {
             return exchange.reply.find("DONE") != std::string::npos ||

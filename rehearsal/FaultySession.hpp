@@ -1,5 +1,5 @@
-// One flash session with things going wrong in it, on virtual time, and the judgement on it: what
-// the program did is compared with what it was sent, byte for byte. Chooses no faults itself.
+// Runs one flash session with given faults on virtual time and checks sends, message boxes and
+// outcome against the bytes that the program received. Does not choose the faults.
 #pragma once
 
 #include <array>
@@ -14,7 +14,7 @@
 
 namespace vantor {
 
-/// The phases of a session, each beginning just before its first byte is sent.
+/// The phases of a session. Each begins just before its first byte is sent.
 enum class Phase : std::uint8_t {
     Opening,
     WakeUp,
@@ -26,7 +26,7 @@ enum class Phase : std::uint8_t {
     MiddleLine,
     LateLine,  ///< one of the last eleven
     LastLine,
-    Verdict,  ///< the last line is acknowledged, the status window is up
+    Verdict,  ///< the last line is acknowledged, the status window is open
     Boot,
 };
 inline constexpr std::array<const char*, 12> kPhaseNames = {
@@ -38,12 +38,12 @@ std::string OutcomeName(FlashOutcome outcome);
 /// The user presses the abort button, or closes the window.
 struct UserAct {
     bool close = false;
-    std::uint32_t afterMs = 1;  ///< from the beginning of the phase; 1 or more
+    std::uint32_t afterMs = 1;  ///< since the start of the phase; 1 or more
 };
 
 struct Mishap {
     Phase phase = Phase::Opening;
-    /// A line fault's `byte` counts from the beginning of the phase.
+    /// `LineFault::byte` counts from the start of the phase.
     std::variant<LineFault, Fault, UserAct> what;
 };
 
@@ -51,18 +51,18 @@ struct Plan {
     std::vector<Mishap> mishaps;
     std::int64_t thinkUs = 0;
     std::int64_t writeFlashUs = 1'000'000;
-    bool compares = true;  ///< the indicator says DONE only when its memory is the image's
+    bool compares = true;  ///< the indicator sends DONE only when its memory equals the image
 };
 
 struct Verdict {
     FlashOutcome outcome = FlashOutcome::None;
     bool gone = false;        ///< the window was closed
     bool memoryWhole = true;  ///< the indicator holds exactly the image
-    std::string violation;    ///< empty when everything held
+    std::string violation;    ///< the rules broken, one per line; empty when none
 };
 
-/// Runs `plan` on a window of its own and then, when the window is still there, an undisturbed
-/// session, which must succeed.
+/// Runs `plan` on a new window. If the window is still open and no rule was broken, then runs a
+/// session without faults, which must succeed.
 Verdict RunSession(const Plan& plan);
 
 }  // namespace vantor

@@ -1,4 +1,4 @@
-// Small images: records of two bytes each, and an end record.
+// Small test images: data records of two bytes each, and an end record.
 #pragma once
 
 #include <array>
@@ -7,7 +7,7 @@
 
 namespace vantor {
 
-/// A record that writes two bytes at `index` times two.
+/// A record that writes two bytes at address 2 * `index`.
 inline std::string DataRecord(unsigned index) {
     const unsigned address = index * 2;
     const unsigned sum = 5 + (address >> 8) + (address & 0xffu) + 0xab + (index & 0xffu);

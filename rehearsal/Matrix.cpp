@@ -14,7 +14,7 @@ void AddLineFaults(std::vector<MatrixRow>& rows) {
     struct Way {
         const char* name;
         Direction direction;
-        std::size_t byte;  // one in the middle of a command, a record's length, or "OK"
+        std::size_t byte;  // in the middle of a command, in a record's length, or in "OK"
     };
     for (const Way& way : {Way{" to the indicator", Direction::ToDevice, 3},
                            Way{" to the program", Direction::ToHost, 1}})
@@ -25,7 +25,7 @@ void AddLineFaults(std::vector<MatrixRow>& rows) {
               Kind{"unplugged at once", Unplug, 0, 0}, Kind{"unplugged", Unplug, way.byte, 0}})
             rows.push_back({std::string(kind.name) + way.name,
                             LineFault{kind.kind, way.direction, kind.byte, kind.ms}});
-    // The digit behind the S, which makes a header of a line of data.
+    // The type digit after the S: an S1 data record becomes an S0 header.
     rows.push_back({"record type garbled", LineFault{Garble, Direction::ToDevice, 1}, true});
 }
 

@@ -1,4 +1,4 @@
-// The faults that are tried in every phase of a session.
+// The faults that the matrix test injects in every phase of a session.
 #pragma once
 
 #include <string>
@@ -9,13 +9,13 @@
 
 namespace vantor {
 
-/// A line fault strikes the first bytes of a phase. An indicator's fault arises with the phase
-/// and strikes what comes next of its kind: a line fault the next command or line of the image,
-/// a fault of a phase that is past nothing.
+/// A `LineFault` affects the first bytes of the phase. A `Fault` of the indicator is injected at
+/// the start of the phase: a line fault affects the next command or image line; a phase fault has
+/// no effect when its phase is over.
 struct MatrixRow {
     std::string name;
     std::variant<LineFault, Fault, UserAct> what;
-    /// A record's checksum does not cover the damage: only an indicator that compares finds it.
+    /// The record checksum does not cover the corruption: only a comparing indicator detects it.
     bool unseen = false;
 };
 

@@ -1,6 +1,6 @@
-// reliability SEED COUNT: the outcome of every fault in every phase, and the tally of COUNT
-// random sessions, as a page of text. Stops at the first session that breaks a rule, and says
-// which; status 1 then.
+// reliability SEED COUNT: writes the outcome of every fault in every phase and the tally of COUNT
+// random sessions as Markdown. Stops at the first session that breaks a rule, names it, and exits
+// with status 1.
 #include <cstdlib>
 #include <iostream>
 #include <map>

@@ -1,5 +1,5 @@
-// The platform of rehearsals and unit tests: headless, with a desktop, and with the error handler
-// installed, so that whatever the code under test reports stands in the recorded message boxes.
+// Headless platform with a desktop and the error handler installed, for fault sessions and unit
+// tests: errors that the code under test reports appear in the recorded message boxes.
 #pragma once
 
 #include <array>
@@ -33,7 +33,7 @@ struct ReportingPlatform : HeadlessPlatform {
 
 using Texts = std::vector<std::string>;
 
-/// The boxes shown on `platform`, "icon|title|text" each. Questions are left out.
+/// The message boxes shown on `platform`, "icon|title|text" each, without questions.
 inline Texts Told(const HeadlessPlatform& platform) {
     constexpr std::array kIcons = {"none|", "stop|", "?|", "!|", "i|"};
     Texts told;
@@ -44,21 +44,21 @@ inline Texts Told(const HeadlessPlatform& platform) {
     return told;
 }
 
-/// The box that reports `error` ("(13) Type mismatch") of `procedure`.
+/// The message box that reports `error` ("(13) Type mismatch") raised in `procedure`.
 inline std::string ReportBox(const std::string& procedure, const std::string& error) {
     return "stop|Tessmar Vantor Update|The following error has occurred in procedure: \r\n" +
            procedure + " on line 0\r\nError " + error;
 }
 
-/// The registry in its text form when the program's key `key` holds `values` and nothing else is
-/// there.
+/// The text form of a registry in which the program's key `key` holds `values` and nothing else
+/// exists.
 inline std::string RegistryWith(const std::string& key, const std::string& values) {
     return "REGEDIT4\n\n[HKEY_CURRENT_USER\\SOFTWARE\\Tessmar Instruments"
            "\\Tessmar Vantor Update\\" +
            key + "]\n" + values;
 }
 
-/// The error that `operation` raises; number 0 when it raises none.
+/// The error that `operation` raises; number 0 if none.
 inline RuntimeError Raised(const std::function<void()>& operation) {
     try {
         operation();

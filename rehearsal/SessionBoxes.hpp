@@ -1,4 +1,4 @@
-// The boxes of a flash session, as `Told` gives them.
+// The message boxes of a flash session, in the format of `Told`.
 #pragma once
 
 namespace vantor {

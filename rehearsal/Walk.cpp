@@ -5,7 +5,7 @@
 namespace vantor {
 namespace {
 
-/// The standard's distributions differ between libraries; its engines do not.
+/// Standard distributions differ between libraries; standard engines do not.
 class Dice {
 public:
     Dice(std::uint64_t seed, std::uint64_t number) : mEngine(seed * 0x9E3779B97F4A7C15u + number) {}
@@ -15,7 +15,7 @@ public:
         return static_cast<std::uint32_t>(mEngine() % sides);
     }
     bool Percent(std::uint32_t chance) { return Roll(100) < chance; }
-    /// Mostly a moment, sometimes around the limits of 20 s and 60 s.
+    /// Mostly up to 300 ms, sometimes around the time-outs of 20 s and 60 s.
     std::uint32_t Milliseconds() {
         switch (Roll(10)) {
             case 0:

@@ -1,4 +1,4 @@
-// Sessions with random faults: several in one, in any phase, with a user who may interfere.
+// Random fault plans: several faults per session, in any phase, with user aborts and closes.
 #pragma once
 
 #include <cstdint>
@@ -8,7 +8,7 @@
 
 namespace vantor {
 
-/// The plan of session `number` of the walk of `seed`: the same for the same two, anywhere.
+/// The plan of session `number` for `seed`; deterministic on every platform.
 Plan RandomPlan(std::uint64_t seed, std::uint64_t number);
 
 }  // namespace vantor

@@ -1,4 +1,4 @@
-// The dialogue's state machine.
+// State transitions and replies of the boot monitor.
 #include "simulator/BootMonitor.hpp"
 
 #include <algorithm>
@@ -99,7 +99,7 @@ Answer BootMonitor::TakeRecord(std::string_view line) {
         mPhase = Phase::Writing;
         return Answer::Ok;
     }
-    // What comes after the end is no part of the image any more.
+    // Records after the end record are not part of the image.
     if (mPhase == Phase::Writing) return Answer::Refused;
     if (record->IsData()) mMemory.Write(record->address, record->data);
     return Answer::Ok;

@@ -1,5 +1,5 @@
-// The boot monitor's side of the dialogue: which line it answers with what, what that does to
-// flash memory, and at which speed it listens. Has no notion of time, bytes or faults.
+// Protocol state machine of the boot monitor: the reply to each line, its effect on flash memory,
+// and the current line speed. Does not model time, single bytes or faults.
 #pragma once
 
 #include <cstdint>
@@ -12,40 +12,40 @@ namespace vantor {
 
 enum class Answer : std::uint8_t { None, Ok, Refused, Done, VerifyFailed };
 
-/// The answer as it goes out, CR LF included; empty for `None`.
+/// The reply as transmitted, CR LF included; empty for `None`.
 std::string_view AnswerText(Answer answer);
 
 class BootMonitor {
 public:
     enum class Phase : std::uint8_t {
-        Idle,      ///< nothing but TRAV is understood
-        Ready,     ///< after TRAV: BAUD and SYSLOAD are understood
+        Idle,      ///< accepts TRAV only
+        Ready,     ///< after TRAV: accepts BAUD and SYSLOAD too
         Image,     ///< after SYSLOAD: each line is a record
         Writing,   ///< after the end record, until `FinishWriting`
-        Verified,  ///< after the verdict "DONE": only BOOT is understood
+        Verified,  ///< after the verdict "DONE": accepts BOOT only
     };
 
-    /// Starts at `firstSpeed` bit/s. The verdict "DONE" requires memory equal to `expected`;
-    /// unset, any image that was ended.
+    /// Starts at `firstSpeed` bit/s. The verdict "DONE" requires memory equal to `expected`; if
+    /// unset, any image with an end record passes.
     BootMonitor(std::uint32_t firstSpeed, std::optional<FlashMemory> expected);
 
-    /// Acts on a line, given without its CR. A blank line is no command and gets no answer.
-    /// After an accepted BAUD `BitsPerSecond` is the new speed, while the answer is still due at
+    /// Processes a line, given without its CR. A blank line is ignored and gets no reply.
+    /// After an accepted BAUD `BitsPerSecond` returns the new speed; the caller sends the reply at
     /// the old one.
     Answer TakeLine(std::string_view line);
 
-    /// Ends `Writing` with the verdict: `Verified` after "DONE", `Ready` after "VERIFY FAILED",
-    /// which `fail` enforces.
+    /// Ends `Writing` with the verdict: `Verified` after "DONE", `Ready` after "VERIFY FAILED".
+    /// `fail` forces the latter.
     Answer FinishWriting(bool fail);
 
-    /// Starts anew: `Idle` at the first speed. Memory stays, as flash memory does.
+    /// Resets to `Idle` at the first speed. Flash memory keeps its contents.
     void PowerCycle();
 
     Phase CurrentPhase() const { return mPhase; }
     std::uint32_t BitsPerSecond() const { return mBitsPerSecond; }
-    /// BAUD was the last command heard: the host is expected back at the new speed.
+    /// True after an accepted BAUD until the next command: the host is to reopen at the new speed.
     bool AwaitsNewSpeed() const { return mAwaitsNewSpeed; }
-    /// A command came, whether or not it was passed to `TakeLine`.
+    /// Call for a command that is not passed to `TakeLine`.
     void HeardHost() { mAwaitsNewSpeed = false; }
     const FlashMemory& Memory() const { return mMemory; }
 

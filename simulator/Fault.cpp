@@ -1,4 +1,4 @@
-// The spelling of faults.
+// Parser for the command-line syntax of faults.
 #include "simulator/Fault.hpp"
 
 #include <algorithm>
@@ -56,8 +56,8 @@ std::int64_t Number(std::string_view digits, std::int64_t least, std::int64_t mo
     return value;
 }
 
-// Splits `text` at the first `mark`: takes off and returns what stands before it, and leaves what
-// follows in `rest`.
+// Splits `text` at the first `mark`: returns the part before it and puts the part after it into
+// `rest`, which is empty when there is no `mark`.
 std::string_view Before(std::string_view text, char mark, std::string_view& rest) {
     const std::size_t at = text.find(mark);
     rest = at == std::string_view::npos ? std::string_view{} : text.substr(at + 1);

@@ -1,5 +1,5 @@
-// A fault that the virtual indicator is asked to show, and its spelling on a command line. What
-// each fault does to the dialogue is the virtual indicator's business.
+// A fault to inject into the virtual indicator, and its command-line syntax. `VirtualIndicator`
+// implements the effects.
 #pragma once
 
 #include <cstddef>
@@ -9,43 +9,43 @@
 namespace vantor {
 
 enum class FaultKind : std::uint8_t {
-    // At one image line.
-    Nak,     ///< refused with "??", not taken
-    Silent,  ///< neither answered nor taken
+    // Line faults.
+    Nak,     ///< the line is refused with "??" and not processed
+    Silent,  ///< no reply; the line is not processed
     Late,    ///< acknowledged `lateMs` later than usual
-    Drop,    ///< one byte of the line is lost on the way in
-    Garble,  ///< one byte of the line is damaged on the way in
-    Noise,   ///< stray bytes before the answer, none of them part of a known word
-    Split,   ///< the answer in single bytes, 30 ms apart
-    Done,    ///< answered "DONE", but taken
-    Verify,  ///< answered "VERIFY FAILED", but taken
-    Hangup,  ///< the terminal closes when the line has arrived
-    // Of a whole phase.
-    NoTrav,        ///< TRAV is refused (or, `silent`, not answered)
+    Drop,    ///< one byte of the line is lost in transit
+    Garble,  ///< one byte of the line is corrupted in transit
+    Noise,   ///< stray bytes before the reply, none of them part of a reply word
+    Split,   ///< the reply in single bytes, 30 ms apart
+    Done,    ///< the reply is "DONE"; the line is processed
+    Verify,  ///< the reply is "VERIFY FAILED"; the line is processed
+    Hangup,  ///< the terminal hangs up when the line has arrived
+    // Phase faults.
+    NoTrav,        ///< TRAV is refused (with `silent`: no reply)
     NoBaud,        ///< BAUD likewise
     NoSysload,     ///< SYSLOAD likewise
-    VerifyFailed,  ///< the verdict is "VERIFY FAILED" whatever arrived
-    NoVerdict,     ///< no verdict comes
-    SplitVerdict,  ///< the verdict in pieces, 100 ms apart
+    VerifyFailed,  ///< the verdict is always "VERIFY FAILED"
+    NoVerdict,     ///< no verdict is sent
+    SplitVerdict,  ///< the verdict in chunks, 100 ms apart
 };
 
 struct Fault {
     FaultKind kind = FaultKind::Nak;
-    /// Line faults: which distinct image line of a session, from 0. A line equal to the one
-    /// received before it is a repeat of it, as the host sent both: damage on the way in does
-    /// not make them differ.
+    /// Line faults: index of the distinct image line in a session, from 0. A line equal to the
+    /// previous one is a retry of it. Lines are compared as sent by the host, before corruption
+    /// in transit.
     std::size_t line = 0;
-    /// Line faults: on how many arrivals of the line, 1 or more, counted over all sessions, so
-    /// that a session after a failed one can succeed.
+    /// Line faults: number of arrivals affected, 1 or more, counted over all sessions, so that a
+    /// session after a failed one can succeed.
     unsigned times = 1;
     std::int64_t lateMs = 0;  ///< `Late`: 1 to 3,600,000
-    bool silent = false;      ///< `NoTrav`, `NoBaud`, `NoSysload`: no answer instead of "??"
+    bool silent = false;      ///< `NoTrav`, `NoBaud`, `NoSysload`: no reply instead of "??"
 
     friend bool operator==(const Fault&, const Fault&) = default;
 };
 
-/// Reads `KIND@LINE[xTIMES]` for a line fault ("nak@7", "late=1500@12x2"), `KIND` for one of a
-/// phase ("no-verdict", "no-trav=silent"). The kinds: nak silent late=MS drop garble noise split
+/// Parses `KIND@LINE[xTIMES]` for a line fault ("nak@7", "late=1500@12x2"), `KIND` for a phase
+/// fault ("no-verdict", "no-trav=silent"). The kinds: nak silent late=MS drop garble noise split
 /// done verify hangup; no-trav no-baud no-sysload verify-failed no-verdict split-verdict.
 /// Throws std::invalid_argument with a sentence that names `text`.
 Fault ParseFault(std::string_view text);

@@ -1,4 +1,4 @@
-// Flash memory to and from the text of its records.
+// Conversion of flash memory to and from S-record text.
 #include "simulator/FlashMemory.hpp"
 
 #include <stdexcept>

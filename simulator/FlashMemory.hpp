@@ -1,5 +1,5 @@
-// The indicator's flash memory: the bytes that an image has put at its addresses, so that what
-// arrived can be compared with what was meant. Files are read and written by the caller.
+// Sparse model of the indicator's flash memory, for comparing the received image with the intended
+// one. Does no file I/O.
 #pragma once
 
 #include <cstddef>
@@ -11,21 +11,21 @@
 
 namespace vantor {
 
-/// Bytes by address; an address never written is not part of it, whatever it would hold.
+/// Bytes by address. Addresses never written have no value and do not take part in comparison.
 class FlashMemory {
 public:
-    /// The memory after all records of `text`, one a line with any line end; blank lines are
-    /// skipped. Throws std::invalid_argument, naming the line, for a line that is no record.
+    /// The memory after all records of `text`, one per line, ended by LF or CR LF; blank lines are
+    /// skipped. Throws std::invalid_argument with the line number for a line that is no record.
     static FlashMemory FromRecords(std::string_view text);
 
     /// Data records in ascending order, at most 16 bytes each, and an end record; lines end with
-    /// CR LF. `FromRecords` of it gives an equal memory.
+    /// CR LF. `FromRecords` of the result yields an equal memory.
     std::string ToRecords() const;
 
-    /// Puts `data` at `address` and up; addresses wrap at 32 bits.
+    /// Writes `data` from `address` upwards; addresses wrap at 32 bits.
     void Write(std::uint32_t address, std::span<const std::uint8_t> data);
     void Clear() { mBytes.clear(); }
-    /// Count of addresses written.
+    /// Number of addresses written.
     std::size_t Size() const { return mBytes.size(); }
 
     friend bool operator==(const FlashMemory&, const FlashMemory&) = default;

@@ -1,5 +1,5 @@
-// The receiving half of a USB adapter: it gathers what comes off the serial line and hands it to
-// the computer in packets. Knows no clock of its own.
+// Receive path of a USB serial adapter: buffers bytes from the line and delivers them to the
+// computer in packets. Has no clock; the caller passes the time.
 #pragma once
 
 #include <cstddef>
@@ -13,22 +13,22 @@ namespace vantor {
 
 class LatencyTimer {
 public:
-    /// Bytes that go on at once: a packet of 64 less the two with which the common chip opens it.
+    /// Payload that fills a packet: 64 bytes less the two status bytes of the common chip.
     static constexpr std::size_t kPacket = 62;
 
-    /// Bytes are held for `hold` from the first one that waits, unless a packet is full before.
+    /// The buffer is flushed `hold` after its first byte, or earlier when a packet is full.
     explicit LatencyTimer(Micros hold) : mHold(hold) {}
 
-    /// `bytes`, or none, have come off the line; returns what the computer gets by `now`.
+    /// Buffers `bytes` (may be empty) from the line; returns what the computer receives by `now`.
     std::string Pass(std::string_view bytes, Micros now);
-    /// When `Pass` will next return something without new bytes; none while nothing waits.
+    /// When `Pass` next returns bytes without new input; none while the buffer is empty.
     std::optional<Micros> NextDue() const;
-    /// The computer has closed the port: what waits is lost.
+    /// Discards the buffer, as a close of the port does.
     void Clear() { mHeld.clear(); }
 
 private:
     Micros mHold;
-    Micros mDue = 0;  // of what is held
+    Micros mDue = 0;  // flush time of `mHeld`, valid while it is not empty
     std::string mHeld;
 };
 

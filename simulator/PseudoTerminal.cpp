@@ -1,5 +1,5 @@
-// The pseudo-terminal of a Linux system, watched for opens and closes by inotify: the terminal
-// itself shows that it is closed, but not that it was for a moment.
+// Linux pseudo-terminal. inotify reports opens and closes of the slave: POLLHUP on the master shows
+// that the slave is closed, but not that it was closed and reopened.
 #include "simulator/PseudoTerminal.hpp"
 
 #include <fcntl.h>
@@ -42,7 +42,7 @@ constexpr std::array<std::pair<speed_t, std::uint32_t>, 15> kSpeeds{{
     {B921600, 921600},
 }};
 
-// The far end must be open to be set up on every system; it keeps its settings when closed.
+// Not every system configures a slave through its master. The slave keeps its settings when closed.
 void MakeRaw(const std::string& path) {
     const int slave = open(path.c_str(), O_RDWR | O_NOCTTY | O_CLOEXEC);
     if (slave < 0) Fail("The pseudo-terminal cannot be opened");
@@ -88,32 +88,32 @@ PseudoTerminal::~PseudoTerminal() {
 PseudoTerminal::State PseudoTerminal::Look() {
     State state{};
     short events = Gather(state);
-    // The last bytes may have come between the reading and the close: only a reading that began
-    // after the hang-up was seen, and found nothing, proves that there are none.
+    // Bytes may have arrived between the read and the close. Only an empty read that started
+    // after POLLHUP proves that none are left.
     if ((events & POLLHUP) != 0 && state.bytes.empty() && !state.reopened) events = Gather(state);
     const bool hangup = (events & POLLHUP) != 0;
     state.hostOpen = !hangup || !state.bytes.empty() || state.reopened;
     mLookAgain = hangup && state.hostOpen;
     Divide(state);
-    // With nothing left to read, every write told of so far is done with.
+    // With nothing left to read, the bytes of every IN_MODIFY so far have been read.
     if ((events & POLLIN) == 0) mWrote = false;
     return state;
 }
 
-// Reads bytes and then events, in this order: the event of a write comes after its bytes, but
-// before the close that follows, so the events tell on which side of it the bytes were written.
-// Returns what poll says after it: POLLIN, POLLHUP.
+// Reads bytes first, then events: IN_MODIFY arrives after its bytes but before the next IN_CLOSE,
+// so the events tell whether the bytes were written before or after the close.
+// Returns the poll events of the master afterwards: POLLIN, POLLHUP.
 short PseudoTerminal::Gather(State& state) {
     std::array<char, 4096> some{};
     for (;;) {
         const ssize_t count = read(mMaster, some.data(), some.size());
-        // EIO: the far end is closed and everything written before has been read.
+        // EIO: the slave is closed and everything written before has been read.
         if (count <= 0) break;
         state.bytes.append(some.data(), static_cast<std::size_t>(count));
     }
     ReadEvents(state);
     pollfd look{mMaster, POLLIN, 0};
-    // Asked with the waiting mask, so that a signal gets in even while bytes keep streaming.
+    // ppoll with the wait mask delivers a pending signal even while bytes keep streaming.
     const timespec now{};
     if (ppoll(&look, 1, &now, &mWaitMask) < 0) {
         if (errno != EINTR) Fail("The pseudo-terminal cannot be watched");
@@ -137,7 +137,7 @@ void PseudoTerminal::ReadEvents(State& state) {
     }
 }
 
-// A close is told before the terminal shows it, and so says nothing before an open follows.
+// IN_CLOSE arrives before POLLHUP is set, so a close alone is not acted on until an open follows.
 void PseudoTerminal::TakeEvent(std::uint32_t mask, State& state) {
     if ((mask & IN_MODIFY) != 0) mWrote = true;
     if ((mask & IN_CLOSE) != 0) {
@@ -152,8 +152,8 @@ void PseudoTerminal::TakeEvent(std::uint32_t mask, State& state) {
     }
 }
 
-// Tells the bytes before a close from those after the next open. Where a host wrote on both
-// sides, the first line is what it wrote before: it waits for an answer to every line except the
+// Separates the bytes before a close from those after the next open. If a host wrote on both
+// sides, the first line is what it wrote before: a host waits for a reply to every line except the
 // last one of a session.
 void PseudoTerminal::Divide(State& state) const {
     if (!state.reopened || !mWroteBefore) return;
@@ -168,7 +168,7 @@ void PseudoTerminal::Wait(std::optional<std::chrono::microseconds> atMost) const
     std::array<pollfd, 2> wait{{{mEvents, POLLIN, 0}, {mMaster, POLLIN, 0}}};
     if (poll(&wait[1], 1, 0) < 0) Fail("The pseudo-terminal cannot be waited for");
     if ((wait[1].revents & POLLIN) != 0) return;
-    // Without a host the terminal reports a hang-up at once and always; then only an open counts.
+    // Without a host POLLHUP is always set and would make ppoll return at once: watch inotify only.
     const nfds_t watched = (wait[1].revents & POLLHUP) != 0 ? 1 : 2;
     timespec limit{};
     if (atMost) {

@@ -1,5 +1,5 @@
-// The near end of a pseudo-terminal whose far end a host program opens like a serial port. Moves
-// bytes and tells whether somebody has the far end open; says nothing on what they mean.
+// Master side of a pseudo-terminal; a host program opens the slave side like a serial port. Moves
+// bytes and reports opens and closes of the slave; does not interpret the bytes.
 #pragma once
 
 #include <chrono>
@@ -13,40 +13,40 @@
 
 namespace vantor {
 
-/// Used from one thread. Blocks SIGTERM and SIGINT except within `Wait`, so that a handler for
-/// them runs only there and a signal cannot slip in between a check and the wait after it.
-/// Failures of the system throw std::system_error.
+/// Used from one thread. Blocks SIGTERM and SIGINT except within `Look` and `Wait`. No signal is
+/// lost between the caller's check of its flag and the wait that follows.
+/// Failed system calls throw std::system_error.
 class PseudoTerminal {
 public:
-    /// Opens the terminal, raw from the start: nothing is echoed or translated even before the
-    /// first host has set it up.
+    /// Opens the terminal in raw mode: no echo or translation even before the first host
+    /// configures it.
     PseudoTerminal();
     ~PseudoTerminal();
     PseudoTerminal(const PseudoTerminal&) = delete;
     PseudoTerminal& operator=(const PseudoTerminal&) = delete;
 
-    /// What a host opens.
+    /// Path of the slave device.
     const std::string& Path() const { return mPath; }
 
-    /// What has befallen the far end since the last look.
+    /// Events on the slave side since the last call of `Look`.
     struct State {
         bool reopened;            ///< it was closed and opened again
-        std::string bytesBefore;  ///< `reopened`: what a host wrote before the close
-        std::string bytes;        ///< what a host wrote (after it); it may have closed since
-        bool hostOpen;            ///< somebody has it open, or had until a moment ago: see `Wait`
+        std::string bytesBefore;  ///< `reopened`: bytes written before the close
+        std::string bytes;        ///< bytes written (after the reopen); a close may have followed
+        bool hostOpen;            ///< the slave is open, or its close is not reported yet
     };
-    /// Never waits. A close is shown only when everything written before it has been given.
+    /// Does not block. A close is reported only after every byte written before it.
     State Look();
-    /// Returns when another look is worth while - a host has opened, written or closed -, at a
-    /// signal, or after `atMost`; without a limit when unset.
+    /// Blocks until a host opens, writes or closes, until a signal, or for `atMost` (unset: no
+    /// limit). Returns at once when the last `Look` has left a close unreported.
     void Wait(std::optional<std::chrono::microseconds> atMost) const;
 
-    /// Hands `bytes` to the host. What a host that does not read leaves no room for is lost.
+    /// Sends `bytes` to the host. Bytes that do not fit its input buffer are lost.
     void Write(std::string_view bytes);
     /// The host's line parameters. A pseudo-terminal keeps speed and stop bits as the host set
     /// them, but always reports 8 data bits without parity.
     LineSettings Line() const;
-    /// Closes for good: the host sees its device gone. No other operation is allowed after it.
+    /// Closes the master; the host sees a hang-up. No other operation is allowed afterwards.
     void Close();
 
 private:
@@ -56,12 +56,12 @@ private:
     void Divide(State& state) const;
 
     int mMaster = -1;
-    int mEvents = -1;           // what befalls the far end
-    int mOpenCount = 0;         // by these events
-    bool mWasEmptied = false;   // the last close left nobody
-    bool mWrote = false;        // a host wrote what may not have been read yet
-    bool mWroteBefore = false;  // so it was at the last close that an open followed
-    bool mLookAgain = false;    // the last look saw bytes and a close
+    int mEvents = -1;           // inotify descriptor watching the slave
+    int mOpenCount = 0;         // open slave descriptors, counted from the events
+    bool mWasEmptied = false;   // the last close brought the count to 0
+    bool mWrote = false;        // a host wrote bytes that may still be unread
+    bool mWroteBefore = false;  // `mWrote` at the last reopen
+    bool mLookAgain = false;    // the last `Look` left a close unreported
     std::string mPath;
     sigset_t mWaitMask{};
 };

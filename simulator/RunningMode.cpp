@@ -76,7 +76,7 @@ std::string RunningMode::Set(std::string_view name, const std::string& value) {
     struct Setting {
         std::string_view name;
         std::string RunningMode::*member;
-        std::string_view allowed;  // texts between blanks; empty for any
+        std::string_view allowed;  // values delimited by blanks; empty for any
     };
     constexpr std::array kSettings = {
         Setting{"UNITS", &RunningMode::mUnits, " kg g lb "},

@@ -1,5 +1,5 @@
-// The indicator as it weighs: what it answers to a person who types commands at it. For practice;
-// the figures are made up, and it knows nothing of firmware.
+// The indicator in running mode: replies to commands typed in a terminal. For practice: the weights
+// are made up. Firmware loading is not part of it.
 #pragma once
 
 #include <string>
@@ -7,11 +7,11 @@
 
 namespace vantor {
 
-/// Echoes what it receives, as a terminal's user expects, and answers each line that CR ends.
-/// Backspace takes the last character back; LF is passed over.
+/// Echoes what it receives and replies to each line ended by CR. Backspace deletes the last
+/// character; LF is ignored.
 class RunningMode {
 public:
-    /// Takes bytes in any portions; returns what goes out for them.
+    /// Takes bytes in chunks of any size; returns the bytes to transmit.
     std::string Receive(std::string_view bytes);
 
 private:

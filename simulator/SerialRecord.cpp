@@ -52,7 +52,7 @@ std::optional<SerialRecord> SerialRecord::Parse(std::string_view line) {
     const auto bytes = HexBytes(line.substr(kTypeLength));
     if (!bytes || bytes->size() < 1 + addressBytes + 1) return std::nullopt;
     if (bytes->front() != bytes->size() - 1) return std::nullopt;
-    // The checksum is the complement of the sum before it, so that everything adds up to 0xFF.
+    // The checksum is the one's complement of the sum of the other bytes: the total is 0xFF.
     unsigned sum = 0;
     for (const std::uint8_t byte : *bytes) sum += byte;
     if ((sum & 0xFF) != 0xFF) return std::nullopt;

@@ -1,5 +1,5 @@
-// One line of a firmware image as the indicator's monitor reads it: type, address, data and
-// checksum in hexadecimal. Knows nothing of line ends, files or the dialogue around it.
+// One S-record of a firmware image: type, address, data and checksum in hexadecimal. Does not
+// handle line ends, files or the protocol.
 #pragma once
 
 #include <cstdint>
@@ -20,12 +20,12 @@ struct SerialRecord {
     bool IsData() const { return type >= '1' && type <= '3'; }
     bool IsEnd() const { return type >= '7'; }
 
-    /// The record that `line` (without its line end) spells; hexadecimal digits of either case.
+    /// Parses `line`, given without its line end; hexadecimal digits of either case.
     /// None when the type, the length, a digit or the checksum is wrong.
     static std::optional<SerialRecord> Parse(std::string_view line);
 
-    /// The line of this record, without a line end, in capital digits. The data must leave room
-    /// for address and checksum in a count of 255, and the address must fit the type.
+    /// The line of this record, without a line end, in upper-case digits. Address, data and
+    /// checksum must fit a byte count of 255, and the address must fit the type.
     std::string Format() const;
 };
 

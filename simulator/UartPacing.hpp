@@ -1,5 +1,5 @@
-// When characters have passed one direction of an asynchronous line, one after the other. Only
-// arithmetic: it holds no bytes and knows no clock.
+// Computes when characters leave one direction of an asynchronous serial line. Holds no bytes and
+// has no clock.
 #pragma once
 
 #include <algorithm>
@@ -9,16 +9,16 @@
 namespace vantor {
 
 using Nanos = std::int64_t;   ///< nanoseconds on the caller's clock
-using Micros = std::int64_t;  ///< microseconds on the caller's clock, never going back
+using Micros = std::int64_t;  ///< microseconds on the caller's clock, monotonic
 
 class UartPacing {
 public:
-    /// The next character of `bits` bits at `bitsPerSecond`, ready to go at `ready`, has passed
-    /// at the returned time: one character time after `ready` or after the character before,
-    /// whichever is later. An idle line earns no credit. 0 bits: characters take no time.
+    /// Returns the time at which the next character, of `bits` bits at `bitsPerSecond` and ready
+    /// at `ready`, is complete: one character time after `ready` or after the previous character,
+    /// whichever is later. Idle time is not credited. 0 bits: characters take no time.
     ///
-    /// A run without a pause is counted from its start and rounded up once: at 115200 bit/s a
-    /// character is no whole number of nanoseconds, and adding rounded ones would drift.
+    /// A burst is timed from its start and rounded up once: at 115200 bit/s the character time is
+    /// not a whole number of nanoseconds, and summing rounded times would drift.
     Nanos Next(Nanos ready, std::uint32_t bits, std::uint32_t bitsPerSecond) {
         if (ready > mEnd || bits != mBits || bitsPerSecond != mBitsPerSecond) {
             mRunStart = std::max(ready, mEnd);

@@ -1,4 +1,4 @@
-// The time, the pacing and the faults around the boot monitor's dialogue.
+// Timing, UART pacing and fault injection around the boot monitor.
 #include "simulator/VirtualIndicator.hpp"
 
 #include <algorithm>
@@ -14,9 +14,9 @@ constexpr Nanos kReopenGrace = 10'000 * kNanosPerMilli;
 constexpr Nanos kSplitGap = 30 * kNanosPerMilli;
 constexpr Nanos kVerdictGap = 100 * kNanosPerMilli;
 constexpr std::size_t kVerdictPiece = 3;
-// Longer than any record; what a host sends without end must not fill the memory.
+// Longer than any record; bounds the buffer when a host never sends CR.
 constexpr std::size_t kLongestLine = 1024;
-// Stray bytes as a poor line gives them. No '?', for half of a refusal would complete one.
+// Stray bytes of a noisy line. No '?': next to half of a "??" it would complete a refusal.
 constexpr std::string_view kNoise = "~\x15#\xF1 \x80|";
 
 Nanos ToNanos(Micros micros) {
@@ -29,7 +29,7 @@ bool IsBlank(std::string_view line) {
 
 }  // namespace
 
-// What the faults make of one arrival of an image line.
+// The combined faults for one arrival of a line.
 struct VirtualIndicator::LineFaults {
     bool hangup = false;
     bool silent = false;
@@ -42,8 +42,8 @@ struct VirtualIndicator::LineFaults {
     std::optional<Answer> instead;
 
     void Add(const Fault& fault);
-    // The line as it comes out of the wire. Both kinds of damage strike the middle, where every
-    // record has digits: one less, or one changed, and the monitor's checks must notice.
+    // The line as received. Both kinds of corruption hit the middle, where every record has
+    // digits: a missing or changed digit must fail the monitor's checks.
     std::string Damaged(std::string line) const;
 };
 
@@ -97,7 +97,7 @@ VirtualIndicator::VirtualIndicator(IndicatorOptions options)
 
 void VirtualIndicator::HostLine(const LineSettings& line, Micros now) {
     Advance(ToNanos(now));
-    if (!mHostOpen) TakeDue(ToNanos(now));  // said to a closed port, hence lost
+    if (!mHostOpen) TakeDue(ToNanos(now));  // sent to a closed port, hence lost
     mHostLine = line;
     mHostOpen = true;
     mReopenBy.reset();
@@ -142,7 +142,7 @@ std::optional<Micros> VirtualIndicator::NextDue() const {
     const auto consider = [&](Nanos at) { next = next ? std::min(*next, at) : at; };
     if (mReopenBy) consider(*mReopenBy);
     if (!mOutgoing.empty()) consider(mOutgoing.front().at);
-    // Bytes within a line change nothing that can be seen: a caller may sleep until its end.
+    // Bytes within a line have no visible effect: the caller may sleep until the line end.
     const auto acted = std::find_if(mIncoming.begin(), mIncoming.end(), [](const Incoming& i) {
         return i.closed || i.byte == '\r' || i.byte == '\n';
     });
@@ -151,7 +151,7 @@ std::optional<Micros> VirtualIndicator::NextDue() const {
     return (*next + kNanosPerMicro - 1) / kNanosPerMicro;
 }
 
-// Lets everything happen that is due by `now`, in the order of its time.
+// Processes all events due by `now` in time order.
 void VirtualIndicator::Advance(Nanos now) {
     for (;;) {
         const auto due = [&](const std::optional<Nanos>& at) {
@@ -179,8 +179,8 @@ void VirtualIndicator::Hear(const Incoming& incoming) {
     const char byte = incoming.byte;
     const bool rightSpeed = incoming.bitsPerSecond == mMonitor.BitsPerSecond();
     if (!rightSpeed || (byte != ' ' && byte != '\r')) BeginSession();
-    // Before the speed: behind BOOT it comes at a speed that is in force no more, and the line
-    // feed is what the host did wrong.
+    // Tested before the speed: a line feed after BOOT arrives at a speed no longer in force, but
+    // the violation to report is the line feed.
     if (byte == '\n') {
         if (!std::exchange(mLineFeedNoted, true)) {
             mViolations.emplace_back("The host sent a line feed; a line ends with a single CR.");
@@ -206,7 +206,7 @@ void VirtualIndicator::TakeLine(const std::string& line, Nanos at) {
         mViolations.push_back("After the verdict DONE the host sent \"" + line +
                               "\" instead of BOOT.");
     }
-    if (IsBlank(line)) return;  // nothing answers it, so nothing can go wrong with it
+    if (IsBlank(line)) return;  // gets no reply, so no fault applies to it
     if (phase == Phase::Image || phase == Phase::Writing) {
         TakeImageLine(line, at);
     } else {
@@ -220,7 +220,7 @@ void VirtualIndicator::TakeCommand(const std::string& line, Nanos at) {
     LineFaults faults;
     AddArisen(faults);
     if (faults.hangup) return HangUp();
-    // BAUD is answered at the speed before it.
+    // The reply to BAUD goes out at the old speed.
     const std::uint32_t speed = mMonitor.BitsPerSecond();
     const Nanos ready = at + ToNanos(mOptions.think);
     if (const Fault* const refusal = RefusalOf(line)) {
@@ -247,8 +247,8 @@ void VirtualIndicator::TakeImageLine(const std::string& line, Nanos at) {
     const Answer answer = AnswerTo(line, faults);
     const Nanos ready = at + ToNanos(mOptions.think);
     const Nanos said = Say(faults, answer, ready, mMonitor.BitsPerSecond());
-    // Writing begins when the acknowledgement is out, so that a late one cannot be overtaken by
-    // the verdict.
+    // Writing begins when the acknowledgement is out, so that the verdict cannot overtake a late
+    // one.
     if (imageOpen && mMonitor.CurrentPhase() == Phase::Writing) {
         mVerdictAt = said + ToNanos(mOptions.writeFlash);
     }
@@ -302,7 +302,7 @@ Nanos VirtualIndicator::Say(const LineFaults& faults, Answer answer, Nanos ready
     return Say(text, ready + faults.late, speed, faults.delivery);
 }
 
-// Queues `text` to begin at `ready`, behind what is still to be said. Returns when it is out.
+// Queues `text` from `ready` on, after pending output. Returns the time of its last byte.
 Nanos VirtualIndicator::Say(std::string_view text, Nanos ready, std::uint32_t speed,
                             Delivery delivery) {
     Nanos out = ready;
@@ -372,7 +372,7 @@ void VirtualIndicator::NoteWrongSpeed(std::uint32_t bitsPerSecond) {
                           std::to_string(mMonitor.BitsPerSecond()) + " bit/s.");
 }
 
-// 0, which takes no time, when the line is not paced.
+// 0 (no time) when the line is not paced.
 std::uint32_t VirtualIndicator::CharacterBits(std::uint32_t bitsPerSecond) const {
     return mOptions.paced && bitsPerSecond != 0 ? BitsPerCharacter(mHostLine) : 0;
 }

@@ -1,6 +1,6 @@
-// The virtual indicator as seen from its serial line: the boot monitor's answers in time, as a
-// UART would pace them, with faults on request. Knows no clock of its own: the caller says what
-// time it is, so that it serves real terminals and tests on virtual time alike.
+// The virtual indicator at its serial line: the boot monitor with UART timing and fault injection.
+// Has no clock: the caller passes the time, so it works on real terminals and in tests on virtual
+// time.
 #pragma once
 
 #include <cstddef>
@@ -21,56 +21,54 @@ namespace vantor {
 
 struct IndicatorOptions {
     std::uint32_t bitsPerSecond = 38400;  ///< speed of the boot monitor after power-up
-    bool paced = false;                   ///< both directions take the time of a UART
-    Micros think = 0;                     ///< before each acknowledgement
-    Micros writeFlash = 1'000'000;        ///< between the end's acknowledgement and the verdict
+    bool paced = false;                   ///< bytes take UART time in both directions
+    Micros think = 0;                     ///< delay before each acknowledgement
+    Micros writeFlash = 1'000'000;        ///< from the end record's acknowledgement to the verdict
     std::vector<Fault> faults;
-    std::optional<FlashMemory> expected;  ///< what "DONE" requires; unset: any complete image
+    std::optional<FlashMemory> expected;  ///< required for "DONE"; unset: any complete image
 };
 
-/// Used from one thread. A session begins with the first byte of the host that is not part of a
-/// wake-up (blank, CR) or comes at a wrong speed; it ends with BOOT or when the host closes.
+/// Used from one thread. A session begins with the first byte that is not part of a wake-up
+/// (blank, CR) or arrives at a wrong speed. It ends with BOOT or when the host closes.
 class VirtualIndicator {
 public:
     explicit VirtualIndicator(IndicatorOptions options);
     VirtualIndicator(const VirtualIndicator&) = delete;
     VirtualIndicator& operator=(const VirtualIndicator&) = delete;
 
-    /// The host has opened its end, or uses other line parameters from now on. Must come before
-    /// the first `Receive`.
+    /// The host has opened the port or changed its line parameters. Required before the first
+    /// `Receive`.
     void HostLine(const LineSettings& line, Micros now);
-    /// The host has closed its end; what the indicator says until the next `HostLine` is lost.
-    /// This stands for a power cycle: the monitor starts anew at its first speed, its memory
-    /// kept until the next SYSLOAD. Not after BAUD, where the host reopens at the new speed:
-    /// there only when it has not reopened within 10 s. Paced bytes still on their way in arrive
-    /// first, so that BOOT and an immediate close is a good end.
+    /// The host has closed the port. Bytes transmitted until the next `HostLine` are lost.
+    /// A close counts as a power cycle: the monitor restarts at its first speed and keeps its
+    /// memory until the next SYSLOAD. After BAUD, when the host reopens at the new speed, this
+    /// happens only if it has not reopened within 10 s. Paced bytes in transit arrive first, so
+    /// that BOOT followed by an immediate close ends the session well.
     void HostClosed(Micros now);
 
-    /// Bytes that the host has put on the line, at the speed that `HostLine` last gave.
+    /// The host has sent `bytes`, at the speed of the last `HostLine`.
     void Receive(std::string_view bytes, Micros now);
-    /// Bytes that have come out of the indicator by `now`, each given once.
+    /// Returns the bytes transmitted by `now` and not yet returned.
     std::string Transmit(Micros now);
-    /// When `Transmit` will next have something, or the state changes by itself; none if never.
-    /// May lie in the past when neither was called for a while.
+    /// When `Transmit` next has bytes or the state changes without input; none if never.
+    /// May lie in the past.
     std::optional<Micros> NextDue() const;
 
-    /// A fault arises while the indicator runs. One of a line strikes the next line that comes,
-    /// command or image line (its `line` is not asked), and the following ones up to `times`;
-    /// one of a phase holds from now on.
+    /// Injects a fault at run time. A line fault affects the next `times` lines, commands or
+    /// image lines (`fault.line` is ignored); a phase fault applies from now on.
     void Arise(const Fault& fault);
 
-    /// A "hangup" fault has closed the terminal; nothing is heard or said any more.
+    /// A "hangup" fault has closed the terminal; no more input or output.
     bool HungUp() const { return mHungUp; }
-    /// A whole image was taken, the verdict was "DONE", and BOOT came. Of the last session;
-    /// false again when the next one begins, like `SessionOver`.
+    /// The last session took a whole image, the verdict was "DONE", and BOOT came. Reset when the
+    /// next session begins, like `SessionOver`.
     bool Booted() const { return mBooted; }
-    /// A session has begun and ended, well or badly.
+    /// A session has begun and ended, successfully or not.
     bool SessionOver() const { return mSessionOver; }
-    /// Verdicts given so far, in all sessions.
+    /// Number of verdicts in all sessions.
     unsigned Verdicts() const { return mVerdicts; }
-    /// Flash memory as it stands.
     const FlashMemory& Memory() const { return mMonitor.Memory(); }
-    /// What the host did against the dialogue, a sentence each, in all sessions.
+    /// Protocol violations of the host in all sessions, one sentence each.
     const std::vector<std::string>& Violations() const { return mViolations; }
 
 private:
@@ -78,13 +76,13 @@ private:
         Nanos at;
         char byte;
         std::uint32_t bitsPerSecond;
-        bool closed;  // the host's close stands in the queue behind its bytes
+        bool closed;  // the host's close, queued behind its bytes
     };
     struct Outgoing {
         Nanos at;
         char byte;
     };
-    struct Delivery {  // how an answer goes out: pieces of so many bytes, so far apart
+    struct Delivery {  // a reply in chunks of `piece` bytes, `gap` apart
         std::size_t piece = 1;
         Nanos gap = 0;
     };
@@ -124,11 +122,11 @@ private:
     std::optional<Nanos> mVerdictAt;
     std::optional<Nanos> mReopenBy;
 
-    std::string mLine;                     // what arrived since the last CR
-    std::optional<std::string> mPrevious;  // the image line before, as the host sent it
+    std::string mLine;                     // bytes since the last CR
+    std::optional<std::string> mPrevious;  // the previous image line, as the host sent it
     std::size_t mLineNumber = 0;           // of `mPrevious`, among distinct lines
-    std::vector<unsigned> mFaultUses;      // arrivals spent, by index of `mOptions.faults`
-    std::vector<Fault> mArisen;            // of lines, `times` counted down
+    std::vector<unsigned> mFaultUses;      // arrivals affected, by index of `mOptions.faults`
+    std::vector<Fault> mArisen;            // line faults injected at run time; `times` counts down
 
     bool mSessionBegun = false;
     bool mSessionOver = false;

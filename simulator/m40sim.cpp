@@ -1,5 +1,5 @@
-// The virtual indicator as a program: it serves on a pseudo-terminal what a host would find on a
-// serial port with an M40 in its boot monitor. Options and time only; the behaviour is the model's.
+// m40sim serves the virtual indicator on a pseudo-terminal: options, event loop and real time.
+// `VirtualIndicator` and `RunningMode` implement the behaviour.
 #include <algorithm>
 #include <array>
 #include <charconv>
@@ -34,12 +34,12 @@ namespace {
 namespace fs = std::filesystem;
 
 constexpr Micros kMicrosPerMilli = 1'000;
-// The last stretch before a due byte is spun: waking up from a sleep is that uncertain.
+// Busy-wait before a due byte: the wake-up from a sleep is that inaccurate.
 constexpr Micros kSpin = 200;
-// After a byte the next one is polled for so long without sleeping, so that the time to wake up
-// is not charged to a host that streams.
+// Busy-wait for the next byte after each byte, so that the wake-up time does not slow down a host
+// that streams.
 constexpr Micros kAttentive = 500;
-// How long a host may keep the terminal open after BOOT until `--once` ends all the same.
+// How long `--once` waits for the host to close after BOOT.
 constexpr Micros kFarewell = 2'000'000;
 
 constexpr std::string_view kHelp =
@@ -168,7 +168,7 @@ Options ParseOptions(std::span<char* const> arguments) {
     return options;
 }
 
-// A symbolic link that lasts as long as the program serves.
+// A symbolic link removed by the destructor.
 class Link {
 public:
     Link(fs::path path, const fs::path& target) : mPath(std::move(path)), mTarget(target) {
@@ -177,7 +177,7 @@ public:
     }
     ~Link() {
         std::error_code ignored;
-        // Another simulator may have taken the name over.
+        // Another simulator may have replaced the link.
         if (fs::read_symlink(mPath, ignored) == mTarget) fs::remove(mPath, ignored);
     }
     Link(const Link&) = delete;
@@ -209,7 +209,7 @@ std::string Readable(std::string_view bytes) {
     return text;
 }
 
-// What passed when, for people. Does nothing when no file is asked for.
+// Human-readable log of the traffic with times. Does nothing without a path.
 class Transcript {
 public:
     explicit Transcript(const std::optional<fs::path>& path) {
@@ -243,7 +243,7 @@ public:
         if (mOptions.link) mLink.emplace(*mOptions.link, mTerminal.Path());
     }
 
-    // Serves until its end; returns the exit status.
+    // Serves until a signal, a hang-up or the end of `--once`; returns the exit status.
     int Run();
 
 private:
@@ -362,13 +362,13 @@ void Server::Pause() {
     if (const std::optional<Micros> held = mAdapter.NextDue())
         due = due ? std::min(*due, *held) : held;
     const bool dueSoon = due && *due - now <= kSpin;
-    // Unpaced there is nothing to be exact about, and a sleeping server leaves the processor to
-    // the system's carrying of the bytes.
+    // Unpaced output needs no exact timing, and sleeping leaves the CPU to the kernel thread that
+    // moves the bytes.
     const bool attentive =
         mOptions.indicator.paced && !due && mHostOpen && now - mLastByte < kAttentive;
     if (dueSoon || attentive) {
-        // The system's own thread that carries bytes between the two ends may need this very
-        // processor; without it nothing would arrive however fast this loop spins.
+        // The kernel thread that moves bytes between master and slave may need this CPU; without
+        // the yield no bytes would arrive.
         std::this_thread::yield();
     } else if (due) {
         mTerminal.Wait(std::chrono::microseconds(*due - now - kSpin));
@@ -385,7 +385,7 @@ bool Server::Finished() {
         mOverSince.reset();
         return false;
     }
-    // The host is given time to close first, lest it finds its port gone while it still sends.
+    // Let the host close first; otherwise it may see a hang-up while it still sends.
     if (!mOverSince) mOverSince = Now();
     return !mHostOpen || Now() - *mOverSince >= kFarewell;
 }
@@ -406,7 +406,7 @@ int Server::Status() const {
     return 0;
 }
 
-// The running mode on a terminal of its own, until a signal ends it.
+// Serves the running mode on a pseudo-terminal until SIGTERM or SIGINT.
 int ServeRunningMode(const Options& options) {
     PseudoTerminal terminal;
     std::optional<Link> link;

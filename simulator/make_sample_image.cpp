@@ -1,5 +1,5 @@
-// Writes a firmware image of the size of a real one, with made-up contents that are the same at
-// every run. It is for tests and demonstrations; no indicator would start it.
+// Writes a firmware image of realistic size with deterministic, made-up contents. For tests and
+// demonstrations; no indicator would start it.
 #include <cstdint>
 #include <fstream>
 #include <iostream>
@@ -12,7 +12,7 @@
 namespace vantor {
 namespace {
 
-constexpr std::uint32_t kBytesPerRecord = 16;  // 44 characters a line in an S2 record
+constexpr std::uint32_t kBytesPerRecord = 16;  // an S2 record of 44 characters
 constexpr std::string_view kTitle = "VANTOR M40 SAMPLE";
 
 struct Range {
@@ -20,15 +20,15 @@ struct Range {
     std::uint32_t end;
 };
 
-// Vectors, program and tables with gaps between them, as a linker would leave: 3,399 data
-// records, one of them across a bank's end at 0x10000.
+// Vectors, program and tables with gaps between them, as a linker leaves: 3,399 data records, one
+// of them across the bank boundary at 0x10000.
 constexpr Range kRanges[] = {
     {0x00'1000, 0x00'1400},
     {0x00'4008, 0x00'8008},
     {0x00'F008, 0x01'8078},
 };
 
-// A mixing of the address, so that no record equals another and every byte has its own place.
+// Hash of the address: no two records are equal, and a misplaced byte is detectable.
 std::uint8_t ByteAt(std::uint32_t address) {
     std::uint32_t x = address * 0x9E37'79B1U;
     x ^= x >> 15;

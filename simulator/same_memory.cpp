@@ -1,4 +1,4 @@
-// Compares two images by what they put into flash memory, whatever their records look like.
+// Compares two images by their flash memory contents, regardless of how records are split.
 #include <exception>
 #include <fstream>
 #include <iostream>

@@ -1,5 +1,5 @@
-// tsupdate.exe, each number a ratio against something measured in the same run. A measurement
-// fails only when there is nothing to measure.
+// Benchmarks of tsupdate.exe, each against a reference measured in the same run. Has no pass
+// threshold: the exit status is 1 only when something could not be measured.
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
@@ -16,8 +16,8 @@ namespace {
 
 using namespace driver;
 
-/// From the first image line to the last acknowledgement, as the indicator's transcript has it,
-/// against the time that the bytes of both directions need on the wire.
+/// Seconds from the first image line to the last acknowledgement, by the indicator's transcript,
+/// and the wire time of the bytes in both directions.
 Pair StreamIn(const std::string& transcript) {
     constexpr double kBitsPerByte = 11;
     constexpr double kBitsPerSecond = 115200;
@@ -35,13 +35,13 @@ Pair StreamIn(const std::string& transcript) {
         if (start < 0 || direction == '-') continue;
         if (record.find('D') != std::string::npos && direction == '<') break;  // the verdict
         if (direction == '<') last = now;
-        // What is not printable, CR and LF, is a backslash and a letter.
+        // CR and LF are written as a backslash and a letter: count them once.
         bytes += record.size() - static_cast<std::size_t>(std::ranges::count(record, '\\'));
     }
     return {(last - start) / 1000, static_cast<double>(bytes) * kBitsPerByte / kBitsPerSecond};
 }
 
-/// From the start of a program to its window that shows and takes input.
+/// Seconds from the start of a program until its window is visible and accepts input.
 double SecondsToStart(const std::string& path, const wchar_t* windowClass) {
     const auto start = SteadyClock::now();
     const Win32Handle process = StartProgram(path);
@@ -65,7 +65,7 @@ std::string Lines(std::size_t bytes) {
     return text;
 }
 
-/// The milliseconds until a menu of the monitor is open, when its key is pressed now.
+/// Presses the key of a monitor menu; returns the milliseconds until the menu is open.
 double MillisecondsToMenu(const App& app) {
     const auto start = SteadyClock::now();
     Key('F', true);
@@ -84,7 +84,7 @@ void StreamAgainstTheWire() {
         << std::ifstream(Setting("DRIVE_SAMPLE"), std::ios::binary).rdbuf();
     table.indicator.Start("--pace --write 300");
     table.StartFlash();
-    // Waiting for the box would keep asking the system about windows meanwhile.
+    // Not TakeBox: polling for the message box would load the system during the measurement.
     if (table.indicator.Wait() != 0) throw std::runtime_error(table.indicator.Complaints());
     table.app->TakeBox();
     const Pair seconds = StreamIn(Content("indicator.log"));
@@ -100,7 +100,7 @@ void StartAgainstNotepad() {
                 seconds.ours * 1e3, seconds.theirs * 1e3, seconds.ours / seconds.theirs);
 }
 
-// With capture, and a menu that is opened again and again meanwhile.
+// With capture on, while a menu is opened repeatedly.
 void FloodOfTheTerminal() {
     constexpr double kWireBytesPerSecond = 115200 / 10.0;  // at 8N1
     const std::string flood = Lines(10'000'000);

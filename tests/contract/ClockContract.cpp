@@ -1,4 +1,4 @@
-// What intervals, delays and reports rely on from a clock.
+// Contract of Clock, as intervals, delays and reports require it.
 #include "tests/contract/Contract.hpp"
 
 namespace vantor::contract {
@@ -11,7 +11,7 @@ TEST_P(ClockContract, ASleepLastsAtLeastAsLongAsAskedFor) {
         const std::uint32_t start = clock.Milliseconds();
         clock.Sleep(ms);
         const std::uint32_t passed = clock.Milliseconds() - start;
-        // Two millisecond counters, each rounded down, may differ by one.
+        // Two millisecond counters, each rounded down, may differ by 1.
         EXPECT_GE(passed + 1, ms);
         EXPECT_LT(passed, ms + 500) << "seconds taken for milliseconds?";
     }

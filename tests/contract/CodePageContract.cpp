@@ -1,4 +1,4 @@
-// What stored and scrambled texts rely on from the 8-bit code page.
+// Contract of CodePage (8-bit code page), as stored and scrambled text requires it.
 #include "tests/contract/Contract.hpp"
 
 namespace vantor::contract {
@@ -16,7 +16,7 @@ TEST_P(CodePageContract, EveryByteSurvivesTheWayToTextAndBack) {
 
 TEST_P(CodePageContract, TextAndBytesCorrespond) {
     const CodePage& codePage = subject->Get();
-    // Euro, undefined 81, y with dots (upper and lower), o with accent.
+    // Euro sign, undefined 0x81, Y and y with diaeresis, o with acute accent.
     EXPECT_EQ(codePage.FromAnsi("A\x80\x81\x9F\xFF\xF3"), "A\u20AC\u0081\u0178\u00FF\u00F3");
     EXPECT_EQ(codePage.ToAnsi("A\u20AC\u0178\u00FF\u00F3"), "A\x80\x9F\xFF\xF3");
     EXPECT_EQ(codePage.ToAnsi("\u4E2Dx"), "?x");

@@ -1,4 +1,4 @@
-// The fixture that all contract suites share.
+// Test fixture for all contract suites.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -17,7 +17,7 @@ protected:
     std::unique_ptr<Subject> subject = this->GetParam().make();
 };
 
-/// The number of the error that `body` raises; 0 when it raises none.
+/// The number of the RuntimeError that `body` raises; 0 if none.
 template <typename Body>
 std::int32_t ErrorOf(Body&& body) {
     try {

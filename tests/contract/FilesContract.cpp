@@ -1,4 +1,4 @@
-// What the code above relies on from the file system.
+// Contract of Files (file system).
 #include "tests/contract/Contract.hpp"
 
 namespace vantor::contract {

@@ -1,4 +1,4 @@
-// What the settings rely on from the registry.
+// Contract of Registry, as the settings require it.
 #include "tests/contract/Contract.hpp"
 
 namespace vantor::contract {
@@ -22,7 +22,7 @@ protected:
     void Set(RegistryKey key, const std::string& name, std::uint32_t type, std::string_view bytes) {
         EXPECT_EQ(subject->Get().SetValue(key, name, type, bytes), kRegistrySuccess) << name;
     }
-    /// The value in the two steps that the settings use.
+    /// Queries size and value in two calls, as the settings do.
     std::string Query(RegistryKey key, const std::string& name, std::uint32_t type) {
         std::uint32_t found = 0;
         std::uint32_t size = 0;

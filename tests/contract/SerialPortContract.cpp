@@ -1,4 +1,4 @@
-// What the serial link relies on from a line.
+// Contract of SerialPorts and SerialPort, as the serial link requires it.
 #include <array>
 #include <functional>
 
@@ -14,7 +14,7 @@ protected:
         return subject->Get().Open(subject->PortName(), line);
     }
 
-    /// `count` bytes from the far end; fewer when they stop coming.
+    /// Reads `count` bytes from the far end; fewer on a time-out.
     std::string Read(SerialPort& port, std::size_t count) {
         std::string bytes;
         std::array<char, 100> buffer{};
@@ -124,7 +124,7 @@ TEST_P(SerialPortContract, EachPumpTellsOfWaitingBytesUntilTheyAreRead) {
     const auto pumped = [&] { return subject->Pump().PumpPending(), calls; };
     EXPECT_TRUE(Becomes([&] { return pumped() >= 2; }));
     EXPECT_EQ(Read(*port, 2), "ab");
-    subject->Pump().PumpPending();  // a notification may have been on its way
+    subject->Pump().PumpPending();  // a notification may be pending
     const int before = calls;
     EXPECT_EQ(pumped(), before);
     port->NotifyOnInput({});

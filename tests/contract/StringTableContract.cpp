@@ -1,4 +1,4 @@
-// What the windows rely on from the text table, in either language.
+// Contract of StringTable, in both languages.
 #include "tests/contract/Contract.hpp"
 
 namespace vantor::contract {

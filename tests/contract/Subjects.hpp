@@ -1,6 +1,6 @@
-// What the contract suites run against. Each suite asks for its subjects twice: those in memory,
-// which every machine can run, and the native ones of the system that the tests are built for.
-// A platform's file implements the Native... functions and nothing else.
+// The subjects (implementations under test) of the contract suites. Each suite runs on the headless
+// subjects, available on every machine, and on the native ones of the target system. The
+// Subjects*.cpp of a platform implements the Native... functions only.
 #pragma once
 
 #include <cstddef>
@@ -23,13 +23,13 @@
 
 namespace vantor::contract {
 
-/// One implementation, made anew for each test.
+/// Factory of one implementation; each test gets a new instance.
 template <typename Subject>
 struct Maker {
-    std::string name;  ///< letters and digits: it becomes part of the tests' names
+    std::string name;  ///< letters and digits only: part of the test names
     std::function<std::unique_ptr<Subject>()> make;
 };
-/// What the test runner shows of a maker.
+/// GoogleTest printer for a maker.
 template <typename Subject>
 void PrintTo(const Maker<Subject>& maker, std::ostream* stream) {
     *stream << maker.name;
@@ -37,7 +37,7 @@ void PrintTo(const Maker<Subject>& maker, std::ostream* stream) {
 template <typename Subject>
 using Makers = std::vector<Maker<Subject>>;
 
-/// A service that needs nothing around it.
+/// A subject that provides one service.
 template <typename Service>
 class Plain {
 public:
@@ -48,7 +48,7 @@ using ClockSubject = Plain<Clock>;
 using CodePageSubject = Plain<CodePage>;
 using PumpSubject = Plain<MessagePump>;
 
-/// The usual way to make one: a `Made` object owned by the subject.
+/// A subject that owns the implementation `Made`.
 template <typename Service, typename Made>
 class Owning : public Plain<Service> {
 public:
@@ -60,11 +60,11 @@ private:
 
 class FilesSubject : public Plain<Files> {
 public:
-    /// An existing folder, empty at first, without "\" or "/" at its end. Removed with the subject.
+    /// An existing, initially empty folder, without trailing "\" or "/". Removed with the subject.
     virtual std::string Folder() const = 0;
 };
 
-/// The system's own files, in a folder of their own.
+/// The file system of the host, in a temporary folder.
 template <typename Made>
 class HostFiles : public FilesSubject {
 public:
@@ -78,43 +78,42 @@ private:
 
 class RegistrySubject : public Plain<Registry> {
 public:
-    /// A path below the current user's root where nothing exists at first and everything may be
-    /// written. What was made there is removed before the subject is used again.
+    /// A writable, initially empty path under the current user's root. Its contents are removed
+    /// before the subject is used again.
     virtual std::string Path() const = 0;
-    /// Gives up the service and all its handles, and gives one that a program started now would
-    /// see: it knows only what has been stored.
+    /// Discards the service and its handles and opens a new one, as a restarted program does: only
+    /// stored data remains.
     virtual void Restart() = 0;
 };
 
 class StringsSubject : public Plain<StringTable> {
 public:
-    /// The language that the table has to answer in. Where it is that of the whole process, the
-    /// subject reports what the process was started with and the suite is run once for each.
+    /// The expected language of the table. If the language is per process, the subject returns the
+    /// one the process was started in, and the suite runs once per language.
     virtual Language Expected() const = 0;
 };
 
-/// The other end of a serial line.
+/// The far end of a serial line.
 class WireEnd {
 public:
     virtual ~WireEnd() = default;
     virtual void Send(std::string_view bytes) = 0;
-    /// `count` bytes from the port; fewer when no more arrive within two seconds.
+    /// Reads `count` bytes from the port; fewer after a time-out of at most 500 ms without input.
     virtual std::string Receive(std::size_t count) = 0;
-    /// Takes the device away under an open port.
+    /// Removes the device while the port is open.
     virtual void HangUp() = 0;
 };
 
 class SerialSubject : public Plain<SerialPorts> {
 public:
-    /// A port that can be opened, and one that does not exist.
+    /// Names of an existing port and of one that does not exist.
     virtual std::string PortName() const = 0;
     virtual std::string MissingPortName() const = 0;
-    /// The far end of `PortName()`; null where there is none, and the tests that need it are
-    /// skipped.
+    /// The far end of `PortName()`; null if there is none: tests that need it are skipped.
     virtual WireEnd* FarEnd() = 0;
-    /// The pump that notifications come from.
+    /// The message pump that delivers notifications.
     virtual MessagePump& Pump() = 0;
-    /// Passes a little time, so that bytes can travel.
+    /// Waits about 1 ms so that bytes can arrive.
     virtual void Wait() = 0;
 };
 
@@ -126,7 +125,7 @@ Makers<RegistrySubject> HeadlessRegistries();
 Makers<StringsSubject> HeadlessStringTables();
 Makers<SerialSubject> HeadlessSerialLines();
 
-// May be empty where the system has no implementation of its own.
+// Empty where the system has no native implementation.
 Makers<ClockSubject> NativeClocks();
 Makers<CodePageSubject> NativeCodePages();
 Makers<FilesSubject> NativeFileSystems();
@@ -135,7 +134,7 @@ Makers<RegistrySubject> NativeRegistries();
 Makers<StringsSubject> NativeStringTables();
 Makers<SerialSubject> NativeSerialLines();
 
-/// A maker of subjects that need nothing to be made.
+/// A maker for a default-constructible subject.
 template <typename Subject, typename Made>
 Maker<Subject> MakerOf(std::string name) {
     return {std::move(name), [] { return std::make_unique<Made>(); }};
@@ -143,7 +142,7 @@ Maker<Subject> MakerOf(std::string name) {
 
 }  // namespace vantor::contract
 
-/// Instantiates `suite` for the in-memory and the native subjects of one kind.
+/// Instantiates `suite` for the headless and the native subjects of one kind.
 #define INSTANTIATE_CONTRACT(suite, headless, native)                               \
     GTEST_ALLOW_UNINSTANTIATED_PARAMETERIZED_TEST(suite);                           \
     INSTANTIATE_TEST_SUITE_P(Headless, suite, testing::ValuesIn(headless()),        \

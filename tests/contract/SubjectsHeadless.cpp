@@ -20,7 +20,7 @@ private:
     HeadlessFiles mFiles;
 };
 
-/// Restarts by way of the text form, which is what the stored registries depend on.
+/// `Restart` is a round trip through the text form, on which the stored registries depend.
 class MemoryRegistry : public RegistrySubject {
 public:
     Registry& Get() override { return *mHive; }
@@ -45,7 +45,7 @@ private:
     CompiledStrings mStrings{language};
 };
 
-/// A wire in memory, both as the port and as the test see it.
+/// An in-memory line: implements the side of the port and the side of the test.
 class MemoryWire : public FarEnd, public WireEnd {
 public:
     void Opened(const LineSettings&) override { mToPort.clear(); }

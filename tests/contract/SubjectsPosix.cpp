@@ -1,4 +1,4 @@
-// The native subjects off Windows. The far end of a line is the other side of a pseudo-terminal.
+// The native subjects on POSIX. The far end of a line is the master side of a pseudo-terminal.
 #include <fcntl.h>
 #include <poll.h>
 #include <stdlib.h>
@@ -23,7 +23,7 @@ public:
     void Restart() override { mRegistry = Opened(); }
 
 private:
-    // The folder does not exist at first, as in a new home.
+    // The folder does not exist yet, as in a new home directory.
     std::unique_ptr<PosixRegistry> Opened() const {
         return std::make_unique<PosixRegistry>(mFolder / "new/registry.reg");
     }
@@ -58,7 +58,7 @@ public:
     }
 
     std::string Receive(std::size_t count) override {
-        constexpr int kQuietMs = 200;  // nothing is on its way any longer than that
+        constexpr int kQuietMs = 200;  // longer than any byte takes to arrive
         std::string bytes(count, '\0');
         std::size_t length = 0;
         pollfd master{mMaster.Get(), POLLIN, 0};
@@ -116,7 +116,7 @@ Makers<SerialSubject> NativeSerialLines() {
     return {MakerOf<SerialSubject, PseudoTerminalLine>("PseudoTerminal")};
 }
 
-// These two services are the portable ones here.
+// POSIX uses the portable implementations of these two services.
 Makers<CodePageSubject> NativeCodePages() {
     return {};
 }

@@ -1,5 +1,5 @@
-// The native subjects on Windows. The port under test is COM1 and its far end COM2: the two have
-// to be wired to each other. Where there is no COM2 the tests that need a far end are skipped.
+// The native subjects on Windows. The port under test is COM1; its far end COM2 must be connected
+// to it. Without COM2 the tests that need a far end are skipped.
 #include <algorithm>
 #include <array>
 #include <cstdlib>
@@ -27,7 +27,7 @@ public:
     ~SystemRegistry() override { Clear(); }
     Registry& Get() override { return mRegistry; }
     std::string Path() const override { return "Software\\Contract Tests"; }
-    // The system's registry is the same for all its clients; what has been stored is what it knows.
+    // All clients share the system registry, so a new object sees the stored data only.
     void Restart() override { mRegistry = Win32Registry(); }
 
 private:
@@ -36,7 +36,7 @@ private:
     Win32Registry mRegistry;
 };
 
-/// The language is that of the process; whoever starts it in another says so.
+/// The language is per process; CONTRACT_LANGUAGE names it when it is not English.
 class Resources : public StringsSubject {
 public:
     StringTable& Get() override { return mStrings; }
@@ -63,7 +63,7 @@ public:
         }
     }
     std::string Receive(std::size_t count) override {
-        constexpr int kQuietMs = 500;  // nothing is on its way any longer than that
+        constexpr int kQuietMs = 500;  // longer than any byte takes to arrive
         std::string bytes;
         std::array<char, 4096> some{};
         for (int quiet = 0; bytes.size() < count && quiet < kQuietMs;) {
@@ -75,7 +75,7 @@ public:
         }
         return bytes;
     }
-    // Who has laid the wire takes it away with both ports, and lays another one.
+    // run_under_wine.sh replaces the line and both ports, then deletes the request file.
     void HangUp() override {
         const std::filesystem::path request(std::getenv("CONTRACT_PULL"));
         std::ofstream{request};

@@ -23,7 +23,7 @@ clean_up() {
 trap clean_up EXIT
 trap 'exit 1' INT TERM
 
-# Without a program that has them open, the terminals would report a hang-up all the time.
+# `sleep` keeps both terminals open: a terminal that no process has open reports a hang-up.
 lay_wire() {
     rm -f "$folder/line1" "$folder/line2"
     socat "PTY,rawer,link=$folder/line1" "PTY,rawer,link=$folder/line2" &
@@ -41,7 +41,7 @@ run() {
         echo $status >"$folder/status.new"
         mv "$folder/status.new" "$folder/status"
     } &
-    # A test that pulls the adapter out asks for it by a file, gone when another one is in place.
+    # A test requests the removal of the device by a file; deleted when a new line is in place.
     until [ -e "$folder/status" ]; do
         if [ -e "$folder/pull" ]; then
             cut_wire

@@ -1,4 +1,4 @@
-// Where libFuzzer comes in. The last argument is the folder of the inputs found so far.
+// libFuzzer entry points. The last argument is the corpus folder, which receives the seeds.
 #include <cstddef>
 #include <cstdint>
 #include <filesystem>

@@ -1,5 +1,5 @@
-// The picture cache's index: the first line of the input is the name of the picture shown, the
-// rest is cache.txt.
+// Index of the picture cache: the first line of the input is the name of the displayed picture,
+// the rest is cache.txt.
 #include "app/frmMain.hpp"
 #include "rehearsal/ReportingPlatform.hpp"
 #include "tests/fuzz/Fuzz.hpp"
@@ -32,7 +32,7 @@ void Fuzz(std::string_view input) {
         return;
     }
     if (address.empty()) return;
-    // Three bars before it and the name with it, in one line.
+    // The address follows the third bar of a line that contains the name.
     Require(address.find_first_of("|\n") == std::string::npos);
     bool found = false;
     for (std::size_t at = 0; (at = index.find("|" + address, at)) != std::string::npos; ++at) {

@@ -1,5 +1,5 @@
-// Conversions between texts and numbers, the 8-bit code page, and the scrambling of stored texts.
-// The first line of the input is the password, the rest the text.
+// Conversions between text and numbers, the 8-bit code page, and the scrambling of stored text.
+// The first line of the input is the password, the rest is the text.
 #include "platform/headless/HeadlessPlatform.hpp"
 #include "rehearsal/ReportingPlatform.hpp"
 #include "settings/CEncryption.hpp"
@@ -35,7 +35,7 @@ void Scramble(const std::string& password, std::string_view bytes) {
     headless.boxes.shown.clear();
     const std::string scrambled = encryption.EncryptStringAscii(text);
     if (!headless.boxes.shown.empty()) {
-        // No key at all, or one so long that its positions overflow.
+        // Only an empty key or one so long that its positions overflow may fail.
         Require(scrambled.empty() && (password.empty() || password.size() > 64));
         return;
     }

@@ -1,4 +1,4 @@
-// Firmware images, and every other text file that is read into a list of lines.
+// Firmware images and other text files that are read into a list of lines.
 #include <algorithm>
 
 #include "flash/FirmwareImage.hpp"
@@ -12,7 +12,7 @@ std::vector<std::string> Seeds() {
 
 void Fuzz(std::string_view input) {
     std::string text(input);
-    // Sometimes as the end of a file that fills the first block of the list.
+    // With the prefix "++", the input is the end of a file that fills the list's first block.
     constexpr std::size_t kBlock = 15001;
     if (input.starts_with("++")) text.insert(0, kBlock - (input.size() & 3), '\n');
     const ImageLines lines{std::string(text)};
@@ -22,10 +22,10 @@ void Fuzz(std::string_view input) {
         again.append(lines[i]) += '\n';
     }
     Require(!Accepts([&] { static_cast<void>(lines[lines.UBound() + 1]); }));
-    // Put together again, it is the same text but for the ends of its lines.
+    // Joined again, the lines equal the text except for line ends.
     if (!text.ends_with('\n')) text += '\n';
     for (std::size_t at = 0; (at = text.find("\r\n", at)) != std::string::npos; ++at)
-        // A return at the very end of a file belongs to the line: there is no line feed behind it.
+        // A CR at the end of the file without a line feed is part of the line.
         if (at + 2 != text.size() || input.ends_with('\n')) text.erase(at, 1);
     Require(again == text);
 }

@@ -1,5 +1,5 @@
-// Stored records of window positions: the first byte chooses whether the window is kept on the
-// screen, the rest is the record.
+// Stored window positions: the first byte selects whether the window is kept on the screen, the
+// rest is the record.
 #include "app/base/CFormPos.hpp"
 #include "dialogs/frmAbout.hpp"
 #include "rehearsal/ReportingPlatform.hpp"
@@ -56,7 +56,7 @@ void Fuzz(std::string_view input) {
     Require(bench.headless.boxes.shown.empty());
     Require(place.width >= 0 && place.height >= 0);
     const Size screen = bench.headless.peers.ScreenSize();
-    // At the edge only when there is next to nothing to pull back.
+    // A position at the far edge is allowed for a window smaller than one twip only.
     const auto onScreen = [](float at, float size, float limit) {
         return at >= 0 && (at < limit || (at == limit && size < 1));
     };

@@ -1,4 +1,4 @@
-// Headers of picture files.
+// Headers of image files (GIF, JPEG, BMP, PNG).
 #include <tuple>
 
 #include "content/CImageInfo.hpp"
@@ -10,7 +10,7 @@ namespace {
 
 using Header = std::tuple<CImageInfo::Type, int, int, int>;
 
-/// Reads `bytes` as the last of several files, as the program does; a refused one is all zeros.
+/// Reads `bytes` with one CImageInfo for all files, as the program does; zeros for a rejected file.
 Header HeaderOf(std::string_view bytes) {
     static HeadlessFiles files;
     static CImageInfo info(files);
@@ -34,7 +34,7 @@ void Fuzz(std::string_view input) {
     Require(width >= 0 && width <= 65535 && height >= 0 && height <= 65535);
     if (type == CImageInfo::Type::Unknown) Require(header == Header{});
     if (type == CImageInfo::Type::Gif) Require(depth >= 1 && depth <= 8);
-    // A short file reads as if zeros followed.
+    // A truncated file reads as if padded with zeros.
     Require(HeaderOf(std::string(input) + std::string(16, '\0')) == header);
 }
 

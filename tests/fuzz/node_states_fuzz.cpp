@@ -1,4 +1,4 @@
-// Stored states of a tree's nodes: whatever the text, what is saved afterwards gives the same tree.
+// Stored node states of a tree: after restoring any text, save and restore is a round trip.
 #include "controls/Form.hpp"
 #include "controls/TreeView.hpp"
 #include "rehearsal/ReportingPlatform.hpp"

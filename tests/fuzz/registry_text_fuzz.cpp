@@ -1,4 +1,4 @@
-// The registry's text form, as accidents and people can have changed the file.
+// Text form of the registry, including damaged and hand-edited files.
 #include <algorithm>
 
 #include "platform/RegistryHive.hpp"

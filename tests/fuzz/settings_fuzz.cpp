@@ -1,6 +1,6 @@
-// Stored settings: behind the first line one line of the input a value, in the order in which they
-// are read. What loads is what is saved. The first line is a new value for one property, which its
-// first byte chooses: it refuses it or holds it.
+// Stored settings. The first byte of the input selects a property, the rest of the first line is
+// its new value, which the property rejects or stores. The following lines are the stored values
+// in loading order. Loaded settings must equal saved ones.
 #include "app/base/AppInfo.hpp"
 #include "platform/headless/HeadlessPlatform.hpp"
 #include "settings/CAppSettings.hpp"
@@ -17,7 +17,7 @@ std::string Told(const CAppSettings& settings) {
           FromBool(settings.ProxyEnable()), std::to_string(settings.ProxyType()),
           settings.ProxyHostname(), settings.ProxyUsername(), settings.ProxyPassword()})
         told += text + '\n';
-    // Without a port it is saved as nothing, which reads as the default.
+    // An empty proxy port is saved as an empty value, which loads as the default.
     return told + (settings.ProxyPort().empty() ? "8080" : settings.ProxyPort());
 }
 
@@ -34,7 +34,7 @@ void Store(Registry& registry, std::string_view input) {
     registry.CloseKey(key);
 }
 
-/// Gives one property the new value, which it refuses or holds.
+/// Sets one property, which must reject the value or store it trimmed.
 void Edit(CAppSettings& settings, unsigned property, const std::string& value) {
     using S = CAppSettings;
     constexpr struct {

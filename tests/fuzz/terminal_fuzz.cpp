@@ -1,5 +1,5 @@
-// Random bytes, in random portions, on a small screen that changes its size meanwhile. Beside what
-// the sanitizers see, the screen's own promises are checked at the end of each run.
+// Random bytes in chunks of random size on a small terminal screen that is resized in between. The
+// screen's invariants are checked after each input.
 #include <algorithm>
 #include <cstdint>
 #include <span>
@@ -39,7 +39,7 @@ std::vector<std::string> Seeds() {
     return {"\x10\x1B[2;3r\x1B[?6hab\r\n\xF5\x08\x1B[1;31mc"};
 }
 
-/// The first byte of each portion says how long it is, or that the size changes.
+/// The first byte of each chunk gives its length (below 0xF0) or a new screen size.
 void Fuzz(std::string_view input) {
     TerminalScreen screen(12, 4, kHistoryLines);
     TerminalParser parser(screen);

@@ -1,5 +1,5 @@
-// Program files with damaged version resources: behind the first byte a whole file, or a block
-// that lies in a sound one.
+// Program files with damaged version resources. After the first byte, the input is a whole file
+// ('F') or a version block that is embedded in a valid one.
 #include "dialogs/CVersionInfo.hpp"
 #include "platform/VersionResources.hpp"
 #include "platform/headless/HeadlessPlatform.hpp"
@@ -28,7 +28,7 @@ void Fuzz(std::string_view input) {
     const std::string version = info.FileVersion("p");
     Require(!version.empty() && version.find('\0') == std::string::npos);
     Require(version.front() != ' ' && version.back() != ' ');
-    // From the standard's code units to UTF-8 a text grows by half at the most.
+    // Each UTF-16 code unit takes at most three bytes in UTF-8.
     Require(version == headless.strings.LoadResString(320) ||
             version.size() <= block.size() / 2 * 3);
 }

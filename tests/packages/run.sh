@@ -1,6 +1,6 @@
 #!/bin/sh
-# Makes the packages, installs and removes each: the installer under Wine, the Debian package in a
-# root of its own. Needs nothing built before; as root, because dpkg wants that even there.
+# Builds the packages, installs and removes each: the installer under Wine, the Debian package in a
+# separate root folder. Builds what it needs; run as root, as dpkg --root requires.
 set -eu
 root=$(cd "$(dirname "$0")/../.." && pwd)
 cd "$root"
@@ -18,7 +18,7 @@ written=$(echo "$version" | awk -F. '{ printf "%d.%02d.%d", $1, $2, $3 }')
 rm -rf "$work"
 mkdir -p "$work/zip"
 
-# The portable archive: both programs, which run from where they lie.
+# The portable archive: the programs run from any folder.
 (cd "$work/zip" && cmake -E tar xf "$packages"/*.zip)
 scripts/wine "$(find "$work/zip" -name tsflash.exe)" --version | grep -F "$written"
 
@@ -30,7 +30,7 @@ done
 # A stream or a locale in the core would bring more than half a megabyte of the runtime along.
 [ "$(find "$work/zip" -name tsupdate.exe -printf %s)" -le 900000 ]
 
-# The installer, twice, as for a newer version.
+# The installer, twice, as in an upgrade.
 settings='HKCU\SOFTWARE\Tessmar Instruments\Packages Test'
 uninstall='HKLM\Software\Microsoft\Windows\CurrentVersion\Uninstall\Tessmar Vantor Update'
 drive=$root/build/wine/drive_c
@@ -46,7 +46,7 @@ for setup in "$packages"/*-setup.exe "$packages"/*-setup.exe; do
     find "$drive" -name 'Tessmar Vantor Update.lnk' | grep 'Start Menu'
 done
 
-# A program that is at work is left alone.
+# The installer does not replace a running program.
 scripts/wine "$folder/tsflash.exe" --practice --yes --fault late=15000@1 \
     "Z:$root/build/native/sample.run" >"$work/practice.txt" 2>&1 &
 practice=$!
@@ -58,7 +58,7 @@ wait "$practice"
 
 : >"$folder/notes of the user.txt"
 scripts/wine "$folder/uninstall.exe" /S
-# It goes on as a copy of itself, which can remove it.
+# The uninstaller continues as a temporary copy of itself, which deletes the original.
 for _ in $(seq 100); do
     [ -e "$folder/uninstall.exe" ] || break
     sleep 0.2
@@ -72,7 +72,7 @@ scripts/wine reg.exe query "$uninstall" || status=$?
 scripts/wine reg.exe query "$settings" /v Port | grep -F COM7
 scripts/wine reg.exe delete "$settings" /f
 
-# The Debian package, in a root without the packages that it stands on.
+# The Debian package, in a root folder without its dependencies.
 deb() { dpkg --root="$work/root" --force-depends --log="$work/dpkg.log" "$@"; }
 mkdir -p "$work/root/var/lib/dpkg/info" "$work/root/var/lib/dpkg/updates"
 touch "$work/root/var/lib/dpkg/status"
@@ -82,7 +82,7 @@ deb --install "$packages"/*.deb
 stripped "$work/root/usr/bin/tsflash"
 cmp packages/copyright "$work/root/usr/share/doc/tsflash/copyright"
 gzip -t "$work/root/usr/share/man/man1/tsflash.1.gz"
-# shellcheck disable=SC2016  # for the other shell
+# shellcheck disable=SC2016  # expanded by the inner shell
 PATH=$work/root/usr/bin:$PATH bash -c '. "$1"; COMP_WORDS=(tsflash --pr) COMP_CWORD=1
     _tsflash tsflash; [ "${COMPREPLY[*]}" = --practice ]' bash \
     "$work/root/usr/share/bash-completion/completions/tsflash"

@@ -1,5 +1,5 @@
-// What the native services off Windows do beyond their contracts: several programs on one
-// registry file, crashes, last words, interrupts, names of ports.
+// Behaviour of the POSIX services beyond their contracts: concurrent processes on one registry
+// file, crashes and their messages, single instance, exclusive ports.
 #include <fcntl.h>
 #include <grp.h>
 #include <gtest/gtest.h>
@@ -93,7 +93,7 @@ TEST_F(PosixRegistryFile, NeitherOtherProgramsNorCrashesNorFailedWritesCostAValu
     PosixRegistry other(file);
     ASSERT_EQ(Set(registry, "a") + Set(other, "b") + Set(registry, "c"), kRegistrySuccess);
     EXPECT_TRUE(Has("a") && Has("b") && Has("c"));
-    Put("registry.reg.new", "REGEDIT4\n\n[HKEY_CURRENT_USER\\So");  // what a crash leaves
+    Put("registry.reg.new", "REGEDIT4\n\n[HKEY_CURRENT_USER\\So");  // left by a crash
     ASSERT_EQ(Set(registry, "d"), kRegistrySuccess);
     EXPECT_TRUE(Has("a") && Has("b") && Has("c") && Has("d"));
 

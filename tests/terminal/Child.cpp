@@ -31,7 +31,7 @@ void Must(bool ok, const char* what) {
     _exit(127);
 }
 
-/// Appends what can be read now; closes `end` when there will be no more.
+/// Appends the available output; closes `end` at end of file or on an error.
 void Drain(int& end, std::string& text) {
     std::array<char, 4096> chunk;
     const ssize_t count = read(end, chunk.data(), chunk.size());

@@ -1,4 +1,4 @@
-// Another program, started by a test: what it writes, what it is told, how it ends.
+// A child process started by a test: its output, input, signals and exit status.
 #pragma once
 
 #include <sys/types.h>
@@ -8,25 +8,25 @@
 
 namespace vantor {
 
-/// A child process whose output is collected in memory. Ended when destroyed.
+/// A child process whose output is collected in memory. Killed by the destructor.
 class Child {
 public:
     enum class Output : bool { Pipes, Terminal };
 
-    /// Starts `arguments[0]`. With Output::Terminal its three streams are one pseudo-terminal,
-    /// and what it writes there is all in `Out`.
+    /// Starts `arguments[0]`. With Output::Terminal its three standard streams are one
+    /// pseudo-terminal, and `Out` has all output.
     explicit Child(const std::vector<std::string>& arguments, Output output = Output::Pipes);
     ~Child();
     Child(const Child&) = delete;
     Child& operator=(const Child&) = delete;
 
-    /// Waits up to 100 s for `text` in what it has written (both streams). False when it ended
-    /// or the time passed without it.
+    /// Waits up to 100 s for `text` in the output of both streams. False when the process ends or
+    /// the time-out expires without it.
     bool WaitFor(const std::string& text);
-    /// Waits up to 100 s for its end and returns its exit status; -1 when it does not end.
+    /// Waits up to 100 s for the end; returns the exit status, 128 + signal number, -1 on time-out.
     int Wait();
     void Signal(int number) const;
-    /// Types `text` on its terminal.
+    /// Writes `text` to its terminal as keyboard input.
     void Type(const std::string& text) const;
     /// Takes its terminal away, as a connection that drops does.
     void HangUp();
@@ -35,7 +35,7 @@ public:
     const std::string& Err() const { return mErr; }
 
 private:
-    /// Collects output for a moment. False once both streams have ended.
+    /// Collects output for up to 50 ms. False at the end of both streams.
     bool Collect();
 
     pid_t mPid = -1;

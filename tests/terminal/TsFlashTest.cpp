@@ -1,5 +1,5 @@
-// tsflash against m40sim over a pseudo-terminal, as two programs: what is printed, where, the
-// exit status, and what the indicator says of its side.
+// Tests tsflash against m40sim over a pseudo-terminal, as two processes: output on both streams,
+// exit status, and the violations that m40sim reports.
 #include <gmock/gmock.h>
 #include <signal.h>
 #include <stdlib.h>
@@ -46,7 +46,7 @@ struct Ended {
     std::string hint;
 };
 
-/// A folder of its own for each test, with an image in it, and the two programs.
+/// A temporary folder with an image, an m40sim process, and the command line of tsflash.
 class OverATerminal : public testing::Test {
 protected:
     OverATerminal() {
@@ -57,7 +57,7 @@ protected:
 
     void WriteImage(const std::string& text) { std::ofstream(image, std::ios::binary) << text; }
 
-    /// Starts the indicator; it expects the image as it is now.
+    /// Starts m40sim, which expects the current contents of the image.
     void StartIndicator(const std::vector<std::string>& options = {}) {
         std::vector<std::string> arguments = {kTools + "/m40sim", "--once", "--image", image};
         arguments.insert(arguments.end(), options.begin(), options.end());
@@ -66,7 +66,7 @@ protected:
         port = indicator->Out().substr(6, indicator->Out().find('\n') - 6);
     }
 
-    /// The command that flashes the image, to the indicator if there is one.
+    /// The command line that flashes the image, to `port` if set.
     std::vector<std::string> Command(const std::vector<std::string>& options = {"--yes"}) {
         std::vector<std::string> arguments = {kTools + "/tsflash"};
         if (!port.empty()) arguments.insert(arguments.end(), {"--port", port});
@@ -74,8 +74,8 @@ protected:
         arguments.push_back(image);
         return arguments;
     }
-    /// Runs it with the warning answered. On a busy machine replies can be late by themselves:
-    /// the hint that says so is left out of what stands on standard error.
+    /// Runs the command with --yes. On a busy machine replies may be late without a fault, so the
+    /// hint at late replies is removed from `err` and returned in `hint`.
     Ended Flash(std::vector<std::string> options = {}) {
         options.insert(options.begin(), "--yes");
         Child flash(Command(options));
@@ -103,7 +103,7 @@ protected:
 
 struct Row {
     const char* name;
-    std::vector<std::string> indicator;  // its options
+    std::vector<std::string> indicator;  // options of m40sim
     int status;                          // of tsflash
     int indicatorStatus;                 // of m40sim: 0 only for a whole, verified, booted image
     std::string out;
@@ -217,7 +217,7 @@ TEST_F(OverATerminal, AnAdapterThatVanishesIsToldOnceAndTheNextAttemptWorksWhenI
         EXPECT_EQ(flash.Wait(), status) << stage;
         EXPECT_THAT(flash.Out(), HasSubstr(out)) << stage;
         EXPECT_EQ(flash.Err(), err) << stage;
-        // Its name goes with it; another test could be given the terminal behind it.
+        // Remove the dangling link: the pseudo-terminal may be reused by another test.
         std::filesystem::remove(device);
         EXPECT_EQ(Flash().status, 3) << "as long as it is away";
 
@@ -256,7 +256,7 @@ TEST_F(OverATerminal, NoImageButTheExpectedOneIsASuccess) {
                  {std::string("\0\1\2\377\n\200\r", 7), 1, kFailure},
                  {std::string(100000, 'S') + "\n" + ImageOf(3), 1, kFailure},
                  {DataRecord(0) + "\r" + DataRecord(1) + "\r", 1, kFailure},
-                 {ImageOf(39), 5, kVerify}};  // as if a line had been lost
+                 {ImageOf(39), 5, kVerify}};  // one data line missing
     for (const auto& [odd, status, why] : kRows) {
         WriteImage(ImageOf(40));
         StartIndicator();

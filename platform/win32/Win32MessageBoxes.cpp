@@ -69,8 +69,7 @@ HWND WindowInUse() {
 }  // namespace
 
 BoxAnswer Win32MessageBoxes::Show(const MessageBoxRequest& request) {
-    const HWND owner =
-        request.owner != 0 ? reinterpret_cast<HWND>(request.owner) : WindowInUse();
+    const HWND owner = request.owner != 0 ? reinterpret_cast<HWND>(request.owner) : WindowInUse();
     const Win32DisabledWindows others(owner);
     const UINT modality = owner == nullptr ? MB_TASKMODAL : MB_APPLMODAL;
     const std::wstring title = ToWide(request.title.empty() ? mDefaultTitle : request.title);

@@ -16,7 +16,6 @@ public:
     void Beep() override;
 
 private:
-
     std::string mDefaultTitle;
 };
 

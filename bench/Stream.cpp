@@ -23,7 +23,7 @@
 #include "platform/posix/PosixFiles.hpp"
 #include "platform/posix/PosixSerialPorts.hpp"
 #include "settings/CAppSettings.hpp"
-#include "tests/terminal/Child.hpp"
+#include "tests/pty/Child.hpp"
 
 namespace vantor::bench {
 namespace {

@@ -17,12 +17,12 @@
 
 #include "bench/Measure.hpp"
 #include "controls/Form.hpp"
-#include "controls/TerminalControl.hpp"
 #include "platform/headless/HeadlessPlatform.hpp"
 #include "platform/posix/PosixClock.hpp"
 #include "platform/posix/PosixFiles.hpp"
 #include "platform/posix/PosixMessagePump.hpp"
 #include "platform/posix/PosixSerialPorts.hpp"
+#include "terminal/TerminalControl.hpp"
 
 namespace vantor::bench {
 namespace {

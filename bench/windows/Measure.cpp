@@ -9,7 +9,7 @@
 #include <string>
 
 #include "bench/Measure.hpp"
-#include "driver/Workbench.hpp"
+#include "tests/driver/Workbench.hpp"
 
 namespace vantor::bench {
 namespace {

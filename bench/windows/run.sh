@@ -2,7 +2,7 @@
 # Benchmarks tsupdate.exe under Wine. Needs build/windows (tsupdate, measure) and build/native.
 set -eu
 root=$(cd "$(dirname "$0")/../.." && pwd)
-. "$root/driver/drive.sh"
+. "$root/tests/driver/drive.sh"
 use_desktop 1024x768
 pause=0.2  # polling takes CPU time from the measured program
 drive C.UTF-8 measure.exe

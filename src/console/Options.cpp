@@ -4,7 +4,7 @@
 #include <string_view>
 
 #include "platform/StringTable.hpp"
-#include "support/RuntimeError.hpp"
+#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 namespace {

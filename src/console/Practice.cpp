@@ -5,8 +5,8 @@
 
 #include "settings/CAppSettings.hpp"
 #include "support/Conversions.hpp"
-#include "support/RuntimeError.hpp"
 #include "support/Traps.hpp"
+#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 namespace {

@@ -5,8 +5,8 @@
 #include <vector>
 
 #include "platform/Clock.hpp"
-#include "platform/PolledPump.hpp"
 #include "platform/headless/HeadlessSerial.hpp"
+#include "platform/portable/PolledPump.hpp"
 #include "simulator/VirtualIndicator.hpp"
 
 namespace vantor {

@@ -4,7 +4,7 @@
 #include <cstdio>
 #include <filesystem>
 
-#include "support/RuntimeError.hpp"
+#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 namespace {

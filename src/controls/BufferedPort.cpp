@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "support/Conversions.hpp"
-#include "support/RuntimeError.hpp"
+#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 namespace {

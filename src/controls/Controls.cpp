@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <utility>
 
-#include "support/RuntimeError.hpp"
+#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 

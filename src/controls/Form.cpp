@@ -4,7 +4,7 @@
 #include <utility>
 
 #include "platform/MessagePump.hpp"
-#include "support/RuntimeError.hpp"
+#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 namespace {

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "support/RuntimeError.hpp"
+#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 

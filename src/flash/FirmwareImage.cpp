@@ -3,8 +3,8 @@
 #include <utility>
 
 #include "platform/Files.hpp"
-#include "support/RuntimeError.hpp"
 #include "support/Traps.hpp"
+#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 

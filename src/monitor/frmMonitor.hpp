@@ -9,8 +9,8 @@
 #include "app/base/CFormPos.hpp"
 #include "controls/Controls.hpp"
 #include "controls/Form.hpp"
-#include "controls/TerminalControl.hpp"
 #include "platform/Platform.hpp"
+#include "terminal/TerminalControl.hpp"
 
 namespace vantor {
 

@@ -5,10 +5,10 @@
 #include <vector>
 
 #include "app/base/LoadResources.hpp"
-#include "controls/TerminalControl.hpp"
 #include "platform/StringTable.hpp"
 #include "resources/Designs.hpp"
 #include "support/Traps.hpp"
+#include "terminal/TerminalControl.hpp"
 
 namespace vantor {
 namespace {

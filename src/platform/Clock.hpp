@@ -16,9 +16,6 @@ struct DateTime {
     int second = 0;
 };
 
-/// "2026-11-24 21:18:05", the form that reports use.
-std::string FormatDateTime(const DateTime& time);
-
 /// The time sources of the process. Used from one thread; no operation fails.
 class Clock {
 public:

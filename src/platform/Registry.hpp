@@ -8,7 +8,7 @@
 #include <string_view>
 #include <utility>
 
-#include "support/RuntimeError.hpp"
+#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 

@@ -11,7 +11,7 @@
 #include <utility>
 #include <vector>
 
-#include "support/RuntimeError.hpp"
+#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 

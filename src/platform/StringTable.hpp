@@ -4,8 +4,6 @@
 #include <cstdint>
 #include <string>
 
-#include "support/RuntimeError.hpp"
-
 namespace vantor {
 
 class StringTable {
@@ -16,13 +14,6 @@ public:
     /// Spanish when that is the user's interface language, English otherwise. Nothing is cached.
     /// Raises RuntimeError 326 for a number that is not in the table.
     virtual std::string LoadResString(std::int32_t id) const = 0;
-
-protected:
-    /// The error for a number that is not in the table.
-    static RuntimeError Missing(std::int32_t id) {
-        return RuntimeError(static_cast<std::int32_t>(ErrorNumber::ResourceNotFound),
-                            "Resource with identifier '" + std::to_string(id) + "' not found");
-    }
 };
 
 }  // namespace vantor

@@ -10,7 +10,7 @@
 
 #include "settings/CBrokenRules.hpp"
 #include "support/Conversions.hpp"
-#include "support/RuntimeError.hpp"
+#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 

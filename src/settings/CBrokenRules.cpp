@@ -1,6 +1,6 @@
 #include "settings/CBrokenRules.hpp"
 
-#include "support/RuntimeError.hpp"
+#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 

@@ -7,7 +7,7 @@
 #include <limits>
 #include <optional>
 
-#include "support/RuntimeError.hpp"
+#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 namespace {

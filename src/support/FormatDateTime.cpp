@@ -1,4 +1,4 @@
-#include "platform/Clock.hpp"
+#include "support/FormatDateTime.hpp"
 
 #include <array>
 #include <cstdio>

@@ -6,7 +6,7 @@
 #include <functional>
 #include <string_view>
 
-#include "support/RuntimeError.hpp"
+#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 

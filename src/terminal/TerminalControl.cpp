@@ -1,4 +1,4 @@
-#include "controls/TerminalControl.hpp"
+#include "terminal/TerminalControl.hpp"
 
 #include <algorithm>
 #include <array>
@@ -11,8 +11,8 @@
 #include "platform/CodePage.hpp"
 #include "platform/MessageBoxes.hpp"
 #include "platform/StringTable.hpp"
-#include "support/RuntimeError.hpp"
 #include "support/Traps.hpp"
+#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 namespace {

@@ -15,12 +15,12 @@
 #include "controls/BufferedPort.hpp"
 #include "controls/Control.hpp"
 #include "controls/Event.hpp"
-#include "controls/TerminalParser.hpp"
-#include "controls/TerminalScreen.hpp"
-#include "controls/TerminalSelection.hpp"
 #include "platform/Files.hpp"
 #include "platform/MessagePump.hpp"
 #include "platform/Platform.hpp"
+#include "terminal/TerminalParser.hpp"
+#include "terminal/TerminalScreen.hpp"
+#include "terminal/TerminalSelection.hpp"
 
 namespace vantor {
 

@@ -1,4 +1,4 @@
-#include "controls/TerminalParser.hpp"
+#include "terminal/TerminalParser.hpp"
 
 #include <algorithm>
 

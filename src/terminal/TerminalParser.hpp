@@ -7,7 +7,7 @@
 #include <cstdint>
 #include <string_view>
 
-#include "controls/TerminalScreen.hpp"
+#include "terminal/TerminalScreen.hpp"
 
 namespace vantor {
 

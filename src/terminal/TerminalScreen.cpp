@@ -1,4 +1,4 @@
-#include "controls/TerminalScreen.hpp"
+#include "terminal/TerminalScreen.hpp"
 
 #include <algorithm>
 #include <utility>

@@ -1,4 +1,4 @@
-#include "controls/TerminalSelection.hpp"
+#include "terminal/TerminalSelection.hpp"
 
 #include <algorithm>
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "controls/TerminalScreen.hpp"
+#include "terminal/TerminalScreen.hpp"
 
 namespace vantor {
 

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "support/RuntimeError.hpp"
+#include "support/errors/RuntimeError.hpp"
 #include "tests/contract/Subjects.hpp"
 
 namespace vantor::contract {

@@ -14,11 +14,11 @@
 
 #include "platform/Clock.hpp"
 #include "platform/CodePage.hpp"
-#include "platform/CompiledStrings.hpp"
 #include "platform/Files.hpp"
 #include "platform/MessagePump.hpp"
 #include "platform/Registry.hpp"
 #include "platform/SerialPort.hpp"
+#include "platform/portable/CompiledStrings.hpp"
 #include "tests/TemporaryFolder.hpp"
 
 namespace vantor::contract {

@@ -1,10 +1,10 @@
 // The subjects in memory, which run on every machine.
 #include <gtest/gtest.h>
 
-#include "platform/CodePage1252.hpp"
-#include "platform/RegistryHive.hpp"
 #include "platform/headless/HeadlessFiles.hpp"
 #include "platform/headless/HeadlessPlatform.hpp"
+#include "platform/portable/CodePage1252.hpp"
+#include "platform/portable/RegistryHive.hpp"
 #include "tests/contract/Subjects.hpp"
 
 namespace vantor::contract {

@@ -7,15 +7,15 @@
 #include <fstream>
 #include <stdexcept>
 
-#include "platform/win32/Win32Clock.hpp"
-#include "platform/win32/Win32CodePage.hpp"
-#include "platform/win32/Win32Files.hpp"
-#include "platform/win32/Win32MessagePump.hpp"
-#include "platform/win32/Win32Registry.hpp"
-#include "platform/win32/Win32SerialPorts.hpp"
-#include "platform/win32/Win32StringTable.hpp"
-#include "platform/win32/Windows.hpp"
-#include "support/RuntimeError.hpp"
+#include "platform/win32/services/Win32Clock.hpp"
+#include "platform/win32/services/Win32CodePage.hpp"
+#include "platform/win32/services/Win32Files.hpp"
+#include "platform/win32/services/Win32MessagePump.hpp"
+#include "platform/win32/services/Win32Registry.hpp"
+#include "platform/win32/services/Win32SerialPorts.hpp"
+#include "platform/win32/services/Win32StringTable.hpp"
+#include "platform/win32/services/Windows.hpp"
+#include "support/errors/RuntimeError.hpp"
 #include "tests/contract/Subjects.hpp"
 
 namespace vantor::contract {

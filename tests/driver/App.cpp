@@ -1,4 +1,4 @@
-#include "driver/App.hpp"
+#include "tests/driver/App.hpp"
 
 #include <commctrl.h>
 
@@ -8,8 +8,8 @@
 #include <stdexcept>
 #include <utility>
 
-#include "driver/Desktop.hpp"
 #include "resources/Designs.hpp"
+#include "tests/driver/Desktop.hpp"
 
 namespace vantor::driver {
 namespace {

@@ -7,9 +7,9 @@
 #include <string>
 #include <vector>
 
-#include "driver/Script.hpp"
-#include "platform/win32/Win32Handle.hpp"
-#include "platform/win32/Windows.hpp"
+#include "platform/win32/services/Win32Handle.hpp"
+#include "platform/win32/services/Windows.hpp"
+#include "tests/driver/Script.hpp"
 
 namespace vantor {
 struct FormDesign;

@@ -1,8 +1,8 @@
-#include "driver/Desktop.hpp"
+#include "tests/driver/Desktop.hpp"
 
 #include <stdexcept>
 
-#include "platform/win32/Windows.hpp"
+#include "platform/win32/services/Windows.hpp"
 
 namespace vantor::driver {
 

@@ -1,10 +1,10 @@
-#include "driver/PictureCache.hpp"
+#include "tests/driver/PictureCache.hpp"
 
 #include <filesystem>
 #include <fstream>
 
-#include "driver/Script.hpp"
-#include "platform/win32/Windows.hpp"
+#include "platform/win32/services/Windows.hpp"
+#include "tests/driver/Script.hpp"
 
 namespace vantor::driver {
 namespace {

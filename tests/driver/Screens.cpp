@@ -6,9 +6,9 @@
 #include <string>
 #include <utility>
 
-#include "driver/PictureCache.hpp"
-#include "driver/Workbench.hpp"
 #include "resources/Designs.hpp"
+#include "tests/driver/PictureCache.hpp"
+#include "tests/driver/Workbench.hpp"
 
 namespace vantor::driver {
 namespace {

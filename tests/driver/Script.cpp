@@ -1,4 +1,4 @@
-#include "driver/Script.hpp"
+#include "tests/driver/Script.hpp"
 
 #include <cstdlib>
 #include <filesystem>
@@ -8,7 +8,7 @@
 #include <stdexcept>
 #include <vector>
 
-#include "platform/win32/Windows.hpp"
+#include "platform/win32/services/Windows.hpp"
 
 namespace vantor::driver {
 namespace {

@@ -1,4 +1,4 @@
-#include "driver/Workbench.hpp"
+#include "tests/driver/Workbench.hpp"
 
 #include <fstream>
 #include <stdexcept>

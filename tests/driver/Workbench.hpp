@@ -5,8 +5,8 @@
 #include <optional>
 #include <string>
 
-#include "driver/App.hpp"
-#include "driver/Script.hpp"
+#include "tests/driver/App.hpp"
+#include "tests/driver/Script.hpp"
 
 namespace vantor::driver {
 

@@ -9,7 +9,7 @@
 # script is re-executed under with_display.sh. Screenshots go to build/screens; transcripts and the
 # state at a failure stay in build/drive.
 # shellcheck disable=SC2154  # root is the caller's
-[ -n "${DISPLAY:-}" ] || exec "$root/driver/with_display.sh" "$0" "$@"
+[ -n "${DISPLAY:-}" ] || exec "$root/tests/driver/with_display.sh" "$0" "$@"
 folder=$root/build/drive
 screens=$root/build/screens
 port=$folder/port

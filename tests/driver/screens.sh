@@ -2,8 +2,8 @@
 # Takes screenshots of all stages of tsupdate.exe into build/screens, in both languages, at 96 and
 # 144 dots per inch. Needs build/windows and build/native.
 set -eu
-root=$(cd "$(dirname "$0")/.." && pwd)
-. "$root/driver/drive.sh"
+root=$(cd "$(dirname "$0")/../.." && pwd)
+. "$root/tests/driver/drive.sh"
 
 status=0
 take_screens() {

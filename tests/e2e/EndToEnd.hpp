@@ -7,7 +7,7 @@
 #include <ostream>
 #include <string>
 
-#include "driver/Workbench.hpp"
+#include "tests/driver/Workbench.hpp"
 
 namespace vantor::driver {
 

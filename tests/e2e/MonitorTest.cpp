@@ -4,7 +4,7 @@
 #include <fstream>
 #include <string>
 
-#include "platform/win32/Win32Clipboard.hpp"
+#include "platform/win32/services/Win32Clipboard.hpp"
 #include "resources/Designs.hpp"
 #include "tests/e2e/EndToEnd.hpp"
 

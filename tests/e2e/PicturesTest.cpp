@@ -7,9 +7,9 @@
 #include <fstream>
 #include <string>
 
-#include "driver/PictureCache.hpp"
 #include "resources/Version.h"
 #include "tests/ProgramFile.hpp"
+#include "tests/driver/PictureCache.hpp"
 #include "tests/e2e/EndToEnd.hpp"
 
 namespace vantor::driver {

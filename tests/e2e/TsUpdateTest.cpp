@@ -6,8 +6,8 @@
 #include <optional>
 #include <string>
 
-#include "driver/PictureCache.hpp"
 #include "resources/Version.h"
+#include "tests/driver/PictureCache.hpp"
 #include "tests/e2e/EndToEnd.hpp"
 
 namespace vantor::driver {

@@ -4,10 +4,10 @@
 #   run.sh NAME              the tests whose names match (a GoogleTest filter)
 #   run.sh --monkey SECONDS  random clicks, keys and close requests; E2E_SEED=N repeats a run
 # Needs build/windows and build/native. A failed test leaves a screenshot and the log of the line
-# in build/drive. driver/screens.sh takes the screenshots of all stages; scripts/bench measures.
+# in build/drive. tests/driver/screens.sh takes the screenshots of all stages; scripts/bench measures.
 set -eu
 root=$(cd "$(dirname "$0")/../.." && pwd)
-. "$root/driver/drive.sh"
+. "$root/tests/driver/drive.sh"
 use_desktop 1024x768
 
 status=0

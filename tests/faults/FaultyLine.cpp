@@ -1,4 +1,4 @@
-#include "platform/headless/FaultyLine.hpp"
+#include "tests/faults/FaultyLine.hpp"
 
 #include <algorithm>
 #include <limits>

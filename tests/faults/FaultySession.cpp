@@ -1,4 +1,4 @@
-#include "rehearsal/FaultySession.hpp"
+#include "tests/faults/FaultySession.hpp"
 
 #include <algorithm>
 #include <functional>
@@ -6,11 +6,11 @@
 #include <optional>
 
 #include "app/frmMain.hpp"
-#include "rehearsal/AtRest.hpp"
-#include "rehearsal/Images.hpp"
-#include "rehearsal/ReportingPlatform.hpp"
-#include "rehearsal/SessionBoxes.hpp"
 #include "simulator/VirtualIndicator.hpp"
+#include "tests/faults/AtRest.hpp"
+#include "tests/faults/Images.hpp"
+#include "tests/faults/ReportingPlatform.hpp"
+#include "tests/faults/SessionBoxes.hpp"
 
 namespace vantor {
 namespace {

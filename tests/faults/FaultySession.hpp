@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "flash/FlashSession.hpp"
-#include "platform/headless/FaultyLine.hpp"
 #include "simulator/Fault.hpp"
+#include "tests/faults/FaultyLine.hpp"
 
 namespace vantor {
 

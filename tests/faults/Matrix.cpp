@@ -1,4 +1,4 @@
-#include "rehearsal/Matrix.hpp"
+#include "tests/faults/Matrix.hpp"
 
 namespace vantor {
 namespace {

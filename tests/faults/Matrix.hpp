@@ -5,7 +5,7 @@
 #include <variant>
 #include <vector>
 
-#include "rehearsal/FaultySession.hpp"
+#include "tests/faults/FaultySession.hpp"
 
 namespace vantor {
 

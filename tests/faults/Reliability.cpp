@@ -5,8 +5,8 @@
 #include <iostream>
 #include <map>
 
-#include "rehearsal/Matrix.hpp"
-#include "rehearsal/Walk.hpp"
+#include "tests/faults/Matrix.hpp"
+#include "tests/faults/Walk.hpp"
 
 using namespace vantor;
 

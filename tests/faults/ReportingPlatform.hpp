@@ -12,8 +12,8 @@
 #include "app/base/CErrHandler.hpp"
 #include "controls/Form.hpp"
 #include "platform/headless/HeadlessPlatform.hpp"
-#include "support/RuntimeError.hpp"
 #include "support/Traps.hpp"
+#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 

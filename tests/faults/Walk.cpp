@@ -1,4 +1,4 @@
-#include "rehearsal/Walk.hpp"
+#include "tests/faults/Walk.hpp"
 
 #include <random>
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <functional>
 
-#include "rehearsal/FaultySession.hpp"
+#include "tests/faults/FaultySession.hpp"
 
 namespace vantor {
 

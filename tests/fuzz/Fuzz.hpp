@@ -6,7 +6,7 @@
 #include <string_view>
 #include <vector>
 
-#include "support/RuntimeError.hpp"
+#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 

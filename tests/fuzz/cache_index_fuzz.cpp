@@ -1,7 +1,7 @@
 // Index of the picture cache: the first line of the input is the name of the displayed picture,
 // the rest is cache.txt.
 #include "app/frmMain.hpp"
-#include "rehearsal/ReportingPlatform.hpp"
+#include "tests/faults/ReportingPlatform.hpp"
 #include "tests/fuzz/Fuzz.hpp"
 
 namespace vantor {

@@ -1,9 +1,9 @@
 // Conversions between text and numbers, the 8-bit code page, and the scrambling of stored text.
 // The first line of the input is the password, the rest is the text.
 #include "platform/headless/HeadlessPlatform.hpp"
-#include "rehearsal/ReportingPlatform.hpp"
 #include "settings/CEncryption.hpp"
 #include "support/Conversions.hpp"
+#include "tests/faults/ReportingPlatform.hpp"
 #include "tests/fuzz/Fuzz.hpp"
 
 namespace vantor {

@@ -2,7 +2,7 @@
 // rest is the record.
 #include "app/base/CFormPos.hpp"
 #include "dialogs/frmAbout.hpp"
-#include "rehearsal/ReportingPlatform.hpp"
+#include "tests/faults/ReportingPlatform.hpp"
 #include "tests/fuzz/Fuzz.hpp"
 
 namespace vantor {

@@ -1,8 +1,8 @@
 // Stored node states of a tree: after restoring any text, save and restore is a round trip.
 #include "controls/Form.hpp"
 #include "controls/TreeView.hpp"
-#include "rehearsal/ReportingPlatform.hpp"
 #include "settings/CTreeViewEnh.hpp"
+#include "tests/faults/ReportingPlatform.hpp"
 #include "tests/fuzz/Fuzz.hpp"
 
 namespace vantor {

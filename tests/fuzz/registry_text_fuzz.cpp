@@ -1,7 +1,7 @@
 // Text form of the registry, including damaged and hand-edited files.
 #include <algorithm>
 
-#include "platform/RegistryHive.hpp"
+#include "platform/portable/RegistryHive.hpp"
 #include "tests/fuzz/Fuzz.hpp"
 
 namespace vantor {

@@ -4,9 +4,9 @@
 #include <cstdint>
 #include <span>
 
-#include "controls/TerminalParser.hpp"
-#include "controls/TerminalScreen.hpp"
-#include "controls/TerminalSelection.hpp"
+#include "terminal/TerminalParser.hpp"
+#include "terminal/TerminalScreen.hpp"
+#include "terminal/TerminalSelection.hpp"
 #include "tests/fuzz/Fuzz.hpp"
 
 namespace vantor {

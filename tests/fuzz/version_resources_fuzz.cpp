@@ -1,8 +1,8 @@
 // Program files with damaged version resources. After the first byte, the input is a whole file
 // ('F') or a version block that is embedded in a valid one.
 #include "dialogs/CVersionInfo.hpp"
-#include "platform/VersionResources.hpp"
 #include "platform/headless/HeadlessPlatform.hpp"
+#include "platform/portable/VersionResources.hpp"
 #include "tests/ProgramFile.hpp"
 #include "tests/fuzz/Fuzz.hpp"
 

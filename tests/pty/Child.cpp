@@ -1,4 +1,4 @@
-#include "tests/terminal/Child.hpp"
+#include "tests/pty/Child.hpp"
 
 #include <fcntl.h>
 #include <poll.h>

@@ -8,9 +8,9 @@
 #include <optional>
 #include <sstream>
 
-#include "rehearsal/Images.hpp"
 #include "tests/TemporaryFolder.hpp"
-#include "tests/terminal/Child.hpp"
+#include "tests/faults/Images.hpp"
+#include "tests/pty/Child.hpp"
 
 namespace vantor {
 namespace {

@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <map>
 
-#include "rehearsal/ReportingPlatform.hpp"
+#include "tests/faults/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {

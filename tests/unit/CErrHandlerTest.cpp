@@ -7,7 +7,7 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "rehearsal/ReportingPlatform.hpp"
+#include "tests/faults/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {

@@ -3,7 +3,7 @@
 
 #include <gtest/gtest.h>
 
-#include "rehearsal/ReportingPlatform.hpp"
+#include "tests/faults/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {

@@ -6,7 +6,7 @@
 #include "app/MainLayout.hpp"
 #include "app/frmMain.hpp"
 #include "dialogs/frmAbout.hpp"
-#include "rehearsal/ReportingPlatform.hpp"
+#include "tests/faults/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {

@@ -4,7 +4,7 @@
 #include <gtest/gtest.h>
 
 #include "NotedRegistry.hpp"
-#include "rehearsal/ReportingPlatform.hpp"
+#include "tests/faults/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {

@@ -6,7 +6,7 @@
 #include "NotedRegistry.hpp"
 #include "controls/Form.hpp"
 #include "controls/TreeView.hpp"
-#include "rehearsal/ReportingPlatform.hpp"
+#include "tests/faults/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {

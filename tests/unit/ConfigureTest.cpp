@@ -3,8 +3,8 @@
 
 #include "Wire.hpp"
 #include "app/frmMain.hpp"
-#include "rehearsal/ReportingPlatform.hpp"
 #include "settings/frmConfigure.hpp"
+#include "tests/faults/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {

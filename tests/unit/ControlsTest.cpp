@@ -6,7 +6,7 @@
 #include "Wire.hpp"
 #include "controls/Controls.hpp"
 #include "controls/SerialControl.hpp"
-#include "rehearsal/ReportingPlatform.hpp"
+#include "tests/faults/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {

@@ -6,9 +6,9 @@
 #include <set>
 #include <utility>
 
-#include "rehearsal/Matrix.hpp"
-#include "rehearsal/ReportingPlatform.hpp"
-#include "rehearsal/Walk.hpp"
+#include "tests/faults/Matrix.hpp"
+#include "tests/faults/ReportingPlatform.hpp"
+#include "tests/faults/Walk.hpp"
 
 namespace vantor {
 namespace {

@@ -6,7 +6,7 @@
 
 #include <functional>
 
-#include "rehearsal/SessionBoxes.hpp"
+#include "tests/faults/SessionBoxes.hpp"
 #include "tests/unit/SessionFixture.hpp"
 
 namespace vantor {

@@ -1,7 +1,7 @@
 // Selection of the language on systems that only have locales.
 #include <gtest/gtest.h>
 
-#include "platform/CompiledStrings.hpp"
+#include "platform/portable/CompiledStrings.hpp"
 
 namespace vantor {
 namespace {

@@ -6,7 +6,7 @@
 #include <string_view>
 #include <tuple>
 
-#include "platform/RegistryHive.hpp"
+#include "platform/portable/RegistryHive.hpp"
 
 namespace vantor {
 

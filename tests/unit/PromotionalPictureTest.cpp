@@ -7,7 +7,7 @@
 #include "app/frmMain.hpp"
 #include "content/CImageInfo.hpp"
 #include "content/PictureFiles.hpp"
-#include "rehearsal/ReportingPlatform.hpp"
+#include "tests/faults/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {

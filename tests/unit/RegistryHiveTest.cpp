@@ -5,7 +5,7 @@
 #include <string>
 #include <string_view>
 
-#include "platform/RegistryHive.hpp"
+#include "platform/portable/RegistryHive.hpp"
 
 namespace vantor {
 namespace {

@@ -11,9 +11,9 @@
 
 #include "console/TsFlash.hpp"
 #include "platform/headless/HeadlessPlatform.hpp"
-#include "rehearsal/Images.hpp"
 #include "simulator/LatencyTimer.hpp"
 #include "tests/TemporaryFolder.hpp"
+#include "tests/faults/Images.hpp"
 
 namespace vantor {
 namespace {

@@ -10,10 +10,10 @@
 #include <vector>
 
 #include "app/frmMain.hpp"
-#include "rehearsal/AtRest.hpp"
-#include "rehearsal/Images.hpp"
-#include "rehearsal/ReportingPlatform.hpp"
 #include "simulator/VirtualIndicator.hpp"
+#include "tests/faults/AtRest.hpp"
+#include "tests/faults/Images.hpp"
+#include "tests/faults/ReportingPlatform.hpp"
 
 namespace vantor {
 

@@ -3,8 +3,8 @@
 
 #include "app/frmMain.hpp"
 #include "dialogs/CShellExecute.hpp"
-#include "rehearsal/ReportingPlatform.hpp"
 #include "tests/ProgramFile.hpp"
+#include "tests/faults/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {

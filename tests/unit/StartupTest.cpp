@@ -8,7 +8,7 @@
 #include "app/base/modSupport.hpp"
 #include "app/frmMain.hpp"
 #include "dialogs/frmStatus.hpp"
-#include "rehearsal/ReportingPlatform.hpp"
+#include "tests/faults/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {

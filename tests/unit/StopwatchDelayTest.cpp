@@ -1,9 +1,9 @@
 // The stopwatch and the wait loop, on a clock controlled by the tests.
 #include <gtest/gtest.h>
 
-#include "rehearsal/ReportingPlatform.hpp"
 #include "support/CDelay.hpp"
 #include "support/CMMTimer.hpp"
+#include "tests/faults/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {

@@ -1,11 +1,11 @@
 // The terminal control against a far end: port, keyboard, capture, commands, view.
-#include "controls/TerminalControl.hpp"
+#include "terminal/TerminalControl.hpp"
 
 #include <gtest/gtest.h>
 
 #include "Wire.hpp"
 #include "controls/Form.hpp"
-#include "rehearsal/ReportingPlatform.hpp"
+#include "tests/faults/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {

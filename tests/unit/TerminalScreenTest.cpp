@@ -1,12 +1,12 @@
 // The effect of received bytes on the terminal's screen, its history and its selection.
-#include "controls/TerminalScreen.hpp"
+#include "terminal/TerminalScreen.hpp"
 
 #include <gtest/gtest.h>
 
 #include <string>
 
-#include "controls/TerminalParser.hpp"
-#include "controls/TerminalSelection.hpp"
+#include "terminal/TerminalParser.hpp"
+#include "terminal/TerminalSelection.hpp"
 
 namespace vantor {
 namespace {

@@ -12,16 +12,16 @@
 #include "app/frmMain.hpp"
 #include "dialogs/frmAbout.hpp"
 #include "dialogs/frmStatus.hpp"
-#include "driver/App.hpp"
 #include "monitor/frmMonitor.hpp"
 #include "monitor/frmPortSettings.hpp"
 #include "monitor/frmSend.hpp"
-#include "platform/win32/Win32ChildControl.hpp"
-#include "rehearsal/Images.hpp"
+#include "platform/win32/windows/Win32ChildControl.hpp"
 #include "settings/CAppSettings.hpp"
 #include "settings/frmConfigure.hpp"
 #include "simulator/VirtualIndicator.hpp"
-#include "tests/win32/RealWindows.hpp"
+#include "tests/driver/App.hpp"
+#include "tests/faults/Images.hpp"
+#include "tests/windows/RealWindows.hpp"
 
 #include <commctrl.h>
 #include <oleacc.h>

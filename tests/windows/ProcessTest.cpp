@@ -7,9 +7,9 @@
 #include <stdexcept>
 #include <string>
 
-#include "driver/Desktop.hpp"
-#include "platform/win32/Win32Process.hpp"
-#include "platform/win32/Win32Terminal.hpp"
+#include "platform/win32/services/Win32Process.hpp"
+#include "platform/win32/services/Win32Terminal.hpp"
+#include "tests/driver/Desktop.hpp"
 
 namespace vantor {
 namespace {

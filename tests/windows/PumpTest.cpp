@@ -8,8 +8,8 @@
 
 #include "dialogs/frmAbout.hpp"
 #include "dialogs/frmStatus.hpp"
-#include "platform/win32/Win32MessageBoxes.hpp"
-#include "tests/win32/RealWindows.hpp"
+#include "platform/win32/services/Win32MessageBoxes.hpp"
+#include "tests/windows/RealWindows.hpp"
 
 namespace vantor {
 namespace {

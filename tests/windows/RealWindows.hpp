@@ -3,10 +3,10 @@
 #pragma once
 
 #include "controls/Form.hpp"
-#include "platform/win32/Win32MessagePump.hpp"
-#include "platform/win32/Win32Peers.hpp"
-#include "platform/win32/Win32Pictures.hpp"
-#include "rehearsal/ReportingPlatform.hpp"
+#include "platform/win32/services/Win32MessagePump.hpp"
+#include "platform/win32/services/Win32Pictures.hpp"
+#include "platform/win32/windows/Win32Peers.hpp"
+#include "tests/faults/ReportingPlatform.hpp"
 
 namespace vantor {
 

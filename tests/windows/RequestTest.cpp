@@ -1,5 +1,5 @@
 // Requests to a device whose driver keeps them.
-#include "platform/win32/Win32Request.hpp"
+#include "platform/win32/services/Win32Request.hpp"
 
 #include <gtest/gtest.h>
 

@@ -5,11 +5,11 @@
 #include <string>
 
 #include "monitor/frmMonitor.hpp"
-#include "platform/win32/Win32CellLooks.hpp"
-#include "platform/win32/Win32ChildControl.hpp"
-#include "platform/win32/Win32MessageBoxes.hpp"
+#include "platform/win32/services/Win32MessageBoxes.hpp"
+#include "platform/win32/terminal/Win32CellLooks.hpp"
+#include "platform/win32/windows/Win32ChildControl.hpp"
 #include "tests/unit/Wire.hpp"
-#include "tests/win32/RealWindows.hpp"
+#include "tests/windows/RealWindows.hpp"
 
 namespace vantor {
 namespace {

@@ -10,6 +10,7 @@
 #include "platform/MessageBoxes.hpp"
 #include "platform/Process.hpp"
 #include "support/Conversions.hpp"
+#include "support/FormatDateTime.hpp"
 
 namespace vantor {
 namespace {
@@ -104,10 +105,10 @@ std::string CErrHandler::CurrentProcedure() const {
 }
 
 void CErrHandler::ShowReport(const std::string& procedure) {
-    std::string text = std::string("The following error has occurred in procedure: ") + kLineEnd +
-                       procedure + " on line " + std::to_string(mLastError.Line()) + kLineEnd +
-                       "Error (" + std::to_string(mLastError.Number()) + ") " +
-                       mLastError.Description();
+    std::string text = "The following error has occurred in procedure: ";
+    text += kLineEnd + procedure + " on line " + std::to_string(mLastError.Line());
+    text += kLineEnd + ("Error (" + std::to_string(mLastError.Number()) + ") ");
+    text += mLastError.Description();
     if (!CurrentOperation.empty()) text += kLineEnd + OperationLine();
     mServices.boxes.Beep();
     mServices.boxes.Show({.text = text, .title = Title, .icon = BoxIcon::Critical});

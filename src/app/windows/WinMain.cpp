@@ -2,13 +2,13 @@
 #include "app/base/AppInfo.hpp"
 #include "app/modStartup.hpp"
 #include "platform/NativePlatform.hpp"
-#include "platform/win32/Win32Clipboard.hpp"
-#include "platform/win32/Win32CommonDialogs.hpp"
-#include "platform/win32/Win32MessageBoxes.hpp"
-#include "platform/win32/Win32MessagePump.hpp"
-#include "platform/win32/Win32Peers.hpp"
-#include "platform/win32/Win32Pictures.hpp"
-#include "platform/win32/Win32Shell.hpp"
+#include "platform/win32/services/Win32Clipboard.hpp"
+#include "platform/win32/services/Win32CommonDialogs.hpp"
+#include "platform/win32/services/Win32MessageBoxes.hpp"
+#include "platform/win32/services/Win32MessagePump.hpp"
+#include "platform/win32/services/Win32Pictures.hpp"
+#include "platform/win32/services/Win32Shell.hpp"
+#include "platform/win32/windows/Win32Peers.hpp"
 
 int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int) {
     using namespace vantor;

@@ -4,8 +4,8 @@
 #include <cstddef>
 #include <utility>
 
-#include "platform/WildCards.hpp"
-#include "support/RuntimeError.hpp"
+#include "platform/portable/WildCards.hpp"
+#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 

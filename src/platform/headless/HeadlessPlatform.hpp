@@ -13,22 +13,22 @@
 
 #include "platform/Clipboard.hpp"
 #include "platform/Clock.hpp"
-#include "platform/CodePage1252.hpp"
 #include "platform/CommonDialogs.hpp"
-#include "platform/CompiledStrings.hpp"
 #include "platform/Folders.hpp"
 #include "platform/MessageBoxes.hpp"
 #include "platform/Peers.hpp"
 #include "platform/Pictures.hpp"
 #include "platform/Platform.hpp"
-#include "platform/PolledPump.hpp"
 #include "platform/Process.hpp"
-#include "platform/RegistryHive.hpp"
 #include "platform/Shell.hpp"
-#include "platform/VersionResources.hpp"
 #include "platform/headless/HeadlessFiles.hpp"
 #include "platform/headless/HeadlessSerial.hpp"
-#include "support/RuntimeError.hpp"
+#include "platform/portable/CodePage1252.hpp"
+#include "platform/portable/CompiledStrings.hpp"
+#include "platform/portable/PolledPump.hpp"
+#include "platform/portable/RegistryHive.hpp"
+#include "platform/portable/VersionResources.hpp"
+#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 

@@ -4,7 +4,7 @@
 #include <functional>
 #include <utility>
 
-#include "support/RuntimeError.hpp"
+#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 

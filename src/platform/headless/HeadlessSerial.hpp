@@ -9,8 +9,8 @@
 #include <string_view>
 
 #include "platform/Clock.hpp"
-#include "platform/PolledPump.hpp"
 #include "platform/SerialPort.hpp"
+#include "platform/portable/PolledPump.hpp"
 #include "simulator/VirtualIndicator.hpp"
 
 namespace vantor {

@@ -1,4 +1,4 @@
-#include "platform/CodePage1252.hpp"
+#include "platform/portable/CodePage1252.hpp"
 
 #include <algorithm>
 #include <array>

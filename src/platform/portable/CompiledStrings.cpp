@@ -1,4 +1,4 @@
-#include "platform/CompiledStrings.hpp"
+#include "platform/portable/CompiledStrings.hpp"
 
 #include <algorithm>
 #include <array>
@@ -6,7 +6,7 @@
 #include <limits>
 #include <span>
 
-#include "support/RuntimeError.hpp"
+#include "platform/portable/MissingText.hpp"
 
 namespace vantor {
 namespace {
@@ -24,12 +24,12 @@ constexpr Row kClosingRow = {std::numeric_limits<std::int32_t>::max(), "-", "-"}
 
 // clang-format off
 constexpr std::array kClosedProductTexts = {
-#include "resources/Strings.def"
+#include "resources/texts/Strings.def"
     kClosingRow
 };
 
 constexpr std::array kClosedOwnTexts = {
-#include "resources/OwnTexts.def"
+#include "resources/texts/OwnTexts.def"
     kClosingRow
 };
 // clang-format on
@@ -77,7 +77,7 @@ std::string CompiledStrings::LoadResString(std::int32_t id) const {
     const auto found =
         std::lower_bound(rows.begin(), rows.end(), id,
                          [](const Row& row, std::int32_t key) { return row.id < key; });
-    if (found == rows.end() || found->id != id) throw Missing(id);
+    if (found == rows.end() || found->id != id) throw MissingText(id);
     return std::string(mLanguage == Language::Spanish ? found->spanish : found->english);
 }
 

@@ -1,4 +1,4 @@
-#include "platform/PolledPump.hpp"
+#include "platform/portable/PolledPump.hpp"
 
 #include <utility>
 #include <vector>

@@ -1,12 +1,12 @@
-#include "platform/RegistryExport.hpp"
+#include "platform/portable/RegistryExport.hpp"
 
 #include <algorithm>
 #include <optional>
 #include <string>
 #include <utility>
 
-#include "platform/CodePage1252.hpp"
-#include "platform/Utf16.hpp"
+#include "platform/portable/CodePage1252.hpp"
+#include "platform/portable/Utf16.hpp"
 
 namespace vantor {
 namespace {

@@ -5,7 +5,7 @@
 #include <string_view>
 #include <vector>
 
-#include "platform/RegistryText.hpp"
+#include "platform/portable/RegistryText.hpp"
 
 namespace vantor {
 

@@ -1,11 +1,11 @@
-#include "platform/RegistryHive.hpp"
+#include "platform/portable/RegistryHive.hpp"
 
 #include <algorithm>
 #include <cstddef>
 #include <limits>
 #include <utility>
 
-#include "platform/RegistryExport.hpp"
+#include "platform/portable/RegistryExport.hpp"
 
 namespace vantor {
 namespace {

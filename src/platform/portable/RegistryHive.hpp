@@ -11,7 +11,7 @@
 #include <vector>
 
 #include "platform/Registry.hpp"
-#include "platform/RegistryText.hpp"
+#include "platform/portable/RegistryText.hpp"
 
 namespace vantor {
 

@@ -1,4 +1,4 @@
-#include "platform/RegistryText.hpp"
+#include "platform/portable/RegistryText.hpp"
 
 #include <algorithm>
 #include <cstddef>

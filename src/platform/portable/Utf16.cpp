@@ -1,4 +1,4 @@
-#include "platform/Utf16.hpp"
+#include "platform/portable/Utf16.hpp"
 
 #include <cstddef>
 

@@ -1,10 +1,10 @@
-#include "platform/VersionResources.hpp"
+#include "platform/portable/VersionResources.hpp"
 
 #include <algorithm>
 #include <cctype>
 #include <optional>
 
-#include "platform/Utf16.hpp"
+#include "platform/portable/Utf16.hpp"
 #include "support/Traps.hpp"
 
 namespace vantor {

@@ -1,4 +1,4 @@
-#include "platform/WildCards.hpp"
+#include "platform/portable/WildCards.hpp"
 
 #include <cstddef>
 

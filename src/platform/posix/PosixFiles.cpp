@@ -10,9 +10,9 @@
 #include <memory>
 #include <optional>
 
-#include "platform/WildCards.hpp"
+#include "platform/portable/WildCards.hpp"
 #include "platform/posix/PosixHandle.hpp"
-#include "support/RuntimeError.hpp"
+#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 namespace {

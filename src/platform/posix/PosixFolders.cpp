@@ -10,7 +10,7 @@
 #include <string_view>
 
 #include "platform/posix/PosixFiles.hpp"
-#include "support/RuntimeError.hpp"
+#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 namespace {

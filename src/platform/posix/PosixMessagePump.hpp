@@ -5,7 +5,7 @@
 
 #include <poll.h>
 
-#include "platform/PolledPump.hpp"
+#include "platform/portable/PolledPump.hpp"
 
 namespace vantor {
 

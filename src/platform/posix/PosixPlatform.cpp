@@ -1,11 +1,11 @@
 // The native platform on POSIX.
 #include <utility>
 
-#include "platform/CodePage1252.hpp"
-#include "platform/CompiledStrings.hpp"
 #include "platform/NativePlatform.hpp"
-#include "platform/RegistryHive.hpp"
-#include "platform/VersionResources.hpp"
+#include "platform/portable/CodePage1252.hpp"
+#include "platform/portable/CompiledStrings.hpp"
+#include "platform/portable/RegistryHive.hpp"
+#include "platform/portable/VersionResources.hpp"
 #include "platform/posix/PosixClock.hpp"
 #include "platform/posix/PosixFiles.hpp"
 #include "platform/posix/PosixFolders.hpp"

@@ -14,7 +14,7 @@
 #include <exception>
 #include <string_view>
 
-#include "support/RuntimeError.hpp"
+#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 namespace {

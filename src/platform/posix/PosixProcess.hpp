@@ -5,8 +5,8 @@
 #include <string>
 #include <vector>
 
-#include "platform/CompiledStrings.hpp"
 #include "platform/Process.hpp"
+#include "platform/portable/CompiledStrings.hpp"
 #include "platform/posix/PosixHandle.hpp"
 
 namespace vantor {

@@ -9,7 +9,7 @@
 #include <string>
 
 #include "platform/Folders.hpp"
-#include "platform/RegistryHive.hpp"
+#include "platform/portable/RegistryHive.hpp"
 
 namespace vantor {
 

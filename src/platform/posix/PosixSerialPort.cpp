@@ -11,7 +11,7 @@
 #include <cerrno>
 #include <utility>
 
-#include "support/RuntimeError.hpp"
+#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 namespace {

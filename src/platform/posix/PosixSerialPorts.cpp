@@ -14,7 +14,7 @@
 #include <utility>
 
 #include "platform/posix/PosixSerialPort.hpp"
-#include "support/RuntimeError.hpp"
+#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 namespace {

@@ -1,6 +1,6 @@
 // Linux pseudo-terminal. inotify reports opens and closes of the slave: POLLHUP on the master shows
 // that the slave is closed, but not that it was closed and reopened.
-#include "simulator/PseudoTerminal.hpp"
+#include "simulator/m40sim/PseudoTerminal.hpp"
 
 #include <fcntl.h>
 #include <poll.h>

@@ -24,9 +24,9 @@
 #include "simulator/Fault.hpp"
 #include "simulator/FlashMemory.hpp"
 #include "simulator/LatencyTimer.hpp"
-#include "simulator/PseudoTerminal.hpp"
 #include "simulator/RunningMode.hpp"
 #include "simulator/VirtualIndicator.hpp"
+#include "simulator/m40sim/PseudoTerminal.hpp"
 
 namespace vantor {
 namespace {

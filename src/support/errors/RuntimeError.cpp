@@ -1,4 +1,4 @@
-#include "support/RuntimeError.hpp"
+#include "support/errors/RuntimeError.hpp"
 
 #include <array>
 #include <filesystem>

@@ -1,4 +1,4 @@
-#include "platform/win32/Win32SpokenNames.hpp"
+#include "platform/win32/drawing/Win32SpokenNames.hpp"
 
 #include <oleacc.h>
 

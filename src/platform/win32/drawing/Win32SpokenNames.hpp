@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "platform/win32/Windows.hpp"
+#include "platform/win32/services/Windows.hpp"
 
 struct IAccPropServices;
 

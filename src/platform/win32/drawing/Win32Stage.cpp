@@ -1,4 +1,4 @@
-#include "platform/win32/Win32Stage.hpp"
+#include "platform/win32/drawing/Win32Stage.hpp"
 
 #include <algorithm>
 #include <cmath>

@@ -7,8 +7,8 @@
 #include <tuple>
 
 #include "controls/Control.hpp"
-#include "platform/win32/Win32SpokenNames.hpp"
-#include "platform/win32/Windows.hpp"
+#include "platform/win32/drawing/Win32SpokenNames.hpp"
+#include "platform/win32/services/Windows.hpp"
 
 namespace vantor {
 

@@ -1,4 +1,4 @@
-#include "platform/win32/Win32Clipboard.hpp"
+#include "platform/win32/services/Win32Clipboard.hpp"
 
 #include <algorithm>
 

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/Clipboard.hpp"
-#include "platform/win32/Windows.hpp"
+#include "platform/win32/services/Windows.hpp"
 
 namespace vantor {
 

@@ -1,6 +1,6 @@
-#include "platform/win32/Win32Clock.hpp"
+#include "platform/win32/services/Win32Clock.hpp"
 
-#include "platform/win32/Windows.hpp"
+#include "platform/win32/services/Windows.hpp"
 // Requires the types of <windows.h>.
 #include <timeapi.h>
 

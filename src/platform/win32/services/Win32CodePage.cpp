@@ -1,6 +1,6 @@
-#include "platform/win32/Win32CodePage.hpp"
+#include "platform/win32/services/Win32CodePage.hpp"
 
-#include "platform/win32/Windows.hpp"
+#include "platform/win32/services/Windows.hpp"
 
 namespace vantor {
 

@@ -1,6 +1,6 @@
-#include "platform/win32/Win32CommonDialogs.hpp"
+#include "platform/win32/services/Win32CommonDialogs.hpp"
 
-#include "platform/win32/Win32DisabledWindows.hpp"
+#include "platform/win32/services/Win32DisabledWindows.hpp"
 
 #include <commdlg.h>
 

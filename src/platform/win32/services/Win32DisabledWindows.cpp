@@ -1,4 +1,4 @@
-#include "platform/win32/Win32DisabledWindows.hpp"
+#include "platform/win32/services/Win32DisabledWindows.hpp"
 
 namespace vantor {
 

@@ -3,7 +3,7 @@
 
 #include <vector>
 
-#include "platform/win32/Windows.hpp"
+#include "platform/win32/services/Windows.hpp"
 
 namespace vantor {
 

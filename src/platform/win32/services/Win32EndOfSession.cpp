@@ -1,4 +1,4 @@
-#include "platform/win32/Win32EndOfSession.hpp"
+#include "platform/win32/services/Win32EndOfSession.hpp"
 
 namespace vantor {
 namespace {

@@ -4,7 +4,7 @@
 
 #include <string>
 
-#include "platform/win32/Win32Handle.hpp"
+#include "platform/win32/services/Win32Handle.hpp"
 
 namespace vantor {
 

@@ -1,6 +1,6 @@
-#include "platform/win32/Win32FileVersions.hpp"
+#include "platform/win32/services/Win32FileVersions.hpp"
 
-#include "platform/win32/Windows.hpp"
+#include "platform/win32/services/Windows.hpp"
 
 #include <winver.h>
 

@@ -1,4 +1,4 @@
-#include "platform/win32/Win32Files.hpp"
+#include "platform/win32/services/Win32Files.hpp"
 
 #include <algorithm>
 #include <cstddef>
@@ -6,9 +6,9 @@
 #include <optional>
 #include <utility>
 
-#include "platform/WildCards.hpp"
-#include "platform/win32/Win32Handle.hpp"
-#include "support/RuntimeError.hpp"
+#include "platform/portable/WildCards.hpp"
+#include "platform/win32/services/Win32Handle.hpp"
+#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 namespace {

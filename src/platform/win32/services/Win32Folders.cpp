@@ -1,9 +1,9 @@
-#include "platform/win32/Win32Folders.hpp"
+#include "platform/win32/services/Win32Folders.hpp"
 
 #include <array>
 
-#include "platform/win32/Windows.hpp"
-#include "support/RuntimeError.hpp"
+#include "platform/win32/services/Windows.hpp"
+#include "support/errors/RuntimeError.hpp"
 // Needs what the system's header defines.
 #include <shlobj.h>
 

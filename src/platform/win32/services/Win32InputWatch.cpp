@@ -1,4 +1,4 @@
-#include "platform/win32/Win32InputWatch.hpp"
+#include "platform/win32/services/Win32InputWatch.hpp"
 
 #include <utility>
 

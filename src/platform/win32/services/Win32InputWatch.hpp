@@ -5,7 +5,7 @@
 #include <functional>
 #include <memory>
 
-#include "platform/win32/Win32Request.hpp"
+#include "platform/win32/services/Win32Request.hpp"
 
 namespace vantor {
 

@@ -1,6 +1,6 @@
-#include "platform/win32/Win32MessageBoxes.hpp"
+#include "platform/win32/services/Win32MessageBoxes.hpp"
 
-#include "platform/win32/Win32DisabledWindows.hpp"
+#include "platform/win32/services/Win32DisabledWindows.hpp"
 
 namespace vantor {
 namespace {

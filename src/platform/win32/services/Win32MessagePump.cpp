@@ -1,11 +1,11 @@
-#include "platform/win32/Win32MessagePump.hpp"
+#include "platform/win32/services/Win32MessagePump.hpp"
 
 #include <algorithm>
 #include <utility>
 #include <vector>
 
-#include "support/RuntimeError.hpp"
 #include "support/Traps.hpp"
+#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 namespace {

@@ -7,7 +7,7 @@
 #include <map>
 
 #include "platform/MessagePump.hpp"
-#include "platform/win32/Windows.hpp"
+#include "platform/win32/services/Windows.hpp"
 
 namespace vantor {
 

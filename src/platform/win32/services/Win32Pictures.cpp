@@ -1,4 +1,4 @@
-#include "platform/win32/Win32Pictures.hpp"
+#include "platform/win32/services/Win32Pictures.hpp"
 
 #include <ole2.h>
 #include <olectl.h>
@@ -6,7 +6,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "support/RuntimeError.hpp"
+#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 namespace {

@@ -3,7 +3,7 @@
 
 #include "platform/Files.hpp"
 #include "platform/Pictures.hpp"
-#include "platform/win32/Windows.hpp"
+#include "platform/win32/services/Windows.hpp"
 
 struct IPicture;
 

@@ -2,17 +2,17 @@
 #include <utility>
 
 #include "platform/NativePlatform.hpp"
-#include "platform/win32/Win32Clock.hpp"
-#include "platform/win32/Win32CodePage.hpp"
-#include "platform/win32/Win32FileVersions.hpp"
-#include "platform/win32/Win32Files.hpp"
-#include "platform/win32/Win32Folders.hpp"
-#include "platform/win32/Win32MessagePump.hpp"
-#include "platform/win32/Win32Process.hpp"
-#include "platform/win32/Win32Registry.hpp"
-#include "platform/win32/Win32SerialPorts.hpp"
-#include "platform/win32/Win32StringTable.hpp"
-#include "platform/win32/Win32Terminal.hpp"
+#include "platform/win32/services/Win32Clock.hpp"
+#include "platform/win32/services/Win32CodePage.hpp"
+#include "platform/win32/services/Win32FileVersions.hpp"
+#include "platform/win32/services/Win32Files.hpp"
+#include "platform/win32/services/Win32Folders.hpp"
+#include "platform/win32/services/Win32MessagePump.hpp"
+#include "platform/win32/services/Win32Process.hpp"
+#include "platform/win32/services/Win32Registry.hpp"
+#include "platform/win32/services/Win32SerialPorts.hpp"
+#include "platform/win32/services/Win32StringTable.hpp"
+#include "platform/win32/services/Win32Terminal.hpp"
 
 namespace vantor {
 

@@ -1,4 +1,4 @@
-#include "platform/win32/Win32Process.hpp"
+#include "platform/win32/services/Win32Process.hpp"
 
 #include <algorithm>
 #include <array>
@@ -6,7 +6,7 @@
 #include <exception>
 #include <memory>
 
-#include "support/RuntimeError.hpp"
+#include "support/errors/RuntimeError.hpp"
 // Requires the types of <windows.h>.
 #include <shellapi.h>
 

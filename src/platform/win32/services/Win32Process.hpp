@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "platform/Process.hpp"
-#include "platform/win32/Win32Handle.hpp"
+#include "platform/win32/services/Win32Handle.hpp"
 
 namespace vantor {
 

@@ -1,8 +1,8 @@
-#include "platform/win32/Win32Registry.hpp"
+#include "platform/win32/services/Win32Registry.hpp"
 
 #include <cstdint>
 
-#include "platform/win32/Windows.hpp"
+#include "platform/win32/services/Windows.hpp"
 
 namespace vantor {
 namespace {

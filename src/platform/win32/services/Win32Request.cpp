@@ -1,4 +1,4 @@
-#include "platform/win32/Win32Request.hpp"
+#include "platform/win32/services/Win32Request.hpp"
 
 namespace vantor {
 namespace {

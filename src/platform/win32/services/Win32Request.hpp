@@ -5,7 +5,7 @@
 #include <memory>
 #include <string>
 
-#include "platform/win32/Win32Handle.hpp"
+#include "platform/win32/services/Win32Handle.hpp"
 
 namespace vantor {
 

@@ -1,9 +1,9 @@
-#include "platform/win32/Win32SerialPort.hpp"
+#include "platform/win32/services/Win32SerialPort.hpp"
 
 #include <algorithm>
 #include <utility>
 
-#include "support/RuntimeError.hpp"
+#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 namespace {

@@ -6,10 +6,10 @@
 #include <string>
 
 #include "platform/SerialPort.hpp"
-#include "platform/win32/Win32Handle.hpp"
-#include "platform/win32/Win32InputWatch.hpp"
-#include "platform/win32/Win32MessagePump.hpp"
-#include "platform/win32/Win32Request.hpp"
+#include "platform/win32/services/Win32Handle.hpp"
+#include "platform/win32/services/Win32InputWatch.hpp"
+#include "platform/win32/services/Win32MessagePump.hpp"
+#include "platform/win32/services/Win32Request.hpp"
 
 namespace vantor {
 

@@ -1,10 +1,10 @@
-#include "platform/win32/Win32SerialPorts.hpp"
+#include "platform/win32/services/Win32SerialPorts.hpp"
 
 #include <array>
 #include <map>
 
-#include "platform/win32/Win32SerialPort.hpp"
-#include "support/RuntimeError.hpp"
+#include "platform/win32/services/Win32SerialPort.hpp"
+#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 namespace {

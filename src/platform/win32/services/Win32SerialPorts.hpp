@@ -2,7 +2,7 @@
 #pragma once
 
 #include "platform/SerialPort.hpp"
-#include "platform/win32/Win32MessagePump.hpp"
+#include "platform/win32/services/Win32MessagePump.hpp"
 
 namespace vantor {
 

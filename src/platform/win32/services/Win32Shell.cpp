@@ -1,6 +1,6 @@
-#include "platform/win32/Win32Shell.hpp"
+#include "platform/win32/services/Win32Shell.hpp"
 
-#include "platform/win32/Windows.hpp"
+#include "platform/win32/services/Windows.hpp"
 
 #include <shellapi.h>
 

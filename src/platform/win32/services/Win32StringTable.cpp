@@ -1,20 +1,22 @@
-#include "platform/win32/Win32StringTable.hpp"
+#include "platform/win32/services/Win32StringTable.hpp"
+
+#include "platform/portable/MissingText.hpp"
 
 #include <cstddef>
 
-#include "platform/win32/Windows.hpp"
+#include "platform/win32/services/Windows.hpp"
 
 namespace vantor {
 
 std::string Win32StringTable::LoadResString(std::int32_t id) const {
     // LoadStringW uses only the low 16 bits.
     constexpr std::int32_t kLastId = 0xFFFF;
-    if (id < 0 || id > kLastId) throw Missing(id);
+    if (id < 0 || id > kLastId) throw MissingText(id);
     // With a size of 0 the call gives the resource itself, however long it is.
     const wchar_t* text = nullptr;
     const int length = LoadStringW(GetModuleHandleW(nullptr), static_cast<UINT>(id),
                                    reinterpret_cast<wchar_t*>(&text), 0);
-    if (length <= 0 || text == nullptr) throw Missing(id);
+    if (length <= 0 || text == nullptr) throw MissingText(id);
     return ToUtf8({text, static_cast<std::size_t>(length)});
 }
 

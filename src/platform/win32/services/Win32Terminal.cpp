@@ -1,11 +1,11 @@
-#include "platform/win32/Win32Terminal.hpp"
+#include "platform/win32/services/Win32Terminal.hpp"
 
 #include <algorithm>
 #include <array>
 #include <atomic>
 #include <cstddef>
 
-#include "platform/win32/Win32Handle.hpp"
+#include "platform/win32/services/Win32Handle.hpp"
 
 namespace vantor {
 namespace {

@@ -7,7 +7,7 @@
 #include <string>
 
 #include "platform/Terminal.hpp"
-#include "platform/win32/Win32EndOfSession.hpp"
+#include "platform/win32/services/Win32EndOfSession.hpp"
 
 namespace vantor {
 

@@ -1,9 +1,9 @@
-#include "platform/win32/Windows.hpp"
+#include "platform/win32/services/Windows.hpp"
 
 #include <array>
 #include <cstddef>
 
-#include "support/RuntimeError.hpp"
+#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 

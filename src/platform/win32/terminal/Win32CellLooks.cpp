@@ -1,4 +1,4 @@
-#include "platform/win32/Win32CellLooks.hpp"
+#include "platform/win32/terminal/Win32CellLooks.hpp"
 
 #include <array>
 #include <cstdlib>

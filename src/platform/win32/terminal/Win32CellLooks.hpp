@@ -1,8 +1,8 @@
 // How a terminal's cell looks: its letter and its colours.
 #pragma once
 
-#include "controls/TerminalScreen.hpp"
-#include "platform/win32/Windows.hpp"
+#include "platform/win32/services/Windows.hpp"
+#include "terminal/TerminalScreen.hpp"
 
 namespace vantor {
 

@@ -1,4 +1,4 @@
-#include "platform/win32/Win32TerminalFont.hpp"
+#include "platform/win32/terminal/Win32TerminalFont.hpp"
 
 #include <algorithm>
 #include <array>

@@ -5,7 +5,7 @@
 #include <type_traits>
 
 #include "controls/Form.hpp"
-#include "platform/win32/Win32Stage.hpp"
+#include "platform/win32/drawing/Win32Stage.hpp"
 
 namespace vantor {
 

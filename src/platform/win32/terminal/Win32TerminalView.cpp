@@ -1,4 +1,4 @@
-#include "platform/win32/Win32TerminalView.hpp"
+#include "platform/win32/terminal/Win32TerminalView.hpp"
 
 #include <windowsx.h>
 
@@ -8,7 +8,7 @@
 #include <string_view>
 #include <utility>
 
-#include "platform/win32/Win32CellLooks.hpp"
+#include "platform/win32/terminal/Win32CellLooks.hpp"
 #include "support/Traps.hpp"
 
 namespace vantor {

@@ -9,9 +9,9 @@
 #include <string>
 
 #include "controls/Form.hpp"
-#include "controls/TerminalControl.hpp"
-#include "platform/win32/Win32Stage.hpp"
-#include "platform/win32/Win32TerminalFont.hpp"
+#include "platform/win32/drawing/Win32Stage.hpp"
+#include "platform/win32/terminal/Win32TerminalFont.hpp"
+#include "terminal/TerminalControl.hpp"
 
 namespace vantor {
 

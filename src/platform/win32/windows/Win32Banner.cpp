@@ -1,4 +1,4 @@
-#include "platform/win32/Win32Banner.hpp"
+#include "platform/win32/windows/Win32Banner.hpp"
 
 #include <algorithm>
 

@@ -1,7 +1,7 @@
 // The banner shown in place of a promotional picture, drawn so that it fits every size.
 #pragma once
 
-#include "platform/win32/Win32Stage.hpp"
+#include "platform/win32/drawing/Win32Stage.hpp"
 
 namespace vantor {
 

@@ -1,4 +1,4 @@
-#include "platform/win32/Win32ChildControl.hpp"
+#include "platform/win32/windows/Win32ChildControl.hpp"
 
 #include <commctrl.h>
 
@@ -6,8 +6,8 @@
 #include <utility>
 
 #include "controls/Controls.hpp"
-#include "platform/win32/Win32TerminalView.hpp"
-#include "platform/win32/Win32TreeView.hpp"
+#include "platform/win32/terminal/Win32TerminalView.hpp"
+#include "platform/win32/windows/Win32TreeView.hpp"
 
 namespace vantor {
 namespace {

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "controls/Form.hpp"
-#include "platform/win32/Win32Stage.hpp"
+#include "platform/win32/drawing/Win32Stage.hpp"
 
 namespace vantor {
 

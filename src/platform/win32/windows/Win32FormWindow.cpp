@@ -1,4 +1,4 @@
-#include "platform/win32/Win32FormWindow.hpp"
+#include "platform/win32/windows/Win32FormWindow.hpp"
 
 #include <commctrl.h>
 #include <windowsx.h>
@@ -7,8 +7,8 @@
 #include <utility>
 
 #include "controls/Controls.hpp"
-#include "platform/win32/Win32PanelPaint.hpp"
-#include "platform/win32/Win32TerminalView.hpp"
+#include "platform/win32/terminal/Win32TerminalView.hpp"
+#include "platform/win32/windows/Win32PanelPaint.hpp"
 #include "support/Traps.hpp"
 
 namespace vantor {

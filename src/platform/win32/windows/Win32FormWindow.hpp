@@ -7,9 +7,9 @@
 #include <vector>
 
 #include "controls/Form.hpp"
-#include "platform/win32/Win32ChildControl.hpp"
-#include "platform/win32/Win32MenuBar.hpp"
-#include "platform/win32/Win32Stage.hpp"
+#include "platform/win32/drawing/Win32Stage.hpp"
+#include "platform/win32/windows/Win32ChildControl.hpp"
+#include "platform/win32/windows/Win32MenuBar.hpp"
 
 namespace vantor {
 

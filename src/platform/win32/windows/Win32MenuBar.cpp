@@ -1,4 +1,4 @@
-#include "platform/win32/Win32MenuBar.hpp"
+#include "platform/win32/windows/Win32MenuBar.hpp"
 
 #include <algorithm>
 

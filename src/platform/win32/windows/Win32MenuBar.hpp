@@ -4,7 +4,7 @@
 #include <map>
 
 #include "controls/Form.hpp"
-#include "platform/win32/Win32Stage.hpp"
+#include "platform/win32/drawing/Win32Stage.hpp"
 
 namespace vantor {
 

@@ -1,9 +1,9 @@
-#include "platform/win32/Win32PanelPaint.hpp"
+#include "platform/win32/windows/Win32PanelPaint.hpp"
 
 #include <string>
 
-#include "platform/win32/Win32Banner.hpp"
-#include "platform/win32/Win32Pictures.hpp"
+#include "platform/win32/services/Win32Pictures.hpp"
+#include "platform/win32/windows/Win32Banner.hpp"
 
 namespace vantor {
 namespace {

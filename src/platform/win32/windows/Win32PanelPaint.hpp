@@ -3,7 +3,7 @@
 
 #include "controls/Controls.hpp"
 #include "controls/Form.hpp"
-#include "platform/win32/Win32Stage.hpp"
+#include "platform/win32/drawing/Win32Stage.hpp"
 
 namespace vantor {
 

@@ -1,11 +1,11 @@
-#include "platform/win32/Win32Peers.hpp"
+#include "platform/win32/windows/Win32Peers.hpp"
 
 #include <commctrl.h>
 
 #include <algorithm>
 #include <utility>
 
-#include "platform/win32/Win32FormWindow.hpp"
+#include "platform/win32/windows/Win32FormWindow.hpp"
 
 namespace vantor {
 

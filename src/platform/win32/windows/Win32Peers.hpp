@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "platform/Peers.hpp"
-#include "platform/win32/Win32MessagePump.hpp"
-#include "platform/win32/Win32Stage.hpp"
+#include "platform/win32/drawing/Win32Stage.hpp"
+#include "platform/win32/services/Win32MessagePump.hpp"
 
 namespace vantor {
 

@@ -1,4 +1,4 @@
-#include "platform/win32/Win32TreeView.hpp"
+#include "platform/win32/windows/Win32TreeView.hpp"
 
 #include <algorithm>
 #include <string>

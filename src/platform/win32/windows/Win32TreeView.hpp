@@ -5,7 +5,7 @@
 #include <vector>
 
 #include "controls/TreeView.hpp"
-#include "platform/win32/Windows.hpp"
+#include "platform/win32/services/Windows.hpp"
 // Requires the types of <windows.h>.
 #include <commctrl.h>
 

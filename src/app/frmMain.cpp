@@ -83,7 +83,7 @@ void frmMain::LoadSettings() {
 void frmMain::LoadResources() {
     Trapped("frmMain.LoadResources", [this] {
         TranslateForm(*this, mPlatform.strings);
-        picPicture.ToolTip(mPlatform.strings.LoadResString(314));
+        picPicture.ToolTip(mPlatform.strings.Text(Str::VisitWebSite));
     });
 }
 
@@ -171,20 +171,20 @@ void frmMain::mnuHelpAbout_Click() {
 void frmMain::mnuToolsCurrentVersions_Click() {
     Trapped("frmMain.mnuToolsCurrentVersions_Click", [this] {
         struct Row {
-            std::int32_t label;
+            Str label;
             const char* file;
         };
-        constexpr std::array kRows = {Row{315, "caldor.exe"}, Row{316, "caldoredit.exe"},
-                                      Row{317, "pellin.exe"}, Row{318, "tsupdate.exe"}};
+        constexpr std::array kRows = {
+            Row{Str::CaldorVersion, "caldor.exe"}, Row{Str::CaldorEditorVersion, "caldoredit.exe"},
+            Row{Str::PellinVersion, "pellin.exe"}, Row{Str::WebUpdateVersion, "tsupdate.exe"}};
         const std::string folder = AppPath(mPlatform.process);
         const StringTable& strings = mPlatform.strings;
         CVersionInfo info(mPlatform.versions, strings);
         std::string report;
         for (const Row& row : kRows)
-            report += strings.LoadResString(row.label) + " " + info.FileVersion(folder + row.file) +
-                      "\r\n";
+            report += strings.Text(row.label) + " " + info.FileVersion(folder + row.file) + "\r\n";
         mPlatform.boxes.Show({.text = report,
-                              .title = strings.LoadResString(319),
+                              .title = strings.Text(Str::InstalledVersionsTitle),
                               .icon = BoxIcon::Information,
                               .owner = Handle()});
     });

@@ -45,14 +45,14 @@ void modStartup::ShowHelp(NativeWindow owner) {
         // No box and no program start may delay the reply to a line, so this is one of the commands
         // that are disabled during an update.
         if (!mMain->cmdFlash.Enabled()) return;
-        std::int32_t complaint = 0;
+        Str complaint = Str::None;
         if (!mPlatform.files.Exists(mHelpFile))
-            complaint = 1017;
+            complaint = Str::HelpNotFound;
         else if (mPlatform.shell.Execute({.owner = owner, .verb = "open", .file = mHelpFile}) <
                  kFirstShellSuccess)
-            complaint = 1016;
-        if (complaint == 0) return;
-        mPlatform.boxes.Show({.text = mPlatform.strings.LoadResString(complaint),
+            complaint = Str::HelpNotOpened;
+        if (complaint == Str::None) return;
+        mPlatform.boxes.Show({.text = mPlatform.strings.Text(complaint),
                               .icon = BoxIcon::Exclamation,
                               .owner = owner});
     });

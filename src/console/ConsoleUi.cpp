@@ -89,10 +89,10 @@ BoxAnswer ConsoleBoxes::Show(const MessageBoxRequest& request) {
 }
 
 BoxAnswer ConsoleBoxes::Ask() {
-    mTerminal.Write(mStrings.LoadResString(2039));
+    mTerminal.Write(mStrings.Text(Str::YesNoPrompt));
     const std::string answer = UpperCase(TrimBlanks(mTerminal.ReadLine().value_or("")));
     const bool yes =
-        !answer.empty() && answer.substr(0, 1) == UpperCase(mStrings.LoadResString(2040));
+        !answer.empty() && answer.substr(0, 1) == UpperCase(mStrings.Text(Str::YesLetter));
     return yes ? BoxAnswer::Yes : BoxAnswer::No;
 }
 

@@ -14,30 +14,36 @@ struct OptionRow {
     std::string_view letter;  ///< "-p", empty when there is none
     std::string_view name;    ///< "--port"
     std::string_view value;   ///< name of its value in the help; empty: it takes none
-    std::int32_t help;
+    Str help;
     void (*apply)(Options&, const std::string& value);
 };
 
 constexpr std::array kOptions = {
-    OptionRow{"-p", "--port", "PORT", 2002, [](Options& o, const std::string& v) { o.port = v; }},
-    OptionRow{"-b", "--baud", "N", 2003, [](Options& o, const std::string& v) { o.baud = v; }},
-    OptionRow{"", "--parity", "P", 2004, [](Options& o, const std::string& v) { o.parity = v; }},
-    OptionRow{"", "--data-bits", "N", 2005,
+    OptionRow{"-p", "--port", "PORT", Str::OptionPort,
+              [](Options& o, const std::string& v) { o.port = v; }},
+    OptionRow{"-b", "--baud", "N", Str::OptionBaud,
+              [](Options& o, const std::string& v) { o.baud = v; }},
+    OptionRow{"", "--parity", "P", Str::OptionParity,
+              [](Options& o, const std::string& v) { o.parity = v; }},
+    OptionRow{"", "--data-bits", "N", Str::OptionDataBits,
               [](Options& o, const std::string& v) { o.dataBits = v; }},
-    OptionRow{"", "--stop-bits", "N", 2006,
+    OptionRow{"", "--stop-bits", "N", Str::OptionStopBits,
               [](Options& o, const std::string& v) { o.stopBits = v; }},
-    OptionRow{"-y", "--yes", "", 2007, [](Options& o, const std::string&) { o.yes = true; }},
-    OptionRow{"-q", "--quiet", "", 2008, [](Options& o, const std::string&) { o.quiet = true; }},
-    OptionRow{"", "--log", "FILE", 2009, [](Options& o, const std::string& v) { o.log = v; }},
-    OptionRow{"", "--practice", "", 2010,
+    OptionRow{"-y", "--yes", "", Str::OptionYes,
+              [](Options& o, const std::string&) { o.yes = true; }},
+    OptionRow{"-q", "--quiet", "", Str::OptionQuiet,
+              [](Options& o, const std::string&) { o.quiet = true; }},
+    OptionRow{"", "--log", "FILE", Str::OptionLog,
+              [](Options& o, const std::string& v) { o.log = v; }},
+    OptionRow{"", "--practice", "", Str::OptionPractice,
               [](Options& o, const std::string&) { o.practice = true; }},
-    OptionRow{"", "--fault", "FAULT", 2011,
+    OptionRow{"", "--fault", "FAULT", Str::OptionFault,
               [](Options& o, const std::string& v) { o.faults.push_back(v); }},
-    OptionRow{"", "--list-ports", "", 2012,
+    OptionRow{"", "--list-ports", "", Str::OptionListPorts,
               [](Options& o, const std::string&) { o.action = Action::ListPorts; }},
-    OptionRow{"", "--version", "", 2013,
+    OptionRow{"", "--version", "", Str::OptionVersion,
               [](Options& o, const std::string&) { o.action = Action::Version; }},
-    OptionRow{"-h", "--help", "", 2014,
+    OptionRow{"-h", "--help", "", Str::OptionHelp,
               [](Options& o, const std::string&) { o.action = Action::Help; }},
 };
 
@@ -47,10 +53,9 @@ const OptionRow* FindOption(std::string_view name) {
     return nullptr;
 }
 
-[[noreturn]] void Fail(const StringTable& strings, std::int32_t text, const std::string& first,
+[[noreturn]] void Fail(const StringTable& strings, Str text, const std::string& first,
                        const std::string& second = {}) {
-    throw RuntimeError(ErrorNumber::InvalidCall,
-                       Filled(strings.LoadResString(text), first, second));
+    throw RuntimeError(ErrorNumber::InvalidCall, Filled(strings.Text(text), first, second));
 }
 
 void Replace(std::string& text, std::string_view mark, const std::string& value) {
@@ -65,13 +70,13 @@ void ApplyOption(Options& options, const std::vector<std::string>& arguments, st
     const std::size_t equals = argument.starts_with("--") ? argument.find('=') : std::string::npos;
     const std::string name = argument.substr(0, equals);
     const OptionRow* const row = FindOption(name);
-    if (!row) Fail(strings, 2030, argument);
+    if (!row) Fail(strings, Str::UnknownOption, argument);
     std::string value;
     if (equals != std::string::npos) {
         value = argument.substr(equals + 1);
-        if (row->value.empty()) Fail(strings, 2032, value, name);
+        if (row->value.empty()) Fail(strings, Str::OptionRefusesValue, value, name);
     } else if (!row->value.empty()) {
-        if (at + 1 == arguments.size()) Fail(strings, 2031, name);
+        if (at + 1 == arguments.size()) Fail(strings, Str::OptionNeedsValue, name);
         value = arguments[++at];
     }
     row->apply(options, value);
@@ -79,8 +84,8 @@ void ApplyOption(Options& options, const std::vector<std::string>& arguments, st
 
 void CheckTogether(const Options& options, const StringTable& strings) {
     if (options.action != Action::Flash) return;
-    if (options.image.empty()) Fail(strings, 2033, {});
-    if (!options.faults.empty() && !options.practice) Fail(strings, 2046, {});
+    if (options.image.empty()) Fail(strings, Str::NameOneImage, {});
+    if (!options.faults.empty() && !options.practice) Fail(strings, Str::FaultNeedsPractice, {});
 }
 
 }  // namespace
@@ -95,7 +100,7 @@ Options ParseOptions(const std::vector<std::string>& arguments, const StringTabl
         } else if (!optionsEnded && argument.size() > 1 && argument.starts_with('-')) {
             ApplyOption(options, arguments, at, strings);
         } else {
-            if (!options.image.empty()) Fail(strings, 2033, {});
+            if (!options.image.empty()) Fail(strings, Str::NameOneImage, {});
             options.image = argument;
         }
     }
@@ -105,15 +110,15 @@ Options ParseOptions(const std::vector<std::string>& arguments, const StringTabl
 
 std::string HelpText(const StringTable& strings) {
     constexpr std::size_t kColumn = 24;
-    std::string text = strings.LoadResString(2000) + "\n" + strings.LoadResString(2001) + "\n\n";
+    std::string text = strings.Text(Str::Usage) + "\n" + strings.Text(Str::UsagePurpose) + "\n\n";
     for (const OptionRow& row : kOptions) {
         std::string left = "  ";
         left.append(row.letter.empty() ? "    " : std::string(row.letter) + ", ").append(row.name);
         if (!row.value.empty()) left.append(" ").append(row.value);
         if (left.size() < kColumn) left.append(kColumn - left.size(), ' ');
-        text += left + "  " + strings.LoadResString(row.help) + "\n";
+        text += left + "  " + strings.Text(row.help) + "\n";
     }
-    return text + "\n" + strings.LoadResString(2015) + "\n";
+    return text + "\n" + strings.Text(Str::DefaultsFromSettings) + "\n";
 }
 
 std::string Filled(std::string text, const std::string& first, const std::string& second) {

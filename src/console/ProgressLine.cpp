@@ -48,7 +48,7 @@ void ProgressLine::Draw(int percent, const std::string& status, const std::strin
     }
     std::string line = Bar(percent) + " " + numbers;
     if (percent > 0 && percent < 100)
-        line += "  " + Filled(mStrings.LoadResString(2044), TimeLeft(percent));
+        line += "  " + Filled(mStrings.Text(Str::TimeLeft), TimeLeft(percent));
     // One column less than the terminal width: a full line would wrap and scroll.
     mTerminal.Write("\r" + FixedWidth(line, std::max(mTerminal.Columns(), 2u) - 1));
     mLineOpen = true;

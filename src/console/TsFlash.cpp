@@ -28,8 +28,8 @@ namespace vantor {
 namespace {
 
 /// An error that prevents a run: shown as a message, exit status 2.
-RuntimeError Refusal(const StringTable& strings, std::int32_t text, const std::string& what) {
-    return RuntimeError(ErrorNumber::InvalidCall, Filled(strings.LoadResString(text), what));
+RuntimeError Refusal(const StringTable& strings, Str text, const std::string& what) {
+    return RuntimeError(ErrorNumber::InvalidCall, Filled(strings.Text(text), what));
 }
 
 std::string Version() {
@@ -43,18 +43,19 @@ std::string PortList(const SerialPorts& ports, const StringTable& strings) {
     for (const SerialPortInfo& port : ports.List())
         text += FixedWidth(port.name, 7) + port.device +
                 (port.description.empty() ? "" : "  " + port.description) + "\n";
-    return text.empty() ? strings.LoadResString(2045) + "\n" : text;
+    return text.empty() ? strings.Text(Str::NoPortFound) + "\n" : text;
 }
 
 /// The image, which has a line to send.
 std::string ReadImage(const std::string& path, const Files& files, const StringTable& strings) {
-    if (!files.Exists(path)) throw Refusal(strings, 2034, path);
+    if (!files.Exists(path)) throw Refusal(strings, Str::ImageNotFound, path);
     std::string text;
-    if (!Ignoring([&] { text = files.ReadAll(path); })) throw Refusal(strings, 2035, path);
+    if (!Ignoring([&] { text = files.ReadAll(path); }))
+        throw Refusal(strings, Str::ImageNotReadable, path);
     const ImageLines lines(text);
     for (std::size_t i = 0; i <= lines.UBound(); ++i)
         if (!TrimBlanks(lines[i]).empty()) return text;
-    throw Refusal(strings, 2036, path);
+    throw Refusal(strings, Str::ImageHasNoLine, path);
 }
 
 /// Why the port did not open, as a sentence; empty when unknown.
@@ -64,15 +65,15 @@ std::string OpenFailure(const SerialControl& comm, const StringTable& strings) {
     const bool known = !error->Who().empty();
     switch (error->Why()) {
         case PortOpenError::Reason::NoSuchPort:
-            return Filled(strings.LoadResString(2051), error->Device());
+            return Filled(strings.Text(Str::NoSuchPort), error->Device());
         case PortOpenError::Reason::NotPermitted:
-            return Filled(strings.LoadResString(known ? 2052 : 2053), error->Device(),
-                          error->Who());
+            return Filled(strings.Text(known ? Str::DeviceOfGroup : Str::PermissionDenied),
+                          error->Device(), error->Who());
         case PortOpenError::Reason::InUse:
-            return Filled(strings.LoadResString(known ? 2054 : 2055), error->Device(),
+            return Filled(strings.Text(known ? Str::PortInUseBy : Str::PortInUse), error->Device(),
                           error->Who());
         case PortOpenError::Reason::LineRefused:
-            return Filled(strings.LoadResString(2056), error->Device(), comm.Settings());
+            return Filled(strings.Text(Str::PortRefusesLine), error->Device(), comm.Settings());
     }
     return {};
 }
@@ -86,9 +87,10 @@ void CheckSettings(Registry& registry, const StringTable& strings) {
             static_cast<void>(registry.CloseKey(key));
     } catch (const UnreadableStore& store) {
         const std::size_t line = store.DamagedLine();
-        throw RuntimeError(ErrorNumber::InvalidCall,
-                           Filled(strings.LoadResString(line == 0 ? 2081 : 2080), store.File(),
-                                  std::to_string(line)));
+        throw RuntimeError(
+            ErrorNumber::InvalidCall,
+            Filled(strings.Text(line == 0 ? Str::SettingsFileUnreadable : Str::SettingsFileDamaged),
+                   store.File(), std::to_string(line)));
     }
 }
 
@@ -255,14 +257,14 @@ void Run::Override(const std::optional<std::string>& value, const char* option,
     if (!value) return;
     if (!Ignoring([&] { (mSettings.*set)(*value); }))
         throw RuntimeError(ErrorNumber::InvalidCall,
-                           Filled(mNative.strings->LoadResString(2032), *value, option));
+                           Filled(mNative.strings->Text(Str::OptionRefusesValue), *value, option));
 }
 
 std::unique_ptr<Practice> Run::MakePractice() {
     if (!mOptions.practice) return nullptr;
     auto practice =
         std::make_unique<Practice>(*mNative.clock, mSettings, mOptions.faults, mFiles.Image());
-    if (!mOptions.quiet) mNative.terminal->Write(mNative.strings->LoadResString(2047) + "\n");
+    if (!mOptions.quiet) mNative.terminal->Write(mNative.strings->Text(Str::PracticeNotice) + "\n");
     return practice;
 }
 
@@ -270,7 +272,7 @@ std::unique_ptr<Transcript> Run::MakeTranscript() {
     if (mOptions.log.empty()) return nullptr;
     std::unique_ptr<Transcript> transcript;
     if (!Ignoring([&] { transcript = std::make_unique<Transcript>(mOptions.log, *mNative.clock); }))
-        throw Refusal(*mNative.strings, 2037, mOptions.log);
+        throw Refusal(*mNative.strings, Str::TranscriptNotWritable, mOptions.log);
     return transcript;
 }
 
@@ -287,7 +289,7 @@ void Run::Watch() {
     if (mSession && mSession->Outcome() == FlashOutcome::NothingAccepted &&
         !mWindow->Flags().mblnCloseRequested) {
         mProgress.Finish();
-        mNative.terminal->WriteError(mNative.strings->LoadResString(2043) + "\n");
+        mNative.terminal->WriteError(mNative.strings->Text(Str::NoLineAccepted) + "\n");
         mWindow->Flags().mblnCloseRequested = true;
     }
 }
@@ -298,7 +300,7 @@ void Run::HintAtLateReplies() {
     if (!latenessMs) return;
     mProgress.Break();
     mNative.terminal->WriteError(
-        Filled(mNative.strings->LoadResString(2049), std::to_string(*latenessMs)) + "\n");
+        Filled(mNative.strings->Text(Str::LateReplies), std::to_string(*latenessMs)) + "\n");
 }
 
 // The session reads the abort flag until it has an outcome. Only until then does the button tell
@@ -310,21 +312,23 @@ bool Run::CanAbort() const {
 void Run::Interrupted() {
     mProgress.Finish();
     const bool honoured = CanAbort();
-    const bool inFlash = mWindow->Flags().mblnFlashing;
-    mNative.terminal->WriteError(mNative.strings->LoadResString(honoured  ? 714
-                                                                : inFlash ? 2041
-                                                                          : 2042) +
-                                 "\n");
+    Str answer = Str::NothingToAbort;
+    if (honoured)
+        answer = Str::Aborting;
+    else if (mWindow->Flags().mblnFlashing)
+        answer = Str::TooLateToAbort;
+    mNative.terminal->WriteError(mNative.strings->Text(answer) + "\n");
     if (honoured) mWindow->cmdFlashAbort.Press();
 }
 
 ExitStatus CheckAndFlash(NativePlatform& native, const Options& options) {
     const StringTable& strings = *native.strings;
     if (!options.log.empty() && native.files->SameFile(options.log, options.image))
-        throw Refusal(strings, 2050, options.log);
+        throw Refusal(strings, Str::TranscriptIsImage, options.log);
     std::string image = ReadImage(options.image, *native.files, strings);
     CheckSettings(*native.registry, strings);
-    if (!options.yes && !native.terminal->InputIsTerminal()) throw Refusal(strings, 2038, {});
+    if (!options.yes && !native.terminal->InputIsTerminal())
+        throw Refusal(strings, Str::NoTerminalForQuestion, {});
     return Run(native, options, std::move(image)).Flash();
 }
 
@@ -353,7 +357,7 @@ ExitStatus RunTsFlash(NativePlatform& native) {
         native.terminal->WriteError("tsflash: " + error.Description() + "\n");
         // Mistakes of the user are error 5 with a sentence as the description.
         if (!error.Is(ErrorNumber::InvalidCall)) return ExitStatus::UpdateFailure;
-        native.terminal->WriteError(strings.LoadResString(2048) + "\n");
+        native.terminal->WriteError(strings.Text(Str::TryHelp) + "\n");
         return ExitStatus::Usage;
     }
 }

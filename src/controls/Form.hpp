@@ -10,6 +10,7 @@
 
 #include "controls/Control.hpp"
 #include "platform/Peers.hpp"
+#include "resources/texts/Str.hpp"
 
 namespace vantor {
 
@@ -37,9 +38,8 @@ struct ControlStyle {
     bool holdsFocus = false;
     bool clickable = false;  ///< of a panel: a button for the mouse and for the keyboard
     Ground ground = Ground::Plain;
-    /// Number of the text that is read aloud for a control which shows none; 0 where it does, or
-    /// where the label in the row before tells what it is.
-    std::int32_t spokenName = 0;
+    /// The accessible name of a control that shows no text and follows no label.
+    Str spokenName = Str::None;
 };
 
 /// One control of a window's design.

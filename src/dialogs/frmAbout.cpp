@@ -21,7 +21,7 @@ void frmAbout::Form_Load() {
     Trapped("frmAbout.Form_Load", [this] {
         LoadResources(*this, mStrings, Translate::WithoutMenusAndTitle);
         const AppInfo app;
-        lblVersion.Caption(mStrings.LoadResString(401) + " " + std::to_string(app.major) + "." +
+        lblVersion.Caption(mStrings.Text(Str::Version) + " " + std::to_string(app.major) + "." +
                            TwoDigits(app.minor) + "." + std::to_string(app.revision));
         lblRelease.Caption("");
         // "Acerca de..." and "About..." without the dots and the accelerator of the menu would need

@@ -61,9 +61,10 @@ void FlashSession::doFlash() {
         mHost.ShowFunction(MainPanel::Flash);
         mHost.EnableButtons(false);
         CFileDialog dialog(mPlatform.dialogs);
-        dialog.DialogTitle = Text(312);
+        dialog.DialogTitle = Text(Str::ChooseImageTitle);
         dialog.DefaultExt = ".run";
-        dialog.Filter = Text(313) + " (*.run)|*.run|" + Text(813) + " (*.*)|*.*";
+        dialog.Filter =
+            Text(Str::ImageFiles) + " (*.run)|*.run|" + Text(Str::AllFiles) + " (*.*)|*.*";
         // Without a documents folder the dialog begins where the system wants it to.
         Ignoring([&] {
             dialog.InitialDir =
@@ -71,7 +72,7 @@ void FlashSession::doFlash() {
         });
         dialog.hWndParent = mHost.Window().Handle();
         if (!dialog.Show(true)) return;
-        mPlatform.peers.HoldSystem(Text(723));
+        mPlatform.peers.HoldSystem(Text(Str::UpdatingIndicator));
         FlashIndicator(dialog.FileName);
         while (mFlags.mblnFlashing && !mHost.Window().Gone()) {
             DoEventsNice(mPlatform.pump);
@@ -121,7 +122,7 @@ void FlashSession::Dialogue(const std::string& fileName, CHourglass& hourglass) 
     if (!OpenLine(hourglass)) return;
     CMMTimer stopwatch(mPlatform.clock);
     stopwatch.StartTimer();
-    mControls.lblStatus.Caption(Text(708));
+    mControls.lblStatus.Caption(Text(Str::Initializing));
     mControls.cmdFlashAbort.Enabled(true);
     if (!Handshake(hourglass)) return;
     if (Stream(fileName, stopwatch)) ArmFinalPhase(hourglass);
@@ -129,7 +130,8 @@ void FlashSession::Dialogue(const std::string& fileName, CHourglass& hourglass) 
 
 bool FlashSession::Confirmed() {
     const BoxAnswer answer = mPlatform.boxes.Show(
-        {.text = Text(703) + kParagraph + Text(704) + " " + kParagraph + Text(705),
+        {.text = Text(Str::CriticalOperation) + kParagraph + Text(Str::DoNotTurnOff) + " " +
+                 kParagraph + Text(Str::ProceedQuestion),
          .title = {},
          .icon = BoxIcon::Question,
          .buttons = BoxButtons::YesNo,
@@ -144,7 +146,7 @@ bool FlashSession::OpenLine(CHourglass& hourglass) {
     if (mControls.mobjComm.PortOpen()) return true;
     hourglass.Value(false);
     mOutcome = FlashOutcome::PortNotOpen;
-    Say(BoxIcon::Exclamation, Text(1001));
+    Say(BoxIcon::Exclamation, Text(Str::PortNotOpened));
     return false;
 }
 
@@ -154,7 +156,7 @@ bool FlashSession::Handshake(CHourglass& hourglass) {
     if (Command("TRAV") != SendResult::SendOK) {
         hourglass.Value(false);
         mOutcome = FlashOutcome::NotInBootMonitor;
-        Say(BoxIcon::Information, Text(1004));
+        Say(BoxIcon::Information, Text(Str::NotInBootMonitor));
         return false;
     }
     // A monitor that cannot change its speed is flashed at the configured one.
@@ -162,7 +164,7 @@ bool FlashSession::Handshake(CHourglass& hourglass) {
     if (Command("SYSLOAD") != SendResult::SendOK) {
         hourglass.Value(false);
         mOutcome = FlashOutcome::SystemLoadRefused;
-        Say(BoxIcon::Exclamation, Text(1005));
+        Say(BoxIcon::Exclamation, Text(Str::SystemLoadRefused));
         return false;
     }
     return true;
@@ -195,7 +197,7 @@ bool FlashSession::Stream(const std::string& fileName, const CMMTimer& stopwatch
             if (sent == Line::Refused) {
                 mLastAccepted = false;
                 mOutcome = FlashOutcome::LineRefused;
-                Say(BoxIcon::Exclamation, Text(1009), Text(1010));
+                Say(BoxIcon::Exclamation, Text(Str::FlashFailure), Text(Str::UpdateFailureTitle));
                 return false;
             }
         }
@@ -224,8 +226,8 @@ FlashSession::Line FlashSession::SendLine(std::string_view line) {
 
 void FlashSession::ShowProgress(std::int32_t index, std::int32_t last, const CMMTimer& stopwatch) {
     // Both numbers are indices, counted from 0.
-    mControls.lblStatus.Caption(Text(816) + " " + std::to_string(index) + " " + Text(817) + " " +
-                                std::to_string(last));
+    mControls.lblStatus.Caption(Text(Str::Line) + " " + std::to_string(index) + " " +
+                                Text(Str::Of) + " " + std::to_string(last));
     mControls.lblElapsed.Caption(TimeOfDay(ToInt16(stopwatch.ElapsedTime())));
     std::int16_t percent = 0;
     ScalePercentLong(index, last, percent);
@@ -252,7 +254,7 @@ void FlashSession::ArmFinalPhase(CHourglass& hourglass) {
     mStatus = std::make_shared<frmStatus>(mHost.Window().GetDesktop(), mPlatform.strings);
     mStatus->Load();
     mStatus->CenterOn(mHost.Window());
-    mStatus->Message(Text(723));
+    mStatus->Message(Text(Str::UpdatingIndicator));
     mStatus->Show(ShowMode::Modeless, &mHost.Window());
     mControls.mobjComm.ReceiveThreshold(1);
     if (!mFlags.mblnFlashing) return;
@@ -264,9 +266,9 @@ void FlashSession::ArmFinalPhase(CHourglass& hourglass) {
 
 void FlashSession::EndStreaming() {
     if (mLink.EndWanted()) {
-        mControls.lblStatus.Caption(Text(712));
+        mControls.lblStatus.Caption(Text(Str::UpdateAborted));
         mOutcome = FlashOutcome::Aborted;
-        Say(BoxIcon::Exclamation, Text(713), Text(712));
+        Say(BoxIcon::Exclamation, Text(Str::FlashAborted), Text(Str::UpdateAborted));
     }
     const bool goesOn =
         mOutcome == FlashOutcome::AwaitingVerdict || mOutcome == FlashOutcome::NothingAccepted;
@@ -299,7 +301,7 @@ void FlashSession::VerdictDone() {
     comm.Output("BOOT\r");
     while (comm.OutBufferCount() >= 1 && !mHost.Window().Gone()) DoEventsNice(mPlatform.pump);
     comm.ClosePort();
-    Say(BoxIcon::Information, Text(709), Text(711));
+    Say(BoxIcon::Information, Text(Str::DownloadComplete), Text(Str::FlashSuccessful));
     ClearProgress();
     comm.ReceiveThreshold(0);
 }
@@ -309,7 +311,9 @@ void FlashSession::VerdictVerifyFailed() {
     CloseStatus();
     mControls.tmrFlashTimeout.Enabled(false);
     mOutcome = FlashOutcome::VerifyFailed;
-    Say(BoxIcon::Critical, Text(1006) + " " + kParagraph + Text(1007), Text(1008));
+    Say(BoxIcon::Critical,
+        Text(Str::CriticalFlashFailure) + " " + kParagraph + Text(Str::ReturnForRepair),
+        Text(Str::CriticalErrorTitle));
     mControls.mobjComm.ClosePort();
     mFlags.mblnFlashing = false;
     ClearProgress();
@@ -324,7 +328,9 @@ void FlashSession::tmrFlashTimeout_Timer() {
     mOutcome = FlashOutcome::NoVerdict;
     mFlags.mblnFlashing = false;
     Ignoring([this] { ClearProgress(); });
-    Ignoring([this] { Say(BoxIcon::Exclamation, Text(1009), Text(1010)); });
+    Ignoring([this] {
+        Say(BoxIcon::Exclamation, Text(Str::FlashFailure), Text(Str::UpdateFailureTitle));
+    });
 }
 
 void FlashSession::CloseStatus() {
@@ -345,8 +351,8 @@ void FlashSession::Say(BoxIcon icon, const std::string& text, const std::string&
     mPlatform.boxes.Show({.text = text, .title = title, .icon = icon, .owner = window.Handle()});
 }
 
-std::string FlashSession::Text(std::int32_t id) const {
-    return mPlatform.strings.LoadResString(id);
+std::string FlashSession::Text(Str text) const {
+    return mPlatform.strings.Text(text);
 }
 
 }  // namespace vantor

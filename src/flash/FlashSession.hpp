@@ -12,6 +12,7 @@
 #include "flash/SerialLink.hpp"
 #include "platform/MessageBoxes.hpp"
 #include "platform/Platform.hpp"
+#include "resources/texts/Str.hpp"
 #include "support/CMMTimer.hpp"
 
 namespace vantor {
@@ -82,7 +83,7 @@ private:
     void ClearProgress();
 
     void Say(BoxIcon icon, const std::string& text, const std::string& title = {});
-    std::string Text(std::int32_t id) const;
+    std::string Text(Str text) const;
 
     FlashHost& mHost;
     FlashControls mControls;

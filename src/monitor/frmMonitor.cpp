@@ -56,8 +56,8 @@ frmMonitor::frmMonitor(Desktop& desktop, Platform& platform, MonitorOwner& owner
     mnuCaptureSend.Click.Handle([this] { mnuCaptureSend_Click(); }, Nesting::Allowed);
 }
 
-std::string frmMonitor::Text(std::int32_t id) const {
-    return mPlatform.strings.LoadResString(id);
+std::string frmMonitor::Text(Str text) const {
+    return mPlatform.strings.Text(text);
 }
 
 // --- lifetime --------------------------------------------------------------------------------
@@ -152,7 +152,7 @@ void frmMonitor::UnloadProgress() {
 void frmMonitor::UpdateStatus() {
     Trapped("frmMonitor.UpdateStatus", [this] {
         const bool open = comMonitor.PortOpen();
-        sbStatusBar.PanelText("status", Text(open ? 818 : 819));
+        sbStatusBar.PanelText("status", Text(open ? Str::Connected : Str::Disconnected));
         mblnPortOpen = open;
         mnuCaptureSend.Enabled(mblnPortOpen);
     });
@@ -231,8 +231,10 @@ void frmMonitor::ShowPortSettings() {
 }
 
 void frmMonitor::TellPortTrouble() {
-    mPlatform.boxes.Show(
-        {.text = Text(1001), .title = "", .icon = BoxIcon::Exclamation, .owner = Handle()});
+    mPlatform.boxes.Show({.text = Text(Str::PortNotOpened),
+                          .title = "",
+                          .icon = BoxIcon::Exclamation,
+                          .owner = Handle()});
 }
 
 void frmMonitor::mnuFileExit_Click() {
@@ -245,19 +247,19 @@ void frmMonitor::mnuFileExit_Click() {
 // --- capture ---------------------------------------------------------------------------------
 
 /// The file confirmed by the user; empty on cancel, and when the window was closed meanwhile.
-std::string frmMonitor::AskForFile(std::int32_t title, bool openDialog) {
+std::string frmMonitor::AskForFile(Str title, bool openDialog) {
     CFileDialog dialog(mPlatform.dialogs);
     dialog.DialogTitle = Text(title);
     dialog.DefaultExt = ".txt";
     dialog.Flags = kFileDialogFlags;
-    dialog.Filter = Text(812) + " (*.txt)|*.txt|" + Text(813) + " (*.*)|*.*";
+    dialog.Filter = Text(Str::TextFiles) + " (*.txt)|*.txt|" + Text(Str::AllFiles) + " (*.*)|*.*";
     dialog.hWndParent = Handle();
     return dialog.Show(openDialog) && !Gone() ? dialog.FileName : std::string();
 }
 
 void frmMonitor::mnuCaptureStart_Click() {
     Trapped("frmMonitor.mnuCaptureStart_Click", [this] {
-        const std::string fileName = AskForFile(814, false);
+        const std::string fileName = AskForFile(Str::CaptureFileTitle, false);
         if (!fileName.empty()) comMonitor.CaptureFile(fileName);
     });
 }
@@ -273,7 +275,7 @@ void frmMonitor::mnuCaptureSend_Click() {
         // The send would run on top of the update, which would stand still until it ends. The menu
         // entry follows the port alone.
         if (mOwner.FlashIsRunning()) return mPlatform.boxes.Beep();
-        const std::string fileName = AskForFile(811, true);
+        const std::string fileName = AskForFile(Str::SendFileTitle, true);
         if (!fileName.empty()) SendFile(fileName);
     });
 }
@@ -333,7 +335,8 @@ bool frmMonitor::SendLines(const std::string& text, frmSend& progress) {
         lost = !comMonitor.PortOpen();
         sent = !lost;
         if (lost) break;
-        progress.status(Text(816) + " " + std::to_string(i) + " " + Text(817) + " " + last);
+        progress.status(Text(Str::Line) + " " + std::to_string(i) + " " + Text(Str::Of) + " " +
+                        last);
         mPlatform.pump.PumpPending();
         if (Gone()) return false;
         sent = !MustStop(progress);

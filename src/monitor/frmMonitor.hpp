@@ -10,6 +10,7 @@
 #include "controls/Controls.hpp"
 #include "controls/Form.hpp"
 #include "platform/Platform.hpp"
+#include "resources/texts/Str.hpp"
 #include "terminal/TerminalControl.hpp"
 
 namespace vantor {
@@ -84,13 +85,13 @@ private:
     void mnuCaptureSend_Click();
     void ShowPortSettings();
     void TellPortTrouble();
-    std::string AskForFile(std::int32_t title, bool openDialog);
+    std::string AskForFile(Str title, bool openDialog);
     std::string GetFile(const std::string& fileName);
     bool SendLines(const std::string& text, frmSend& progress);
     bool FileExists(const std::string& fileName) const;
     void AwaitDriver(CDelay& delay, const frmSend& progress);
     bool MustStop(const frmSend& progress) const;
-    std::string Text(std::int32_t id) const;
+    std::string Text(Str text) const;
 
     Platform& mPlatform;
     MonitorOwner& mOwner;

@@ -51,12 +51,12 @@ void frmPortSettings::ListLine() {
     Fill(cboSpeed,
          {"300", "600", "1200", "2400", "4800", "9600", "19200", "38400", "57600", "115200"},
          std::to_string(line.bitsPerSecond));
-    const auto text = [this](std::int32_t id) { return mPlatform.strings.LoadResString(id); };
-    cboParity.Items({text(2117), text(2118), text(2119)});
+    const auto text = [this](Str name) { return mPlatform.strings.Text(name); };
+    cboParity.Items({text(Str::NoParity), text(Str::OddParity), text(Str::EvenParity)});
     cboParity.ListIndex(static_cast<int>(line.parity));
     Fill(cboDataBits, {"7", "8"}, std::to_string(line.dataBits));
     Fill(cboStopBits, {"1", "2"}, std::to_string(line.stopBits));
-    cboFlowControl.Items({text(2120)});
+    cboFlowControl.Items({text(Str::NoFlowControl)});
     cboFlowControl.ListIndex(0);
     cboFlowControl.Enabled(false);
 }

@@ -4,6 +4,8 @@
 #include <cstdint>
 #include <string>
 
+#include "resources/texts/Str.hpp"
+
 namespace vantor {
 
 class StringTable {
@@ -14,6 +16,9 @@ public:
     /// Spanish when that is the user's interface language, English otherwise. Nothing is cached.
     /// Raises RuntimeError 326 for a number that is not in the table.
     virtual std::string LoadResString(std::int32_t id) const = 0;
+
+    /// The same by name.
+    std::string Text(Str text) const { return LoadResString(static_cast<std::int32_t>(text)); }
 };
 
 }  // namespace vantor

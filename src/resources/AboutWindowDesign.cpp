@@ -11,7 +11,8 @@ using enum ControlKind;
 constexpr ControlStyle kHeading = {.points = 12, .bold = true};
 constexpr ControlStyle kOkStyle = {.cancelButton = true};
 // It is also what Enter presses, so that OK has no default button's edge.
-constexpr ControlStyle kFocusStyle = {.defaultButton = true, .holdsFocus = true, .spokenName = 301};
+constexpr ControlStyle kFocusStyle = {
+    .defaultButton = true, .holdsFocus = true, .spokenName = Str::ProgramTitle};
 
 constexpr std::array kControls = {
     ControlDesign{Image, "imgLogo", -1, "", {240, 240, 960, 960}, "", ""},

@@ -9,7 +9,7 @@ namespace {
 
 using enum ControlKind;
 
-constexpr ControlStyle kTree = {.spokenName = 501};
+constexpr ControlStyle kTree = {.spokenName = Str::OptionsTitle};
 constexpr ControlStyle kHeading = {.bold = true};
 constexpr ControlStyle kCaptionBar = {.points = 11, .bold = true, .ground = Ground::CaptionBar};
 constexpr ControlStyle kOk = {.defaultButton = true};

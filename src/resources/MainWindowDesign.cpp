@@ -13,9 +13,10 @@ constexpr const char* kWelcomeInDesign =
     "Welcome to the Vantor update utility. Connect the indicator to this computer, place it into "
     "boot monitor mode and click below to begin.";
 
-constexpr ControlStyle kPicture = {.clickable = true, .ground = Ground::Banner, .spokenName = 314};
-constexpr ControlStyle kUpdates = {.spokenName = 305};
-constexpr ControlStyle kProgress = {.spokenName = 2130};
+constexpr ControlStyle kPicture = {
+    .clickable = true, .ground = Ground::Banner, .spokenName = Str::VisitWebSite};
+constexpr ControlStyle kUpdates = {.spokenName = Str::AvailableUpdates};
+constexpr ControlStyle kProgress = {.spokenName = Str::ProgressName};
 constexpr ControlStyle kWelcome = {.points = 11, .centred = true};
 constexpr ControlStyle kFlashButton = {.points = 12, .bold = true, .defaultButton = true};
 constexpr ControlStyle kFigure = {.points = 14, .bold = true};

@@ -9,7 +9,8 @@ namespace {
 
 using enum ControlKind;
 
-constexpr ControlStyle kScreen = {.points = 10, .face = "Terminal", .spokenName = 2131};
+constexpr ControlStyle kScreen = {
+    .points = 10, .face = "Terminal", .spokenName = Str::TerminalName};
 
 constexpr std::array kControls = {
     ControlDesign{Terminal, "comMonitor", -1, "", {}, "", "", kScreen},

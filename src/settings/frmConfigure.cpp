@@ -62,10 +62,11 @@ void frmConfigure::RestorePosition() {
 
 void frmConfigure::InitializeControls() {
     Trapped("frmConfigure.InitializeControls", [this] {
-        const auto text = [this](std::int32_t id) { return mPlatform.strings.LoadResString(id); };
+        const auto text = [this](Str name) { return mPlatform.strings.Text(name); };
         tvwOptions.Clear();
-        tvwOptions.Add({.key = "P1", .parent = "", .text = text(513), .bold = true});
-        tvwOptions.Add({.key = "C0", .parent = "P1", .text = text(514)});
+        tvwOptions.Add(
+            {.key = "P1", .parent = "", .text = text(Str::CommunicationsNode), .bold = true});
+        tvwOptions.Add({.key = "C0", .parent = "P1", .text = text(Str::SettingsNode)});
         mobjTreeViewEnh.Tree = &tvwOptions;
         mobjTreeViewEnh.RestoreNodeStates();
         for (PictureBox& page : picHolder) {
@@ -113,7 +114,7 @@ void frmConfigure::LoadData() {
             ports, [](const std::string& name) { return name.find("COM") == std::string::npos; });
         Fill(cboPort, std::move(ports), mobjSettings->CommPort());
         Fill(cboBaudRate, {"9600", "38400"}, mobjSettings->BaudRate());
-        const std::string none = mPlatform.strings.LoadResString(517);
+        const std::string none = mPlatform.strings.Text(Str::ParityNone);
         Fill(cboParity, {"N" + none}, UpperCase(mobjSettings->Parity()) + none);
         Fill(cboDataBits, {"8"}, mobjSettings->DataBits());
         Fill(cboStopBits, {"2"}, mobjSettings->StopBits());
@@ -191,7 +192,7 @@ void frmConfigure::cboBaudRate_Click() {
         if (mblnLoading) return;
         mobjSettings->BaudRate(cboBaudRate.Text());
         if (LeadingNumber(cboBaudRate.Text()) >= kRecommended) return;
-        mPlatform.boxes.Show({.text = mPlatform.strings.LoadResString(512),
+        mPlatform.boxes.Show({.text = mPlatform.strings.Text(Str::LowBaudRateAdvice),
                               .title = "",
                               .icon = BoxIcon::Information,
                               .owner = Handle()});

@@ -27,18 +27,18 @@ constexpr std::uint32_t kBeepIntervalMs = 250;
 
 struct MenuRow {
     TerminalCommand command;
-    std::int32_t text;
+    Str text;
     bool startsGroup;
 };
 
-constexpr std::array kMenu = {MenuRow{TerminalCommand::Open, 2100, false},
-                              MenuRow{TerminalCommand::Close, 2101, false},
-                              MenuRow{TerminalCommand::Settings, 2102, false},
-                              MenuRow{TerminalCommand::Copy, 2103, true},
-                              MenuRow{TerminalCommand::Paste, 2104, false},
-                              MenuRow{TerminalCommand::SelectAll, 2105, false},
-                              MenuRow{TerminalCommand::Clear, 2106, true},
-                              MenuRow{TerminalCommand::Reset, 2107, false}};
+constexpr std::array kMenu = {MenuRow{TerminalCommand::Open, Str::TerminalOpenPort, false},
+                              MenuRow{TerminalCommand::Close, Str::TerminalClosePort, false},
+                              MenuRow{TerminalCommand::Settings, Str::TerminalPortSettings, false},
+                              MenuRow{TerminalCommand::Copy, Str::TerminalCopy, true},
+                              MenuRow{TerminalCommand::Paste, Str::TerminalPaste, false},
+                              MenuRow{TerminalCommand::SelectAll, Str::TerminalSelectAll, false},
+                              MenuRow{TerminalCommand::Clear, Str::TerminalClearScreen, true},
+                              MenuRow{TerminalCommand::Reset, Str::TerminalReset, false}};
 
 std::size_t Slot(TerminalCommand command) {
     return static_cast<std::size_t>(command);
@@ -284,7 +284,7 @@ std::vector<OfferedCommand> TerminalControl::ContextMenu() const {
         const CommandOffer offer = CommandMode(command);
         if (offer == CommandOffer::Never) continue;
         menu.push_back({.command = command,
-                        .caption = mPlatform.strings.LoadResString(text),
+                        .caption = mPlatform.strings.Text(text),
                         .enabled = offer == CommandOffer::Always || Useful(command),
                         .startsGroup = startsGroup});
     }
@@ -329,7 +329,7 @@ bool TerminalControl::RefusePaste(const std::string& text) {
         if (rest.empty()) return false;
         character = FirstCharacter(rest);
     }
-    std::string told = mPlatform.strings.LoadResString(2132);
+    std::string told = mPlatform.strings.Text(Str::PasteRefused);
     told.replace(told.find("%1"), 2, NameOf(character));
     told.replace(told.find("%2"), 2, std::to_string(line));
     mPlatform.boxes.Show({.text = told, .icon = BoxIcon::Exclamation, .owner = Parent().Handle()});

@@ -29,7 +29,7 @@ void Fuzz(std::string_view input) {
     Require(!version.empty() && version.find('\0') == std::string::npos);
     Require(version.front() != ' ' && version.back() != ' ');
     // Each UTF-16 code unit takes at most three bytes in UTF-8.
-    Require(version == headless.strings.LoadResString(320) ||
+    Require(version == headless.strings.Text(Str::UnknownVersion) ||
             version.size() <= block.size() / 2 * 3);
 }
 

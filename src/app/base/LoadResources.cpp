@@ -32,8 +32,8 @@ void TranslateForm(Form& form, const StringTable& strings, Translate what) {
         }
     }
     for (const ControlDesign& row : form.Design().controls)
-        if (row.style.spokenName != 0)
-            form.ControlOf(row).SpokenName(strings.LoadResString(row.style.spokenName));
+        if (row.style.spokenName != Str::None)
+            form.ControlOf(row).SpokenName(strings.Text(row.style.spokenName));
     if (what == Translate::All && !form.Tag().empty())
         form.Caption(strings.LoadResString(ToInt16(form.Tag())));
 }

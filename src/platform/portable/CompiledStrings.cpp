@@ -20,7 +20,7 @@ struct Row {
 // The closing row avoids a zero-length array when a table has no texts.
 constexpr Row kClosingRow = {std::numeric_limits<std::int32_t>::max(), "-", "-"};
 
-#define STRING(id, english, spanish) Row{id, english, spanish},
+#define STRING(id, identifier, english, spanish) Row{id, english, spanish},
 
 // clang-format off
 constexpr std::array kClosedProductTexts = {

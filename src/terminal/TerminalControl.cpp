@@ -98,6 +98,7 @@ TerminalControl::~TerminalControl() {
 // --- the port --------------------------------------------------------------------------------
 
 void TerminalControl::Open() {
+    static_cast<void>(mPort.InBufferCount());  // closes a port whose device has gone
     if (PortOpen()) return;
     mPort.Open([this] { TakeInput(kMostAtOnce); });
 }

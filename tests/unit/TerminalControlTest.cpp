@@ -189,6 +189,11 @@ TEST_F(TerminalControlTest, WhatCannotBeSentIsNotAndBeeps) {
         Texts{"!||Nothing was pasted. This character cannot be sent: Ω (U+03A9), in line 3."});
     EXPECT_EQ(mWire.received, "?\xF1");
     mWire.gone = true;
+    mCom.PerformCommand(TerminalCommand::Open);
+    EXPECT_FALSE(mCom.PortOpen()) << "a lost port is no open one";
+    mWire.gone = false;
+    mCom.PerformCommand(TerminalCommand::Open);
+    mWire.gone = true;
     EXPECT_EQ(beeps([this] { mCom.Key("a"); }), 1) << "lost, and nobody knew";
     EXPECT_EQ(beeps([this] { mCom.Paste(); }), 1);
     EXPECT_EQ(Told(mPlatform).size(), 1u);

@@ -110,7 +110,7 @@ TEST_F(TerminalView, LettersShowWhereOnlyOneColourWasChosen) {
         for (const Cell& cell : {Cell{'x', colour}, Cell{'x', kDefaultColour, colour},
                                  Cell{'x', colour, kDefaultColour, kReversed}}) {
             const CellColours colours = ColoursOf(cell, false, false);
-            EXPECT_GT(difference(colours.ink, colours.ground), 200) << int{colour};
+            EXPECT_GT(difference(colours.ink, colours.ground), 100) << int{colour};
         }
     }
     EXPECT_EQ(ColoursOf(Cell{'x', 1}, false, false).ink, RGB(170, 0, 0)) << "as it was chosen";

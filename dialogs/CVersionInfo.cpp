@@ -9,7 +9,7 @@
 namespace vantor {
 
 std::string CVersionInfo::FileVersion(const std::string& path) {
-    const std::string unknown = mStrings.LoadResString(320);
+    std::string unknown = mStrings.LoadResString(320);
     if (!ReadBlock(path)) return unknown;
     std::string version = TrimNulls(GetInfoBlock("ProductVersion"));
     // Read but never reported: what counts is the file's own version, even when it has none.

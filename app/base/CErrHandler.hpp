@@ -74,7 +74,7 @@ public:
     /// set. Any other object raises "Invalid object type: " and its type name; a null pointer
     /// stands for a record set not yet assigned.
     void Destination(std::string path) { mDestination = std::move(path); }
-    void Destination(std::shared_ptr<DestinationObject> object);
+    void Destination(const std::shared_ptr<DestinationObject>& object);
     const std::variant<std::string, std::shared_ptr<ErrorRecordSet>>& Destination() const {
         return mDestination;
     }

@@ -78,7 +78,7 @@ public:
     // Who has laid the wire takes it away with both ports, and lays another one.
     void HangUp() override {
         const std::filesystem::path request(std::getenv("CONTRACT_PULL"));
-        std::ofstream{request};
+        std::ofstream(request).close();
         while (std::filesystem::exists(request)) Sleep(10);
     }
 

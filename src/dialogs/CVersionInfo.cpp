@@ -9,7 +9,7 @@
 namespace vantor {
 
 std::string CVersionInfo::FileVersion(const std::string& path) {
-    const std::string unknown = mStrings.Text(Str::UnknownVersion);
+    std::string unknown = mStrings.Text(Str::UnknownVersion);
     if (!ReadBlock(path)) return unknown;
     std::string version = TrimNulls(GetInfoBlock("ProductVersion"));
     // Read but not used: the file version is the result, even when it is empty.

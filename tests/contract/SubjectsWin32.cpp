@@ -78,7 +78,7 @@ public:
     // run_under_wine.sh replaces the line and both ports, then deletes the request file.
     void HangUp() override {
         const std::filesystem::path request(std::getenv("CONTRACT_PULL"));
-        std::ofstream{request};
+        std::ofstream(request).close();
         while (std::filesystem::exists(request)) Sleep(10);
     }
 

@@ -367,7 +367,7 @@ Box App::Read(HWND box) {
 
 Box App::TakeBox(int button) const {
     const HWND window = AwaitBox();
-    const Box box = Read(window);
+    Box box = Read(window);
     PressIn(window, button);
     Await("the box to close", [&] { return IsWindow(window) == 0; });
     return box;

@@ -67,10 +67,10 @@ TEST_F(Pictures, EachKindIsShownUndistortedAndAClickOpensItsAddress) {
         int width;
         int height;
     } kRows[] = {{"gif", 200, 50}, {"jpg", 40, 160}, {"bmp", 900, 300}};
-    for (const auto& [kind, width, height] : kRows) {
-        const std::string name = std::string("a.") + kind;
+    for (const auto& row : kRows) {
+        const std::string name = std::string("a.") + row.kind;
         cache.Clear();
-        cache.Draw(name, kind, width, height);
+        cache.Draw(name, row.kind, row.width, row.height);
         cache.Put("cache.txt", "1|2|other.gif|http://other/\r\n1|2|" + name + "|http://site/" +
                                    name + "?x=1&y=2|5\r\n");
         Restart();
@@ -82,7 +82,9 @@ TEST_F(Pictures, EachKindIsShownUndistortedAndAClickOpensItsAddress) {
             const LONG down = red.bottom - red.top;
             const bool fills =
                 down >= place.bottom - place.top - 8 || across >= place.right - place.left - 8;
-            return fills && std::abs(across * height - down * width) <= 2 * (width + height) &&
+            return fills &&
+                   std::abs(across * row.height - down * row.width) <=
+                       2 * (row.width + row.height) &&
                    std::abs(red.right - blue.left) <= 2 &&
                    std::abs(red.left + blue.right - (place.right - place.left)) <= 4;
         });

@@ -121,12 +121,12 @@ TEST_F(TsUpdate, APortThatIsHeldOrVanishesIsToldOnceAndWorksAgainWhenItIsBack) {
         Box box;
     } kRows[] = {{"no-trav=silent", "Initializing", kNoMonitor},
                  {"silent@6", "Line 6 of 60", kFailure}};
-    for (const auto& [fault, stage, box] : kRows) {
-        indicator.Start(std::string("--fault ") + fault);
+    for (const auto& row : kRows) {
+        indicator.Start(std::string("--fault ") + row.fault);
         StartFlash();
-        Await(stage, [&] { return app->Text("lblStatus") == stage; });
+        Await(row.stage, [&] { return app->Text("lblStatus") == row.stage; });
         indicator.Stop();
-        EXPECT_EQ(app->TakeBox(), box);
+        EXPECT_EQ(app->TakeBox(), row.box);
         ExpectIdle();
         indicator.Start("");
         StartFlash();

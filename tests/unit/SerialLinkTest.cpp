@@ -54,7 +54,7 @@ TEST_F(LinkFixture, TheFirstKnownWordInTheOrderOfTheTestsWins) {
         {"ok ??", SendResult::SendFailed},
     };
     for (const auto& [reply, result] : rows) {
-        far.onReceive = [&] { far.sent = reply; };
+        far.onReceive = [this, text = reply] { far.sent = text; };
         EXPECT_EQ(Send("L"), result) << reply;
         EXPECT_EQ(window->mobjComm.InBufferCount(), 0u);
     }

@@ -35,7 +35,7 @@ CErrHandler::CErrHandler(const Services& services) : mServices(services) {
     SetErrorSink(before);
 }
 
-void CErrHandler::Destination(std::shared_ptr<DestinationObject> object) {
+void CErrHandler::Destination(const std::shared_ptr<DestinationObject>& object) {
     auto records = std::dynamic_pointer_cast<ErrorRecordSet>(object);
     if (object && !records)
         throw RuntimeError(ErrorNumber::TypeMismatch, "Invalid object type: " + object->TypeName());

@@ -74,7 +74,7 @@ public:
     /// or a record set. Any other object raises "Invalid object type: " and its type name;
     /// a null pointer is a record set that is not assigned yet.
     void Destination(std::string path) { mDestination = std::move(path); }
-    void Destination(std::shared_ptr<DestinationObject> object);
+    void Destination(const std::shared_ptr<DestinationObject>& object);
     const std::variant<std::string, std::shared_ptr<ErrorRecordSet>>& Destination() const {
         return mDestination;
     }

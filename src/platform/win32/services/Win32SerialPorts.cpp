@@ -95,6 +95,7 @@ std::vector<SerialPortInfo> Win32SerialPorts::List() const {
         if (std::string target = DeviceOf(ComName(number)); !target.empty())
             devices.emplace(number, std::move(target));
     std::vector<SerialPortInfo> ports;
+    ports.reserve(devices.size());
     for (const auto& [number, where] : devices)
         ports.push_back({ToUtf8(ComName(number)), where, {}});
     return ports;

@@ -15,7 +15,7 @@ void LayoutStartup(MainLayout& layout, Size panel) {
     constexpr Size kFlashButton = {3600, 690};
     const float width = std::min(panel.width, 7800.0f);
     const float left = (panel.width - width) / 2;
-    constexpr float kTextHeight = 1080;  // four lines, needed by the longer language
+    constexpr float kTextHeight = 1080;  // four lines, for the language with the longer text
     const float spare = panel.height - kTextHeight - kFlashButton.height;
     layout.welcome = {left, spare / 4, width, kTextHeight};
     layout.flash = {(panel.width - kFlashButton.width) / 2, spare / 2 + kTextHeight,

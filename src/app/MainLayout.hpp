@@ -11,7 +11,7 @@ namespace vantor {
 /// Positions of the panels within the window, and of the controls within their panels.
 struct MainLayout {
     Place picture;
-    Place panel;  ///< of all three panels, one of them visible
+    Place panel;  ///< of all three panels; only one is visible
 
     Place welcome;
     Place flash;

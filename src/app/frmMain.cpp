@@ -108,7 +108,7 @@ void frmMain::Form_Unload() {
 
 void frmMain::Form_Resize() {
     Trapped("frmMain.Form_Resize", [this] {
-        // A minimised window has no inside to lay out.
+        // A minimised window has no client area to lay out.
         if (State() == WindowState::Minimised) return;
         const MainLayout layout = LayoutMainWindow(InnerSize());
         picPicture.Place(layout.picture);

@@ -34,16 +34,16 @@ bool modStartup::Main() {
         mMain->Load();
         mMain->Show(ShowMode::Modeless);
     });
-    // A loaded window that could not be shown would keep the program running out of sight, and
-    // every later start would end at the running instance.
+    // A loaded but invisible window would keep the process running, and the single-instance check
+    // would end every later start.
     if (!clean && mMain) mMain->Unload();
     return !mDesktop.OpenForms().empty();
 }
 
 void modStartup::ShowHelp(NativeWindow owner) {
     Trapped("modStartup.ShowHelp", [&] {
-        // No box and no program start may delay the reply to a line, so this is one of the commands
-        // that are disabled during an update.
+        // A message box or a process start could delay the reply to a line, so this command is
+        // disabled during an update.
         if (!mMain->cmdFlash.Enabled()) return;
         Str complaint = Str::None;
         if (!mPlatform.files.Exists(mHelpFile))
@@ -58,7 +58,7 @@ void modStartup::ShowHelp(NativeWindow owner) {
     });
 }
 
-// Errors cannot be reported before the handler is installed, so those of each step are ignored.
+// No error handler is installed yet, so errors in these steps are ignored.
 void modStartup::PrepareErrorHandler() {
     Ignoring([this] {
         mErrors = std::make_unique<CErrHandler>(

@@ -21,9 +21,9 @@ public:
     modStartup(const modStartup&) = delete;
     modStartup& operator=(const modStartup&) = delete;
 
-    /// Sets the process up and shows the main window. False when no window is open afterwards, and
-    /// the program must end at once: another instance runs already, the window could not be made
-    /// (reported), or it was closed while a box of the start-up was open.
+    /// Initialises the process and shows the main window. False when no window is open afterwards
+    /// and the program must exit: another instance is running, creating the window failed
+    /// (reported), or the user closed it while a start-up message box was open.
     bool Main();
 
     CErrHandler& Errors() { return *mErrors; }

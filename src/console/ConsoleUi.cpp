@@ -53,7 +53,7 @@ private:
     Terminal& mTerminal;
 };
 
-/// Any other window: prints the message that it wants drawn at once.
+/// Any other window: prints the message of each immediate redraw.
 class MessagePeer : public FormPeer {
 public:
     MessagePeer(ProgressLine& progress, Terminal& terminal)

@@ -1,5 +1,4 @@
-// Windows, boxes and dialogs of a console program: writes everything that the session would
-// show to the terminal.
+// Windows, message boxes and dialogs of a console program, written to the terminal as text.
 #pragma once
 
 #include <functional>
@@ -91,8 +90,8 @@ private:
     bool mQuiet;
 };
 
-/// A pump that forwards to another and calls a function after each pass, so that the interrupt key
-/// is noticed wherever the session waits.
+/// Wraps a message pump and calls a function after each pass, so that the interrupt key is polled
+/// in every wait of the session.
 class WatchedPump : public MessagePump {
 public:
     WatchedPump(MessagePump& inner, std::function<void()> afterRound)

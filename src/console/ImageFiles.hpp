@@ -1,4 +1,4 @@
-// The file service of one run: forwards to the system's, but holds the image as read at the start.
+// The file service of one run: forwards to the system's, but serves the image read at the start.
 #pragma once
 
 #include <string>
@@ -8,8 +8,8 @@
 
 namespace vantor {
 
-/// The session reads the image only after SYSLOAD. A file that has been changed, removed or locked
-/// since it was checked would leave the indicator without firmware.
+/// The session reads the image only after SYSLOAD. If the file were changed, removed or locked
+/// after the check, the indicator would be left without firmware.
 class ImageFiles : public Files {
 public:
     /// `path` means `image`, byte for byte. `system` outlives the object.

@@ -10,8 +10,8 @@
 
 namespace vantor {
 
-/// On a terminal a line that is redrawn in place: bar, percentage, line number and count,
-/// elapsed time, remaining time. Otherwise a line for each ten per cent.
+/// On a terminal, one line redrawn in place: bar, percentage, line number and count, elapsed time,
+/// remaining time. When output is redirected, one line per ten per cent.
 class ProgressLine {
 public:
     /// All must outlive the object.
@@ -26,7 +26,7 @@ public:
 
     /// Ends the line, so that other text can follow. The next `Show` starts a new one.
     void Break();
-    /// Likewise, and ends the progress: the next `Show` starts another.
+    /// Ends the line and the progress; the next `Show` starts a new progress.
     void Finish();
 
 private:

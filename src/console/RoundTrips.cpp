@@ -10,8 +10,8 @@ namespace {
 
 constexpr std::int64_t kMicrosPerMilli = 1000;
 constexpr std::int64_t kMicrosPerSecond = 1'000'000;
-// "OK" and CR. The wait ends with the K, but an adapter that forwards a reply at once does so at
-// its CR; the line feed is received while the next line is sent.
+// "OK" and CR. The wait ends with the K, but an adapter that forwards replies immediately does so at
+// the CR. The line feed arrives while the next line is sent.
 constexpr std::size_t kReplyCharacters = 3;
 
 /// The lower of the two middle values when the count is even.
@@ -63,14 +63,14 @@ void RoundTrips::Closed() {
 void RoundTrips::Sent(std::string_view bytes) {
     Count(bytes);
     if (!mSending) BeginSend();
-    // The driver may have accepted only a part; the rest follows.
+    // The driver may have accepted only part of it.
     mSend += bytes;
     if (mSend.ends_with('\r')) EndSend();
 }
 
 void RoundTrips::BeginSend() {
-    // Input after the reply to a line is discarded before the next send. A verdict remains here
-    // only when the session has listened for one; what it sends then is not a line of the image.
+    // Input after the reply to a line is discarded before the next send, so "DONE" is still here
+    // only when the session waited for a verdict. What it sends after that is not an image line.
     if (mPhase == Phase::Image && mReply.find("DONE") != std::string::npos) mPhase = Phase::Over;
     mSending = true;
     mAwaiting = false;

@@ -1,5 +1,5 @@
 // Measures the round trips of the indicator's replies, from the traffic on the line only.
-// Distinguishes an adapter that holds replies back from a slow line, and summarises a session.
+// Distinguishes adapter latency from a slow line, and summarises a session.
 #pragma once
 
 #include <cstddef>
@@ -31,8 +31,8 @@ public:
     /// `clock` must outlive the object.
     explicit RoundTrips(const Clock& clock) : mClock(clock) {}
 
-    /// By how many whole milliseconds replies are late, once that is known; reported once.
-    /// Empty when they are not late, and after it was reported.
+    /// By how many whole milliseconds replies are late; empty before that is known, when they are
+    /// not late, and after the first call that returned a value.
     std::optional<std::int64_t> TakeLateness();
 
     /// Summary of the session so far, for a transcript: one line each for the image lines,
@@ -66,8 +66,8 @@ private:
 
     std::optional<std::uint32_t> mBegun;
     std::uint32_t mLastAt = 0;
-    // Bits in both directions, by bits per second, and divided only once: a character need not take
-    // a whole number of microseconds.
+    // Bits in both directions, by bits per second. Divided only once, because a character may take
+    // a fractional number of microseconds.
     std::map<std::uint32_t, std::uint64_t> mBits;
     std::uint64_t mLines = 0;
     std::uint64_t mAcknowledged = 0;

@@ -11,7 +11,7 @@
 
 namespace vantor {
 
-/// Called for every event right after it has happened.
+/// Called right after each event.
 class TrafficListener {
 public:
     virtual ~TrafficListener() = default;

@@ -52,7 +52,7 @@ void Transcript::Note(std::string_view mark, std::string_view text) {
     const int length = std::snprintf(time.data(), time.size(), "%8lu",
                                      static_cast<unsigned long>(mClock.Milliseconds() - mStart));
     mFile.write(time.data(), length);
-    // Flushed after each line: a transcript matters most when the program has crashed.
+    // Flushed after each line, so that the transcript survives a crash.
     mFile << ' ' << mark << ' ' << text << std::endl;
 }
 

@@ -46,7 +46,7 @@ std::string PortList(const SerialPorts& ports, const StringTable& strings) {
     return text.empty() ? strings.Text(Str::NoPortFound) + "\n" : text;
 }
 
-/// The image, which has a line to send.
+/// Reads the image. Rejects one without lines to send.
 std::string ReadImage(const std::string& path, const Files& files, const StringTable& strings) {
     if (!files.Exists(path)) throw Refusal(strings, Str::ImageNotFound, path);
     std::string text;
@@ -78,7 +78,7 @@ std::string OpenFailure(const SerialControl& comm, const StringTable& strings) {
     return {};
 }
 
-/// Defaults in the place of settings that cannot be read could name another port.
+/// Falling back to defaults for unreadable settings could select the wrong port.
 void CheckSettings(Registry& registry, const StringTable& strings) {
     try {
         RegistryKey key = 0;
@@ -236,8 +236,8 @@ ExitStatus Run::Flash() {
     return StatusOf(outcome);
 }
 
-// Values from the command line go through the setters of the settings, in an edit that is never
-// applied: nothing is stored.
+// Command-line values go through the setters of the settings, in an edit that is never applied,
+// so nothing is stored.
 void Run::LoadSettings() {
     Trapped("tsflash.LoadSettings", [this] { mSettings.Initialize(); });
     mSettings.BeginEdit();
@@ -294,7 +294,7 @@ void Run::Watch() {
     }
 }
 
-// Also under --quiet: a configuration fault that would go unnoticed is not progress output.
+// Shown under --quiet too: this reports a configuration fault, not progress.
 void Run::HintAtLateReplies() {
     const std::optional<std::int64_t> latenessMs = mRoundTrips.TakeLateness();
     if (!latenessMs) return;
@@ -303,8 +303,8 @@ void Run::HintAtLateReplies() {
         Filled(mNative.strings->Text(Str::LateReplies), std::to_string(*latenessMs)) + "\n");
 }
 
-// The session reads the abort flag until it has an outcome. Only until then does the button tell
-// whether an abort is possible: blank lines at the end of the image leave it enabled for good.
+// The session polls the abort flag only until it has an outcome. After that the button state is
+// meaningless: blank lines at the end of the image leave it enabled.
 bool Run::CanAbort() const {
     return mSession->Outcome() == FlashOutcome::None && mWindow->cmdFlashAbort.Enabled();
 }
@@ -355,7 +355,7 @@ ExitStatus RunTsFlash(NativePlatform& native) {
     } catch (...) {
         const RuntimeError error = PendingError();
         native.terminal->WriteError("tsflash: " + error.Description() + "\n");
-        // Mistakes of the user are error 5 with a sentence as the description.
+        // User errors are error 5 with a sentence as the description.
         if (!error.Is(ErrorNumber::InvalidCall)) return ExitStatus::UpdateFailure;
         native.terminal->WriteError(strings.Text(Str::TryHelp) + "\n");
         return ExitStatus::Usage;

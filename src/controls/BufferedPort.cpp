@@ -63,7 +63,7 @@ LineSettings ParseLineSettings(std::string_view settings) {
 void BufferedPort::Open(std::function<void()> notify) {
     Close();
     mOpenError.reset();
-    // A port that cannot be opened stays closed: its user asks IsOpen and says so.
+    // A port that cannot be opened stays closed; callers check IsOpen and report it.
     try {
         mPort = mPorts.Open(PortName(name), ParseLineSettings(settings));
     } catch (const PortOpenError& error) {

@@ -1,4 +1,4 @@
-// A serial port as the controls use it: configured by strings, raises no errors of the line.
+// A serial port for the controls: configured by strings, raises no line errors.
 #pragma once
 
 #include <cstddef>
@@ -30,7 +30,7 @@ public:
     void Open(std::function<void()> notify);
     void Close();
     bool IsOpen() const { return mPort != nullptr; }
-    /// Why the last `Open` failed; none after a success or an error other than those of the port.
+    /// Why the last `Open` failed; empty after success or after an error not raised by the port.
     const std::optional<PortOpenError>& OpenError() const { return mOpenError; }
 
     /// Sets the callback for input of the open port; an empty function removes it.
@@ -40,9 +40,9 @@ public:
     void Output(std::string_view bytes);
     /// Passes as much pending output to the driver as it accepts. True when none is left.
     bool FlushPending();
-    /// Forgets what the driver has not taken, except the rest of the line that has begun.
+    /// Discards pending output, except the rest of a partly sent line.
     void DropPendingLines();
-    /// Bytes queued and not yet sent; 0 on a closed port. Asking moves the queue on.
+    /// Bytes queued and not yet sent; 0 on a closed port. Also calls `FlushPending`.
     std::size_t OutBufferCount();
 
     /// Bytes waiting to be read; 0 on a closed port. Also calls `FlushPending`.
@@ -59,7 +59,7 @@ private:
     SerialPorts& mPorts;
     std::unique_ptr<SerialPort> mPort;
     std::optional<PortOpenError> mOpenError;
-    std::string mPending;  // accepted by Output, not yet taken by the driver
+    std::string mPending;  // accepted by Output, not yet accepted by the driver
 };
 
 }  // namespace vantor

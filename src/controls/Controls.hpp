@@ -53,12 +53,12 @@ public:
 /// A panel or a picture that can be printed on, and clicked when its design row says so.
 class PictureBox : public ClickControl {
 public:
-    /// A picture shown instead of the ground of the design row, as large as fits undistorted; null
-    /// for the ground.
+    /// A picture shown instead of the background of the design row, scaled to fit with its aspect
+    /// ratio; null for the background.
     const std::shared_ptr<const Picture>& Loaded() const { return mLoaded; }
     void Loaded(std::shared_ptr<const Picture> loaded);
 
-    /// A text that was printed on the box, its upper left corner in twips.
+    /// A printed text and its upper left corner in twips.
     struct Printed {
         float left = 0;
         float top = 0;
@@ -140,8 +140,8 @@ private:
 /// Index of `text` in the list of `combo`, case-sensitive; -1 when it is not found.
 int FindStringComboBox(const ComboBox& combo, const std::string& text);
 
-/// A bar of texts that positions itself at the bottom edge of its window: only the height of its
-/// place is used, and a peer sets it to the drawn height. `Property::Value` reports a changed text.
+/// A status bar, docked at the bottom edge of its window: only the height of its place is used,
+/// and a peer sets it to the drawn height. `Property::Value` reports a changed text.
 class StatusBar : public Control {
 public:
     struct Panel {
@@ -163,7 +163,7 @@ private:
     std::vector<Panel> mPanels;
 };
 
-/// A list with columns, of which one row can be selected. It has no rows so far.
+/// A list with columns and single selection. Rows are not implemented.
 class ListView : public ClickControl {
 public:
     ListView(Form& parent, std::string name, std::vector<std::string> columns)

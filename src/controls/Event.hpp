@@ -11,10 +11,10 @@ namespace vantor {
 /// Whether an event is re-entrant: may be raised while its own handler runs.
 enum class Nesting : bool { Refused, Allowed };
 
-/// What became of an event that was raised.
+/// The result of raising an event.
 enum class EventResult : std::uint8_t {
-    NoHandler,  ///< nobody handles it
-    Busy,       ///< its handler runs already and may not be nested; nothing was done
+    NoHandler,  ///< no handler is set
+    Busy,       ///< its handler is running and is not re-entrant; nothing was done
     Handled,
 };
 
@@ -35,7 +35,7 @@ public:
         mNesting = nesting;
     }
 
-    /// Runs the handler where there is one that may run now.
+    /// Runs the handler, if one is set and not already running (unless re-entrant).
     EventResult Raise(Args... args) {
         if (!mHandler) return EventResult::NoHandler;
         if (mRunning && mNesting == Nesting::Refused) return EventResult::Busy;

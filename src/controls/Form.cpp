@@ -15,7 +15,7 @@ Place MiddleOf(const Place& area, Place place) {
     return place;
 }
 
-/// A start of at least `from`, and of at most what lets `length` end within `room`.
+/// `start` clamped so that `length` fits into `room` from `from` on; `from` if it is too long.
 float Within(float start, float length, float from, float room) {
     return std::max(from, std::min(start, from + room - length));
 }

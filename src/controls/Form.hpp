@@ -18,23 +18,23 @@ class MessagePump;
 
 enum class WindowState : std::uint8_t { Normal = 0, Minimised = 1, Maximised = 2 };
 
-/// What a panel shows where nothing else is on it.
+/// The background of a panel.
 enum class Ground : std::uint8_t {
     Plain,
     Banner,      ///< the built-in promotional picture
     CaptionBar,  ///< the colours of an active window's title
 };
 
-/// What is special about a control's looks, its place among the keys, or how it is read aloud.
+/// Deviations of a control from the default appearance, keyboard behaviour or accessible name.
 struct ControlStyle {
     float points = 9;       ///< font size
     const char* face = "";  ///< typeface; empty for that of the window
     bool bold = false;
     bool centred = false;        ///< of a label's text
-    bool verbatim = false;       ///< likewise: "&" shows, and "..." where there is no room for more
+    bool verbatim = false;       ///< of a label's text: "&" is literal, overflow is an ellipsis
     bool defaultButton = false;  ///< pressed by Enter
     bool cancelButton = false;   ///< pressed by Esc
-    /// Has the focus when the window opens, and Tab never stops on it.
+    /// Has the initial focus; not a tab stop.
     bool holdsFocus = false;
     bool clickable = false;  ///< of a panel: a button for the mouse and for the keyboard
     Ground ground = Ground::Plain;
@@ -113,8 +113,8 @@ public:
     /// Centres the window in `area` (twips of the screen) without changing its size.
     void CenterIn(const vantor::Place& area);
 
-    /// Moves the window to the middle of `other`, or of the place that `other` takes when it is
-    /// restored while it is minimised; always within the free part of the monitor there.
+    /// Centres the window on `other`, or on its restored position when `other` is minimised.
+    /// The result is clamped to the work area of that monitor.
     void CenterOn(const Form& other);
 
     WindowState State() const { return mState; }
@@ -130,7 +130,7 @@ public:
 
     /// Applies the design, makes the peer and runs Form_Load; a second call does nothing.
     /// Raises RuntimeError 51 when the design and the class disagree about the controls, and what
-    /// the peer or Form_Load raises. The window is then gone, without Form_Unload.
+    /// the peer or Form_Load raises. The window is then unloaded, without Form_Unload.
     void Load();
 
     /// Loads the window if needed and shows it; a modal one returns when it is closed.
@@ -172,7 +172,7 @@ private:
     Size TextSize(const Control& control, const std::string& face, const std::string& text) const;
     void FormChanged(Property property);
     void ApplyDesign();
-    /// Ends the window's life on the desktop. The caller keeps the object alive.
+    /// Removes the window from the desktop. The caller keeps the object alive.
     void Leave();
 
     Desktop& mDesktop;

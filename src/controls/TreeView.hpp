@@ -26,7 +26,7 @@ public:
     TreeView(Form& parent, std::string name, int index = -1)
         : Control(parent, ControlKind::TreeView, std::move(name), index) {}
 
-    /// The user has selected a node: by mouse, by key, or by closing one that it lies under.
+    /// The user has selected a node: by mouse, by key, or by collapsing an ancestor of it.
     Event<TreeNode> NodeClick{[this] { return KeepParent(); }};
 
     const std::vector<TreeNode>& Nodes() const { return mNodes; }
@@ -36,8 +36,8 @@ public:
     void Add(TreeNode node);
     void Clear();
 
-    /// Opens or closes a node. When the selected one disappears, this one is selected instead.
-    /// No event follows.
+    /// Expands or collapses a node. If that hides the selected node, this one is selected instead.
+    /// Raises no event.
     void Expanded(int node, bool expanded);
 
     /// -1 for none.

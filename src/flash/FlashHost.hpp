@@ -34,7 +34,7 @@ class FlashHost {
 public:
     virtual ~FlashHost() = default;
 
-    /// The window itself: owner of the boxes; when it is gone, every wait ends.
+    /// The owner window of the message boxes. Every wait ends once it is unloaded.
     virtual Form& Window() = 0;
     virtual FlashControls SessionControls() = 0;
     virtual FlashFlags& Flags() = 0;

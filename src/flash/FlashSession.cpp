@@ -65,7 +65,7 @@ void FlashSession::doFlash() {
         dialog.DefaultExt = ".run";
         dialog.Filter =
             Text(Str::ImageFiles) + " (*.run)|*.run|" + Text(Str::AllFiles) + " (*.*)|*.*";
-        // Without a documents folder the dialog begins where the system wants it to.
+        // Without a documents folder the dialog opens in the system default folder.
         Ignoring([&] {
             dialog.InitialDir =
                 AddFinalSlash(mPlatform.folders.PersonalDocuments()) + "Caldor Downloads\\";
@@ -76,12 +76,12 @@ void FlashSession::doFlash() {
         FlashIndicator(dialog.FileName);
         while (mFlags.mblnFlashing && !mHost.Window().Gone()) {
             DoEventsNice(mPlatform.pump);
-            // No line of the image was accepted, so only the user can end this wait.
+            // No line was accepted, so no verdict will come; only the user can end this wait.
             if (mOutcome == FlashOutcome::NothingAccepted && mFlags.mblnCloseRequested)
                 mFlags.mblnFlashing = false;
         }
     };
-    // In every case close the port and make the window usable again.
+    // Also after an error: close the port and re-enable the window.
     const auto restore = [this] {
         mPlatform.peers.HoldSystem({});
         mControls.mobjComm.ClosePort();
@@ -159,7 +159,7 @@ bool FlashSession::Handshake(CHourglass& hourglass) {
         Say(BoxIcon::Information, Text(Str::NotInBootMonitor));
         return false;
     }
-    // A monitor that cannot change its speed is flashed at the configured one.
+    // If the monitor cannot change its speed, the configured speed is used.
     if (Command("BAUD 115200") == SendResult::SendOK && !mHost.Window().Gone()) SpeedUp();
     if (Command("SYSLOAD") != SendResult::SendOK) {
         hourglass.Value(false);
@@ -201,7 +201,7 @@ bool FlashSession::Stream(const std::string& fileName, const CMMTimer& stopwatch
                 return false;
             }
         }
-        // Lets the abort button and close requests through.
+        // Pumps messages for the abort button and close requests.
         mPlatform.pump.PumpPending();
     }
     if (!mLastAccepted) mOutcome = FlashOutcome::NothingAccepted;
@@ -247,7 +247,7 @@ void FlashSession::ScalePercentLong(std::int32_t value, std::int32_t total, std:
 }
 
 void FlashSession::ArmFinalPhase(CHourglass& hourglass) {
-    // The verdict may be waiting already: its box then shows from within this function.
+    // The verdict may already be in the buffer; its message box then opens inside this function.
     hourglass.Value(false);
     mControls.lblWarning.Caption("");
     mstrReply.clear();
@@ -259,8 +259,8 @@ void FlashSession::ArmFinalPhase(CHourglass& hourglass) {
     mControls.mobjComm.ReceiveThreshold(1);
     if (!mFlags.mblnFlashing) return;
     mControls.tmrFlashTimeout.Enabled(true);
-    // Last, because only what has been armed completely can end the session: after an error above
-    // nothing would ever clear mblnFlashing, and the window could not be closed.
+    // Last, because only a completely armed phase can end the session. If an error above left this
+    // set, nothing would clear mblnFlashing and the window could not be closed.
     mOutcome = FlashOutcome::AwaitingVerdict;
 }
 
@@ -344,7 +344,7 @@ void FlashSession::ClearProgress() {
 
 // ------------------------------------------------------------------------------------------
 
-// A window that is gone shows no more messages.
+// Shows nothing after the window has been unloaded.
 void FlashSession::Say(BoxIcon icon, const std::string& text, const std::string& title) {
     const Form& window = mHost.Window();
     if (window.Gone()) return;

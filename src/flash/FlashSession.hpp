@@ -1,5 +1,5 @@
-// One firmware update, from the selection of the image to the indicator's verdict: the protocol
-// with the boot monitor, the streaming of lines, and the supervision of the final phase.
+// One firmware update, from the selection of the image to the indicator's verdict: the boot
+// monitor dialogue, streaming the lines, and the time limit of the final phase.
 #pragma once
 
 #include <cstdint>
@@ -20,7 +20,7 @@ namespace vantor {
 class CHourglass;
 class frmStatus;
 
-/// How the last session ended, or what it waits for.
+/// How the last session ended, or what it is waiting for.
 enum class FlashOutcome : std::uint8_t {
     None,      ///< no session yet, or not ended yet
     Declined,  ///< the warning was not answered Yes
@@ -66,7 +66,7 @@ private:
     bool Handshake(CHourglass& hourglass);
     void SpeedUp();
     SendResult Command(std::string_view command);
-    /// True when all lines are through and the indicator owes a verdict.
+    /// True when all lines are sent and the verdict is outstanding.
     bool Stream(const std::string& fileName, const CMMTimer& stopwatch);
     Line SendLine(std::string_view line);
     void ShowProgress(std::int32_t index, std::int32_t last, const CMMTimer& stopwatch);

@@ -35,8 +35,8 @@ SerialLink::SerialLink(FlashHost& host, const CAppSettings& settings, Clock& clo
 
 void SerialLink::SetupCommPortFlash() {
     Trapped("frmMain.SetupCommPortFlash", [this] {
-        // The control is always raw, without echo and flow control, while it is open;
-        // the only state left by an earlier session can be its receive threshold.
+        // An open control is always raw, without echo or flow control. The only state that an
+        // earlier session can leave is the receive threshold.
         mComm.ReceiveThreshold(0);
         mComm.Port(mSettings.CommPort());
         mComm.Settings(SettingsAt(mSettings.BaudRate()));
@@ -70,7 +70,7 @@ void SerialLink::SendData(std::string& text, bool paced, SendResult& result) {
         [&] {
             if (text.ends_with("\r\n")) text.pop_back();
             if (!text.ends_with('\r')) text += '\r';
-            // A command sent after the end is wanted would only leave the indicator half-way.
+            // A command sent after an abort would leave the indicator in the middle of an exchange.
             if (!mComm.PortOpen() || EndWanted()) return;
             const std::int32_t start = mClock.Ticks();
             if (paced)
@@ -93,8 +93,8 @@ SendResult SerialLink::AwaitReply(std::int32_t start) {
         }
         if (late || EndWanted() || !mComm.PortOpen()) return SendResult::SendFailed;
         DoEventsNice(mPump);
-        // A menu held open may have blocked the pump past the limit: what arrived meanwhile
-        // is checked once more before the time-out applies.
+        // An open menu may have blocked the pump past the time limit, so input that arrived
+        // meanwhile is checked before the time-out applies.
         late = mClock.Ticks() > limit;
     }
 }

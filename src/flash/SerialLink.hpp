@@ -17,7 +17,7 @@ class MessagePump;
 
 enum class SendResult : std::int32_t {
     SendOK = 0,            ///< the reply contains "OK"
-    SendFailed = 1,        ///< "??", abort or close wanted, no known reply in time, port not open
+    SendFailed = 1,        ///< "??", abort or close request, time-out, port not open
     SendDone = 2,          ///< "DONE"
     SendVerifyFailed = 3,  ///< "VERIFY FAILED"
 };
@@ -51,15 +51,15 @@ public:
     void DelayedSend(std::string_view text);
 
     /// Sends `text` and waits for the reply, pumping messages. `text` is changed in place: a
-    /// CR LF at its end becomes CR, and a CR is added when there is none. Once the end is wanted
-    /// nothing is sent, which fails. `result` is SendOK only when the reply said so, whatever went
-    /// wrong. The input buffer is empty afterwards.
+    /// CR LF at its end becomes CR, and a CR is added when there is none. After an abort or close
+    /// request it sends nothing and fails. `result` is SendFailed on any error. The input buffer is
+    /// empty afterwards.
     void SendData(std::string& text, bool paced, SendResult& result);
 
-    /// True when the user wants the session to end, or its window is gone.
+    /// True after an abort or close request, or once the window is unloaded.
     bool EndWanted() const;
 
-    /// Waits, pumping messages; ends at once when the window is gone.
+    /// Waits, pumping messages; ends early when the window is unloaded.
     void Wait(std::int16_t ms);
 
 private:

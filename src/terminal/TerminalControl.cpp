@@ -17,7 +17,7 @@
 namespace vantor {
 namespace {
 
-// With continuous input the message loop gets its turn after this many bytes.
+// With continuous input, control returns to the message loop after this many bytes.
 constexpr std::size_t kMostAtOnce = 65'536;
 constexpr auto kAll = static_cast<std::size_t>(-1);
 constexpr std::uint32_t kSendIntervalMs = 10;
@@ -57,7 +57,7 @@ std::string WithLineEnds(std::string_view text, std::string_view lineEnd) {
     return result;
 }
 
-/// The first character of UTF-8 text that is not empty.
+/// The first character of non-empty UTF-8 text.
 std::string_view FirstCharacter(std::string_view utf8) {
     std::size_t length = 1;
     while (length < utf8.size() && (static_cast<unsigned char>(utf8[length]) & 0xC0u) == 0x80u)
@@ -65,7 +65,7 @@ std::string_view FirstCharacter(std::string_view utf8) {
     return utf8.substr(0, length);
 }
 
-/// "→ (U+2192)": many of those that the code page lacks cannot be seen.
+/// "→ (U+2192)". The code point is included because some characters are invisible.
 std::string NameOf(std::string_view character) {
     unsigned code = static_cast<unsigned char>(character.front());
     if (character.size() > 1) code &= 0xFFu >> (character.size() + 1);
@@ -76,7 +76,7 @@ std::string NameOf(std::string_view character) {
     return std::string(character) + std::string(number.data(), static_cast<std::size_t>(length));
 }
 
-/// The code page gives "?" for what it lacks.
+/// The code page converts unsupported characters to "?".
 bool LacksAny(const CodePage& codePage, const std::string& utf8) {
     return std::ranges::count(codePage.ToAnsi(utf8), '?') != std::ranges::count(utf8, '?');
 }
@@ -98,7 +98,7 @@ TerminalControl::~TerminalControl() {
 // --- the port --------------------------------------------------------------------------------
 
 void TerminalControl::Open() {
-    static_cast<void>(mPort.InBufferCount());  // closes a port whose device has gone
+    static_cast<void>(mPort.InBufferCount());  // closes the port if its device is lost
     if (PortOpen()) return;
     mPort.Open([this] { TakeInput(kMostAtOnce); });
 }
@@ -117,17 +117,17 @@ void TerminalControl::DrainOutput() {
 }
 
 void TerminalControl::TakeInput(std::size_t most) {
-    // The box that reports a failed capture lets the window be closed behind it.
+    // The window can be closed while the box that reports a failed capture is open.
     const std::shared_ptr<void> keepAlive = KeepParent();
     const std::string bytes = mPort.Input(most);
-    if (bytes.empty()) return;  // the device has gone, or nothing waits
+    if (bytes.empty()) return;  // the device is lost, or no input
     Show(bytes);
     Capture(bytes);
 }
 
 void TerminalControl::Show(std::string_view bytes) {
     const std::uint64_t bells = mParser.Bells();
-    // Only what stands on the screen can be overwritten, and lines keep their numbers.
+    // Only text on the screen can be overwritten; lines in the history cannot change.
     const std::int64_t top = mScreen.TopLine();
     const std::string marked = mSelection.TextFrom(top);
     mParser.Write(bytes);
@@ -148,8 +148,8 @@ void TerminalControl::Beep() {
 void TerminalControl::Capture(std::string_view bytes) {
     if (!mCapture) return;
     Trapped("TerminalControl.Capture", [&] {
-        // Moved out during the write: a failed write must have ended the capture before its report
-        // is shown, because more text arrives behind that box.
+        // Moved out during the write: a failed write must end the capture before the error box
+        // opens, because more text arrives while that box is open.
         std::unique_ptr<OutputFile> file = std::move(mCapture);
         std::string path = std::exchange(mCaptureFile, {});
         file->Write(bytes);
@@ -161,7 +161,7 @@ void TerminalControl::Capture(std::string_view bytes) {
 void TerminalControl::CaptureFile(const std::string& path) {
     const std::shared_ptr<void> keepAlive = KeepParent();
     TakeInput(kAll);
-    // The file that is being written cannot be made anew before it is closed.
+    // An open capture file must be closed before it can be created again.
     if (path.empty() || path == mCaptureFile) {
         mCapture.reset();
         mCaptureFile.clear();
@@ -196,7 +196,7 @@ void TerminalControl::Key(std::string_view bytes) {
     if (!PortOpen()) return Beep();
     ScrollTo(mScreen.TopLine());
     Send(bytes);
-    if (!PortOpen()) Beep();  // the device is found gone only when it is used
+    if (!PortOpen()) Beep();  // a lost device is detected only on use
 }
 
 void TerminalControl::Type(const std::string& text) {
@@ -247,7 +247,7 @@ void TerminalControl::Clear() {
 void TerminalControl::Invoke(TerminalCommand command) {
     const std::shared_ptr<void> keepAlive = KeepParent();
     bool handled = false;
-    // An owner that is still at one command has had no say in this one.
+    // The owner's handler is running another command and has not seen this one.
     if (Command.Raise(command, handled) == EventResult::Busy) return;
     if (!handled && !Parent().Gone()) PerformCommand(command);
 }
@@ -318,7 +318,7 @@ void TerminalControl::Paste() {
     if (!PortOpen() || !RefusePaste(text)) Type(text);
 }
 
-/// True when `text` cannot be sent, after a box that says why.
+/// True when `text` cannot be sent; a message box has then given the reason.
 bool TerminalControl::RefusePaste(const std::string& text) {
     if (!LacksAny(mPlatform.codePage, text)) return false;
     std::string_view rest = text;

@@ -51,11 +51,11 @@ struct OfferedCommand {
     bool startsGroup;  ///< preceded by a separator
 };
 
-/// The numbers of members are those by which the vendor's terminal knew them. Bytes in both
-/// directions pass unchanged; on the screen they are characters of the system's 8-bit code page.
-/// Nothing raises for the sake of the line: an open that fails, or a device that disappears, is
-/// seen only through `PortOpen`. What cannot be sent of what the user types makes the terminal
-/// beep; it beeps at most four times a second, for whatever reason.
+/// Member numbers are those of the interface of the vendor's terminal. Bytes in both directions
+/// pass unchanged; the screen shows them as characters of the system's 8-bit code page.
+/// Line errors are not raised: a failed open or a lost device shows only in `PortOpen`.
+/// The terminal beeps when typed input cannot be sent. All beeps together are limited to four per
+/// second.
 ///
 /// Peers get `Property::Value` when text has arrived (see `TerminalScreen::Dirty`; a peer calls
 /// `Clean` after painting) and `Property::Repaint` when everything must be repainted.
@@ -75,25 +75,25 @@ public:
     /// Member 88: the port is open.
     bool PortOpen() const { return mPort.IsOpen(); }
 
-    /// Member 116: performs one of the terminal's commands, without asking the owner. Opening an
-    /// open port does nothing. What has arrived by then is shown and captured before a close.
+    /// Member 116: performs a command without raising `Command`. Opening an open port does nothing.
+    /// Closing first shows and captures the input received so far.
     void PerformCommand(TerminalCommand command);
 
-    /// Waits until all that was to be sent is on the line, at most 2 seconds. For a close by the
-    /// user. It does not pump: the windows behind it may be about to go.
+    /// Waits at most 2 seconds until all queued output is on the line, before the user's close.
+    /// Does not pump messages, because the windows may be about to be destroyed.
     void DrainOutput();
-    /// True when the driver has taken all that was to be sent, or the port is closed.
+    /// True when the driver has accepted all queued output, or the port is closed.
     bool OutputTaken() { return mPort.FlushPending(); }
-    /// Forgets the lines that the driver has not begun to take.
+    /// Discards queued lines, except the rest of a partly sent one.
     void DropPendingLines() { mPort.DropPendingLines(); }
 
-    /// Member 130: the dialog for the port's settings, which is set by whoever has one.
+    /// Member 130: calls `SettingsDialog`, which the owner sets to show the port settings.
     void ShowSettings();
     std::function<void()> SettingsDialog;
 
-    /// Member 16: the file that what is received goes into as it arrives; empty when there is
-    /// none. A name begins a capture, replacing the file; the empty text ends it. What has arrived
-    /// by then belongs to the capture that runs, which ends unless the new file cannot be made.
+    /// Member 16: the capture file for received data; empty when none. Setting a name starts a
+    /// capture and overwrites the file; an empty name ends the capture. Input received so far goes
+    /// to the running capture, which continues if another file cannot be created.
     /// Raises what Files::Create does.
     const std::string& CaptureFile() const { return mCaptureFile; }
     void CaptureFile(const std::string& path);
@@ -111,7 +111,7 @@ public:
     void EndLines(bool end) { mEndLines = end; }
 
     /// Member 6: a line longer than the screen width continues in the next row instead of
-    /// overwriting its last column. Default: true; the far end can switch it too.
+    /// overwriting its last column. Default: true; received sequences can change it too.
     bool AutoWrap() const { return mScreen.modes.autoWrap; }
     void AutoWrap(bool wrap) { mScreen.modes.autoWrap = wrap; }
 
@@ -145,10 +145,9 @@ public:
     /// Invokes an entry of the context menu.
     void Invoke(TerminalCommand command);
 
-    /// Bytes as typed, in the system's 8-bit code page; Enter is CR. A beep on a closed port.
+    /// Bytes as typed, in the system's 8-bit code page; Enter is CR. Beeps if the port is closed.
     void Key(std::string_view bytes);
-    /// UTF-8 text as typed. A beep when the code page lacks a character of it: nothing is sent
-    /// then.
+    /// UTF-8 text as typed. Beeps and sends nothing when the code page lacks a character of it.
     void Type(const std::string& text);
 
     void SelectAll();
@@ -156,7 +155,7 @@ public:
     void Select(TextPosition anchor, TextPosition end);
     /// The selected text, UTF-8.
     std::string SelectedText() const;
-    /// Does nothing without a marked text: what the clipboard holds stays.
+    /// Copies the selection; leaves the clipboard unchanged when nothing is selected.
     void Copy();
     /// Types the clipboard's text, each of its line ends as Enter. A text with a character that
     /// the code page lacks is refused as a whole: a box names the character and its line.

@@ -11,7 +11,7 @@ constexpr unsigned char kSubstitute = 0x1A;
 constexpr unsigned char kEscape = 0x1B;
 constexpr unsigned char kDelete = 0x7F;
 constexpr int kLargestParameter = 9999;
-// A text whose end was lost must not take the rest of the session with it.
+// An unterminated string must not consume the rest of the session.
 constexpr std::size_t kLongestText = 4096;
 
 bool IsControl(unsigned char byte) {
@@ -322,8 +322,8 @@ void TerminalParser::SetLook(int code) {
     if (code >= 100 && code <= 107) pen.background = static_cast<std::uint8_t>(code - 100 + 8);
 }
 
-/// A colour of the 256 or the 16 million: those that are one of the sixteen are set,
-/// others ignored. Returns the index of its last parameter.
+/// Handles 256-colour and 24-bit colour parameters: sets those that are among the 16 colours and
+/// ignores others. Returns the index of the last parameter used.
 std::size_t TerminalParser::SetExtendedColour(std::size_t at) {
     const auto parameter = [this](std::size_t i) {
         return i < mParameters.size() ? mParameters[i] : 0;

@@ -32,7 +32,7 @@ private:
     enum class State : std::uint8_t {
         Ground,
         Escape,       ///< after ESC
-        EscapeRest,   ///< after ESC and an intermediate character: the rest is ignored
+        EscapeRest,   ///< after ESC and an intermediate byte; the rest is ignored
         Sequence,     ///< after ESC [
         IgnoredRest,  ///< of an unknown sequence
         Text,         ///< a string for the terminal itself, such as a window title
@@ -58,7 +58,7 @@ private:
     TerminalScreen& mScreen;
     State mState = State::Ground;
     std::array<int, 16> mParameters{};
-    std::size_t mParameterCount = 0;  // those begun; excess ones are dropped
+    std::size_t mParameterCount = 0;  // includes the current one; excess ones are dropped
     bool mPrivate = false;            // the sequence starts with "?"
     std::size_t mTextLength = 0;
     std::uint64_t mBells = 0;

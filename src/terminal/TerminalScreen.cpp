@@ -88,7 +88,7 @@ void TerminalScreen::Resize(int columns, int rows) {
     if (columns == mColumns && rows == mRows) return;
     mColumns = columns;
     if (rows < mRows) DropBlankLines(mRows - rows);
-    // Fewer rows move the upper ones into the history; more rows take them back.
+    // Fewer rows move the upper ones into the history; more rows bring them back.
     const int history = static_cast<int>(mCount) - mRows;
     const int shift = std::clamp(rows - mRows, rows - mRows < 0 ? rows - mRows : 0, history);
     mRows += shift;
@@ -346,7 +346,7 @@ void TerminalScreen::ScrollUp(int count) {
     }
     const int lines = std::clamp(count, 0, mBottom + 1);
     for (int i = 0; i < lines; ++i) AddLine();
-    // What stands below the region keeps its place on the screen.
+    // Rows below the region stay in place.
     RotateRows(mBottom + 1 - lines, mRows - 1, mRows - 1 - mBottom);
     mScrolled = mScrolled || lines > 0;
     mAllDirty = true;
@@ -365,7 +365,7 @@ void TerminalScreen::ScrollRegion(int top, int bottom) {
 }
 
 void TerminalScreen::Reset() {
-    const bool returnFeeds = modes.returnFeeds;  // set by the host, not by the line
+    const bool returnFeeds = modes.returnFeeds;  // set by the program, not by received sequences
     modes = {.returnFeeds = returnFeeds};
     pen = {};
     mSaved = {};

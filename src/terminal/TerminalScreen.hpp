@@ -34,8 +34,8 @@ struct Cell {
     friend bool operator==(const Cell&, const Cell&) = default;
 };
 
-/// A position in the text. Lines are numbered from the first one that the screen ever held and keep
-/// their number while the text scrolls, until they drop out of the history.
+/// A position in the text. Line numbers count from the first line ever written and do not change
+/// while the text scrolls, until the line drops out of the history.
 struct TextPosition {
     std::int64_t line = 0;
     int column = 0;
@@ -52,7 +52,7 @@ struct ScreenCursor {
     friend bool operator==(const ScreenCursor&, const ScreenCursor&) = default;
 };
 
-/// Extents of erasing, with the numbers used in the sequences.
+/// Erase extents, with the parameter values of the sequences.
 enum class Erase : std::uint8_t { ToEnd = 0, ToStart = 1, All = 2 };
 
 /// Screen modes, set by sequences and by the control.
@@ -122,8 +122,8 @@ public:
     void SaveCursor();
     void RestoreCursor();
 
-    /// All of it goes into the history first when lines have gone there since the last page did:
-    /// a display that clears and redraws the screen over and over leaves one page there.
+    /// Erasing the whole screen first saves it to the history, but only if lines have scrolled there
+    /// since the last saved page: a display that repeatedly clears and redraws saves one page.
     void EraseDisplay(Erase extent);
     void EraseLine(Erase extent);
     void EraseCharacters(int count);
@@ -169,10 +169,9 @@ private:
     void PlaceCursor(int row, int column);
     /// Moves the rows from `top` to the bottom of the region by `count`, up when positive.
     void MoveRows(int top, int count);
-    /// Moves the rows `first` to `last` up by `count`; those at the top come in again at the
-    /// bottom.
+    /// Rotates the rows `first` to `last` up by `count`.
     void RotateRows(int first, int last, int count);
-    /// What stands in `row` is no longer the rest of the line above.
+    /// Marks `row` as not being the continuation of the line above.
     void EndLineAbove(int row);
     bool CursorInRegion() const { return mCursor.row >= mTop && mCursor.row <= mBottom; }
     void Blank(int row, int from, int to);
@@ -189,7 +188,7 @@ private:
 
     ScreenCursor mCursor;
     bool mWrapPending = false;  // the last column is written; the next character goes below
-    bool mScrolled = true;      // lines went into the history since the last page, or none did yet
+    bool mScrolled = true;      // lines scrolled into the history since the last saved page; initially true
     int mTop = 0;
     int mBottom;
     Saved mSaved;

@@ -25,7 +25,7 @@ void TerminalSelection::SetAll() {
     std::int64_t end = mScreen.EndLine();
     while (end > mScreen.FirstLine() && mScreen.Line(end - 1).empty()) --end;
     if (end == mScreen.FirstLine()) return Clear();
-    // Up to where the last line ends now: what comes behind it later is not marked.
+    // Ends at the current end of the last line, so that text appended later is not selected.
     Set({mScreen.FirstLine(), 0}, {end - 1, static_cast<int>(mScreen.Line(end - 1).size())});
 }
 

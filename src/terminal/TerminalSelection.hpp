@@ -17,7 +17,7 @@ public:
 
     /// Selects the text between the two positions, in either order.
     void Set(TextPosition anchor, TextPosition end);
-    /// All of the text, without the blank lines below it; nothing where there is none.
+    /// Selects all text except trailing blank lines; nothing if there is no text.
     void SetAll();
     void Clear() { mFrom = mTo = {}; }
 
@@ -26,10 +26,10 @@ public:
     TextPosition From() const { return mFrom; }
     TextPosition To() const { return mTo; }
 
-    /// The marked characters, CR LF between lines, blanks at their ends left out. A line that was
-    /// only broken at the screen's edge is given in one.
+    /// The selected characters, with CR LF between lines and without trailing blanks. A wrapped
+    /// line is returned as one line.
     std::string Text() const { return TextFrom(mFrom.line); }
-    /// Likewise of what is marked in `first` and the lines below it.
+    /// The selected text from line `first` on, in the same form.
     std::string TextFrom(std::int64_t first) const;
 
 private:

@@ -175,7 +175,7 @@ void CErrHandler::WriteReport(const std::string& procedure) {
 void CErrHandler::WriteFile(const std::string& path, const std::string& procedure) {
     if (const std::size_t slash = path.find_last_of("\\/"); slash != std::string::npos)
         Ignoring([&] { mServices.files.CreateFolders(path.substr(0, slash)); });
-    // A file that cannot be deleted (another program holds it) gets the report added.
+    // When another process locks the file against deletion, the report is appended.
     if (mServices.files.Exists(path)) Ignoring([&] { mServices.files.Delete(path); });
     mServices.files.Append(path, ReportText(procedure));
 }

@@ -65,9 +65,9 @@ public:
     /// Name of the table in messages about the record set.
     std::string ErrorsTable = "Errors";
 
-    /// Raised first; setting `cancel` stops the report.
+    /// Raised before the report; setting `cancel` suppresses it.
     std::function<void(bool& cancel)> BeforeHandlerCalled;
-    /// Raised last, unless the report was cancelled.
+    /// Raised after the report, unless it was cancelled.
     std::function<void()> AfterHandlerCalled;
 
     /// The destination of reports: the path of the report file ("C:\ERRORS.TXT" initially),
@@ -96,7 +96,7 @@ public:
     void HandleError() override;
     void ShowBox(std::string_view title, std::string_view text) override;
 
-    /// Empties the report file; a record set keeps its records, which others may have read.
+    /// Empties the report file. A record set keeps its records, which other programs may use.
     void ClearLog();
 
 private:

@@ -25,7 +25,7 @@ void TakeNumber(std::string_view record, std::string_view marker, float& quantit
     const std::size_t at = record.find(marker);
     if (at == std::string_view::npos) return;
     const double number = LeadingNumber(record.substr(at + marker.size()));
-    // A number beyond 32 bits is no valid position and would overflow in arithmetic.
+    // A number beyond 32 bits would overflow in the arithmetic on positions.
     static_cast<void>(ToInt32(number));
     quantity = static_cast<float>(number);
 }

@@ -19,8 +19,8 @@ public:
 
     vantor::Form* Form = nullptr;  ///< the window to manage
     RegistryRoot RootKey = RegistryRoot::CurrentUser;
-    std::string RegistryPath;  ///< at first that of the program
-    std::string SubKey;        ///< "Positions" at first
+    std::string RegistryPath;  ///< default: that of the program
+    std::string SubKey;        ///< default: "Positions"
 
     /// Writes the record of the window's current state.
     void SaveForm();

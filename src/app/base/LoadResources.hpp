@@ -11,8 +11,8 @@ class StringTable;
 /// The parts of a window that `TranslateForm` translates.
 enum class Translate : std::uint8_t { All, WithoutMenusAndTitle };
 
-/// Replaces every annotated caption of `form` by its text: menu entries whose caption begins with
-/// a number other than 0, labels and buttons with a tag, then the title when the window has a tag.
+/// Replaces captions of `form` with text from the string table: menu entries whose caption begins
+/// with a non-zero number, labels and buttons with a tag, then the title if the window has a tag.
 /// An entry without a number keeps its design text. A tag that is not a number raises 13,
 /// an unknown number 326; replacements made before an error are kept.
 void TranslateForm(Form& form, const StringTable& strings, Translate what = Translate::All);

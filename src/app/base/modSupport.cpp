@@ -28,8 +28,8 @@ std::string AddFinalSlash(const std::string& path) {
 
 void DoEventsNice(MessagePump& pump) {
     static std::int16_t counter = 0;
-    // The counter only ever takes the values 0 and 1, so every second call pumps. Kept: the
-    // reply wait's rhythm rests on this ratio.
+    // The counter is only ever 0 or 1, so every second call pumps. Kept, because the timing of the
+    // reply wait depends on this ratio.
     if (counter % 10 == 0) {
         ++counter;
         return;

@@ -12,7 +12,7 @@ class Process;
 /// module; the result is then empty.
 std::string AppPath(const Process& process);
 
-/// `path` with a trailing "\", added when its last character is another one (or there is none).
+/// `path` with a trailing "\", added unless it is already there. An empty path becomes "\".
 std::string AddFinalSlash(const std::string& path);
 
 /// A cheap message pump for wait loops: pumps on every second call. Never raises.

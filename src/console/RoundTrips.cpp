@@ -10,8 +10,8 @@ namespace {
 
 constexpr std::int64_t kMicrosPerMilli = 1000;
 constexpr std::int64_t kMicrosPerSecond = 1'000'000;
-// "OK" and CR. The wait ends with the K, but an adapter that forwards replies immediately does so at
-// the CR. The line feed arrives while the next line is sent.
+// "OK" and CR. The wait ends with the K, but an adapter that forwards replies immediately does so
+// at the CR. The line feed arrives while the next line is sent.
 constexpr std::size_t kReplyCharacters = 3;
 
 /// The lower of the two middle values when the count is even.

@@ -10,7 +10,7 @@
 namespace vantor {
 
 /// Fills `names` with the names (without folder) of the picture files in `folder`,
-/// in listing order, and returns their number. Only the last three characters of a name count:
+/// in listing order, and returns their number. Tests only the last three characters of a name:
 /// "gif", "jpg" or "bmp", in lower case. Raises RuntimeError 6 beyond 32767 pictures.
 std::int16_t PictureFilesToArray(const Files& files, const std::string& folder, bool includeHidden,
                                  bool includeSystem, std::vector<std::string>& names);

@@ -17,7 +17,7 @@
 namespace vantor {
 namespace {
 
-// Written with backslashes; the shell corrects them.
+// Backslashes are intentional; the shell converts them.
 constexpr const char* kWebSite = "http:\\\\www.tessmar.example";
 
 /// The fourth of the fields separated by "|"; the sibling program uses the first three.

@@ -24,8 +24,8 @@ void frmAbout::Form_Load() {
         lblVersion.Caption(mStrings.Text(Str::Version) + " " + std::to_string(app.major) + "." +
                            TwoDigits(app.minor) + "." + std::to_string(app.revision));
         lblRelease.Caption("");
-        // "Acerca de..." and "About..." without the dots and the accelerator of the menu would need
-        // another text; the program's name serves both languages.
+        // The menu texts have an accelerator and an ellipsis, and there is no other "About" text.
+        // The program's name is the same in both languages.
         Caption(app.title);
     });
 }

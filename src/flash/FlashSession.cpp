@@ -76,7 +76,7 @@ void FlashSession::doFlash() {
         FlashIndicator(dialog.FileName);
         while (mFlags.mblnFlashing && !mHost.Window().Gone()) {
             DoEventsNice(mPlatform.pump);
-            // No line was accepted, so no verdict will come; only the user can end this wait.
+            // No line was accepted, so only the user can end this wait.
             if (mOutcome == FlashOutcome::NothingAccepted && mFlags.mblnCloseRequested)
                 mFlags.mblnFlashing = false;
         }
@@ -259,8 +259,8 @@ void FlashSession::ArmFinalPhase(CHourglass& hourglass) {
     mControls.mobjComm.ReceiveThreshold(1);
     if (!mFlags.mblnFlashing) return;
     mControls.tmrFlashTimeout.Enabled(true);
-    // Last, because only a completely armed phase can end the session. If an error above left this
-    // set, nothing would clear mblnFlashing and the window could not be closed.
+    // Last, because only a completely armed phase can end the session. Set earlier, an error above
+    // would leave mblnFlashing set for good, and the window could not be closed.
     mOutcome = FlashOutcome::AwaitingVerdict;
 }
 

@@ -52,8 +52,8 @@ public:
 
     /// Sends `text` and waits for the reply, pumping messages. `text` is changed in place: a
     /// CR LF at its end becomes CR, and a CR is added when there is none. After an abort or close
-    /// request it sends nothing and fails. `result` is SendFailed on any error. The input buffer is
-    /// empty afterwards.
+    /// request it sends nothing and fails. `result` is SendOK only for an "OK" reply, even after an
+    /// error. The input buffer is empty afterwards.
     void SendData(std::string& text, bool paced, SendResult& result);
 
     /// True after an abort or close request, or once the window is unloaded.

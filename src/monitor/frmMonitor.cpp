@@ -207,7 +207,7 @@ void frmMonitor::mnuCommOpen_Click() {
 
 void frmMonitor::mnuCommClose_Click() {
     Trapped("frmMonitor.mnuCommClose_Click", [this] {
-        // An update must not wait for what somebody pasted here.
+        // Draining pasted text would block a running update.
         if (!mOwner.FlashIsRunning()) comMonitor.DrainOutput();
         comMonitor.PerformCommand(TerminalCommand::Close);
         UpdateStatus();
@@ -272,8 +272,8 @@ void frmMonitor::mnuCaptureEnd_Click() {
 
 void frmMonitor::mnuCaptureSend_Click() {
     Trapped("frmMonitor.mnuCaptureSend_Click", [this] {
-        // The send would run on top of the update, which would stand still until it ends. The menu
-        // entry follows the port alone.
+        // The send would run nested inside the update's message loop and block it. The menu entry
+        // is enabled by the port state only.
         if (mOwner.FlashIsRunning()) return mPlatform.boxes.Beep();
         const std::string fileName = AskForFile(Str::SendFileTitle, true);
         if (!fileName.empty()) SendFile(fileName);
@@ -349,13 +349,13 @@ bool frmMonitor::SendLines(const std::string& text, frmSend& progress) {
     return sent;
 }
 
-/// Keeps the progress with a slow line. With a queue of unsent lines a Cancel would come too late.
+/// Keeps the progress in step with a slow line. Cancel could not stop lines already queued.
 void frmMonitor::AwaitDriver(CDelay& delay, const frmSend& progress) {
     while (!Gone() && !comMonitor.OutputTaken() && !MustStop(progress)) delay.Delay(kDriverPollMs);
 }
 
-/// An update that is begun during a send runs on top of it, so nothing delays it. What is left of
-/// the file stays unsent when the send comes to it again: the update then waits for its verdict.
+/// An update started during a send runs nested inside it and is not delayed by it. If the send
+/// resumes while the update waits for its verdict, the rest of the file is not sent.
 bool frmMonitor::MustStop(const frmSend& progress) const {
     return progress.Cancelled() || mOwner.FlashIsRunning();
 }

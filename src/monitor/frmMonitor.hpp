@@ -19,7 +19,7 @@ class CAppSettings;
 class CDelay;
 class frmSend;
 
-/// What the monitor window asks of the main window.
+/// What the monitor window needs from the main window.
 class MonitorOwner {
 public:
     virtual ~MonitorOwner() = default;
@@ -36,7 +36,7 @@ public:
     /// `owner` must outlive the loaded window.
     frmMonitor(Desktop& desktop, Platform& platform, MonitorOwner& owner);
 
-    /// Takes the port and the line parameters from `settings`, which must outlive the window.
+    /// Sets the port and the line parameters from `settings`, which must outlive the window.
     /// Does not open the port. Called after loading and before showing.
     void Initialize(const CAppSettings& settings);
 
@@ -45,10 +45,10 @@ public:
     void UpdatePort();
     void UpdateSettings();
 
-    /// Sends the file line by line, one every 50 ms and none before the driver has taken the one
-    /// before, while the windows stay usable. Divided at CR LF only; blank lines are left out. True
-    /// when at least one line was sent and nobody cancelled; false when a window or the port was
-    /// closed meanwhile, the port was lost, or an update was begun.
+    /// Sends the file line by line, at most one every 50 ms and only after the driver has accepted
+    /// the previous one, pumping messages meanwhile. Splits at CR LF only and skips blank lines.
+    /// True when at least one line was sent and the send was not cancelled; false when a window or
+    /// the port was closed meanwhile, the device was lost, or an update was started.
     bool SendFile(const std::string& fileName);
 
     TerminalControl comMonitor;

@@ -66,7 +66,7 @@ std::string frmPortSettings::ChosenSettings() const {
     return cboSpeed.Text() + "," + parity + "," + cboDataBits.Text() + "," + cboStopBits.Text();
 }
 
-/// Compared by meaning: "9600,n,8,1" is the line that the dialog gives as "9600,N,8,1".
+/// Compares parsed values: "9600,n,8,1" equals the "9600,N,8,1" of the dialog.
 bool frmPortSettings::IsChange(const std::string& port, const std::string& settings) const {
     bool same = false;
     Ignoring(
@@ -90,7 +90,7 @@ void frmPortSettings::cmdOK_Click() {
     Trapped("frmPortSettings.cmdOK_Click", [this] {
         const std::string port = cboPort.Text();
         const std::string settings = ChosenSettings();
-        // The same choice again must not interrupt what is arriving.
+        // Unchanged settings must not reopen the port, which would interrupt reception.
         if (IsChange(port, settings) && !mTerminal.Parent().Gone()) Apply(port, settings);
         Unload();
     });

@@ -12,15 +12,14 @@ namespace vantor {
 
 class TerminalControl;
 
-/// Shows what `terminal` uses now, and gives it what was chosen when OK is pressed; an open port
-/// is opened anew then. The same choice again changes nothing. Settings that are none show as 38400
-/// bit/s, 8 data bits, no parity, one stop bit. The line has no flow control, which the dialog
-/// says.
+/// Shows the current settings of `terminal`. OK applies the selection and reopens an open port;
+/// an unchanged selection has no effect. Invalid current settings show as 38400 bit/s, 8 data bits,
+/// no parity, one stop bit. Flow control is shown as none and cannot be changed.
 class frmPortSettings : public Form {
 public:
     frmPortSettings(Desktop& desktop, Platform& platform, TerminalControl& terminal);
 
-    /// OK was pressed and has left the port, which was open, closed.
+    /// OK was pressed and reopening the port failed.
     bool ReopenFailed() const { return mReopenFailed; }
 
     /// Port, speed, parity, data bits, stop bits, flow control.

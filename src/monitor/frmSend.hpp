@@ -11,7 +11,7 @@ namespace vantor {
 
 class StringTable;
 
-/// Lives for one transmission, which polls it for cancellation. Closing it by
+/// Exists for one transmission, which polls it for cancellation. Closing it by
 /// the title bar also cancels.
 class frmSend : public Form {
 public:
@@ -21,7 +21,7 @@ public:
     void Initialize(const std::string& fileName);
 
     std::string FileName() const;
-    /// Shows `text` at once. No effect once the window is gone.
+    /// Shows `text` at once. No effect once the window is unloaded.
     void status(const std::string& text);
     bool Cancelled() const;
 
@@ -38,7 +38,7 @@ protected:
 
 private:
     void cmdCancel_Click();
-    /// Draws four lines around `control`, so that it looks sunken.
+    /// Draws a sunken edge around `control`.
     void DrawEdge(const Control& control);
 
     const StringTable& mStrings;

@@ -290,8 +290,7 @@ std::string CAppSettings::ProxyPort() const {
 
 void CAppSettings::ProxyPort(const std::string& value) {
     SetText("ProxyPort", mRecord.ProxyPort, value, [&] {
-        // The numeric check tests the current port, not the new one. Kept:
-        // the product has always done so.
+        // The numeric check tests the current port, not the new one. Kept for compatibility.
         if (!IsNumeric(ProxyPort())) return false;
         const double port = LeadingNumber(value);
         return port > 0 && port <= 65535;

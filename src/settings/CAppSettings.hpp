@@ -120,8 +120,8 @@ public:
 
     /// True when no rule is broken.
     bool IsValid() const { return mBrokenRules.Count() == 0; }
-    /// Raised when that changes. No rule is ever added, so it never is; the options dialog connects
-    /// to it as to any business object.
+    /// Raised when `IsValid` changes, which never happens: no rule is ever added. The options
+    /// dialog handles it as for any business object.
     std::function<void(bool& valid)> Valid;
 
 private:

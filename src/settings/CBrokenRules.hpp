@@ -1,4 +1,4 @@
-// The rules of a business object that are broken now.
+// The currently broken rules of a business object.
 #pragma once
 
 #include <cstdint>

@@ -19,10 +19,10 @@ public:
     CProgramSettings(vantor::Registry& registry, const CodePage& codePage);
 
     RegistryRoot RootKey = RegistryRoot::LocalMachine;
-    std::string MainBranch;  ///< "SOFTWARE" at first
+    std::string MainBranch;  ///< default: "SOFTWARE"
     std::string RegBase;     ///< company
     std::string Program;
-    std::string Section;  ///< "Settings" at first
+    std::string Section;  ///< default: "Settings"
 
     /// The value `name` as text (a DWORD in decimal); `fallback` when the key or the value
     /// is missing, has another type, or is empty. Never creates the key.

@@ -9,8 +9,8 @@
 namespace vantor {
 namespace {
 
-/// Takes the text up to `separator` off the front of `rest`. A stream would do so too, and bring
-/// along the locales of the runtime, a third of the Windows program.
+/// Removes the text up to `separator` from the front of `rest` and returns it. No stream, because
+/// streams link in the run-time library's locales, a third of the size of the Windows program.
 std::string TakeUpTo(char separator, std::string& rest) {
     const std::size_t at = rest.find(separator);
     std::string front = rest.substr(0, at);
@@ -37,7 +37,7 @@ void CTreeViewEnh::RestoreNodeStates() {
 void CTreeViewEnh::RestoreEntry(std::string entry) {
     const std::string key = TakeUpTo('=', entry);
     const std::string state = TakeUpTo('=', entry);
-    // An older or newer program may have had other nodes.
+    // Another version of the program may have had other nodes.
     if (const int node = Tree->NodeIndex(key); node >= 0) Tree->Expanded(node, state == "True");
 }
 

@@ -29,7 +29,7 @@ public:
     std::string RegistryPath = "SOFTWARE\\" + AppInfo{}.companyName + "\\" + AppInfo{}.title;
     RegistryRoot RootKey = RegistryRoot::CurrentUser;
     std::string SubKey = "Positions\\NodeStates";
-    TreeView* Tree = nullptr;  ///< outlives this object's use
+    TreeView* Tree = nullptr;  ///< must outlive every call
 
 private:
     std::string KeyPath() const;

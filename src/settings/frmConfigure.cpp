@@ -47,8 +47,8 @@ void frmConfigure::Form_Load() {
     });
 }
 
-// Only the corner of the stored record is used: the dialog has the size of its design,
-// whatever a version with another design has stored, and is neither minimised nor maximised.
+// Only the position of the stored record is used. The size is always that of the design, not one
+// stored by a version with another design, and the dialog is never minimised or maximised.
 void frmConfigure::RestorePosition() {
     mobjFormPos.Form = this;
     const bool restored = mobjFormPos.RestoreForm(true) && State() == WindowState::Normal;
@@ -196,7 +196,7 @@ void frmConfigure::cboBaudRate_Click() {
                               .title = "",
                               .icon = BoxIcon::Information,
                               .owner = Handle()});
-        // The window may have been closed behind the box, which ends its edit.
+        // If the window was closed while the box was open, its edit has ended.
         if (!Gone()) mobjSettings->BaudRate(cboBaudRate.Text());
     });
 }

@@ -24,8 +24,8 @@ public:
     virtual std::vector<std::string> CommPorts() const = 0;
 };
 
-/// Each selection is set at once; OK and Apply keep it, any other way to close the dialog reverts
-/// it. Once the window is gone, no edit is open.
+/// Each selection is set at once. OK and Apply keep it; closing the dialog in any other way reverts
+/// it. Unloading the window always ends the edit.
 class frmConfigure : public Form {
 public:
     frmConfigure(Desktop& desktop, Platform& platform);

@@ -17,7 +17,7 @@ std::string_view TrimBlanks(std::string_view text);
 /// Returns 0 when there is none. Raises RuntimeError 6 when it is too large for a double.
 double LeadingNumber(std::string_view text);
 
-/// True when all of `text`, surrounding spaces aside, is a number: sign, digits with at most one
+/// True when all of `text`, except surrounding spaces, is a number: sign, digits with at most one
 /// point, exponent, or a hexadecimal "&H" or octal "&O" integer.
 bool IsNumeric(std::string_view text);
 

@@ -55,7 +55,7 @@ bool BoxedSetup(std::string_view where, const std::function<void()>& body) {
         return true;
     } catch (...) {
         const RuntimeError error = PendingError();
-        // "occured" is misspelt in the product, in every one of these boxes.
+        // "occured" is misspelt in all of these boxes; kept for compatibility.
         ShowInBox({}, "An error has occured in " + std::string(where) +
                           " \r\nError:" + std::to_string(error.Number()) + "\r\nDescription:" +
                           error.Description() + "\r\nLine:" + std::to_string(error.Line()));

@@ -1,6 +1,6 @@
-// The error traps. Window and class code contains no other `catch`: a procedure is written as one
-// of the first four around a flat body, so that every error has exactly one way out of it. The
-// fifth, `Guarded`, is for the procedures that the system calls.
+// The error traps. Window and class code contains no other `catch`: each procedure wraps its body
+// in one of the first four, so that every error leaves it in exactly one way. The fifth, `Guarded`,
+// is for callbacks from the system.
 #pragma once
 
 #include <functional>
@@ -56,14 +56,14 @@ bool BoxedSetup(std::string_view where, const std::function<void()>& body);
 /// Returns true when there was none, for callers that treat all errors alike.
 bool Ignoring(const std::function<void()>& step) noexcept;
 
-/// Hands the error now being handled to the error handler, as one of the procedure `name`. Without
-/// a handler the program ends as on any unhandled error.
+/// Passes the current exception to the sink as an error of the procedure `name`. Without a sink the
+/// program terminates as on any unhandled exception.
 void ReportPending(std::string_view name) noexcept;
 
-/// Runs the body of a procedure that the system calls (a window procedure, say): no exception may
-/// unwind the system's own frames. An error is handed to the error handler. Unlike `Trapped` this
-/// puts `name` on the procedure stack only for the report, so that it may enclose any procedure.
-/// True when there was none.
+/// Runs the body of a callback from the system (such as a window procedure): no exception may
+/// unwind the system's stack frames. An error is passed to the sink. Unlike `Trapped`, `name` is on
+/// the procedure stack only during the report, so that any procedure can be nested inside.
+/// Returns true when there was no error.
 template <typename Body>
 bool Guarded(std::string_view name, Body&& body) noexcept {
     try {

@@ -122,8 +122,8 @@ public:
     void SaveCursor();
     void RestoreCursor();
 
-    /// Erasing the whole screen first saves it to the history, but only if lines have scrolled there
-    /// since the last saved page: a display that repeatedly clears and redraws saves one page.
+    /// Erasing the whole screen first saves it to the history if lines have scrolled there since
+    /// the last saved page. A display that repeatedly clears and redraws thus saves one page.
     void EraseDisplay(Erase extent);
     void EraseLine(Erase extent);
     void EraseCharacters(int count);
@@ -188,7 +188,7 @@ private:
 
     ScreenCursor mCursor;
     bool mWrapPending = false;  // the last column is written; the next character goes below
-    bool mScrolled = true;      // lines scrolled into the history since the last saved page; initially true
+    bool mScrolled = true;      // lines entered the history since the last saved page, or no page saved
     int mTop = 0;
     int mBottom;
     Saved mSaved;

@@ -1,5 +1,5 @@
 // The numbered run-time error that every procedure raises, and its mapping from exceptions of
-// the standard library. Reporting errors is up to the traps and their sink.
+// the standard library. Does not report errors; the traps and their sink do.
 #pragma once
 
 #include <cstdint>

@@ -128,7 +128,7 @@ public:
     /// The selected text; empty for none.
     std::string Text() const;
 
-    /// For peers: the user has selected an item. The event follows the change. Ignores negative
+    /// For peers: the user has selected an item. Raises the event after the change. Ignores negative
     /// values, with which systems report no selection.
     void Choose(int index);
 
@@ -175,7 +175,7 @@ public:
     /// From 0; -1 when nothing is selected.
     int SelectedRow() const { return mSelectedRow; }
 
-    /// For peers: the user has clicked, after which `row` is selected. The event follows.
+    /// For peers: the user has clicked and thereby selected `row`. Raises the event.
     void Choose(int row);
 
 private:

@@ -13,7 +13,7 @@ namespace vantor {
 struct FlashFlags {
     bool mblnFlashing = false;        ///< a session is in progress
     bool mblnAbortFlash = false;      ///< the user pressed the abort button
-    bool mblnCloseRequested = false;  ///< the user tried to close the window meanwhile
+    bool mblnCloseRequested = false;  ///< the user tried to close the window during it
 };
 
 /// The panels of the main window, of which one is visible.

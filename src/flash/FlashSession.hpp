@@ -48,7 +48,7 @@ public:
     FlashSession& operator=(const FlashSession&) = delete;
 
     /// Lets the user select an image and runs a session with it, pumping messages until it ends;
-    /// then closes the port, and the window too if that was requested meanwhile.
+    /// then closes the port, and also the window if the user tried to close it.
     void doFlash();
 
     /// The streaming phase. On return the session has ended (mblnFlashing false), or the final

@@ -128,8 +128,8 @@ public:
     /// The selected text; empty for none.
     std::string Text() const;
 
-    /// For peers: the user has selected an item. Raises the event after the change. Ignores negative
-    /// values, with which systems report no selection.
+    /// For peers: the user has selected an item. Raises the event after the change.
+    /// Ignores negative values, with which systems report no selection.
     void Choose(int index);
 
 private:

@@ -188,7 +188,7 @@ private:
 
     ScreenCursor mCursor;
     bool mWrapPending = false;  // the last column is written; the next character goes below
-    bool mScrolled = true;      // lines entered the history since the last saved page; or no page yet
+    bool mScrolled = true;      // lines entered the history since the last saved page, or initially
     int mTop = 0;
     int mBottom;
     Saved mSaved;

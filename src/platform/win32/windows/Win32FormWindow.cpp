@@ -147,7 +147,7 @@ Place Win32FormWindow::NormalPlace() const {
     WINDOWPLACEMENT placement{};
     placement.length = sizeof placement;
     if (GetWindowPlacement(mWindow, &placement) == 0) return mForm->Place();
-    // It counts from the corner of the monitor's work area.
+    // rcNormalPosition is in workspace coordinates, relative to the monitor's work area.
     RECT place = placement.rcNormalPosition;
     const MONITORINFO monitor = Win32Stage::MonitorAt(place);
     static_cast<void>(OffsetRect(&place,
@@ -333,9 +333,9 @@ void Win32FormWindow::OnPlaced() {
     WindowState state = WindowState::Normal;
     if (IsZoomed(mWindow) != 0) state = WindowState::Maximised;
     if (IsIconic(mWindow) != 0) state = WindowState::Minimised;
-    // A hidden window does not have the state yet that the model wants for it.
+    // A hidden window does not have the model's window state yet.
     if (IsWindowVisible(mWindow) == 0) state = mForm->State();
-    // Before the form lays out what is above it.
+    // Before the form lays out the controls above it.
     for (const auto& child : mChildren)
         if (child->Model().Kind() == ControlKind::StatusBar) child->KeepToBottom();
     const Place inside = mStage.ToTwips(inner);

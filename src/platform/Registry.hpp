@@ -63,8 +63,8 @@ private:
 
 /// The registry, used from one thread. Paths use "\", names and paths ignore letter case, and
 /// all text is in the system's 8-bit code page. Each call returns a result. The only error raised
-/// is UnreadableStore, by the first call that detects it. Later calls return kRegistryCorrupt until
-/// the store can be read, so that the error is not reported per value. Nothing is written meanwhile.
+/// is UnreadableStore, by the first call that detects it. Later calls return kRegistryCorrupt
+/// until the store can be read: one error, not one per value. Nothing is written meanwhile.
 class Registry {
 public:
     virtual ~Registry() = default;

@@ -98,8 +98,8 @@ struct Course {
     Micros latency = 0;
     const char* fault = "";
     ExitStatus status = ExitStatus::Done;
-    const char* lateness = "";  // as the hint tells it; empty: no hint
-    const char* lines = "";     // as the summary tells them
+    const char* lateness = "";  // as in the hint; empty: no hint
+    const char* lines = "";     // as in the summary
     const char* replies = "";
     const char* wire = "";
 };

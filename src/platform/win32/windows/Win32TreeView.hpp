@@ -18,8 +18,8 @@ public:
 
     /// Updates the window after a change of the model.
     void Follow();
-    /// Handles notifications of the tree: passes expanded, collapsed and selected nodes to the model.
-    /// The handler of a selection may unload the form, and this object with it.
+    /// Handles notifications of the tree: passes what the user expands, collapses and selects to
+    /// the model. The handler of a selection may unload the form, and this object with it.
     void Notified(const NMHDR& header);
 
 private:

@@ -59,7 +59,7 @@ public:
     }
 
     std::uint64_t pumps = 0;
-    bool refuse = false;  ///< no timer can be made
+    bool refuse = false;  ///< timers cannot be created
 
 protected:
     void Rest() override {}  // each pump has already advanced the clock
@@ -121,7 +121,7 @@ public:
     std::string held;             ///< reason that blocks shutdown; empty when none does
     MousePointer pointer = MousePointer::Default;
     std::vector<std::string> open;  ///< names of the forms that have a peer now
-    bool refuse = false;            ///< no window can be made
+    bool refuse = false;            ///< windows cannot be created
     /// Called on every change of a control's property.
     std::function<void(const Control&, Property)> onChange;
 

@@ -158,7 +158,7 @@ RegistryResult PosixRegistry::Save(const std::string& target, const std::string&
         return result;
     }
     mStamp = StampOf(status);
-    // The change is made by now; some file systems cannot sync a folder and need not.
+    // The rename is complete; some file systems cannot sync a folder and need not.
     const PosixHandle folder(open(FolderOf(target).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (folder.IsOpen()) static_cast<void>(fsync(folder.Get()));
     return kRegistrySuccess;

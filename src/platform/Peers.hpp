@@ -38,7 +38,7 @@ struct Size {
     friend bool operator==(const Size&, const Size&) = default;
 };
 
-/// Position and size in twips (1440 to the inch). A control's lies within its container.
+/// Position and size in twips (1440 to the inch). A control's is relative to its container.
 struct Place {
     float left = 0;
     float top = 0;

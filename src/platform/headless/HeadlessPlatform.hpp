@@ -158,7 +158,7 @@ private:
     const Files& mFiles;
 };
 
-/// Records what it was asked to open.
+/// Records the requests to open something.
 class HeadlessShell : public Shell {
 public:
     std::int32_t Execute(const ShellRequest& request) override {

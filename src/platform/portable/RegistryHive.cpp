@@ -32,7 +32,7 @@ std::string Folded(std::string_view name) {
 struct RegistryHive::Node {
     std::string name;
     std::map<std::string, std::unique_ptr<Node>> children;  // by folded name
-    std::map<std::string, RegistryValue> values;            // likewise
+    std::map<std::string, RegistryValue> values;            // by folded name
 };
 
 RegistryHive::RegistryHive() {

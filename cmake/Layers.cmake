@@ -1,5 +1,5 @@
-# Layers: one target a folder of src/, linking the layers below it. What a source may include
-# follows from what its layer links; `check_layers`, part of every build, holds it to that.
+# Layers: one target per folder of src/, which links the layers below it. A source may include only
+# the layers that its own layer links; `check_layers`, part of every build, verifies this.
 
 # add_layer(name [FOLDER path] [SYSTEM WIN32|UNIX] [LINKS layer...])
 # Makes the static library `name` of the sources in src/FOLDER (default: src/name), or an interface
@@ -20,8 +20,8 @@ function(add_layer name)
   if(sources)
     add_library(${name} STATIC ${sources})
     target_link_libraries(${name} PUBLIC project_options ${layer_LINKS})
-    # One header for all layers: it takes a third off the build. scripts/lint compiles without it,
-    # so that each source still includes what it uses.
+    # One header for all layers: it reduces the build time by a third. scripts/lint compiles without
+    # it, so that each source still includes what it uses.
     if(name STREQUAL errors)
       target_precompile_headers(errors PRIVATE <algorithm> <array> <functional> <map> <memory>
         <optional> <span> <string> <string_view> <utility> <vector>)

@@ -1,4 +1,4 @@
-// Program files for tests that hold nothing but their headers and a version resource.
+// Program files for tests. They contain only headers and a version resource.
 #pragma once
 
 #include <string>
@@ -36,12 +36,12 @@ inline std::string VersionNode(const std::string& key, const std::string& value,
     return rest.replace(0, 2, U16(rest.size()));
 }
 
-/// One text of a version block, as it stands: the zero at its end is the caller's.
+/// One string of a version block, unchanged: the caller adds the terminating NUL.
 inline std::string VersionText(const std::string& key, const std::string& value) {
     return VersionNode(key, Wide(value), value.size());
 }
 
-/// A version block with `texts`, which lie under `key`; `translation` is what it names.
+/// A version block with `texts` in the string table `key`; `translation` is its translation entry.
 inline std::string VersionBlock(const std::vector<std::string>& texts,
                                 const std::string& key = "0C0A04E4",
                                 const std::string& translation = "\x0A\x0C\xE4\x04") {
@@ -51,7 +51,7 @@ inline std::string VersionBlock(const std::vector<std::string>& texts,
          VersionNode("VarFileInfo", "", 0, {VersionNode("Translation", translation, 0)})});
 }
 
-/// The smallest program around `block` in which the system finds it.
+/// The smallest program file in which the system finds `block`.
 inline std::string ProgramAround(const std::string& block) {
     constexpr std::size_t kSection = 0x200;
     constexpr std::size_t kAddress = 0x3000;
@@ -64,7 +64,7 @@ inline std::string ProgramAround(const std::string& block) {
     std::string file = "MZ" + std::string(58, '\0') + U32(0x40) + "PE" + std::string(2, '\0') +
                        U16(0x8664) + U16(1) + std::string(12, '\0') + U16(240) + U16(0x22);
     std::string optional = U16(0x20B) + std::string(126, '\0') + U32(kAddress) + U32(0x1000);
-    // What the system asks of a file that it maps.
+    // Fields that the system requires to map the file.
     optional.replace(32, 8, U32(0x1000) + U32(kSection));
     optional.replace(56, 8, U32(kAddress + 0x10000) + U32(kSection));
     optional.replace(108, 4, U32(16));

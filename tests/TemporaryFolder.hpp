@@ -17,7 +17,7 @@ public:
         if (!std::filesystem::create_directory(mPath)) throw std::runtime_error("already there");
     }
     ~TemporaryFolder() {
-        std::error_code failed;  // a folder left behind harms nobody
+        std::error_code failed;  // a leftover folder is harmless
         std::filesystem::remove_all(mPath, failed);
     }
     TemporaryFolder(const TemporaryFolder&) = delete;

@@ -17,8 +17,8 @@ struct ListFilter {
     bool system = false;  ///< system files (POSIX: none)
 };
 
-/// A file being written from its start; closed on destruction. Other readers see what `Write` has
-/// written at once.
+/// A file being written from its start; closed on destruction. Other readers see written data
+/// immediately.
 class OutputFile {
 public:
     virtual ~OutputFile() = default;
@@ -38,7 +38,7 @@ public:
     /// inaccessible; never raises.
     virtual bool Exists(const std::string& path) const = 0;
 
-    /// True when both paths lead to one existing file, by whatever names or links; never raises.
+    /// True when both paths refer to the same existing file, through any links; never raises.
     virtual bool SameFile(const std::string& path, const std::string& other) const = 0;
 
     /// Size in bytes. Raises 53 when `path` is not a plain file.
@@ -49,7 +49,7 @@ public:
         return ReadStart(path, std::string::npos);
     }
 
-    /// The first `most` bytes, or all where there are fewer.
+    /// The first `most` bytes, or all if there are fewer.
     virtual std::string ReadStart(const std::string& path, std::size_t most) const = 0;
 
     /// Replaces the file's contents with `bytes`, creating it when missing. Not atomic.

@@ -17,7 +17,7 @@ public:
     /// ~/Documents). Raises RuntimeError 76 when the system has none.
     virtual std::string PersonalDocuments() const = 0;
 
-    /// The folder that this process works in now; empty when the system does not tell.
+    /// The current folder of this process; empty when the system does not report it.
     virtual std::string Current() const = 0;
 };
 

@@ -17,8 +17,8 @@ struct MessageBoxRequest {
     std::string title{};  ///< empty: the application's title
     BoxIcon icon = BoxIcon::None;
     BoxButtons buttons = BoxButtons::Ok;
-    /// Disabled while the box is open. 0: the window of the program that is in use, if there is
-    /// one, for boxes of code that knows no window; all other windows are then disabled as well.
+    /// The owner window, disabled while the box is open. 0, for code that knows no window: the
+    /// program's active window, if any; all other windows are then disabled as well.
     NativeWindow owner = 0;
 };
 

@@ -16,21 +16,21 @@ public:
     virtual ~MessagePump() = default;
 
     /// Dispatches everything that is pending and returns; never waits
-    /// (Windows: PeekMessage until the queue is empty). No timer fires before the input that had
-    /// arrived when it was due is delivered.
+    /// (Windows: PeekMessage until the queue is empty). Input that arrived before a timer was due
+    /// is delivered before the timer fires.
     virtual void PumpPending() = 0;
 
-    /// For loops that wait by pumping and have read what there was: gives the processor up until
-    /// a serial line has more, at most 10 ms. Returns at once where that cannot be waited for. Its
-    /// return says nothing; only the port tells whether there is input.
+    /// For loops that pump while they wait and have read all input: yields the processor until a
+    /// serial line has more, at most 10 ms. Returns at once if the system cannot wait for that.
+    /// A return does not imply input; query the port.
     virtual void AwaitInput() {}
 
     /// Dispatches until `Quit` is called, sleeping while there is nothing to do. One call of `Quit`
     /// ends one `Run`.
     virtual void Run() = 0;
 
-    /// Makes the innermost `Run` return once its current callback has returned. While none runs
-    /// it is remembered: the next `Run` returns at once.
+    /// Makes the innermost `Run` return once its current callback has returned. If none is
+    /// running, the next `Run` returns at once.
     virtual void Quit() = 0;
 
     /// Calls `tick` every `intervalMs` milliseconds (at least 1) until stopped.

@@ -38,7 +38,7 @@ struct Size {
     friend bool operator==(const Size&, const Size&) = default;
 };
 
-/// Position and size in twips (1440 to the inch). A control's lies within its container.
+/// Position and size in twips (1440 to the inch). A control's is relative to its container.
 struct Place {
     float left = 0;
     float top = 0;
@@ -88,7 +88,7 @@ public:
         return {};
     }
 
-    /// Where the window is while it is neither minimised nor maximised, outer size included;
+    /// Position and outer size of the window in its normal state, neither minimised nor maximised;
     /// nothing where nothing is drawn.
     virtual std::optional<Place> NormalPlace() const { return std::nullopt; }
 
@@ -107,7 +107,7 @@ public:
     /// Size of the screen that holds the windows.
     virtual Size ScreenSize() const = 0;
 
-    /// What the taskbar leaves free of the monitor that `place` lies on, or is nearest to.
+    /// Work area (without taskbar) of the monitor that contains `place` or is nearest to it.
     virtual Place WorkArea(const Place& /*place*/) const {
         const Size screen = ScreenSize();
         return {0, 0, screen.width, screen.height};

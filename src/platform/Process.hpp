@@ -18,7 +18,7 @@ public:
     virtual std::string ExecutablePath() const = 0;
 
     /// True when another instance of the program `title` runs for this user.
-    /// The first call takes a lock until this process ends (a named mutex; a locked file on POSIX).
+    /// The first call holds a lock until this process ends (a named mutex; a locked file on POSIX).
     virtual bool AnotherInstanceRuns(const std::string& title) = 0;
 
     /// Installs the last-resort handler for unhandled system exceptions

@@ -41,8 +41,8 @@ inline constexpr std::uint32_t kRegistrySetValue = 0x2;
 inline constexpr std::uint32_t kRegistryWrite = 0x20006;     // KEY_WRITE
 inline constexpr std::uint32_t kRegistryAllButOwner = 0x3f;  // mask 63, read and write
 
-/// The store that the registry is kept in cannot be read as a whole: what it holds is not known,
-/// and defaults must not be taken for it.
+/// The registry's storage cannot be read completely. Its contents are unknown; defaults must not
+/// replace them.
 class UnreadableStore : public RuntimeError {
 public:
     /// `line` is the first damaged line of `file`, from 1; 0 when the system refuses the file, with
@@ -63,8 +63,8 @@ private:
 
 /// The registry, used from one thread. Paths use "\", names and paths ignore letter case, and
 /// all text is in the system's 8-bit code page. Each call returns a result. The only error raised
-/// is UnreadableStore: by the first call that finds it, and not again (kRegistryCorrupt) until the
-/// store can be read, or every single value would be told. Nothing is written meanwhile.
+/// is UnreadableStore, by the first call that detects it. Later calls return kRegistryCorrupt
+/// until the store can be read: one error, not one per value. Nothing is written meanwhile.
 class Registry {
 public:
     virtual ~Registry() = default;

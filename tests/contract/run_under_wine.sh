@@ -1,6 +1,6 @@
 #!/bin/sh
-# Runs the contract tests of the Windows build: with two ports that are wired to each other, and
-# the string table once more in two kinds of Spanish, which is a matter of the whole process.
+# Runs the contract tests of the Windows build: with two ports that are connected to each other,
+# and the string table again in two variants of Spanish, since the language is per process.
 #   run_under_wine.sh path/to/contract_tests.exe
 set -eu
 

@@ -373,16 +373,16 @@ Box App::TakeBox(int button) const {
     return box;
 }
 
-// A window is painted when its queue holds no input any more.
+// A window is painted when its queue holds no more input.
 void App::AwaitInputTaken() const {
     RedrawWindow(mMain, nullptr, nullptr, RDW_INVALIDATE);
     Await("the end of the input",
           [this] { return !IsRunning() || GetUpdateRect(mMain, nullptr, FALSE) == 0; });
 }
 
-// When a window of the display server gets the focus or the mouse, Wine takes over which keys are
-// down on the real keyboard, and there they are all up. An injected Alt is lost in that way when
-// this comes between it and its key.
+// When a window of the display server gets the focus or the mouse, Wine copies the state of the
+// real keyboard, on which all keys are up. An injected Alt is lost when this happens between it
+// and its key.
 void App::KeyUntil(WORD key, const std::string& what, const std::function<bool()>& condition,
                    bool withAlt) const {
     constexpr unsigned kLostAfterMs = 3'000;

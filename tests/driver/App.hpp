@@ -39,8 +39,8 @@ void Key(WORD key, bool withAlt = false);
 /// Moves the mouse to a point of the screen and clicks there, `times` in quick succession.
 void ClickAt(POINT at, int times = 1);
 
-/// Posts a press and a release of the left mouse button at a point of the inside of `window`. What
-/// the mouse itself does comes late on this system, and looks like dragging.
+/// Posts a press and a release of the left mouse button at a point of the client area of `window`.
+/// Injected mouse input arrives late under Wine and looks like dragging.
 void ClickIn(HWND window, int x, int y);
 
 /// Reads the screen pixels in `at`, row by row, as 0xRRGGBB.
@@ -125,10 +125,10 @@ public:
     static std::string TextIn(HWND box);
 
     bool InMenu() const;
-    /// Waits until the program has taken all input that has been made so far.
+    /// Waits until the program has processed all input injected so far.
     void AwaitInputTaken() const;
-    /// Presses `key` and waits for `condition`. Presses it again when the program has taken all
-    /// input and the condition still does not come: the key was lost on its way.
+    /// Presses `key` and waits for `condition`. Presses it again when the program has processed
+    /// all input and the condition is still false: the key was lost.
     void KeyUntil(WORD key, const std::string& what, const std::function<bool()>& condition,
                   bool withAlt = false) const;
     /// Waits until the main window has the keyboard, presses Alt and `key`, waits for the menu.

@@ -7,10 +7,10 @@
 
 namespace vantor::driver {
 
-/// Waits up to `patienceMs` for `condition`; false when it does not come.
+/// Waits up to `patienceMs` for `condition`; false on a time-out.
 bool Comes(const std::function<bool()>& condition, unsigned patienceMs);
 
-/// Waits up to 100 s for `condition`; raises an error that names `what` when it does not come.
+/// Waits up to 100 s for `condition`; raises an error that names `what` on a time-out.
 void Await(const std::string& what, const std::function<bool()>& condition);
 
 /// An environment variable set by the script; empty if unset.

@@ -70,7 +70,7 @@ protected:
         Await("the main window", [this] { return IsWindowEnabled(app->Main()) != 0; });
         EXPECT_EQ(app->Dialog(), nullptr);
     }
-    /// Goes with Tab to a list.
+    /// Moves the focus to a list with Tab.
     void GoTo(const Window& options, const char* list) const {
         for (int tabs = 0; tabs < 9 && app->Focus() != options.Child(list); ++tabs) {
             const HWND before = app->Focus();

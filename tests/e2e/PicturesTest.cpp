@@ -130,13 +130,13 @@ TEST_F(Pictures, AnIndexThatSaysNothingOpensNothingAndAMissingOneIsReported) {
         PostMessageW(AwaitOtherForm(), WM_CLOSE, 0, 0);
         Await("its end", [this] { return app->OtherForm() == nullptr; });
     }
-    // After a click that opens something, anything opened by the earlier ones would be there too.
+    // After a click that opens something, anything opened by earlier clicks would be recorded too.
     cache.Put("cache.txt", "a.gif|2|3\r\n1|2|aa.gif|http://longer/\r\n1|2|a.gif|http://own/");
     Click();
     ExpectOpened({"http://longer/"});
 }
 
-// The second release of the button falls on the window as it is when it has become large.
+// The second release of the button hits the window after it has been maximised.
 TEST_F(Pictures, ADoubleClickOnTheTitleBarOnlyMakesTheWindowLarge) {
     cache.Draw("a.gif", "gif", 40, 20);
     cache.Put("cache.txt", "1|2|a.gif|http://double-click/");
@@ -149,7 +149,7 @@ TEST_F(Pictures, ADoubleClickOnTheTitleBarOnlyMakesTheWindowLarge) {
     Await("the picture under the mouse",
           [&] { return WindowFromPoint(at) == app->Child("picPicture"); });
     app->AwaitInputTaken();
-    // After a click that opens something, what the release has opened would be there too.
+    // After a click that opens something, anything opened by the release would be recorded too.
     cache.Put("cache.txt", "1|2|a.gif|http://click/");
     Click();
     ExpectOpened({"http://click/"});

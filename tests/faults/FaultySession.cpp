@@ -309,7 +309,7 @@ private:
         if (verdict.outcome != due.outcome)
             Violated("outcome " + OutcomeName(verdict.outcome) + ", due was " +
                      OutcomeName(due.outcome));
-        // A session whose window is gone shows no message boxes.
+        // A session whose window is closed shows no message boxes.
         if (mEndWanted && verdict.gone && !mWindow->Flags().mblnCloseRequested) due.boxes.clear();
         const Texts told = Told(mHeadless);
         if (told == due.boxes) return;

@@ -22,12 +22,12 @@ mkdir -p "$work/zip"
 (cd "$work/zip" && cmake -E tar xf "$packages"/*.zip)
 scripts/wine "$(find "$work/zip" -name tsflash.exe)" --version | grep -F "$written"
 
-# What is handed out holds no symbols.
+# Released programs contain no symbols.
 stripped() { file "$1" | grep -v 'not stripped' | grep -F stripped; }
 for program in tsupdate tsflash; do
     stripped "$(find "$work/zip" -name "$program.exe")"
 done
-# A stream or a locale in the core would bring more than half a megabyte of the runtime along.
+# A stream or a locale in the core would link more than half a megabyte of the runtime.
 [ "$(find "$work/zip" -name tsupdate.exe -printf %s)" -le 900000 ]
 
 # The installer, twice, as in an upgrade.

@@ -190,7 +190,7 @@ TEST_F(InFolder, TheSecondInstanceOfATitleIsTold) {
     unsetenv("XDG_RUNTIME_DIR");
 }
 
-// The driver delivers when it is asked, so what the other side has written is there at once.
+// A read makes the driver deliver, so what the other side has written is available at once.
 TEST_F(InFolder, InputIsCountedAndReadHoweverShortlyAfterTheLastCount) {
     const PosixHandle master(posix_openpt(O_RDWR | O_NOCTTY));
     ASSERT_EQ(grantpt(master.Get()) + unlockpt(master.Get()), 0);

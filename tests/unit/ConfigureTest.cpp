@@ -132,7 +132,7 @@ TEST_F(ConfigureTest, ASlowSpeedIsAdvisedAgainstOnceAndKept) {
     Open([this](frmConfigure& dialog) {
         Pick(dialog.cboBaudRate, "38400");
         EXPECT_EQ(Told(mPlatform), Texts{});
-        // Set again after the box closes, whatever has happened meanwhile.
+        // Set again after the box closes, regardless of events meanwhile.
         mPlatform.boxes.whileOpen = [this](const MessageBoxRequest&) {
             EXPECT_EQ(mMain->Settings().BaudRate(), "9600");
             mMain->Settings().BaudRate("300");

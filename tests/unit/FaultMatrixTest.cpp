@@ -1,6 +1,6 @@
-// Every fault in every phase of a session, and a random combination of several. The checks are
-// in rehearsal: the report matches the received bytes, the limits hold, success means success,
-// and the window remains usable.
+// Every fault in every phase of a session, and a random combination of several. The checks are in
+// FaultySession: the report matches the received bytes, the limits hold, success means success, and
+// the window remains usable.
 #include <gtest/gtest.h>
 
 #include <set>

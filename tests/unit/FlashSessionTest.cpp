@@ -158,7 +158,7 @@ TEST_F(SessionFixture, AProcessStoppedAtAnyPointFindsTheVerdictBeforeItsTimeIsUp
     WhenStatusIs("Updating Indicator", [&] {
         const auto stop = std::make_shared<SourceId>();
         const TimerId timer = headless.pump.StartTimer(10, [&, stop] {
-            // Polled behind the port: the process stops between that and the look at the timers.
+            // Polled after the port: the process stops between that poll and the timer check.
             if (*stop == 0)
                 *stop = headless.pump.AddSource([&, stop] {
                     headless.pump.RemoveSource(*stop);

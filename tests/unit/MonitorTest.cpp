@@ -268,7 +268,7 @@ TEST_F(MonitorTest, AnUpdateIsNotHeldUpByASend) {
     mMonitor->mnuCaptureSend.Press();
     EXPECT_TRUE(mPlatform.dialogs.shown.empty());
     EXPECT_EQ(mPlatform.boxes.beeps, 1);
-    // Nor by a close, which does not wait for the line then.
+    // A close does not delay the update either: it does not drain the line then.
     mPlatform.ports.LimitWrites(1);
     mMonitor->comMonitor.Key("0123456789");
     mMonitor->mnuCommClose.Press();

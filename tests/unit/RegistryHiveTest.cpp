@@ -1,5 +1,5 @@
-// The registry's text form: what is written, and which files are read or refused. The registry's
-// calls themselves are the contract suite's business.
+// The registry's text form: what is written, and which files are read or refused. The contract
+// suite covers the registry calls.
 #include <gtest/gtest.h>
 
 #include <string>
@@ -59,7 +59,7 @@ INSTANTIATE_TEST_SUITE_P(
         Line{"\"a\"=dword:1;remark", "\"a\"=dword:00000001\n"},
         Line{"\"a\"=hex:01 ;\\", "\"a\"=hex:01\n"}));
 
-// What would be lost by the next write is damage: the file is to be left alone.
+// Anything that the next write would lose counts as damage: the file must not be changed.
 TEST(RegistryText, ALineThatCannotBeHeldStopsTheReading) {
     for (const char* line : {"\"a\"=\"open end\\",
                              "\"a\"=\"x\" y",

@@ -98,14 +98,14 @@ struct Course {
     Micros latency = 0;
     const char* fault = "";
     ExitStatus status = ExitStatus::Done;
-    const char* lateness = "";  // as the hint tells it; empty: no hint
-    const char* lines = "";     // as the summary tells them
+    const char* lateness = "";  // as in the hint; empty: no hint
+    const char* lines = "";     // as in the summary
     const char* replies = "";
     const char* wire = "";
 };
 
 /// Runs tsflash on virtual time with `arguments` for the image "m40.run" behind COM1. Returns its
-/// exit status, what it said on standard error or asked of the system, and how long it took.
+/// exit status, its standard error and requests to the system, and its duration.
 std::tuple<ExitStatus, std::string, std::uint32_t> Flash(
     const Course& course, std::vector<std::string> arguments,
     std::unique_ptr<StringTable> strings = std::make_unique<CompiledStrings>(Language::English)) {
@@ -165,7 +165,7 @@ TEST_P(Transcripts, EndWithASummaryHoweverTheSessionEnds) {
     const Course& course = GetParam();
     const TemporaryFolder folder;
     std::vector<std::string> arguments = {"--yes", "--log", folder / "log.txt", "m40.run"};
-    // The hint is no progress output. The interrupt key needs the progress output to see the half.
+    // --quiet does not suppress the hint. The abort at 50 % needs the progress output.
     if (course.status != ExitStatus::Aborted) arguments.emplace_back("--quiet");
     const auto [status, errors, tookMs] = Flash(course, arguments);
     EXPECT_EQ(status, course.status);

@@ -77,7 +77,7 @@ protected:
     static HWND ChildOf(const Form& form, const char* name) {
         return driver::Window(WindowOf(form), form.Design()).Child(name);
     }
-    /// Sends messages on the way of the user's own, through the message loop.
+    /// Posts a message, so that it passes through the message loop like user input.
     void Post(HWND window, UINT message, WPARAM first, LPARAM second = 0) {
         PostMessageW(window, message, first, second);
         platform.queue.PumpPending();
@@ -249,7 +249,7 @@ TEST_F(PeersOfTheOptions, ShowTheHeadingWhenItIsClosedOverThePage) {
     ExpectTheHeading();
 }
 
-// Some systems tell of the new selection while the closing is under way, and of the closing last.
+// Some systems report the new selection during the collapse, and the collapse last.
 TEST_F(PeersOfTheOptions, OpenNothingAgainWhileItCloses) {
     SendMessageW(tree, TVM_EXPAND, TVE_COLLAPSE, reinterpret_cast<LPARAM>(heading));
     Notify(TVN_SELCHANGEDW);
@@ -451,7 +451,7 @@ TEST_F(PeersOfTheMainWindow, AButtonWhoseHandlerClosesTheWindowIsNotLookedAtAnyM
     std::vector<std::string> others;
     window->cmdFlash.Click.Handle([&] {
         window->Unload();
-        // Takes the memory of what is gone, so that a look at it ends the test.
+        // Reuses freed memory, so that a use-after-free ends the test.
         for (int i = 0; i < 1000; ++i) others.emplace_back(sizeof(Win32ChildControl) - 1, '\xff');
     });
     SendMessageW(ChildOf(*window, "cmdFlash"), BM_CLICK, 0, 0);

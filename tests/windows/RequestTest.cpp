@@ -6,10 +6,10 @@
 namespace vantor {
 namespace {
 
-constexpr ULONG_PTR kPending = 0x103;  // what the system stores while a request is under way
+constexpr ULONG_PTR kPending = 0x103;  // STATUS_PENDING
 
 TEST(Request, ADriverThatNeverEndsACancelledOneKeepsItsMemoryAndDoesNotHoldTheProgram) {
-    // No driver: nothing ever ends this one.
+    // Not issued to a driver, so this request never ends.
     const Win32Handle device(CreateFileW(L"NUL", GENERIC_READ, 0, nullptr, OPEN_EXISTING,
                                          FILE_FLAG_OVERLAPPED, nullptr));
     auto request = std::make_unique<Win32Request>(false);
@@ -20,7 +20,7 @@ TEST(Request, ADriverThatNeverEndsACancelledOneKeepsItsMemoryAndDoesNotHoldThePr
     EXPECT_LT(GetTickCount64() - start, 30000u);
     EXPECT_EQ(request, nullptr);
     EXPECT_FALSE(memory->HasEnded());
-    delete memory;  // nothing has it after all
+    delete memory;  // no driver uses it
 }
 
 TEST(Request, OneThatEndsInTimeOrWhenCancelledComesBack) {

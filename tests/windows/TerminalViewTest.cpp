@@ -67,7 +67,7 @@ TEST_F(TerminalView, ADragMarksTextWhichCtrlCCopiesInsteadOfBeingSent) {
     Send(WM_CHAR, 3);
     EXPECT_EQ(platform.clipboard.Text(), "11\r\nline 1");
     EXPECT_EQ(wire.received, "");
-    Send(WM_CHAR, 3);  // nothing is marked any more
+    Send(WM_CHAR, 3);  // nothing is selected any more
     platform.queue.PumpPending();
     EXPECT_EQ(wire.received, "\x03");
 }

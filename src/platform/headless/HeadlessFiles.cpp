@@ -101,7 +101,7 @@ std::unique_ptr<OutputFile> HeadlessFiles::Create(const std::string& path) {
 }
 
 void HeadlessFiles::Delete(const std::string& path) {
-    static_cast<void>(Contents(path));  // for the errors of a file that is not there
+    static_cast<void>(Contents(path));  // raises the error for a missing file
     if (mHeld.contains(Normal(path))) throw RuntimeError(ErrorNumber::PermissionDenied);
     mFiles.erase(Normal(path));
 }

@@ -59,7 +59,7 @@ public:
     }
 
     std::uint64_t pumps = 0;
-    bool refuse = false;  ///< no timer can be made
+    bool refuse = false;  ///< timers cannot be created
 
 protected:
     void Rest() override {}  // each pump has already advanced the clock
@@ -83,7 +83,7 @@ public:
     std::string PersonalDocuments() const override { return Home() + "/Documents"; }
     std::string Current() const override { return "/home/tech"; }
 
-    std::string home = "/home/tech";  ///< empty: the system names none of the two
+    std::string home = "/home/tech";  ///< empty: the system has neither folder
 
 private:
     const std::string& Home() const;
@@ -112,17 +112,17 @@ public:
 
     void HoldSystem(const std::string& reason) override { held = reason; }
 
-    /// The window in use: the one shown last of those that are open; 0 for none.
+    /// The active window: of the open ones, the one shown last; 0 for none.
     NativeWindow Active() const { return mShown.empty() ? 0 : mShown.back(); }
 
-    /// Stands for the user of a modal window, which returns after it.
+    /// Simulates the user of a modal window; the window returns afterwards.
     std::function<void(Form&)> whileModal;
     std::vector<ThinLine> lines;  ///< drawn on forms
     std::string held;             ///< reason that blocks shutdown; empty when none does
     MousePointer pointer = MousePointer::Default;
     std::vector<std::string> open;  ///< names of the forms that have a peer now
-    bool refuse = false;            ///< no window can be made
-    /// Told of every change of a control's property.
+    bool refuse = false;            ///< windows cannot be created
+    /// Called on every change of a control's property.
     std::function<void(const Control&, Property)> onChange;
 
 private:
@@ -140,7 +140,7 @@ public:
 
     std::vector<MessageBoxRequest> shown;  ///< with the owner that each box had
     std::deque<BoxAnswer> answers;         ///< taken one by one; then Yes, or Ok
-    /// Runs while a box is open, to let something happen behind it.
+    /// Runs while a box is open, to simulate events meanwhile.
     std::function<void(const MessageBoxRequest&)> whileOpen;
     int beeps = 0;
 
@@ -158,7 +158,7 @@ private:
     const Files& mFiles;
 };
 
-/// Records what it was asked to open.
+/// Records the requests to open something.
 class HeadlessShell : public Shell {
 public:
     std::int32_t Execute(const ShellRequest& request) override {

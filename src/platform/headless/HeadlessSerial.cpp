@@ -63,7 +63,7 @@ public:
     }
 
 private:
-    /// The far end; raises when it is gone.
+    /// The far end; raises when the device is lost.
     FarEnd& Device() {
         const auto socket = mPorts.mSockets.find(mName);
         if (socket == mPorts.mSockets.end() || !socket->second.farEnd ||

@@ -24,7 +24,7 @@ public:
     virtual void Receive(std::string_view bytes) = 0;
     /// Bytes sent since the last call.
     virtual std::string Transmit() = 0;
-    /// True when the device is gone.
+    /// True when the device is lost.
     virtual bool HungUp() const = 0;
 };
 

@@ -6,9 +6,8 @@
 namespace vantor {
 
 void PolledPump::PumpPending() {
-    // The clock is read before the sources are polled and the timers fire after them: whatever
-    // stops the process in between, no timer fires before the bytes that had arrived when it was
-    // due are seen.
+    // Reads the clock, polls the sources, then fires the timers: even if the process is stopped in
+    // between, bytes that arrived before a timer was due are delivered before it fires.
     const std::uint32_t now = mClock.Milliseconds();
     if (!mSources.empty()) PollSources();
     if (!mTimers.empty()) FireDueTimers(now);

@@ -26,7 +26,7 @@ bool EqualIgnoringCase(std::string_view a, std::string_view b) {
     return std::ranges::equal(a, b, [](char x, char y) { return Lower(x) == Lower(y); });
 }
 
-/// The number that `digits` are; nothing unless they are 1 to 8.
+/// The value of 1 to 8 hexadecimal digits; nothing for other text.
 std::optional<std::uint32_t> HexNumber(std::string_view digits) {
     if (digits.empty() || digits.size() > 8) return std::nullopt;
     std::uint32_t number = 0;
@@ -100,7 +100,7 @@ private:
     bool mVersion5 = false;
 };
 
-/// Without a mark, the zero beside the header's first letter tells of UTF-16.
+/// Without a byte order mark, a zero next to the header's first letter identifies UTF-16.
 void Reader::Decode(std::string_view file) {
     const auto zeroAt = [&](std::size_t at) { return file.size() > 1 && file[at] == '\0'; };
     mUnicode = true;
@@ -145,7 +145,7 @@ void Reader::SkipBlanks() {
     mRest.remove_prefix(std::min(mRest.find_first_not_of(kBlanks), mRest.size()));
 }
 
-/// Takes blanks, a comment and the end of the line; false when something else is left of it.
+/// Consumes blanks, a comment and the end of the line; false when the line contains more.
 bool Reader::TakeLineEnd() {
     SkipBlanks();
     if (!mRest.empty() && mRest.front() != '\n' && mRest.front() != ';') return false;
@@ -205,7 +205,7 @@ bool Reader::SetPath(std::string_view text, RegistryPath& path) const {
     return true;
 }
 
-/// `text` as the registry holds it.
+/// `text` in the registry's code page; nothing when that is impossible.
 std::optional<std::string> Reader::Stored(std::string_view text) const {
     if (text.find('\0') != std::string_view::npos) return std::nullopt;
     return mUnicode ? AnsiOf(text) : std::string(text);
@@ -223,8 +223,8 @@ bool Reader::TakeValue(RegistryValue& value) {
     return TakeData(value) && TakeLineEnd();
 }
 
-/// A text in quotes, which may go on over line ends. `hexEscapes` allows for "\x". Any other
-/// backslash stands for itself: people write folder names without doubling it.
+/// A quoted string, which may span lines. `hexEscapes` enables "\x". Any other backslash is
+/// literal: in files edited by hand, folder names have single backslashes.
 std::optional<std::string> Reader::TakeQuoted(bool hexEscapes) {
     if (!SkipPrefix("\"")) return std::nullopt;
     const auto escapes = [](std::string_view text, std::size_t at) {
@@ -284,7 +284,7 @@ bool Reader::TakeData(RegistryValue& value) {
     return ansi.has_value();
 }
 
-/// Takes bytes with commas between them, over as many lines as end with a backslash.
+/// Reads comma-separated bytes; a backslash at the end of a line continues the list.
 bool Reader::TakeBytes(std::string& bytes) {
     SkipToNextByte();
     while (const auto byte = HexByteAt(mRest, 0)) {

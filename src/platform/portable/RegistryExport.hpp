@@ -22,9 +22,9 @@ struct RegistryExport {
 
 /// Reads version 4 (REGEDIT4, 8-bit) and version 5 (UTF-16 or UTF-8), with or without a byte order
 /// mark. Names, strings and the bytes of `hex(1)`, `hex(2)` and `hex(7)` of version 5 become 8-bit
-/// text (code page 1252). Comments and blank lines are passed over; empty text is an empty export.
-/// Whatever else cannot be held counts as damage, so that writing the outcome loses nothing: a line
-/// of another form, a value below no key, another root, a character that the code page lacks.
+/// text (code page 1252). Comments and blank lines are skipped; empty text is an empty export.
+/// Everything else that cannot be stored counts as damage, so that writing the result loses
+/// nothing: an unknown line, a value without key, another root, a character not in the code page.
 RegistryExport ReadRegistryExport(std::string_view file);
 
 }  // namespace vantor

@@ -32,7 +32,7 @@ std::string Folded(std::string_view name) {
 struct RegistryHive::Node {
     std::string name;
     std::map<std::string, std::unique_ptr<Node>> children;  // by folded name
-    std::map<std::string, RegistryValue> values;            // likewise
+    std::map<std::string, RegistryValue> values;            // by folded name
 };
 
 RegistryHive::RegistryHive() {
@@ -125,7 +125,7 @@ RegistryResult RegistryHive::SetValue(RegistryKey key, const std::string& name, 
     if (handle == mHandles.end()) return kRegistryInvalidHandle;
     if ((handle->second.access & kRegistrySetValue) == 0) return kRegistryAccessDenied;
     if (bytes.size() > std::numeric_limits<std::uint32_t>::max()) return kInvalidParameter;
-    // Another program may have removed the key meanwhile; the value is stored all the same.
+    // Another program may have removed the key meanwhile; the value is stored nevertheless.
     Node* node = nullptr;
     const RegistryResult result = Create(handle->second.path, node);
     if (result != kRegistrySuccess) return result;
@@ -167,7 +167,7 @@ std::size_t RegistryHive::Import(std::string_view file) {
     if (read.damagedLine != 0) return read.damagedLine;
     for (ExportedKey& key : read.keys) {
         Node* node = nullptr;
-        // Refuses only what the reader takes for damage.
+        // Refuses only what the reader treats as damage.
         static_cast<void>(Create(key.path, node));
         for (RegistryValue& value : key.values)
             node->values.insert_or_assign(Folded(value.name), std::move(value));

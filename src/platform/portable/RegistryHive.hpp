@@ -35,8 +35,8 @@ public:
     /// line feeds only.
     std::string Export() const;
 
-    /// Adds what an export file of either version holds to the contents. Returns 0, or the number
-    /// of the first line that cannot be read; nothing has been added then.
+    /// Adds the contents of an export file of either version. Returns 0, or the number of the first
+    /// line that cannot be read; nothing is added then.
     std::size_t Import(std::string_view file);
 
     /// Removes all keys and values. Open handles stay valid.

@@ -20,7 +20,7 @@ inline constexpr std::array<std::pair<RegistryRoot, std::string_view>, 2> kRegis
     {{RegistryRoot::CurrentUser, "HKEY_CURRENT_USER"},
      {RegistryRoot::LocalMachine, "HKEY_LOCAL_MACHINE"}}};
 
-// The system's own limits. They also bound what a damaged file can make us build.
+// The system's own limits. They also bound the memory that a damaged file can take.
 inline constexpr std::size_t kMaxRegistryName = 255;
 inline constexpr std::size_t kMaxRegistryDepth = 512;
 

@@ -1,4 +1,4 @@
-// UTF-16 as files hold it, on every system.
+// Decodes UTF-16 in files, on every system.
 #pragma once
 
 #include <string>
@@ -8,8 +8,7 @@ namespace vantor {
 
 enum class ByteOrder : bool { LowFirst, HighFirst };
 
-/// UTF-8 of UTF-16 text given as bytes. A half of a surrogate pair alone, and an odd last byte,
-/// become U+FFFD.
+/// UTF-8 of UTF-16 text given as bytes. An unpaired surrogate and an odd last byte become U+FFFD.
 std::string Utf8FromUtf16(std::string_view bytes, ByteOrder order = ByteOrder::LowFirst);
 
 }  // namespace vantor

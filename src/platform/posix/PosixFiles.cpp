@@ -113,8 +113,8 @@ std::string PosixFiles::ReadStart(const std::string& path, std::size_t most) con
     struct stat status {};
     if (fstat(file.Get(), &status) != 0) Raise(errno, hostPath);
     if (!S_ISREG(status.st_mode)) throw RuntimeError(ErrorNumber::PathFileAccess);
-    // The size is a hint only: the file may grow meanwhile, and some of the system's files claim
-    // to be empty. One byte more finds the end without another round.
+    // The size is only a hint: the file may grow meanwhile, and some system files (/proc) report 0.
+    // One extra byte detects the end of file without another iteration.
     std::string bytes(std::min(static_cast<std::size_t>(status.st_size) + 1, most), '\0');
     std::size_t length = 0;
     while (length < most) {

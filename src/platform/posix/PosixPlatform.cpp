@@ -19,7 +19,7 @@
 namespace vantor {
 namespace {
 
-/// Without a home folder nothing is stored, and what is set lasts as long as the process.
+/// Without a home folder nothing is stored, and settings last as long as the process.
 std::unique_ptr<Registry> RegistryOf(const Folders& folders) {
     std::unique_ptr<Registry> registry;
     if (!Ignoring(

@@ -42,9 +42,9 @@ std::string FolderOf(const std::string& path) {
     return slash == 0 ? "/" : path.substr(0, slash);
 }
 
-/// Where `path` leads over symbolic links. The last one may lead to a file that is still missing.
+/// The target of `path` with symbolic links resolved. The target may not exist yet.
 std::string TargetOf(std::string path) {
-    constexpr int kMostLinks = 40;  // as the system allows
+    constexpr int kMostLinks = 40;  // the system's limit
     std::array<char, PATH_MAX> target{};
     for (int i = 0; i < kMostLinks; ++i) {
         const ssize_t length = readlink(path.c_str(), target.data(), target.size());
@@ -55,7 +55,7 @@ std::string TargetOf(std::string path) {
     return path;
 }
 
-// What cannot be made here shows when the file in it is.
+// A failure shows when the file in the folder is created.
 void CreateFolders(const std::string& folder) {
     for (std::size_t end = folder.find('/', 1); end != std::string::npos;
          end = folder.find('/', end + 1))
@@ -117,7 +117,7 @@ RegistryResult PosixRegistry::Refresh() {
 }
 
 RegistryResult PosixRegistry::Reread() {
-    // A pipe in place of the file would hold us up for ever.
+    // Without O_NONBLOCK, opening a pipe in place of the file would block for ever.
     const PosixHandle file(open(mFile.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
     if (!file.IsOpen() && !IsMissing(errno)) return Tell({mFile, 0, ErrorOf(errno)});
     std::string text;
@@ -143,8 +143,8 @@ RegistryResult PosixRegistry::Tell(const UnreadableStore& error) {
     throw error;
 }
 
-/// Writes a new file beside the old one and puts it in its place: a crash at any point leaves
-/// one of the two whole.
+/// Writes a new file beside the old one and renames it: after a crash at any point, one of the
+/// two is complete.
 RegistryResult PosixRegistry::Save(const std::string& target, const std::string& text) {
     const std::string newFile = target + ".new";
     const PosixHandle file(
@@ -154,19 +154,19 @@ RegistryResult PosixRegistry::Save(const std::string& target, const std::string&
     if (!WriteBytes(file.Get(), text) || fsync(file.Get()) != 0 ||
         fstat(file.Get(), &status) != 0 || rename(newFile.c_str(), target.c_str()) != 0) {
         const RegistryResult result = ResultOf(errno);
-        static_cast<void>(unlink(newFile.c_str()));  // the failed write is the error to tell
+        static_cast<void>(unlink(newFile.c_str()));  // the failed write is the error to report
         return result;
     }
     mStamp = StampOf(status);
-    // The change is made by now; some file systems cannot sync a folder and need not.
+    // The rename is complete; some file systems cannot sync a folder and need not.
     const PosixHandle folder(open(FolderOf(target).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
     if (folder.IsOpen()) static_cast<void>(fsync(folder.Get()));
     return kRegistrySuccess;
 }
 
-/// Runs `change` on the newest state of the file and stores the outcome; a change that cannot be
-/// stored is taken back. The state is read whatever the file's time says: two programs can write
-/// within one tick of the file system's clock.
+/// Applies `change` to the newest state of the file and stores the result; reverts a change that
+/// cannot be stored. Reads the file regardless of its time stamp: two programs can write within one
+/// tick of the file system's clock.
 RegistryResult PosixRegistry::Change(const std::function<RegistryResult()>& change) {
     const std::string target = TargetOf(mFile);
     CreateFolders(FolderOf(target));
@@ -202,7 +202,7 @@ RegistryResult PosixRegistry::CreateKey(RegistryRoot root, const std::string& pa
     if (outcome == kRegistrySuccess)
         key = created;
     else if (created != 0)
-        static_cast<void>(mHive.CloseKey(created));  // open a moment ago
+        static_cast<void>(mHive.CloseKey(created));  // opened above
     return outcome;
 }
 

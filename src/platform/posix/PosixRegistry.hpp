@@ -16,11 +16,11 @@ namespace vantor {
 /// The path of the file below the user's application-data folder.
 std::string DefaultRegistryFile(const Folders& folders);
 
-/// The file is looked at again whenever a key is opened; queries answer from memory. Every change
-/// is made to what the file holds at that moment, is on the disk when its call returns, and leaves
-/// the file whole at any time. It is written as version 4 of the format, without comments.
-/// Programs that change it at the same time wait for each other for up to a few seconds. A symbolic
-/// link in the file's place is followed. A file that cannot be read whole raises UnreadableStore.
+/// The file is checked for changes whenever a key is opened; queries use the copy in memory. Every
+/// change applies to the current contents of the file, is on disk when its call returns, and is
+/// atomic. The file is written as version 4 of the format, without comments.
+/// Concurrent writers wait for each other for up to a few seconds. A symbolic link in the file's
+/// place is followed. A file that cannot be read completely raises UnreadableStore.
 class PosixRegistry : public Registry {
 public:
     explicit PosixRegistry(std::string file) : mFile(std::move(file)) {}
@@ -55,7 +55,7 @@ private:
     std::string mFile;
     RegistryHive mHive;
     Stamp mStamp;        // of the contents of mHive
-    bool mTold = false;  // that the file cannot be read
+    bool mTold = false;  // UnreadableStore was raised
 };
 
 }  // namespace vantor

@@ -130,10 +130,10 @@ void PosixSerialPort::RaiseModemLines() const {
     if (errno != ENOTTY && errno != EINVAL) RaiseOpenError(errno);
 }
 
-/// One system call both counts and takes, since wait loops call this. A device that has
-/// gone shows as an end of the file or an error, once everything that it sent has been read.
+/// A single system call checks for and reads input, because wait loops call this. A lost device
+/// shows as end of file or an error, after everything that it sent has been read.
 void PosixSerialPort::TakeInput() {
-    constexpr std::size_t kQueue = 4096;  // as the driver: what is not read for long stays there
+    constexpr std::size_t kQueue = 4096;  // as the driver's, which keeps the rest
     if (mGone || mInput.size() >= kQueue) return;
     std::array<char, kQueue> chunk;
     const ssize_t count =

@@ -41,7 +41,7 @@ private:
     PosixHandle mDevice;
     std::function<void()> mNotify;
     SourceId mSource = 0;
-    std::string mInput;  // what was read from the device but not yet by our user
+    std::string mInput;  // read from the device, but not yet by the caller
     bool mGone = false;
 };
 

@@ -1,5 +1,4 @@
-// The text terminal off Windows. One object at a time: it owns the process's signals that have to
-// do with a terminal.
+// The text terminal off Windows. One object at a time: it owns the terminal signals of the process.
 #pragma once
 
 #include <signal.h>

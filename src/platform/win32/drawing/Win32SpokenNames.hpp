@@ -18,7 +18,7 @@ public:
     Win32SpokenNames& operator=(const Win32SpokenNames&) = delete;
 
     /// Sets the accessible name of `window` (IAccPropServices::SetHwndPropStr); call `Forget`
-    /// before it is destroyed. Without the service the window text has to serve.
+    /// before it is destroyed. Without the service, screen readers use the window text.
     void Set(HWND window, const std::wstring& name);
     void Forget(HWND window);
 

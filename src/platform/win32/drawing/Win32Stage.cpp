@@ -46,7 +46,7 @@ Place Win32Stage::ToTwips(const RECT& pixels) const {
 MONITORINFO Win32Stage::MonitorAt(const RECT& place) {
     MONITORINFO info{};
     info.cbSize = sizeof info;
-    // The nearest monitor always exists; all 0 is a screen that has just gone.
+    // The nearest monitor always exists; all 0 means that it has just been disconnected.
     static_cast<void>(GetMonitorInfoW(MonitorFromRect(&place, MONITOR_DEFAULTTONEAREST), &info));
     return info;
 }

@@ -34,11 +34,11 @@ public:
     RECT ToPixels(const Place& place) const;
     Place ToTwips(const RECT& pixels) const;
 
-    /// The monitor that a place of the screen lies on, or is nearest to.
+    /// The monitor that contains `place` (screen pixels) or is nearest to it.
     static MONITORINFO MonitorAt(const RECT& place);
 
-    /// The system's message font in another size, and of another shape when `face` names one; kept
-    /// for all windows. Raises RuntimeError 7 when the system cannot make it.
+    /// The system's message font in another size, and in the typeface `face` if given; cached for
+    /// all windows. Raises RuntimeError 7 when the system cannot create it.
     HFONT Font(float points, bool bold, const std::string& face = {});
 
     HeldObjects held;

@@ -22,8 +22,8 @@ const wchar_t* OrNull(const std::wstring& text) {
     return text.empty() ? nullptr : text.c_str();
 }
 
-/// Puts the current folder back, which the dialogs change with every folder that is shown. A
-/// folder that is held as current cannot be removed, nor can its drive.
+/// Restores the current folder, which the dialogs change with every folder shown. The current
+/// folder of a process cannot be deleted, nor its drive removed.
 class KeptFolder {
 public:
     KeptFolder() : mFolder(GetCurrentDirectoryW(0, nullptr), L'\0') {

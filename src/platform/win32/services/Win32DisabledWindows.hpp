@@ -7,12 +7,12 @@
 
 namespace vantor {
 
-/// A box disables the window that owns it and no other. This disables the rest of the thread's
-/// windows for as long as it exists: an update must not be begun behind a box, whose answer would
-/// then have to wait for its end.
+/// A box disables its owner window only. This object disables the thread's other windows while it
+/// exists: the call that shows a box could not return before the end of an update started behind
+/// the box.
 class Win32DisabledWindows {
 public:
-    /// Nothing without an `owner`: the system disables all of them then.
+    /// Does nothing without an `owner`: the system then disables all windows.
     explicit Win32DisabledWindows(HWND owner);
     ~Win32DisabledWindows();
     Win32DisabledWindows(const Win32DisabledWindows&) = delete;

@@ -29,7 +29,7 @@ DWORD WINAPI Win32EndOfSession::Run(void* self) noexcept {
     windowClass.lpfnWndProc = OnMessage;
     windowClass.hInstance = GetModuleHandleW(nullptr);
     windowClass.lpszClassName = kClassName;
-    // Every object after the first finds the class there; any other failure shows in the next call.
+    // Fails if an earlier object has registered the class; other failures show in the next call.
     static_cast<void>(RegisterClassW(&windowClass));
     // Top-level, though never shown: message-only windows receive no broadcast messages.
     const HWND window = CreateWindowExW(0, kClassName, L"", WS_OVERLAPPED, 0, 0, 0, 0, nullptr,

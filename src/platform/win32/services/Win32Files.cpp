@@ -69,7 +69,7 @@ std::optional<Identity> IdentityOf(const std::wstring& hostPath) {
     return identity;
 }
 
-/// As many bytes as the system takes in one call.
+/// As many bytes as one system call accepts.
 DWORD Portion(std::size_t bytes) {
     constexpr std::size_t kMost = 1u << 30;
     return static_cast<DWORD>(std::min(bytes, kMost));
@@ -140,8 +140,8 @@ std::string Win32Files::ReadStart(const std::string& path, std::size_t most) con
     const Win32Handle file = Open(HostPath(path), GENERIC_READ, kShareAll, OPEN_EXISTING);
     LARGE_INTEGER size{};
     if (GetFileSizeEx(file.Get(), &size) == 0) RaiseFileError(GetLastError());
-    // The size is a hint only: the file may grow meanwhile. One byte more finds the end without
-    // another round.
+    // The size is only a hint: the file may grow meanwhile. One extra byte detects the end of file
+    // without another iteration.
     std::string bytes(std::min(static_cast<std::size_t>(size.QuadPart) + 1, most), '\0');
     std::size_t length = 0;
     while (length < most) {

@@ -4,7 +4,7 @@
 
 #include "platform/win32/services/Windows.hpp"
 #include "support/errors/RuntimeError.hpp"
-// Needs what the system's header defines.
+// Requires the types of <windows.h>.
 #include <shlobj.h>
 
 namespace vantor {

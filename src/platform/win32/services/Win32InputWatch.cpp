@@ -34,8 +34,8 @@ void Win32InputWatch::Arm() {
     constexpr ULONGLONG kLeastMs = 8;  // below the interval of the pump, whose next poll then arms
     const ULONGLONG now = GetTickCount64();
     if (!mUsable || !mWait->HasEnded() || now - mArmedAt < kLeastMs) return;
-    // A line without modem signals, as under a compatibility layer, may end every wait at once
-    // and in failure. Trying again and again would cost half a processor.
+    // On a line without modem signals, as under a compatibility layer, every wait may fail at
+    // once. Retrying in a loop would use half a processor.
     DWORD unused = 0;
     mUsable =
         mArmedAt == 0 || GetOverlappedResult(mDevice, &mWait->overlapped, &unused, FALSE) != 0;

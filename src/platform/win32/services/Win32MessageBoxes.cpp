@@ -49,7 +49,7 @@ bool TakesInput(HWND window) {
     return IsWindowVisible(window) != 0 && IsWindowEnabled(window) != 0;
 }
 
-/// The window in use; the topmost one that takes input while another program is in front.
+/// The active window; while another program is in the foreground, the topmost enabled one.
 HWND WindowInUse() {
     HWND found = GetActiveWindow();
     if (found != nullptr && TakesInput(found)) return found;

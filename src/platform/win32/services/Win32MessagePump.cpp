@@ -30,7 +30,7 @@ Win32MessagePump::Win32MessagePump() {
     windowClass.lpfnWndProc = OnMessage;
     windowClass.hInstance = GetModuleHandleW(nullptr);
     windowClass.lpszClassName = kClassName;
-    // Every pump but the first finds the class registered; another failure shows in the next call.
+    // Fails if an earlier pump has registered the class; other failures show in the next call.
     static_cast<void>(RegisterClassW(&windowClass));
     mWindow = CreateWindowExW(0, kClassName, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
                               windowClass.hInstance, nullptr);

@@ -3,7 +3,7 @@
 namespace vantor {
 namespace {
 
-// The status decides, not the event, which somebody else may have waited for.
+// Checks the status, not the event, which another waiter may have reset.
 bool EndsWithin(const Win32Request& request, DWORD ms) {
     static_cast<void>(WaitForSingleObject(request.done.Get(), ms));
     return request.HasEnded();

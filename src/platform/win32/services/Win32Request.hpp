@@ -1,5 +1,5 @@
-// One overlapped request to a device, with all the memory that the driver works in. Issuing it is
-// its user's business.
+// One overlapped request to a device, with all the memory that the driver accesses. The caller
+// issues it.
 #pragma once
 
 #include <memory>
@@ -10,13 +10,13 @@
 namespace vantor {
 
 struct Win32Request {
-    /// One with an automatic reset is for a single waiter in a loop. `done` is not open when the
-    /// system has no event to give.
+    /// An auto-reset event is for a single waiter in a loop. `done` is not open when the event
+    /// cannot be created.
     explicit Win32Request(bool automaticReset);
     Win32Request(const Win32Request&) = delete;
     Win32Request& operator=(const Win32Request&) = delete;
 
-    /// The structure to issue the next request with. The last one must have ended.
+    /// The structure for the next request. The previous one must have ended.
     OVERLAPPED* Fresh();
     bool HasEnded() const { return HasOverlappedIoCompleted(&overlapped); }
 
@@ -26,10 +26,10 @@ struct Win32Request {
     DWORD events = 0;   ///< of a WaitCommEvent
 };
 
-/// Gives `request`, issued on `device`, `patienceMs` to end, then cancels it and gives the driver
-/// one second more. True when it ended without that.
-/// A driver that does not end even a cancelled request keeps its memory for good: `request` is then
-/// null and the object leaked, because the driver may still write to it.
+/// Waits up to `patienceMs` for the end of `request`, issued on `device`; then cancels it and waits
+/// one second more. True when it ended without cancellation.
+/// If even the cancelled request does not end, the object is leaked and `request` becomes null,
+/// because the driver may still write to its memory.
 bool EndRequest(HANDLE device, std::unique_ptr<Win32Request>& request, DWORD patienceMs);
 
 }  // namespace vantor

@@ -136,13 +136,13 @@ void Win32SerialPort::RaiseGone() {
     throw RuntimeError(ErrorNumber::DeviceIO);
 }
 
-// Only what has been counted is asked for: an empty queue makes some systems hold the read until
-// bytes come, whatever the timeouts say. The driver reads into the request's own memory, because a
-// request that it never ends must not leave it with the caller's.
+// Requests only the bytes that are queued: on some systems a read of an empty queue blocks until
+// bytes arrive, regardless of the time-outs. The buffer belongs to the request: a request that
+// never ends must not refer to the caller's memory.
 std::size_t Win32SerialPort::Read(std::span<char> into) {
     const std::size_t count = std::min(InputCount(), into.size());
     if (count == 0) return 0;
-    constexpr DWORD kReadMs = 1000;  // what has been counted is there
+    constexpr DWORD kReadMs = 1000;  // the bytes are already queued
     mRead->bytes.resize(count);
     DWORD got = 0;
     const bool read = ReadFile(mDevice.Get(), mRead->bytes.data(), static_cast<DWORD>(count), &got,
@@ -157,7 +157,7 @@ std::size_t Win32SerialPort::Read(std::span<char> into) {
 std::size_t Win32SerialPort::Write(std::string_view bytes) {
     if (mGone) RaiseGone();
     if (bytes.empty() || WriteIsPending()) return 0;
-    mPump.Attend();  // to the answer
+    mPump.Attend();  // a reply will follow
     mWrite->bytes.assign(bytes.substr(0, kMostBytesAtOnce));
     DWORD count = 0;
     const auto size = static_cast<DWORD>(mWrite->bytes.size());
@@ -173,7 +173,7 @@ bool Win32SerialPort::WriteIsPending() {
     if (!mWrite->HasEnded()) return true;
     mWriting = false;
     DWORD count = 0;
-    // Without timeouts a write ends when all its bytes are gone, or the device is.
+    // Without time-outs a write ends when all its bytes are sent or the device is lost.
     if (GetOverlappedResult(mDevice.Get(), &mWrite->overlapped, &count, FALSE) == 0) RaiseGone();
     return false;
 }

@@ -13,9 +13,9 @@
 
 namespace vantor {
 
-/// One write is under way at a time; until it has ended `Write` accepts nothing. Closing waits
-/// for it as long as its bytes take on the line: the system would throw away the rest. A driver
-/// that does not end a cancelled request loses the port, within some seconds.
+/// One write is pending at a time; until it has ended `Write` accepts nothing. Closing waits for
+/// it as long as its bytes take on the line: the system would discard the rest. If the driver
+/// does not end a cancelled request, the port is given up within some seconds.
 class Win32SerialPort : public SerialPort {
 public:
     /// Opens the port `name` ("COM3"). `pump` must outlive the port. Raises 68,

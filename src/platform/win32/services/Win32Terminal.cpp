@@ -10,7 +10,7 @@
 namespace vantor {
 namespace {
 
-// Shared with the control handler, which runs on a thread of the system's.
+// Shared with the control handler, which runs on a system thread.
 std::atomic<std::uint32_t> gInterrupts = 0;
 std::atomic<bool> gEnding = false;
 SRWLOCK gWaitingLock = SRWLOCK_INIT;

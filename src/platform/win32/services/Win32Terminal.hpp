@@ -1,5 +1,5 @@
-// The console of a Windows program, or whatever its output and input have been sent to. One
-// object at a time: it owns the process's control events.
+// The console of a Windows program, or its redirected output and input. One object at a time: it
+// owns the process's control events.
 #pragma once
 
 #include <cstdint>

@@ -1,5 +1,5 @@
-// The system's own header, kept small, and what every service here needs with it: text conversion
-// and error numbers. The only place that includes <windows.h>.
+// A reduced <windows.h>, and what every service here needs with it: text conversion and error
+// numbers. No other file includes <windows.h>.
 #pragma once
 
 #ifndef NOMINMAX
@@ -30,11 +30,11 @@ std::string ToUtf8(std::wstring_view wide);
 /// Raises the RuntimeError for a failed file operation: 53, 76, 70, 61, else 75.
 [[noreturn]] void RaiseFileError(DWORD systemError);
 
-/// Raises RuntimeError 7 in the system's own words, where it has some for `systemError`: a window,
-/// a menu or a font could not be made.
+/// Raises RuntimeError 7 (a window, a menu or a font could not be created), with the system's
+/// message for `systemError` if there is one.
 [[noreturn]] void RaiseNotMade(DWORD systemError);
 
-/// `handle`, as a call of the system has returned it; raises as `RaiseNotMade` when it is null.
+/// Returns `handle`, the result of a system call; raises like `RaiseNotMade` when it is null.
 template <typename Handle>
 Handle Made(Handle handle) {
     if (handle == nullptr) RaiseNotMade(GetLastError());

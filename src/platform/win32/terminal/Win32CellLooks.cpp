@@ -17,12 +17,12 @@ COLORREF ColourOf(std::uint8_t colour, int otherwise) {
     return colour < kDefaultColour ? kPalette[colour] : GetSysColor(otherwise);
 }
 
-/// 0 for black to 255 for white, as the eye weighs the three colours.
+/// Luminance, from 0 for black to 255 for white.
 int Brightness(COLORREF colour) {
     return (299 * GetRValue(colour) + 587 * GetGValue(colour) + 114 * GetBValue(colour)) / 1000;
 }
 
-/// `colours`, with black or white letters when these would hardly show.
+/// `colours`, with black or white text when the contrast is too low.
 CellColours Readable(CellColours colours) {
     constexpr int kLeastDifference = 80;
     constexpr int kMiddle = 128;

@@ -1,4 +1,4 @@
-// How a terminal's cell looks: its letter and its colours.
+// The appearance of a terminal cell: its character and its colours.
 #pragma once
 
 #include "platform/win32/services/Windows.hpp"
@@ -11,17 +11,17 @@ struct CellColours {
     COLORREF ground;
 };
 
-/// The colours of `cell`. Where the far end has chosen only one of the two, the other makes the
-/// letters readable. `systemOnly`: whatever colours the far end asks for.
+/// The colours of `cell`. If the far end sets only one of the two, the text colour is adjusted for
+/// contrast. `systemOnly`: ignores the colours that the far end sets.
 CellColours ColoursOf(const Cell& cell, bool selected, bool systemOnly);
 
-/// True while the user has the whole system in few colours of strong contrast.
+/// True in high-contrast mode (SPI_GETHIGHCONTRAST).
 bool HighContrast();
 
 bool LooksLike(const Cell& one, const Cell& other);
 
-/// What a byte is in the system's code page. One by one: where two bytes can make a character they
-/// are still two cells.
+/// The character of one byte in the system's code page. In a double-byte code page, too, each byte
+/// is a cell.
 wchar_t LetterOf(char character);
 
 }  // namespace vantor

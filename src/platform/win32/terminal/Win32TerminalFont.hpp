@@ -11,8 +11,8 @@ namespace vantor {
 
 class Win32TerminalFont {
 public:
-    /// The face that `style` names, or another when the system has it not or only parts of it.
-    /// Raises RuntimeError 7 when the system cannot make it.
+    /// The typeface that `style` names, or a fallback when it is missing or incomplete.
+    /// Raises RuntimeError 7 when the system cannot create the font.
     Win32TerminalFont(Win32Stage& stage, const ControlStyle& style);
     ~Win32TerminalFont();
     Win32TerminalFont(const Win32TerminalFont&) = delete;

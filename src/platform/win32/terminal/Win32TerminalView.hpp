@@ -77,9 +77,9 @@ private:
     std::int64_t mShownFirst = 0;         // the first line of the view as last invalidated
     std::optional<TextPosition> mAnchor;  // set while the mouse selects
     bool mScrolling = false;              // the mouse is above or below the text meanwhile
-    bool mAnnouncing = false;             // screen readers will be told of new text
+    bool mAnnouncing = false;             // an announcement to screen readers is due
     wchar_t mHighSurrogate = L'\0';       // the first half of a character that is being typed
-    int mWheel = 0;                       // what wheels have turned, less than a notch
+    int mWheel = 0;                       // accumulated wheel movement below one notch
 };
 
 }  // namespace vantor

@@ -234,9 +234,9 @@ void Win32ChildControl::Commanded(UINT notification) {
         static_cast<CommandButton&>(mControl).Press();
 }
 
-// A choice that the user has made, the one of before included, is told once: as `kChoiceMade` with
-// the child's id, posted to the form. An open list counts when it closes, not with every item that
-// the arrows pass; a closed one with every arrow. Either way more than one message can say so.
+// Each choice of the user, even of the same item, posts one `kChoiceMade` with the child's id to
+// the form. An open list reports when it closes, not at every item that the arrow keys pass; a
+// closed one at every arrow key. In both cases several messages can announce one choice.
 void Win32ChildControl::ListNotified(UINT notification) {
     const bool open = SendMessageW(mWindow, CB_GETDROPPEDSTATE, 0, 0) != 0;
     if (notification == CBN_SELENDCANCEL) FollowList(static_cast<const ComboBox&>(mControl));

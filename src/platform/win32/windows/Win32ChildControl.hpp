@@ -30,8 +30,8 @@ inline constexpr wchar_t kPanelClass[] = L"VantorPanel";
 
 class Win32ChildControl {
 public:
-    /// Makes the child window of `control` in `parent`, with `id`, as its design row says. Raises
-    /// RuntimeError 7 when the system cannot make it.
+    /// Creates the child window of `control` in `parent`, with `id`, from its design row. Raises
+    /// RuntimeError 7 when the system cannot create it.
     Win32ChildControl(Win32Stage& stage, Control& control, const ControlDesign& row, HWND parent,
                       int id);
     Win32ChildControl(const Win32ChildControl&) = delete;
@@ -55,12 +55,12 @@ public:
 
     /// A status bar moves itself to the bottom edge of its window; its model gets the height.
     void KeepToBottom();
-    /// The system's window says what its user does (WM_COMMAND). The handler of the model's event
-    /// may unload the form: this object may be gone when the call returns, as after the next two.
+    /// Handles a WM_COMMAND notification of the window. The handler of the model's event may unload
+    /// the form and destroy this object during the call; so may the next two.
     void Commanded(UINT notification);
     /// Takes the choice that a drop-down list has posted.
     void TakeChoice();
-    /// The system's window says what its user does (WM_NOTIFY).
+    /// Handles a WM_NOTIFY notification of the window.
     void Notified(const NMHDR& header);
     /// Size of a text printed on the control.
     Size TextSize(const std::string& face, const std::string& text) const;

@@ -44,7 +44,7 @@ void Win32FormWindow::RegisterClasses(HINSTANCE instance) {
     windowClass.hIcon = LoadIconW(instance, MAKEINTRESOURCEW(1));
     windowClass.lpfnWndProc = OnFormMessage;
     windowClass.lpszClassName = kFormClass;
-    // All but the first window find the classes registered; another failure shows in the next call.
+    // Fails if an earlier window has registered the classes; other failures show in the next call.
     static_cast<void>(RegisterClassW(&windowClass));
     windowClass.hIcon = nullptr;
     windowClass.style = CS_HREDRAW | CS_VREDRAW;
@@ -147,7 +147,7 @@ Place Win32FormWindow::NormalPlace() const {
     WINDOWPLACEMENT placement{};
     placement.length = sizeof placement;
     if (GetWindowPlacement(mWindow, &placement) == 0) return mForm->Place();
-    // It counts from the corner of the monitor's work area.
+    // rcNormalPosition is in workspace coordinates, relative to the monitor's work area.
     RECT place = placement.rcNormalPosition;
     const MONITORINFO monitor = Win32Stage::MonitorAt(place);
     static_cast<void>(OffsetRect(&place,
@@ -333,9 +333,9 @@ void Win32FormWindow::OnPlaced() {
     WindowState state = WindowState::Normal;
     if (IsZoomed(mWindow) != 0) state = WindowState::Maximised;
     if (IsIconic(mWindow) != 0) state = WindowState::Minimised;
-    // A hidden window does not have the state yet that the model wants for it.
+    // A hidden window does not have the model's window state yet.
     if (IsWindowVisible(mWindow) == 0) state = mForm->State();
-    // Before the form lays out what is above it.
+    // Before the form lays out the controls above it.
     for (const auto& child : mChildren)
         if (child->Model().Kind() == ControlKind::StatusBar) child->KeepToBottom();
     const Place inside = mStage.ToTwips(inner);
@@ -406,8 +406,8 @@ LRESULT Win32FormWindow::HandlePanel(HWND panel, UINT message, WPARAM first, LPA
     return answer ? *answer : DefWindowProcW(panel, message, first, second);
 }
 
-// As on a button: a click is a press and a release on the same one. The release alone also ends
-// other things, such as the double click on a title bar that puts the picture under the mouse.
+// A click is a press and a release on the same picture, as on a button. A release alone can end
+// another action, such as the double click on the title bar that moves a picture under the mouse.
 std::optional<LRESULT> Win32FormWindow::HandlePicture(const Win32ChildControl& picture,
                                                       UINT message, WPARAM first, LPARAM second) {
     const HWND window = picture.Window();

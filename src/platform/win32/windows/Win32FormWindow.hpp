@@ -20,8 +20,8 @@ public:
     Win32FormWindow(const Win32FormWindow&) = delete;
     Win32FormWindow& operator=(const Win32FormWindow&) = delete;
 
-    /// Makes the window, hidden, in the middle of the screen: there a window is restored to that is
-    /// first shown minimised or maximised. Raises RuntimeError 7 when the system cannot make it.
+    /// Creates the window hidden and centred on the screen, where a window first shown minimised or
+    /// maximised is restored to. Raises RuntimeError 7 when the system cannot create it.
     void Create();
     /// Destroys the window; the model is not accessed afterwards.
     void Destroy();

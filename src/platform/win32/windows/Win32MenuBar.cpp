@@ -25,7 +25,7 @@ MENUITEMINFOW InfoFor(const Control& item, std::wstring& text) {
 
 }  // namespace
 
-// Through the other constructor, so that the destructor takes back a bar that is made in part.
+// Delegates to the other constructor, so that the destructor destroys a partly built bar.
 Win32MenuBar::Win32MenuBar(Win32Stage& stage, Form& form) : Win32MenuBar(stage) {
     UINT command = kFirstCommand;
     for (Control* control : form.Controls()) {
@@ -51,7 +51,7 @@ Win32MenuBar::Win32MenuBar(Win32Stage& stage, Form& form) : Win32MenuBar(stage) 
     }
 }
 
-// A bar that is set on a window is destroyed with it; this destroys one that is not set any more.
+// A window destroys the bar that is set on it; this destroys a bar that is no longer set.
 Win32MenuBar::~Win32MenuBar() {
     if (mBar == nullptr) return;
     static_cast<void>(DestroyMenu(mBar));

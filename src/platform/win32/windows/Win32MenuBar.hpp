@@ -16,7 +16,7 @@ public:
     static constexpr UINT kFirstCommand = 2000;
 
     /// Builds the bar of `form`; `Handle` is null for a form without menus. Raises RuntimeError 7
-    /// when the system cannot make it.
+    /// when the system cannot create it.
     Win32MenuBar(Win32Stage& stage, Form& form);
     ~Win32MenuBar();
     Win32MenuBar(const Win32MenuBar&) = delete;

@@ -42,7 +42,7 @@ bool PaintPictureBox(Win32Stage& stage, const PictureBox& box, const ControlDesi
     return true;
 }
 
-// Two edges of contrary colours: one of them shows on whatever the picture is.
+// Two edges of opposite colours: one of them is visible on any picture.
 void PaintFocus(const Win32Stage& stage, HDC target, RECT area) {
     constexpr float kEdgeTwips = 15;
     const int edge = stage.ToPixels(kEdgeTwips);

@@ -8,11 +8,11 @@
 namespace vantor {
 
 /// Paints `area` of `target`; false, with nothing painted, when the box is a plain panel. `row`
-/// says how large the letters are and what the ground is.
+/// gives font size and background.
 bool PaintPictureBox(Win32Stage& stage, const PictureBox& box, const ControlDesign& row, HDC target,
                      const RECT& area);
 
-/// Paints at the edge of `area` that the keyboard is there.
+/// Paints a focus frame at the edge of `area`.
 void PaintFocus(const Win32Stage& stage, HDC target, RECT area);
 
 }  // namespace vantor

@@ -64,8 +64,8 @@ void Win32TreeView::Notified(const NMHDR& header) {
     if (item.hItem == nullptr) return;
     const auto node = static_cast<int>(item.lParam);
     const int before = mModel.Selected();
-    // When the selected node disappears, some systems tell of the new selection before the closing
-    // is over: following the model at that moment would open the node again.
+    // When a collapse hides the selected node, some systems report the new selection before the
+    // collapse is complete: following the model at that moment would expand the node again.
     mInStep = true;
     if (header.code == TVN_SELCHANGEDW)
         mModel.Select(node);

@@ -18,8 +18,8 @@ public:
 
     /// Updates the window after a change of the model.
     void Follow();
-    /// The tree tells of itself: what its user opens, closes and selects reaches the model. The
-    /// handler of a selection may unload the form, and this object with it.
+    /// Handles notifications of the tree: passes what the user expands, collapses and selects to
+    /// the model. The handler of a selection may unload the form, and this object with it.
     void Notified(const NMHDR& header);
 
 private:

@@ -247,7 +247,10 @@ TEST_F(TsUpdate, TheWindowComesBackWhereItWasAndMaximisedToo) {
 TEST_F(TsUpdate, TheKeyboardAloneIsEnough) {
     indicator.Start("--think 20");
     Await("the focus", [this] { return app->Focus() == app->Child("cmdFlash"); });
-    Key(VK_TAB);  // to the only button
+    Key(VK_TAB);
+    Await("the picture's focus", [this] { return app->Focus() == app->Child("picPicture"); });
+    Key(VK_TAB);
+    Await("the focus", [this] { return app->Focus() == app->Child("cmdFlash"); });
     Key(VK_RETURN);
     app->AwaitFileDialog();
     Key(VK_ESCAPE);

@@ -285,7 +285,8 @@ TEST_F(TsUpdate, TheWindowComesBackWhereItWasAndMaximisedToo) {
 TEST_F(TsUpdate, TheKeyboardAloneIsEnough) {
     indicator.Start("--think 20");
     AwaitFocus("cmdFlash");
-    Key(VK_TAB);  // to the only button
+    for (const char* name : {"picPicture", "cmdFlash"})
+        app->KeyUntil(VK_TAB, name, [&] { return app->Focus() == app->Child(name); });
     const auto dialog = [this] { return app->Dialog() != nullptr; };
     app->KeyUntil(VK_RETURN, "the file dialog", dialog);
     app->AwaitFileDialog();

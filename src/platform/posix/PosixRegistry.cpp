@@ -49,8 +49,9 @@ std::string TargetOf(std::string path) {
     for (int i = 0; i < kMostLinks; ++i) {
         const ssize_t length = readlink(path.c_str(), target.data(), target.size());
         if (length <= 0) break;
-        const std::string next(target.data(), static_cast<std::size_t>(length));
-        path = next.starts_with('/') ? next : FolderOf(path) + '/' + next;
+        const std::string_view next(target.data(), static_cast<std::size_t>(length));
+        path = next.starts_with('/') ? std::string() : FolderOf(path).append("/");
+        path += next;
     }
     return path;
 }

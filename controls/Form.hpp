@@ -112,8 +112,8 @@ public:
     /// Moves the window to the middle of `area` (twips of the screen), its size unchanged.
     void CenterIn(const vantor::Place& area);
 
-    /// Moves the window to the middle of `other`, or of the place that `other` takes when it is
-    /// restored while it is minimised; always within the free part of the monitor there.
+    /// Moves the window to the middle of `other`; while `other` is minimised, of the place that it
+    /// is restored to. The window stays within the work area of the monitor there.
     void CenterOn(const Form& other);
 
     WindowState State() const { return mState; }

@@ -20,8 +20,8 @@ public:
     Win32FormWindow(const Win32FormWindow&) = delete;
     Win32FormWindow& operator=(const Win32FormWindow&) = delete;
 
-    /// Makes the window, hidden, in the middle of the screen: there a window is restored to that is
-    /// first shown minimised or maximised. Raises RuntimeError 7 when the system cannot make it.
+    /// Makes the window, hidden, in the middle of the screen, where one that is first shown
+    /// maximised or minimised is restored to. Raises RuntimeError 7 when the system cannot make it.
     void Create();
     /// Destroys it; the model is not looked at any more.
     void Destroy();

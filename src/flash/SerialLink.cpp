@@ -70,7 +70,7 @@ void SerialLink::SendData(std::string& text, bool paced, SendResult& result) {
         [&] {
             if (text.ends_with("\r\n")) text.pop_back();
             if (!text.ends_with('\r')) text += '\r';
-            // A command sent after an abort or close request would leave the indicator half-way.
+            // After an abort or close request a command would start a stage that nobody completes.
             if (!mComm.PortOpen() || EndWanted()) return;
             const std::int32_t start = mClock.Ticks();
             if (paced)

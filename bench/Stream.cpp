@@ -60,7 +60,7 @@ private:
 };
 
 /// Runs the program's flash session, headless, on the pseudo-terminal. Returns the seconds from
-/// the display of the first line to the status window of the final phase.
+/// the display of the first line to the status window of the final stage.
 double StreamOurs(const std::string& tools, const std::string& image, bool paced) {
     Indicator indicator(tools, image, paced);
     HeadlessPlatform stage;
@@ -85,8 +85,8 @@ double StreamOurs(const std::string& tools, const std::string& image, bool paced
                   ports,
                   platform.shell,
                   platform.strings};
-    Desktop desktop(stage.peers, pump);
-    auto window = std::make_shared<ConsoleWindow>(desktop, real);
+    WindowManager manager(stage.peers, pump);
+    auto window = std::make_shared<ConsoleWindow>(manager, real);
     CAppSettings settings(stage.registry, stage.codePage, files);
     FlashSession session(*window, settings, real);
     SteadyClock::time_point start;

@@ -34,8 +34,8 @@ const FormDesign kDesign = {"frmBench", "", "", {}, kRows};
 
 class Window : public Form {
 public:
-    Window(Desktop& desktop, Platform& platform)
-        : Form(desktop, kDesign), com(*this, "com", platform) {}
+    Window(WindowManager& manager, Platform& platform)
+        : Form(manager, kDesign), com(*this, "com", platform) {}
     TerminalControl com;
 };
 
@@ -98,8 +98,8 @@ double Receive(const std::string& text, const std::string& capture) {
                       .ports = ports,
                       .shell = stage.shell,
                       .strings = stage.strings};
-    Desktop desktop(stage.peers, pump);
-    const auto window = std::make_shared<Window>(desktop, platform);
+    WindowManager manager(stage.peers, pump);
+    const auto window = std::make_shared<Window>(manager, platform);
     window->Load();
     window->com.Settings("115200,N,8,2");
     window->com.PerformCommand(TerminalCommand::Open);

@@ -20,25 +20,25 @@
 
 namespace vantor {
 
-frmMain::frmMain(Desktop& desktop, Platform& platform)
-    : Form(desktop, kMainWindowDesign),
+frmMain::frmMain(WindowManager& manager, Platform& platform)
+    : Form(manager, kMainWindowDesign),
       tmrFlashTimeout(*this, "tmrFlashTimeout", platform.pump, FlashSession::kVerdictTimeoutMs),
       mobjComm(*this, "mobjComm", platform.ports),
       mPlatform(platform),
       mFormPos(platform.registry, platform.codePage),
       mSettings(platform.registry, platform.codePage, platform.files),
       mSession(*this, mSettings, platform) {
-    cmdFlash.Click.Handle(
+    cmdFlash.Click.Connect(
         [this] { Trapped("frmMain.cmdFlash_Click", [this] { mSession.doFlash(); }); });
-    mnuFileFlash.Click.Handle(
+    mnuFileFlash.Click.Connect(
         [this] { Trapped("frmMain.mnuFileFlash_Click", [this] { mSession.doFlash(); }); });
-    mnuToolsOptions.Click.Handle([this] { mnuToolsOptions_Click(); });
-    mnuToolsMonitor.Click.Handle([this] { mnuToolsMonitor_Click(); });
-    mnuHelpAbout.Click.Handle([this] { mnuHelpAbout_Click(); });
-    mnuToolsCurrentVersions.Click.Handle([this] { mnuToolsCurrentVersions_Click(); });
-    picPicture.Click.Handle([this] { picPicture_Click(); });
-    mnuFileExit.Click.Handle([this] { mnuFileExit_Click(); });
-    lvwUpdates.Click.Handle([this] { lvwUpdates_Click(); });
+    mnuToolsOptions.Click.Connect([this] { mnuToolsOptions_Click(); });
+    mnuToolsMonitor.Click.Connect([this] { mnuToolsMonitor_Click(); });
+    mnuHelpAbout.Click.Connect([this] { mnuHelpAbout_Click(); });
+    mnuToolsCurrentVersions.Click.Connect([this] { mnuToolsCurrentVersions_Click(); });
+    picPicture.Click.Connect([this] { picPicture_Click(); });
+    mnuFileExit.Click.Connect([this] { mnuFileExit_Click(); });
+    lvwUpdates.Click.Connect([this] { lvwUpdates_Click(); });
 }
 
 FlashControls frmMain::SessionControls() {
@@ -133,7 +133,7 @@ void frmMain::Form_Resize() {
 
 void frmMain::mnuToolsOptions_Click() {
     Trapped("frmMain.mnuToolsOptions_Click", [this] {
-        const auto options = std::make_shared<frmConfigure>(GetDesktop(), mPlatform);
+        const auto options = std::make_shared<frmConfigure>(Manager(), mPlatform);
         options->Load();
         options->Initialize(mSettings, *this);
         options->Show(ShowMode::Modal, this);
@@ -151,7 +151,7 @@ std::vector<std::string> frmMain::CommPorts() const {
 
 void frmMain::mnuToolsMonitor_Click() {
     Trapped("frmMain.mnuToolsMonitor_Click", [this] {
-        const auto monitor = std::make_shared<frmMonitor>(GetDesktop(), mPlatform, *this);
+        const auto monitor = std::make_shared<frmMonitor>(Manager(), mPlatform, *this);
         monitor->Load();
         monitor->Initialize(mSettings);
         monitor->Show(ShowMode::Modeless, this);
@@ -160,7 +160,7 @@ void frmMain::mnuToolsMonitor_Click() {
 
 void frmMain::mnuHelpAbout_Click() {
     Trapped("frmMain.mnuHelpAbout_Click", [this] {
-        const auto about = std::make_shared<frmAbout>(GetDesktop(), mPlatform.strings);
+        const auto about = std::make_shared<frmAbout>(Manager(), mPlatform.strings);
         about->Load();
         about->CenterOn(*this);
         about->Show(ShowMode::Modal);
@@ -186,7 +186,7 @@ void frmMain::mnuToolsCurrentVersions_Click() {
         mPlatform.boxes.Show({.text = report,
                               .title = strings.Text(Str::InstalledVersionsTitle),
                               .icon = BoxIcon::Information,
-                              .owner = Handle()});
+                              .owner = WindowHandle()});
     });
 }
 
@@ -198,12 +198,12 @@ void frmMain::picPicture_Click() {
         CHourglass hourglass(mPlatform.peers);
         hourglass.Value(true);
         const std::string address = mPromotion.Address(index);
-        if (!address.empty()) CShellExecute(mPlatform.shell).LaunchURL(Handle(), address);
+        if (!address.empty()) CShellExecute(mPlatform.shell).LaunchURL(WindowHandle(), address);
     });
 }
 
 void frmMain::UnloadOthers() {
-    const std::vector<std::shared_ptr<Form>> open = GetDesktop().OpenForms();
+    const std::vector<std::shared_ptr<Form>> open = Manager().OpenForms();
     for (const std::shared_ptr<Form>& form : open)
         if (form.get() != this) form->Unload();
 }

@@ -23,7 +23,7 @@ namespace vantor {
 
 class frmMain : public Form, public FlashHost, public MonitorOwner, public OptionsOwner {
 public:
-    frmMain(Desktop& desktop, Platform& platform);
+    frmMain(WindowManager& manager, Platform& platform);
 
     CAppSettings& Settings() { return mSettings; }
     FlashSession& Session() { return mSession; }

@@ -13,7 +13,7 @@
 namespace vantor {
 
 modStartup::modStartup(Platform& platform)
-    : mPlatform(platform), mDesktop(platform.peers, platform.pump) {}
+    : mPlatform(platform), mManager(platform.peers, platform.pump) {}
 
 modStartup::~modStartup() {
     if (mErrors) SetErrorSink(nullptr);
@@ -29,15 +29,15 @@ bool modStartup::Main() {
         }
         if (mPlatform.process.AnotherInstanceRuns(mErrors->Title)) return;
         mHelpFile = AppPath(mPlatform.process) + "tswuhelp.chm";
-        mDesktop.Help = [this](const Form& form) { ShowHelp(form.Handle()); };
-        mMain = std::make_shared<frmMain>(mDesktop, mPlatform);
+        mManager.Help = [this](const Form& form) { ShowHelp(form.WindowHandle()); };
+        mMain = std::make_shared<frmMain>(mManager, mPlatform);
         mMain->Load();
         mMain->Show(ShowMode::Modeless);
     });
     // A loaded but invisible window would keep the process running, and the single-instance check
     // would end every later start.
     if (!clean && mMain) mMain->Unload();
-    return !mDesktop.OpenForms().empty();
+    return !mManager.OpenForms().empty();
 }
 
 void modStartup::ShowHelp(NativeWindow owner) {

@@ -35,7 +35,7 @@ private:
 
     Platform& mPlatform;
     std::unique_ptr<CErrHandler> mErrors;
-    Desktop mDesktop;
+    WindowManager mManager;
     std::shared_ptr<frmMain> mMain;
     std::string mHelpFile;
 };

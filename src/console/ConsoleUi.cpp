@@ -1,15 +1,15 @@
 #include "console/ConsoleUi.hpp"
 
 #include "console/ConsoleWindow.hpp"
+#include "platform/Console.hpp"
 #include "platform/StringTable.hpp"
-#include "platform/Terminal.hpp"
 #include "support/Conversions.hpp"
 
 namespace vantor {
 namespace {
 
 /// `text` with "\n" line ends, and without spaces before them.
-std::string ForTerminal(const std::string& text) {
+std::string ForConsole(const std::string& text) {
     std::string lines;
     for (const char c : text) {
         if (c == '\r') continue;
@@ -23,16 +23,16 @@ std::string ForTerminal(const std::string& text) {
 /// The console's window: its progress bar is shown as the progress line.
 class WindowPeer : public FormPeer {
 public:
-    WindowPeer(ConsoleWindow& window, ProgressLine& progress, Terminal& terminal)
-        : mWindow(window), mProgress(progress), mTerminal(terminal) {}
+    WindowPeer(ConsoleWindow& window, ProgressLine& progress, Console& console)
+        : mWindow(window), mProgress(progress), mConsole(console) {}
 
     void Show(ShowMode, NativeWindow) override {}
     void FormChanged(Property) override {}
     void ControlChanged(const Control& control, Property property) override {
-        // There is no progress before the first line, but that phase can last a minute.
+        // There is no progress before the first line, but that stage can last a minute.
         if (&control == &mWindow.cmdFlashAbort && property == Property::Enabled &&
             control.Enabled() && !mProgress.Running())
-            mTerminal.Write(mWindow.lblStatus.Caption() + "\n");
+            mConsole.Write(mWindow.lblStatus.Caption() + "\n");
         // The session updates the bar last for each line. At the end it clears the line's text
         // before it resets the bar; that is not progress.
         if (&control == &mWindow.pbarStatus && property == Property::Value &&
@@ -42,35 +42,35 @@ public:
         if (&control == &mWindow.lblWarning && property == Property::Caption &&
             !control.Caption().empty()) {
             mProgress.Finish();
-            mTerminal.Write(ForTerminal(control.Caption()) + "\n");
+            mConsole.Write(ForConsole(control.Caption()) + "\n");
         }
     }
-    NativeWindow Handle() const override { return 0; }
+    NativeWindow WindowHandle() const override { return 0; }
 
 private:
     ConsoleWindow& mWindow;
     ProgressLine& mProgress;
-    Terminal& mTerminal;
+    Console& mConsole;
 };
 
 /// Any other window: prints the message of each immediate redraw.
 class MessagePeer : public FormPeer {
 public:
-    MessagePeer(ProgressLine& progress, Terminal& terminal)
-        : mProgress(progress), mTerminal(terminal) {}
+    MessagePeer(ProgressLine& progress, Console& console)
+        : mProgress(progress), mConsole(console) {}
 
     void Show(ShowMode, NativeWindow) override {}
     void FormChanged(Property) override {}
     void ControlChanged(const Control& control, Property property) override {
         if (property != Property::Repaint) return;
         mProgress.Finish();
-        mTerminal.Write(ForTerminal(control.Caption()) + "\n");
+        mConsole.Write(ForConsole(control.Caption()) + "\n");
     }
-    NativeWindow Handle() const override { return 0; }
+    NativeWindow WindowHandle() const override { return 0; }
 
 private:
     ProgressLine& mProgress;
-    Terminal& mTerminal;
+    Console& mConsole;
 };
 
 }  // namespace
@@ -79,18 +79,18 @@ BoxAnswer ConsoleBoxes::Show(const MessageBoxRequest& request) {
     mProgress.Finish();
     const bool bad = request.icon == BoxIcon::Critical || request.icon == BoxIcon::Exclamation;
     const std::string& title = request.title.empty() ? mDefaultTitle : request.title;
-    const std::string text = title + "\n" + ForTerminal(request.text) + "\n";
+    const std::string text = title + "\n" + ForConsole(request.text) + "\n";
     if (bad)
-        mTerminal.WriteError(text);
+        mConsole.WriteError(text);
     else
-        mTerminal.Write(text);
+        mConsole.Write(text);
     if (request.buttons == BoxButtons::Ok) return BoxAnswer::Ok;
     return mAlwaysYes ? BoxAnswer::Yes : Ask();
 }
 
 BoxAnswer ConsoleBoxes::Ask() {
-    mTerminal.Write(mStrings.Text(Str::YesNoPrompt));
-    const std::string answer = UpperCase(TrimBlanks(mTerminal.ReadLine().value_or("")));
+    mConsole.Write(mStrings.Text(Str::YesNoPrompt));
+    const std::string answer = UpperCase(TrimBlanks(mConsole.ReadLine().value_or("")));
     const bool yes =
         !answer.empty() && answer.substr(0, 1) == UpperCase(mStrings.Text(Str::YesLetter));
     return yes ? BoxAnswer::Yes : BoxAnswer::No;
@@ -105,8 +105,8 @@ bool ConsoleDialogs::OpenFile(FileDialogRecord& record) {
 std::unique_ptr<FormPeer> ConsolePeers::Draw(Form& form) {
     if (mQuiet) return nullptr;
     if (auto* window = dynamic_cast<ConsoleWindow*>(&form))
-        return std::make_unique<WindowPeer>(*window, mProgress, mTerminal);
-    return std::make_unique<MessagePeer>(mProgress, mTerminal);
+        return std::make_unique<WindowPeer>(*window, mProgress, mConsole);
+    return std::make_unique<MessagePeer>(mProgress, mConsole);
 }
 
 }  // namespace vantor

@@ -20,21 +20,21 @@ namespace vantor {
 /// Questions are asked on the terminal unless they are answered in advance.
 class ConsoleBoxes : public MessageBoxes {
 public:
-    ConsoleBoxes(Terminal& terminal, const StringTable& strings, ProgressLine& progress,
+    ConsoleBoxes(Console& console, const StringTable& strings, ProgressLine& progress,
                  std::string defaultTitle, bool alwaysYes)
-        : mTerminal(terminal),
+        : mConsole(console),
           mStrings(strings),
           mProgress(progress),
           mDefaultTitle(std::move(defaultTitle)),
           mAlwaysYes(alwaysYes) {}
 
     BoxAnswer Show(const MessageBoxRequest& request) override;
-    void Beep() override { mTerminal.WriteError("\a"); }
+    void Beep() override { mConsole.WriteError("\a"); }
 
 private:
     BoxAnswer Ask();
 
-    Terminal& mTerminal;
+    Console& mConsole;
     const StringTable& mStrings;
     ProgressLine& mProgress;
     std::string mDefaultTitle;
@@ -76,16 +76,16 @@ private:
 /// Shows the progress bar of the console's window as a line, and prints the messages of others.
 class ConsolePeers : public Peers {
 public:
-    ConsolePeers(Terminal& terminal, ProgressLine& progress, bool quiet)
-        : mTerminal(terminal), mProgress(progress), mQuiet(quiet) {}
+    ConsolePeers(Console& console, ProgressLine& progress, bool quiet)
+        : mConsole(console), mProgress(progress), mQuiet(quiet) {}
 
     std::unique_ptr<FormPeer> Draw(Form& form) override;
     Size ScreenSize() const override { return {}; }
-    void HoldSystem(const std::string& reason) override { mTerminal.HoldSystem(reason); }
+    void HoldSystem(const std::string& reason) override { mConsole.HoldSystem(reason); }
     void SetMousePointer(MousePointer) override {}  // a terminal has none
 
 private:
-    Terminal& mTerminal;
+    Console& mConsole;
     ProgressLine& mProgress;
     bool mQuiet;
 };

@@ -25,8 +25,8 @@ constexpr FormDesign kDesign = {"frmMain", "", "", {}, kControls};
 
 }  // namespace
 
-ConsoleWindow::ConsoleWindow(Desktop& desktop, Platform& platform)
-    : Form(desktop, kDesign),
+ConsoleWindow::ConsoleWindow(WindowManager& manager, Platform& platform)
+    : Form(manager, kDesign),
       tmrFlashTimeout(*this, "tmrFlashTimeout", platform.pump, FlashSession::kVerdictTimeoutMs),
       mobjComm(*this, "mobjComm", platform.ports) {}
 

@@ -11,7 +11,7 @@ namespace vantor {
 
 class ConsoleWindow : public Form, public FlashHost {
 public:
-    ConsoleWindow(Desktop& desktop, Platform& platform);
+    ConsoleWindow(WindowManager& manager, Platform& platform);
 
     Form& Window() override { return *this; }
     FlashControls SessionControls() override;

@@ -30,7 +30,7 @@ void ProgressLine::Show(int percent, const std::string& status, const std::strin
         mStart = now;
         mDrawnPercent = -1;
     }
-    if (mTerminal.OutputIsTerminal()) {
+    if (mConsole.OutputIsTerminal()) {
         if (percent == mDrawnPercent && now - mDrawnAt < kRedrawMs) return;
     } else if (percent / 10 == mDrawnPercent / 10 && mDrawnPercent >= 0) {
         return;
@@ -42,15 +42,15 @@ void ProgressLine::Show(int percent, const std::string& status, const std::strin
 
 void ProgressLine::Draw(int percent, const std::string& status, const std::string& elapsed) {
     const std::string numbers = Percentage(percent) + "  " + status + "  " + elapsed;
-    if (!mTerminal.OutputIsTerminal()) {
-        mTerminal.Write(numbers + "\n");
+    if (!mConsole.OutputIsTerminal()) {
+        mConsole.Write(numbers + "\n");
         return;
     }
     std::string line = Bar(percent) + " " + numbers;
     if (percent > 0 && percent < 100)
         line += "  " + Filled(mStrings.Text(Str::TimeLeft), TimeLeft(percent));
     // One column less than the terminal width: a full line would wrap and scroll.
-    mTerminal.Write("\r" + FixedWidth(line, std::max(mTerminal.Columns(), 2u) - 1));
+    mConsole.Write("\r" + FixedWidth(line, std::max(mConsole.Columns(), 2u) - 1));
     mLineOpen = true;
 }
 
@@ -62,7 +62,7 @@ std::string ProgressLine::TimeLeft(int percent) const {
 }
 
 void ProgressLine::Break() {
-    if (mLineOpen) mTerminal.Write("\n");
+    if (mLineOpen) mConsole.Write("\n");
     mLineOpen = false;
 }
 

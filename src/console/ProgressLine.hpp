@@ -5,8 +5,8 @@
 #include <string>
 
 #include "platform/Clock.hpp"
+#include "platform/Console.hpp"
 #include "platform/StringTable.hpp"
-#include "platform/Terminal.hpp"
 
 namespace vantor {
 
@@ -15,8 +15,8 @@ namespace vantor {
 class ProgressLine {
 public:
     /// All must outlive the object.
-    ProgressLine(Terminal& terminal, const Clock& clock, const StringTable& strings)
-        : mTerminal(terminal), mClock(clock), mStrings(strings) {}
+    ProgressLine(Console& console, const Clock& clock, const StringTable& strings)
+        : mConsole(console), mClock(clock), mStrings(strings) {}
 
     /// Shows `percent` (0 to 100) with the session's texts for the line and the time.
     void Show(int percent, const std::string& status, const std::string& elapsed);
@@ -33,7 +33,7 @@ private:
     void Draw(int percent, const std::string& status, const std::string& elapsed);
     std::string TimeLeft(int percent) const;
 
-    Terminal& mTerminal;
+    Console& mConsole;
     const Clock& mClock;
     const StringTable& mStrings;
     bool mRunning = false;

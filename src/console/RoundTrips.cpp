@@ -71,7 +71,7 @@ void RoundTrips::Sent(std::string_view bytes) {
 void RoundTrips::BeginSend() {
     // Input after the reply to a line is discarded before the next send, so "DONE" is still here
     // only when the session waited for a verdict. What it sends after that is not an image line.
-    if (mPhase == Phase::Image && mReply.find("DONE") != std::string::npos) mPhase = Phase::Over;
+    if (mStage == Stage::Image && mReply.find("DONE") != std::string::npos) mStage = Stage::Over;
     mSending = true;
     mAwaiting = false;
     mSend.clear();
@@ -82,7 +82,7 @@ void RoundTrips::BeginSend() {
 void RoundTrips::EndSend() {
     mSending = false;
     mAwaiting = true;
-    if (mPhase == Phase::Image) {
+    if (mStage == Stage::Image) {
         ++(mRefused ? mRetries : mLines);
         mRefused = true;
     }
@@ -102,9 +102,9 @@ void RoundTrips::LookForReply() {
     mAwaiting = false;
     mReply.clear();
     const bool accepted = *result == SendResult::SendOK;
-    if (mPhase == Phase::Handshake) {
-        if (accepted && mSend == "SYSLOAD\r") mPhase = Phase::Image;
-    } else if (mPhase == Phase::Image) {
+    if (mStage == Stage::Handshake) {
+        if (accepted && mSend == "SYSLOAD\r") mStage = Stage::Image;
+    } else if (mStage == Stage::Image) {
         mRefused = *result == SendResult::SendFailed;
         if (accepted) ++mAcknowledged;
         Measure(mLastAt - mSentAt);

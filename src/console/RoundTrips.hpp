@@ -46,7 +46,7 @@ public:
     void Discarded(std::string_view bytes) override;
 
 private:
-    enum class Phase : std::uint8_t { Handshake, Image, Over };
+    enum class Stage : std::uint8_t { Handshake, Image, Over };
 
     void BeginSend();
     void EndSend();
@@ -55,7 +55,7 @@ private:
     void Count(std::string_view bytes);
 
     const Clock& mClock;
-    Phase mPhase = Phase::Handshake;
+    Stage mStage = Stage::Handshake;
     LineSettings mLine;
     std::string mSend;  // the command or line being sent, or the last one
     bool mSending = false;

@@ -174,8 +174,8 @@ private:
     NativePlatform& mNative;
     const Options& mOptions;
     ImageFiles mFiles;
-    ProgressLine mProgress{*mNative.terminal, *mNative.clock, *mNative.strings};
-    ConsoleBoxes mBoxes{*mNative.terminal, *mNative.strings, mProgress, AppInfo{}.title,
+    ProgressLine mProgress{*mNative.console, *mNative.clock, *mNative.strings};
+    ConsoleBoxes mBoxes{*mNative.console, *mNative.strings, mProgress, AppInfo{}.title,
                         mOptions.yes};
     CErrHandler mErrors{
         {*mNative.clock, *mNative.files, *mNative.folders, mBoxes, *mNative.process}};
@@ -191,9 +191,9 @@ private:
     ConsoleDialogs mDialogs{mOptions.image};
     ConsolePictures mPictures;
     ConsoleShell mShell;
-    ConsolePeers mPeers{*mNative.terminal, mProgress, mOptions.quiet};
+    ConsolePeers mPeers{*mNative.console, mProgress, mOptions.quiet};
     Platform mPlatform;
-    Desktop mDesktop{mPeers, mPump};
+    WindowManager mManager{mPeers, mPump};
     std::shared_ptr<ConsoleWindow> mWindow;
     std::unique_ptr<FlashSession> mSession;
 };
@@ -221,7 +221,7 @@ Run::Run(NativePlatform& native, const Options& options, std::string image)
                 .ports = mPorts,
                 .shell = mShell,
                 .strings = *native.strings},
-      mWindow(std::make_shared<ConsoleWindow>(mDesktop, mPlatform)),
+      mWindow(std::make_shared<ConsoleWindow>(mManager, mPlatform)),
       mSession(std::make_unique<FlashSession>(*mWindow, mSettings, mPlatform)) {}
 
 ExitStatus Run::Flash() {
@@ -231,7 +231,7 @@ ExitStatus Run::Flash() {
     const FlashOutcome outcome = mSession->Outcome();
     if (outcome == FlashOutcome::PortNotOpen)
         if (const std::string why = OpenFailure(mWindow->mobjComm, *mNative.strings); !why.empty())
-            mNative.terminal->WriteError(why + "\n");
+            mNative.console->WriteError(why + "\n");
     mWindow->Unload();
     return StatusOf(outcome);
 }
@@ -264,7 +264,7 @@ std::unique_ptr<Practice> Run::MakePractice() {
     if (!mOptions.practice) return nullptr;
     auto practice =
         std::make_unique<Practice>(*mNative.clock, mSettings, mOptions.faults, mFiles.Image());
-    if (!mOptions.quiet) mNative.terminal->Write(mNative.strings->Text(Str::PracticeNotice) + "\n");
+    if (!mOptions.quiet) mNative.console->Write(mNative.strings->Text(Str::PracticeNotice) + "\n");
     return practice;
 }
 
@@ -283,13 +283,13 @@ std::vector<TrafficListener*> Run::Listeners() {
 }
 
 void Run::Watch() {
-    if (mNative.terminal->TakeInterrupt()) Interrupted();
+    if (mNative.console->TakeInterrupt()) Interrupted();
     if (!mPractice) HintAtLateReplies();  // practice has no adapter
     // The user cannot close this window, so a wait that only a close request ends is ended here.
     if (mSession && mSession->Outcome() == FlashOutcome::NothingAccepted &&
         !mWindow->Flags().mblnCloseRequested) {
         mProgress.Finish();
-        mNative.terminal->WriteError(mNative.strings->Text(Str::NoLineAccepted) + "\n");
+        mNative.console->WriteError(mNative.strings->Text(Str::NoLineAccepted) + "\n");
         mWindow->Flags().mblnCloseRequested = true;
     }
 }
@@ -299,7 +299,7 @@ void Run::HintAtLateReplies() {
     const std::optional<std::int64_t> latenessMs = mRoundTrips.TakeLateness();
     if (!latenessMs) return;
     mProgress.Break();
-    mNative.terminal->WriteError(
+    mNative.console->WriteError(
         Filled(mNative.strings->Text(Str::LateReplies), std::to_string(*latenessMs)) + "\n");
 }
 
@@ -317,7 +317,7 @@ void Run::Interrupted() {
         answer = Str::Aborting;
     else if (mWindow->Flags().mblnFlashing)
         answer = Str::TooLateToAbort;
-    mNative.terminal->WriteError(mNative.strings->Text(answer) + "\n");
+    mNative.console->WriteError(mNative.strings->Text(answer) + "\n");
     if (honoured) mWindow->cmdFlashAbort.Press();
 }
 
@@ -327,7 +327,7 @@ ExitStatus CheckAndFlash(NativePlatform& native, const Options& options) {
         throw Refusal(strings, Str::TranscriptIsImage, options.log);
     std::string image = ReadImage(options.image, *native.files, strings);
     CheckSettings(*native.registry, strings);
-    if (!options.yes && !native.terminal->InputIsTerminal())
+    if (!options.yes && !native.console->InputIsTerminal())
         throw Refusal(strings, Str::NoTerminalForQuestion, {});
     return Run(native, options, std::move(image)).Flash();
 }
@@ -340,13 +340,13 @@ ExitStatus RunTsFlash(NativePlatform& native) {
         const Options options = ParseOptions(native.process->Arguments(), strings);
         switch (options.action) {
             case Action::Help:
-                native.terminal->Write(HelpText(strings));
+                native.console->Write(HelpText(strings));
                 break;
             case Action::Version:
-                native.terminal->Write(Version());
+                native.console->Write(Version());
                 break;
             case Action::ListPorts:
-                native.terminal->Write(PortList(*native.ports, strings));
+                native.console->Write(PortList(*native.ports, strings));
                 break;
             case Action::Flash:
                 return CheckAndFlash(native, options);
@@ -354,10 +354,10 @@ ExitStatus RunTsFlash(NativePlatform& native) {
         return ExitStatus::Done;
     } catch (...) {
         const RuntimeError error = PendingError();
-        native.terminal->WriteError("tsflash: " + error.Description() + "\n");
+        native.console->WriteError("tsflash: " + error.Description() + "\n");
         // User errors are error 5 with a sentence as the description.
         if (!error.Is(ErrorNumber::InvalidCall)) return ExitStatus::UpdateFailure;
-        native.terminal->WriteError(strings.Text(Str::TryHelp) + "\n");
+        native.console->WriteError(strings.Text(Str::TryHelp) + "\n");
         return ExitStatus::Usage;
     }
 }

@@ -16,7 +16,7 @@ enum class ExitStatus : std::uint8_t {
     PortNotOpen = 3,
     NotReady = 4,  ///< not in boot monitor, or system load refused
     VerifyFailed = 5,
-    Aborted = 6,  ///< in any phase, a declined warning included
+    Aborted = 6,  ///< in any stage, a declined warning included
 };
 
 /// Runs the program with the arguments of `native`'s process.

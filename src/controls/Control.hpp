@@ -17,7 +17,7 @@ enum class ControlKind : std::uint8_t {
     CommandButton,
     ComboBox,
     PictureBox,
-    Image,
+    Icon,
     ProgressBar,
     ListView,
     TreeView,

@@ -91,10 +91,10 @@ private:
 };
 
 /// Shows the program's icon.
-class Image : public Control {
+class IconControl : public Control {
 public:
-    Image(Form& parent, std::string name, int index = -1)
-        : Control(parent, ControlKind::Image, std::move(name), index) {}
+    IconControl(Form& parent, std::string name, int index = -1)
+        : Control(parent, ControlKind::Icon, std::move(name), index) {}
 };
 
 /// A progress bar from 0 to 100.

@@ -30,7 +30,7 @@ public:
     Event& operator=(const Event&) = delete;
 
     /// Sets the handler; an empty function removes it.
-    void Handle(std::function<void(Args...)> handler, Nesting nesting = Nesting::Refused) {
+    void Connect(std::function<void(Args...)> handler, Nesting nesting = Nesting::Refused) {
         mHandler = std::move(handler);
         mNesting = nesting;
     }

@@ -22,7 +22,7 @@ float Within(float start, float length, float from, float room) {
 
 }  // namespace
 
-Form::Form(Desktop& desktop, const FormDesign& design) : mDesktop(desktop), mDesign(design) {}
+Form::Form(WindowManager& manager, const FormDesign& design) : mManager(manager), mDesign(design) {}
 
 Form::~Form() = default;
 
@@ -46,7 +46,7 @@ void Form::CenterOn(const Form& other) {
     if (other.State() == WindowState::Minimised && other.mPeer)
         around = other.mPeer->NormalPlace().value_or(around);
     vantor::Place place = MiddleOf(around, mPlace);
-    const vantor::Place area = mDesktop.GetPeers().WorkArea(around);
+    const vantor::Place area = mManager.GetPeers().WorkArea(around);
     place.left = Within(place.left, place.width, area.left, area.width);
     place.top = Within(place.top, place.height, area.top, area.height);
     Place(place);
@@ -69,8 +69,8 @@ void Form::Load() {
     try {
         ApplyDesign();
         mLoaded = true;
-        mDesktop.mOpen.push_back(keepAlive);
-        mPeer = mDesktop.mPeers.Draw(*this);
+        mManager.mOpen.push_back(keepAlive);
+        mPeer = mManager.mPeers.Draw(*this);
         Form_Load();
     } catch (...) {
         Leave();
@@ -82,7 +82,7 @@ void Form::Show(ShowMode mode, const Form* owner) {
     Load();
     if (mGone) return;
     if (!std::exchange(mVisible, true)) Form_Resize();
-    if (mPeer) mPeer->Show(mode, owner ? owner->Handle() : 0);
+    if (mPeer) mPeer->Show(mode, owner ? owner->WindowHandle() : 0);
 }
 
 bool Form::Unload() {
@@ -103,9 +103,9 @@ void Form::Leave() {
     mVisible = false;
     mLoaded = false;
     mGone = true;
-    std::erase_if(mDesktop.mOpen,
+    std::erase_if(mManager.mOpen,
                   [this](const std::shared_ptr<Form>& form) { return form.get() == this; });
-    if (mDesktop.mOpen.empty()) mDesktop.mPump.Quit();
+    if (mManager.mOpen.empty()) mManager.mPump.Quit();
 }
 
 void Form::ControlChanged(const Control& control, Property property) {

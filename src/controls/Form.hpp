@@ -65,9 +65,9 @@ struct FormDesign {
 };
 
 /// The open windows of the program, and the services that they need.
-class Desktop {
+class WindowManager {
 public:
-    Desktop(Peers& peers, MessagePump& pump) : mPeers(peers), mPump(pump) {}
+    WindowManager(Peers& peers, MessagePump& pump) : mPeers(peers), mPump(pump) {}
 
     Peers& GetPeers() const { return mPeers; }
     MessagePump& Pump() const { return mPump; }
@@ -85,12 +85,12 @@ private:
     std::vector<std::shared_ptr<Form>> mOpen;
 };
 
-/// A window. Created with std::make_shared. The desktop keeps it alive while it is loaded,
+/// A window. Created with std::make_shared. The window manager keeps it alive while it is loaded,
 /// and an event keeps it alive until its outermost handler has returned, so code may unload its own
 /// window. Once unloaded, it is not drawn any more and cannot be loaded again.
 class Form : public std::enable_shared_from_this<Form> {
 public:
-    Form(Desktop& desktop, const FormDesign& design);
+    Form(WindowManager& manager, const FormDesign& design);
     virtual ~Form();
     Form(const Form&) = delete;
     Form& operator=(const Form&) = delete;
@@ -148,12 +148,12 @@ public:
     void Painting() { Form_Paint(); }
 
     /// For peers: the help key was pressed.
-    void HelpWanted() { mDesktop.Help(*this); }
+    void HelpWanted() { mManager.Help(*this); }
 
-    Desktop& GetDesktop() const { return mDesktop; }
+    WindowManager& Manager() const { return mManager; }
 
     /// The window handle; 0 where nothing is drawn.
-    NativeWindow Handle() const { return mPeer ? mPeer->Handle() : 0; }
+    NativeWindow WindowHandle() const { return mPeer ? mPeer->WindowHandle() : 0; }
 
 protected:
     virtual void Form_Load() {}
@@ -172,10 +172,10 @@ private:
     Size TextSize(const Control& control, const std::string& face, const std::string& text) const;
     void FormChanged(Property property);
     void ApplyDesign();
-    /// Removes the window from the desktop. The caller keeps the object alive.
+    /// Removes the window from the window manager. The caller keeps the object alive.
     void Leave();
 
-    Desktop& mDesktop;
+    WindowManager& mManager;
     const FormDesign& mDesign;
     std::vector<Control*> mControls;
     std::unique_ptr<FormPeer> mPeer;

@@ -11,10 +11,10 @@
 
 namespace vantor {
 
-frmAbout::frmAbout(Desktop& desktop, const StringTable& strings)
-    : Form(desktop, kAboutWindowDesign), mStrings(strings) {
-    cmdOK.Click.Handle([this] { Trapped("frmAbout.cmdOK_Click", [this] { Unload(); }); });
-    cmdFocus.Click.Handle([this] { Trapped("frmAbout.cmdFocus_Click", [this] { Unload(); }); });
+frmAbout::frmAbout(WindowManager& manager, const StringTable& strings)
+    : Form(manager, kAboutWindowDesign), mStrings(strings) {
+    cmdOK.Click.Connect([this] { Trapped("frmAbout.cmdOK_Click", [this] { Unload(); }); });
+    cmdFocus.Click.Connect([this] { Trapped("frmAbout.cmdFocus_Click", [this] { Unload(); }); });
 }
 
 void frmAbout::Form_Load() {

@@ -12,9 +12,9 @@ class StringTable;
 
 class frmAbout : public Form {
 public:
-    frmAbout(Desktop& desktop, const StringTable& strings);
+    frmAbout(WindowManager& manager, const StringTable& strings);
 
-    Image imgLogo{*this, "imgLogo"};
+    IconControl imgLogo{*this, "imgLogo"};
     Label lblTitle{*this, "lblTitle"};
     Label lblVersion{*this, "lblVersion"};
     Label lblRelease{*this, "lblRelease"};

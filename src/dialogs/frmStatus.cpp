@@ -6,9 +6,9 @@
 
 namespace vantor {
 
-frmStatus::frmStatus(Desktop& desktop, const StringTable& strings)
-    : Form(desktop, kStatusWindowDesign), mStrings(strings) {
-    cmdOK.Click.Handle([this] { cmdOK_Click(); });
+frmStatus::frmStatus(WindowManager& manager, const StringTable& strings)
+    : Form(manager, kStatusWindowDesign), mStrings(strings) {
+    cmdOK.Click.Connect([this] { cmdOK_Click(); });
 }
 
 void frmStatus::Form_Load() {

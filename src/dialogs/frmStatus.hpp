@@ -12,7 +12,7 @@ class StringTable;
 
 class frmStatus : public Form {
 public:
-    frmStatus(Desktop& desktop, const StringTable& strings);
+    frmStatus(WindowManager& manager, const StringTable& strings);
 
     /// Outer heights in twips: the message only, and with the OK button visible.
     static constexpr float kShortHeight = 1100;
@@ -24,7 +24,7 @@ public:
     /// True sets the tall size, with the OK button; false the short one.
     void DisplayOK(bool display);
 
-    vantor::Image Image1{*this, "Image1"};
+    IconControl Image1{*this, "Image1"};
     Label lblMessage{*this, "lblMessage"};
     CommandButton cmdOK{*this, "cmdOK"};
 

@@ -43,15 +43,15 @@ FlashSession::FlashSession(FlashHost& host, const CAppSettings& settings, Platfo
       mFlags(host.Flags()),
       mPlatform(platform),
       mLink(host, settings, platform.clock, platform.pump) {
-    mControls.cmdFlashAbort.Click.Handle([this] { cmdFlashAbort_Click(); });
-    mControls.mobjComm.Receive.Handle([this] { mobjComm_Receive(); });
-    mControls.tmrFlashTimeout.Tick.Handle([this] { tmrFlashTimeout_Timer(); });
+    mControls.cmdFlashAbort.Click.Connect([this] { cmdFlashAbort_Click(); });
+    mControls.mobjComm.Receive.Connect([this] { mobjComm_Receive(); });
+    mControls.tmrFlashTimeout.Tick.Connect([this] { tmrFlashTimeout_Timer(); });
 }
 
 FlashSession::~FlashSession() {
-    mControls.cmdFlashAbort.Click.Handle({});
-    mControls.mobjComm.Receive.Handle({});
-    mControls.tmrFlashTimeout.Tick.Handle({});
+    mControls.cmdFlashAbort.Click.Connect({});
+    mControls.mobjComm.Receive.Connect({});
+    mControls.tmrFlashTimeout.Tick.Connect({});
 }
 
 // Choosing the image -----------------------------------------------------------------------
@@ -70,7 +70,7 @@ void FlashSession::doFlash() {
             dialog.InitialDir =
                 AddFinalSlash(mPlatform.folders.PersonalDocuments()) + "Caldor Downloads\\";
         });
-        dialog.hWndParent = mHost.Window().Handle();
+        dialog.hWndParent = mHost.Window().WindowHandle();
         if (!dialog.Show(true)) return;
         mPlatform.peers.HoldSystem(Text(Str::UpdatingIndicator));
         FlashIndicator(dialog.FileName);
@@ -94,7 +94,7 @@ void FlashSession::doFlash() {
     Trapped("frmMain.doFlash", run, restore);
 }
 
-// Streaming phase --------------------------------------------------------------------------
+// Streaming stage --------------------------------------------------------------------------
 
 void FlashSession::FlashIndicator(const std::string& fileName) {
     mOutcome = FlashOutcome::None;
@@ -125,7 +125,7 @@ void FlashSession::Dialogue(const std::string& fileName, CHourglass& hourglass) 
     mControls.lblStatus.Caption(Text(Str::Initializing));
     mControls.cmdFlashAbort.Enabled(true);
     if (!Handshake(hourglass)) return;
-    if (Stream(fileName, stopwatch)) ArmFinalPhase(hourglass);
+    if (Stream(fileName, stopwatch)) ArmFinalStage(hourglass);
 }
 
 bool FlashSession::Confirmed() {
@@ -135,7 +135,7 @@ bool FlashSession::Confirmed() {
          .title = {},
          .icon = BoxIcon::Question,
          .buttons = BoxButtons::YesNo,
-         .owner = mHost.Window().Handle()});
+         .owner = mHost.Window().WindowHandle()});
     if (answer == BoxAnswer::Yes && !mHost.Window().Gone()) return true;
     mOutcome = FlashOutcome::Declined;
     return false;
@@ -219,7 +219,7 @@ FlashSession::Line FlashSession::SendLine(std::string_view line) {
     if (result == SendResult::SendOK)
         mLastAccepted = true;
     else
-        // A verdict in reply to a line is ignored: the verdict belongs to the final phase.
+        // A verdict in reply to a line is ignored: the verdict belongs to the final stage.
         mPlatform.boxes.Beep();
     return Line::Sent;
 }
@@ -246,12 +246,12 @@ void FlashSession::ScalePercentLong(std::int32_t value, std::int32_t total, std:
     });
 }
 
-void FlashSession::ArmFinalPhase(CHourglass& hourglass) {
+void FlashSession::ArmFinalStage(CHourglass& hourglass) {
     // The verdict may already be in the buffer; its message box then opens inside this function.
     hourglass.Value(false);
     mControls.lblWarning.Caption("");
     mstrReply.clear();
-    mStatus = std::make_shared<frmStatus>(mHost.Window().GetDesktop(), mPlatform.strings);
+    mStatus = std::make_shared<frmStatus>(mHost.Window().Manager(), mPlatform.strings);
     mStatus->Load();
     mStatus->CenterOn(mHost.Window());
     mStatus->Message(Text(Str::UpdatingIndicator));
@@ -259,7 +259,7 @@ void FlashSession::ArmFinalPhase(CHourglass& hourglass) {
     mControls.mobjComm.ReceiveThreshold(1);
     if (!mFlags.mblnFlashing) return;
     mControls.tmrFlashTimeout.Enabled(true);
-    // Last, because only a completely armed phase can end the session. Set earlier, an error above
+    // Last, because only a completely armed stage can end the session. Set earlier, an error above
     // would leave mblnFlashing set for good, and the window could not be closed.
     mOutcome = FlashOutcome::AwaitingVerdict;
 }
@@ -279,7 +279,7 @@ void FlashSession::cmdFlashAbort_Click() {
     Trapped("frmMain.cmdFlashAbort_Click", [this] { mFlags.mblnAbortFlash = true; });
 }
 
-// Final phase ------------------------------------------------------------------------------
+// Final stage ------------------------------------------------------------------------------
 
 void FlashSession::mobjComm_Receive() {
     Trapped("frmMain.mobjComm_Receive", [this] {
@@ -348,7 +348,8 @@ void FlashSession::ClearProgress() {
 void FlashSession::Say(BoxIcon icon, const std::string& text, const std::string& title) {
     const Form& window = mHost.Window();
     if (window.Gone()) return;
-    mPlatform.boxes.Show({.text = text, .title = title, .icon = icon, .owner = window.Handle()});
+    mPlatform.boxes.Show(
+        {.text = text, .title = title, .icon = icon, .owner = window.WindowHandle()});
 }
 
 std::string FlashSession::Text(Str text) const {

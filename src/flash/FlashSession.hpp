@@ -1,5 +1,5 @@
 // One firmware update, from the selection of the image to the indicator's verdict: the boot
-// monitor dialogue, streaming the lines, and the time limit of the final phase.
+// monitor dialogue, streaming the lines, and the time limit of the final stage.
 #pragma once
 
 #include <cstdint>
@@ -51,8 +51,8 @@ public:
     /// then closes the port, and also the window if the user tried to close it.
     void doFlash();
 
-    /// The streaming phase. On return the session has ended (mblnFlashing false), or the final
-    /// phase is armed and ends by its events. A missing file ends the session silently.
+    /// The streaming stage. On return the session has ended (mblnFlashing false), or the final
+    /// stage is armed and ends by its events. A missing file ends the session silently.
     void FlashIndicator(const std::string& fileName);
 
     FlashOutcome Outcome() const { return mOutcome; }
@@ -71,7 +71,7 @@ private:
     Line SendLine(std::string_view line);
     void ShowProgress(std::int32_t index, std::int32_t last, const CMMTimer& stopwatch);
     void ScalePercentLong(std::int32_t value, std::int32_t total, std::int16_t& percent);
-    void ArmFinalPhase(CHourglass& hourglass);
+    void ArmFinalStage(CHourglass& hourglass);
     void EndStreaming();
 
     void cmdFlashAbort_Click();
@@ -93,7 +93,7 @@ private:
     FlashOutcome mOutcome = FlashOutcome::None;
     bool mLastAccepted = false;
     std::shared_ptr<frmStatus> mStatus;
-    std::string mstrReply;  // text of the final phase, received in pieces
+    std::string mstrReply;  // text of the final stage, received in pieces
 };
 
 }  // namespace vantor

@@ -38,22 +38,22 @@ std::vector<std::string_view> SplitLines(std::string_view text) {
 
 }  // namespace
 
-frmMonitor::frmMonitor(Desktop& desktop, Platform& platform, MonitorOwner& owner)
-    : Form(desktop, kMonitorWindowDesign),
+frmMonitor::frmMonitor(WindowManager& manager, Platform& platform, MonitorOwner& owner)
+    : Form(manager, kMonitorWindowDesign),
       comMonitor(*this, "comMonitor", platform),
       mPlatform(platform),
       mOwner(owner),
       mobjFormPos(platform.registry, platform.codePage) {
     comMonitor.SettingsDialog = [this] { ShowPortSettings(); };
-    comMonitor.Command.Handle(
+    comMonitor.Command.Connect(
         [this](TerminalCommand command, bool& handled) { comMonitor_Command(command, handled); });
-    mnuFileExit.Click.Handle([this] { mnuFileExit_Click(); });
-    mnuCommOpen.Click.Handle([this] { mnuCommOpen_Click(); });
-    mnuCommClose.Click.Handle([this] { mnuCommClose_Click(); });
-    mnuCaptureStart.Click.Handle([this] { mnuCaptureStart_Click(); });
-    mnuCaptureEnd.Click.Handle([this] { mnuCaptureEnd_Click(); });
+    mnuFileExit.Click.Connect([this] { mnuFileExit_Click(); });
+    mnuCommOpen.Click.Connect([this] { mnuCommOpen_Click(); });
+    mnuCommClose.Click.Connect([this] { mnuCommClose_Click(); });
+    mnuCaptureStart.Click.Connect([this] { mnuCaptureStart_Click(); });
+    mnuCaptureEnd.Click.Connect([this] { mnuCaptureEnd_Click(); });
     // A second file can be sent during the transmission of the first.
-    mnuCaptureSend.Click.Handle([this] { mnuCaptureSend_Click(); }, Nesting::Allowed);
+    mnuCaptureSend.Click.Connect([this] { mnuCaptureSend_Click(); }, Nesting::Allowed);
 }
 
 std::string frmMonitor::Text(Str text) const {
@@ -76,7 +76,7 @@ void frmMonitor::Form_Load() {
 void frmMonitor::RestorePosition() {
     mobjFormPos.Form = this;
     if (!mobjFormPos.RestoreForm(false)) mobjFormPos.CenterForm();
-    const Size screen = GetDesktop().GetPeers().ScreenSize();
+    const Size screen = Manager().GetPeers().ScreenSize();
     while (CoversAnother()) {
         vantor::Place place = Place();
         place.left += kCascadeTwips;
@@ -90,7 +90,7 @@ void frmMonitor::RestorePosition() {
 /// True when another monitor window would be hidden behind this one.
 bool frmMonitor::CoversAnother() const {
     if (State() != WindowState::Normal) return false;
-    return std::ranges::any_of(GetDesktop().OpenForms(), [this](const auto& form) {
+    return std::ranges::any_of(Manager().OpenForms(), [this](const auto& form) {
         return form.get() != this && form->Name() == Name() &&
                std::abs(form->Place().left - Place().left) < kCascadeTwips / 2 &&
                std::abs(form->Place().top - Place().top) < kCascadeTwips / 2;
@@ -222,7 +222,7 @@ void frmMonitor::mnuCommSettings_Click() {
 }
 
 void frmMonitor::ShowPortSettings() {
-    const auto dialog = std::make_shared<frmPortSettings>(GetDesktop(), mPlatform, comMonitor);
+    const auto dialog = std::make_shared<frmPortSettings>(Manager(), mPlatform, comMonitor);
     dialog->Load();
     dialog->CenterOn(*this);
     dialog->Show(ShowMode::Modal, this);
@@ -234,7 +234,7 @@ void frmMonitor::TellPortTrouble() {
     mPlatform.boxes.Show({.text = Text(Str::PortNotOpened),
                           .title = "",
                           .icon = BoxIcon::Exclamation,
-                          .owner = Handle()});
+                          .owner = WindowHandle()});
 }
 
 void frmMonitor::mnuFileExit_Click() {
@@ -253,7 +253,7 @@ std::string frmMonitor::AskForFile(Str title, bool openDialog) {
     dialog.DefaultExt = ".txt";
     dialog.Flags = kFileDialogFlags;
     dialog.Filter = Text(Str::TextFiles) + " (*.txt)|*.txt|" + Text(Str::AllFiles) + " (*.*)|*.*";
-    dialog.hWndParent = Handle();
+    dialog.hWndParent = WindowHandle();
     return dialog.Show(openDialog) && !Gone() ? dialog.FileName : std::string();
 }
 
@@ -282,7 +282,7 @@ void frmMonitor::mnuCaptureSend_Click() {
 
 bool frmMonitor::SendFile(const std::string& fileName) {
     bool sent = false;
-    const auto progress = std::make_shared<frmSend>(GetDesktop(), mPlatform.strings);
+    const auto progress = std::make_shared<frmSend>(Manager(), mPlatform.strings);
     mProgress.push_back(progress);
     Trapped(
         "frmMonitor.SendFile",

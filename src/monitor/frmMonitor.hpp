@@ -34,7 +34,7 @@ public:
 class frmMonitor : public Form {
 public:
     /// `owner` must outlive the loaded window.
-    frmMonitor(Desktop& desktop, Platform& platform, MonitorOwner& owner);
+    frmMonitor(WindowManager& manager, Platform& platform, MonitorOwner& owner);
 
     /// Sets the port and the line parameters from `settings`, which must outlive the window.
     /// Does not open the port. Called after loading and before showing.

@@ -24,10 +24,11 @@ void Fill(ComboBox& combo, std::vector<std::string> items, const std::string& ch
 
 }  // namespace
 
-frmPortSettings::frmPortSettings(Desktop& desktop, Platform& platform, TerminalControl& terminal)
-    : Form(desktop, kPortSettingsWindowDesign), mPlatform(platform), mTerminal(terminal) {
-    cmdOK.Click.Handle([this] { cmdOK_Click(); });
-    cmdCancel.Click.Handle(
+frmPortSettings::frmPortSettings(WindowManager& manager, Platform& platform,
+                                 TerminalControl& terminal)
+    : Form(manager, kPortSettingsWindowDesign), mPlatform(platform), mTerminal(terminal) {
+    cmdOK.Click.Connect([this] { cmdOK_Click(); });
+    cmdCancel.Click.Connect(
         [this] { Trapped("frmPortSettings.cmdCancel_Click", [this] { Unload(); }); });
 }
 

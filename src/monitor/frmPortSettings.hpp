@@ -17,7 +17,7 @@ class TerminalControl;
 /// no parity, one stop bit. Flow control is shown as none and cannot be changed.
 class frmPortSettings : public Form {
 public:
-    frmPortSettings(Desktop& desktop, Platform& platform, TerminalControl& terminal);
+    frmPortSettings(WindowManager& manager, Platform& platform, TerminalControl& terminal);
 
     /// OK was pressed and reopening the port failed.
     bool ReopenFailed() const { return mReopenFailed; }

@@ -6,9 +6,9 @@
 
 namespace vantor {
 
-frmSend::frmSend(Desktop& desktop, const StringTable& strings)
-    : Form(desktop, kSendWindowDesign), mStrings(strings) {
-    cmdCancel.Click.Handle([this] { cmdCancel_Click(); });
+frmSend::frmSend(WindowManager& manager, const StringTable& strings)
+    : Form(manager, kSendWindowDesign), mStrings(strings) {
+    cmdCancel.Click.Connect([this] { cmdCancel_Click(); });
 }
 
 void frmSend::Form_Load() {
@@ -61,7 +61,7 @@ void frmSend::Form_Paint() {
 
 void frmSend::DrawEdge(const Control& control) {
     Trapped("frmSend.DrawEdge", [&] {
-        const float pixel = GetDesktop().GetPeers().TwipsPerPixel();
+        const float pixel = Manager().GetPeers().TwipsPerPixel();
         const vantor::Place& place = control.Place();
         const float left = place.left - pixel;
         const float top = place.top - pixel;

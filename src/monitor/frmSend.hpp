@@ -15,7 +15,7 @@ class StringTable;
 /// the title bar also cancels.
 class frmSend : public Form {
 public:
-    frmSend(Desktop& desktop, const StringTable& strings);
+    frmSend(WindowManager& manager, const StringTable& strings);
 
     /// Takes the full file name and shows it without its folder.
     void Initialize(const std::string& fileName);

@@ -7,6 +7,7 @@
 
 #include "platform/Clock.hpp"
 #include "platform/CodePage.hpp"
+#include "platform/Console.hpp"
 #include "platform/FileVersions.hpp"
 #include "platform/Files.hpp"
 #include "platform/Folders.hpp"
@@ -15,7 +16,6 @@
 #include "platform/Registry.hpp"
 #include "platform/SerialPort.hpp"
 #include "platform/StringTable.hpp"
-#include "platform/Terminal.hpp"
 
 namespace vantor {
 
@@ -28,7 +28,7 @@ struct NativePlatform {
     std::unique_ptr<FileVersions> versions;
     std::unique_ptr<Folders> folders;
     std::unique_ptr<StringTable> strings;
-    std::unique_ptr<Terminal> terminal;
+    std::unique_ptr<Console> console;
     std::unique_ptr<MessagePump> pump;
     std::unique_ptr<Registry> registry;
     std::unique_ptr<SerialPorts> ports;

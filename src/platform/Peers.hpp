@@ -93,7 +93,7 @@ public:
     virtual std::optional<Place> NormalPlace() const { return std::nullopt; }
 
     /// The window's handle; 0 where nothing is drawn.
-    virtual NativeWindow Handle() const = 0;
+    virtual NativeWindow WindowHandle() const = 0;
 };
 
 /// Creates peers. Used from one thread.

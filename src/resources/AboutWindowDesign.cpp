@@ -15,7 +15,7 @@ constexpr ControlStyle kFocusStyle = {
     .defaultButton = true, .holdsFocus = true, .spokenName = Str::ProgramTitle};
 
 constexpr std::array kControls = {
-    ControlDesign{Image, "imgLogo", -1, "", {240, 240, 960, 960}, "", ""},
+    ControlDesign{Icon, "imgLogo", -1, "", {240, 240, 960, 960}, "", ""},
     ControlDesign{Label, "lblTitle", -1, "", {1440, 240, 6300, 330}, "Title", "301", kHeading},
     ControlDesign{Label, "lblVersion", -1, "", {1440, 600, 3600, 270}, "", ""},
     ControlDesign{Label, "lblRelease", -1, "", {5040, 600, 2700, 270}, "", ""},

@@ -7,7 +7,7 @@ namespace vantor {
 namespace {
 
 constexpr std::array kControls = {
-    ControlDesign{ControlKind::Image, "Image1", -1, "", {150, 120, 480, 480}, "", ""},
+    ControlDesign{ControlKind::Icon, "Image1", -1, "", {150, 120, 480, 480}, "", ""},
     ControlDesign{ControlKind::Label, "lblMessage", -1, "", {780, 240, 3600, 480}, "", ""},
     ControlDesign{ControlKind::CommandButton,
                   "cmdOK",

@@ -23,20 +23,20 @@ void Fill(ComboBox& combo, std::vector<std::string> items, const std::string& cu
 
 }  // namespace
 
-frmConfigure::frmConfigure(Desktop& desktop, Platform& platform)
-    : Form(desktop, kConfigureWindowDesign),
+frmConfigure::frmConfigure(WindowManager& manager, Platform& platform)
+    : Form(manager, kConfigureWindowDesign),
       mPlatform(platform),
       mobjFormPos(platform.registry, platform.codePage),
       mobjTreeViewEnh(platform.registry, platform.codePage) {
-    tvwOptions.NodeClick.Handle([this](const TreeNode& node) { tvwOptions_NodeClick(node); });
-    cboPort.Click.Handle([this] { cboPort_Click(); });
-    cboBaudRate.Click.Handle([this] { cboBaudRate_Click(); });
-    cboDataBits.Click.Handle([this] { cboDataBits_Click(); });
-    cboParity.Click.Handle([this] { cboParity_Click(); });
-    cboStopBits.Click.Handle([this] { cboStopBits_Click(); });
-    cmdOK.Click.Handle([this] { cmdOK_Click(); });
-    cmdCancel.Click.Handle([this] { cmdCancel_Click(); });
-    cmdApply.Click.Handle([this] { cmdApply_Click(); });
+    tvwOptions.NodeClick.Connect([this](const TreeNode& node) { tvwOptions_NodeClick(node); });
+    cboPort.Click.Connect([this] { cboPort_Click(); });
+    cboBaudRate.Click.Connect([this] { cboBaudRate_Click(); });
+    cboDataBits.Click.Connect([this] { cboDataBits_Click(); });
+    cboParity.Click.Connect([this] { cboParity_Click(); });
+    cboStopBits.Click.Connect([this] { cboStopBits_Click(); });
+    cmdOK.Click.Connect([this] { cmdOK_Click(); });
+    cmdCancel.Click.Connect([this] { cmdCancel_Click(); });
+    cmdApply.Click.Connect([this] { cmdApply_Click(); });
 }
 
 void frmConfigure::Form_Load() {
@@ -53,7 +53,7 @@ void frmConfigure::RestorePosition() {
     mobjFormPos.Form = this;
     const bool restored = mobjFormPos.RestoreForm(true) && State() == WindowState::Normal;
     State(WindowState::Normal);
-    const float pixel = GetDesktop().GetPeers().TwipsPerPixel();
+    const float pixel = Manager().GetPeers().TwipsPerPixel();
     const auto whole = [pixel](float twips) { return std::round(twips / pixel) * pixel; };
     const vantor::Place& design = Design().place;
     Place({whole(Place().left), whole(Place().top), design.width, design.height});
@@ -195,7 +195,7 @@ void frmConfigure::cboBaudRate_Click() {
         mPlatform.boxes.Show({.text = mPlatform.strings.Text(Str::LowBaudRateAdvice),
                               .title = "",
                               .icon = BoxIcon::Information,
-                              .owner = Handle()});
+                              .owner = WindowHandle()});
         // If the window was closed while the box was open, its edit has ended.
         if (!Gone()) mobjSettings->BaudRate(cboBaudRate.Text());
     });

@@ -28,7 +28,7 @@ public:
 /// it. Unloading the window always ends the edit.
 class frmConfigure : public Form {
 public:
-    frmConfigure(Desktop& desktop, Platform& platform);
+    frmConfigure(WindowManager& manager, Platform& platform);
 
     /// Shows `settings` and begins to edit them. Called after loading and before showing;
     /// both must outlive the loaded window.

@@ -39,14 +39,14 @@ BootMonitor::BootMonitor(std::uint32_t firstSpeed, std::optional<FlashMemory> ex
 
 Answer BootMonitor::TakeLine(std::string_view line) {
     if (line.find_first_not_of(' ') == std::string_view::npos) return Answer::None;
-    switch (mPhase) {
-        case Phase::Idle:
-        case Phase::Ready:
+    switch (mState) {
+        case State::Idle:
+        case State::Ready:
             return TakeCommand(line);
-        case Phase::Image:
-        case Phase::Writing:
+        case State::Image:
+        case State::Writing:
             return TakeRecord(line);
-        case Phase::Verified:
+        case State::Verified:
             if (line != "BOOT") return Answer::Refused;
             PowerCycle();
             return Answer::None;
@@ -57,12 +57,12 @@ Answer BootMonitor::TakeLine(std::string_view line) {
 Answer BootMonitor::FinishWriting(bool fail) {
     const bool whole = !mExpected || mMemory == *mExpected;
     const bool done = whole && !fail;
-    mPhase = done ? Phase::Verified : Phase::Ready;
+    mState = done ? State::Verified : State::Ready;
     return done ? Answer::Done : Answer::VerifyFailed;
 }
 
 void BootMonitor::PowerCycle() {
-    mPhase = Phase::Idle;
+    mState = State::Idle;
     mBitsPerSecond = mFirstSpeed;
     mAwaitsNewSpeed = false;
 }
@@ -70,14 +70,14 @@ void BootMonitor::PowerCycle() {
 Answer BootMonitor::TakeCommand(std::string_view line) {
     HeardHost();
     if (line == "TRAV") {
-        mPhase = Phase::Ready;
+        mState = State::Ready;
         return Answer::Ok;
     }
-    if (mPhase == Phase::Idle) return Answer::Refused;
+    if (mState == State::Idle) return Answer::Refused;
     if (line.starts_with(kBaud)) return ChangeSpeed(line.substr(kBaud.size()));
     if (line != "SYSLOAD") return Answer::Refused;
     mMemory.Clear();
-    mPhase = Phase::Image;
+    mState = State::Image;
     return Answer::Ok;
 }
 
@@ -96,11 +96,11 @@ Answer BootMonitor::TakeRecord(std::string_view line) {
     const auto record = SerialRecord::Parse(line);
     if (!record) return Answer::Refused;
     if (record->IsEnd()) {
-        mPhase = Phase::Writing;
+        mState = State::Writing;
         return Answer::Ok;
     }
     // Records after the end record are not part of the image.
-    if (mPhase == Phase::Writing) return Answer::Refused;
+    if (mState == State::Writing) return Answer::Refused;
     if (record->IsData()) mMemory.Write(record->address, record->data);
     return Answer::Ok;
 }

@@ -17,7 +17,7 @@ std::string_view AnswerText(Answer answer);
 
 class BootMonitor {
 public:
-    enum class Phase : std::uint8_t {
+    enum class State : std::uint8_t {
         Idle,      ///< accepts TRAV only
         Ready,     ///< after TRAV: accepts BAUD and SYSLOAD too
         Image,     ///< after SYSLOAD: each line is a record
@@ -41,7 +41,7 @@ public:
     /// Resets to `Idle` at the first speed. Flash memory keeps its contents.
     void PowerCycle();
 
-    Phase CurrentPhase() const { return mPhase; }
+    State CurrentState() const { return mState; }
     std::uint32_t BitsPerSecond() const { return mBitsPerSecond; }
     /// True after an accepted BAUD until the next command: the host is to reopen at the new speed.
     bool AwaitsNewSpeed() const { return mAwaitsNewSpeed; }
@@ -57,7 +57,7 @@ private:
     std::uint32_t mFirstSpeed;
     std::optional<FlashMemory> mExpected;
     FlashMemory mMemory;
-    Phase mPhase = Phase::Idle;
+    State mState = State::Idle;
     std::uint32_t mBitsPerSecond;
     bool mAwaitsNewSpeed = false;
 };

@@ -92,7 +92,7 @@ Fault ParseFault(std::string_view text) {
     fault.kind = spelling->kind;
     SetValue(fault, left.size() != name.size(), value, text);
     if (!spelling->ofLine) {
-        if (left.size() != text.size()) Reject(text, "is of a phase and takes no line after \"@\"");
+        if (left.size() != text.size()) Reject(text, "is of a stage and takes no line after \"@\"");
         return fault;
     }
     std::string_view times;

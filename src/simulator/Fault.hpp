@@ -20,7 +20,7 @@ enum class FaultKind : std::uint8_t {
     Done,    ///< the reply is "DONE"; the line is processed
     Verify,  ///< the reply is "VERIFY FAILED"; the line is processed
     Hangup,  ///< the terminal hangs up when the line has arrived
-    // Phase faults.
+    // Stage faults.
     NoTrav,        ///< TRAV is refused (with `silent`: no reply)
     NoBaud,        ///< BAUD likewise
     NoSysload,     ///< SYSLOAD likewise
@@ -44,7 +44,7 @@ struct Fault {
     friend bool operator==(const Fault&, const Fault&) = default;
 };
 
-/// Parses `KIND@LINE[xTIMES]` for a line fault ("nak@7", "late=1500@12x2"), `KIND` for a phase
+/// Parses `KIND@LINE[xTIMES]` for a line fault ("nak@7", "late=1500@12x2"), `KIND` for a stage
 /// fault ("no-verdict", "no-trav=silent"). The kinds: nak silent late=MS drop garble noise split
 /// done verify hangup; no-trav no-baud no-sysload verify-failed no-verdict split-verdict.
 /// Throws std::invalid_argument with a sentence that names `text`.

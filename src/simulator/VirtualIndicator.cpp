@@ -200,14 +200,14 @@ void VirtualIndicator::Hear(const Incoming& incoming) {
 }
 
 void VirtualIndicator::TakeLine(const std::string& line, Nanos at) {
-    using Phase = BootMonitor::Phase;
-    const Phase phase = mMonitor.CurrentPhase();
-    if (phase == Phase::Verified && line != "BOOT") {
+    using State = BootMonitor::State;
+    const State state = mMonitor.CurrentState();
+    if (state == State::Verified && line != "BOOT") {
         mViolations.push_back("After the verdict DONE the host sent \"" + line +
                               "\" instead of BOOT.");
     }
     if (IsBlank(line)) return;  // gets no reply, so no fault applies to it
-    if (phase == Phase::Image || phase == Phase::Writing) {
+    if (state == State::Image || state == State::Writing) {
         TakeImageLine(line, at);
     } else {
         TakeCommand(line, at);
@@ -215,8 +215,8 @@ void VirtualIndicator::TakeLine(const std::string& line, Nanos at) {
 }
 
 void VirtualIndicator::TakeCommand(const std::string& line, Nanos at) {
-    using Phase = BootMonitor::Phase;
-    const Phase before = mMonitor.CurrentPhase();
+    using State = BootMonitor::State;
+    const State before = mMonitor.CurrentState();
     LineFaults faults;
     AddArisen(faults);
     if (faults.hangup) return HangUp();
@@ -230,26 +230,26 @@ void VirtualIndicator::TakeCommand(const std::string& line, Nanos at) {
     if (faults.silent || faults.refuse) mMonitor.HeardHost();
     if (faults.silent) return;
     Say(faults, AnswerTo(line, faults), ready, speed);
-    if (mMonitor.CurrentPhase() == Phase::Image) {
+    if (mMonitor.CurrentState() == State::Image) {
         mPrevious.reset();
         mLineNumber = 0;
     }
-    if (before == Phase::Verified && mMonitor.CurrentPhase() == Phase::Idle) EndSession(true);
+    if (before == State::Verified && mMonitor.CurrentState() == State::Idle) EndSession(true);
 }
 
 void VirtualIndicator::TakeImageLine(const std::string& line, Nanos at) {
-    using Phase = BootMonitor::Phase;
+    using State = BootMonitor::State;
     const LineFaults faults = FaultsOf(line);
     if (faults.hangup) return HangUp();
     if (faults.silent) return;
 
-    const bool imageOpen = mMonitor.CurrentPhase() == Phase::Image;
+    const bool imageOpen = mMonitor.CurrentState() == State::Image;
     const Answer answer = AnswerTo(line, faults);
     const Nanos ready = at + ToNanos(mOptions.think);
     const Nanos said = Say(faults, answer, ready, mMonitor.BitsPerSecond());
     // Writing begins when the acknowledgement is out, so that the verdict cannot overtake a late
     // one.
-    if (imageOpen && mMonitor.CurrentPhase() == Phase::Writing) {
+    if (imageOpen && mMonitor.CurrentState() == State::Writing) {
         mVerdictAt = said + ToNanos(mOptions.writeFlash);
     }
 }
@@ -328,7 +328,7 @@ void VirtualIndicator::CloseArrived(Nanos at) {
         if (!mHostOpen) mReopenBy = at + kReopenGrace;
         return;
     }
-    if (mMonitor.CurrentPhase() == BootMonitor::Phase::Verified && !mLine.empty()) {
+    if (mMonitor.CurrentState() == BootMonitor::State::Verified && !mLine.empty()) {
         mViolations.push_back("After the verdict DONE the host sent \"" + mLine +
                               "\" and closed without ending the line.");
     }

@@ -55,7 +55,7 @@ public:
     std::optional<Micros> NextDue() const;
 
     /// Injects a fault at run time. A line fault affects the next `times` lines, commands or
-    /// image lines (`fault.line` is ignored); a phase fault applies from now on.
+    /// image lines (`fault.line` is ignored); a stage fault applies from now on.
     void Arise(const Fault& fault);
 
     /// A "hangup" fault has closed the terminal; no more input or output.

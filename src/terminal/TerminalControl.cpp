@@ -333,7 +333,8 @@ bool TerminalControl::RefusePaste(const std::string& text) {
     std::string told = mPlatform.strings.Text(Str::PasteRefused);
     told.replace(told.find("%1"), 2, NameOf(character));
     told.replace(told.find("%2"), 2, std::to_string(line));
-    mPlatform.boxes.Show({.text = told, .icon = BoxIcon::Exclamation, .owner = Parent().Handle()});
+    mPlatform.boxes.Show(
+        {.text = told, .icon = BoxIcon::Exclamation, .owner = Parent().WindowHandle()});
     return true;
 }
 

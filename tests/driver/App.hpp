@@ -58,7 +58,7 @@ class Window {
 public:
     Window(HWND handle, const FormDesign& design) : mHandle(handle), mDesign(&design) {}
 
-    HWND Handle() const { return mHandle; }
+    HWND WindowHandle() const { return mHandle; }
     bool IsThere() const { return IsWindow(mHandle) != 0; }
     HWND Child(const char* name, int index = -1) const;
     std::string Text(const char* name) const { return TextOf(Child(name)); }

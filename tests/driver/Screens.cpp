@@ -115,19 +115,20 @@ void Screens::OfThePictureAndTheMenus() {
 void Screens::OfMonitorMode() {
     indicator.Start("--terminal");
     const Window monitor = OpenMonitor();
-    Show("monitor-empty", monitor.Handle());
+    Show("monitor-empty", monitor.WindowHandle());
     OpenPort(monitor);
-    Show("monitor-connected", monitor.Handle());
+    Show("monitor-connected", monitor.WindowHandle());
     std::string lines;
     for (int i = 0; i < 100; ++i) lines += "help\r\ngross\r\n";
     const Window progress = SendFile(monitor, lines);
     AwaitSent(progress, 20);
-    Show("monitor-sending", monitor.Handle(), progress.Handle());
+    Show("monitor-sending", monitor.WindowHandle(), progress.WindowHandle());
     progress.Press("cmdCancel");
     Await("the end", [&] { return !progress.IsThere(); });
-    Show("monitor-page", monitor.Handle());
+    Show("monitor-page", monitor.WindowHandle());
     Command(monitor, Setting("DRIVE_LANGUAGE") == "es" ? 'F' : 'S');
-    Show("monitor-settings", monitor.Handle(), app->AwaitForm(kPortSettingsWindowDesign).Handle());
+    Show("monitor-settings", monitor.WindowHandle(),
+         app->AwaitForm(kPortSettingsWindowDesign).WindowHandle());
 }
 
 void Screens::OfTheOptions() {
@@ -135,11 +136,11 @@ void Screens::OfTheOptions() {
     const Window options = app->AwaitForm(kConfigureWindowDesign);
     const HWND tree = options.Child("tvwOptions");
     Await("the focus", [&] { return app->Focus() == tree; });
-    Show("options", options.Handle());
+    Show("options", options.WindowHandle());
     const std::string page = options.Text("picSelection");
     Key(VK_LEFT);
     Await("the heading", [&] { return options.Text("picSelection") != page; });
-    Show("options-heading", options.Handle());
+    Show("options-heading", options.WindowHandle());
     Key(VK_RIGHT);
     Await("the page", [&] { return options.Text("picSelection") == page; });
     Key(VK_TAB);
@@ -147,7 +148,7 @@ void Screens::OfTheOptions() {
     Await("the speed", [&] { return app->Focus() == options.Child("cboBaudRate"); });
     Key(VK_UP);
     App::Read(app->AwaitBox());
-    Show("options-advice", options.Handle(), app->AwaitBox());
+    Show("options-advice", options.WindowHandle(), app->AwaitBox());
 }
 
 /// Runs one part on a new program instance; true if all its stages appeared.

@@ -26,7 +26,7 @@ public:
     /// The same, and answers the warning with Yes.
     void StartFlash() const;
     void AwaitLine(int line) const;
-    /// Waits for the status window of the final phase or the About box.
+    /// Waits for the status window of the final stage or the About box.
     HWND AwaitOtherForm() const;
 
     // Monitor mode.

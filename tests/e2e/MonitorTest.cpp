@@ -112,7 +112,7 @@ TEST_F(Monitor, ClosedWhileItSendsItFreesThePortAndComesBackWhereItWas) {
     const Window monitor = OpenMonitor();
     OpenPort(monitor);
     const RECT wanted = {70, 50, 70 + 500, 50 + 300};
-    SetWindowPos(monitor.Handle(), nullptr, wanted.left, wanted.top, 500, 300,
+    SetWindowPos(monitor.WindowHandle(), nullptr, wanted.left, wanted.top, 500, 300,
                  SWP_NOZORDER | SWP_NOACTIVATE);
     std::string lines;
     for (int i = 0; i < 1000; ++i) lines += "id\r\n";
@@ -122,7 +122,7 @@ TEST_F(Monitor, ClosedWhileItSendsItFreesThePortAndComesBackWhereItWas) {
     EXPECT_EQ(app->Dialog(), nullptr);
     const Window again = OpenMonitor();
     RECT found{};
-    GetWindowRect(again.Handle(), &found);
+    GetWindowRect(again.WindowHandle(), &found);
     EXPECT_TRUE(EqualRect(&found, &wanted)) << found.left << ' ' << found.top;
     OpenPort(again);
     SendFile(again, lines);
@@ -134,7 +134,7 @@ TEST_F(Monitor, TheSettingsCommandShowsInBothPanels) {
     const Window monitor = OpenMonitor();
     Command(monitor, 'S');
     const Window settings = app->AwaitForm(kPortSettingsWindowDesign);
-    EXPECT_EQ(IsWindowEnabled(monitor.Handle()), FALSE);
+    EXPECT_EQ(IsWindowEnabled(monitor.WindowHandle()), FALSE);
     Await("the focus", [&] { return app->Focus() == settings.Child("cboPort"); });
     app->KeyUntil(VK_DOWN, "COM2", [&] { return settings.Text("cboPort") == "COM2"; });
     app->KeyUntil(VK_TAB, "the speed", [&] { return app->Focus() == settings.Child("cboSpeed"); });

@@ -194,9 +194,9 @@ TEST_F(Options, TheTreeChangesThePageAndIsRememberedWithTheCorner) {
     ExpectPage(options, "Settings", true);
     KeyToHeading(options);
     app->KeyUntil(VK_LEFT, "the closed heading", [&] { return !IsHeadingOpen(options); });
-    SetWindowPos(options.Handle(), nullptr, 60, 40, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
+    SetWindowPos(options.WindowHandle(), nullptr, 60, 40, 0, 0, SWP_NOSIZE | SWP_NOZORDER);
     RECT before{};
-    GetWindowRect(options.Handle(), &before);
+    GetWindowRect(options.WindowHandle(), &before);
     KeyToEnd(options, 'C', true);
     EXPECT_EQ(Stored(L"Positions\\NodeStates"), (Values{{"tvwOptions", "P1=False|C0=False|\0"s}}));
 
@@ -205,7 +205,7 @@ TEST_F(Options, TheTreeChangesThePageAndIsRememberedWithTheCorner) {
     ExpectPage(options, "Settings", true);
     EXPECT_TRUE(IsHeadingOpen(options)) << "the selected node is hidden";
     RECT after{};
-    GetWindowRect(options.Handle(), &after);
+    GetWindowRect(options.WindowHandle(), &after);
     EXPECT_TRUE(EqualRect(&before, &after)) << after.left << ' ' << after.top;
 }
 

@@ -181,7 +181,7 @@ protected:
                             "Pellin Version: Unknown\r\nWeb Update Version: " VANTOR_VERSION "\r\n",
                             "information"};
         EXPECT_EQ(app->TakeBox(), wanted);
-        const HWND terminal = OpenMonitor().Handle();
+        const HWND terminal = OpenMonitor().WindowHandle();
         Await("the keyboard", [=] { return GetForegroundWindow() == terminal; });
         app->KeyUntil(VK_F1, "the box", [this] { return app->Dialog() != nullptr; });
         EXPECT_EQ(app->TakeBox(), (Box{"Tessmar Vantor Update", noHelp, "exclamation"}));

@@ -229,7 +229,7 @@ TEST_F(TsUpdate, AMenuHeldOpenPausesTheStreamAndDoesNotBreakIt) {
     EXPECT_EQ(indicator.Wait(), 0) << indicator.Complaints();
 }
 
-TEST_F(TsUpdate, MinimisedWhileItSendsItShowsTheLastPhaseOnTheScreen) {
+TEST_F(TsUpdate, MinimisedWhileItSendsItShowsTheLastStageOnTheScreen) {
     indicator.Start("--think 20 --write 3000");
     StartFlash();
     AwaitLine(5);

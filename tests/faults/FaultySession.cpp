@@ -41,10 +41,10 @@ struct Due {
     std::string wrongSend;
 };
 
-/// Wraps the line at the program's end; records the traffic and detects phase starts.
+/// Wraps the line at the program's end; records the traffic and detects stage starts.
 class Wiretap : public FarEnd {
 public:
-    Wiretap(FarEnd& line, const Clock& clock, std::function<void(Phase)> begins)
+    Wiretap(FarEnd& line, const Clock& clock, std::function<void(Stage)> begins)
         : mLine(line), mClock(clock), mBegins(std::move(begins)) {}
 
     void Opened(const LineSettings& line) override {
@@ -54,13 +54,13 @@ public:
     void Closed() override {
         if (opened == 1 && !exchanges.empty() && exchanges.back().sent == "BAUD 115200\r" &&
             exchanges.back().reply.find("OK") != std::string::npos)
-            mBegins(Phase::Reopened);
+            mBegins(Stage::Reopened);
         mLine.Closed();
     }
     void Receive(std::string_view bytes) override {
         exchanges.push_back({std::string(bytes), mClock.Ticks(), {}});
-        if (const auto phase = PhaseOf(bytes)) mBegins(*phase);
-        // The start of the phase may have triggered an unplug fault.
+        if (const auto stage = StageOf(bytes)) mBegins(*stage);
+        // The start of the stage may have triggered an unplug fault.
         if (!mLine.HungUp()) mLine.Receive(bytes);
     }
     std::string Transmit() override {
@@ -79,22 +79,22 @@ public:
     std::string afterArming;
 
 private:
-    static std::optional<Phase> PhaseOf(std::string_view sent) {
-        if (sent == " \r") return Phase::WakeUp;
-        if (sent == "TRAV\r") return Phase::Trav;
-        if (sent == "BAUD 115200\r") return Phase::Baud;
-        if (sent == "SYSLOAD\r") return Phase::Sysload;
-        if (sent == "BOOT\r") return Phase::Boot;
-        if (sent == DataRecord(0) + "\r") return Phase::FirstLine;
-        if (sent == DataRecord(kMiddleLine) + "\r") return Phase::MiddleLine;
-        if (sent == DataRecord(kLateLine) + "\r") return Phase::LateLine;
-        if (sent == std::string(kEndRecord) + "\r") return Phase::LastLine;
+    static std::optional<Stage> StageOf(std::string_view sent) {
+        if (sent == " \r") return Stage::WakeUp;
+        if (sent == "TRAV\r") return Stage::Trav;
+        if (sent == "BAUD 115200\r") return Stage::Baud;
+        if (sent == "SYSLOAD\r") return Stage::Sysload;
+        if (sent == "BOOT\r") return Stage::Boot;
+        if (sent == DataRecord(0) + "\r") return Stage::FirstLine;
+        if (sent == DataRecord(kMiddleLine) + "\r") return Stage::MiddleLine;
+        if (sent == DataRecord(kLateLine) + "\r") return Stage::LateLine;
+        if (sent == std::string(kEndRecord) + "\r") return Stage::LastLine;
         return std::nullopt;
     }
 
     FarEnd& mLine;
     const Clock& mClock;
-    std::function<void(Phase)> mBegins;
+    std::function<void(Stage)> mBegins;
 };
 
 /// Replays the protocol rules over the recorded exchanges.
@@ -103,7 +103,7 @@ public:
     Judge(const Wiretap& tap, bool endWanted) : mTap(tap), mEndWanted(endWanted) {}
 
     Due Decide() {
-        mDue.outcome = Course();
+        mDue.outcome = Predict();
         if (mEndWanted && mDue.outcome != FlashOutcome::PortNotOpen) {
             mDue.outcome = FlashOutcome::Aborted;
             mDue.boxes.emplace_back(kAborted);
@@ -116,7 +116,7 @@ public:
 private:
     enum class Word : std::uint8_t { Ok, Failed, Verdict, NotSent };
 
-    FlashOutcome Course() {
+    FlashOutcome Predict() {
         if (mTap.opened == 0) return Ends(FlashOutcome::PortNotOpen, kNoPort);
         Take(" \r");
         Take(" \r");
@@ -181,41 +181,41 @@ private:
 };
 
 /// Main window, virtual indicator and faulty line of one run.
-class Course {
+class SessionRun {
 public:
-    explicit Course(const Plan& plan) : mPlan(plan) {
+    explicit SessionRun(const Plan& plan) : mPlan(plan) {
         mWindow->Load();
         mWindow->Show();
         mHeadless.files.Add(kPath, ImageOf(kDataLines));
         mSettings = mHeadless.registry.Export();
     }
-    ~Course() {
+    ~SessionRun() {
         mHeadless.peers.onChange = {};
         mWindow->Flags().mblnFlashing = false;
         mWindow->Unload();
     }
-    Course(const Course&) = delete;
-    Course& operator=(const Course&) = delete;
+    SessionRun(const SessionRun&) = delete;
+    SessionRun& operator=(const SessionRun&) = delete;
 
-    Verdict Run() {
-        Verdict verdict = RunOnce();
-        if (!verdict.gone && verdict.violation.empty()) {
+    Judgement Run() {
+        Judgement judgement = RunOnce();
+        if (!judgement.gone && judgement.violation.empty()) {
             // New indicator and line, no faults.
             mPlan = {};
-            const Verdict next = RunOnce();
+            const Judgement next = RunOnce();
             if (next.outcome != FlashOutcome::Done || !next.violation.empty())
-                verdict.violation =
+                judgement.violation =
                     "the next session: " + OutcomeName(next.outcome) + ", " + next.violation;
         }
-        return verdict;
+        return judgement;
     }
 
 private:
-    Verdict RunOnce() {
+    Judgement RunOnce() {
         Plug();
         const TimerId watch = mHeadless.pump.StartTimer(1000, [this] { Watch(); });
         const std::int32_t start = mHeadless.clock.Ticks();
-        Begin(Phase::Opening);
+        Begin(Stage::Opening);
         mHeadless.dialogs.choices = {kPath};
         mWindow->cmdFlash.Press();
         mHeadless.pump.StopTimer(watch);
@@ -223,14 +223,15 @@ private:
         for (const TimerId act : mActs) mHeadless.pump.StopTimer(act);
         mActs.clear();
 
-        Verdict verdict;
-        verdict.outcome = mWindow->Session().Outcome();
-        verdict.gone = mWindow->Gone();
-        verdict.memoryWhole = mIndicator->Memory() == FlashMemory::FromRecords(ImageOf(kDataLines));
-        CheckReport(verdict);
+        Judgement judgement;
+        judgement.outcome = mWindow->Session().Outcome();
+        judgement.gone = mWindow->Gone();
+        judgement.memoryWhole =
+            mIndicator->Memory() == FlashMemory::FromRecords(ImageOf(kDataLines));
+        CheckReport(judgement);
         CheckTimes(start);
-        CheckSuccess(verdict);
-        if (!verdict.gone) {
+        CheckSuccess(judgement);
+        if (!judgement.gone) {
             const std::string unrest = NotAtRest(*mWindow, mHeadless);
             if (!unrest.empty()) Violated("left behind: " + unrest);
             if (mHeadless.registry.Export() != mSettings) Violated("settings changed");
@@ -238,8 +239,8 @@ private:
                    mHeadless.peers.pointer != MousePointer::Default) {
             Violated("the closed window left something behind");
         }
-        verdict.violation = std::exchange(mViolation, {});
-        return verdict;
+        judgement.violation = std::exchange(mViolation, {});
+        return judgement;
     }
 
     void Plug() {
@@ -250,7 +251,7 @@ private:
         mIndicator.emplace(std::move(options));
         mDevice.emplace(*mIndicator, mHeadless.clock);
         mLine.emplace(*mDevice, mHeadless.clock);
-        mTap.emplace(*mLine, mHeadless.clock, [this](Phase phase) { Begin(phase); });
+        mTap.emplace(*mLine, mHeadless.clock, [this](Stage stage) { Begin(stage); });
         mHeadless.ports.Plug("COM1", *mTap);
         mHeadless.boxes.shown.clear();
         mBegun = {};
@@ -259,14 +260,14 @@ private:
             if (control.Name() != "lblMessage" || mTap->armed) return;
             mTap->armed = true;
             mArmedAt = mHeadless.clock.Ticks();
-            Begin(Phase::Verdict);
+            Begin(Stage::Verdict);
         };
     }
 
-    void Begin(Phase phase) {
-        if (std::exchange(mBegun.at(static_cast<std::size_t>(phase)), true)) return;
+    void Begin(Stage stage) {
+        if (std::exchange(mBegun.at(static_cast<std::size_t>(stage)), true)) return;
         for (const Mishap& mishap : mPlan.mishaps)
-            if (mishap.phase == phase)
+            if (mishap.stage == stage)
                 std::visit([this](const auto& what) { Happen(what); }, mishap.what);
     }
 
@@ -300,17 +301,17 @@ private:
         mWindow->Flags() = {.mblnFlashing = false, .mblnAbortFlash = true};
     }
 
-    void CheckReport(const Verdict& verdict) {
+    void CheckReport(const Judgement& judgement) {
         Due due = Judge(*mTap, mEndWanted).Decide();
         if (!due.wrongSend.empty()) Violated(due.wrongSend);
         if (mEndWanted && mTap->exchanges.size() > mSentBeforeEnd)
             Violated("sent \"" + mTap->exchanges[mSentBeforeEnd].sent +
                      "\" after the end was wanted");
-        if (verdict.outcome != due.outcome)
-            Violated("outcome " + OutcomeName(verdict.outcome) + ", due was " +
+        if (judgement.outcome != due.outcome)
+            Violated("outcome " + OutcomeName(judgement.outcome) + ", due was " +
                      OutcomeName(due.outcome));
         // A session whose window is closed shows no message boxes.
-        if (mEndWanted && verdict.gone && !mWindow->Flags().mblnCloseRequested) due.boxes.clear();
+        if (mEndWanted && judgement.gone && !mWindow->Flags().mblnCloseRequested) due.boxes.clear();
         const Texts told = Told(mHeadless);
         if (told == due.boxes) return;
         std::string texts = "boxes:";
@@ -333,17 +334,17 @@ private:
             if (exchange.sent == "BAUD 115200\r") limit += kSpeedChange;
         }
         if (mTap->armed) {
-            until(mArmedAt, "the final phase");
+            until(mArmedAt, "the final stage");
             limit = kVerdictLimit;
         }
         if (mWindow->Session().Outcome() != FlashOutcome::NothingAccepted) until(end, "the end");
     }
 
-    void CheckSuccess(const Verdict& verdict) {
-        if (verdict.outcome != FlashOutcome::Done) return;
+    void CheckSuccess(const Judgement& judgement) {
+        if (judgement.outcome != FlashOutcome::Done) return;
         if (!mTap->armed || mTap->afterArming.find("DONE") == std::string::npos)
-            Violated("success without DONE in the final phase");
-        if (!verdict.memoryWhole && (mPlan.compares || !LossUnseen()))
+            Violated("success without DONE in the final stage");
+        if (!judgement.memoryWhole && (mPlan.compares || !LossUnseen()))
             Violated("success without the whole image");
     }
 
@@ -369,13 +370,13 @@ private:
     Plan mPlan;
     ReportingPlatform mHeadless;
     std::shared_ptr<frmMain> mWindow =
-        std::make_shared<frmMain>(mHeadless.desktop, mHeadless.platform);
+        std::make_shared<frmMain>(mHeadless.manager, mHeadless.platform);
     std::string mSettings;
     std::optional<VirtualIndicator> mIndicator;
     std::optional<IndicatorFarEnd> mDevice;
     std::optional<FaultyLine> mLine;
     std::optional<Wiretap> mTap;
-    std::array<bool, kPhaseNames.size()> mBegun{};
+    std::array<bool, kStageNames.size()> mBegun{};
     std::vector<TimerId> mActs;
     std::int32_t mArmedAt = 0;
     bool mEndWanted = false;
@@ -393,8 +394,8 @@ std::string OutcomeName(FlashOutcome outcome) {
     return kNames.at(static_cast<std::size_t>(outcome));
 }
 
-Verdict RunSession(const Plan& plan) {
-    return Course(plan).Run();
+Judgement RunSession(const Plan& plan) {
+    return SessionRun(plan).Run();
 }
 
 }  // namespace vantor

@@ -14,8 +14,8 @@
 
 namespace vantor {
 
-/// The phases of a session. Each begins just before its first byte is sent.
-enum class Phase : std::uint8_t {
+/// The stages of a session. Each begins just before its first byte is sent.
+enum class Stage : std::uint8_t {
     Opening,
     WakeUp,
     Trav,
@@ -29,7 +29,7 @@ enum class Phase : std::uint8_t {
     Verdict,  ///< the last line is acknowledged, the status window is open
     Boot,
 };
-inline constexpr std::array<const char*, 12> kPhaseNames = {
+inline constexpr std::array<const char*, 12> kStageNames = {
     "opening",    "wake-up",     "TRAV",        "BAUD",      "reopened", "SYSLOAD",
     "first line", "middle line", "last eleven", "last line", "verdict",  "BOOT"};
 
@@ -38,12 +38,12 @@ std::string OutcomeName(FlashOutcome outcome);
 /// The user presses the abort button, or closes the window.
 struct UserAct {
     bool close = false;
-    std::uint32_t afterMs = 1;  ///< since the start of the phase; 1 or more
+    std::uint32_t afterMs = 1;  ///< since the start of the stage; 1 or more
 };
 
 struct Mishap {
-    Phase phase = Phase::Opening;
-    /// `LineFault::byte` counts from the start of the phase.
+    Stage stage = Stage::Opening;
+    /// `LineFault::byte` counts from the start of the stage.
     std::variant<LineFault, Fault, UserAct> what;
 };
 
@@ -54,7 +54,7 @@ struct Plan {
     bool compares = true;  ///< the indicator sends DONE only when its memory equals the image
 };
 
-struct Verdict {
+struct Judgement {
     FlashOutcome outcome = FlashOutcome::None;
     bool gone = false;        ///< the window was closed
     bool memoryWhole = true;  ///< the indicator holds exactly the image
@@ -63,6 +63,6 @@ struct Verdict {
 
 /// Runs `plan` on a new window. If the window is still open and no rule was broken, then runs a
 /// session without faults, which must succeed.
-Verdict RunSession(const Plan& plan);
+Judgement RunSession(const Plan& plan);
 
 }  // namespace vantor

@@ -1,4 +1,4 @@
-// The faults that the matrix test injects in every phase of a session.
+// The faults that the matrix test injects in every stage of a session.
 #pragma once
 
 #include <string>
@@ -9,9 +9,9 @@
 
 namespace vantor {
 
-/// A `LineFault` affects the first bytes of the phase. A `Fault` of the indicator is injected at
-/// the start of the phase: a line fault affects the next command or image line; a phase fault has
-/// no effect when its phase is over.
+/// A `LineFault` affects the first bytes of the stage. A `Fault` of the indicator is injected at
+/// the start of the stage: a line fault affects the next command or image line; a stage fault has
+/// no effect when its stage is over.
 struct MatrixRow {
     std::string name;
     std::variant<LineFault, Fault, UserAct> what;
@@ -21,8 +21,8 @@ struct MatrixRow {
 
 const std::vector<MatrixRow>& MatrixRows();
 
-inline Plan CellOf(const MatrixRow& row, std::size_t phase, bool compares) {
-    return {.mishaps = {{static_cast<Phase>(phase), row.what}}, .compares = compares};
+inline Plan CellOf(const MatrixRow& row, std::size_t stage, bool compares) {
+    return {.mishaps = {{static_cast<Stage>(stage), row.what}}, .compares = compares};
 }
 
 }  // namespace vantor

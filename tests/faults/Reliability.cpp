@@ -1,4 +1,4 @@
-// reliability SEED COUNT: writes the outcome of every fault in every phase and the tally of COUNT
+// reliability SEED COUNT: writes the outcome of every fault in every stage and the tally of COUNT
 // random sessions as Markdown. Stops at the first session that breaks a rule, names it, and exits
 // with status 1.
 #include <cstdlib>
@@ -24,7 +24,7 @@ constexpr const char* kIntroduction =
     "waited\n"
     "  for longer than 60 s. The wait of an image of which nothing was accepted has no end of its\n"
     "  own; closing the window ends it.\n"
-    "- Success is reported only after \"DONE\" in the final phase; an indicator that compares "
+    "- Success is reported only after \"DONE\" in the final stage; an indicator that compares "
     "then\n"
     "  holds exactly the image.\n"
     "- The port is closed, the buttons are enabled, the first panel shows, the settings are\n"
@@ -37,20 +37,20 @@ constexpr const char* kIntroduction =
 
 void Matrix() {
     std::cout
-        << "## Every fault in every phase\n\n"
-           "Columns are the phases in which the fault arises. Faults of the line strike the "
-           "first bytes of\nthe phase, those of the indicator what it answers next.\n\n| fault |";
-    for (const char* phase : kPhaseNames) std::cout << ' ' << phase << " |";
+        << "## Every fault in every stage\n\n"
+           "Columns are the stages in which the fault arises. Faults of the line strike the "
+           "first bytes of\nthe stage, those of the indicator what it answers next.\n\n| fault |";
+    for (const char* stage : kStageNames) std::cout << ' ' << stage << " |";
     std::cout << "\n|---|";
-    for (std::size_t i = 0; i < kPhaseNames.size(); ++i) std::cout << "---|";
+    for (std::size_t i = 0; i < kStageNames.size(); ++i) std::cout << "---|";
     std::cout << '\n';
     for (const MatrixRow& row : MatrixRows()) {
         std::cout << "| " << row.name << " |";
-        for (std::size_t phase = 0; phase < kPhaseNames.size(); ++phase) {
-            const Verdict verdict = RunSession(CellOf(row, phase, true));
-            if (!verdict.violation.empty())
-                Breach(row.name + ", " + kPhaseNames.at(phase), verdict.violation);
-            std::cout << ' ' << OutcomeName(verdict.outcome) << " |";
+        for (std::size_t stage = 0; stage < kStageNames.size(); ++stage) {
+            const Judgement judgement = RunSession(CellOf(row, stage, true));
+            if (!judgement.violation.empty())
+                Breach(row.name + ", " + kStageNames.at(stage), judgement.violation);
+            std::cout << ' ' << OutcomeName(judgement.outcome) << " |";
         }
         std::cout << '\n';
     }
@@ -63,14 +63,14 @@ void Walk(std::uint64_t seed, std::uint64_t count) {
     std::uint64_t undisturbed = 0;
     for (std::uint64_t number = 0; number < count; ++number) {
         const Plan plan = RandomPlan(seed, number);
-        const Verdict verdict = RunSession(plan);
-        if (!verdict.violation.empty())
+        const Judgement judgement = RunSession(plan);
+        if (!judgement.violation.empty())
             Breach("seed " + std::to_string(seed) + ", session " + std::to_string(number),
-                   verdict.violation);
-        ++tally[verdict.outcome];
-        if (verdict.gone) ++closed;
+                   judgement.violation);
+        ++tally[judgement.outcome];
+        if (judgement.gone) ++closed;
         if (plan.mishaps.empty()) ++undisturbed;
-        if (verdict.outcome == FlashOutcome::Done && !verdict.memoryWhole) ++notWhole;
+        if (judgement.outcome == FlashOutcome::Done && !judgement.memoryWhole) ++notWhole;
     }
     std::cout << "\n## Random sessions\n\nSeed " << seed << ", " << count
               << " sessions with none to five faults each, " << undisturbed

@@ -1,5 +1,5 @@
-// Headless platform with a desktop and the error handler installed, for fault sessions and unit
-// tests: errors that the code under test reports appear in the recorded message boxes.
+// Headless platform with a window manager and the error handler installed, for fault sessions and
+// unit tests: errors that the code under test reports appear in the recorded message boxes.
 #pragma once
 
 #include <array>
@@ -28,7 +28,7 @@ struct ReportingPlatform : HeadlessPlatform {
 
     CErrHandler errors{CErrHandler::Services{clock, files, folders, boxes, process}};
     ErrorSink* before = nullptr;
-    Desktop desktop{peers, pump};
+    WindowManager manager{peers, pump};
 };
 
 using Texts = std::vector<std::string>;

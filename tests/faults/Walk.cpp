@@ -54,7 +54,7 @@ Plan RandomPlan(std::uint64_t seed, std::uint64_t number) {
     Dice dice(seed, number);
     Plan plan;
     for (std::uint32_t left = dice.Roll(6); left > 0; --left) {
-        Mishap mishap{.phase = static_cast<Phase>(dice.Roll(kPhaseNames.size())), .what = {}};
+        Mishap mishap{.stage = static_cast<Stage>(dice.Roll(kStageNames.size())), .what = {}};
         const std::uint32_t kind = dice.Roll(20);
         if (kind < 10)
             mishap.what = RandomLineFault(dice);

@@ -1,4 +1,4 @@
-// Random fault plans: several faults per session, in any phase, with user aborts and closes.
+// Random fault plans: several faults per session, in any stage, with user aborts and closes.
 #pragma once
 
 #include <cstdint>

@@ -10,7 +10,7 @@ namespace {
 struct Bench {
     ReportingPlatform headless;
     std::shared_ptr<frmMain> window =
-        std::make_shared<frmMain>(headless.desktop, headless.platform);
+        std::make_shared<frmMain>(headless.manager, headless.platform);
     PromotionalPicture promotion{window->picPicture, headless.platform};
 };
 

@@ -11,7 +11,7 @@ namespace {
 struct Bench {
     ReportingPlatform headless;
     std::shared_ptr<frmAbout> window =
-        std::make_shared<frmAbout>(headless.desktop, headless.strings);
+        std::make_shared<frmAbout>(headless.manager, headless.strings);
     CFormPos position{headless.registry, headless.codePage};
     RegistryKey key = 0;
 

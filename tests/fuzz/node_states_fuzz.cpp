@@ -12,7 +12,7 @@ const FormDesign kDesign = {"frmFuzz", "", "", {}, {}};
 
 struct Bench {
     ReportingPlatform headless;
-    std::shared_ptr<Form> window = std::make_shared<Form>(headless.desktop, kDesign);
+    std::shared_ptr<Form> window = std::make_shared<Form>(headless.manager, kDesign);
     TreeView tree{*window, "tvw"};
     CTreeViewEnh states{headless.registry, headless.codePage};
     RegistryKey key = 0;

@@ -17,11 +17,11 @@
 #include <vector>
 
 #include "platform/posix/PosixClock.hpp"
+#include "platform/posix/PosixConsole.hpp"
 #include "platform/posix/PosixFolders.hpp"
 #include "platform/posix/PosixProcess.hpp"
 #include "platform/posix/PosixRegistry.hpp"
 #include "platform/posix/PosixSerialPorts.hpp"
-#include "platform/posix/PosixTerminal.hpp"
 #include "tests/TemporaryFolder.hpp"
 
 namespace vantor {

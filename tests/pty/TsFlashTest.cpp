@@ -47,9 +47,9 @@ struct Ended {
 };
 
 /// A temporary folder with an image, an m40sim process, and the command line of tsflash.
-class OverATerminal : public testing::Test {
+class TsFlashOnPty : public testing::Test {
 protected:
-    OverATerminal() {
+    TsFlashOnPty() {
         setenv("XDG_CONFIG_HOME", folder.Path().c_str(), 1);
         setenv("LC_ALL", "C.UTF-8", 1);
         WriteImage(ImageOf(40));
@@ -114,7 +114,7 @@ void PrintTo(const Row& row, std::ostream* stream) {
     *stream << row.name;
 }
 
-class StateTable : public OverATerminal, public testing::WithParamInterface<Row> {};
+class StateTable : public TsFlashOnPty, public testing::WithParamInterface<Row> {};
 
 TEST_P(StateTable, EachWayOutHasItsTextAndItsStatus) {
     const Row& row = GetParam();
@@ -145,7 +145,7 @@ INSTANTIATE_TEST_SUITE_P(
         Row{"VerifyFailed", {"--fault", "verify-failed"}, 5, 1, "", kVerify}),
     [](const auto& row) { return std::string(row.param.name); });
 
-TEST_F(OverATerminal, TheInterruptKeyAndARequestToEndAreTheAbortButtonWhileTheSessionHasOne) {
+TEST_F(TsFlashOnPty, TheInterruptKeyAndARequestToEndAreTheAbortButtonWhileTheSessionHasOne) {
     for (const int signal : {SIGINT, SIGTERM}) {
         StartIndicator({"--think", "50"});
         Child flash(Command({"--yes", "--log", transcript}));
@@ -157,7 +157,7 @@ TEST_F(OverATerminal, TheInterruptKeyAndARequestToEndAreTheAbortButtonWhileTheSe
     }
 }
 
-TEST_F(OverATerminal, AnInterruptIsAnsweredWithAReasonInTheFinalPhase) {
+TEST_F(TsFlashOnPty, AnInterruptIsAnsweredWithAReasonInTheFinalStage) {
     // With so many blank lines at the end, the abort button is still enabled at the last line sent.
     WriteImage(ImageOf(40) + std::string(15, '\n'));
     for (const int signal : {SIGINT, SIGTERM}) {
@@ -172,7 +172,7 @@ TEST_F(OverATerminal, AnInterruptIsAnsweredWithAReasonInTheFinalPhase) {
     }
 }
 
-TEST_F(OverATerminal, AConnectionThatDropsEndsNoUpdate) {
+TEST_F(TsFlashOnPty, AConnectionThatDropsEndsNoUpdate) {
     StartIndicator({"--think", "20"});
     Child flash(Command(), Child::Output::Terminal);
     ASSERT_TRUE(flash.WaitFor("Line 4 of 40"));
@@ -181,7 +181,7 @@ TEST_F(OverATerminal, AConnectionThatDropsEndsNoUpdate) {
     EXPECT_EQ(indicator->Wait(), 0);
 }
 
-TEST_F(OverATerminal, AMissingAndABusyPortAreTold) {
+TEST_F(TsFlashOnPty, AMissingAndABusyPortAreTold) {
     port = folder / "no-such-device";
     const Ended missing = Flash();
     EXPECT_EQ(missing.status, 3);
@@ -197,7 +197,7 @@ TEST_F(OverATerminal, AMissingAndABusyPortAreTold) {
     EXPECT_EQ(first.Wait(), 0);
 }
 
-TEST_F(OverATerminal, AnAdapterThatVanishesIsToldOnceAndTheNextAttemptWorksWhenItIsBack) {
+TEST_F(TsFlashOnPty, AnAdapterThatVanishesIsToldOnceAndTheNextAttemptWorksWhenItIsBack) {
     const struct {
         const char* fault;
         const char* stage;
@@ -228,7 +228,7 @@ TEST_F(OverATerminal, AnAdapterThatVanishesIsToldOnceAndTheNextAttemptWorksWhenI
     }
 }
 
-TEST_F(OverATerminal, TheWarningIsAskedOnTheTerminalAndWithoutOneItRefuses) {
+TEST_F(TsFlashOnPty, TheWarningIsAskedOnTheTerminalAndWithoutOneItRefuses) {
     StartIndicator();
     Child blind(Command({}));
     EXPECT_EQ(blind.Wait(), 2);
@@ -247,7 +247,7 @@ TEST_F(OverATerminal, TheWarningIsAskedOnTheTerminalAndWithoutOneItRefuses) {
     EXPECT_THAT(accepted.Out(), HasSubstr("[####################] 100 %  Line 40 of 40"));
 }
 
-TEST_F(OverATerminal, NoImageButTheExpectedOneIsASuccess) {
+TEST_F(TsFlashOnPty, NoImageButTheExpectedOneIsASuccess) {
     const struct {
         std::string image;
         int status;
@@ -267,7 +267,7 @@ TEST_F(OverATerminal, NoImageButTheExpectedOneIsASuccess) {
     }
 }
 
-TEST_F(OverATerminal, AnOverrideIsUsedAndNeverStored) {
+TEST_F(TsFlashOnPty, AnOverrideIsUsedAndNeverStored) {
     StartIndicator({"--baud", "9600"});
     const Ended flash = Flash({"--quiet", "-b", "9600", "--stop-bits=2", "--log", transcript});
     EXPECT_EQ(flash.status, 0);
@@ -279,7 +279,7 @@ TEST_F(OverATerminal, AnOverrideIsUsedAndNeverStored) {
     EXPECT_FALSE(std::filesystem::exists(folder / "tessmar-vantor-update"));
 }
 
-TEST_F(OverATerminal, AnAdapterThatHoldsRepliesBackIsToldAndTheTranscriptEndsWithTheCounts) {
+TEST_F(TsFlashOnPty, AnAdapterThatHoldsRepliesBackIsToldAndTheTranscriptEndsWithTheCounts) {
     StartIndicator({"--latency", "16", "--fault", "nak@7x3"});
     const Ended flash = Flash({"--log", transcript});
     EXPECT_EQ(flash.status, 0);
@@ -289,7 +289,7 @@ TEST_F(OverATerminal, AnAdapterThatHoldsRepliesBackIsToldAndTheTranscriptEndsWit
     EXPECT_THAT(Log(), HasSubstr(" -- lines 41, acknowledged 41, retries 3\n"));
 }
 
-TEST_F(OverATerminal, WhatCannotBeMeantIsRefusedBeforeThePortIsTouched) {
+TEST_F(TsFlashOnPty, WhatCannotBeMeantIsRefusedBeforeThePortIsTouched) {
     std::filesystem::create_hard_link(image, folder / "hard.txt");
     std::filesystem::create_symlink("image.run", folder / "soft.txt");
     const std::pair<std::vector<std::string>, const char*> rows[] = {
@@ -325,7 +325,7 @@ TEST_F(OverATerminal, WhatCannotBeMeantIsRefusedBeforeThePortIsTouched) {
     EXPECT_THAT(flash.err, HasSubstr("Image file not found"));
 }
 
-TEST_F(OverATerminal, PracticeNeedsNoHardwareAndRehearsesFailures) {
+TEST_F(TsFlashOnPty, PracticeNeedsNoHardwareAndRehearsesFailures) {
     const Ended whole = Flash({"--practice"});
     EXPECT_EQ(whole.status, 0);
     EXPECT_THAT(whole.out, HasSubstr(kDone));

@@ -27,7 +27,7 @@ protected:
 
     ReportingPlatform headless;  // a screen of 28800 by 16200 twips
     std::shared_ptr<frmAbout> window =
-        std::make_shared<frmAbout>(headless.desktop, headless.strings);
+        std::make_shared<frmAbout>(headless.manager, headless.strings);
     CFormPos position{headless.registry, headless.codePage};
 };
 

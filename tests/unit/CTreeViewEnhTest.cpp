@@ -34,7 +34,7 @@ protected:
     }
 
     ReportingPlatform platform;
-    std::shared_ptr<Form> window = std::make_shared<Form>(platform.desktop, kDesign);
+    std::shared_ptr<Form> window = std::make_shared<Form>(platform.manager, kDesign);
     TreeView tree{*window, "tvw"};
     NotedRegistry registry;
     CTreeViewEnh states{registry, platform.codePage};

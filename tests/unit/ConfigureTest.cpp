@@ -49,7 +49,7 @@ protected:
     ReportingPlatform mPlatform;
     Wire mWire;
     std::shared_ptr<frmMain> mMain =
-        std::make_shared<frmMain>(mPlatform.desktop, mPlatform.platform);
+        std::make_shared<frmMain>(mPlatform.manager, mPlatform.platform);
 };
 
 TEST_F(ConfigureTest, OpensOnTheSerialPageWithWhatIsSet) {

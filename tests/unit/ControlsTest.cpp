@@ -21,7 +21,7 @@ const FormDesign kRowMissing = {"frmTest", "", "", {}, std::span(kRows).first(2)
 class Window : public Form {
 public:
     explicit Window(ReportingPlatform& platform, const FormDesign& design = kDesign)
-        : Form(platform.desktop, design),
+        : Form(platform.manager, design),
           tmr(*this, "tmr", platform.pump, 10),
           comm(*this, "comm", platform.ports) {}
 
@@ -38,7 +38,7 @@ protected:
 
 TEST_F(ControlsTest, ADesignAndAClassThatDoNotFitAreAnInternalError) {
     const auto rowMissing = std::make_shared<Window>(mPlatform, kRowMissing);
-    const auto controlMissing = std::make_shared<Form>(mPlatform.desktop, kDesign);
+    const auto controlMissing = std::make_shared<Form>(mPlatform.manager, kDesign);
     EXPECT_EQ(Raised([&] { rowMissing->Load(); }).Number(), 51);
     EXPECT_EQ(Raised([&] { controlMissing->Load(); }).Number(), 51);
 }
@@ -51,10 +51,10 @@ TEST_F(ControlsTest, AWindowThatFailsToLoadLeavesNothingOpen) {
     static constexpr FormDesign kEmpty = {"frmFailing", "", "", {}, {}};
     for (const bool refused : {false, true}) {
         mPlatform.peers.refuse = refused;
-        const auto window = std::make_shared<Failing>(mPlatform.desktop, kEmpty);
+        const auto window = std::make_shared<Failing>(mPlatform.manager, kEmpty);
         EXPECT_EQ(Raised([&] { window->Load(); }).Number(), refused ? 7 : 61);
         EXPECT_TRUE(window->Gone());
-        EXPECT_TRUE(mPlatform.desktop.OpenForms().empty() && mPlatform.peers.open.empty());
+        EXPECT_TRUE(mPlatform.manager.OpenForms().empty() && mPlatform.peers.open.empty());
     }
 }
 
@@ -63,7 +63,7 @@ TEST_F(ControlsTest, AWindowUnloadedByItsOwnHandlerLivesUntilTheHandlerReturns) 
     CommandButton& button = mWindow->cmdGo;
     mWindow->Load();
     bool lived = false;
-    button.Click.Handle([this, &lived, watched] {
+    button.Click.Connect([this, &lived, watched] {
         mWindow->Unload();
         mWindow.reset();
         lived = !watched.expired() && watched.lock()->Gone();
@@ -76,7 +76,7 @@ TEST_F(ControlsTest, AWindowUnloadedByItsOwnHandlerLivesUntilTheHandlerReturns) 
 TEST_F(ControlsTest, AnEventIsNotRaisedWithinItsOwnHandler) {
     int clicks = 0;
     CommandButton& button = mWindow->cmdGo;
-    button.Click.Handle([&] {
+    button.Click.Connect([&] {
         ++clicks;
         button.Press();
         throw std::runtime_error("fails");
@@ -85,7 +85,7 @@ TEST_F(ControlsTest, AnEventIsNotRaisedWithinItsOwnHandler) {
         EXPECT_THROW(button.Press(), std::runtime_error) << "closed behind a failed handler";
         EXPECT_EQ(clicks, press);
     }
-    button.Click.Handle([&clicks] { ++clicks; });
+    button.Click.Connect([&clicks] { ++clicks; });
     button.Press();
     button.Press();
     EXPECT_EQ(clicks, 4) << "the event stayed closed behind its handler";
@@ -96,7 +96,7 @@ TEST_F(ControlsTest, AnEventIsNotRaisedWithinItsOwnHandler) {
 
 TEST_F(ControlsTest, ATimerTicksAtItsIntervalOnlyWhileEnabled) {
     int ticks = 0;
-    mWindow->tmr.Tick.Handle([&ticks] { ++ticks; });
+    mWindow->tmr.Tick.Connect([&ticks] { ++ticks; });
     const auto ticksAfter = [this, &ticks](int pumps) {
         for (int i = 0; i < pumps; ++i) mPlatform.pump.PumpPending();
         return ticks;
@@ -188,7 +188,7 @@ TEST_F(SerialControlTest, BytesThatTheDriverDoesNotTakeAtOnceKeepTheirOrder) {
 TEST_F(SerialControlTest, TheThresholdIsCheckedAtOnceAndAtEachPump) {
     mComm.OpenPort();
     Texts heard;
-    mComm.Receive.Handle([&] { heard.push_back(mComm.Input()); });
+    mComm.Receive.Connect([&] { heard.push_back(mComm.Input()); });
     const auto pump = [this](const char* sent) {
         mWire.sent = sent;
         mPlatform.pump.PumpPending();

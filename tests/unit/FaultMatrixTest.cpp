@@ -1,4 +1,4 @@
-// Every fault in every phase of a session, and a random combination of several. The checks are in
+// Every fault in every stage of a session, and a random combination of several. The checks are in
 // FaultySession: the report matches the received bytes, the limits hold, success means success, and
 // the window remains usable.
 #include <gtest/gtest.h>
@@ -76,35 +76,35 @@ TEST(FaultyLine, AnUnpluggedDeviceIsGoneForBothEndsAndACloseLosesNothingOnTheWay
 // Detects a check that accepts everything.
 TEST(FaultMatrix, SomeCellsAreKnownBeforehand) {
     using enum FlashOutcome;
-    const auto outcome = [](Phase phase, const std::variant<LineFault, Fault, UserAct>& what) {
-        return RunSession({.mishaps = {{phase, what}}}).outcome;
+    const auto outcome = [](Stage stage, const std::variant<LineFault, Fault, UserAct>& what) {
+        return RunSession({.mishaps = {{stage, what}}}).outcome;
     };
     const LineFault unplug{LineFaultKind::Unplug};
-    EXPECT_EQ(outcome(Phase::Opening, unplug), PortNotOpen);
-    EXPECT_EQ(outcome(Phase::Trav, unplug), NotInBootMonitor);
-    EXPECT_EQ(outcome(Phase::Reopened, unplug), SystemLoadRefused);
-    EXPECT_EQ(outcome(Phase::MiddleLine, unplug), LineRefused);
-    EXPECT_EQ(outcome(Phase::Verdict, unplug), NoVerdict);
-    EXPECT_EQ(outcome(Phase::Boot, unplug), Done);
-    EXPECT_EQ(outcome(Phase::FirstLine, ParseFault("done@0x1000")), NothingAccepted);
-    EXPECT_EQ(outcome(Phase::MiddleLine, LineFault{LineFaultKind::Garble, Direction::ToDevice, 1}),
+    EXPECT_EQ(outcome(Stage::Opening, unplug), PortNotOpen);
+    EXPECT_EQ(outcome(Stage::Trav, unplug), NotInBootMonitor);
+    EXPECT_EQ(outcome(Stage::Reopened, unplug), SystemLoadRefused);
+    EXPECT_EQ(outcome(Stage::MiddleLine, unplug), LineRefused);
+    EXPECT_EQ(outcome(Stage::Verdict, unplug), NoVerdict);
+    EXPECT_EQ(outcome(Stage::Boot, unplug), Done);
+    EXPECT_EQ(outcome(Stage::FirstLine, ParseFault("done@0x1000")), NothingAccepted);
+    EXPECT_EQ(outcome(Stage::MiddleLine, LineFault{LineFaultKind::Garble, Direction::ToDevice, 1}),
               VerifyFailed);
-    EXPECT_EQ(outcome(Phase::MiddleLine, UserAct{}), Aborted);
+    EXPECT_EQ(outcome(Stage::MiddleLine, UserAct{}), Aborted);
 }
 
 class FaultMatrixRows : public testing::TestWithParam<std::size_t> {};
 
-TEST_P(FaultMatrixRows, InAnyPhaseEndsAsTheBytesSayAndLeavesTheWindowReady) {
+TEST_P(FaultMatrixRows, InAnyStageEndsAsTheBytesSayAndLeavesTheWindowReady) {
     const MatrixRow& row = MatrixRows().at(GetParam());
-    for (std::size_t phase = 0; phase < kPhaseNames.size(); ++phase)
+    for (std::size_t stage = 0; stage < kStageNames.size(); ++stage)
         for (const bool compares : {true, false}) {
-            const Verdict verdict = RunSession(CellOf(row, phase, compares));
-            EXPECT_EQ(verdict.violation, "")
-                << row.name << ", " << kPhaseNames.at(phase) << ", compares " << compares;
+            const Judgement judgement = RunSession(CellOf(row, stage, compares));
+            EXPECT_EQ(judgement.violation, "")
+                << row.name << ", " << kStageNames.at(stage) << ", compares " << compares;
             // A single fault never loses a line that was acknowledged.
-            EXPECT_TRUE(verdict.outcome != FlashOutcome::Done || verdict.memoryWhole ||
+            EXPECT_TRUE(judgement.outcome != FlashOutcome::Done || judgement.memoryWhole ||
                         (row.unseen && !compares))
-                << row.name << ", " << kPhaseNames.at(phase);
+                << row.name << ", " << kStageNames.at(stage);
         }
 }
 
@@ -115,9 +115,9 @@ TEST(FaultWalk, TwoThousandSessionsHoldWhateverStrikesThem) {
     constexpr std::uint64_t kSeed = 20261125;
     std::set<FlashOutcome> seen;
     for (std::uint64_t number = 0; number < 2000; ++number) {
-        const Verdict verdict = RunSession(RandomPlan(kSeed, number));
-        ASSERT_EQ(verdict.violation, "") << "seed " << kSeed << ", session " << number;
-        seen.insert(verdict.outcome);
+        const Judgement judgement = RunSession(RandomPlan(kSeed, number));
+        ASSERT_EQ(judgement.violation, "") << "seed " << kSeed << ", session " << number;
+        seen.insert(judgement.outcome);
     }
     EXPECT_GE(seen.size(), 8u) << "of the nine ends that a session can have";
 }

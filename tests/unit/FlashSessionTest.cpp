@@ -20,7 +20,7 @@ using testing::IsEmpty;
 
 using enum FlashOutcome;
 
-struct Course {
+struct SessionCase {
     const char* name;
     std::vector<std::string> faults;
     const char* box;
@@ -30,32 +30,33 @@ struct Course {
     std::int32_t mostMs;
 };
 
-class Courses : public SessionFixture, public testing::WithParamInterface<Course> {};
+class SessionCases : public SessionFixture, public testing::WithParamInterface<SessionCase> {};
 
-TEST_P(Courses, EndWithTheirOwnReportAndLeaveTheWindowReady) {
-    const Course& course = GetParam();
+TEST_P(SessionCases, EndWithTheirOwnReportAndLeaveTheWindowReady) {
+    const SessionCase& sessionCase = GetParam();
     const std::string image = ImageOf(30);
-    Connect(image, course.faults);
+    Connect(image, sessionCase.faults);
     const std::int32_t start = headless.clock.Ticks();
     Flash();
     const std::int32_t took = headless.clock.Ticks() - start;
 
-    EXPECT_THAT(Boxes(), ElementsAre(course.box));
-    EXPECT_EQ(window->Session().Outcome(), course.outcome);
-    EXPECT_EQ(MemoryIs(image), course.memoryWhole);
-    EXPECT_EQ(indicator->Booted(), course.outcome == Done);
+    EXPECT_THAT(Boxes(), ElementsAre(sessionCase.box));
+    EXPECT_EQ(window->Session().Outcome(), sessionCase.outcome);
+    EXPECT_EQ(MemoryIs(image), sessionCase.memoryWhole);
+    EXPECT_EQ(indicator->Booted(), sessionCase.outcome == Done);
     EXPECT_THAT(indicator->Violations(), IsEmpty());
-    EXPECT_TRUE(course.leastMs <= took && took <= course.mostMs) << took;
+    EXPECT_TRUE(sessionCase.leastMs <= took && took <= sessionCase.mostMs) << took;
 }
 
 INSTANTIATE_TEST_SUITE_P(
-    FlashSession, Courses,
+    FlashSession, SessionCases,
     testing::Values(
-        Course{"Clean", {}, kDone, Done, true, 5000, 9000},
-        Course{"NoReply", {"no-trav=silent"}, kNoMonitor, NotInBootMonitor, false, 20000, 20100},
-        Course{"SilentFourTimes", {"silent@7x4"}, kFailure, LineRefused, false, 84000, 85000},
-        Course{"LateButInTime", {"late=19000@7"}, kDone, Done, true, 24000, 30000},
-        Course{"NoVerdict", {"no-verdict"}, kFailure, NoVerdict, true, 64000, 66000}),
+        SessionCase{"Clean", {}, kDone, Done, true, 5000, 9000},
+        SessionCase{
+            "NoReply", {"no-trav=silent"}, kNoMonitor, NotInBootMonitor, false, 20000, 20100},
+        SessionCase{"SilentFourTimes", {"silent@7x4"}, kFailure, LineRefused, false, 84000, 85000},
+        SessionCase{"LateButInTime", {"late=19000@7"}, kDone, Done, true, 24000, 30000},
+        SessionCase{"NoVerdict", {"no-verdict"}, kFailure, NoVerdict, true, 64000, 66000}),
     [](const auto& row) { return std::string(row.param.name); });
 
 // --- progress display ------------------------------------------------------------------------
@@ -122,7 +123,7 @@ TEST_F(SessionFixture, AnAbortDuringTheHandshakeShowsTheCommandsOwnMessageTooAnd
     EXPECT_LT(headless.clock.Ticks() - start, 600);
 }
 
-// --- the final phase -------------------------------------------------------------------------
+// --- the final stage -------------------------------------------------------------------------
 
 TEST_F(SessionFixture, AFinalPhaseThatCannotBeArmedIsReportedAndEndsTheSession) {
     for (bool* const refuse : {&headless.peers.refuse, &headless.pump.refuse}) {

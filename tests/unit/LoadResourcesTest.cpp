@@ -12,7 +12,7 @@ namespace {
 TEST(LoadResources, TheMainWindowIsTranslatedWithItsMenusItsArraysAndItsToolTip) {
     for (const Language language : {Language::English, Language::Spanish}) {
         ReportingPlatform platform(language);
-        const auto window = std::make_shared<frmMain>(platform.desktop, platform.platform);
+        const auto window = std::make_shared<frmMain>(platform.manager, platform.platform);
         window->Load();
         EXPECT_EQ(Told(platform), Texts{});
         EXPECT_EQ(window->Caption() + "|" + window->lblLabels[3].Caption(),
@@ -40,7 +40,7 @@ public:
     };
 
     Annotated(ReportingPlatform& platform, const Design& design)
-        : Form(platform.desktop, mDesign),
+        : Form(platform.manager, mDesign),
           mRows{ControlDesign{ControlKind::MenuItem, "mnu", -1, "", {}, design.menu, ""},
                 ControlDesign{ControlKind::Label, "lbl", -1, "", {}, "label", design.labelTag},
                 ControlDesign{ControlKind::PictureBox, "pic", -1, "", {}, "pic", design.pictureTag},

@@ -32,7 +32,7 @@ protected:
     /// Opens another monitor window from the menu.
     std::shared_ptr<frmMonitor> Open() {
         mMain->mnuToolsMonitor.Press();
-        return std::dynamic_pointer_cast<frmMonitor>(mPlatform.desktop.OpenForms().back());
+        return std::dynamic_pointer_cast<frmMonitor>(mPlatform.manager.OpenForms().back());
     }
     std::string Panels() const {
         std::string text;
@@ -43,7 +43,7 @@ protected:
     /// The progress window opened last.
     std::shared_ptr<frmSend> Progress() {
         std::shared_ptr<frmSend> found;
-        for (const auto& form : mPlatform.desktop.OpenForms())
+        for (const auto& form : mPlatform.manager.OpenForms())
             if (auto send = std::dynamic_pointer_cast<frmSend>(form)) found = send;
         return found;
     }
@@ -69,7 +69,7 @@ protected:
     Wire mWire;
     std::vector<std::uint32_t> mSentAt;
     std::shared_ptr<frmMain> mMain =
-        std::make_shared<frmMain>(mPlatform.desktop, mPlatform.platform);
+        std::make_shared<frmMain>(mPlatform.manager, mPlatform.platform);
     std::shared_ptr<frmMonitor> mMonitor;
     Texts mStatus;
 };

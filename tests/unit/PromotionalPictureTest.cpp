@@ -84,7 +84,7 @@ protected:
         mPlatform.files.Add(kCache + name, bytes);
     }
     PictureBox& Shown() {
-        mWindow = std::make_shared<frmMain>(mPlatform.desktop, mPlatform.platform);
+        mWindow = std::make_shared<frmMain>(mPlatform.manager, mPlatform.platform);
         mWindow->Load();
         return mWindow->picPicture;
     }

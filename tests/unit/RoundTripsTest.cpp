@@ -66,7 +66,7 @@ INSTANTIATE_TEST_SUITE_P(
 // --- the program -------------------------------------------------------------------------------
 
 /// No keyboard, no screen. Presses the interrupt key when the output shows 50 %.
-struct PipedTerminal : Terminal {
+struct PipedConsole : Console {
     bool InputIsTerminal() const override { return false; }
     bool OutputIsTerminal() const override { return false; }
     unsigned Columns() const override { return 80; }
@@ -93,7 +93,7 @@ struct Adapter : IndicatorFarEnd {
     LatencyTimer timer;
 };
 
-struct Course {
+struct LineCase {
     const char* name = "";
     Micros latency = 0;
     const char* fault = "";
@@ -107,11 +107,11 @@ struct Course {
 /// Runs tsflash on virtual time with `arguments` for the image "m40.run" behind COM1. Returns its
 /// exit status, its standard error and requests to the system, and its duration.
 std::tuple<ExitStatus, std::string, std::uint32_t> Flash(
-    const Course& course, std::vector<std::string> arguments,
+    const LineCase& lineCase, std::vector<std::string> arguments,
     std::unique_ptr<StringTable> strings = std::make_unique<CompiledStrings>(Language::English)) {
     IndicatorOptions options;
     options.paced = true;
-    options.faults = {ParseFault(course.fault)};
+    options.faults = {ParseFault(lineCase.fault)};
     options.expected = FlashMemory::FromRecords(ImageOf(40));
     VirtualIndicator indicator(std::move(options));
     NativePlatform native;
@@ -121,7 +121,7 @@ std::tuple<ExitStatus, std::string, std::uint32_t> Flash(
     auto clock = std::make_unique<HeadlessClock>();
     auto pump = std::make_unique<HeadlessPump>(*clock);
     auto ports = std::make_unique<HeadlessSerialPorts>(*pump);
-    Adapter adapter(indicator, *clock, course.latency);
+    Adapter adapter(indicator, *clock, lineCase.latency);
     ports->Plug("COM1", adapter);
     native.clock = std::move(clock);
     native.pump = std::move(pump);
@@ -134,9 +134,9 @@ std::tuple<ExitStatus, std::string, std::uint32_t> Flash(
     native.codePage = std::make_unique<CodePage1252>();
     native.versions = std::make_unique<VersionResources>(*native.files);
     native.strings = std::move(strings);
-    auto terminal = std::make_unique<PipedTerminal>();
-    const PipedTerminal& shown = *terminal;
-    native.terminal = std::move(terminal);
+    auto console = std::make_unique<PipedConsole>();
+    const PipedConsole& shown = *console;
+    native.console = std::move(console);
     const std::uint32_t start = native.clock->Milliseconds();
     const ExitStatus status = RunTsFlash(native);
     return {status, shown.errors, native.clock->Milliseconds() - start};
@@ -159,45 +159,46 @@ TEST(TsFlash, AnErrorInMidStreamIsToldByTheErrorHandlerAndIsNoneOfUsage) {
               "held: \n");
 }
 
-class Transcripts : public testing::TestWithParam<Course> {};
+class Transcripts : public testing::TestWithParam<LineCase> {};
 
 TEST_P(Transcripts, EndWithASummaryHoweverTheSessionEnds) {
-    const Course& course = GetParam();
+    const LineCase& lineCase = GetParam();
     const TemporaryFolder folder;
     std::vector<std::string> arguments = {"--yes", "--log", folder / "log.txt", "m40.run"};
     // --quiet does not suppress the hint. The abort at 50 % needs the progress output.
-    if (course.status != ExitStatus::Aborted) arguments.emplace_back("--quiet");
-    const auto [status, errors, tookMs] = Flash(course, arguments);
-    EXPECT_EQ(status, course.status);
+    if (lineCase.status != ExitStatus::Aborted) arguments.emplace_back("--quiet");
+    const auto [status, errors, tookMs] = Flash(lineCase, arguments);
+    EXPECT_EQ(status, lineCase.status);
     const std::size_t hint = errors.find("The replies arrive ");
-    EXPECT_EQ(hint == std::string::npos ? "" : errors.substr(hint + 19, 5), course.lateness);
+    EXPECT_EQ(hint == std::string::npos ? "" : errors.substr(hint + 19, 5), lineCase.lateness);
 
     std::stringstream log;
     log << std::ifstream(folder / "log.txt").rdbuf();
     const std::string total = std::to_string(tookMs);
     const std::string mark = "\n" + std::string(8 - total.size(), ' ') + total + " -- ";
-    EXPECT_THAT(log.str(), EndsWith(mark + "closed" + mark + "lines " + course.lines + mark +
-                                    "round trip" + course.replies + mark + "wire time both ways " +
-                                    course.wire + ", total time " + total + " ms\n"));
+    EXPECT_THAT(log.str(),
+                EndsWith(mark + "closed" + mark + "lines " + lineCase.lines + mark + "round trip" +
+                         lineCase.replies + mark + "wire time both ways " + lineCase.wire +
+                         ", total time " + total + " ms\n"));
 }
 
 INSTANTIATE_TEST_SUITE_P(
     TsFlash, Transcripts,
     testing::Values(
-        Course{"Held", 16000, "nak@7x3", ExitStatus::Done, "16 ms",
-               "41, acknowledged 41, retries 3", " median 18 ms, maximum 18 ms, replies 44",
-               "89 ms"},
-        Course{"Silent", 0, "silent@7", ExitStatus::Done, "", "41, acknowledged 41, retries 1",
-               " median 2 ms, maximum 2 ms, replies 41", "85 ms"},
-        Course{"Verdict", 0, "done@7", ExitStatus::Done, "", "41, acknowledged 40, retries 0",
-               " median 2 ms, maximum 2 ms, replies 41", "84 ms"},
-        Course{"Refused", 0, "nak@7x4", ExitStatus::UpdateFailure, "",
-               "8, acknowledged 7, retries 3", " median 2 ms, maximum 2 ms, replies 11", "29 ms"},
-        Course{"Interrupted", 0, "late=40@7", ExitStatus::Aborted, "",
-               "21, acknowledged 20, retries 0", " median 2 ms, maximum 42 ms, replies 20",
-               "47 ms"},
-        Course{"NotReady", 0, "no-trav", ExitStatus::NotReady, "", "0, acknowledged 0, retries 0",
-               ": no replies", "3 ms"}),
+        LineCase{"Held", 16000, "nak@7x3", ExitStatus::Done, "16 ms",
+                 "41, acknowledged 41, retries 3", " median 18 ms, maximum 18 ms, replies 44",
+                 "89 ms"},
+        LineCase{"Silent", 0, "silent@7", ExitStatus::Done, "", "41, acknowledged 41, retries 1",
+                 " median 2 ms, maximum 2 ms, replies 41", "85 ms"},
+        LineCase{"Verdict", 0, "done@7", ExitStatus::Done, "", "41, acknowledged 40, retries 0",
+                 " median 2 ms, maximum 2 ms, replies 41", "84 ms"},
+        LineCase{"Refused", 0, "nak@7x4", ExitStatus::UpdateFailure, "",
+                 "8, acknowledged 7, retries 3", " median 2 ms, maximum 2 ms, replies 11", "29 ms"},
+        LineCase{"Interrupted", 0, "late=40@7", ExitStatus::Aborted, "",
+                 "21, acknowledged 20, retries 0", " median 2 ms, maximum 42 ms, replies 20",
+                 "47 ms"},
+        LineCase{"NotReady", 0, "no-trav", ExitStatus::NotReady, "", "0, acknowledged 0, retries 0",
+                 ": no replies", "3 ms"}),
     [](const auto& row) { return std::string(row.param.name); });
 
 }  // namespace

@@ -87,7 +87,7 @@ protected:
 
     ReportingPlatform headless;
     std::shared_ptr<frmMain> window =
-        std::make_shared<frmMain>(headless.desktop, headless.platform);
+        std::make_shared<frmMain>(headless.manager, headless.platform);
     std::optional<VirtualIndicator> indicator;
     std::optional<SpiedFarEnd> farEnd;
 };

@@ -61,7 +61,7 @@ TEST(Versions, TheReportTellsOnlyTheFileVersionInTheLanguageThatIsNamed) {
     platform.files.Add("/opt/vantor/caldoredit.exe", Program({version}, "0C0A04E4"));
     platform.files.Add("/opt/vantor/pellin.exe",
                        Program({VersionText("ProductVersion", "9")}, "040904B0"));
-    const auto window = std::make_shared<frmMain>(platform.desktop, platform.platform);
+    const auto window = std::make_shared<frmMain>(platform.manager, platform.platform);
     window->Load();
     window->mnuToolsCurrentVersions.Press();
     EXPECT_EQ(Told(platform),

@@ -129,15 +129,15 @@ TEST_F(StartupTest, BoxesOfTheErrorHandlerAndTheClassesBelongToTheWindowInUse) {
         BoxedSetup("d", [] { throw RuntimeError(6); });
     };
     boxes();
-    const auto status = std::make_shared<frmStatus>(window.GetDesktop(), mPlatform.strings);
+    const auto status = std::make_shared<frmStatus>(window.Manager(), mPlatform.strings);
     status->Show();
-    const NativeWindow inFront = status->Handle();
+    const NativeWindow inFront = status->WindowHandle();
     boxes();
     status->Unload();
     boxes();
     std::vector<NativeWindow> owners;
     for (const MessageBoxRequest& box : mPlatform.boxes.shown) owners.push_back(box.owner);
-    const NativeWindow main = window.Handle();
+    const NativeWindow main = window.WindowHandle();
     EXPECT_NE(main, 0u);
     EXPECT_EQ(owners, (std::vector<NativeWindow>{main, main, main, inFront, inFront, inFront, main,
                                                  main, main}));
@@ -147,7 +147,7 @@ TEST_F(StartupTest, ClosingTheMainWindowEndsTheProgramAndCleansUp) {
     mPlatform.files.Add(kUpdates, "x");
     mStartup.Main();
     const auto other =
-        std::make_shared<frmStatus>(mStartup.MainWindow()->GetDesktop(), mPlatform.strings);
+        std::make_shared<frmStatus>(mStartup.MainWindow()->Manager(), mPlatform.strings);
     other->Load();
     mPlatform.pump.StartTimer(5, [this] { mStartup.MainWindow()->mnuFileExit.Press(); });
     mPlatform.pump.StartTimer(10000, [this] { mPlatform.pump.Quit(); });

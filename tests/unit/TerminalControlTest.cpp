@@ -16,7 +16,7 @@ const FormDesign kDesign = {"frmTest", "", "", {}, kRows};
 class Window : public Form {
 public:
     explicit Window(ReportingPlatform& platform)
-        : Form(platform.desktop, kDesign), com(*this, "com", platform.platform) {}
+        : Form(platform.manager, kDesign), com(*this, "com", platform.platform) {}
     TerminalControl com;
 };
 
@@ -123,7 +123,7 @@ TEST_F(TerminalControlTest, AWindowClosedBehindTheReportOfAFailedCaptureIsNotTou
 TEST_F(TerminalControlTest, TheOwnerMayHandleACommandOfTheMenu) {
     std::vector<TerminalCommand> raised;
     bool handle = true;
-    mCom.Command.Handle([&](TerminalCommand command, bool& handled) {
+    mCom.Command.Connect([&](TerminalCommand command, bool& handled) {
         raised.push_back(command);
         handled = handle;
     });
@@ -134,7 +134,7 @@ TEST_F(TerminalControlTest, TheOwnerMayHandleACommandOfTheMenu) {
     EXPECT_FALSE(mCom.PortOpen());
     EXPECT_EQ(raised.size(), 2u);
     mCom.PerformCommand(TerminalCommand::Open);
-    mCom.Command.Handle([this](TerminalCommand, bool& handled) {
+    mCom.Command.Connect([this](TerminalCommand, bool& handled) {
         handled = true;
         mCom.Invoke(TerminalCommand::Close);
     });

@@ -89,24 +89,24 @@ protected:
 
 struct WindowKind {
     const char* name;
-    std::shared_ptr<Form> (*make)(Desktop&, Platform&);
+    std::shared_ptr<Form> (*make)(WindowManager&, Platform&);
 };
 
 template <class Window>
-std::shared_ptr<Form> Make(Desktop& desktop, Platform& platform) {
-    if constexpr (std::is_constructible_v<Window, Desktop&, Platform&>)
-        return std::make_shared<Window>(desktop, platform);
+std::shared_ptr<Form> Make(WindowManager& manager, Platform& platform) {
+    if constexpr (std::is_constructible_v<Window, WindowManager&, Platform&>)
+        return std::make_shared<Window>(manager, platform);
     else
-        return std::make_shared<Window>(desktop, platform.strings);
+        return std::make_shared<Window>(manager, platform.strings);
 }
 
-std::shared_ptr<Form> MakeMonitor(Desktop& desktop, Platform& platform) {
+std::shared_ptr<Form> MakeMonitor(WindowManager& manager, Platform& platform) {
     struct : MonitorOwner {
         bool CloseIsWaiting() const override { return false; }
         void ResumeClose() override {}
         bool FlashIsRunning() const override { return false; }
     } static nobody;
-    return std::make_shared<frmMonitor>(desktop, platform, nobody);
+    return std::make_shared<frmMonitor>(manager, platform, nobody);
 }
 
 struct AMonitor {
@@ -116,15 +116,15 @@ struct AMonitor {
 /// The dialog of a terminal that is never shown.
 class PortSettings : AMonitor, public frmPortSettings {
 public:
-    PortSettings(Desktop& desktop, Platform& platform)
-        : AMonitor{MakeMonitor(desktop, platform)},
-          frmPortSettings(desktop, platform, dynamic_cast<frmMonitor&>(*monitor).comMonitor) {}
+    PortSettings(WindowManager& manager, Platform& platform)
+        : AMonitor{MakeMonitor(manager, platform)},
+          frmPortSettings(manager, platform, dynamic_cast<frmMonitor&>(*monitor).comMonitor) {}
 };
 
 class Options : public frmConfigure, OptionsOwner {
 public:
-    Options(Desktop& desktop, Platform& platform)
-        : frmConfigure(desktop, platform),
+    Options(WindowManager& manager, Platform& platform)
+        : frmConfigure(manager, platform),
           mSettings(platform.registry, platform.codePage, platform.files) {}
 
 private:
@@ -141,7 +141,7 @@ class PeersOfAWindow : public RealPeers, public testing::WithParamInterface<Wind
 protected:
     /// Opens the window, lets it be painted, and closes it like a user.
     void OpenAndClose() {
-        const auto form = GetParam().make(platform.desktop, platform.real);
+        const auto form = GetParam().make(platform.manager, platform.real);
         form->Show();
         // WM_TIMER is delivered only when there is nothing left to paint.
         const TimerId timer =
@@ -179,7 +179,7 @@ std::wstring ReadAloud(HWND window) {
 }
 
 TEST_P(PeersOfAWindow, HaveANameToReadAloudForEachControlThatTheKeyboardReaches) {
-    const auto form = GetParam().make(platform.desktop, platform.real);
+    const auto form = GetParam().make(platform.manager, platform.real);
     form->Show();
     std::vector<HWND> children;
     const auto collect = [](HWND child, LPARAM list) -> BOOL {
@@ -233,7 +233,7 @@ protected:
         EXPECT_EQ(window->picSelection.PrintedTexts().at(0).text, "Communications");
     }
 
-    std::shared_ptr<Options> window = std::make_shared<Options>(platform.desktop, platform.real);
+    std::shared_ptr<Options> window = std::make_shared<Options>(platform.manager, platform.real);
     HWND tree = nullptr;
     HTREEITEM heading = nullptr;
 };
@@ -279,7 +279,7 @@ protected:
     }
 
     static constexpr const char* kPath = "/home/tech/Documents/m40.run";
-    std::shared_ptr<frmMain> window = std::make_shared<frmMain>(platform.desktop, platform.real);
+    std::shared_ptr<frmMain> window = std::make_shared<frmMain>(platform.manager, platform.real);
     std::optional<VirtualIndicator> indicator;
     std::optional<IndicatorFarEnd> farEnd;
 };
@@ -328,7 +328,7 @@ protected:
         return count;
     }
 
-    std::shared_ptr<frmMain> window = std::make_shared<frmMain>(platform.desktop, platform.real);
+    std::shared_ptr<frmMain> window = std::make_shared<frmMain>(platform.manager, platform.real);
 };
 
 TEST_F(PeersOfTheMainWindow, ThePictureIsClickedAsAButtonIs) {
@@ -406,7 +406,7 @@ TEST_F(PeersOfTheMainWindow, ADialogOfAMinimisedWindowOpensWhereThatWindowWasAnd
         window->Place(place);
         window->State(WindowState::Minimised);
         EXPECT_TRUE(IsIconic(WindowOf(*window)));
-        const auto dialog = std::make_shared<frmStatus>(platform.desktop, platform.strings);
+        const auto dialog = std::make_shared<frmStatus>(platform.manager, platform.strings);
         dialog->Load();
         dialog->CenterOn(*window);
         const Place& at = dialog->Place();
@@ -434,8 +434,8 @@ TEST_F(PeersOfTheMainWindow, AWindowThatReopensMaximisedIsRestoredToItsDesignSiz
 TEST_F(PeersOfTheMainWindow, AnErrorInWhatTheSystemCallsIsReportedAndGoesNoFurther) {
     window->Show();
     const auto fail = [] { throw RuntimeError(ErrorNumber::Overflow); };
-    window->cmdFlash.Click.Handle(fail);
-    window->picPicture.Click.Handle(fail);
+    window->cmdFlash.Click.Connect(fail);
+    window->picPicture.Click.Connect(fail);
     SendMessageW(ChildOf(*window, "cmdFlash"), BM_CLICK, 0, 0);
     SendMessageW(ChildOf(*window, "picPicture"), WM_KEYDOWN, VK_SPACE, 0);
     const TimerId timer = platform.queue.StartTimer(10, fail);
@@ -449,7 +449,7 @@ TEST_F(PeersOfTheMainWindow, AnErrorInWhatTheSystemCallsIsReportedAndGoesNoFurth
 TEST_F(PeersOfTheMainWindow, AButtonWhoseHandlerClosesTheWindowIsNotLookedAtAnyMore) {
     window->Show();
     std::vector<std::string> others;
-    window->cmdFlash.Click.Handle([&] {
+    window->cmdFlash.Click.Connect([&] {
         window->Unload();
         // Reuses freed memory, so that a use-after-free ends the test.
         for (int i = 0; i < 1000; ++i) others.emplace_back(sizeof(Win32ChildControl) - 1, '\xff');
@@ -460,17 +460,17 @@ TEST_F(PeersOfTheMainWindow, AButtonWhoseHandlerClosesTheWindowIsNotLookedAtAnyM
 
 TEST_F(PeersOfTheMainWindow, AChildThatCannotBeMadeIsAnErrorInTheWordsOfTheSystem) {
     window->Load();
-    Win32Stage stage;
+    Win32Context context;
     const HWND nowhere = reinterpret_cast<HWND>(INT_PTR{0x7ffe});
     const RuntimeError error = Raised([&] {
-        Win32ChildControl(stage, window->lblStatus, window->Design().controls.back(), nowhere, 1);
+        Win32ChildControl(context, window->lblStatus, window->Design().controls.back(), nowhere, 1);
     });
     EXPECT_EQ(error.Number(), 7);
     EXPECT_NE(error.Description(), StandardDescription(7));
 }
 
 TEST_F(RealPeers, TheAboutWindowOpensWithNoButtonThatLooksChosen) {
-    const auto about = std::make_shared<frmAbout>(platform.desktop, platform.strings);
+    const auto about = std::make_shared<frmAbout>(platform.manager, platform.strings);
     about->Show();
     const HWND ok = ChildOf(*about, "cmdOK");
     EXPECT_EQ(GetFocus(), ChildOf(*about, "cmdFocus"));

@@ -7,8 +7,8 @@
 #include <stdexcept>
 #include <string>
 
+#include "platform/win32/services/Win32Console.hpp"
 #include "platform/win32/services/Win32Process.hpp"
-#include "platform/win32/services/Win32Terminal.hpp"
 #include "tests/driver/Desktop.hpp"
 
 namespace vantor {
@@ -23,16 +23,16 @@ int DoJob(const Win32Process& process) {
     Win32Process().InstallUnhandledExceptionFilter(kTitle);
     if (job == "throw") throw std::runtime_error("¡Adiós!");
     if (job == "crash") RaiseException(EXCEPTION_ACCESS_VIOLATION, 0, 0, nullptr);
-    Win32Terminal terminal;
+    Win32Console console;
     if (job == "flash") {
-        terminal.HoldSystem("Updating Indicator");
-        while (!terminal.TakeInterrupt()) Sleep(1);
+        console.HoldSystem("Updating Indicator");
+        while (!console.TakeInterrupt()) Sleep(1);
         return kInterrupted;
     }
     // "echo"
-    for (const std::string& argument : process.Arguments()) terminal.Write(argument + "|");
-    for (auto line = terminal.ReadLine(); line; line = terminal.ReadLine())
-        terminal.Write("<" + *line + ">");
+    for (const std::string& argument : process.Arguments()) console.Write(argument + "|");
+    for (auto line = console.ReadLine(); line; line = console.ReadLine())
+        console.Write("<" + *line + ">");
     return 0;
 }
 
@@ -84,7 +84,7 @@ TEST(Process, AnUnhandledErrorIsNamedInABoxAndEndsTheProgram) {
     }
 }
 
-TEST(Terminal, TheEndOfTheUsersSessionIsRefusedDuringAFlashAndComesAsTheInterruptKey) {
+TEST(Console, TheEndOfTheUsersSessionIsRefusedDuringAFlashAndComesAsTheInterruptKey) {
     const Win32Handle process(Start(L"flash").hProcess);
     const auto window = [] { return FindWindowW(L"VantorEndOfSession", nullptr); };
     const auto refuses = [&] { return SendMessageW(window(), WM_QUERYENDSESSION, 0, 0) == FALSE; };

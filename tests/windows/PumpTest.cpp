@@ -21,8 +21,8 @@ protected:
 
     RealWindows platform;
     Win32MessagePump& queue = platform.queue;
-    std::shared_ptr<Form> window = std::make_shared<frmStatus>(platform.desktop, platform.strings);
-    std::shared_ptr<Form> modal = std::make_shared<frmAbout>(platform.desktop, platform.strings);
+    std::shared_ptr<Form> window = std::make_shared<frmStatus>(platform.manager, platform.strings);
+    std::shared_ptr<Form> modal = std::make_shared<frmAbout>(platform.manager, platform.strings);
 };
 
 constexpr const wchar_t* kBoxTitle = L"A box of this test";
@@ -81,7 +81,7 @@ INSTANTIATE_TEST_SUITE_P(Real, PumpInALoop, testing::ValuesIn(kLoops),
                          [](const auto& row) { return std::string(row.param.name); });
 
 TEST_F(Pump, ABoxWithoutAnOwnerBelongsToTheWindowInUseAndDisablesTheOthers) {
-    const auto behind = std::make_shared<frmStatus>(platform.desktop, platform.strings);
+    const auto behind = std::make_shared<frmStatus>(platform.manager, platform.strings);
     behind->Show();
     SetActiveWindow(WindowOf(*window));
     bool seen = false;

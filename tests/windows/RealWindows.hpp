@@ -34,11 +34,11 @@ struct RealWindows : ReportingPlatform {
                   .ports = ports,
                   .shell = shell,
                   .strings = strings};
-    Desktop desktop{windows, queue};
+    WindowManager manager{windows, queue};
 };
 
 inline HWND WindowOf(const Form& form) {
-    return reinterpret_cast<HWND>(form.Handle());
+    return reinterpret_cast<HWND>(form.WindowHandle());
 }
 
 }  // namespace vantor

@@ -43,7 +43,7 @@ protected:
     RealWindows platform;
     Wire wire;
     std::shared_ptr<frmMonitor> monitor =
-        std::make_shared<frmMonitor>(platform.desktop, platform.real, *this);
+        std::make_shared<frmMonitor>(platform.manager, platform.real, *this);
     TerminalControl& terminal = monitor->comMonitor;
     TerminalScreen& screen = terminal.Screen();
     HWND view = nullptr;
@@ -117,7 +117,7 @@ TEST_F(TerminalView, LettersShowWhereOnlyOneColourWasChosen) {
 }
 
 TEST_F(TerminalView, ABoxOfTheMonitorDisablesEveryOtherWindow) {
-    const auto other = std::make_shared<frmMonitor>(platform.desktop, platform.real, *this);
+    const auto other = std::make_shared<frmMonitor>(platform.manager, platform.real, *this);
     other->Show();
     static HWND watched;
     static int enabledMeanwhile;
@@ -130,7 +130,7 @@ TEST_F(TerminalView, ABoxOfTheMonitorDisablesEveryOtherWindow) {
         PostMessageW(box, WM_COMMAND, IDOK, 0);
     });
     Win32MessageBoxes boxes("Vantor box");
-    boxes.Show({.text = "?", .owner = monitor->Handle()});
+    boxes.Show({.text = "?", .owner = monitor->WindowHandle()});
     KillTimer(nullptr, timer);
     EXPECT_EQ(enabledMeanwhile, 0);
     EXPECT_NE(IsWindowEnabled(watched), 0);

@@ -83,7 +83,7 @@ void CFormPos::Apply(const std::string& record, bool keepOnScreen) {
     }
     if (place.width < 0 || place.height < 0) throw RuntimeError(ErrorNumber::InvalidPropertyValue);
     if (keepOnScreen) {
-        const Size screen = Form->GetDesktop().GetPeers().ScreenSize();
+        const Size screen = Form->Manager().GetPeers().ScreenSize();
         if (screen.width <= place.left) place.left = screen.width - place.width;
         if (screen.height <= place.top) place.top = screen.height - place.height;
         if (place.left < 0) place.left = 0;
@@ -95,7 +95,7 @@ void CFormPos::Apply(const std::string& record, bool keepOnScreen) {
 void CFormPos::CenterForm() {
     Boxed("CenterForm", [this] {
         if (!Form) throw RuntimeError(ErrorNumber::ObjectNotSet);
-        const Size screen = Form->GetDesktop().GetPeers().ScreenSize();
+        const Size screen = Form->Manager().GetPeers().ScreenSize();
         Form->CenterIn({0, 0, screen.width, screen.height});
     });
 }

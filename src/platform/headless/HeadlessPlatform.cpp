@@ -34,7 +34,7 @@ public:
         constexpr float kLine = 200;
         return {kLetter * static_cast<float>(text.size()), kLine};
     }
-    NativeWindow Handle() const override { return mHandle; }
+    NativeWindow WindowHandle() const override { return mHandle; }
 
 private:
     HeadlessPeers& mPeers;

@@ -84,14 +84,14 @@ private:
     bool TakeLineEnd();
     bool TakeHeader();
     bool TakeLine(std::vector<ExportedKey>& keys);
-    bool TakeKey(RegistryPath& path);
+    bool TakeKey(RegistryKeyPath& path);
     bool TakeValue(RegistryValue& value);
     bool TakeData(RegistryValue& value);
     bool TakeBytes(std::string& bytes);
     void SkipToNextByte();
     std::optional<std::string> TakeQuoted(bool hexEscapes);
     std::string_view TakeHexDigits();
-    bool SetPath(std::string_view text, RegistryPath& path) const;
+    bool SetPath(std::string_view text, RegistryKeyPath& path) const;
     std::optional<std::string> Stored(std::string_view text) const;
 
     std::string mText;
@@ -174,7 +174,7 @@ bool Reader::TakeLine(std::vector<ExportedKey>& keys) {
 }
 
 /// The name ends at the first "]" that nothing but a comment follows.
-bool Reader::TakeKey(RegistryPath& path) {
+bool Reader::TakeKey(RegistryKeyPath& path) {
     const std::string_view all = mRest;
     const std::string_view line = mRest.substr(0, mRest.find('\n'));
     for (std::size_t close = line.find(']'); close != std::string_view::npos;
@@ -185,7 +185,7 @@ bool Reader::TakeKey(RegistryPath& path) {
     return false;
 }
 
-bool Reader::SetPath(std::string_view text, RegistryPath& path) const {
+bool Reader::SetPath(std::string_view text, RegistryKeyPath& path) const {
     const auto stored = Stored(text);
     if (!stored) return false;
     path.parts = SplitRegistryPath(*stored);

@@ -11,7 +11,7 @@ namespace vantor {
 
 /// A key with the values below its line.
 struct ExportedKey {
-    RegistryPath path;
+    RegistryKeyPath path;
     std::vector<RegistryValue> values;
 };
 

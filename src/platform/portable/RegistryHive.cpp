@@ -51,14 +51,14 @@ RegistryHive::Node* RegistryHive::FindChild(const Node& parent, const std::strin
     return found == parent.children.end() ? nullptr : found->second.get();
 }
 
-RegistryHive::Node* RegistryHive::Find(const RegistryPath& path) const {
+RegistryHive::Node* RegistryHive::Find(const RegistryKeyPath& path) const {
     const auto root = mRoots.find(path.root);
     Node* node = root == mRoots.end() ? nullptr : root->second.get();
     for (const std::string& part : path.parts) node = node ? FindChild(*node, part) : nullptr;
     return node;
 }
 
-RegistryResult RegistryHive::Create(const RegistryPath& path, Node*& node) {
+RegistryResult RegistryHive::Create(const RegistryKeyPath& path, Node*& node) {
     const auto root = mRoots.find(path.root);
     if (root == mRoots.end()) return kRegistryInvalidHandle;
     if (path.parts.size() > kMaxRegistryDepth) return kInvalidParameter;
@@ -76,14 +76,14 @@ RegistryResult RegistryHive::Create(const RegistryPath& path, Node*& node) {
     return kRegistrySuccess;
 }
 
-RegistryKey RegistryHive::NewHandle(RegistryPath path, std::uint32_t access) {
+RegistryKey RegistryHive::NewHandle(RegistryKeyPath path, std::uint32_t access) {
     mHandles.emplace(++mLastHandle, Handle{std::move(path), access});
     return mLastHandle;
 }
 
 RegistryResult RegistryHive::OpenKey(RegistryRoot root, const std::string& path,
                                      std::uint32_t access, RegistryKey& key) {
-    RegistryPath wanted{root, SplitRegistryPath(path)};
+    RegistryKeyPath wanted{root, SplitRegistryPath(path)};
     if (!mRoots.contains(root)) return kRegistryInvalidHandle;
     if (Find(wanted) == nullptr) return kRegistryFileNotFound;
     key = NewHandle(std::move(wanted), access);
@@ -92,7 +92,7 @@ RegistryResult RegistryHive::OpenKey(RegistryRoot root, const std::string& path,
 
 RegistryResult RegistryHive::CreateKey(RegistryRoot root, const std::string& path,
                                        std::uint32_t access, RegistryKey& key) {
-    RegistryPath wanted{root, SplitRegistryPath(path)};
+    RegistryKeyPath wanted{root, SplitRegistryPath(path)};
     Node* node = nullptr;
     const RegistryResult result = Create(wanted, node);
     if (result == kRegistrySuccess) key = NewHandle(std::move(wanted), access);
@@ -140,7 +140,7 @@ RegistryResult RegistryHive::CloseKey(RegistryKey key) {
     return mHandles.erase(key) == 0 ? kRegistryInvalidHandle : kRegistrySuccess;
 }
 
-void RegistryHive::ExportKeys(const Node& parent, RegistryPath& path, std::string& text) {
+void RegistryHive::ExportKeys(const Node& parent, RegistryKeyPath& path, std::string& text) {
     if (!parent.values.empty() || (parent.children.empty() && !path.parts.empty())) {
         text += '\n' + WriteKeyLine(path) + '\n';
         for (const auto& entry : parent.values) text += WriteValueLine(entry.second) + '\n';
@@ -156,7 +156,7 @@ std::string RegistryHive::Export() const {
     std::string text(kRegistryTextHeader);
     text += '\n';
     for (const auto& [root, node] : mRoots) {
-        RegistryPath path{root, {}};
+        RegistryKeyPath path{root, {}};
         ExportKeys(*node, path, text);
     }
     return text;

@@ -45,15 +45,15 @@ public:
 private:
     struct Node;
     struct Handle {
-        RegistryPath path;
+        RegistryKeyPath path;
         std::uint32_t access = 0;
     };
 
     static Node* FindChild(const Node& parent, const std::string& name);
-    static void ExportKeys(const Node& parent, RegistryPath& path, std::string& text);
-    Node* Find(const RegistryPath& path) const;
-    RegistryResult Create(const RegistryPath& path, Node*& node);
-    RegistryKey NewHandle(RegistryPath path, std::uint32_t access);
+    static void ExportKeys(const Node& parent, RegistryKeyPath& path, std::string& text);
+    Node* Find(const RegistryKeyPath& path) const;
+    RegistryResult Create(const RegistryKeyPath& path, Node*& node);
+    RegistryKey NewHandle(RegistryKeyPath path, std::uint32_t access);
 
     std::map<RegistryRoot, std::unique_ptr<Node>> mRoots;
     std::map<RegistryKey, Handle> mHandles;

@@ -63,7 +63,7 @@ std::vector<std::string> SplitRegistryPath(std::string_view path) {
     return parts;
 }
 
-std::string WriteKeyLine(const RegistryPath& path) {
+std::string WriteKeyLine(const RegistryKeyPath& path) {
     std::string line = "[";
     for (const auto& [root, name] : kRegistryRoots)
         if (root == path.root) line += name;

@@ -30,7 +30,7 @@ struct RegistryValue {
     std::string bytes;  ///< as stored, a string's terminating NUL included
 };
 
-struct RegistryPath {
+struct RegistryKeyPath {
     RegistryRoot root = RegistryRoot::CurrentUser;
     std::vector<std::string> parts;
 };
@@ -40,7 +40,7 @@ std::vector<std::string> SplitRegistryPath(std::string_view path);
 
 /// "[HKEY_CURRENT_USER\Software]", printable ASCII only: any other byte of a name, "%" and "]"
 /// become "%" and two hexadecimal digits.
-std::string WriteKeyLine(const RegistryPath& path);
+std::string WriteKeyLine(const RegistryKeyPath& path);
 
 /// `"name"="text"`, `dword:`, `hex:` or `hex(type):`, printable ASCII only.
 /// Any other byte of a name becomes "\x" and two hexadecimal digits, an extension of the format.

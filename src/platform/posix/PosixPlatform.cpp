@@ -7,13 +7,13 @@
 #include "platform/portable/RegistryHive.hpp"
 #include "platform/portable/VersionResources.hpp"
 #include "platform/posix/PosixClock.hpp"
+#include "platform/posix/PosixConsole.hpp"
 #include "platform/posix/PosixFiles.hpp"
 #include "platform/posix/PosixFolders.hpp"
 #include "platform/posix/PosixMessagePump.hpp"
 #include "platform/posix/PosixProcess.hpp"
 #include "platform/posix/PosixRegistry.hpp"
 #include "platform/posix/PosixSerialPorts.hpp"
-#include "platform/posix/PosixTerminal.hpp"
 #include "support/Traps.hpp"
 
 namespace vantor {
@@ -39,7 +39,7 @@ NativePlatform MakeNativePlatform(int argc, char** argv) {
     native.versions = std::make_unique<VersionResources>(*native.files);
     native.folders = std::make_unique<PosixFolders>();
     native.strings = std::make_unique<CompiledStrings>(LanguageOfEnvironment());
-    native.terminal = std::make_unique<PosixTerminal>();
+    native.console = std::make_unique<PosixConsole>();
     auto pump = std::make_unique<PosixMessagePump>(*native.clock);
     native.registry = RegistryOf(*native.folders);
     auto ports = std::make_unique<PosixSerialPorts>(*pump);

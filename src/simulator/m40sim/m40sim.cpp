@@ -71,7 +71,7 @@ Prints "port: PATH" and serves on PATH until SIGTERM or SIGINT.
 Faults at image line LINE (from 0, a repeated line counts once), shown on its first TIMES
 arrivals (default 1), as KIND@LINE[xTIMES]:
   nak silent late=MS drop garble noise split done verify hangup
-Faults of a phase: no-trav no-baud no-sysload (each also =silent), verify-failed,
+Faults of a stage: no-trav no-baud no-sysload (each also =silent), verify-failed,
   no-verdict, split-verdict
 
 Status: 0 well, 1 the session failed or the host broke the dialogue, 2 wrong usage.
@@ -210,9 +210,9 @@ std::string Readable(std::string_view bytes) {
 }
 
 // Human-readable log of the traffic with times. Does nothing without a path.
-class Transcript {
+class TrafficLog {
 public:
-    explicit Transcript(const std::optional<fs::path>& path) {
+    explicit TrafficLog(const std::optional<fs::path>& path) {
         if (!path) return;
         mFile.open(*path, std::ios::binary | std::ios::trunc);
         if (!mFile) throw UsageError("The transcript " + path->string() + " cannot be written.");
@@ -237,7 +237,7 @@ class Server {
 public:
     explicit Server(Options options)
         : mOptions(std::move(options)),
-          mTranscript(mOptions.transcript),
+          mLog(mOptions.transcript),
           mIndicator(mOptions.indicator),
           mAdapter(mOptions.latency) {
         if (mOptions.link) mLink.emplace(*mOptions.link, mTerminal.Path());
@@ -260,7 +260,7 @@ private:
     int Status() const;
 
     Options mOptions;
-    Transcript mTranscript;
+    TrafficLog mLog;
     PseudoTerminal mTerminal;
     std::optional<Link> mLink;
     VirtualIndicator mIndicator;
@@ -313,7 +313,7 @@ void Server::Take(std::string_view bytes) {
     if (bytes.empty()) return;
     const Micros now = Now();
     mIndicator.Receive(bytes, now);
-    mTranscript.Add(now, ">", bytes);
+    mLog.Add(now, ">", bytes);
     mLastByte = now;
 }
 
@@ -322,8 +322,8 @@ void Server::NoteClose() {
     const Micros now = Now();
     mIndicator.HostClosed(now);
     mAdapter.Clear();
-    mTranscript.Add(now, "-", "host closed");
-    mTranscript.Flush();
+    mLog.Add(now, "-", "host closed");
+    mLog.Flush();
 }
 
 void Server::NoteLine() {
@@ -333,9 +333,9 @@ void Server::NoteLine() {
     mHostLine = line;
     const Micros now = Now();
     mIndicator.HostLine(line, now);
-    mTranscript.Add(now, "-",
-                    "host at " + std::to_string(line.bitsPerSecond) + " bit/s, " +
-                        std::to_string(line.stopBits) + " stop bits");
+    mLog.Add(now, "-",
+             "host at " + std::to_string(line.bitsPerSecond) + " bit/s, " +
+                 std::to_string(line.stopBits) + " stop bits");
 }
 
 void Server::Speak() {
@@ -343,7 +343,7 @@ void Server::Speak() {
     const std::string bytes = mAdapter.Pass(mIndicator.Transmit(now), now);
     if (bytes.empty()) return;
     mTerminal.Write(bytes);
-    mTranscript.Add(now, "<", bytes);
+    mLog.Add(now, "<", bytes);
     mLastByte = now;
 }
 
@@ -411,7 +411,7 @@ int ServeRunningMode(const Options& options) {
     PseudoTerminal terminal;
     std::optional<Link> link;
     if (options.link) link.emplace(*options.link, terminal.Path());
-    Transcript transcript(options.transcript);
+    TrafficLog transcript(options.transcript);
     RunningMode indicator;
     const auto start = std::chrono::steady_clock::now();
     const auto now = [start] {

@@ -11,7 +11,7 @@ namespace vantor {
 /// A hidden window on its own thread. If either cannot be created, log-off is not detected.
 class Win32EndOfSession {
 public:
-    /// Longest time to block log-off and shutdown: the final phase of a flash and a margin.
+    /// Longest time to block log-off and shutdown: the final stage of a flash and a margin.
     static constexpr DWORD kLongestHoldMs = 90000;
 
     /// `ending` is called on the window's thread on WM_ENDSESSION, which then blocks until this

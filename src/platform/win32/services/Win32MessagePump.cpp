@@ -125,12 +125,12 @@ LRESULT CALLBACK Win32MessagePump::OnMessage(HWND window, UINT message, WPARAM f
         reinterpret_cast<Win32MessagePump*>(GetWindowLongPtrW(window, GWLP_USERDATA));
     bool handled = false;
     if (pump != nullptr &&
-        !Guarded("Win32MessagePump.OnMessage", [&] { handled = pump->Handle(message, first); }))
+        !Guarded("Win32MessagePump.OnMessage", [&] { handled = pump->Dispatch(message, first); }))
         return 0;
     return handled ? 0 : DefWindowProcW(window, message, first, second);
 }
 
-bool Win32MessagePump::Handle(UINT message, WPARAM first) {
+bool Win32MessagePump::Dispatch(UINT message, WPARAM first) {
     if (message == WM_TIMER) {
         Tick(first);
         return true;

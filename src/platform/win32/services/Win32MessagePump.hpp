@@ -59,7 +59,7 @@ public:
 private:
     static LRESULT CALLBACK OnMessage(HWND window, UINT message, WPARAM first, LPARAM second);
     void Dispatch(MSG& message);
-    bool Handle(UINT message, WPARAM first);
+    bool Dispatch(UINT message, WPARAM first);
     void SetSystemTimer(UINT_PTR id, std::uint32_t intervalMs) const;
     void Tick(UINT_PTR id);
     void PollSource(SourceId id);

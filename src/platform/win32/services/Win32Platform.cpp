@@ -4,6 +4,7 @@
 #include "platform/NativePlatform.hpp"
 #include "platform/win32/services/Win32Clock.hpp"
 #include "platform/win32/services/Win32CodePage.hpp"
+#include "platform/win32/services/Win32Console.hpp"
 #include "platform/win32/services/Win32FileVersions.hpp"
 #include "platform/win32/services/Win32Files.hpp"
 #include "platform/win32/services/Win32Folders.hpp"
@@ -12,7 +13,6 @@
 #include "platform/win32/services/Win32Registry.hpp"
 #include "platform/win32/services/Win32SerialPorts.hpp"
 #include "platform/win32/services/Win32StringTable.hpp"
-#include "platform/win32/services/Win32Terminal.hpp"
 
 namespace vantor {
 
@@ -26,7 +26,7 @@ NativePlatform MakeNativePlatform(int, char**) {
     native.versions = std::make_unique<Win32FileVersions>();
     native.folders = std::make_unique<Win32Folders>();
     native.strings = std::make_unique<Win32StringTable>();
-    native.terminal = std::make_unique<Win32Terminal>();
+    native.console = std::make_unique<Win32Console>();
     auto pump = std::make_unique<Win32MessagePump>();
     native.registry = std::make_unique<Win32Registry>();
     native.ports = std::make_unique<Win32SerialPorts>(*pump);

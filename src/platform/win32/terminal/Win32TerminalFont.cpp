@@ -60,9 +60,10 @@ std::wstring ChosenFace(HDC target, const std::wstring& wanted, int height) {
 
 }  // namespace
 
-Win32TerminalFont::Win32TerminalFont(Win32Stage& stage, const ControlStyle& style) : mStage(stage) {
+Win32TerminalFont::Win32TerminalFont(Win32Context& context, const ControlStyle& style)
+    : mContext(context) {
     constexpr float kTwipsPerPoint = 20;
-    const int height = stage.ToPixels(style.points * kTwipsPerPoint);
+    const int height = context.ToPixels(style.points * kTwipsPerPoint);
     const HDC target = Made(CreateCompatibleDC(nullptr));
     const HGDIOBJ before = GetCurrentObject(target, OBJ_FONT);
     const std::wstring face = ChosenFace(target, ToWide(style.face), height);
@@ -77,11 +78,11 @@ Win32TerminalFont::Win32TerminalFont(Win32Stage& stage, const ControlStyle& styl
     static_cast<void>(SelectObject(target, before));
     static_cast<void>(DeleteDC(target));
     if (mPlain == nullptr || mBold == nullptr) RaiseNotMade(GetLastError());
-    mStage.held.fonts += 2;
+    mContext.held.fonts += 2;
 }
 
 Win32TerminalFont::~Win32TerminalFont() {
-    mStage.held.fonts -= 2;
+    mContext.held.fonts -= 2;
 }
 
 }  // namespace vantor

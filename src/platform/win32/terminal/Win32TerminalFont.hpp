@@ -5,7 +5,7 @@
 #include <type_traits>
 
 #include "controls/Form.hpp"
-#include "platform/win32/drawing/Win32Stage.hpp"
+#include "platform/win32/drawing/Win32Context.hpp"
 
 namespace vantor {
 
@@ -13,7 +13,7 @@ class Win32TerminalFont {
 public:
     /// The typeface that `style` names, or a fallback when it is missing or incomplete.
     /// Raises RuntimeError 7 when the system cannot create the font.
-    Win32TerminalFont(Win32Stage& stage, const ControlStyle& style);
+    Win32TerminalFont(Win32Context& context, const ControlStyle& style);
     ~Win32TerminalFont();
     Win32TerminalFont(const Win32TerminalFont&) = delete;
     Win32TerminalFont& operator=(const Win32TerminalFont&) = delete;
@@ -29,7 +29,7 @@ private:
     };
     using Font = std::unique_ptr<std::remove_pointer_t<HFONT>, Deleter>;
 
-    Win32Stage& mStage;
+    Win32Context& mContext;
     Font mPlain;
     Font mBold;
     int mWidth = 8;

@@ -49,9 +49,9 @@ void Win32TerminalView::RegisterClasses(HINSTANCE instance) {
     static_cast<void>(RegisterClassW(&windowClass));
 }
 
-Win32TerminalView::Win32TerminalView(Win32Stage& stage, TerminalControl& control,
+Win32TerminalView::Win32TerminalView(Win32Context& context, TerminalControl& control,
                                      const ControlStyle& style, HWND window)
-    : mControl(control), mWindow(window), mFont(stage, style) {
+    : mControl(control), mWindow(window), mFont(context, style) {
     static_cast<void>(SetWindowLongPtrW(mWindow, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this)));
 }
 
@@ -68,14 +68,14 @@ LRESULT CALLBACK Win32TerminalView::OnMessage(HWND window, UINT message, WPARAM 
     }
     LRESULT answer = 0;
     Guarded("Win32TerminalView.OnMessage", [&] {
-        const std::optional<LRESULT> handled = view->Handle(message, first, second);
+        const std::optional<LRESULT> handled = view->Dispatch(message, first, second);
         answer = handled ? *handled : DefWindowProcW(window, message, first, second);
     });
     return answer;
 }
 
 /// Empty for messages that DefWindowProc has to handle.
-std::optional<LRESULT> Win32TerminalView::Handle(UINT message, WPARAM first, LPARAM second) {
+std::optional<LRESULT> Win32TerminalView::Dispatch(UINT message, WPARAM first, LPARAM second) {
     switch (message) {
         case WM_PAINT:
             OnPaint();
@@ -113,11 +113,11 @@ std::optional<LRESULT> Win32TerminalView::Handle(UINT message, WPARAM first, LPA
         default:
             break;
     }
-    if (HandleMouse(message, {GET_X_LPARAM(second), GET_Y_LPARAM(second)})) return 0;
-    return HandleKey(message, first);
+    if (OnMouse(message, {GET_X_LPARAM(second), GET_Y_LPARAM(second)})) return 0;
+    return OnKey(message, first);
 }
 
-std::optional<LRESULT> Win32TerminalView::HandleKey(UINT message, WPARAM first) {
+std::optional<LRESULT> Win32TerminalView::OnKey(UINT message, WPARAM first) {
     switch (message) {
         case WM_GETDLGCODE:  // Tab, Enter, Esc and the arrows are sent to the line
             return DLGC_WANTALLKEYS | DLGC_WANTCHARS | DLGC_WANTARROWS | DLGC_WANTTAB;
@@ -132,7 +132,7 @@ std::optional<LRESULT> Win32TerminalView::HandleKey(UINT message, WPARAM first) 
     }
 }
 
-bool Win32TerminalView::HandleMouse(UINT message, POINT at) {
+bool Win32TerminalView::OnMouse(UINT message, POINT at) {
     switch (message) {
         case WM_LBUTTONDOWN:
             BeginSelecting(at);

@@ -9,7 +9,7 @@
 #include <string>
 
 #include "controls/Form.hpp"
-#include "platform/win32/drawing/Win32Stage.hpp"
+#include "platform/win32/drawing/Win32Context.hpp"
 #include "platform/win32/terminal/Win32TerminalFont.hpp"
 #include "terminal/TerminalControl.hpp"
 
@@ -25,7 +25,7 @@ public:
     static void RegisterClasses(HINSTANCE instance);
 
     /// For `window`, of the class above, which displays `control`.
-    Win32TerminalView(Win32Stage& stage, TerminalControl& control, const ControlStyle& style,
+    Win32TerminalView(Win32Context& context, TerminalControl& control, const ControlStyle& style,
                       HWND window);
     Win32TerminalView(const Win32TerminalView&) = delete;
     Win32TerminalView& operator=(const Win32TerminalView&) = delete;
@@ -35,9 +35,9 @@ public:
 
 private:
     static LRESULT CALLBACK OnMessage(HWND window, UINT message, WPARAM first, LPARAM second);
-    std::optional<LRESULT> Handle(UINT message, WPARAM first, LPARAM second);
-    std::optional<LRESULT> HandleKey(UINT message, WPARAM first);
-    bool HandleMouse(UINT message, POINT at);
+    std::optional<LRESULT> Dispatch(UINT message, WPARAM first, LPARAM second);
+    std::optional<LRESULT> OnKey(UINT message, WPARAM first);
+    bool OnMouse(UINT message, POINT at);
 
     void InvalidateDirty();
     void OnPaint();

@@ -66,19 +66,19 @@ void Write(HDC target, HFONT font, COLORREF colour, const wchar_t* text, RECT ar
 
 }  // namespace
 
-void DrawBanner(Win32Stage& stage, HDC target, const RECT& area) {
+void DrawBanner(Win32Context& context, HDC target, const RECT& area) {
     DrawGradient(target, area);
     const RECT glass = DrawIndicator(target, area);
-    Write(target, stage.Font(16, true), kDigits, L"0.000 kg", glass, DT_CENTER);
+    Write(target, context.Font(16, true), kDigits, L"0.000 kg", glass, DT_CENTER);
     RECT words = area;
-    words.left += stage.ToPixels(360);
-    words.right = std::max(words.left, glass.left - stage.ToPixels(360));
+    words.left += context.ToPixels(360);
+    words.right = std::max(words.left, glass.left - context.ToPixels(360));
     words.bottom -= (area.bottom - area.top) / 4;
-    Write(target, stage.Font(24, true), RGB(255, 255, 255), L"Tessmar Vantor", words,
+    Write(target, context.Font(24, true), RGB(255, 255, 255), L"Tessmar Vantor", words,
           DT_LEFT | DT_END_ELLIPSIS);
     words.top += (area.bottom - area.top) / 2;
     words.bottom = area.bottom - (area.bottom - area.top) / 12;
-    Write(target, stage.Font(11, false), kCase, L"M40", words, DT_LEFT);
+    Write(target, context.Font(11, false), kCase, L"M40", words, DT_LEFT);
 }
 
 }  // namespace vantor

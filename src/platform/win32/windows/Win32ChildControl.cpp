@@ -36,7 +36,7 @@ Looks LooksOf(const Control& control, const ControlDesign& row) {
             return {L"COMBOBOX", WS_TABSTOP | WS_VSCROLL | DWORD{CBS_DROPDOWNLIST}, 0};
         case ControlKind::StatusBar:
             return {STATUSCLASSNAMEW, DWORD{SBARS_SIZEGRIP} | DWORD{CCS_BOTTOM}, 0};
-        case ControlKind::Image:
+        case ControlKind::Icon:
             return {L"STATIC", SS_ICON | SS_REALSIZECONTROL, 0};
         case ControlKind::ProgressBar:
             return {PROGRESS_CLASSW, 0, 0};
@@ -62,44 +62,44 @@ bool HasWindow(ControlKind kind) {
            kind != ControlKind::SerialControl;
 }
 
-Win32ChildControl::Win32ChildControl(Win32Stage& stage, Control& control, const ControlDesign& row,
-                                     HWND parent, int id)
-    : mStage(stage), mControl(control), mRow(row), mShownCaption(control.Caption()) {
+Win32ChildControl::Win32ChildControl(Win32Context& context, Control& control,
+                                     const ControlDesign& row, HWND parent, int id)
+    : mContext(context), mControl(control), mRow(row), mShownCaption(control.Caption()) {
     const Looks looks = LooksOf(control, row);
     const RECT place = OuterPlace();
     const DWORD shown = control.Visible() ? WS_VISIBLE : 0;
     const DWORD usable = control.Enabled() ? 0 : WS_DISABLED;
-    const HFONT font = stage.Font(row.style.points, row.style.bold);
+    const HFONT font = context.Font(row.style.points, row.style.bold);
     mWindow = Made(CreateWindowExW(
         looks.extendedStyle, looks.windowClass, ToWide(control.Caption()).c_str(),
         WS_CHILD | looks.style | shown | usable, place.left, place.top, place.right - place.left,
         place.bottom - place.top, parent, reinterpret_cast<HMENU>(static_cast<INT_PTR>(id)),
-        stage.Instance(), nullptr));
+        context.Instance(), nullptr));
     SendMessageW(mWindow, WM_SETFONT, reinterpret_cast<WPARAM>(font), FALSE);
     if (control.Kind() == ControlKind::ListView) InsertColumns();
     if (control.Kind() == ControlKind::Terminal)
         mTerminal = std::make_shared<Win32TerminalView>(
-            stage, static_cast<TerminalControl&>(control), row.style, mWindow);
+            context, static_cast<TerminalControl&>(control), row.style, mWindow);
     if (control.Kind() == ControlKind::TreeView)
         mTree = std::make_unique<Win32TreeView>(static_cast<TreeView&>(control), mWindow);
-    if (control.Kind() == ControlKind::Image)
+    if (control.Kind() == ControlKind::Icon)
         SendMessageW(mWindow, STM_SETICON,
-                     reinterpret_cast<WPARAM>(LoadImageW(stage.Instance(), MAKEINTRESOURCEW(1),
+                     reinterpret_cast<WPARAM>(LoadImageW(context.Instance(), MAKEINTRESOURCEW(1),
                                                          IMAGE_ICON, place.right - place.left,
                                                          place.bottom - place.top, LR_SHARED)),
                      0);
     FollowBorder();
     FollowValue();
-    ++mStage.held.windows;
+    ++mContext.held.windows;
 }
 
 Win32ChildControl::~Win32ChildControl() {
-    --mStage.held.windows;
+    --mContext.held.windows;
 }
 
 // The height of a combo box includes its drop-down list; closed, its height follows the font.
 RECT Win32ChildControl::OuterPlace() const {
-    RECT place = mStage.ToPixels(mControl.Place());
+    RECT place = mContext.ToPixels(mControl.Place());
     if (mControl.Kind() == ControlKind::ComboBox)
         place.bottom += (place.bottom - place.top) * kMostListed;
     return place;
@@ -178,11 +178,11 @@ void Win32ChildControl::FollowCaption() {
 void Win32ChildControl::FollowSpokenName() {
     const std::wstring name = ToWide(mControl.SpokenName());
     if (mTerminal == nullptr) static_cast<void>(SetWindowTextW(mWindow, name.c_str()));
-    mStage.spokenNames.Set(mWindow, name);
+    mContext.spokenNames.Set(mWindow, name);
 }
 
 void Win32ChildControl::ForgetSpokenName() {
-    if (!mControl.SpokenName().empty()) mStage.spokenNames.Forget(mWindow);
+    if (!mControl.SpokenName().empty()) mContext.spokenNames.Forget(mWindow);
 }
 
 void Win32ChildControl::FollowBorder() {
@@ -270,9 +270,9 @@ void Win32ChildControl::FollowPanels(const StatusBar& bar) {
 int Win32ChildControl::PanelWidth(const std::wstring& text) const {
     constexpr float kLeastTwips = 1800;
     constexpr float kMarginTwips = 300;
-    const SIZE size = Extent(mStage.Font(mRow.style.points, mRow.style.bold), text);
-    return std::max(mStage.ToPixels(kLeastTwips),
-                    static_cast<int>(size.cx) + mStage.ToPixels(kMarginTwips));
+    const SIZE size = Extent(mContext.Font(mRow.style.points, mRow.style.bold), text);
+    return std::max(mContext.ToPixels(kLeastTwips),
+                    static_cast<int>(size.cx) + mContext.ToPixels(kMarginTwips));
 }
 
 SIZE Win32ChildControl::Extent(HFONT font, const std::wstring& text) const {
@@ -287,8 +287,8 @@ SIZE Win32ChildControl::Extent(HFONT font, const std::wstring& text) const {
 }
 
 Size Win32ChildControl::TextSize(const std::string& face, const std::string& text) const {
-    const SIZE size = Extent(mStage.Font(mRow.style.points, mRow.style.bold, face), ToWide(text));
-    return {mStage.ToTwips(size.cx), mStage.ToTwips(size.cy)};
+    const SIZE size = Extent(mContext.Font(mRow.style.points, mRow.style.bold, face), ToWide(text));
+    return {mContext.ToTwips(size.cx), mContext.ToTwips(size.cy)};
 }
 
 // The window text is what a screen reader reads.
@@ -334,7 +334,8 @@ void Win32ChildControl::KeepToBottom() {
     if (GetWindowRect(mWindow, &outer) == 0) return;
     static_cast<void>(
         MapWindowPoints(nullptr, GetParent(mWindow), reinterpret_cast<POINT*>(&outer), 2));
-    if (const Place place = mStage.ToTwips(outer); place != mControl.Place()) mControl.Place(place);
+    if (const Place place = mContext.ToTwips(outer); place != mControl.Place())
+        mControl.Place(place);
 }
 
 void Win32ChildControl::InsertColumns() {
@@ -345,7 +346,7 @@ void Win32ChildControl::InsertColumns() {
         LVCOLUMNW column{};
         column.mask = LVCF_TEXT | LVCF_WIDTH;
         column.pszText = text.data();
-        column.cx = mStage.ToPixels(kColumnTwips);
+        column.cx = mContext.ToPixels(kColumnTwips);
         SendMessageW(mWindow, LVM_INSERTCOLUMNW, static_cast<WPARAM>(at++),
                      reinterpret_cast<LPARAM>(&column));
     }

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "controls/Form.hpp"
-#include "platform/win32/drawing/Win32Stage.hpp"
+#include "platform/win32/drawing/Win32Context.hpp"
 
 namespace vantor {
 
@@ -32,8 +32,8 @@ class Win32ChildControl {
 public:
     /// Creates the child window of `control` in `parent`, with `id`, from its design row. Raises
     /// RuntimeError 7 when the system cannot create it.
-    Win32ChildControl(Win32Stage& stage, Control& control, const ControlDesign& row, HWND parent,
-                      int id);
+    Win32ChildControl(Win32Context& context, Control& control, const ControlDesign& row,
+                      HWND parent, int id);
     Win32ChildControl(const Win32ChildControl&) = delete;
     Win32ChildControl& operator=(const Win32ChildControl&) = delete;
     /// The window is destroyed with its parent; only the count is updated here.
@@ -81,7 +81,7 @@ private:
     void InsertColumns();
     int SelectedRow() const;
 
-    Win32Stage& mStage;
+    Win32Context& mContext;
     Control& mControl;
     const ControlDesign& mRow;
     HWND mWindow = nullptr;

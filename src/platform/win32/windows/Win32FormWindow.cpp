@@ -34,7 +34,8 @@ Win32FormWindow* WindowOf(HWND window) {
 
 }  // namespace
 
-Win32FormWindow::Win32FormWindow(Win32Stage& stage, Form& form) : mStage(stage), mForm(&form) {}
+Win32FormWindow::Win32FormWindow(Win32Context& context, Form& form)
+    : mContext(context), mForm(&form) {}
 
 void Win32FormWindow::RegisterClasses(HINSTANCE instance) {
     WNDCLASSW windowClass{};
@@ -55,8 +56,8 @@ void Win32FormWindow::RegisterClasses(HINSTANCE instance) {
 }
 
 RECT Win32FormWindow::FirstPlace() const {
-    RECT place = mStage.ToPixels(mForm->Place());
-    const RECT area = Win32Stage::MonitorAt(place).rcWork;
+    RECT place = mContext.ToPixels(mForm->Place());
+    const RECT area = Win32Context::MonitorAt(place).rcWork;
     const LONG right = std::max(area.right - area.left - (place.right - place.left), LONG{0});
     const LONG down = std::max(area.bottom - area.top - (place.bottom - place.top), LONG{0});
     static_cast<void>(OffsetRect(&place, static_cast<int>(area.left + right / 2 - place.left),
@@ -65,8 +66,8 @@ RECT Win32FormWindow::FirstPlace() const {
 }
 
 void Win32FormWindow::Create() {
-    RegisterClasses(mStage.Instance());
-    mMenuBar = std::make_unique<Win32MenuBar>(mStage, *mForm);
+    RegisterClasses(mContext.Instance());
+    mMenuBar = std::make_unique<Win32MenuBar>(mContext, *mForm);
     const RECT place = FirstPlace();
     const DWORD style =
         IsSizable() ? DWORD{WS_OVERLAPPEDWINDOW} : DWORD{WS_POPUP | WS_CAPTION | WS_SYSMENU};
@@ -74,8 +75,8 @@ void Win32FormWindow::Create() {
                                    kFormClass, ToWide(mForm->Caption()).c_str(),
                                    style | WS_CLIPCHILDREN, place.left, place.top,
                                    place.right - place.left, place.bottom - place.top, nullptr,
-                                   mMenuBar->Handle(), mStage.Instance(), nullptr));
-    ++mStage.held.windows;
+                                   mMenuBar->Menu(), mContext.Instance(), nullptr));
+    ++mContext.held.windows;
     static_cast<void>(SetWindowLongPtrW(mWindow, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this)));
     CreateChildren();
     CreateToolTips();
@@ -89,7 +90,7 @@ void Win32FormWindow::Destroy() {
     for (const auto& child : mChildren) child->ForgetSpokenName();
     static_cast<void>(SetMenu(mWindow, nullptr));  // the bar is destroyed by its owner
     static_cast<void>(DestroyWindow(std::exchange(mWindow, nullptr)));
-    --mStage.held.windows;
+    --mContext.held.windows;
     mChildren.clear();
     mMenuBar.reset();
 }
@@ -99,8 +100,8 @@ void Win32FormWindow::CreateChildren() {
     // In design order: a panel precedes its children, and the order is the tab order.
     for (const ControlDesign& row : mForm->Design().controls) {
         if (!HasWindow(row.kind)) continue;
-        mChildren.push_back(std::make_unique<Win32ChildControl>(mStage, mForm->ControlOf(row), row,
-                                                                ParentFor(row), id++));
+        mChildren.push_back(std::make_unique<Win32ChildControl>(mContext, mForm->ControlOf(row),
+                                                                row, ParentFor(row), id++));
     }
 }
 
@@ -113,7 +114,7 @@ HWND Win32FormWindow::ParentFor(const ControlDesign& row) const {
 void Win32FormWindow::CreateToolTips() {
     mToolTips = Made(CreateWindowExW(WS_EX_TOPMOST, TOOLTIPS_CLASSW, nullptr,
                                      WS_POPUP | TTS_NOPREFIX | TTS_ALWAYSTIP, 0, 0, 0, 0, mWindow,
-                                     nullptr, mStage.Instance(), nullptr));
+                                     nullptr, mContext.Instance(), nullptr));
     for (const auto& child : mChildren)
         if (!child->Model().ToolTip().empty()) FollowToolTip(*child);
 }
@@ -149,11 +150,11 @@ Place Win32FormWindow::NormalPlace() const {
     if (GetWindowPlacement(mWindow, &placement) == 0) return mForm->Place();
     // rcNormalPosition is in workspace coordinates, relative to the monitor's work area.
     RECT place = placement.rcNormalPosition;
-    const MONITORINFO monitor = Win32Stage::MonitorAt(place);
+    const MONITORINFO monitor = Win32Context::MonitorAt(place);
     static_cast<void>(OffsetRect(&place,
                                  static_cast<int>(monitor.rcWork.left - monitor.rcMonitor.left),
                                  static_cast<int>(monitor.rcWork.top - monitor.rcMonitor.top)));
-    return mStage.ToTwips(place);
+    return mContext.ToTwips(place);
 }
 
 // --- from the model to the window --------------------------------------------------------------
@@ -166,7 +167,7 @@ void Win32FormWindow::FollowForm(Property property) {
 }
 
 void Win32FormWindow::MoveWindowToModel() {
-    const RECT place = mStage.ToPixels(mForm->Place());
+    const RECT place = mContext.ToPixels(mForm->Place());
     mMoving = true;
     static_cast<void>(SetWindowPos(mWindow, nullptr, place.left, place.top,
                                    place.right - place.left, place.bottom - place.top,
@@ -233,11 +234,11 @@ LRESULT CALLBACK Win32FormWindow::OnFormMessage(HWND window, UINT message, WPARA
     const std::shared_ptr<Form> keepModel = form->mForm->weak_from_this().lock();
     LRESULT answer = 0;
     Guarded("Win32FormWindow.OnFormMessage",
-            [&] { answer = form->Handle(message, first, second); });
+            [&] { answer = form->Dispatch(message, first, second); });
     return answer;
 }
 
-LRESULT Win32FormWindow::Handle(UINT message, WPARAM first, LPARAM second) {
+LRESULT Win32FormWindow::Dispatch(UINT message, WPARAM first, LPARAM second) {
     switch (message) {
         case WM_COMMAND:
             OnCommand(LOWORD(first), HIWORD(first));
@@ -284,8 +285,8 @@ LRESULT Win32FormWindow::Handle(UINT message, WPARAM first, LPARAM second) {
             for (const auto& child : mChildren) SendMessageW(child->Window(), message, 0, 0);
             return 0;
         case WM_SETCURSOR:
-            if (mStage.cursor == nullptr || LOWORD(second) != HTCLIENT) break;
-            static_cast<void>(SetCursor(mStage.cursor));
+            if (mContext.cursor == nullptr || LOWORD(second) != HTCLIENT) break;
+            static_cast<void>(SetCursor(mContext.cursor));
             return TRUE;
         default:
             break;
@@ -338,8 +339,8 @@ void Win32FormWindow::OnPlaced() {
     // Before the form lays out the controls above it.
     for (const auto& child : mChildren)
         if (child->Model().Kind() == ControlKind::StatusBar) child->KeepToBottom();
-    const Place inside = mStage.ToTwips(inner);
-    mForm->Placed(mStage.ToTwips(outer), state, {inside.width, inside.height});
+    const Place inside = mContext.ToTwips(inner);
+    mForm->Placed(mContext.ToTwips(outer), state, {inside.width, inside.height});
 }
 
 void Win32FormWindow::OnPaint() {
@@ -354,8 +355,8 @@ void Win32FormWindow::OnPaint() {
 void Win32FormWindow::DrawLine(const ThinLine& line) const {
     if (mTarget == nullptr) return;
     // Both end points belong to the line.
-    const RECT area = {mStage.ToPixels(line.left), mStage.ToPixels(line.top),
-                       mStage.ToPixels(line.right) + 1, mStage.ToPixels(line.bottom) + 1};
+    const RECT area = {mContext.ToPixels(line.left), mContext.ToPixels(line.top),
+                       mContext.ToPixels(line.right) + 1, mContext.ToPixels(line.bottom) + 1};
     const bool shadow = line.colour == SystemColour::ButtonShadow;
     static_cast<void>(
         FillRect(mTarget, &area, GetSysColorBrush(shadow ? COLOR_BTNSHADOW : COLOR_BTNHIGHLIGHT)));
@@ -374,11 +375,11 @@ void Win32FormWindow::OnActivate(bool active) {
 void Win32FormWindow::OnSmallest(MINMAXINFO& limits) const {
     const Size& smallest = mForm->Design().smallest;
     if (smallest.width <= 0) return;
-    limits.ptMinTrackSize = {mStage.ToPixels(smallest.width), mStage.ToPixels(smallest.height)};
+    limits.ptMinTrackSize = {mContext.ToPixels(smallest.width), mContext.ToPixels(smallest.height)};
 }
 
 bool Win32FormWindow::MayEndSession() {
-    return mStage.reasonToStay.empty();
+    return mContext.reasonToStay.empty();
 }
 
 // --- panels and pictures ------------------------------------------------------------------------
@@ -455,11 +456,11 @@ void Win32FormWindow::Click(const Win32ChildControl& picture) {
 bool Win32FormWindow::PaintPanel(const Win32ChildControl& panel, HDC target) const {
     RECT area{};
     static_cast<void>(GetClientRect(panel.Window(), &area));
-    if (!PaintPictureBox(mStage, static_cast<PictureBox&>(panel.Model()), panel.Row(), target,
+    if (!PaintPictureBox(mContext, static_cast<PictureBox&>(panel.Model()), panel.Row(), target,
                          area))
         return false;
     if (panel.Row().style.clickable && GetFocus() == panel.Window())
-        PaintFocus(mStage, target, area);
+        PaintFocus(mContext, target, area);
     return true;
 }
 

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "controls/Form.hpp"
-#include "platform/win32/drawing/Win32Stage.hpp"
+#include "platform/win32/drawing/Win32Context.hpp"
 #include "platform/win32/windows/Win32ChildControl.hpp"
 #include "platform/win32/windows/Win32MenuBar.hpp"
 
@@ -15,7 +15,7 @@ namespace vantor {
 
 class Win32FormWindow : public std::enable_shared_from_this<Win32FormWindow> {
 public:
-    Win32FormWindow(Win32Stage& stage, Form& form);
+    Win32FormWindow(Win32Context& context, Form& form);
     ~Win32FormWindow() { Destroy(); }
     Win32FormWindow(const Win32FormWindow&) = delete;
     Win32FormWindow& operator=(const Win32FormWindow&) = delete;
@@ -26,7 +26,7 @@ public:
     /// Destroys the window; the model is not accessed afterwards.
     void Destroy();
 
-    HWND Handle() const { return mWindow; }
+    HWND WindowHandle() const { return mWindow; }
     void Show(HWND owner);
     void FollowForm(Property property);
     void FollowControl(const Control& control, Property property);
@@ -39,7 +39,7 @@ private:
     static LRESULT CALLBACK OnPanelMessage(HWND window, UINT message, WPARAM first, LPARAM second);
     static void RegisterClasses(HINSTANCE instance);
 
-    LRESULT Handle(UINT message, WPARAM first, LPARAM second);
+    LRESULT Dispatch(UINT message, WPARAM first, LPARAM second);
     void OnCommand(UINT id, UINT notification);
     void OnDefaultKey(UINT id);
     void OnNotify(const NMHDR& header);
@@ -69,7 +69,7 @@ private:
     bool IsSizable() const { return mForm->Design().smallest.width > 0; }
     RECT FirstPlace() const;
 
-    Win32Stage& mStage;
+    Win32Context& mContext;
     Form* mForm;  // null once destroyed
     HWND mWindow = nullptr;
     HWND mToolTips = nullptr;

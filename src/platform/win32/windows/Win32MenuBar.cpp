@@ -26,7 +26,7 @@ MENUITEMINFOW InfoFor(const Control& item, std::wstring& text) {
 }  // namespace
 
 // Delegates to the other constructor, so that the destructor destroys a partly built bar.
-Win32MenuBar::Win32MenuBar(Win32Stage& stage, Form& form) : Win32MenuBar(stage) {
+Win32MenuBar::Win32MenuBar(Win32Context& context, Form& form) : Win32MenuBar(context) {
     UINT command = kFirstCommand;
     for (Control* control : form.Controls()) {
         if (control->Kind() != ControlKind::MenuItem) continue;
@@ -36,7 +36,7 @@ Win32MenuBar::Win32MenuBar(Win32Stage& stage, Form& form) : Win32MenuBar(stage) 
         auto& item = static_cast<MenuItem&>(*control);
         if (mBar == nullptr) {
             mBar = Made(CreateMenu());
-            ++mStage.held.menus;
+            ++mContext.held.menus;
         }
         Entry entry = Insert(item, *row, command);
         if (HasEntries(form, item.Name())) {
@@ -55,7 +55,7 @@ Win32MenuBar::Win32MenuBar(Win32Stage& stage, Form& form) : Win32MenuBar(stage) 
 Win32MenuBar::~Win32MenuBar() {
     if (mBar == nullptr) return;
     static_cast<void>(DestroyMenu(mBar));
-    --mStage.held.menus;
+    --mContext.held.menus;
 }
 
 bool Win32MenuBar::HasEntries(const Form& form, const std::string& name) const {

@@ -4,7 +4,7 @@
 #include <map>
 
 #include "controls/Form.hpp"
-#include "platform/win32/drawing/Win32Stage.hpp"
+#include "platform/win32/drawing/Win32Context.hpp"
 
 namespace vantor {
 
@@ -17,12 +17,12 @@ public:
 
     /// Builds the bar of `form`; `Handle` is null for a form without menus. Raises RuntimeError 7
     /// when the system cannot create it.
-    Win32MenuBar(Win32Stage& stage, Form& form);
+    Win32MenuBar(Win32Context& context, Form& form);
     ~Win32MenuBar();
     Win32MenuBar(const Win32MenuBar&) = delete;
     Win32MenuBar& operator=(const Win32MenuBar&) = delete;
 
-    HMENU Handle() const { return mBar; }
+    HMENU Menu() const { return mBar; }
     /// The entry with the command identifier `command`; null when there is none.
     MenuItem* Find(UINT command) const;
     /// Applies a changed property of one of the entries.
@@ -36,12 +36,12 @@ private:
         UINT position;
     };
 
-    explicit Win32MenuBar(Win32Stage& stage) : mStage(stage) {}
+    explicit Win32MenuBar(Win32Context& context) : mContext(context) {}
     Entry Insert(MenuItem& item, const ControlDesign& row, UINT command);
     HMENU MenuOf(const char* parent) const;
     bool HasEntries(const Form& form, const std::string& name) const;
 
-    Win32Stage& mStage;
+    Win32Context& mContext;
     HMENU mBar = nullptr;
     std::map<UINT, Entry> mEntries;  // by command
 };

@@ -3,16 +3,16 @@
 
 #include "controls/Controls.hpp"
 #include "controls/Form.hpp"
-#include "platform/win32/drawing/Win32Stage.hpp"
+#include "platform/win32/drawing/Win32Context.hpp"
 
 namespace vantor {
 
 /// Paints `area` of `target`; false, with nothing painted, when the box is a plain panel. `row`
 /// gives font size and background.
-bool PaintPictureBox(Win32Stage& stage, const PictureBox& box, const ControlDesign& row, HDC target,
-                     const RECT& area);
+bool PaintPictureBox(Win32Context& context, const PictureBox& box, const ControlDesign& row,
+                     HDC target, const RECT& area);
 
 /// Paints a focus frame at the edge of `area`.
-void PaintFocus(const Win32Stage& stage, HDC target, RECT area);
+void PaintFocus(const Win32Context& context, HDC target, RECT area);
 
 }  // namespace vantor

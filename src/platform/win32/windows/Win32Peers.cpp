@@ -15,13 +15,13 @@ public:
     Win32FormPeer(Win32Peers& peers, Form& form)
         : mPeers(peers),
           mForm(form),
-          mWindow(std::make_shared<Win32FormWindow>(peers.mStage, form)) {
+          mWindow(std::make_shared<Win32FormWindow>(peers.mContext, form)) {
         mWindow->Create();
-        mPeers.mWindows.push_back(mWindow->Handle());
+        mPeers.mWindows.push_back(mWindow->WindowHandle());
     }
     ~Win32FormPeer() override {
         EnableOthers();
-        std::erase(mPeers.mWindows, mWindow->Handle());
+        std::erase(mPeers.mWindows, mWindow->WindowHandle());
         mWindow->Destroy();
     }
     Win32FormPeer(const Win32FormPeer&) = delete;
@@ -38,8 +38,8 @@ public:
         return mWindow->TextSize(control, face, text);
     }
     std::optional<Place> NormalPlace() const override { return mWindow->NormalPlace(); }
-    NativeWindow Handle() const override {
-        return reinterpret_cast<NativeWindow>(mWindow->Handle());
+    NativeWindow WindowHandle() const override {
+        return reinterpret_cast<NativeWindow>(mWindow->WindowHandle());
     }
 
 private:
@@ -70,7 +70,7 @@ void Win32FormPeer::Show(ShowMode mode, NativeWindow owner) {
 
 void Win32FormPeer::DisableOthers() {
     for (const HWND window : mPeers.mWindows) {
-        if (window == mWindow->Handle() || IsWindowEnabled(window) == 0) continue;
+        if (window == mWindow->WindowHandle() || IsWindowEnabled(window) == 0) continue;
         static_cast<void>(EnableWindow(window, FALSE));
         mDisabled.push_back(window);
     }
@@ -103,34 +103,34 @@ std::unique_ptr<FormPeer> Win32Peers::Draw(Form& form) {
 }
 
 Size Win32Peers::ScreenSize() const {
-    return {mStage.ToTwips(GetSystemMetrics(SM_CXSCREEN)),
-            mStage.ToTwips(GetSystemMetrics(SM_CYSCREEN))};
+    return {mContext.ToTwips(GetSystemMetrics(SM_CXSCREEN)),
+            mContext.ToTwips(GetSystemMetrics(SM_CYSCREEN))};
 }
 
 float Win32Peers::TwipsPerPixel() const {
-    return mStage.ToTwips(1);
+    return mContext.ToTwips(1);
 }
 
 Place Win32Peers::WorkArea(const Place& place) const {
-    return mStage.ToTwips(Win32Stage::MonitorAt(mStage.ToPixels(place)).rcWork);
+    return mContext.ToTwips(Win32Context::MonitorAt(mContext.ToPixels(place)).rcWork);
 }
 
 void Win32Peers::SetMousePointer(MousePointer pointer) {
-    mStage.cursor = pointer == MousePointer::Hourglass ? LoadCursorW(nullptr, IDC_WAIT) : nullptr;
+    mContext.cursor = pointer == MousePointer::Hourglass ? LoadCursorW(nullptr, IDC_WAIT) : nullptr;
     static_cast<void>(
-        SetCursor(mStage.cursor != nullptr ? mStage.cursor : LoadCursorW(nullptr, IDC_ARROW)));
+        SetCursor(mContext.cursor != nullptr ? mContext.cursor : LoadCursorW(nullptr, IDC_ARROW)));
 }
 
 void Win32Peers::HoldSystem(const std::string& reason) {
-    mStage.reasonToStay = ToWide(reason);
+    mContext.reasonToStay = ToWide(reason);
     const bool hold = !reason.empty();
     // If this fails, the machine behaves as without the request, and the flash continues.
     static_cast<void>(
         SetThreadExecutionState(hold ? ES_CONTINUOUS | ES_SYSTEM_REQUIRED : ES_CONTINUOUS));
     if (mWindows.empty()) return;
-    static_cast<void>(hold
-                          ? ShutdownBlockReasonCreate(mWindows.front(), mStage.reasonToStay.c_str())
-                          : ShutdownBlockReasonDestroy(mWindows.front()));
+    static_cast<void>(
+        hold ? ShutdownBlockReasonCreate(mWindows.front(), mContext.reasonToStay.c_str())
+             : ShutdownBlockReasonDestroy(mWindows.front()));
 }
 
 }  // namespace vantor

@@ -4,7 +4,7 @@
 #include <vector>
 
 #include "platform/Peers.hpp"
-#include "platform/win32/drawing/Win32Stage.hpp"
+#include "platform/win32/drawing/Win32Context.hpp"
 #include "platform/win32/services/Win32MessagePump.hpp"
 
 namespace vantor {
@@ -24,13 +24,13 @@ public:
     void SetMousePointer(MousePointer pointer) override;
     void HoldSystem(const std::string& reason) override;
 
-    const HeldObjects& Held() const { return mStage.held; }
+    const HeldObjects& Held() const { return mContext.held; }
 
 private:
     friend class Win32FormPeer;
 
     Win32MessagePump& mPump;
-    Win32Stage mStage;
+    Win32Context mContext;
     std::vector<HWND> mWindows;  // in creation order; the first is the main window
 };
 

@@ -1,4 +1,4 @@
-#include "platform/win32/services/Win32Terminal.hpp"
+#include "platform/win32/services/Win32Console.hpp"
 
 #include <algorithm>
 #include <array>
@@ -113,25 +113,25 @@ private:
 }  // namespace
 
 // A program started with Ctrl-C disabled, as in the background, keeps it disabled.
-Win32Terminal::Win32Terminal() {
+Win32Console::Win32Console() {
     mTaken = gInterrupts;
     static_cast<void>(SetConsoleCtrlHandler(OnControl, TRUE));
 }
 
 // SetConsoleCtrlHandler waits for a running handler, and a close handler blocks until the exit.
-Win32Terminal::~Win32Terminal() {
+Win32Console::~Win32Console() {
     if (!gEnding) static_cast<void>(SetConsoleCtrlHandler(OnControl, FALSE));
 }
 
-bool Win32Terminal::InputIsTerminal() const {
+bool Win32Console::InputIsTerminal() const {
     return IsConsole(GetStdHandle(STD_INPUT_HANDLE));
 }
 
-bool Win32Terminal::OutputIsTerminal() const {
+bool Win32Console::OutputIsTerminal() const {
     return IsConsole(GetStdHandle(STD_OUTPUT_HANDLE));
 }
 
-unsigned Win32Terminal::Columns() const {
+unsigned Win32Console::Columns() const {
     constexpr unsigned kUnknown = 80;
     CONSOLE_SCREEN_BUFFER_INFO info{};
     if (GetConsoleScreenBufferInfo(GetStdHandle(STD_OUTPUT_HANDLE), &info) == 0) return kUnknown;
@@ -139,15 +139,15 @@ unsigned Win32Terminal::Columns() const {
     return columns > 0 ? static_cast<unsigned>(columns) : kUnknown;
 }
 
-void Win32Terminal::Write(std::string_view utf8) {
+void Win32Console::Write(std::string_view utf8) {
     WriteTo(STD_OUTPUT_HANDLE, utf8);
 }
 
-void Win32Terminal::WriteError(std::string_view utf8) {
+void Win32Console::WriteError(std::string_view utf8) {
     WriteTo(STD_ERROR_HANDLE, utf8);
 }
 
-Win32Terminal::Input Win32Terminal::ReadFromConsole(HANDLE console) {
+Win32Console::Input Win32Console::ReadFromConsole(HANDLE console) {
     const WaitingThread waiting;
     const std::uint32_t before = gInterrupts;
     std::array<wchar_t, 1024> buffer{};
@@ -165,7 +165,7 @@ Win32Terminal::Input Win32Terminal::ReadFromConsole(HANDLE console) {
     return Input::More;
 }
 
-Win32Terminal::Input Win32Terminal::ReadFromStream(HANDLE stream) {
+Win32Console::Input Win32Console::ReadFromStream(HANDLE stream) {
     const WaitingThread waiting;
     const std::uint32_t before = gInterrupts;
     std::array<char, 4096> buffer{};
@@ -177,12 +177,12 @@ Win32Terminal::Input Win32Terminal::ReadFromStream(HANDLE stream) {
     return count == 0 ? Input::Ended : Input::More;
 }
 
-Win32Terminal::Input Win32Terminal::ReadMore() {
+Win32Console::Input Win32Console::ReadMore() {
     const HANDLE input = GetStdHandle(STD_INPUT_HANDLE);
     return IsConsole(input) ? ReadFromConsole(input) : ReadFromStream(input);
 }
 
-std::optional<std::string> Win32Terminal::ReadLine() {
+std::optional<std::string> Win32Console::ReadLine() {
     std::size_t end = mUnread.find('\n');
     for (; end == std::string::npos; end = mUnread.find('\n')) {
         const Input input = ReadMore();
@@ -196,13 +196,13 @@ std::optional<std::string> Win32Terminal::ReadLine() {
     return line;
 }
 
-bool Win32Terminal::TakeInterrupt() {
+bool Win32Console::TakeInterrupt() {
     if (mTaken == gInterrupts) return false;
     ++mTaken;
     return true;
 }
 
-void Win32Terminal::HoldSystem(const std::string& reason) {
+void Win32Console::HoldSystem(const std::string& reason) {
     const bool hold = !reason.empty();
     if (hold && !mEndOfSession) mEndOfSession.emplace(NoteInterrupt);
     if (mEndOfSession) mEndOfSession->Refuse(ToWide(reason));

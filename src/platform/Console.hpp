@@ -9,9 +9,9 @@ namespace vantor {
 
 /// Standard input, output and error of this process, its interrupt key, and the system's requests
 /// to end. A terminal that disappears does not end the process: output is lost and input has ended.
-class Terminal {
+class Console {
 public:
-    virtual ~Terminal() = default;
+    virtual ~Console() = default;
 
     virtual bool InputIsTerminal() const = 0;
     virtual bool OutputIsTerminal() const = 0;

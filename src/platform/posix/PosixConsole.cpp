@@ -1,4 +1,4 @@
-#include "platform/posix/PosixTerminal.hpp"
+#include "platform/posix/PosixConsole.hpp"
 
 #include <fcntl.h>
 #include <poll.h>
@@ -46,7 +46,7 @@ void WriteTo(int descriptor, std::string_view bytes) {
 
 }  // namespace
 
-PosixTerminal::PosixTerminal() {
+PosixConsole::PosixConsole() {
     mTaken = gInterrupts;
     if (pipe2(gWakeUp.data(), O_CLOEXEC | O_NONBLOCK) != 0) gWakeUp = {-1, -1};
     struct sigaction action {};
@@ -61,7 +61,7 @@ PosixTerminal::PosixTerminal() {
     static_cast<void>(sigaction(SIGHUP, &action, &mOldHangUp));
 }
 
-PosixTerminal::~PosixTerminal() {
+PosixConsole::~PosixConsole() {
     static_cast<void>(sigaction(SIGINT, &mOldInterrupt, nullptr));
     static_cast<void>(sigaction(SIGTERM, &mOldTerminate, nullptr));
     static_cast<void>(sigaction(SIGHUP, &mOldHangUp, nullptr));
@@ -69,31 +69,31 @@ PosixTerminal::~PosixTerminal() {
     for (int& end : gWakeUp) PosixHandle(std::exchange(end, -1));
 }
 
-bool PosixTerminal::InputIsTerminal() const {
+bool PosixConsole::InputIsTerminal() const {
     return isatty(STDIN_FILENO) == 1;
 }
 
-bool PosixTerminal::OutputIsTerminal() const {
+bool PosixConsole::OutputIsTerminal() const {
     return isatty(STDOUT_FILENO) == 1;
 }
 
-unsigned PosixTerminal::Columns() const {
+unsigned PosixConsole::Columns() const {
     constexpr unsigned kUnknown = 80;
     winsize size{};
     if (ioctl(STDOUT_FILENO, TIOCGWINSZ, &size) != 0 || size.ws_col == 0) return kUnknown;
     return size.ws_col;
 }
 
-void PosixTerminal::Write(std::string_view utf8) {
+void PosixConsole::Write(std::string_view utf8) {
     WriteTo(STDOUT_FILENO, utf8);
 }
 
-void PosixTerminal::WriteError(std::string_view utf8) {
+void PosixConsole::WriteError(std::string_view utf8) {
     WriteTo(STDERR_FILENO, utf8);
 }
 
 /// True when input, or its end, can be read; false on an interrupt.
-bool PosixTerminal::WaitForInput() const {
+bool PosixConsole::WaitForInput() const {
     std::array<pollfd, 2> ends = {pollfd{STDIN_FILENO, POLLIN, 0}, pollfd{gWakeUp[0], POLLIN, 0}};
     for (;;) {
         const int ready = poll(ends.data(), ends.size(), -1);
@@ -104,7 +104,7 @@ bool PosixTerminal::WaitForInput() const {
     }
 }
 
-std::optional<std::string> PosixTerminal::ReadLine() {
+std::optional<std::string> PosixConsole::ReadLine() {
     std::array<char, 4096> buffer{};
     // Interrupts from before this wait are for TakeInterrupt only.
     while (read(gWakeUp[0], buffer.data(), buffer.size()) > 0) continue;
@@ -125,7 +125,7 @@ std::optional<std::string> PosixTerminal::ReadLine() {
     return line;
 }
 
-bool PosixTerminal::TakeInterrupt() {
+bool PosixConsole::TakeInterrupt() {
     if (mTaken == gInterrupts) return false;
     ++mTaken;
     return true;

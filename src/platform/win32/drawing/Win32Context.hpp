@@ -19,12 +19,12 @@ struct HeldObjects {
     int fonts = 0;
 };
 
-class Win32Stage {
+class Win32Context {
 public:
-    Win32Stage();
-    ~Win32Stage();
-    Win32Stage(const Win32Stage&) = delete;
-    Win32Stage& operator=(const Win32Stage&) = delete;
+    Win32Context();
+    ~Win32Context();
+    Win32Context(const Win32Context&) = delete;
+    Win32Context& operator=(const Win32Context&) = delete;
 
     HINSTANCE Instance() const { return mInstance; }
 

@@ -6,18 +6,18 @@
 #include <cstdint>
 #include <string>
 
-#include "platform/Terminal.hpp"
+#include "platform/Console.hpp"
 
 namespace vantor {
 
-class PosixTerminal : public Terminal {
+class PosixConsole : public Console {
 public:
     /// Takes over SIGINT and SIGTERM, and ignores SIGHUP and SIGPIPE: a connection that drops, or a
     /// reader of our output that goes away, must not end a running update.
-    PosixTerminal();
-    ~PosixTerminal() override;
-    PosixTerminal(const PosixTerminal&) = delete;
-    PosixTerminal& operator=(const PosixTerminal&) = delete;
+    PosixConsole();
+    ~PosixConsole() override;
+    PosixConsole(const PosixConsole&) = delete;
+    PosixConsole& operator=(const PosixConsole&) = delete;
 
     bool InputIsTerminal() const override;
     bool OutputIsTerminal() const override;

@@ -6,17 +6,17 @@
 #include <optional>
 #include <string>
 
-#include "platform/Terminal.hpp"
+#include "platform/Console.hpp"
 #include "platform/win32/services/Win32EndOfSession.hpp"
 
 namespace vantor {
 
-class Win32Terminal : public Terminal {
+class Win32Console : public Console {
 public:
-    Win32Terminal();
-    ~Win32Terminal() override;
-    Win32Terminal(const Win32Terminal&) = delete;
-    Win32Terminal& operator=(const Win32Terminal&) = delete;
+    Win32Console();
+    ~Win32Console() override;
+    Win32Console(const Win32Console&) = delete;
+    Win32Console& operator=(const Win32Console&) = delete;
 
     bool InputIsTerminal() const override;
     bool OutputIsTerminal() const override;

@@ -1,4 +1,4 @@
-#include "platform/win32/drawing/Win32Stage.hpp"
+#include "platform/win32/drawing/Win32Context.hpp"
 
 #include <algorithm>
 #include <cmath>
@@ -18,32 +18,32 @@ int ScreenDpi() {
 
 }  // namespace
 
-Win32Stage::Win32Stage() : mInstance(GetModuleHandleW(nullptr)), mDpi(ScreenDpi()) {}
+Win32Context::Win32Context() : mInstance(GetModuleHandleW(nullptr)), mDpi(ScreenDpi()) {}
 
-Win32Stage::~Win32Stage() {
+Win32Context::~Win32Context() {
     for (const auto& [key, font] : mFonts) static_cast<void>(DeleteObject(font));
 }
 
-int Win32Stage::ToPixels(float twips) const {
+int Win32Context::ToPixels(float twips) const {
     return static_cast<int>(std::lround(twips * static_cast<float>(mDpi) / kTwipsPerInch));
 }
 
-float Win32Stage::ToTwips(int pixels) const {
+float Win32Context::ToTwips(int pixels) const {
     return static_cast<float>(pixels) * kTwipsPerInch / static_cast<float>(mDpi);
 }
 
 // Edges are rounded, not sizes: adjacent controls stay adjacent at every resolution.
-RECT Win32Stage::ToPixels(const Place& place) const {
+RECT Win32Context::ToPixels(const Place& place) const {
     return {ToPixels(place.left), ToPixels(place.top), ToPixels(place.left + place.width),
             ToPixels(place.top + place.height)};
 }
 
-Place Win32Stage::ToTwips(const RECT& pixels) const {
+Place Win32Context::ToTwips(const RECT& pixels) const {
     return {ToTwips(pixels.left), ToTwips(pixels.top), ToTwips(pixels.right - pixels.left),
             ToTwips(pixels.bottom - pixels.top)};
 }
 
-MONITORINFO Win32Stage::MonitorAt(const RECT& place) {
+MONITORINFO Win32Context::MonitorAt(const RECT& place) {
     MONITORINFO info{};
     info.cbSize = sizeof info;
     // The nearest monitor always exists; all 0 means that it has just been disconnected.
@@ -51,7 +51,7 @@ MONITORINFO Win32Stage::MonitorAt(const RECT& place) {
     return info;
 }
 
-HFONT Win32Stage::Font(float points, bool bold, const std::string& face) {
+HFONT Win32Context::Font(float points, bool bold, const std::string& face) {
     HFONT& font = mFonts[{static_cast<int>(std::lround(points * 10)), bold, face}];
     if (font != nullptr) return font;
     NONCLIENTMETRICSW metrics{};

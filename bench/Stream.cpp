@@ -9,16 +9,20 @@
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
-#include <functional>
+#include <memory>
+#include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "bench/Measure.hpp"
-#include "console/ConsoleWindow.hpp"
 #include "flash/FirmwareImage.hpp"
 #include "flash/FlashSession.hpp"
-#include "platform/headless/HeadlessPlatform.hpp"
+#include "flash/FlashView.hpp"
+#include "platform/portable/CodePage1252.hpp"
+#include "platform/portable/CompiledStrings.hpp"
+#include "platform/portable/RegistryHive.hpp"
 #include "platform/posix/PosixClock.hpp"
 #include "platform/posix/PosixFiles.hpp"
 #include "platform/posix/PosixSerialPorts.hpp"
@@ -59,55 +63,61 @@ private:
     std::string mPort;
 };
 
-/// Runs the program's flash session, headless, on the pseudo-terminal. Returns the seconds from
-/// the display of the first line to the status window of the final stage.
+/// A view that shows nothing and measures the time from the first line to the status window.
+class Stopwatch : public FlashView {
+public:
+    explicit Stopwatch(std::string image) : mImage(std::move(image)) {}
+    double Seconds() const { return mSeconds; }
+
+    bool Gone() const override { return false; }
+    std::shared_ptr<void> KeepAlive() override { return nullptr; }
+    void Begin() override {}
+    std::optional<std::string> ChooseImage() override { return mImage; }
+    void HoldSystem(const std::string&) override {}
+    void Busy(bool) override {}
+    bool Confirm(const std::string&) override { return true; }
+    void ShowStage(const std::string&) override {}
+    void AllowAbort(bool) override {}
+    void ShowLine(std::int32_t index, std::int32_t, std::int16_t) override {
+        if (index == 0) mStart = SteadyClock::now();
+    }
+    void ShowPercent(std::int16_t) override {}
+    void ShowWarning(const std::string&) override {}
+    void Beep() override {}
+    void OpenStatus(const std::string&) override { mSeconds = SecondsSince(mStart); }
+    void CloseStatus() override {}
+    void ShowAborted(const std::string&) override {}
+    void Report(BoxIcon, const std::string&, const std::string&) override {}
+    void ClearProgress() override {}
+    void End() override {}
+    void Exit() override {}
+
+private:
+    std::string mImage;
+    SteadyClock::time_point mStart;
+    double mSeconds = -1;
+};
+
+/// Runs the program's flash session on the pseudo-terminal. Returns the seconds from the display of
+/// the first line to the status window of the final stage.
 double StreamOurs(const std::string& tools, const std::string& image, bool paced) {
     Indicator indicator(tools, image, paced);
-    HeadlessPlatform stage;
     PosixClock clock;
     PosixFiles files;
     PosixMessagePump pump(clock);
     PosixSerialPorts ports(pump, {{"COM1", indicator.Port()}});
-    Platform platform = stage.platform;
-    Platform real{platform.clipboard,
-                  clock,
-                  platform.codePage,
-                  platform.dialogs,
-                  files,
-                  platform.versions,
-                  platform.folders,
-                  platform.boxes,
-                  pump,
-                  platform.peers,
-                  platform.pictures,
-                  platform.process,
-                  platform.registry,
-                  ports,
-                  platform.shell,
-                  platform.strings};
-    WindowManager manager(stage.peers, pump);
-    auto window = std::make_shared<ConsoleWindow>(manager, real);
-    CAppSettings settings(stage.registry, stage.codePage, files);
-    FlashSession session(*window, settings, real);
-    SteadyClock::time_point start;
-    double seconds = -1;
-    bool streaming = false;
-    stage.peers.onChange = [&](const Control& control, Property what) {
-        if (!streaming && &control == &window->pbarStatus && what == Property::Value) {
-            streaming = true;
-            start = SteadyClock::now();
-        } else if (seconds < 0 && control.Name() == "lblMessage") {
-            seconds = SecondsSince(start);
-        }
-    };
-    window->Load();
-    stage.dialogs.choices = {image};
+    const CompiledStrings strings(Language::English);
+    RegistryHive registry;
+    const CodePage1252 codePage;
+    CAppSettings settings(registry, codePage, files);
+    Stopwatch view(image);
+    FlashSession session(
+        view, settings,
+        {.clock = clock, .files = files, .pump = pump, .ports = ports, .strings = strings});
     session.doFlash();
     if (session.Outcome() != FlashOutcome::Done) throw std::runtime_error("the flash failed");
-    stage.peers.onChange = {};
-    window->Unload();
     indicator.Finish();
-    return seconds;
+    return view.Seconds();
 }
 
 /// Blocking I/O on the same kind of terminal, for the reference loop.

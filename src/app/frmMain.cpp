@@ -1,6 +1,7 @@
 #include "app/frmMain.hpp"
 
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "app/MainLayout.hpp"
@@ -9,25 +10,31 @@
 #include "dialogs/CShellExecute.hpp"
 #include "dialogs/CVersionInfo.hpp"
 #include "dialogs/frmAbout.hpp"
+#include "dialogs/frmStatus.hpp"
 #include "platform/Files.hpp"
 #include "platform/Folders.hpp"
 #include "platform/MessageBoxes.hpp"
 #include "platform/SerialPort.hpp"
 #include "platform/StringTable.hpp"
 #include "resources/Designs.hpp"
+#include "support/CFileDialog.hpp"
 #include "support/CHourglass.hpp"
+#include "support/Conversions.hpp"
 #include "support/Traps.hpp"
 
 namespace vantor {
 
 frmMain::frmMain(WindowManager& manager, Platform& platform)
     : Form(manager, kMainWindowDesign),
-      tmrFlashTimeout(*this, "tmrFlashTimeout", platform.pump, FlashSession::kVerdictTimeoutMs),
-      mobjComm(*this, "mobjComm", platform.ports),
       mPlatform(platform),
       mFormPos(platform.registry, platform.codePage),
       mSettings(platform.registry, platform.codePage, platform.files),
-      mSession(*this, mSettings, platform) {
+      mSession(*this, mSettings,
+               {.clock = platform.clock,
+                .files = platform.files,
+                .pump = platform.pump,
+                .ports = platform.ports,
+                .strings = platform.strings}) {
     cmdFlash.Click.Connect(
         [this] { Trapped("frmMain.cmdFlash_Click", [this] { mSession.doFlash(); }); });
     mnuFileFlash.Click.Connect(
@@ -39,16 +46,7 @@ frmMain::frmMain(WindowManager& manager, Platform& platform)
     picPicture.Click.Connect([this] { picPicture_Click(); });
     mnuFileExit.Click.Connect([this] { mnuFileExit_Click(); });
     lvwUpdates.Click.Connect([this] { lvwUpdates_Click(); });
-}
-
-FlashControls frmMain::SessionControls() {
-    return {.lblStatus = lblStatus,
-            .lblElapsed = lblElapsed,
-            .lblWarning = lblWarning,
-            .pbarStatus = pbarStatus,
-            .cmdFlashAbort = cmdFlashAbort,
-            .tmrFlashTimeout = tmrFlashTimeout,
-            .mobjComm = mobjComm};
+    cmdFlashAbort.Click.Connect([this] { mSession.cmdFlashAbort_Click(); });
 }
 
 void frmMain::Form_Load() {
@@ -90,10 +88,8 @@ void frmMain::LoadResources() {
 bool frmMain::Form_QueryUnload() {
     bool proceed = true;
     Trapped("frmMain.Form_QueryUnload", [&] {
-        if (!mFlags.mblnFlashing) return;
-        // The session ends first and then closes the window.
-        mFlags.mblnCloseRequested = true;
-        proceed = false;
+        // A running session ends first and then closes the window.
+        proceed = !mSession.RequestClose();
     });
     return proceed;
 }
@@ -210,6 +206,81 @@ void frmMain::UnloadOthers() {
 
 void frmMain::DeleteUpdateList() {
     mPlatform.files.Delete(AddFinalSlash(mPlatform.folders.PersonalDocuments()) + "updates.txt");
+}
+
+// The flash session's view ------------------------------------------------------------------
+
+void frmMain::Begin() {
+    ShowFunction(MainPanel::Flash);
+    EnableButtons(false);
+}
+
+std::optional<std::string> frmMain::ChooseImage() {
+    const StringTable& strings = mPlatform.strings;
+    CFileDialog dialog(mPlatform.dialogs);
+    dialog.DialogTitle = strings.Text(Str::ChooseImageTitle);
+    dialog.DefaultExt = ".run";
+    dialog.Filter = strings.Text(Str::ImageFiles) + " (*.run)|*.run|" +
+                    strings.Text(Str::AllFiles) + " (*.*)|*.*";
+    // Without a documents folder the dialog opens in the system default folder.
+    Ignoring([&] {
+        dialog.InitialDir =
+            AddFinalSlash(mPlatform.folders.PersonalDocuments()) + "Caldor Downloads\\";
+    });
+    dialog.hWndParent = WindowHandle();
+    if (!dialog.Show(true)) return std::nullopt;
+    return dialog.FileName;
+}
+
+void frmMain::HoldSystem(const std::string& reason) {
+    mPlatform.peers.HoldSystem(reason);
+}
+
+void frmMain::Busy(bool busy) {
+    mPlatform.peers.SetMousePointer(busy ? MousePointer::Hourglass : MousePointer::Default);
+}
+
+bool frmMain::Confirm(const std::string& question) {
+    return mPlatform.boxes.Show({.text = question,
+                                 .title = {},
+                                 .icon = BoxIcon::Question,
+                                 .buttons = BoxButtons::YesNo,
+                                 .owner = WindowHandle()}) == BoxAnswer::Yes;
+}
+
+void frmMain::ShowLine(std::int32_t index, std::int32_t last, std::int16_t elapsedSeconds) {
+    lblStatus.Caption(LineOf(mPlatform.strings, index, last));
+    lblElapsed.Caption(TimeOfDay(elapsedSeconds));
+}
+
+void frmMain::Beep() {
+    mPlatform.boxes.Beep();
+}
+
+void frmMain::OpenStatus(const std::string& message) {
+    mStatus = std::make_shared<frmStatus>(Manager(), mPlatform.strings);
+    mStatus->Load();
+    mStatus->CenterOn(*this);
+    mStatus->Message(message);
+    mStatus->Show(ShowMode::Modeless, this);
+}
+
+void frmMain::CloseStatus() {
+    if (mStatus) std::exchange(mStatus, nullptr)->Unload();
+}
+
+void frmMain::Report(BoxIcon icon, const std::string& text, const std::string& title) {
+    mPlatform.boxes.Show({.text = text, .title = title, .icon = icon, .owner = WindowHandle()});
+}
+
+void frmMain::ClearProgress() {
+    lblStatus.Caption("");
+    pbarStatus.Value(0);
+}
+
+void frmMain::End() {
+    EnableButtons(true);
+    ShowFunction(MainPanel::Startup);
 }
 
 void frmMain::ShowFunction(MainPanel panel) {

@@ -3,7 +3,9 @@
 #pragma once
 
 #include <array>
+#include <cstdint>
 #include <memory>
+#include <optional>
 #include <string>
 #include <vector>
 
@@ -11,9 +13,8 @@
 #include "content/PromotionalPicture.hpp"
 #include "controls/Controls.hpp"
 #include "controls/Form.hpp"
-#include "controls/SerialControl.hpp"
-#include "flash/FlashHost.hpp"
 #include "flash/FlashSession.hpp"
+#include "flash/FlashView.hpp"
 #include "monitor/frmMonitor.hpp"
 #include "platform/Platform.hpp"
 #include "settings/CAppSettings.hpp"
@@ -21,28 +22,51 @@
 
 namespace vantor {
 
-class frmMain : public Form, public FlashHost, public MonitorOwner, public OptionsOwner {
+class frmStatus;
+
+/// The panels of the main window, of which one is visible.
+enum class MainPanel : std::uint8_t { Startup, Update, Flash };
+
+class frmMain : public Form, public FlashView, public MonitorOwner, public OptionsOwner {
 public:
     frmMain(WindowManager& manager, Platform& platform);
 
     CAppSettings& Settings() { return mSettings; }
     FlashSession& Session() { return mSession; }
 
-    // FlashHost
-    Form& Window() override { return *this; }
-    FlashControls SessionControls() override;
-    FlashFlags& Flags() override { return mFlags; }
+    // FlashView
+    bool Gone() const override { return Form::Gone(); }
+    std::shared_ptr<void> KeepAlive() override { return weak_from_this().lock(); }
+    void Begin() override;
+    std::optional<std::string> ChooseImage() override;
+    void HoldSystem(const std::string& reason) override;
+    void Busy(bool busy) override;
+    bool Confirm(const std::string& question) override;
+    void ShowStage(const std::string& name) override { lblStatus.Caption(name); }
+    void AllowAbort(bool allowed) override { cmdFlashAbort.Enabled(allowed); }
+    void ShowLine(std::int32_t index, std::int32_t last, std::int16_t elapsedSeconds) override;
+    void ShowPercent(std::int16_t percent) override { pbarStatus.Value(percent); }
+    void ShowWarning(const std::string& text) override { lblWarning.Caption(text); }
+    void Beep() override;
+    void OpenStatus(const std::string& message) override;
+    void CloseStatus() override;
+    void ShowAborted(const std::string& text) override { lblStatus.Caption(text); }
+    void Report(BoxIcon icon, const std::string& text, const std::string& title) override;
+    void ClearProgress() override;
+    void End() override;
+    void Exit() override { mnuFileExit_Click(); }
+
     /// Makes exactly one of the three panels visible.
-    void ShowFunction(MainPanel panel) override;
+    void ShowFunction(MainPanel panel);
     /// Enables the commands that must not run during a flash.
-    void EnableButtons(bool enabled) override;
+    void EnableButtons(bool enabled);
     /// Unloads the window, which ends the program.
-    void mnuFileExit_Click() override;
+    void mnuFileExit_Click();
 
     // MonitorOwner
-    bool CloseIsWaiting() const override { return mFlags.mblnCloseRequested; }
+    bool CloseIsWaiting() const override { return mSession.CloseRequested(); }
     void ResumeClose() override { mnuFileExit_Click(); }
-    bool FlashIsRunning() const override { return mFlags.mblnFlashing; }
+    bool FlashIsRunning() const override { return mSession.Flashing(); }
 
     // OptionsOwner
     std::vector<std::string> CommPorts() const override;
@@ -84,9 +108,6 @@ public:
     std::array<Label, 4> lblLabels{Label{*this, "lblLabels", 0}, Label{*this, "lblLabels", 1},
                                    Label{*this, "lblLabels", 2}, Label{*this, "lblLabels", 3}};
 
-    Timer tmrFlashTimeout;
-    SerialControl mobjComm;
-
 protected:
     void Form_Load() override;
     bool Form_QueryUnload() override;
@@ -110,8 +131,8 @@ private:
     Platform& mPlatform;
     CFormPos mFormPos;
     CAppSettings mSettings;
-    FlashFlags mFlags;
     FlashSession mSession;
+    std::shared_ptr<frmStatus> mStatus;  // while the indicator writes its flash memory
     PromotionalPicture mPromotion{picPicture, mPlatform};
 };
 

@@ -58,7 +58,7 @@ std::string ProgressLine::TimeLeft(int percent) const {
     const std::uint64_t elapsedMs = mClock.Milliseconds() - mStart;
     const auto left = static_cast<std::int32_t>(elapsedMs * static_cast<unsigned>(100 - percent) /
                                                 static_cast<unsigned>(percent) / 1000);
-    return TwoDigits(left / 3600) + ":" + TwoDigits(left / 60 % 60) + ":" + TwoDigits(left % 60);
+    return TimeOfDay(left);
 }
 
 void ProgressLine::Break() {

@@ -8,17 +8,16 @@
 
 #include "app/base/AppInfo.hpp"
 #include "app/base/CErrHandler.hpp"
-#include "console/ConsoleUi.hpp"
-#include "console/ConsoleWindow.hpp"
+#include "console/ConsoleView.hpp"
 #include "console/ImageFiles.hpp"
 #include "console/Options.hpp"
 #include "console/Practice.hpp"
 #include "console/RoundTrips.hpp"
 #include "console/Traffic.hpp"
 #include "console/Transcript.hpp"
+#include "console/WatchedPump.hpp"
 #include "flash/FirmwareImage.hpp"
 #include "flash/FlashSession.hpp"
-#include "platform/Clipboard.hpp"
 #include "platform/Registry.hpp"
 #include "settings/CAppSettings.hpp"
 #include "support/Conversions.hpp"
@@ -175,8 +174,7 @@ private:
     const Options& mOptions;
     ImageFiles mFiles;
     ProgressLine mProgress{*mNative.console, *mNative.clock, *mNative.strings};
-    ConsoleBoxes mBoxes{*mNative.console, *mNative.strings, mProgress, AppInfo{}.title,
-                        mOptions.yes};
+    ConsoleBoxes mBoxes{*mNative.console, *mNative.strings, mProgress, mOptions.yes};
     CErrHandler mErrors{
         {*mNative.clock, *mNative.files, *mNative.folders, mBoxes, *mNative.process}};
     SinkScope mSink{mErrors, *mNative.folders};
@@ -187,15 +185,9 @@ private:
     LogEnd mLogEnd{mTranscript, mRoundTrips};  // after the port's last entry, on every exit
     WatchedSerialPorts mPorts{RealPorts(), Listeners()};
     WatchedPump mPump;
-    MemoryClipboard mClipboard;
-    ConsoleDialogs mDialogs{mOptions.image};
-    ConsolePictures mPictures;
-    ConsoleShell mShell;
-    ConsolePeers mPeers{*mNative.console, mProgress, mOptions.quiet};
-    Platform mPlatform;
-    WindowManager mManager{mPeers, mPump};
-    std::shared_ptr<ConsoleWindow> mWindow;
-    std::unique_ptr<FlashSession> mSession;
+    ConsoleView mView{*mNative.console, *mNative.strings, mProgress,
+                      mBoxes,           mOptions.image,   mOptions.quiet};
+    FlashSession mSession;
 };
 
 Run::Run(NativePlatform& native, const Options& options, std::string image)
@@ -205,34 +197,20 @@ Run::Run(NativePlatform& native, const Options& options, std::string image)
       mPractice((LoadSettings(), MakePractice())),
       mTranscript(MakeTranscript()),
       mPump(mPractice ? mPractice->Pump() : *native.pump, [this] { Watch(); }),
-      mPlatform{.clipboard = mClipboard,
-                .clock = *native.clock,
-                .codePage = *native.codePage,
-                .dialogs = mDialogs,
+      mSession(mView, mSettings,
+               {.clock = *native.clock,
                 .files = mFiles,
-                .versions = *native.versions,
-                .folders = *native.folders,
-                .boxes = mBoxes,
                 .pump = mPump,
-                .peers = mPeers,
-                .pictures = mPictures,
-                .process = *native.process,
-                .registry = *native.registry,
                 .ports = mPorts,
-                .shell = mShell,
-                .strings = *native.strings},
-      mWindow(std::make_shared<ConsoleWindow>(mManager, mPlatform)),
-      mSession(std::make_unique<FlashSession>(*mWindow, mSettings, mPlatform)) {}
+                .strings = *native.strings}) {}
 
 ExitStatus Run::Flash() {
-    mWindow->Load();
-    mSession->doFlash();
+    mSession.doFlash();
     mProgress.Finish();
-    const FlashOutcome outcome = mSession->Outcome();
+    const FlashOutcome outcome = mSession.Outcome();
     if (outcome == FlashOutcome::PortNotOpen)
-        if (const std::string why = OpenFailure(mWindow->mobjComm, *mNative.strings); !why.empty())
+        if (const std::string why = OpenFailure(mSession.Port(), *mNative.strings); !why.empty())
             mNative.console->WriteError(why + "\n");
-    mWindow->Unload();
     return StatusOf(outcome);
 }
 
@@ -285,12 +263,11 @@ std::vector<TrafficListener*> Run::Listeners() {
 void Run::Watch() {
     if (mNative.console->TakeInterrupt()) Interrupted();
     if (!mPractice) HintAtLateReplies();  // practice has no adapter
-    // The user cannot close this window, so a wait that only a close request ends is ended here.
-    if (mSession && mSession->Outcome() == FlashOutcome::NothingAccepted &&
-        !mWindow->Flags().mblnCloseRequested) {
+    // The user cannot close this view, so a wait that only a close request ends is ended here.
+    if (mSession.Outcome() == FlashOutcome::NothingAccepted && !mSession.CloseRequested()) {
         mProgress.Finish();
         mNative.console->WriteError(mNative.strings->Text(Str::NoLineAccepted) + "\n");
-        mWindow->Flags().mblnCloseRequested = true;
+        static_cast<void>(mSession.RequestClose());
     }
 }
 
@@ -303,10 +280,10 @@ void Run::HintAtLateReplies() {
         Filled(mNative.strings->Text(Str::LateReplies), std::to_string(*latenessMs)) + "\n");
 }
 
-// The session polls the abort flag only until it has an outcome. After that the button state is
-// meaningless: blank lines at the end of the image leave it enabled.
+// The session polls the abort flag only until it has an outcome. After that the view's state is
+// meaningless: blank lines at the end of the image leave the abort allowed.
 bool Run::CanAbort() const {
-    return mSession->Outcome() == FlashOutcome::None && mWindow->cmdFlashAbort.Enabled();
+    return mSession.Outcome() == FlashOutcome::None && mView.AbortAllowed();
 }
 
 void Run::Interrupted() {
@@ -315,10 +292,10 @@ void Run::Interrupted() {
     Str answer = Str::NothingToAbort;
     if (honoured)
         answer = Str::Aborting;
-    else if (mWindow->Flags().mblnFlashing)
+    else if (mSession.Flashing())
         answer = Str::TooLateToAbort;
     mNative.console->WriteError(mNative.strings->Text(answer) + "\n");
-    if (honoured) mWindow->cmdFlashAbort.Press();
+    if (honoured) mSession.cmdFlashAbort_Click();
 }
 
 ExitStatus CheckAndFlash(NativePlatform& native, const Options& options) {

@@ -23,8 +23,6 @@ enum class ControlKind : std::uint8_t {
     TreeView,
     StatusBar,
     MenuItem,
-    Timer,
-    SerialControl,
     Terminal,
 };
 
@@ -53,8 +51,7 @@ public:
     void Caption(std::string caption);
 
     bool Enabled() const { return mEnabled; }
-    /// Virtual because enabling some controls (a timer) has a side effect.
-    virtual void Enabled(bool enabled);
+    void Enabled(bool enabled);
 
     bool Visible() const { return mVisible; }
     void Visible(bool visible);

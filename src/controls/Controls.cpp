@@ -85,22 +85,4 @@ void StatusBar::PanelText(const std::string& key, std::string text) {
     Changed(Property::Value);
 }
 
-Timer::Timer(Form& parent, std::string name, MessagePump& pump, std::uint32_t intervalMs)
-    : Control(parent, ControlKind::Timer, std::move(name)), mPump(pump), mIntervalMs(intervalMs) {
-    Control::Enabled(false);
-}
-
-Timer::~Timer() {
-    if (mTimer != 0) mPump.StopTimer(mTimer);
-}
-
-void Timer::Enabled(bool enabled) {
-    if (enabled && mTimer == 0) {
-        mTimer = mPump.StartTimer(mIntervalMs, [this] { Tick.Raise(); });
-    } else if (!enabled && mTimer != 0) {
-        mPump.StopTimer(std::exchange(mTimer, 0));
-    }
-    Control::Enabled(enabled);
-}
-
 }  // namespace vantor

@@ -183,24 +183,4 @@ private:
     int mSelectedRow = -1;
 };
 
-/// Raises its event every `Interval` milliseconds while enabled. Initially disabled; enabling it
-/// while it runs has no effect.
-class Timer : public Control {
-public:
-    Timer(Form& parent, std::string name, MessagePump& pump, std::uint32_t intervalMs);
-    ~Timer() override;
-
-    Event<> Tick{[this] { return KeepParent(); }};
-
-    std::uint32_t Interval() const { return mIntervalMs; }
-
-    using Control::Enabled;
-    void Enabled(bool enabled) override;
-
-private:
-    MessagePump& mPump;
-    std::uint32_t mIntervalMs;
-    TimerId mTimer = 0;
-};
-
 }  // namespace vantor

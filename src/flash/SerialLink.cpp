@@ -4,7 +4,8 @@
 #include <utility>
 
 #include "app/base/modSupport.hpp"
-#include "controls/Form.hpp"
+#include "flash/FlashView.hpp"
+#include "flash/SerialControl.hpp"
 #include "platform/Clock.hpp"
 #include "settings/CAppSettings.hpp"
 #include "support/CDelay.hpp"
@@ -25,13 +26,9 @@ std::optional<SendResult> ReplyIn(std::string_view reply) {
     return std::nullopt;
 }
 
-SerialLink::SerialLink(FlashHost& host, const CAppSettings& settings, Clock& clock,
-                       MessagePump& pump)
-    : mHost(host),
-      mComm(host.SessionControls().mobjComm),
-      mSettings(settings),
-      mClock(clock),
-      mPump(pump) {}
+SerialLink::SerialLink(const FlashView& view, SerialControl& comm, const FlashFlags& flags,
+                       const CAppSettings& settings, Clock& clock, MessagePump& pump)
+    : mView(view), mComm(comm), mFlags(flags), mSettings(settings), mClock(clock), mPump(pump) {}
 
 void SerialLink::SetupCommPortFlash() {
     Trapped("frmMain.SetupCommPortFlash", [this] {
@@ -100,13 +97,12 @@ SendResult SerialLink::AwaitReply(std::int32_t start) {
 }
 
 bool SerialLink::EndWanted() const {
-    const FlashFlags& flags = mHost.Flags();
-    return flags.mblnCloseRequested || flags.mblnAbortFlash || mHost.Window().Gone();
+    return mFlags.mblnCloseRequested || mFlags.mblnAbortFlash || mView.Gone();
 }
 
 void SerialLink::Wait(std::int16_t ms) {
     CDelay delay(mClock, mPump);
-    delay.Waiting = [this](bool& cancel) { cancel = mHost.Window().Gone(); };
+    delay.Waiting = [this](bool& cancel) { cancel = mView.Gone(); };
     delay.Delay(ms);
 }
 

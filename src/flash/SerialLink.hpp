@@ -7,13 +7,20 @@
 #include <string>
 #include <string_view>
 
-#include "flash/FlashHost.hpp"
-
 namespace vantor {
 
 class CAppSettings;
 class Clock;
+class FlashView;
 class MessagePump;
+class SerialControl;
+
+/// The only channel from the handlers of the window to the running session.
+struct FlashFlags {
+    bool mblnFlashing = false;        ///< a session is in progress
+    bool mblnAbortFlash = false;      ///< the user pressed the abort button
+    bool mblnCloseRequested = false;  ///< the user tried to close the window during it
+};
 
 enum class SendResult : std::int32_t {
     SendOK = 0,            ///< the reply contains "OK"
@@ -34,7 +41,8 @@ public:
     static constexpr std::int16_t kPacedDelayMs = 50;
 
     /// All of these must outlive the link.
-    SerialLink(FlashHost& host, const CAppSettings& settings, Clock& clock, MessagePump& pump);
+    SerialLink(const FlashView& view, SerialControl& comm, const FlashFlags& flags,
+               const CAppSettings& settings, Clock& clock, MessagePump& pump);
 
     /// Prepares the closed control from the settings: port, line, no receive events.
     void SetupCommPortFlash();
@@ -56,17 +64,18 @@ public:
     /// error. The input buffer is empty afterwards.
     void SendData(std::string& text, bool paced, SendResult& result);
 
-    /// True after an abort or close request, or once the window is unloaded.
+    /// True after an abort or close request, or once the view has gone.
     bool EndWanted() const;
 
-    /// Waits, pumping messages; ends early when the window is unloaded.
+    /// Waits, pumping messages; ends early when the view has gone.
     void Wait(std::int16_t ms);
 
 private:
     SendResult AwaitReply(std::int32_t start);
 
-    FlashHost& mHost;
+    const FlashView& mView;
     SerialControl& mComm;
+    const FlashFlags& mFlags;
     const CAppSettings& mSettings;
     Clock& mClock;
     MessagePump& mPump;

@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "app/base/LoadResources.hpp"
+#include "app/base/modSupport.hpp"
 #include "monitor/frmPortSettings.hpp"
 #include "monitor/frmSend.hpp"
 #include "platform/MessageBoxes.hpp"
@@ -317,7 +318,7 @@ std::string frmMonitor::GetFile(const std::string& fileName) {
 
 bool frmMonitor::SendLines(const std::string& text, frmSend& progress) {
     const std::vector<std::string_view> lines = SplitLines(text);
-    const std::string last = std::to_string(lines.size() - 1);
+    const auto last = static_cast<std::int32_t>(lines.size() - 1);
     CDelay delay(mPlatform.clock, mPlatform.pump);
     delay.Waiting = [this](bool& cancel) { cancel = Gone() || !comMonitor.PortOpen(); };
     bool sent = false;
@@ -335,8 +336,7 @@ bool frmMonitor::SendLines(const std::string& text, frmSend& progress) {
         lost = !comMonitor.PortOpen();
         sent = !lost;
         if (lost) break;
-        progress.status(Text(Str::Line) + " " + std::to_string(i) + " " + Text(Str::Of) + " " +
-                        last);
+        progress.status(LineOf(mPlatform.strings, static_cast<std::int32_t>(i), last));
         mPlatform.pump.PumpPending();
         if (Gone()) return false;
         sent = !MustStop(progress);

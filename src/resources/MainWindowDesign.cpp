@@ -77,9 +77,6 @@ constexpr std::array kControls = {
     ControlDesign{ProgressBar, "pbarStatus", -1, "picFlash", {}, "", "", kProgress},
     ControlDesign{Label, "lblWarning", -1, "picFlash", {}, "", "", kWarning},
     ControlDesign{CommandButton, "cmdFlashAbort", -1, "picFlash", {}, "&Abort", "311"},
-
-    ControlDesign{Timer, "tmrFlashTimeout", -1, "", {}, "", ""},
-    ControlDesign{SerialControl, "mobjComm", -1, "", {}, "", ""},
 };
 
 }  // namespace

@@ -156,6 +156,11 @@ std::string TwoDigits(std::int32_t value) {
            digits;
 }
 
+std::string TimeOfDay(std::int32_t seconds) {
+    return TwoDigits(seconds / 3600) + ":" + TwoDigits(seconds / 60 % 60) + ":" +
+           TwoDigits(seconds % 60);
+}
+
 std::int32_t CheckedAdd(std::int32_t a, std::int32_t b) {
     return Checked(std::int64_t{a} + b);
 }

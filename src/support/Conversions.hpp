@@ -42,6 +42,9 @@ std::string FromBool(bool value);
 /// `value` with at least two digits: "05", "12".
 std::string TwoDigits(std::int32_t value);
 
+/// `seconds` since midnight, not negative, as a time of day: "00:04:07".
+std::string TimeOfDay(std::int32_t seconds);
+
 /// a + b and a * b as 32-bit signed numbers. Raise RuntimeError 6 when they do not fit.
 std::int32_t CheckedAdd(std::int32_t a, std::int32_t b);
 std::int32_t CheckedMultiply(std::int32_t a, std::int32_t b);

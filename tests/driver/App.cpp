@@ -27,16 +27,11 @@ std::wstring& DesktopName() {
     return name;
 }
 
-bool HasNumber(const ControlDesign& row, bool menuItem) {
-    if ((row.kind == ControlKind::MenuItem) != menuItem) return false;
-    return row.kind != ControlKind::Timer && row.kind != ControlKind::SerialControl;
-}
-
 /// Control IDs follow the order of the design, counted separately for windows and menu items.
 int Number(const FormDesign& design, const char* name, int index, bool menuItem) {
     int number = 0;
     for (const ControlDesign& row : design.controls) {
-        if (!HasNumber(row, menuItem)) continue;
+        if ((row.kind == ControlKind::MenuItem) != menuItem) continue;
         if (std::string(name) == row.name && index == row.index) return number;
         ++number;
     }
@@ -61,8 +56,10 @@ UINT CommandOf(const FormDesign& design, const char* item) {
 
 /// A window does not carry the name of its design; the number of controls identifies it.
 bool IsMadeFrom(HWND form, const FormDesign& design) {
-    const auto count = static_cast<int>(std::ranges::count_if(
-        design.controls, [](const ControlDesign& row) { return HasNumber(row, false); }));
+    const auto count =
+        static_cast<int>(std::ranges::count_if(design.controls, [](const ControlDesign& row) {
+            return row.kind != ControlKind::MenuItem;
+        }));
     return GetDlgItem(form, kFirstChild + count - 1) != nullptr &&
            GetDlgItem(form, kFirstChild + count) == nullptr;
 }

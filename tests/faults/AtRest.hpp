@@ -16,8 +16,8 @@ inline std::string NotAtRest(frmMain& window, const HeadlessPlatform& platform) 
         if (!holds) what += std::string(name) + "; ";
     };
     require(!platform.ports.IsOpen("COM1"), "port open");
-    require(!window.tmrFlashTimeout.Enabled(), "timer running");
-    require(!window.Flags().mblnFlashing, "still flashing");
+    require(!window.Session().AwaitsVerdict(), "timer running");
+    require(!window.Session().Flashing(), "still flashing");
     require(window.cmdFlash.Enabled() && window.mnuFileFlash.Enabled() &&
                 window.mnuToolsOptions.Enabled() && window.mnuToolsMonitor.Enabled(),
             "buttons disabled");

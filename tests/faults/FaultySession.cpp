@@ -191,7 +191,7 @@ public:
     }
     ~SessionRun() {
         mHeadless.peers.onChange = {};
-        mWindow->Flags().mblnFlashing = false;
+        mWindow->Session().Flags().mblnFlashing = false;
         mWindow->Unload();
     }
     SessionRun(const SessionRun&) = delete;
@@ -284,7 +284,7 @@ private:
                 mWindow->Unload();
             else
                 mWindow->cmdFlashAbort.Press();
-            const FlashFlags& flags = mWindow->Flags();
+            const FlashFlags& flags = mWindow->Session().Flags();
             const bool streaming = mWindow->Session().Outcome() == FlashOutcome::None;
             if (mEndWanted || !streaming) return;
             mEndWanted = flags.mblnAbortFlash || flags.mblnCloseRequested || mWindow->Gone();
@@ -298,7 +298,7 @@ private:
         if (mWindow->Session().Outcome() == FlashOutcome::NothingAccepted) mWindow->Unload();
         if (mHeadless.clock.Milliseconds() < kLongestSession) return;
         Violated("does not end");
-        mWindow->Flags() = {.mblnFlashing = false, .mblnAbortFlash = true};
+        mWindow->Session().Flags() = {.mblnFlashing = false, .mblnAbortFlash = true};
     }
 
     void CheckReport(const Judgement& judgement) {
@@ -311,7 +311,8 @@ private:
             Violated("outcome " + OutcomeName(judgement.outcome) + ", due was " +
                      OutcomeName(due.outcome));
         // A session whose window is closed shows no message boxes.
-        if (mEndWanted && judgement.gone && !mWindow->Flags().mblnCloseRequested) due.boxes.clear();
+        if (mEndWanted && judgement.gone && !mWindow->Session().Flags().mblnCloseRequested)
+            due.boxes.clear();
         const Texts told = Told(mHeadless);
         if (told == due.boxes) return;
         std::string texts = "boxes:";

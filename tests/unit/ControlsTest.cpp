@@ -1,11 +1,13 @@
 // Windows, events, timers and the serial control without a screen.
 #include <gtest/gtest.h>
 
+#include <optional>
 #include <stdexcept>
 
 #include "Wire.hpp"
 #include "controls/Controls.hpp"
-#include "controls/SerialControl.hpp"
+#include "flash/SerialControl.hpp"
+#include "support/Timer.hpp"
 #include "tests/faults/ReportingPlatform.hpp"
 
 namespace vantor {
@@ -13,21 +15,17 @@ namespace {
 
 constexpr std::array kRows = {
     ControlDesign{ControlKind::CommandButton, "cmdGo", -1, "", {}, "Go", ""},
-    ControlDesign{ControlKind::Timer, "tmr", -1, "", {}, "", ""},
-    ControlDesign{ControlKind::SerialControl, "comm", -1, "", {}, "", ""}};
+    ControlDesign{ControlKind::CommandButton, "cmdStop", -1, "", {}, "Stop", ""}};
 const FormDesign kDesign = {"frmTest", "", "", {}, kRows};
-const FormDesign kRowMissing = {"frmTest", "", "", {}, std::span(kRows).first(2)};
+const FormDesign kRowMissing = {"frmTest", "", "", {}, std::span(kRows).first(1)};
 
 class Window : public Form {
 public:
     explicit Window(ReportingPlatform& platform, const FormDesign& design = kDesign)
-        : Form(platform.manager, design),
-          tmr(*this, "tmr", platform.pump, 10),
-          comm(*this, "comm", platform.ports) {}
+        : Form(platform.manager, design) {}
 
     CommandButton cmdGo{*this, "cmdGo"};
-    Timer tmr;
-    SerialControl comm;
+    CommandButton cmdStop{*this, "cmdStop"};
 };
 
 class ControlsTest : public testing::Test {
@@ -96,23 +94,23 @@ TEST_F(ControlsTest, AnEventIsNotRaisedWithinItsOwnHandler) {
 
 TEST_F(ControlsTest, ATimerTicksAtItsIntervalOnlyWhileEnabled) {
     int ticks = 0;
-    mWindow->tmr.Tick.Connect([&ticks] { ++ticks; });
+    std::optional<Timer> timer(std::in_place, mPlatform.pump, 10, [&ticks] { ++ticks; });
     const auto ticksAfter = [this, &ticks](int pumps) {
         for (int i = 0; i < pumps; ++i) mPlatform.pump.PumpPending();
         return ticks;
     };
     EXPECT_EQ(ticksAfter(30), 0) << "it is made disabled";
-    mWindow->tmr.Enabled(true);
+    timer->Enabled(true);
     EXPECT_EQ(ticksAfter(9), 0);
-    mWindow->tmr.Enabled(true);
+    timer->Enabled(true);
     EXPECT_EQ(ticksAfter(1), 1) << "enabling it again must not start the interval anew";
     EXPECT_EQ(ticksAfter(20), 3);
     mPlatform.clock.Sleep(10);
-    mWindow->tmr.Enabled(false);
+    timer->Enabled(false);
     EXPECT_EQ(ticksAfter(30), 3) << "a tick that was due when it was disabled";
-    mWindow->tmr.Enabled(true);
-    mWindow.reset();
-    EXPECT_EQ(ticksAfter(20), 3) << "a tick for a window that is no more";
+    timer->Enabled(true);
+    timer.reset();
+    EXPECT_EQ(ticksAfter(20), 3) << "a tick of a timer that is no more";
 }
 
 TEST(ParseLineSettings, NoBrokenTextMayOpenALine) {
@@ -136,7 +134,7 @@ protected:
     ~SerialControlTest() override { mComm.ClosePort(); }
 
     Wire mWire;
-    SerialControl& mComm = mWindow->comm;
+    SerialControl mComm{mPlatform.ports, {}};
 };
 
 TEST_F(SerialControlTest, AnOpenThatFailsLeavesThePortClosedAndSaysNothing) {

@@ -77,7 +77,7 @@ TEST_F(SessionFixture, LinesAreNumberedFromZeroAndTheLastElevenCannotBeAborted) 
     std::string warningAt;
     headless.peers.onChange = [&](const Control& control, Property what) {
         if (what != Property::Caption || &control != &window->lblWarning) return;
-        if (window->Flags().mblnFlashing && warningAt.empty())
+        if (window->Session().Flags().mblnFlashing && warningAt.empty())
             seen.push_back(window->lblStatus.Caption() + ", " +
                            std::to_string(window->pbarStatus.Value()) + " %" +
                            (window->cmdFlashAbort.Enabled() ? ", abort" : ""));
@@ -131,7 +131,7 @@ TEST_F(SessionFixture, AFinalPhaseThatCannotBeArmedIsReportedAndEndsTheSession) 
         WhenStatusIs("Line 30 of 30", [refuse] { *refuse = true; });
         const TimerId hung = headless.pump.StartTimer(120000, [&] {
             ADD_FAILURE() << "does not end";
-            window->Flags().mblnFlashing = false;
+            window->Session().Flags().mblnFlashing = false;
         });
         Flash();
         *refuse = false;
@@ -150,7 +150,7 @@ TEST_F(SessionFixture, AVerdictThatWaitsAlreadyShowsWithoutTheWaitCursorAndStart
     window->Session().FlashIndicator(kPath);
     EXPECT_THAT(Boxes(), ElementsAre(kDone));
     EXPECT_EQ(pointer, MousePointer::Default);
-    EXPECT_FALSE(window->tmrFlashTimeout.Enabled());
+    EXPECT_FALSE(window->Session().AwaitsVerdict());
     EXPECT_EQ(window->Session().Outcome(), Done);
 }
 

@@ -132,12 +132,12 @@ TEST_F(MonitorTest, ASecondWindowIsBesideTheFirst) {
 }
 
 TEST_F(MonitorTest, ACloseOfTheMainWindowThatWaitsGoesOnWhenTheMonitorUnloads) {
-    mMain->Flags().mblnFlashing = true;
+    mMain->Session().Flags().mblnFlashing = true;
     mMain->Unload();
     mMonitor->Unload();
     EXPECT_FALSE(mMain->Gone()) << "the flash comes first";
     mMonitor = Open();
-    mMain->Flags().mblnFlashing = false;
+    mMain->Session().Flags().mblnFlashing = false;
     mMonitor->Unload();
     EXPECT_TRUE(mMain->Gone());
 }
@@ -262,7 +262,7 @@ TEST_F(MonitorTest, ASendEndsWithThePortAndSaysSo) {
 }
 
 TEST_F(MonitorTest, AnUpdateIsNotHeldUpByASend) {
-    After(60, [this] { mMain->Flags().mblnFlashing = true; });
+    After(60, [this] { mMain->Session().Flags().mblnFlashing = true; });
     EXPECT_FALSE(Send("1\r\n2\r\n3\r\n"));
     EXPECT_EQ(mWire.received, "1\r2\r");
     mMonitor->mnuCaptureSend.Press();
@@ -273,7 +273,7 @@ TEST_F(MonitorTest, AnUpdateIsNotHeldUpByASend) {
     mMonitor->comMonitor.Key("0123456789");
     mMonitor->mnuCommClose.Press();
     EXPECT_LT(mWire.received.size(), 10u);
-    mMain->Flags().mblnFlashing = false;
+    mMain->Session().Flags().mblnFlashing = false;
 }
 
 TEST_F(MonitorTest, OnASlowLineTheProgressKeepsToItACancelEndsItAndACloseWaitsForIt) {

@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include "flash/SerialControl.hpp"
 #include "settings/CAppSettings.hpp"
 #include "tests/unit/SessionFixture.hpp"
 #include "tests/unit/Wire.hpp"
@@ -16,9 +17,9 @@ protected:
     LinkFixture() {
         headless.ports.Plug("COM1", far);
         link.SetupCommPortFlash();
-        window->mobjComm.OpenPort();
+        comm.OpenPort();
     }
-    ~LinkFixture() override { window->mobjComm.ClosePort(); }
+    ~LinkFixture() override { comm.ClosePort(); }
 
     SendResult Send(std::string text, bool paced = false) {
         auto result = SendResult::SendOK;
@@ -27,7 +28,9 @@ protected:
     }
 
     Wire far;
-    SerialLink link{*window, window->Settings(), headless.clock, headless.pump};
+    SerialControl comm{headless.ports, {}};
+    FlashFlags flags;
+    SerialLink link{*window, comm, flags, window->Settings(), headless.clock, headless.pump};
 };
 
 TEST_F(LinkFixture, EveryTextGoesOutWithExactlyOneCarriageReturn) {
@@ -56,7 +59,7 @@ TEST_F(LinkFixture, TheFirstKnownWordInTheOrderOfTheTestsWins) {
     for (const auto& [reply, result] : rows) {
         far.onReceive = [this, text = reply] { far.sent = text; };
         EXPECT_EQ(Send("L"), result) << reply;
-        EXPECT_EQ(window->mobjComm.InBufferCount(), 0u);
+        EXPECT_EQ(comm.InBufferCount(), 0u);
     }
 }
 
@@ -74,7 +77,7 @@ TEST_F(LinkFixture, ATextThatIsNoReplyFailsAfterTwentySecondsAndAWordInPiecesIsF
 }
 
 TEST_F(LinkFixture, AClosedPortSendsNothingAndFails) {
-    window->mobjComm.ClosePort();
+    comm.ClosePort();
     EXPECT_EQ(Send("L"), SendResult::SendFailed);
     link.RawSend("raw");
     EXPECT_EQ(far.received, "");

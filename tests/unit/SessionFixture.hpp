@@ -45,7 +45,7 @@ protected:
     }
     ~SessionFixture() override {
         if (!window->Gone()) ExpectAtRest();
-        window->Flags().mblnFlashing = false;
+        window->Session().Flags().mblnFlashing = false;
         window->Unload();
     }
 

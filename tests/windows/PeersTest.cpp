@@ -306,7 +306,8 @@ TEST_F(PeersInAFlash, RefuseShutdownAndSleepAndHonourBothWhenIdle) {
     };
     Flash();
     EXPECT_EQ(boxes, 2);
-    EXPECT_FALSE(window->Flags().mblnCloseRequested || window->Flags().mblnAbortFlash);
+    EXPECT_FALSE(window->Session().Flags().mblnCloseRequested ||
+                 window->Session().Flags().mblnAbortFlash);
     EXPECT_TRUE(mayEnd());
     EXPECT_EQ(wake(), ES_CONTINUOUS);
     SendMessageW(WindowOf(*window), WM_ENDSESSION, TRUE, 0);

@@ -4,6 +4,7 @@
 
 #include "platform/MessagePump.hpp"
 #include "platform/Process.hpp"
+#include "platform/StringTable.hpp"
 #include "support/Traps.hpp"
 
 namespace vantor {
@@ -39,6 +40,11 @@ void DoEventsNice(MessagePump& pump) {
         pump.AwaitInput();
     });
     counter = 0;
+}
+
+std::string LineOf(const StringTable& strings, std::int32_t index, std::int32_t last) {
+    return strings.Text(Str::Line) + " " + std::to_string(index) + " " + strings.Text(Str::Of) +
+           " " + std::to_string(last);
 }
 
 }  // namespace vantor

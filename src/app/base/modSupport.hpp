@@ -1,12 +1,14 @@
-// Three small procedures used by all modules.
+// Small procedures used by all modules.
 #pragma once
 
+#include <cstdint>
 #include <string>
 
 namespace vantor {
 
 class MessagePump;
 class Process;
+class StringTable;
 
 /// The folder of the program's file, with a trailing backslash. An error is shown in a box of this
 /// module; the result is then empty.
@@ -17,5 +19,8 @@ std::string AddFinalSlash(const std::string& path);
 
 /// A cheap message pump for wait loops: pumps on every second call. Never raises.
 void DoEventsNice(MessagePump& pump);
+
+/// "Line 12 of 3401", in the user's language. Both are indices, counted from 0.
+std::string LineOf(const StringTable& strings, std::int32_t index, std::int32_t last);
 
 }  // namespace vantor

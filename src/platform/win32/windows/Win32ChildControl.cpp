@@ -58,8 +58,7 @@ Looks LooksOf(const Control& control, const ControlDesign& row) {
 }  // namespace
 
 bool HasWindow(ControlKind kind) {
-    return kind != ControlKind::MenuItem && kind != ControlKind::Timer &&
-           kind != ControlKind::SerialControl;
+    return kind != ControlKind::MenuItem;
 }
 
 Win32ChildControl::Win32ChildControl(Win32Context& context, Control& control,

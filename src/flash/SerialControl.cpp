@@ -1,15 +1,6 @@
-#include "controls/SerialControl.hpp"
-
-#include <utility>
+#include "flash/SerialControl.hpp"
 
 namespace vantor {
-
-SerialControl::SerialControl(Form& parent, std::string name, SerialPorts& ports)
-    : Control(parent, ControlKind::SerialControl, std::move(name)), mPort(ports) {}
-
-void SerialControl::OpenPort() {
-    mPort.Open(Listener());
-}
 
 void SerialControl::ReceiveThreshold(std::size_t bytes) {
     mReceiveThreshold = bytes;

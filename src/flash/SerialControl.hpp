@@ -1,28 +1,34 @@
-// The serial communications control: a port that a window configures by strings, opens,
-// and reads and writes through buffers.
+// The serial communications control of a flash session: a port that is configured by strings,
+// opened, and read and written through buffers, with an event for received bytes.
 #pragma once
 
 #include <cstddef>
 #include <functional>
+#include <memory>
 #include <optional>
 #include <string>
 #include <string_view>
+#include <utility>
 
 #include "controls/BufferedPort.hpp"
-#include "controls/Control.hpp"
 #include "controls/Event.hpp"
 
 namespace vantor {
 
-/// A serial port as a control. Text in both directions is bytes, passed unchanged:
-/// raw mode, no flow control, DTR and RTS asserted while open. No line error raises:
-/// a failed open or a lost device shows only in `PortOpen`.
-class SerialControl : public Control {
+/// Text in both directions is bytes, passed unchanged: raw mode, no flow control, DTR and RTS
+/// asserted while open. No line error raises: a failed open or a lost device shows only in
+/// `PortOpen`.
+class SerialControl {
 public:
-    SerialControl(Form& parent, std::string name, SerialPorts& ports);
+    /// `ports` outlives the object. `keepAlive` keeps the object's owner alive while the receive
+    /// event is handled.
+    SerialControl(SerialPorts& ports, std::function<std::shared_ptr<void>()> keepAlive)
+        : Receive(std::move(keepAlive)), mPort(ports) {}
+
+    /// Bytes have arrived. Not re-entrant; bytes that arrive meanwhile stay in the buffer.
+    Event<> Receive;
 
     /// The port's name, "COM1" style; a bare number n means COMn. Takes effect at the next open.
-    const std::string& Port() const { return mPort.name; }
     void Port(std::string name) { mPort.name = std::move(name); }
 
     /// The settings string (see ParseLineSettings), checked and used at the next open.
@@ -30,7 +36,7 @@ public:
     void Settings(std::string settings) { mPort.settings = std::move(settings); }
 
     /// Opens the port, closing it first when it is open.
-    void OpenPort();
+    void OpenPort() { mPort.Open(Listener()); }
     void ClosePort() { mPort.Close(); }
     bool PortOpen() const { return mPort.IsOpen(); }
     /// Why the last `OpenPort` failed (see BufferedPort::OpenError).
@@ -50,10 +56,6 @@ public:
     /// 0: no receive events. n: an event whenever at least n bytes are waiting. When enough bytes
     /// are already waiting, setting it raises the event at once.
     void ReceiveThreshold(std::size_t bytes);
-    std::size_t ReceiveThreshold() const { return mReceiveThreshold; }
-
-    /// Bytes have arrived. Not re-entrant; bytes that arrive meanwhile stay in the buffer.
-    Event<> Receive{[this] { return KeepParent(); }};
 
 private:
     std::function<void()> Listener();

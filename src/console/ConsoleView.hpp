@@ -1,0 +1,82 @@
+// A flash session on a console: its progress, messages and question as text.
+#pragma once
+
+#include <cstdint>
+#include <memory>
+#include <optional>
+#include <string>
+
+#include "console/ProgressLine.hpp"
+#include "flash/FlashView.hpp"
+#include "platform/MessageBoxes.hpp"
+
+namespace vantor {
+
+/// Boxes as text: the title above the message. Warnings and failures go to standard error.
+/// Questions are asked on the console unless they are answered in advance.
+class ConsoleBoxes : public MessageBoxes {
+public:
+    ConsoleBoxes(Console& console, const StringTable& strings, ProgressLine& progress,
+                 bool alwaysYes)
+        : mConsole(console), mStrings(strings), mProgress(progress), mAlwaysYes(alwaysYes) {}
+
+    BoxAnswer Show(const MessageBoxRequest& request) override;
+    void Beep() override;
+
+private:
+    BoxAnswer Ask();
+
+    Console& mConsole;
+    const StringTable& mStrings;
+    ProgressLine& mProgress;
+    bool mAlwaysYes;
+};
+
+/// The view of a session whose image is named on the command line. It has no panels and no
+/// buttons; the interrupt key is the abort button.
+class ConsoleView : public FlashView {
+public:
+    /// `quiet` leaves out everything but boxes. All references outlive the view.
+    ConsoleView(Console& console, const StringTable& strings, ProgressLine& progress,
+                ConsoleBoxes& boxes, std::string image, bool quiet);
+
+    bool AbortAllowed() const { return mAbortAllowed; }
+
+    bool Gone() const override { return false; }  // the user cannot close it
+    // The view and the session are members of one object, which outlives every handler.
+    std::shared_ptr<void> KeepAlive() override { return nullptr; }
+    void Begin() override {}
+    std::optional<std::string> ChooseImage() override { return mImage; }
+    void HoldSystem(const std::string& reason) override;
+    void Busy(bool) override {}
+    bool Confirm(const std::string& question) override;
+    void ShowStage(const std::string& name) override { Print(name); }
+    void AllowAbort(bool allowed) override { mAbortAllowed = allowed; }
+    void ShowLine(std::int32_t index, std::int32_t last, std::int16_t elapsedSeconds) override;
+    void ShowPercent(std::int16_t percent) override;
+    void ShowWarning(const std::string& text) override;
+    void Beep() override { mBoxes.Beep(); }
+    void OpenStatus(const std::string& message) override;
+    void CloseStatus() override {}
+    void ShowAborted(const std::string&) override {}  // the report says it too
+    void Report(BoxIcon icon, const std::string& text, const std::string& title) override;
+    void ClearProgress() override {}
+    void End() override {}
+    void Exit() override {}
+
+private:
+    /// Prints a line below the progress.
+    void Print(const std::string& text);
+
+    Console& mConsole;
+    const StringTable& mStrings;
+    ProgressLine& mProgress;
+    ConsoleBoxes& mBoxes;
+    std::string mImage;
+    bool mQuiet;
+    bool mAbortAllowed = false;
+    std::string mLine;  // as shown last
+    std::string mElapsed;
+};
+
+}  // namespace vantor

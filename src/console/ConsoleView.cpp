@@ -7,6 +7,7 @@
 #include "platform/Console.hpp"
 #include "platform/StringTable.hpp"
 #include "support/Conversions.hpp"
+#include "support/text/Text.hpp"
 
 namespace vantor {
 namespace {

@@ -4,6 +4,7 @@
 
 #include "console/Options.hpp"
 #include "support/Conversions.hpp"
+#include "support/text/Unicode.hpp"
 
 namespace vantor {
 namespace {

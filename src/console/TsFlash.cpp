@@ -22,6 +22,8 @@
 #include "settings/CAppSettings.hpp"
 #include "support/Conversions.hpp"
 #include "support/Traps.hpp"
+#include "support/text/Text.hpp"
+#include "support/text/Unicode.hpp"
 
 namespace vantor {
 namespace {

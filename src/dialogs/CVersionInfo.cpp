@@ -5,6 +5,7 @@
 #include <cstdio>
 
 #include "support/Conversions.hpp"
+#include "support/text/Text.hpp"
 
 namespace vantor {
 

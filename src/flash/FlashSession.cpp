@@ -9,6 +9,7 @@
 #include "platform/StringTable.hpp"
 #include "support/Conversions.hpp"
 #include "support/Traps.hpp"
+#include "support/text/Text.hpp"
 
 namespace vantor {
 namespace {

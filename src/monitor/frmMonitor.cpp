@@ -16,6 +16,7 @@
 #include "support/CFileDialog.hpp"
 #include "support/Conversions.hpp"
 #include "support/Traps.hpp"
+#include "support/text/Text.hpp"
 
 namespace vantor {
 namespace {
@@ -305,9 +306,10 @@ bool frmMonitor::SendFile(const std::string& fileName) {
 
 /// Normal files only: hidden and system files count as missing.
 bool frmMonitor::FileExists(const std::string& fileName) const {
-    const std::size_t name = fileName.find_last_of("\\/") + 1;
     return !fileName.empty() &&
-           !mPlatform.files.List(fileName.substr(0, name), fileName.substr(name), {}).empty();
+           !mPlatform.files
+                .List(std::string(FolderOf(fileName)), std::string(FileNameOf(fileName)), {})
+                .empty();
 }
 
 std::string frmMonitor::GetFile(const std::string& fileName) {

@@ -7,6 +7,8 @@
 #include "settings/CEncryption.hpp"
 #include "settings/CProgramSettings.hpp"
 #include "support/Traps.hpp"
+#include "support/text/Text.hpp"
+#include "support/text/Unicode.hpp"
 
 namespace vantor {
 namespace {

@@ -11,6 +11,8 @@
 #include "settings/CBrokenRules.hpp"
 #include "support/Conversions.hpp"
 #include "support/errors/RuntimeError.hpp"
+#include "support/text/Text.hpp"
+#include "support/text/Unicode.hpp"
 
 namespace vantor {
 

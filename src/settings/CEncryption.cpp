@@ -4,6 +4,7 @@
 #include "platform/Files.hpp"
 #include "support/Conversions.hpp"
 #include "support/Traps.hpp"
+#include "support/text/Unicode.hpp"
 
 namespace vantor {
 namespace {
@@ -11,31 +12,9 @@ namespace {
 /// UTF-8 to UTF-16 units, each as two little-endian bytes; invalid UTF-8 becomes U+FFFD.
 std::vector<std::uint8_t> WideBytes(std::string_view utf8) {
     std::vector<std::uint8_t> bytes;
-    const auto unit = [&bytes](std::uint32_t value) {
-        bytes.push_back(static_cast<std::uint8_t>(value & 0xffu));
-        bytes.push_back(static_cast<std::uint8_t>(value >> 8));
-    };
-    for (std::size_t i = 0; i < utf8.size();) {
-        const auto lead = static_cast<unsigned char>(utf8[i++]);
-        const int more = lead < 0x80    ? 0
-                         : lead >= 0xf0 ? 3
-                         : lead >= 0xe0 ? 2
-                         : lead >= 0xc0 ? 1
-                                        : -1;
-        std::uint32_t point = more < 0 ? 0xfffdu : more == 0 ? lead : lead & (0x3fu >> more);
-        for (int k = 0; k < more; ++k) {
-            if (i == utf8.size() || (static_cast<unsigned char>(utf8[i]) & 0xc0u) != 0x80u) {
-                point = 0xfffdu;
-                break;
-            }
-            point = point << 6 | (static_cast<unsigned char>(utf8[i++]) & 0x3fu);
-        }
-        if (point > 0xffffu) {
-            unit(0xd800u + ((point - 0x10000u) >> 10 & 0x3ffu));
-            unit(0xdc00u + (point & 0x3ffu));
-        } else {
-            unit(point);
-        }
+    for (const char16_t unit : Utf16FromUtf8(utf8)) {
+        bytes.push_back(static_cast<std::uint8_t>(unit & 0xffu));
+        bytes.push_back(static_cast<std::uint8_t>(unit >> 8u));
     }
     return bytes;
 }

@@ -11,6 +11,7 @@
 #include "settings/CAppSettings.hpp"
 #include "support/Conversions.hpp"
 #include "support/Traps.hpp"
+#include "support/text/Text.hpp"
 
 namespace vantor {
 namespace {

@@ -1,4 +1,5 @@
 #include "simulator/RunningMode.hpp"
+#include "support/text/Text.hpp"
 
 #include <algorithm>
 #include <array>
@@ -11,13 +12,6 @@ namespace {
 constexpr int kLoadHundredths = 125'40;
 constexpr std::size_t kLongestLine = 80;
 constexpr std::string_view kLineEnd = "\r\n";
-
-std::string UpperCase(std::string_view text) {
-    std::string upper(text);
-    for (char& letter : upper)
-        if (letter >= 'a' && letter <= 'z') letter = static_cast<char>(letter - 'a' + 'A');
-    return upper;
-}
 
 std::string_view Trimmed(std::string_view text) {
     while (text.starts_with(' ')) text.remove_prefix(1);

@@ -4,6 +4,7 @@
 
 #include "support/Conversions.hpp"
 #include "support/Traps.hpp"
+#include "support/text/Unicode.hpp"
 
 namespace vantor {
 namespace {

@@ -8,6 +8,7 @@
 #include <optional>
 
 #include "support/errors/RuntimeError.hpp"
+#include "support/text/Text.hpp"
 
 namespace vantor {
 namespace {
@@ -95,17 +96,7 @@ std::int32_t Checked(std::int64_t value) {
     return static_cast<std::int32_t>(value);
 }
 
-bool ContinuesCharacter(char c) {
-    return (static_cast<unsigned char>(c) & 0xc0u) == 0x80u;
-}
-
 }  // namespace
-
-std::string_view TrimBlanks(std::string_view text) {
-    const std::size_t first = text.find_first_not_of(' ');
-    if (first == std::string_view::npos) return {};
-    return text.substr(first, text.find_last_not_of(' ') - first + 1);
-}
 
 double LeadingNumber(std::string_view text) {
     text.remove_prefix(std::min(text.size(), text.find_first_not_of(' ')));
@@ -167,30 +158,6 @@ std::int32_t CheckedAdd(std::int32_t a, std::int32_t b) {
 
 std::int32_t CheckedMultiply(std::int32_t a, std::int32_t b) {
     return Checked(std::int64_t{a} * b);
-}
-
-std::size_t CharacterCount(std::string_view utf8) {
-    return utf8.size() - static_cast<std::size_t>(std::ranges::count_if(utf8, ContinuesCharacter));
-}
-
-std::string FixedWidth(std::string_view utf8, std::size_t width) {
-    std::size_t end = 0;
-    std::size_t count = 0;
-    while (end < utf8.size()) {
-        if (!ContinuesCharacter(utf8[end])) {
-            if (count == width) break;
-            ++count;
-        }
-        ++end;
-    }
-    return std::string(utf8.substr(0, end)) + std::string(width - count, ' ');
-}
-
-std::string UpperCase(std::string_view text) {
-    std::string upper(text);
-    for (char& c : upper)
-        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - 'a' + 'A');
-    return upper;
 }
 
 }  // namespace vantor

@@ -9,9 +9,6 @@
 
 namespace vantor {
 
-/// `text` without leading and trailing spaces (character 32 only).
-std::string_view TrimBlanks(std::string_view text);
-
 /// Parses the number at the start of `text`: skips leading spaces, then reads sign,
 /// digits, point and exponent up to the first character that is not part of a number.
 /// Returns 0 when there is none. Raises RuntimeError 6 when it is too large for a double.
@@ -48,15 +45,5 @@ std::string TimeOfDay(std::int32_t seconds);
 /// a + b and a * b as 32-bit signed numbers. Raise RuntimeError 6 when they do not fit.
 std::int32_t CheckedAdd(std::int32_t a, std::int32_t b);
 std::int32_t CheckedMultiply(std::int32_t a, std::int32_t b);
-
-/// Number of characters in UTF-8 text. A stray continuation byte in invalid UTF-8 counts as part of
-/// the preceding character.
-std::size_t CharacterCount(std::string_view utf8);
-
-/// `utf8` padded with spaces, or truncated, to exactly `width` characters.
-std::string FixedWidth(std::string_view utf8, std::size_t width);
-
-/// `text` with ASCII letters in upper case.
-std::string UpperCase(std::string_view text);
 
 }  // namespace vantor

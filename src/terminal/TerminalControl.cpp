@@ -13,6 +13,7 @@
 #include "platform/StringTable.hpp"
 #include "support/Traps.hpp"
 #include "support/errors/RuntimeError.hpp"
+#include "support/text/Unicode.hpp"
 
 namespace vantor {
 namespace {
@@ -57,20 +58,10 @@ std::string WithLineEnds(std::string_view text, std::string_view lineEnd) {
     return result;
 }
 
-/// The first character of non-empty UTF-8 text.
-std::string_view FirstCharacter(std::string_view utf8) {
-    std::size_t length = 1;
-    while (length < utf8.size() && (static_cast<unsigned char>(utf8[length]) & 0xC0u) == 0x80u)
-        ++length;
-    return utf8.substr(0, length);
-}
-
 /// "→ (U+2192)". The code point is included because some characters are invisible.
 std::string NameOf(std::string_view character) {
-    unsigned code = static_cast<unsigned char>(character.front());
-    if (character.size() > 1) code &= 0xFFu >> (character.size() + 1);
-    for (const char byte : character.substr(1))
-        code = code << 6u | (static_cast<unsigned char>(byte) & 0x3Fu);
+    std::string_view rest = character;
+    const auto code = static_cast<unsigned>(TakeCodePoint(rest));
     std::array<char, 16> number{};
     const int length = std::snprintf(number.data(), number.size(), " (U+%04X)", code);
     return std::string(character) + std::string(number.data(), static_cast<std::size_t>(length));

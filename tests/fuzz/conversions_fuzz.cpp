@@ -3,6 +3,8 @@
 #include "platform/headless/HeadlessPlatform.hpp"
 #include "settings/CEncryption.hpp"
 #include "support/Conversions.hpp"
+#include "support/text/Text.hpp"
+#include "support/text/Unicode.hpp"
 #include "tests/faults/ReportingPlatform.hpp"
 #include "tests/fuzz/Fuzz.hpp"
 

@@ -4,6 +4,7 @@
 #include "app/base/AppInfo.hpp"
 #include "platform/headless/HeadlessPlatform.hpp"
 #include "settings/CAppSettings.hpp"
+#include "support/text/Text.hpp"
 #include "tests/fuzz/Fuzz.hpp"
 
 namespace vantor {

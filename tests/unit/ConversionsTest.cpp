@@ -5,6 +5,7 @@
 
 #include <limits>
 
+#include "support/text/Unicode.hpp"
 #include "tests/faults/ReportingPlatform.hpp"
 
 namespace vantor {

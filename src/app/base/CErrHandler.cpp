@@ -11,6 +11,7 @@
 #include "platform/Process.hpp"
 #include "support/Conversions.hpp"
 #include "support/FormatDateTime.hpp"
+#include "support/text/Text.hpp"
 
 namespace vantor {
 namespace {
@@ -173,8 +174,8 @@ void CErrHandler::WriteReport(const std::string& procedure) {
 
 // The file holds only the latest error, which a technician is asked to send in.
 void CErrHandler::WriteFile(const std::string& path, const std::string& procedure) {
-    if (const std::size_t slash = path.find_last_of("\\/"); slash != std::string::npos)
-        Ignoring([&] { mServices.files.CreateFolders(path.substr(0, slash)); });
+    if (const std::string folder(FolderOf(path)); !folder.empty())
+        Ignoring([&] { mServices.files.CreateFolders(folder); });
     // When another process locks the file against deletion, the report is appended.
     if (mServices.files.Exists(path)) Ignoring([&] { mServices.files.Delete(path); });
     mServices.files.Append(path, ReportText(procedure));

@@ -1,6 +1,7 @@
 #include "platform/headless/HeadlessPlatform.hpp"
 
 #include "controls/Form.hpp"
+#include "support/text/Text.hpp"
 
 namespace vantor {
 
@@ -57,8 +58,7 @@ bool HeadlessDialogs::Answer(FileDialogRecord& record) {
     shown.push_back(record);
     if (choices.empty()) return false;
     record.file = choices.front() + std::string(2, '\0');
-    record.fileTitle =
-        choices.front().substr(choices.front().find_last_of("\\/") + 1) + std::string(2, '\0');
+    record.fileTitle = std::string(FileNameOf(choices.front())) + std::string(2, '\0');
     choices.pop_front();
     return true;
 }

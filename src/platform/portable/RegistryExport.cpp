@@ -6,7 +6,7 @@
 #include <utility>
 
 #include "platform/portable/CodePage1252.hpp"
-#include "platform/portable/Utf16.hpp"
+#include "support/text/Unicode.hpp"
 
 namespace vantor {
 namespace {

@@ -4,8 +4,8 @@
 #include <cctype>
 #include <optional>
 
-#include "platform/portable/Utf16.hpp"
 #include "support/Traps.hpp"
+#include "support/text/Unicode.hpp"
 
 namespace vantor {
 namespace {

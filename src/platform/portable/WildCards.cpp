@@ -2,21 +2,10 @@
 
 #include <cstddef>
 
+#include "support/text/Text.hpp"
+#include "support/text/Unicode.hpp"
+
 namespace vantor {
-namespace {
-
-char Lower(char c) {
-    return c >= 'A' && c <= 'Z' ? static_cast<char>(c + ('a' - 'A')) : c;
-}
-
-/// The end of the UTF-8 character at `at`.
-std::size_t CharacterEnd(std::string_view text, std::size_t at) {
-    do ++at;
-    while (at < text.size() && (static_cast<unsigned char>(text[at]) & 0xC0u) == 0x80u);
-    return at;
-}
-
-}  // namespace
 
 bool MatchesPattern(std::string_view name, std::string_view pattern) {
     if (pattern == "*.*") return true;
@@ -29,13 +18,13 @@ bool MatchesPattern(std::string_view name, std::string_view pattern) {
             star = p++;
             starEnd = n;
         } else if (p < pattern.size() && pattern[p] == '?') {
-            n = CharacterEnd(name, n);
+            n += FirstCharacter(name.substr(n)).size();
             ++p;
-        } else if (p < pattern.size() && Lower(pattern[p]) == Lower(name[n])) {
+        } else if (p < pattern.size() && SameText(pattern.substr(p, 1), name.substr(n, 1))) {
             ++n;
             ++p;
         } else if (star != std::string_view::npos) {
-            starEnd = CharacterEnd(name, starEnd);
+            starEnd += FirstCharacter(name.substr(starEnd)).size();
             n = starEnd;
             p = star + 1;
         } else {

@@ -15,6 +15,7 @@
 
 #include "platform/posix/PosixSerialPort.hpp"
 #include "support/errors/RuntimeError.hpp"
+#include "support/text/Text.hpp"
 
 namespace vantor {
 namespace {
@@ -31,12 +32,6 @@ std::string TableDevice(unsigned comNumber) {
     if (comNumber <= 8) return "/dev/ttyS" + std::to_string(comNumber - 1);
     if (comNumber <= 20) return "/dev/ttyUSB" + std::to_string(comNumber - 9);
     return "/dev/ttyACM" + std::to_string(comNumber - 21);
-}
-
-std::string UpperCase(std::string name) {
-    for (char& c : name)
-        if (c >= 'a' && c <= 'z') c = static_cast<char>(c - ('a' - 'A'));
-    return name;
 }
 
 /// "COM9" before "COM10".

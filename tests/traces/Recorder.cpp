@@ -1,0 +1,518 @@
+#include "tests/traces/Recorder.hpp"
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <optional>
+#include <span>
+#include <vector>
+
+#include "controls/Controls.hpp"
+#include "controls/Form.hpp"
+#include "controls/TreeView.hpp"
+
+namespace vantor::traces {
+namespace {
+
+constexpr const char* kIcons[] = {"none", "stop", "question", "warning", "information"};
+constexpr const char* kButtons[] = {"OK", "YesNo", "YesNoCancel"};
+constexpr const char* kAnswers[] = {"OK", "Yes", "No", "Cancel"};
+
+std::string Line(const LineSettings& line) {
+    return std::to_string(line.bitsPerSecond) + "," + "NOE"[static_cast<std::size_t>(line.parity)] +
+           "," + std::to_string(line.dataBits) + "," + std::to_string(line.stopBits);
+}
+
+std::string Numbers(const Place& place) {
+    std::array<char, 64> text{};
+    std::snprintf(text.data(), text.size(), "%.0f,%.0f %.0fx%.0f", place.left, place.top,
+                  place.width, place.height);
+    return text.data();
+}
+
+/// The text of a window that shows only one; those of other windows are in the tests of windows.
+std::string MessageOf(const Form& form) {
+    std::vector<std::string> texts;
+    for (const Control* control : form.Controls())
+        if (control->Kind() == ControlKind::Label && !control->Caption().empty())
+            texts.push_back(control->Caption());
+    return texts.size() == 1 ? ": " + Quoted(texts.front()) : "";
+}
+
+}  // namespace
+
+std::string Quoted(std::string_view text, Quoting quoting) {
+    std::string quoted = "\"";
+    for (const char c : text) {
+        const auto byte = static_cast<unsigned char>(c);
+        std::array<char, 8> escape{};
+        if (c == '\r') {
+            quoted += "\\r";
+        } else if (c == '\n') {
+            quoted += "\\n";
+        } else if (c == '"' || c == '\\') {
+            quoted += {'\\', c};
+        } else if (byte < 0x20 || byte == 0x7F || (byte > 0x7F && quoting == Quoting::Bytes)) {
+            std::snprintf(escape.data(), escape.size(), "\\x%02X", byte);
+            quoted += escape.data();
+        } else {
+            quoted += c;
+        }
+    }
+    return quoted + "\"";
+}
+
+class RecordedPeer : public FormPeer {
+public:
+    RecordedPeer(Recorder& recorder, Form& form, std::unique_ptr<FormPeer> inner)
+        : mRecorder(recorder), mForm(form), mInner(std::move(inner)) {}
+    ~RecordedPeer() override { mRecorder.Closed(mForm); }
+    RecordedPeer(const RecordedPeer&) = delete;
+    RecordedPeer& operator=(const RecordedPeer&) = delete;
+
+    void Show(ShowMode mode, NativeWindow owner) override {
+        mRecorder.Note("show " + mForm.Name() + (mode == ShowMode::Modal ? " modal" : "") + " at " +
+                       Numbers(mForm.Place()) + ", owner " + mRecorder.NameOf(owner) +
+                       MessageOf(mForm));
+        for (const Control* control : mForm.Controls())
+            if (const auto* combo = dynamic_cast<const ComboBox*>(control))
+                mRecorder.Note(mForm.Name() + "." + control->Name() + " is " +
+                               Quoted(combo->Text()));
+        mInner->Show(mode, owner);
+        if (mode == ShowMode::Modal && mRecorder.onModal) mRecorder.onModal(mForm);
+    }
+    void FormChanged(Property property) override {
+        mInner->FormChanged(property);
+        if (!mForm.Visible()) return;
+        if (property == Property::Caption)
+            mRecorder.Note(mForm.Name() + " title " + Quoted(mForm.Caption()));
+        if (property == Property::Place)
+            mRecorder.Note(mForm.Name() + " at " + Numbers(mForm.Place()));
+    }
+    void ControlChanged(const Control& control, Property property) override {
+        mInner->ControlChanged(control, property);
+        mRecorder.ControlChanged(mForm, control, property);
+    }
+    void DrawLine(const ThinLine& line) override { mInner->DrawLine(line); }
+    Size TextSize(const Control& control, const std::string& face,
+                  const std::string& text) const override {
+        return mInner->TextSize(control, face, text);
+    }
+    NativeWindow WindowHandle() const override { return mInner->WindowHandle(); }
+
+private:
+    Recorder& mRecorder;
+    Form& mForm;
+    std::unique_ptr<FormPeer> mInner;
+};
+
+class RecordedPeers : public Peers {
+public:
+    RecordedPeers(Recorder& recorder, HeadlessPeers& inner) : mRecorder(recorder), mInner(inner) {}
+
+    std::unique_ptr<FormPeer> Draw(Form& form) override {
+        auto peer = std::make_unique<RecordedPeer>(mRecorder, form, mInner.Draw(form));
+        mRecorder.Opened(form, peer->WindowHandle());
+        return peer;
+    }
+    Size ScreenSize() const override { return mInner.ScreenSize(); }
+    void SetMousePointer(MousePointer pointer) override {
+        if (pointer != mInner.pointer)
+            mRecorder.Note(pointer == MousePointer::Hourglass ? "pointer wait" : "pointer default");
+        mInner.SetMousePointer(pointer);
+    }
+    void HoldSystem(const std::string& reason) override {
+        mRecorder.Note(reason.empty() ? "release the system" : "hold the system " + Quoted(reason));
+        mInner.HoldSystem(reason);
+    }
+
+private:
+    Recorder& mRecorder;
+    HeadlessPeers& mInner;
+};
+
+namespace {
+
+class RecordedBoxes : public MessageBoxes {
+public:
+    RecordedBoxes(Recorder& recorder, HeadlessMessageBoxes& inner)
+        : mRecorder(recorder), mInner(inner) {
+        mInner.whileOpen = [this](const MessageBoxRequest& request) {
+            if (mRecorder.onText) mRecorder.onText(request.text);
+        };
+    }
+
+    BoxAnswer Show(const MessageBoxRequest& request) override {
+        const NativeWindow owner =
+            request.owner == 0 ? mRecorder.Headless().peers.Active() : request.owner;
+        mRecorder.Note(std::string("box ") + kIcons[static_cast<int>(request.icon)] + " " +
+                       kButtons[static_cast<int>(request.buttons)] + ", owner " +
+                       mRecorder.NameOf(owner) + ", " + Quoted(request.title) + ": " +
+                       Quoted(request.text));
+        const BoxAnswer answer = mInner.Show(request);
+        if (request.buttons != BoxButtons::Ok)
+            mRecorder.Note(std::string("answer ") + kAnswers[static_cast<int>(answer)]);
+        return answer;
+    }
+    void Beep() override {
+        mRecorder.Note("beep");
+        mInner.Beep();
+    }
+
+private:
+    Recorder& mRecorder;
+    HeadlessMessageBoxes& mInner;
+};
+
+class RecordedDialogs : public CommonDialogs {
+public:
+    RecordedDialogs(Recorder& recorder, HeadlessDialogs& inner)
+        : mRecorder(recorder), mInner(inner) {}
+
+    bool OpenFile(FileDialogRecord& record) override {
+        Note("open", record);
+        return Chosen(mInner.OpenFile(record), record);
+    }
+    bool SaveFile(FileDialogRecord& record) override {
+        Note("save", record);
+        return Chosen(mInner.SaveFile(record), record);
+    }
+
+private:
+    void Note(const char* kind, const FileDialogRecord& record) {
+        std::string filter = record.filter;
+        while (filter.ends_with('\0')) filter.pop_back();
+        for (char& c : filter)
+            if (c == '\0') c = '|';
+        mRecorder.Note(std::string("dialog ") + kind + " " + Quoted(record.title) + ", owner " +
+                       mRecorder.NameOf(record.owner) + ", extension " +
+                       Quoted(record.defaultExtension) + ", folder " +
+                       Quoted(record.initialFolder) + ", filter " + Quoted(filter) + ", flags " +
+                       std::to_string(record.flags));
+    }
+    bool Chosen(bool chosen, const FileDialogRecord& record) {
+        mRecorder.Note(chosen ? "chosen " + Quoted(record.file.c_str()) : "cancelled");
+        return chosen;
+    }
+
+    Recorder& mRecorder;
+    HeadlessDialogs& mInner;
+};
+
+class RecordedPort : public SerialPort {
+public:
+    RecordedPort(Recorder& recorder, std::string name, std::unique_ptr<SerialPort> inner)
+        : mRecorder(recorder), mName(std::move(name)), mInner(std::move(inner)) {}
+    ~RecordedPort() override { mRecorder.Note("close " + mName); }
+    RecordedPort(const RecordedPort&) = delete;
+    RecordedPort& operator=(const RecordedPort&) = delete;
+
+    std::size_t Read(std::span<char> into) override {
+        const std::size_t count = mInner->Read(into);
+        if (count > 0) mRecorder.Note("< " + Quoted({into.data(), count}, Quoting::Bytes));
+        return count;
+    }
+    std::size_t Write(std::string_view bytes) override {
+        const std::size_t count = mInner->Write(bytes);
+        mRecorder.Note("> " + Quoted(bytes.substr(0, count), Quoting::Bytes));
+        return count;
+    }
+    std::size_t InputCount() override { return mInner->InputCount(); }
+    std::size_t OutputCount() override { return mInner->OutputCount(); }
+    void DiscardInput() override {
+        std::string bytes(mInner->InputCount(), '\0');
+        if (!bytes.empty()) bytes.resize(mInner->Read(bytes));
+        if (!bytes.empty()) mRecorder.Note("discarded " + Quoted(bytes, Quoting::Bytes));
+        mInner->DiscardInput();
+    }
+    void NotifyOnInput(std::function<void()> notify) override {
+        if (mListens != static_cast<bool>(notify))
+            mRecorder.Note(mListens ? "receive events off" : "receive events on");
+        mListens = static_cast<bool>(notify);
+        mInner->NotifyOnInput(std::move(notify));
+    }
+
+private:
+    Recorder& mRecorder;
+    std::string mName;
+    std::unique_ptr<SerialPort> mInner;
+    bool mListens = false;
+};
+
+class RecordedPorts : public SerialPorts {
+public:
+    RecordedPorts(Recorder& recorder, HeadlessSerialPorts& inner)
+        : mRecorder(recorder), mInner(inner) {}
+
+    std::unique_ptr<SerialPort> Open(const std::string& name, const LineSettings& line) override {
+        try {
+            auto port = mInner.Open(name, line);
+            mRecorder.Note("open " + name + " " + Line(line));
+            return std::make_unique<RecordedPort>(mRecorder, name, std::move(port));
+        } catch (const RuntimeError&) {
+            mRecorder.Note("open " + name + " " + Line(line) + " fails");
+            throw;
+        }
+    }
+    std::vector<SerialPortInfo> List() const override { return mInner.List(); }
+
+private:
+    Recorder& mRecorder;
+    HeadlessSerialPorts& mInner;
+};
+
+/// Notes timers of a second or more; shorter ones pace the program's own work.
+class RecordedPump : public MessagePump {
+public:
+    RecordedPump(Recorder& recorder, HeadlessPump& inner) : mRecorder(recorder), mInner(inner) {}
+
+    void PumpPending() override { mInner.PumpPending(); }
+    void AwaitInput() override { mInner.AwaitInput(); }
+    void Run() override { mInner.Run(); }
+    void Quit() override { mInner.Quit(); }
+    TimerId StartTimer(std::uint32_t intervalMs, std::function<void()> tick) override {
+        const TimerId id =
+            mInner.StartTimer(intervalMs, [this, intervalMs, call = std::move(tick)] {
+                if (intervalMs >= 1000) mRecorder.Note("timer ticks");
+                call();
+            });
+        if (intervalMs >= 1000) {
+            mRecorder.Note("timer " + std::to_string(intervalMs) + " ms on");
+            mLong.insert({id, intervalMs});
+        }
+        return id;
+    }
+    void StopTimer(TimerId id) override {
+        if (mLong.erase(id) != 0) mRecorder.Note("timer off");
+        mInner.StopTimer(id);
+    }
+
+private:
+    Recorder& mRecorder;
+    HeadlessPump& mInner;
+    std::map<TimerId, std::uint32_t> mLong;
+};
+
+class RecordedShell : public Shell {
+public:
+    RecordedShell(Recorder& recorder, HeadlessShell& inner) : mRecorder(recorder), mInner(inner) {}
+
+    std::int32_t Execute(const ShellRequest& request) override {
+        return Noted("execute", request, mInner.Execute(request));
+    }
+    std::int32_t Start(const ShellRequest& request, ShellProcess& process) override {
+        return Noted("start", request, mInner.Start(request, process));
+    }
+    bool IsActive(ShellProcess process) const override { return mInner.IsActive(process); }
+    void Release(ShellProcess process) override { mInner.Release(process); }
+
+private:
+    std::int32_t Noted(const char* how, const ShellRequest& request, std::int32_t result) {
+        mRecorder.Note(std::string("shell ") + how + " " + Quoted(request.verb) + " " +
+                       Quoted(request.file) + ", owner " + mRecorder.NameOf(request.owner));
+        return result;
+    }
+
+    Recorder& mRecorder;
+    HeadlessShell& mInner;
+};
+
+/// Notes what is written and deleted; reading has no effect that anybody notices.
+class RecordedFiles : public Files {
+public:
+    RecordedFiles(Recorder& recorder, HeadlessFiles& inner) : mRecorder(recorder), mInner(inner) {}
+
+    bool Exists(const std::string& path) const override { return mInner.Exists(path); }
+    bool SameFile(const std::string& path, const std::string& other) const override {
+        return mInner.SameFile(path, other);
+    }
+    std::uint64_t Size(const std::string& path) const override { return mInner.Size(path); }
+    std::string ReadStart(const std::string& path, std::size_t most) const override {
+        return mInner.ReadStart(path, most);
+    }
+    void WriteAll(const std::string& path, std::string_view bytes) override {
+        mRecorder.Note("write " + Quoted(path) + " " + Quoted(bytes));
+        mInner.WriteAll(path, bytes);
+    }
+    void Append(const std::string& path, std::string_view bytes) override {
+        mRecorder.Note("append to " + Quoted(path) + " " + Quoted(bytes));
+        mInner.Append(path, bytes);
+    }
+    std::unique_ptr<OutputFile> Create(const std::string& path) override {
+        struct Output : OutputFile {
+            Output(Recorder& recorder, std::unique_ptr<OutputFile> inner)
+                : mRecorder(recorder), mInner(std::move(inner)) {}
+            ~Output() override { mRecorder.Note("close the file"); }
+            Output(const Output&) = delete;
+            Output& operator=(const Output&) = delete;
+            void Write(std::string_view bytes) override {
+                mRecorder.Note("write " + Quoted(bytes, Quoting::Bytes));
+                mInner->Write(bytes);
+            }
+            Recorder& mRecorder;
+            std::unique_ptr<OutputFile> mInner;
+        };
+        mRecorder.Note("create " + Quoted(path));
+        return std::make_unique<Output>(mRecorder, mInner.Create(path));
+    }
+    void Delete(const std::string& path) override {
+        mRecorder.Note("delete " + Quoted(path));
+        mInner.Delete(path);
+    }
+    void CreateFolders(const std::string& path) override {
+        mRecorder.Note("create folder " + Quoted(path));
+        mInner.CreateFolders(path);
+    }
+    std::vector<std::string> List(const std::string& folder, const std::string& pattern,
+                                  ListFilter filter) const override {
+        return mInner.List(folder, pattern, filter);
+    }
+
+private:
+    Recorder& mRecorder;
+    HeadlessFiles& mInner;
+};
+
+}  // namespace
+
+struct Recorder::Wrappers {
+    explicit Wrappers(Recorder& recorder)
+        : peers(recorder, recorder.mHeadless.peers),
+          boxes(recorder, recorder.mHeadless.boxes),
+          dialogs(recorder, recorder.mHeadless.dialogs),
+          ports(recorder, recorder.mHeadless.ports),
+          pump(recorder, recorder.mHeadless.pump),
+          shell(recorder, recorder.mHeadless.shell),
+          files(recorder, recorder.mHeadless.files),
+          platform{.clipboard = recorder.mHeadless.clipboard,
+                   .clock = recorder.mHeadless.clock,
+                   .codePage = recorder.mHeadless.codePage,
+                   .dialogs = dialogs,
+                   .files = files,
+                   .versions = recorder.mHeadless.versions,
+                   .folders = recorder.mHeadless.folders,
+                   .boxes = boxes,
+                   .pump = pump,
+                   .peers = peers,
+                   .pictures = recorder.mHeadless.pictures,
+                   .process = recorder.mHeadless.process,
+                   .registry = recorder.mHeadless.registry,
+                   .ports = ports,
+                   .shell = shell,
+                   .strings = recorder.mHeadless.strings} {}
+
+    RecordedPeers peers;
+    RecordedBoxes boxes;
+    RecordedDialogs dialogs;
+    RecordedPorts ports;
+    RecordedPump pump;
+    RecordedShell shell;
+    RecordedFiles files;
+    Platform platform;
+    WindowManager manager{peers, pump};
+};
+
+Recorder::Recorder(Language language)
+    : mHeadless(language),
+      mWrappers(std::make_unique<Wrappers>(*this)),
+      mStart(mHeadless.clock.Milliseconds()),
+      mNotedAt(mStart - 1) {}
+
+Recorder::~Recorder() = default;
+
+Platform& Recorder::Services() {
+    return mWrappers->platform;
+}
+
+WindowManager& Recorder::Manager() {
+    return mWrappers->manager;
+}
+
+std::unique_ptr<CErrHandler> Recorder::MakeErrorHandler() {
+    auto errors = std::make_unique<CErrHandler>(CErrHandler::Services{
+        mHeadless.clock, mWrappers->files, mHeadless.folders, mWrappers->boxes, mHeadless.process});
+    errors->DisplayMsgOnError = true;
+    return errors;
+}
+
+void Recorder::Note(const std::string& event) {
+    const std::uint32_t now = mHeadless.clock.Milliseconds();
+    std::string time = std::to_string(now - mStart) + " ms";
+    if (std::exchange(mNotedAt, now) == now) time.clear();
+    mTrace +=
+        std::string(10 - std::min<std::size_t>(10, time.size()), ' ') + time + "  " + event + "\n";
+}
+
+std::string Recorder::NameOf(NativeWindow window) const {
+    const auto found = mForms.find(window);
+    return found == mForms.end() ? "none" : found->second->Name();
+}
+
+namespace {
+
+std::string KeyOf(const TreeView& tree, int node) {
+    return tree.Nodes()[static_cast<std::size_t>(node)].key;
+}
+
+/// What a user sees of a control: a name for each value, and the value.
+std::map<std::string, std::string> ValuesOf(const Control& control) {
+    std::map<std::string, std::string> values = {
+        {"caption", Quoted(control.Caption())},
+        {"enabled", control.Enabled() ? "enabled" : "disabled"},
+        {"visible", control.Visible() ? "shown" : "hidden"}};
+    if (const auto* bar = dynamic_cast<const ProgressBar*>(&control))
+        values["value"] = std::to_string(bar->Value()) + " %";
+    if (const auto* combo = dynamic_cast<const ComboBox*>(&control))
+        values["value"] = "is " + Quoted(combo->Text());
+    if (const auto* status = dynamic_cast<const StatusBar*>(&control))
+        for (const StatusBar::Panel& panel : status->Panels())
+            values[panel.key] = panel.key + " " + Quoted(panel.text);
+    if (const auto* tree = dynamic_cast<const TreeView*>(&control)) {
+        values["selected"] =
+            "selects " + (tree->Selected() < 0 ? "nothing" : KeyOf(*tree, tree->Selected()));
+        values["expanded"] = "expands";
+        for (const TreeNode& node : tree->Nodes())
+            if (node.expanded) values["expanded"] += " " + node.key;
+    }
+    if (const auto* picture = dynamic_cast<const PictureBox*>(&control)) {
+        values["picture"] = picture->Loaded() ? "shows the picture" : "shows its background";
+        values["printed"] = "prints";
+        for (const PictureBox::Printed& printed : picture->PrintedTexts())
+            values["printed"] += " " + Quoted(printed.text);
+    }
+    return values;
+}
+
+std::string FullName(const Form& form, const Control& control) {
+    std::string name = form.Name() == "frmMain" ? "" : form.Name() + ".";
+    name += control.Name();
+    if (control.Index() >= 0) name += "(" + std::to_string(control.Index()) + ")";
+    return name;
+}
+
+}  // namespace
+
+void Recorder::Opened(const Form& form, NativeWindow window) {
+    mForms[window] = &form;
+    for (const Control* control : form.Controls()) mSeen[&form][control] = ValuesOf(*control);
+}
+
+void Recorder::Closed(const Form& form) {
+    Note("unload " + form.Name());
+    mSeen.erase(&form);
+    std::erase_if(mForms, [&form](const auto& entry) { return entry.second == &form; });
+}
+
+// What has not been shown yet is no change; the texts and places of a new window are part of the
+// tests of windows.
+void Recorder::ControlChanged(const Form& form, const Control& control, Property property) {
+    auto& seen = mSeen[&form][&control];
+    for (const auto& [what, value] : ValuesOf(control))
+        if (std::exchange(seen[what], value) != value && form.Visible())
+            Note(FullName(form, control) + " " + value);
+    if (property == Property::Repaint && control.Kind() == ControlKind::Label && form.Visible())
+        Note(FullName(form, control) + " drawn");
+    if (property == Property::Caption && onText) onText(control.Caption());
+}
+
+}  // namespace vantor::traces

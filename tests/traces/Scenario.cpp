@@ -1,0 +1,378 @@
+#include "tests/traces/Scenario.hpp"
+
+#include <functional>
+#include <list>
+#include <map>
+#include <memory>
+#include <optional>
+#include <sstream>
+#include <stdexcept>
+#include <utility>
+#include <vector>
+
+#include "app/frmMain.hpp"
+#include "app/modStartup.hpp"
+#include "controls/TreeView.hpp"
+#include "monitor/frmMonitor.hpp"
+#include "simulator/VirtualIndicator.hpp"
+#include "tests/faults/Images.hpp"
+#include "tests/faults/ReportingPlatform.hpp"
+#include "tests/traces/Recorder.hpp"
+#include "tests/unit/Wire.hpp"
+
+namespace vantor::traces {
+namespace {
+
+const std::string kImage = "/home/tech/m40.run";
+
+using Words = std::vector<std::string>;
+
+char Unescaped(char c) {
+    return c == 'r' ? '\r' : c == 'n' ? '\n' : c == 'e' ? '\x1b' : c == 't' ? '\t' : c;
+}
+
+/// Splits at spaces; text in quotes is one word, with the escapes \r \n \e \t \" \\ and \xNN.
+Words WordsOf(const std::string& line) {
+    Words words;
+    for (std::size_t at = 0; at < line.size();) {
+        if (line[at] == ' ') {
+            ++at;
+            continue;
+        }
+        std::string word;
+        const bool quoted = line[at] == '"';
+        at += quoted ? 1 : 0;
+        for (; at < line.size() && line[at] != (quoted ? '"' : ' '); ++at) {
+            if (!quoted || line[at] != '\\') {
+                word += line[at];
+            } else if (line.at(++at) == 'x') {
+                word += static_cast<char>(std::stoi(line.substr(at + 1, 2), nullptr, 16));
+                at += 2;
+            } else {
+                word += Unescaped(line[at]);
+            }
+        }
+        at += quoted ? 1 : 0;
+        words.push_back(word);
+    }
+    return words;
+}
+
+std::uint32_t Number(const std::string& word) {
+    return static_cast<std::uint32_t>(std::stoul(word));
+}
+
+/// An indicator whose verdict can be replaced.
+class ScriptedFarEnd : public IndicatorFarEnd {
+public:
+    using IndicatorFarEnd::IndicatorFarEnd;
+    std::string Transmit() override {
+        const std::string text = IndicatorFarEnd::Transmit();
+        return verdict.empty() || text.find("DONE") == std::string::npos ? text : verdict;
+    }
+    std::string verdict;
+};
+
+/// Actions that wait for a text to be shown, or for a window to be shown modally.
+struct Waiting {
+    std::string text;
+    std::uint32_t delayMs = 0;
+    Words action;
+    std::string line;
+};
+
+class Scenario {
+public:
+    explicit Scenario(const std::string& script) {
+        std::istringstream lines(script);
+        for (std::string line; std::getline(lines, line);) {
+            if (line.empty() || line.starts_with('#')) continue;
+            mLines.push_back(line);
+        }
+    }
+
+    // A window that is left open closes here: its way out is no part of the scenario.
+    ~Scenario() {
+        const std::shared_ptr<frmMain> main = mStartup ? mStartup->MainWindow() : mMain;
+        if (main && !main->Gone()) {
+            main->Session().Flags().mblnFlashing = false;
+            main->Unload();
+        }
+        SetErrorSink(nullptr);
+    }
+    Scenario(const Scenario&) = delete;
+    Scenario& operator=(const Scenario&) = delete;
+
+    std::string Run() {
+        Language language = Language::English;
+        std::erase_if(mLines, [&](const std::string& line) {
+            if (line != "language es") return false;
+            language = Language::Spanish;
+            return true;
+        });
+        mRecorder.emplace(language);
+        mRecorder->onText = [this](const std::string& text) { Shown(text); };
+        mRecorder->onModal = [this](Form& form) { Modal(form); };
+        for (const std::string& line : mLines) Perform(WordsOf(line), line);
+        if (!mMain && !mStartup) throw std::runtime_error("the script starts nothing");
+        return End();
+    }
+
+private:
+    HeadlessPlatform& Headless() { return mRecorder->Headless(); }
+
+    void Perform(const Words& words, const std::string& line) {
+        if (words[0] == "when" || words[0] == "in") {
+            // when TEXT [+ MS]: ACTION    in WINDOW: ACTION
+            Waiting waiting{.text = words.at(1), .action = {}, .line = line};
+            std::size_t at = 2;
+            if (words.at(at) == "+") {
+                waiting.delayMs = Number(words.at(at + 1));
+                at += 2;
+            }
+            waiting.action.assign(words.begin() + static_cast<std::ptrdiff_t>(at), words.end());
+            (words[0] == "in" ? mModal : mWaiting).push_back(waiting);
+            return;
+        }
+        const auto verb = Verbs().find(words[0]);
+        if (verb == Verbs().end()) {
+            mFailure = "not understood: " + line;
+            return;
+        }
+        try {
+            verb->second(*this, words);
+        } catch (const std::exception& error) {
+            // Thrown inside a handler, it would be reported as an error of the program.
+            mFailure = line + ": " + error.what();
+        }
+    }
+
+    using Verb = void (*)(Scenario&, const Words&);
+    static const std::map<std::string, Verb>& Verbs();
+
+    void Shown(const std::string& text) {
+        for (auto waiting = mWaiting.begin(); waiting != mWaiting.end(); ++waiting) {
+            if (text.find(waiting->text) == std::string::npos) continue;
+            const Waiting due = *waiting;
+            mWaiting.erase(waiting);
+            After(due.delayMs, due);
+            return;
+        }
+    }
+
+    void After(std::uint32_t delayMs, const Waiting& due) {
+        if (delayMs == 0) return Perform(due.action, due.line);
+        const auto timer = std::make_shared<TimerId>();
+        *timer = Headless().pump.StartTimer(delayMs, [this, timer, due] {
+            Headless().pump.StopTimer(*timer);
+            Perform(due.action, due.line);
+        });
+    }
+
+    void Modal(Form& form) {
+        for (auto waiting = mModal.begin(); waiting != mModal.end() && !form.Gone();) {
+            if (waiting->text != form.Name()) {
+                ++waiting;
+                continue;
+            }
+            const Waiting due = *waiting;
+            waiting = mModal.erase(waiting);
+            Perform(due.action, due.line);
+        }
+    }
+
+    WindowManager& Manager() {
+        return mStartup ? mStartup->MainWindow()->Manager() : mRecorder->Manager();
+    }
+
+    /// The control `name` of the window opened last that has one; "WINDOW.name" for another.
+    template <typename Kind>
+    Kind& Find(const std::string& fullName) {
+        const std::size_t dot = fullName.find('.');
+        const std::string window = dot == std::string::npos ? "" : fullName.substr(0, dot);
+        const std::string name = fullName.substr(dot == std::string::npos ? 0 : dot + 1);
+        const auto& forms = Manager().OpenForms();
+        for (auto form = forms.rbegin(); form != forms.rend(); ++form) {
+            if (!window.empty() && window != (*form)->Name()) continue;
+            for (Control* control : (*form)->Controls())
+                if (control->Name() == name)
+                    if (auto* found = dynamic_cast<Kind*>(control)) return *found;
+        }
+        throw std::runtime_error("no control " + fullName);
+    }
+
+    Form& Window(const std::string& name) {
+        for (const auto& form : Manager().OpenForms())
+            if (form->Name() == name) return *form;
+        throw std::runtime_error("no window " + name);
+    }
+
+    void Connect() {
+        Headless().ports.Plug("COM1", mWire ? static_cast<FarEnd&>(*mWire) : *mFarEnd);
+    }
+
+    void MakeIndicator(const std::string& image) {
+        mOptions.expected = FlashMemory::FromRecords(image);
+        mIndicator.emplace(mOptions);
+        mFarEnd.emplace(*mIndicator, Headless().clock);
+        Headless().files.Add(kImage, image);
+        Headless().dialogs.choices.push_back(kImage);
+        Connect();
+    }
+
+    std::string End() {
+        if (!mFailure.empty()) throw std::runtime_error(mFailure);
+        for (const std::list<Waiting>* list : {&mWaiting, &mModal})
+            if (!list->empty()) throw std::runtime_error("never came about: " + list->front().line);
+        if (mIndicator) {
+            mRecorder->Note(std::string("indicator: ") +
+                            (mIndicator->Booted() ? "booted" : "not booted") + ", image " +
+                            (mIndicator->Memory() == mOptions.expected ? "whole" : "not whole"));
+            for (const std::string& violation : mIndicator->Violations())
+                mRecorder->Note("indicator: " + violation);
+        }
+        std::string open;
+        for (const std::string& name : Headless().peers.open) open += " " + name;
+        mRecorder->Note("open windows:" + (open.empty() ? " none" : open));
+        if (const std::string stored = Headless().registry.Export(); stored != mStored)
+            mRecorder->Note("registry: " + Quoted(stored));
+        return mRecorder->Trace();
+    }
+
+    std::vector<std::string> mLines;
+    std::optional<Recorder> mRecorder;
+    IndicatorOptions mOptions;
+    std::optional<VirtualIndicator> mIndicator;
+    std::optional<ScriptedFarEnd> mFarEnd;
+    std::optional<Wire> mWire;
+    std::unique_ptr<CErrHandler> mErrors;
+    std::shared_ptr<frmMain> mMain;
+    std::optional<modStartup> mStartup;
+    std::string mStored = RegistryHive().Export();  // before the program wrote to it
+    std::string mFailure;
+    std::list<Waiting> mWaiting;
+    std::list<Waiting> mModal;
+};
+
+const std::map<std::string, Scenario::Verb>& Scenario::Verbs() {
+    static const std::map<std::string, Verb> kVerbs = {
+        // What there is.
+        {"fault",
+         [](Scenario& s, const Words& w) { s.mOptions.faults.push_back(ParseFault(w.at(1))); }},
+        {"speed",  // of the boot monitor after power-up
+         [](Scenario& s, const Words& w) { s.mOptions.bitsPerSecond = Number(w.at(1)); }},
+        {"writes",  // flash memory, for so long
+         [](Scenario& s, const Words& w) {
+             s.mOptions.writeFlash = Micros{Number(w.at(1))} * 1000;
+         }},
+        {"image",  // of N data records and the end record, or "TEXT"
+         [](Scenario& s, const Words& w) {
+             const bool number = w.at(1).find_first_not_of("0123456789") == std::string::npos;
+             s.MakeIndicator(number && !w[1].empty() ? ImageOf(Number(w[1])) : w[1]);
+         }},
+        {"verdict",  // the bytes that the indicator sends instead of DONE
+         [](Scenario& s, const Words& w) { s.mFarEnd->verdict = w.at(1); }},
+        {"another",  // instance of the program runs
+         [](Scenario& s, const Words&) { s.Headless().process.anotherRuns = true; }},
+        {"slow",  // driver: it accepts so many bytes a write
+         [](Scenario& s, const Words& w) { s.Headless().ports.LimitWrites(Number(w.at(1))); }},
+        {"ports",  // beside COM1
+         [](Scenario& s, const Words& w) {
+             for (std::size_t i = 1; i < w.size(); ++i)
+                 s.Headless().ports.Plug(w[i], static_cast<FarEnd&>(*s.mWire));
+         }},
+        {"wire",  // a bare line instead of an indicator
+         [](Scenario& s, const Words&) {
+             s.mWire.emplace();
+             s.Connect();
+         }},
+        {"registry",
+         [](Scenario& s, const Words& w) {
+             s.Headless().registry.Import(RegistryWith(w.at(1), w.at(2)));
+             s.mStored = s.Headless().registry.Export();
+         }},
+        {"file", [](Scenario& s, const Words& w) { s.Headless().files.Add(w.at(1), w.at(2)); }},
+        {"fails",  // PATH, with an error number
+         [](Scenario& s, const Words& w) {
+             s.Headless().files.FailOn(w.at(1), static_cast<std::int32_t>(Number(w.at(2))));
+         }},
+        {"main",
+         [](Scenario& s, const Words&) {
+             s.mErrors = s.mRecorder->MakeErrorHandler();
+             SetErrorSink(s.mErrors.get());
+             s.mMain = std::make_shared<frmMain>(s.mRecorder->Manager(), s.mRecorder->Services());
+             s.mMain->Load();
+             s.mMain->Show();
+         }},
+        {"program",
+         [](Scenario& s, const Words&) {
+             s.mStartup.emplace(s.mRecorder->Services());
+             s.mRecorder->Note(s.mStartup->Main() ? "runs" : "does not run");
+         }},
+        // What the user does.
+        {"answers",
+         [](Scenario& s, const Words& w) {
+             s.Headless().boxes.answers.push_back(w.at(1) == "Yes"  ? BoxAnswer::Yes
+                                                  : w.at(1) == "No" ? BoxAnswer::No
+                                                                    : BoxAnswer::Cancel);
+         }},
+        {"chooses",
+         [](Scenario& s, const Words& w) { s.Headless().dialogs.choices.push_back(w.at(1)); }},
+        {"presses", [](Scenario& s, const Words& w) { s.Find<ClickControl>(w.at(1)).Press(); }},
+        {"picks",
+         [](Scenario& s, const Words& w) {
+             auto& combo = s.Find<ComboBox>(w.at(1));
+             combo.Choose(FindStringComboBox(combo, w.at(2)));
+         }},
+        {"selects",
+         [](Scenario& s, const Words& w) {
+             auto& tree = s.Find<TreeView>(w.at(1));
+             const int before = tree.Selected();
+             tree.Select(tree.NodeIndex(w.at(2)));
+             tree.RaiseIfMoved(before);
+         }},
+        {"closes", [](Scenario& s, const Words& w) { s.Window(w.at(1)).Unload(); }},
+        {"types",
+         [](Scenario& s, const Words& w) { s.Find<TerminalControl>("comMonitor").Type(w.at(1)); }},
+        {"invokes",  // a command of the terminal's context menu
+         [](Scenario& s, const Words& w) {
+             s.Find<TerminalControl>("comMonitor")
+                 .Invoke(static_cast<TerminalCommand>(Number(w.at(1))));
+         }},
+        {"helps", [](Scenario& s, const Words& w) { s.Window(w.at(1)).HelpWanted(); }},
+        // What happens to the line and the system.
+        {"pump",
+         [](Scenario& s, const Words& w) {
+             for (std::uint32_t i = 0; i < Number(w.at(1)); ++i) s.Headless().pump.PumpPending();
+         }},
+        {"after",  // MS, ACTION
+         [](Scenario& s, const Words& w) {
+             s.After(Number(w.at(1)), {.text = {}, .action = {w.begin() + 2, w.end()}, .line = {}});
+         }},
+        {"stops",  // the process, for so long
+         [](Scenario& s, const Words& w) { s.Headless().clock.Sleep(Number(w.at(1))); }},
+        {"receive", [](Scenario& s, const Words& w) { s.mWire->sent += w.at(1); }},
+        {"unplug", [](Scenario& s, const Words&) { s.Headless().ports.Unplug("COM1"); }},
+        {"busy", [](Scenario& s, const Words& w) { s.Headless().ports.Hold(w.at(1), true); }},
+        {"delete", [](Scenario& s, const Words& w) { s.Headless().files.Delete(w.at(1)); }},
+        {"shell",  // returns this code from now on
+         [](Scenario& s, const Words& w) {
+             s.Headless().shell.code = static_cast<std::int32_t>(Number(w.at(1)));
+         }},
+        {"flashing",  // as if a session were in progress
+         [](Scenario& s, const Words&) { s.mMain->Session().Flags().mblnFlashing = true; }},
+        {"refuse",  // windows or timers
+         [](Scenario& s, const Words& w) {
+             (w.at(1) == "windows" ? s.Headless().peers.refuse : s.Headless().pump.refuse) = true;
+         }},
+    };
+    return kVerbs;
+}
+
+}  // namespace
+
+std::string RunScenario(const std::string& script) {
+    return Scenario(script).Run();
+}
+
+}  // namespace vantor::traces

@@ -492,6 +492,54 @@ std::string FullName(const Form& form, const Control& control) {
 
 }  // namespace
 
+namespace {
+
+/// How the control differs from the default, as its design says.
+std::string StyleOf(const ControlStyle& style) {
+    std::string text;
+    if (style.points != ControlStyle{}.points)
+        text += ", " + std::to_string(static_cast<int>(style.points)) + " points";
+    if (*style.face != '\0') text += std::string(", ") + style.face;
+    for (const auto& [holds, name] :
+         {std::pair(style.bold, "bold"), std::pair(style.centred, "centred"),
+          std::pair(style.verbatim, "verbatim"), std::pair(style.defaultButton, "default button"),
+          std::pair(style.cancelButton, "cancel button"),
+          std::pair(style.holdsFocus, "holds the focus"), std::pair(style.clickable, "clickable"),
+          std::pair(style.ground == Ground::Banner, "banner"),
+          std::pair(style.ground == Ground::CaptionBar, "caption bar")})
+        if (holds) text += std::string(", ") + name;
+    return text;
+}
+
+}  // namespace
+
+void Recorder::Describe(const Form& form) {
+    const Size& smallest = form.Design().smallest;
+    Note(form.Name() + " " + Quoted(form.Caption()) + " " + Numbers(form.Place()) +
+         (smallest == Size{} ? ", fixed"
+                             : ", at least " + Numbers({0, 0, smallest.width, smallest.height})));
+    for (const ControlDesign& row : form.Design().controls) {
+        const Control& control = form.ControlOf(row);
+        std::string text = FullName(form, control) + " " + Quoted(control.Caption());
+        if (control.Kind() != ControlKind::MenuItem) text += " " + Numbers(control.Place());
+        if (*row.parent != '\0') text += std::string(" in ") + row.parent;
+        if (!control.Enabled()) text += ", disabled";
+        if (!control.Visible()) text += ", hidden";
+        if (control.Border() != Border::None)
+            text += control.Border() == Border::Static ? ", thin border" : ", sunken border";
+        if (!control.ToolTip().empty()) text += ", tool tip " + Quoted(control.ToolTip());
+        if (!control.SpokenName().empty()) text += ", named " + Quoted(control.SpokenName());
+        Note(text + StyleOf(row.style));
+        if (const auto* combo = dynamic_cast<const ComboBox*>(&control))
+            for (const std::string& item : combo->Items()) Note("    item " + Quoted(item));
+        if (const auto* tree = dynamic_cast<const TreeView*>(&control))
+            for (const TreeNode& node : tree->Nodes())
+                Note("    node " + node.key + " under " + Quoted(node.parent) + " " +
+                     Quoted(node.text) + (node.bold ? ", bold" : "") +
+                     (node.expanded ? ", expanded" : ""));
+    }
+}
+
 void Recorder::Opened(const Form& form, NativeWindow window) {
     mForms[window] = &form;
     for (const Control* control : form.Controls()) mSeen[&form][control] = ValuesOf(*control);

@@ -38,6 +38,8 @@ public:
     /// One line of the trace.
     void Note(const std::string& event);
     const std::string& Trace() const { return mTrace; }
+    /// Notes all that `form` shows: its size, and each control in tab order.
+    void Describe(const Form& form);
 
     /// Called after a control's caption has changed to the text, and with the text of each box
     /// while it is open.

@@ -339,6 +339,8 @@ const std::map<std::string, Scenario::Verb>& Scenario::Verbs() {
              s.Find<TerminalControl>("comMonitor")
                  .Invoke(static_cast<TerminalCommand>(Number(w.at(1))));
          }},
+        {"describes",
+         [](Scenario& s, const Words& w) { s.mRecorder->Describe(s.Window(w.at(1))); }},
         {"helps", [](Scenario& s, const Words& w) { s.Window(w.at(1)).HelpWanted(); }},
         // What happens to the line and the system.
         {"pump",

@@ -272,6 +272,8 @@ const std::map<std::string, Scenario::Verb>& Scenario::Verbs() {
          }},
         {"verdict",  // the bytes that the indicator sends instead of DONE
          [](Scenario& s, const Words& w) { s.mFarEnd->verdict = w.at(1); }},
+        {"homeless",  // the system names no folders
+         [](Scenario& s, const Words&) { s.Headless().folders.home.clear(); }},
         {"another",  // instance of the program runs
          [](Scenario& s, const Words&) { s.Headless().process.anotherRuns = true; }},
         {"slow",  // driver: it accepts so many bytes a write
@@ -331,6 +333,10 @@ const std::map<std::string, Scenario::Verb>& Scenario::Verbs() {
              tree.Select(tree.NodeIndex(w.at(2)));
              tree.RaiseIfMoved(before);
          }},
+        {"row",  // of a list is selected
+         [](Scenario& s, const Words& w) {
+             s.Find<ListView>(w.at(1)).Choose(static_cast<int>(Number(w.at(2))));
+         }},
         {"closes", [](Scenario& s, const Words& w) { s.Window(w.at(1)).Unload(); }},
         {"types",
          [](Scenario& s, const Words& w) { s.Find<TerminalControl>("comMonitor").Type(w.at(1)); }},
@@ -363,6 +369,8 @@ const std::map<std::string, Scenario::Verb>& Scenario::Verbs() {
          }},
         {"flashing",  // as if a session were in progress
          [](Scenario& s, const Words&) { s.mMain->Session().Flags().mblnFlashing = true; }},
+        {"idle",  // ends `flashing`
+         [](Scenario& s, const Words&) { s.mMain->Session().Flags().mblnFlashing = false; }},
         {"refuse",  // windows or timers
          [](Scenario& s, const Words& w) {
              (w.at(1) == "windows" ? s.Headless().peers.refuse : s.Headless().pump.refuse) = true;

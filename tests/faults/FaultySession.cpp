@@ -20,11 +20,17 @@ constexpr unsigned kMiddleLine = 8;
 constexpr unsigned kLateLine = 18;
 constexpr const char* kPath = "/home/tech/m40.run";
 
-// Documented time-outs in milliseconds, plus the few message pumps until the program detects them.
+// Documented waits in milliseconds. The program may take a few message pumps longer.
 constexpr std::int32_t kSlack = 5;
-constexpr std::int32_t kReply = 20000 + kSlack;
-constexpr std::int32_t kSpeedChange = 4000 + kSlack;
-constexpr std::int32_t kVerdictLimit = 60000 + kSlack;
+constexpr std::int32_t kReply = 20000;
+constexpr std::int32_t kSpeedChange = 4000;
+constexpr std::int32_t kVerdictLimit = 60000;
+/// From this image line on, an abort is not possible.
+constexpr unsigned kFirstLateLine = kDataLines - 10;
+constexpr LineSettings kFirstLine{38400, Parity::None, 8, 2};
+constexpr LineSettings kFastLine{115200, Parity::None, 8, 2};
+/// While a report is open, in message pumps of one millisecond.
+constexpr int kReadingTime = 200;
 constexpr std::uint32_t kLongestSession = 7'200'000;
 
 /// One send of the program and the bytes read before the next one.
@@ -32,6 +38,11 @@ struct Exchange {
     std::string sent;
     std::int32_t at;
     std::string reply;
+
+    bool Holds(const char* word) const { return reply.find(word) != std::string::npos; }
+    bool HasVerdict() const { return Holds("VERIFY FAILED") || Holds("DONE"); }
+    bool Accepted() const { return !HasVerdict() && Holds("OK"); }
+    bool Answered() const { return HasVerdict() || Accepted() || Holds("??"); }
 };
 
 /// The expected result, derived from the exchanges alone.
@@ -48,12 +59,12 @@ public:
         : mLine(line), mClock(clock), mBegins(std::move(begins)) {}
 
     void Opened(const LineSettings& line) override {
-        ++opened;
+        opened.push_back(line);
         mLine.Opened(line);
     }
     void Closed() override {
-        if (opened == 1 && !exchanges.empty() && exchanges.back().sent == "BAUD 115200\r" &&
-            exchanges.back().reply.find("OK") != std::string::npos)
+        if (opened.size() == 1 && !exchanges.empty() && exchanges.back().sent == "BAUD 115200\r" &&
+            exchanges.back().Accepted())
             mBegins(Stage::Reopened);
         mLine.Closed();
     }
@@ -69,11 +80,32 @@ public:
             afterArming += text;
         else if (!exchanges.empty())
             exchanges.back().reply += text;
+        if (!text.empty()) mAnsweredAt = mClock.Ticks();
         return text;
     }
     bool HungUp() const override { return mLine.HungUp(); }
 
-    unsigned opened = 0;
+    /// Number of different image lines sent; they do not repeat within the image.
+    unsigned LinesSent() const {
+        unsigned count = 0;
+        for (std::size_t i = 0; i < exchanges.size(); ++i)
+            if (exchanges[i].sent.starts_with('S') && exchanges[i].sent != "SYSLOAD\r" &&
+                exchanges[i].sent != exchanges[i - 1].sent)
+                ++count;
+        return count;
+    }
+    /// All lines have been answered, none of them with OK: only the user ends this wait. It begins
+    /// after the message pump that follows the last line.
+    bool WaitsForUser() const {
+        return LinesSent() == kDataLines + 1 && exchanges.back().Answered() &&
+               mClock.Ticks() > mAnsweredAt + 1 &&
+               std::ranges::none_of(exchanges, [](const Exchange& exchange) {
+                   return exchange.sent.starts_with('S') && exchange.sent != "SYSLOAD\r" &&
+                          exchange.Accepted();
+               });
+    }
+
+    std::vector<LineSettings> opened;
     bool armed = false;
     std::vector<Exchange> exchanges;
     std::string afterArming;
@@ -95,6 +127,7 @@ private:
     FarEnd& mLine;
     const Clock& mClock;
     std::function<void(Stage)> mBegins;
+    std::int32_t mAnsweredAt = 0;
 };
 
 /// Replays the protocol rules over the recorded exchanges.
@@ -117,7 +150,7 @@ private:
     enum class Word : std::uint8_t { Ok, Failed, Verdict, NotSent };
 
     FlashOutcome Predict() {
-        if (mTap.opened == 0) return Ends(FlashOutcome::PortNotOpen, kNoPort);
+        if (mTap.opened.empty()) return Ends(FlashOutcome::PortNotOpen, kNoPort);
         Take(" \r");
         Take(" \r");
         if (Take("TRAV\r") != Word::Ok) return Ends(FlashOutcome::NotInBootMonitor, kNoMonitor);
@@ -162,11 +195,8 @@ private:
             return Word::NotSent;
         }
         ++mNext;
-        const auto holds = [&](const char* word) {
-            return exchange.reply.find(word) != std::string::npos;
-        };
-        if (holds("VERIFY FAILED") || holds("DONE")) return Word::Verdict;
-        return holds("OK") ? Word::Ok : Word::Failed;
+        if (exchange.HasVerdict()) return Word::Verdict;
+        return exchange.Accepted() ? Word::Ok : Word::Failed;
     }
 
     FlashOutcome Ends(FlashOutcome outcome, const char* box) {
@@ -228,8 +258,7 @@ private:
         judgement.gone = mWindow->Gone();
         judgement.memoryWhole =
             mIndicator->Memory() == FlashMemory::FromRecords(ImageOf(kDataLines));
-        CheckReport(judgement);
-        CheckTimes(start);
+        CheckTimes(start, CheckReport(judgement));
         CheckSuccess(judgement);
         if (!judgement.gone) {
             const std::string unrest = NotAtRest(*mWindow, mHeadless);
@@ -254,8 +283,12 @@ private:
         mTap.emplace(*mLine, mHeadless.clock, [this](Stage stage) { Begin(stage); });
         mHeadless.ports.Plug("COM1", *mTap);
         mHeadless.boxes.shown.clear();
+        mHeadless.boxes.beeps = 0;
+        mHeadless.boxes.whileOpen = [this](const MessageBoxRequest& request) { Read(request); };
         mBegun = {};
         mEndWanted = false;
+        mClosedInHandshake = false;
+        mReadingMs = 0;
         mHeadless.peers.onChange = [this](const Control& control, Property) {
             if (control.Name() != "lblMessage" || mTap->armed) return;
             mTap->armed = true;
@@ -284,24 +317,35 @@ private:
                 mWindow->Unload();
             else
                 mWindow->cmdFlashAbort.Press();
-            const FlashFlags& flags = mWindow->Session().Flags();
-            const bool streaming = mWindow->Session().Outcome() == FlashOutcome::None;
-            if (mEndWanted || !streaming) return;
-            mEndWanted = flags.mblnAbortFlash || flags.mblnCloseRequested || mWindow->Gone();
+            if (mTap->armed || mTap->WaitsForUser()) return;
+            mClosedInHandshake |= act.close && mTap->LinesSent() == 0;
+            if (mEndWanted) return;
+            mEndWanted = act.close || mTap->LinesSent() <= kFirstLateLine;
             mSentBeforeEnd = mTap->exchanges.size();
         });
         mActs.push_back(*timer);
     }
 
+    /// The user reads a report for a while. Whatever arrives meanwhile, nothing is sent.
+    void Read(const MessageBoxRequest& request) {
+        if (request.icon == BoxIcon::Question) return;
+        for (const TimerId act : std::exchange(mActs, {})) mHeadless.pump.StopTimer(act);
+        const std::size_t sent = mTap->exchanges.size();
+        for (int i = 0; i < kReadingTime; ++i) mHeadless.pump.PumpPending();
+        mReadingMs += kReadingTime;
+        if (mTap->exchanges.size() != sent) Violated("sent while a box was open");
+    }
+
     /// Ends the wait that only the user can end, and a session that exceeds the time limit.
     void Watch() {
-        if (mWindow->Session().Outcome() == FlashOutcome::NothingAccepted) mWindow->Unload();
+        if (!mTap->armed && mTap->WaitsForUser()) mWindow->Unload();
         if (mHeadless.clock.Milliseconds() < kLongestSession) return;
         Violated("does not end");
         mWindow->Session().Flags() = {.mblnFlashing = false, .mblnAbortFlash = true};
     }
 
-    void CheckReport(const Judgement& judgement) {
+    /// Returns the outcome that was due.
+    FlashOutcome CheckReport(const Judgement& judgement) {
         Due due = Judge(*mTap, mEndWanted).Decide();
         if (!due.wrongSend.empty()) Violated(due.wrongSend);
         if (mEndWanted && mTap->exchanges.size() > mSentBeforeEnd)
@@ -311,34 +355,66 @@ private:
             Violated("outcome " + OutcomeName(judgement.outcome) + ", due was " +
                      OutcomeName(due.outcome));
         // A session whose window is closed shows no message boxes.
-        if (mEndWanted && judgement.gone && !mWindow->Session().Flags().mblnCloseRequested)
-            due.boxes.clear();
+        if (mClosedInHandshake) due.boxes.clear();
+        CheckLine();
         const Texts told = Told(mHeadless);
-        if (told == due.boxes) return;
+        if (told == due.boxes) return due.outcome;
         std::string texts = "boxes:";
         for (const std::string& box : told) texts += " <" + box + ">";
         Violated(texts);
+        return due.outcome;
     }
 
-    void CheckTimes(std::int32_t start) {
-        const std::int32_t end = mHeadless.clock.Ticks();
+    /// Two opens exactly when BAUD was accepted, the second one at the new speed; a beep for each
+    /// image line that was answered by a verdict.
+    void CheckLine() {
+        std::vector<LineSettings> due = {kFirstLine};
+        int beeps = 0;
+        for (const Exchange& exchange : mTap->exchanges) {
+            const bool command = exchange.sent == "BAUD 115200\r";
+            if (command && exchange.Accepted() && !(mClosedInHandshake && mTap->opened.size() == 1))
+                due.push_back(kFastLine);
+            if (exchange.sent.starts_with('S') && exchange.sent != "SYSLOAD\r")
+                beeps += exchange.HasVerdict() ? 1 : 0;
+        }
+        if (mTap->opened.empty()) due.clear();
+        // An adapter that is lost while the port is closed cannot be opened again.
+        if (mTap->HungUp() && mTap->opened.size() + 1 == due.size()) due.pop_back();
+        if (mTap->opened != due)
+            Violated("opened " + std::to_string(mTap->opened.size()) +
+                     " times, or with another line than due");
+        if (mHeadless.boxes.beeps != beeps)
+            Violated(std::to_string(mHeadless.boxes.beeps) + " beeps");
+    }
+
+    void CheckTimes(std::int32_t start, FlashOutcome due) {
+        const std::int32_t end = mHeadless.clock.Ticks() - mReadingMs;
         std::int32_t from = start;
-        std::int32_t limit = kSlack;
+        std::int32_t least = 0;
+        std::int32_t most = 0;
+        // What ends a wait early: the user, or the loss of the line.
+        const bool early = mEndWanted || mTap->HungUp();
         const auto until = [&](std::int32_t at, const std::string& what) {
-            if (at - from > limit) Violated(std::to_string(at - from) + " ms before " + what);
+            if (at - from > most + kSlack || (at - from < least && !early))
+                Violated(std::to_string(at - from) + " ms before " + what);
             from = at;
         };
         for (const Exchange& exchange : mTap->exchanges) {
             if (exchange.sent == "BOOT\r") break;
             until(exchange.at, exchange.sent);
-            limit = exchange.sent == " \r" ? kSlack : kReply;
-            if (exchange.sent == "BAUD 115200\r") limit += kSpeedChange;
+            const bool wakeUp = exchange.sent == " \r";
+            const bool speedChange = exchange.sent == "BAUD 115200\r" && exchange.Accepted();
+            least = wakeUp || exchange.Answered() ? 0 : kReply;
+            most = wakeUp ? 0 : kReply;
+            if (speedChange) least += kSpeedChange;
+            if (speedChange) most += kSpeedChange + kSlack;
         }
         if (mTap->armed) {
             until(mArmedAt, "the final stage");
-            limit = kVerdictLimit;
+            least = due == FlashOutcome::NoVerdict ? kVerdictLimit : 0;
+            most = kVerdictLimit;
         }
-        if (mWindow->Session().Outcome() != FlashOutcome::NothingAccepted) until(end, "the end");
+        if (due != FlashOutcome::NothingAccepted) until(end, "the end");
     }
 
     void CheckSuccess(const Judgement& judgement) {
@@ -353,16 +429,12 @@ private:
     /// program ignores, or when corruption hits the record type, which the checksum does not
     /// cover. Only an indicator that compares its memory detects these.
     bool LossUnseen() const {
-        const auto answeredByVerdict = [](const Exchange& exchange) {
-            return exchange.reply.find("DONE") != std::string::npos ||
-                   exchange.reply.find("VERIFY FAILED") != std::string::npos;
-        };
         const auto garbles = [](const Mishap& mishap) {
             const auto* const fault = std::get_if<LineFault>(&mishap.what);
             return fault && fault->kind == LineFaultKind::Garble &&
                    fault->direction == Direction::ToDevice;
         };
-        return std::ranges::any_of(mTap->exchanges, answeredByVerdict) ||
+        return std::ranges::any_of(mTap->exchanges, &Exchange::HasVerdict) ||
                std::ranges::any_of(mPlan.mishaps, garbles);
     }
 
@@ -380,7 +452,9 @@ private:
     std::array<bool, kStageNames.size()> mBegun{};
     std::vector<TimerId> mActs;
     std::int32_t mArmedAt = 0;
+    std::int32_t mReadingMs = 0;
     bool mEndWanted = false;
+    bool mClosedInHandshake = false;
     std::size_t mSentBeforeEnd = 0;
     std::string mViolation;
 };

@@ -52,36 +52,6 @@ protected:
         std::make_shared<frmMain>(mPlatform.manager, mPlatform.platform);
 };
 
-TEST_F(ConfigureTest, OpensOnTheSerialPageWithWhatIsSet) {
-    Open([this](frmConfigure& dialog) {
-        // One letter from the left, vertically centred in 390 twips.
-        EXPECT_EQ(dialog.picSelection.PrintedTexts(),
-                  (std::vector<PictureBox::Printed>{{100, 95, "Tahoma", "Settings"}}));
-        EXPECT_EQ(dialog.cboPort.Items(), (Texts{"COM1", "COM3", "COM10"}));
-        EXPECT_EQ(dialog.cboPort.Text() + "," + dialog.cboBaudRate.Text() + "," +
-                      dialog.cboParity.Text() + "," + dialog.cboDataBits.Text() + "," +
-                      dialog.cboStopBits.Text(),
-                  "COM1,38400,N - None,8,2");
-        for (bool valid : {false, true}) {
-            mMain->Settings().Valid(valid);
-            EXPECT_EQ(dialog.cmdOK.Enabled() && dialog.cmdApply.Enabled(), valid);
-        }
-    });
-}
-
-TEST_F(ConfigureTest, WhatIsSetAndNotListedIsNotChosen) {
-    Remember("Settings",
-             "\"Port\"=\"COM7\"\n\"Baud\"=\"19200\"\n\"Parity\"=\"e\"\n\"DataBits\"=\"7\"");
-    mMain->Settings().Initialize();
-    Open([](frmConfigure& dialog) {
-        for (const ComboBox* combo :
-             {&dialog.cboPort, &dialog.cboBaudRate, &dialog.cboParity, &dialog.cboDataBits})
-            EXPECT_EQ(combo->ListIndex(), -1) << combo->Name();
-        dialog.cmdOK.Press();
-    });
-    EXPECT_EQ(Stored("Port") + Stored("Baud"), "COM719200");
-}
-
 // A list control may report a selection while it is filled.
 TEST_F(ConfigureTest, FillingTheListsAssignsNothing) {
     int picks = 0;
@@ -142,23 +112,6 @@ TEST_F(ConfigureTest, ASlowSpeedIsAdvisedAgainstOnceAndKept) {
     });
     EXPECT_EQ(Told(mPlatform), Texts{kAdvice});
     EXPECT_EQ(Stored("Baud"), "9600  ");
-}
-
-// Whatever size and state another version has stored.
-TEST_F(ConfigureTest, OfTheWindowsRecordOnlyTheCornerCounts) {
-    const struct {
-        const char* record;
-        Place place;
-    } rows[] = {{"", {10545, 5677.5f, 7710, 4845}},  // centred on the screen
-                {"L=307;T=600;W=9000;H=90;S=0;", {300, 600, 7710, 4845}},
-                {"L=300;T=600;W=9000;H=9000;S=2;", {10545, 5677.5f, 7710, 4845}}};
-    for (const auto& row : rows) {
-        Remember("Positions", "\"frmConfigure\"=\"" + std::string(row.record) + "\"");
-        Open([&row](frmConfigure& dialog) {
-            EXPECT_EQ(dialog.Place(), row.place) << row.record;
-            EXPECT_EQ(dialog.State(), WindowState::Normal);
-        });
-    }
 }
 
 }  // namespace

@@ -1,4 +1,4 @@
-// Translation of windows: the shipped main window in both languages, and designs with errors.
+// Translation of windows with faulty designs; the translated windows themselves are scenarios.
 #include "app/base/LoadResources.hpp"
 
 #include <gtest/gtest.h>
@@ -8,25 +8,6 @@
 
 namespace vantor {
 namespace {
-
-TEST(LoadResources, TheMainWindowIsTranslatedWithItsMenusItsArraysAndItsToolTip) {
-    for (const Language language : {Language::English, Language::Spanish}) {
-        ReportingPlatform platform(language);
-        const auto window = std::make_shared<frmMain>(platform.manager, platform.platform);
-        window->Load();
-        EXPECT_EQ(Told(platform), Texts{});
-        EXPECT_EQ(window->Caption() + "|" + window->lblLabels[3].Caption(),
-                  language == Language::English
-                      ? "Tessmar Vantor Update Utility|Elapsed Time:"
-                      : "Utilidad de actualización Tessmar Vantor|Tiempo transcurrido:");
-        EXPECT_TRUE(window->picPicture.ToolTip().ends_with(
-            language == Language::English ? "information." : "información."));
-        for (const Control* control : window->Controls())
-            EXPECT_EQ(control->Caption().find_first_of("0123456789"), std::string::npos)
-                << control->Name() << " keeps the number of its text";
-        window->Unload();
-    }
-}
 
 // A window with the captions and tags that a test needs.
 class Annotated : public Form {

@@ -93,13 +93,6 @@ protected:
     std::shared_ptr<frmMain> mWindow;
 };
 
-TEST_F(PromotionalPictureTest, AFileThatCannotBeReadGivesWayToTheBuiltInPictureSilently) {
-    Put("a.gif", kGif);
-    mPlatform.files.FailOn(kCache + "a.gif", 70);
-    EXPECT_TRUE(Shown().Loaded() == nullptr && Shown().Tag().empty());
-    EXPECT_EQ(Told(mPlatform), Texts{});
-}
-
 TEST_F(PromotionalPictureTest, EveryPictureOfTheCacheComesUpSometime) {
     for (const char* name : {"a.gif", "b.gif", "c.gif"}) Put(name, kGif);
     std::string seen;

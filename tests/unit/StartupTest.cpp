@@ -49,36 +49,6 @@ TEST_F(StartupTest, AnUnknownProgramFolderIsToldAndDoesNotStopTheStart) {
     EXPECT_TRUE(mStartup.MainWindow()->Visible());
 }
 
-TEST_F(StartupTest, TheHelpKeyOpensTheFileOrSaysWhyNotAndDoesNotDisturbAnUpdate) {
-    ASSERT_TRUE(mStartup.Main());
-    frmMain& window = *mStartup.MainWindow();
-    const auto complaint = [](std::int32_t id) {
-        return Texts{"!||" + CompiledStrings(Language::English).LoadResString(id)};
-    };
-    window.HelpWanted();
-    EXPECT_EQ(Told(mPlatform), complaint(1017));
-    EXPECT_TRUE(mPlatform.shell.asked.empty());
-
-    mPlatform.files.CreateFolders("/opt/vantor");
-    mPlatform.files.WriteAll("/opt/vantor/tswuhelp.chm", "help");
-    mPlatform.boxes.shown.clear();
-    window.HelpWanted();
-    ASSERT_EQ(mPlatform.shell.asked.size(), 1u);
-    EXPECT_EQ(mPlatform.shell.asked[0].file, "/opt/vantor\\tswuhelp.chm");
-    EXPECT_EQ(Told(mPlatform), Texts{});
-
-    constexpr std::int32_t kNoAssociation = 31;
-    mPlatform.shell.code = kNoAssociation;
-    window.HelpWanted();
-    EXPECT_EQ(Told(mPlatform), complaint(1016));
-
-    window.EnableButtons(false);
-    window.HelpWanted();
-    window.picPicture.Press();
-    EXPECT_EQ(mPlatform.shell.asked.size(), 2u);
-    EXPECT_EQ(mPlatform.boxes.shown.size(), 1u);
-}
-
 TEST_F(StartupTest, AFolderThatTheSystemCannotNameIsNeverTheRootOfTheDrive) {
     mPlatform.folders.home.clear();
     ASSERT_TRUE(mStartup.Main());
@@ -90,34 +60,6 @@ TEST_F(StartupTest, AFolderThatTheSystemCannotNameIsNeverTheRootOfTheDrive) {
     EXPECT_EQ(mPlatform.dialogs.shown[0].initialFolder, "");
     window.Unload();
     EXPECT_EQ(Told(mPlatform), Texts{});
-}
-
-TEST_F(StartupTest, ABrokenSettingIsReportedOnceAndTheDefaultsAreUsed) {
-    mPlatform.registry.Import(
-        RegistryWith("Settings", "\"AutoUnZip\"=\"perhaps\"\n\"Port\"=\"COM9\"\n"));
-    ASSERT_TRUE(mStartup.Main());
-    ASSERT_EQ(Told(mPlatform).size(), 1u);
-    EXPECT_TRUE(Told(mPlatform)[0].ends_with("Error (13) Type mismatch"));
-    const CAppSettings& settings = mStartup.MainWindow()->Settings();
-    EXPECT_EQ(settings.CommPort(), "COM1");
-    EXPECT_TRUE(settings.AutoUnZip());
-}
-
-// Without a window nothing would end the program, and its lock would end every later start.
-TEST_F(StartupTest, WithoutAMainWindowThereIsNothingToRun) {
-    mPlatform.peers.refuse = true;
-    EXPECT_FALSE(mStartup.Main());
-    EXPECT_EQ(Told(mPlatform), Texts{ReportBox("modStartup.Main", "(7) Out of memory")});
-}
-
-TEST_F(StartupTest, ACloseBehindABoxOfTheStartEndsTheProgram) {
-    mPlatform.registry.Import(RegistryWith("Settings", "\"AutoUnZip\"=\"perhaps\"\n"));
-    mPlatform.boxes.whileOpen = [this](const MessageBoxRequest&) {
-        EXPECT_TRUE(mStartup.MainWindow()->Unload());
-    };
-    EXPECT_FALSE(mStartup.Main());
-    EXPECT_EQ(mPlatform.boxes.shown.size(), 1u);
-    EXPECT_EQ(mPlatform.peers.open, Texts{});
 }
 
 TEST_F(StartupTest, BoxesOfTheErrorHandlerAndTheClassesBelongToTheWindowInUse) {
@@ -157,25 +99,6 @@ TEST_F(StartupTest, ClosingTheMainWindowEndsTheProgramAndCleansUp) {
     EXPECT_EQ(mPlatform.peers.open, Texts{});
     EXPECT_FALSE(mPlatform.files.Exists(kUpdates));
     EXPECT_EQ(Told(mPlatform), Texts{});
-}
-
-TEST_F(StartupTest, AnUpdateListThatCannotBeDeletedDoesNotKeepTheWindowOpen) {
-    mPlatform.files.Add(kUpdates, "x");
-    mPlatform.files.FailOn(kUpdates, 70);
-    mStartup.Main();
-    EXPECT_TRUE(mStartup.MainWindow()->Unload());
-    EXPECT_EQ(Told(mPlatform), Texts{});
-}
-
-TEST_F(StartupTest, TheDownloadButtonsWaitForASelection) {
-    mStartup.Main();
-    frmMain& window = *mStartup.MainWindow();
-    for (const int selected : {-1, 0}) {
-        window.lvwUpdates.Choose(selected);
-        for (CommandButton* button :
-             {&window.cmdDetails, &window.cmdDownload, &window.cmdDownloadAll})
-            EXPECT_EQ(button->Enabled(), selected == 0) << button->Name();
-    }
 }
 
 TEST(modSupport, EveryPathGetsExactlyOneFinalBackslash) {

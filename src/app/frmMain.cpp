@@ -1,5 +1,6 @@
 #include "app/frmMain.hpp"
 
+#include <initializer_list>
 #include <string>
 #include <utility>
 #include <vector>
@@ -51,31 +52,17 @@ frmMain::frmMain(WindowManager& manager, Platform& platform)
 
 void frmMain::Form_Load() {
     Trapped("frmMain.Form_Load", [this] {
-        RestorePosition();
-        LoadSettings();
+        mFormPos.Form = this;
+        if (!mFormPos.RestoreForm(true)) mFormPos.CenterForm();
+        // An unreadable stored value is reported once; the program continues with the others.
+        Trapped("frmMain.LoadSettings", [this] { mSettings.Initialize(); });
         LoadResources();
-        Startup();
+        mPromotion.Choose();
+        ShowFunction(MainPanel::Startup);
+        SetButtonState(false);
+        for (Control* each : std::initializer_list<Control*>{&picPicture, &lvwUpdates, &pbarStatus})
+            each->Border(vantor::Border::Static);
     });
-}
-
-void frmMain::RestorePosition() {
-    mFormPos.Form = this;
-    if (!mFormPos.RestoreForm(true)) mFormPos.CenterForm();
-}
-
-void frmMain::Startup() {
-    mPromotion.Choose();
-    ShowFunction(MainPanel::Startup);
-    SetButtonState(false);
-    for (Control* bordered :
-         {static_cast<Control*>(&picPicture), static_cast<Control*>(&lvwUpdates),
-          static_cast<Control*>(&pbarStatus)})
-        bordered->Border(vantor::Border::Static);
-}
-
-// An unreadable stored value is reported once; the program continues with the others.
-void frmMain::LoadSettings() {
-    Trapped("frmMain.LoadSettings", [this] { mSettings.Initialize(); });
 }
 
 void frmMain::LoadResources() {
@@ -97,8 +84,13 @@ bool frmMain::Form_QueryUnload() {
 void frmMain::Form_Unload() {
     Trapped("frmMain.Form_Unload", [this] {
         mFormPos.SaveForm();
-        UnloadOthers();
-        Ignoring([this] { DeleteUpdateList(); });
+        const std::vector<std::shared_ptr<Form>> open = Manager().OpenForms();
+        for (const std::shared_ptr<Form>& form : open)
+            if (form.get() != this) form->Unload();
+        Ignoring([this] {
+            mPlatform.files.Delete(AddFinalSlash(mPlatform.folders.PersonalDocuments()) +
+                                   "updates.txt");
+        });
     });
 }
 
@@ -166,19 +158,17 @@ void frmMain::mnuHelpAbout_Click() {
 
 void frmMain::mnuToolsCurrentVersions_Click() {
     Trapped("frmMain.mnuToolsCurrentVersions_Click", [this] {
-        struct Row {
-            Str label;
-            const char* file;
-        };
-        constexpr std::array kRows = {
-            Row{Str::CaldorVersion, "caldor.exe"}, Row{Str::CaldorEditorVersion, "caldoredit.exe"},
-            Row{Str::PellinVersion, "pellin.exe"}, Row{Str::WebUpdateVersion, "tsupdate.exe"}};
+        constexpr std::pair<Str, const char*> kPrograms[] = {
+            {Str::CaldorVersion, "caldor.exe"},
+            {Str::CaldorEditorVersion, "caldoredit.exe"},
+            {Str::PellinVersion, "pellin.exe"},
+            {Str::WebUpdateVersion, "tsupdate.exe"}};
         const std::string folder = AppPath(mPlatform.process);
         const StringTable& strings = mPlatform.strings;
         CVersionInfo info(mPlatform.versions, strings);
         std::string report;
-        for (const Row& row : kRows)
-            report += strings.Text(row.label) + " " + info.FileVersion(folder + row.file) + "\r\n";
+        for (const auto& [label, file] : kPrograms)
+            report += strings.Text(label) + " " + info.FileVersion(folder + file) + "\r\n";
         mPlatform.boxes.Show({.text = report,
                               .title = strings.Text(Str::InstalledVersionsTitle),
                               .icon = BoxIcon::Information,
@@ -196,16 +186,6 @@ void frmMain::picPicture_Click() {
         const std::string address = mPromotion.Address(index);
         if (!address.empty()) CShellExecute(mPlatform.shell).LaunchURL(WindowHandle(), address);
     });
-}
-
-void frmMain::UnloadOthers() {
-    const std::vector<std::shared_ptr<Form>> open = Manager().OpenForms();
-    for (const std::shared_ptr<Form>& form : open)
-        if (form.get() != this) form->Unload();
-}
-
-void frmMain::DeleteUpdateList() {
-    mPlatform.files.Delete(AddFinalSlash(mPlatform.folders.PersonalDocuments()) + "updates.txt");
 }
 
 // The flash session's view ------------------------------------------------------------------
@@ -232,17 +212,12 @@ std::optional<std::string> frmMain::ChooseImage() {
     return dialog.FileName;
 }
 
-void frmMain::HoldSystem(const std::string& reason) {
-    mPlatform.peers.HoldSystem(reason);
-}
-
 void frmMain::Busy(bool busy) {
     mPlatform.peers.SetMousePointer(busy ? MousePointer::Hourglass : MousePointer::Default);
 }
 
 bool frmMain::Confirm(const std::string& question) {
     return mPlatform.boxes.Show({.text = question,
-                                 .title = {},
                                  .icon = BoxIcon::Question,
                                  .buttons = BoxButtons::YesNo,
                                  .owner = WindowHandle()}) == BoxAnswer::Yes;
@@ -251,10 +226,6 @@ bool frmMain::Confirm(const std::string& question) {
 void frmMain::ShowLine(std::int32_t index, std::int32_t last, std::int16_t elapsedSeconds) {
     lblStatus.Caption(LineOf(mPlatform.strings, index, last));
     lblElapsed.Caption(TimeOfDay(elapsedSeconds));
-}
-
-void frmMain::Beep() {
-    mPlatform.boxes.Beep();
 }
 
 void frmMain::OpenStatus(const std::string& message) {

@@ -39,7 +39,7 @@ public:
     std::shared_ptr<void> KeepAlive() override { return weak_from_this().lock(); }
     void Begin() override;
     std::optional<std::string> ChooseImage() override;
-    void HoldSystem(const std::string& reason) override;
+    void HoldSystem(const std::string& reason) override { mPlatform.peers.HoldSystem(reason); }
     void Busy(bool busy) override;
     bool Confirm(const std::string& question) override;
     void ShowStage(const std::string& name) override { lblStatus.Caption(name); }
@@ -47,7 +47,7 @@ public:
     void ShowLine(std::int32_t index, std::int32_t last, std::int16_t elapsedSeconds) override;
     void ShowPercent(std::int16_t percent) override { pbarStatus.Value(percent); }
     void ShowWarning(const std::string& text) override { lblWarning.Caption(text); }
-    void Beep() override;
+    void Beep() override { mPlatform.boxes.Beep(); }
     void OpenStatus(const std::string& message) override;
     void CloseStatus() override;
     void ShowAborted(const std::string& text) override { lblStatus.Caption(text); }
@@ -116,16 +116,11 @@ protected:
 
 private:
     void LoadResources();
-    void LoadSettings();
-    void RestorePosition();
-    void Startup();
     void mnuToolsOptions_Click();
     void mnuToolsMonitor_Click();
     void mnuHelpAbout_Click();
     void mnuToolsCurrentVersions_Click();
     void picPicture_Click();
-    void UnloadOthers();
-    void DeleteUpdateList();
     void lvwUpdates_Click();
 
     Platform& mPlatform;

@@ -13,21 +13,27 @@
 namespace vantor {
 
 modStartup::modStartup(Platform& platform)
-    : mPlatform(platform), mManager(platform.peers, platform.pump) {}
+    : mPlatform(platform),
+      mErrors({platform.clock, platform.files, platform.folders, platform.boxes, platform.process}),
+      mManager(platform.peers, platform.pump) {}
 
 modStartup::~modStartup() {
-    if (mErrors) SetErrorSink(nullptr);
+    SetErrorSink(nullptr);
 }
 
 bool modStartup::Main() {
-    PrepareErrorHandler();
+    SetErrorSink(&mErrors);
+    mErrors.Title = AppInfo{}.title;
+    // Without an application-data folder the reports go to the default file.
+    Ignoring([this] { mErrors.Destination(ErrorLogPath(mPlatform.folders)); });
+    mErrors.DisplayMsgOnError = true;
     const bool clean = Trapped("modStartup.Main", [this] {
         static bool blnFilterInstalled = false;
         if (!blnFilterInstalled) {
-            mPlatform.process.InstallUnhandledExceptionFilter(mErrors->Title);
+            mPlatform.process.InstallUnhandledExceptionFilter(mErrors.Title);
             blnFilterInstalled = true;
         }
-        if (mPlatform.process.AnotherInstanceRuns(mErrors->Title)) return;
+        if (mPlatform.process.AnotherInstanceRuns(mErrors.Title)) return;
         mHelpFile = AppPath(mPlatform.process) + "tswuhelp.chm";
         mManager.Help = [this](const Form& form) { ShowHelp(form.WindowHandle()); };
         mMain = std::make_shared<frmMain>(mManager, mPlatform);
@@ -45,30 +51,15 @@ void modStartup::ShowHelp(NativeWindow owner) {
         // A message box or a process start could delay the reply to a line, so this command is
         // disabled during an update.
         if (!mMain->cmdFlash.Enabled()) return;
-        Str complaint = Str::None;
-        if (!mPlatform.files.Exists(mHelpFile))
-            complaint = Str::HelpNotFound;
-        else if (mPlatform.shell.Execute({.owner = owner, .verb = "open", .file = mHelpFile}) <
-                 kFirstShellSuccess)
-            complaint = Str::HelpNotOpened;
-        if (complaint == Str::None) return;
+        const bool found = mPlatform.files.Exists(mHelpFile);
+        if (found && mPlatform.shell.Execute({.owner = owner, .verb = "open", .file = mHelpFile}) >=
+                         kFirstShellSuccess)
+            return;
+        const Str complaint = found ? Str::HelpNotOpened : Str::HelpNotFound;
         mPlatform.boxes.Show({.text = mPlatform.strings.Text(complaint),
                               .icon = BoxIcon::Exclamation,
                               .owner = owner});
     });
-}
-
-// No error handler is installed yet, so errors in these steps are ignored.
-void modStartup::PrepareErrorHandler() {
-    Ignoring([this] {
-        mErrors = std::make_unique<CErrHandler>(
-            CErrHandler::Services{mPlatform.clock, mPlatform.files, mPlatform.folders,
-                                  mPlatform.boxes, mPlatform.process});
-        SetErrorSink(mErrors.get());
-    });
-    Ignoring([this] { mErrors->Title = AppInfo{}.title; });
-    Ignoring([this] { mErrors->Destination(ErrorLogPath(mPlatform.folders)); });
-    Ignoring([this] { mErrors->DisplayMsgOnError = true; });
 }
 
 }  // namespace vantor

@@ -26,15 +26,14 @@ public:
     /// (reported), or the user closed it while a start-up message box was open.
     bool Main();
 
-    CErrHandler& Errors() { return *mErrors; }
+    CErrHandler& Errors() { return mErrors; }
     const std::shared_ptr<frmMain>& MainWindow() const { return mMain; }
 
 private:
-    void PrepareErrorHandler();
     void ShowHelp(NativeWindow owner);
 
     Platform& mPlatform;
-    std::unique_ptr<CErrHandler> mErrors;
+    CErrHandler mErrors;
     WindowManager mManager;
     std::shared_ptr<frmMain> mMain;
     std::string mHelpFile;

@@ -1,6 +1,7 @@
 #include "content/CImageInfo.hpp"
 
 #include <algorithm>
+#include <array>
 
 #include "support/errors/RuntimeError.hpp"
 
@@ -52,26 +53,11 @@ std::int32_t CImageInfo::HighFirst(std::size_t position) const {
 }
 
 void CImageInfo::ReadPng() {
-    const std::uint8_t bitDepth = At(24);
-    switch (At(25)) {
-        case 0:
-            mDepth = bitDepth;
-            break;
-        case 2:
-            mDepth = ToDepth(3 * bitDepth);
-            break;
-        case 3:
-            mDepth = 8;
-            break;
-        case 4:
-            mDepth = ToDepth(2 * bitDepth);
-            break;
-        case 6:
-            mDepth = ToDepth(4 * bitDepth);
-            break;
-        default:
-            return;  // unknown colour type
-    }
+    // By colour type; 0 where there is no such type. A palette index (3) counts as 8 bits.
+    constexpr std::array<int, 7> kSamplesPerPixel = {1, 0, 3, 1, 2, 0, 4};
+    const std::uint8_t colourType = At(25);
+    if (colourType >= kSamplesPerPixel.size() || kSamplesPerPixel[colourType] == 0) return;
+    mDepth = colourType == 3 ? std::uint8_t{8} : ToDepth(kSamplesPerPixel[colourType] * At(24));
     mType = Type::Png;
     // The low 16 bits of the two sizes.
     mWidth = HighFirst(18);

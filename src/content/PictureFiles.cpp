@@ -1,8 +1,6 @@
 #include "content/PictureFiles.hpp"
 
-#include <algorithm>
-#include <array>
-#include <string_view>
+#include <functional>
 
 #include "app/base/modSupport.hpp"
 #include "support/Conversions.hpp"
@@ -11,10 +9,9 @@ namespace vantor {
 namespace {
 
 // The sibling program that fills the folder writes lower-case names; the dot is not checked.
-bool IsPictureName(std::string_view name) {
-    constexpr std::array<std::string_view, 3> kEndings = {"gif", "jpg", "bmp"};
+bool IsPictureName(const std::string& name) {
     return name.size() > 3 &&
-           std::ranges::find(kEndings, name.substr(name.size() - 3)) != kEndings.end();
+           (name.ends_with("gif") || name.ends_with("jpg") || name.ends_with("bmp"));
 }
 
 }  // namespace
@@ -23,7 +20,7 @@ std::int16_t PictureFilesToArray(const Files& files, const std::string& folder, 
                                  bool includeSystem, std::vector<std::string>& names) {
     names =
         files.List(AddFinalSlash(folder), "*", {.hidden = includeHidden, .system = includeSystem});
-    std::erase_if(names, [](const std::string& name) { return !IsPictureName(name); });
+    std::erase_if(names, std::not_fn(IsPictureName));
     return ToInt16(static_cast<double>(names.size()));
 }
 

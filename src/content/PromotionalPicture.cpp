@@ -32,32 +32,24 @@ std::optional<std::string_view> AddressField(std::string_view line) {
 
 }  // namespace
 
-PromotionalPicture::PromotionalPicture(PictureBox& box, Platform& platform)
-    : mBox(box), mPlatform(platform) {}
-
 std::string PromotionalPicture::CacheFolder() const {
-    return AddFinalSlash(mPlatform.folders.ApplicationData()) + "TSMR\\CALDOR\\" + "cache\\";
+    return ProductDataFolder(mPlatform.folders) + "cache\\";
 }
 
 void PromotionalPicture::Choose() {
     ShowBuiltIn();
-    const bool shown = Ignoring([this] {
-        const std::string folder = CacheFolder();
-        mPlatform.files.CreateFolders(folder);
-        ShowOneOf(folder);
-    });
-    if (!shown) ShowBuiltIn();
+    if (!Ignoring([this] { ShowCached(); })) ShowBuiltIn();
 }
 
-void PromotionalPicture::ShowOneOf(const std::string& folder) {
+void PromotionalPicture::ShowCached() {
+    const std::string folder = CacheFolder();
+    mPlatform.files.CreateFolders(folder);
     std::vector<std::string> names;
     if (PictureFilesToArray(mPlatform.files, folder, false, false, names) == 0) return;
     std::minstd_rand random(mPlatform.clock.Milliseconds());
     const double drawn = std::uniform_real_distribution(0.0, 1.0)(random);
-    Show(folder, names[static_cast<std::size_t>(drawn * static_cast<double>(names.size()))]);
-}
-
-void PromotionalPicture::Show(const std::string& folder, const std::string& name) {
+    const std::string& name =
+        names[static_cast<std::size_t>(drawn * static_cast<double>(names.size()))];
     CImageInfo info(mPlatform.files);
     info.ReadImageInfo(folder + name);
     if (info.ImageType() == CImageInfo::Type::Unknown) return;

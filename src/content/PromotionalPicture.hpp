@@ -14,7 +14,7 @@ class PromotionalPicture {
 public:
     /// `box` shows the picture; its `Tag` holds the name of the cached file (without folder),
     /// and is empty for the built-in one. Both must outlive this object.
-    PromotionalPicture(PictureBox& box, Platform& platform);
+    PromotionalPicture(PictureBox& box, Platform& platform) : mBox(box), mPlatform(platform) {}
 
     /// Shows one of the cached pictures, chosen at random. On any error shows the built-in one;
     /// nothing is reported.
@@ -30,8 +30,7 @@ public:
 
 private:
     std::string CacheFolder() const;
-    void ShowOneOf(const std::string& folder);
-    void Show(const std::string& folder, const std::string& name);
+    void ShowCached();
     void ShowBuiltIn();
 
     PictureBox& mBox;

@@ -5,16 +5,6 @@
 #include "support/Traps.hpp"
 
 namespace vantor {
-namespace {
-
-constexpr std::int32_t kTaken = -1;
-
-std::int32_t ResultOf(std::int32_t code) {
-    return code < kFirstShellSuccess ? code : kTaken;
-}
-
-}  // namespace
-
 std::int32_t CShellExecute::LaunchURL(NativeWindow owner, const std::string& address,
                                       std::int32_t show) {
     return Launch("CShellExecute.LaunchURL", {.owner = owner, .file = address, .show = show});
@@ -64,25 +54,22 @@ bool CShellExecute::StillExecuting() const {
 }
 
 std::int32_t CShellExecute::Launch(const char* member, const ShellRequest& request) {
-    std::int32_t result = 0;
-    Trapped(member, [&] {
-        Forget();
-        result = ResultOf(mShell.Execute(request));
-    });
-    return result;
+    return Run(member, [&] { return mShell.Execute(request); });
 }
 
 std::int32_t CShellExecute::Start(const char* member, const ShellRequest& request) {
-    std::int32_t result = 0;
-    Trapped(member, [&] {
-        Forget();
-        result = ResultOf(mShell.Start(request, mProcess));
-    });
-    return result;
+    return Run(member, [&] { return mShell.Start(request, mProcess); });
 }
 
-void CShellExecute::Forget() {
-    mShell.Release(std::exchange(mProcess, 0));
+std::int32_t CShellExecute::Run(const char* member, const std::function<std::int32_t()>& launch) {
+    constexpr std::int32_t kTaken = -1;
+    std::int32_t result = 0;
+    Trapped(member, [&] {
+        mShell.Release(std::exchange(mProcess, 0));
+        const std::int32_t code = launch();
+        result = code < kFirstShellSuccess ? code : kTaken;
+    });
+    return result;
 }
 
 }  // namespace vantor

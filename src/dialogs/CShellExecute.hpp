@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <string>
 
 #include "platform/Shell.hpp"
@@ -39,7 +40,7 @@ public:
 private:
     std::int32_t Launch(const char* member, const ShellRequest& request);
     std::int32_t Start(const char* member, const ShellRequest& request);
-    void Forget();
+    std::int32_t Run(const char* member, const std::function<std::int32_t()>& launch);
 
     Shell& mShell;
     ShellProcess mProcess = 0;

@@ -20,10 +20,8 @@ std::string CVersionInfo::FileVersion(const std::string& path) {
 }
 
 bool CVersionInfo::ReadBlock(const std::string& path) {
-    const std::uint32_t size = mVersions.BlockSize(path);
-    if (size == 0) return false;
-    mBlock.assign(size, '\0');
-    if (!mVersions.ReadBlock(path, mBlock)) return false;
+    mBlock.assign(mVersions.BlockSize(path), '\0');
+    if (mBlock.empty() || !mVersions.ReadBlock(path, mBlock)) return false;
     std::uint16_t language = 0;
     std::uint16_t codePage = 0;
     mTranslation.clear();

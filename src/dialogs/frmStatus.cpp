@@ -14,7 +14,7 @@ frmStatus::frmStatus(WindowManager& manager, const StringTable& strings)
 void frmStatus::Form_Load() {
     Trapped("frmStatus.Form_Load", [this] {
         LoadResources(*this, mStrings);
-        Height(kShortHeight);
+        DisplayOK(false);
     });
 }
 
@@ -26,15 +26,13 @@ void frmStatus::Message(const std::string& text) {
 }
 
 void frmStatus::DisplayOK(bool display) {
-    Trapped("frmStatus.DisplayOK", [&] { Height(display ? kTallHeight : kShortHeight); });
-}
-
-void frmStatus::Height(float twips) {
-    vantor::Place place = Place();
-    place.height = twips;
-    Place(place);
-    // A button below the visible area must also be hidden, or Tab and Enter would reach it.
-    cmdOK.Visible(twips == kTallHeight);
+    Trapped("frmStatus.DisplayOK", [&] {
+        vantor::Place place = Place();
+        place.height = display ? kTallHeight : kShortHeight;
+        Place(place);
+        // A button below the visible area must also be hidden, or Tab and Enter would reach it.
+        cmdOK.Visible(display);
+    });
 }
 
 void frmStatus::cmdOK_Click() {

@@ -32,7 +32,6 @@ protected:
     void Form_Load() override;
 
 private:
-    void Height(float twips);
     void cmdOK_Click();
 
     const StringTable& mStrings;

@@ -1,7 +1,5 @@
 // The options dialog: the tree of pages at the left; at the right a caption bar above the pages,
 // which all have the position of the placeholder; below them OK, Cancel and Apply.
-#include <array>
-
 #include "resources/Designs.hpp"
 
 namespace vantor {
@@ -32,30 +30,29 @@ constexpr Place ButtonAt(int column) {
     return {3435 + 1380 * static_cast<float>(column), 3855, 1245, 375};
 }
 
-constexpr std::array kControls = {
-    ControlDesign{TreeView, "tvwOptions", -1, "", {180, 180, 2340, 3480}, "", "", kTree},
-    ControlDesign{PictureBox, "picSelection", -1, "", {2700, 180, 4740, 390}, "", "", kCaptionBar},
+constexpr ControlDesign kControls[] = {
+    {TreeView, "tvwOptions", -1, "", {180, 180, 2340, 3480}, "", "", kTree},
+    {PictureBox, "picSelection", -1, "", {2700, 180, 4740, 390}, "", "", kCaptionBar},
 
-    ControlDesign{PictureBox, "picDetails", -1, "", kPage, "", ""},
-    ControlDesign{Label, "lblDetails", -1, "picDetails", {240, 240, 4260, 600}, "Details", "502"},
+    {PictureBox, "picDetails", -1, "", kPage, "", ""},
+    {Label, "lblDetails", -1, "picDetails", {240, 240, 4260, 600}, "Details", "502"},
 
-    ControlDesign{PictureBox, "picHolder", 0, "", kPage, "", ""},
-    ControlDesign{
-        Label, "lblLabels", 0, "picHolder", {240, 240, 4260, 255}, "Settings:", "503", kHeading},
-    ControlDesign{Label, "lblLabels", 1, "picHolder", LabelAt(0), "PC Comm Port", "504"},
-    ControlDesign{ComboBox, "cboPort", -1, "picHolder", ListAt(0), "", ""},
-    ControlDesign{Label, "lblLabels", 2, "picHolder", LabelAt(1), "Baud Rate", "505"},
-    ControlDesign{ComboBox, "cboBaudRate", -1, "picHolder", ListAt(1), "", ""},
-    ControlDesign{Label, "lblLabels", 3, "picHolder", LabelAt(2), "Data Bits", "506"},
-    ControlDesign{ComboBox, "cboDataBits", -1, "picHolder", ListAt(2), "", ""},
-    ControlDesign{Label, "lblLabels", 4, "picHolder", LabelAt(3), "Parity", "507"},
-    ControlDesign{ComboBox, "cboParity", -1, "picHolder", ListAt(3), "", ""},
-    ControlDesign{Label, "lblLabels", 5, "picHolder", LabelAt(4), "Stop Bits", "508"},
-    ControlDesign{ComboBox, "cboStopBits", -1, "picHolder", ListAt(4), "", ""},
+    {PictureBox, "picHolder", 0, "", kPage, "", ""},
+    {Label, "lblLabels", 0, "picHolder", {240, 240, 4260, 255}, "Settings:", "503", kHeading},
+    {Label, "lblLabels", 1, "picHolder", LabelAt(0), "PC Comm Port", "504"},
+    {ComboBox, "cboPort", -1, "picHolder", ListAt(0), "", ""},
+    {Label, "lblLabels", 2, "picHolder", LabelAt(1), "Baud Rate", "505"},
+    {ComboBox, "cboBaudRate", -1, "picHolder", ListAt(1), "", ""},
+    {Label, "lblLabels", 3, "picHolder", LabelAt(2), "Data Bits", "506"},
+    {ComboBox, "cboDataBits", -1, "picHolder", ListAt(2), "", ""},
+    {Label, "lblLabels", 4, "picHolder", LabelAt(3), "Parity", "507"},
+    {ComboBox, "cboParity", -1, "picHolder", ListAt(3), "", ""},
+    {Label, "lblLabels", 5, "picHolder", LabelAt(4), "Stop Bits", "508"},
+    {ComboBox, "cboStopBits", -1, "picHolder", ListAt(4), "", ""},
 
-    ControlDesign{CommandButton, "cmdOK", -1, "", ButtonAt(0), "&OK", "101", kOk},
-    ControlDesign{CommandButton, "cmdCancel", -1, "", ButtonAt(1), "&Cancel", "103", kCancel},
-    ControlDesign{CommandButton, "cmdApply", -1, "", ButtonAt(2), "&Apply", "104"},
+    {CommandButton, "cmdOK", -1, "", ButtonAt(0), "&OK", "101", kOk},
+    {CommandButton, "cmdCancel", -1, "", ButtonAt(1), "&Cancel", "103", kCancel},
+    {CommandButton, "cmdApply", -1, "", ButtonAt(2), "&Apply", "104"},
 };
 
 }  // namespace

@@ -1,7 +1,5 @@
 // The progress window of a file transmission. A pixel around its two values stays free for
 // the edges that the window draws.
-#include <array>
-
 #include "resources/Designs.hpp"
 
 namespace vantor {
@@ -12,13 +10,12 @@ using enum ControlKind;
 constexpr ControlStyle kFileName = {.verbatim = true};
 constexpr ControlStyle kCancel = {.defaultButton = true, .cancelButton = true};
 
-constexpr std::array kControls = {
-    ControlDesign{Label, "lblLabels", 0, "", {180, 180, 1100, 270}, "Filename:", "602"},
-    ControlDesign{Label, "lblLabels", 1, "", {180, 585, 1100, 270}, "Sending:", "603"},
-    ControlDesign{Label, "lblFilename", -1, "", {1365, 180, 3300, 270}, "", "", kFileName},
-    ControlDesign{Label, "lblStatus", -1, "", {1365, 585, 3300, 270}, "", ""},
-    ControlDesign{
-        CommandButton, "cmdCancel", -1, "", {1800, 1035, 1245, 375}, "&Cancel", "103", kCancel},
+constexpr ControlDesign kControls[] = {
+    {Label, "lblLabels", 0, "", {180, 180, 1100, 270}, "Filename:", "602"},
+    {Label, "lblLabels", 1, "", {180, 585, 1100, 270}, "Sending:", "603"},
+    {Label, "lblFilename", -1, "", {1365, 180, 3300, 270}, "", "", kFileName},
+    {Label, "lblStatus", -1, "", {1365, 585, 3300, 270}, "", ""},
+    {CommandButton, "cmdCancel", -1, "", {1800, 1035, 1245, 375}, "&Cancel", "103", kCancel},
 };
 
 }  // namespace

@@ -1,22 +1,17 @@
 // The status window: one message, a picture, and an OK button below the short height.
-#include <array>
-
 #include "resources/Designs.hpp"
 
 namespace vantor {
 namespace {
 
-constexpr std::array kControls = {
-    ControlDesign{ControlKind::Icon, "Image1", -1, "", {150, 120, 480, 480}, "", ""},
-    ControlDesign{ControlKind::Label, "lblMessage", -1, "", {780, 240, 3600, 480}, "", ""},
-    ControlDesign{ControlKind::CommandButton,
-                  "cmdOK",
-                  -1,
-                  "",
-                  {1650, 780, 1215, 375},
-                  "&OK",
-                  "101",
-                  {.defaultButton = true, .cancelButton = true}},
+using enum ControlKind;
+
+constexpr ControlStyle kOk = {.defaultButton = true, .cancelButton = true};
+
+constexpr ControlDesign kControls[] = {
+    {Icon, "Image1", -1, "", {150, 120, 480, 480}, "", ""},
+    {Label, "lblMessage", -1, "", {780, 240, 3600, 480}, "", ""},
+    {CommandButton, "cmdOK", -1, "", {1650, 780, 1215, 375}, "&OK", "101", kOk},
 };
 
 }  // namespace

@@ -1,7 +1,7 @@
 #include "settings/CAppSettings.hpp"
 
 #include <algorithm>
-#include <array>
+#include <initializer_list>
 
 #include "app/base/AppInfo.hpp"
 #include "settings/CEncryption.hpp"
@@ -24,23 +24,12 @@ std::string StorePassword() {
     return password;
 }
 
-SettingsRecord Defaults() {
-    SettingsRecord record;
-    record.CommPort = "COM1";
-    record.BaudRate = "38400";
-    record.DataBits = "8";
-    record.StopBits = "2";
-    record.Parity = "N";
-    record.AutoUnZip = true;
-    record.ProxyType = 1;
-    record.ProxyPort = "8080";
-    return record;
+bool IsOneOf(const std::string& value, std::initializer_list<std::int32_t> numbers) {
+    return IsNumeric(value) && std::ranges::count(numbers, ToInt32(value)) > 0;
 }
 
 bool IsBaudRate(const std::string& value) {
-    constexpr std::array<std::int32_t, 10> kSpeeds = {300,  600,   1200,  2400,  4800,
-                                                      9600, 19200, 38400, 57600, 115200};
-    return IsNumeric(value) && std::ranges::count(kSpeeds, ToInt32(value)) > 0;
+    return IsOneOf(value, {300, 600, 1200, 2400, 4800, 9600, 19200, 38400, 57600, 115200});
 }
 
 bool IsCommPort(const std::string& value) {
@@ -58,10 +47,13 @@ bool IsCommPort(const std::string& value) {
 
 }  // namespace
 
-CAppSettings::CAppSettings(vantor::Registry& registry, const CodePage& codePage, Files& files)
-    : mRegistry(registry), mCodePage(codePage), mFiles(files), mRecord(Defaults()) {
-    mBrokenRules.BrokenRule = [this] { RaiseValid(false); };
-    mBrokenRules.NoBrokenRules = [this] { RaiseValid(true); };
+CAppSettings::CAppSettings(Registry& registry, const CodePage& codePage, Files& files)
+    : mRegistry(registry), mCodePage(codePage), mFiles(files) {
+    const auto raise = [this](bool valid) {
+        if (Valid) Valid(valid);
+    };
+    mBrokenRules.BrokenRule = [raise] { raise(false); };
+    mBrokenRules.NoBrokenRules = [raise] { raise(true); };
     // Initialize loads again and raises the error, so that it is reported once.
     Ignoring([this] { Load(); });
 }
@@ -73,18 +65,12 @@ void CAppSettings::Initialize() {
     });
 }
 
-void CAppSettings::RaiseValid(bool valid) {
-    if (Valid) Valid(valid);
-}
-
 CProgramSettings CAppSettings::OpenStore() const {
     const AppInfo app;
     CProgramSettings store(mRegistry, mCodePage);
     store.RootKey = RegistryRoot::CurrentUser;
-    store.MainBranch = "SOFTWARE";
     store.RegBase = app.companyName;
     store.Program = app.title;
-    store.Section = "Settings";
     return store;
 }
 
@@ -97,7 +83,7 @@ std::string CAppSettings::Scrambled(const std::string& text) const {
 void CAppSettings::Load() {
     Raising(SourceOf("Load"), [this] {
         CProgramSettings store = OpenStore();
-        const SettingsRecord defaults = Defaults();
+        const SettingsRecord defaults;
         const auto text = [&store](const char* name, const auto& field) {
             return store.ReadEntry(name, field.Trimmed());
         };
@@ -112,7 +98,7 @@ void CAppSettings::Load() {
         mRecord.DataBits = text("DataBits", defaults.DataBits);
         // Written by Save and never read: the indicator's monitor frames with two stop bits,
         // whatever is stored, and the setter rejects this very value.
-        mRecord.StopBits = defaults.StopBits.Padded();
+        mRecord.StopBits = defaults.StopBits;
         mRecord.ProxyEnable = boolean("EnableProxy", defaults.ProxyEnable);
         mRecord.ProxyHostname = text("ProxyHostname", defaults.ProxyHostname);
         // "ProxtPort" is part of the stored format: correcting it would lose the setting.
@@ -144,154 +130,71 @@ void CAppSettings::Save() {
     });
 }
 
-void CAppSettings::RequireInitialised() const {
-    if (!mInitialised) throw RuntimeError(kNotInitialised);
+const SettingsRecord& CAppSettings::Record(std::string_view property) const {
+    if (!mInitialised) throw RuntimeError(kNotInitialised, {}, SourceOf(property));
+    return mRecord;
 }
 
-void CAppSettings::RequireEditing() const {
-    if (!mEditing) throw RuntimeError(ErrorNumber::ActionNotSupported);
+void CAppSettings::During(Edit required, std::string_view procedure,
+                          const std::function<void()>& body) {
+    Raising(SourceOf(procedure), [&] {
+        if (!mInitialised) throw RuntimeError(kNotInitialised);
+        if (mEdit != required) throw RuntimeError(ErrorNumber::ActionNotSupported);
+        body();
+    });
 }
 
 void CAppSettings::BeginEdit() {
-    Raising(SourceOf("BeginEdit"), [this] {
-        RequireInitialised();
-        if (mEditing) throw RuntimeError(ErrorNumber::ActionNotSupported);
+    During(Edit::None, "BeginEdit", [this] {
         mSaved = mRecord;
-        mEditing = true;
+        mEdit = Edit::Open;
     });
 }
 
 void CAppSettings::CancelEdit() {
-    Raising(SourceOf("CancelEdit"), [this] {
-        RequireInitialised();
-        RequireEditing();
-        mEditing = false;
+    During(Edit::Open, "CancelEdit", [this] {
+        mEdit = Edit::None;
         mDirty = false;
         mRecord = mSaved;
     });
 }
 
 void CAppSettings::ApplyEdit() {
-    Raising(SourceOf("ApplyEdit"), [this] {
-        RequireInitialised();
-        RequireEditing();
+    During(Edit::Open, "ApplyEdit", [this] {
         if (mDirty) {
             mSaved = mRecord;
             Save();
         }
         mDirty = false;
-        mEditing = false;
-    });
-}
-
-void CAppSettings::Set(std::string_view property, const std::function<void()>& rule,
-                       const std::function<void()>& store) {
-    Raising(SourceOf(property), [&] {
-        RequireInitialised();
-        RequireEditing();
-        rule();
-        store();
-        mDirty = true;
-    });
-}
-
-template <std::size_t Width>
-void CAppSettings::SetText(std::string_view property, FixedText<Width>& field,
-                           const std::string& value, const std::function<bool()>& keepsRule) {
-    Set(
-        property,
-        [&] {
-            if (CharacterCount(value) > Width) throw RuntimeError(kTooLong);
-            if (!keepsRule()) throw RuntimeError(kInvalidValue);
-        },
-        [&] { field = value; });
-}
-
-template <typename Value>
-Value CAppSettings::Get(std::string_view property, const std::function<Value()>& value) const {
-    return Raising(SourceOf(property), [&] {
-        RequireInitialised();
-        return value();
+        mEdit = Edit::None;
     });
 }
 
 void CAppSettings::BaudRate(const std::string& value) {
-    SetText("BaudRate", mRecord.BaudRate, value, [&] { return IsBaudRate(value); });
+    Set("BaudRate", mRecord.BaudRate, value, [&] { return IsBaudRate(value); });
 }
 
 void CAppSettings::CommPort(const std::string& value) {
-    SetText("CommPort", mRecord.CommPort, value, [&] { return IsCommPort(value); });
+    Set("CommPort", mRecord.CommPort, value, [&] { return IsCommPort(value); });
 }
 
 void CAppSettings::DataBits(const std::string& value) {
-    SetText("DataBits", mRecord.DataBits, value, [&] {
-        if (!IsNumeric(value)) return false;
-        const std::int32_t bits = ToInt32(value);
-        return bits == 7 || bits == 8;
-    });
+    Set("DataBits", mRecord.DataBits, value, [&] { return IsOneOf(value, {7, 8}); });
 }
 
 void CAppSettings::Parity(const std::string& value) {
-    SetText("Parity", mRecord.Parity, value, [&] {
+    Set("Parity", mRecord.Parity, value, [&] {
         const std::string letter = UpperCase(value);
         return letter == "N" || letter == "O" || letter == "E";
     });
 }
 
 void CAppSettings::StopBits(const std::string& value) {
-    SetText("StopBits", mRecord.StopBits, value,
-            [&] { return IsNumeric(value) && ToInt32(value) == 1; });
-}
-
-bool CAppSettings::AutoUnZip() const {
-    return Get<bool>("AutoUnZip", [this] { return mRecord.AutoUnZip; });
-}
-
-void CAppSettings::AutoUnZip(bool value) {
-    Set(
-        "AutoUnZip", [] {}, [&] { mRecord.AutoUnZip = value; });
-}
-
-bool CAppSettings::PassiveFTP() const {
-    return Get<bool>("PassiveFTP", [this] { return mRecord.PassiveFTP; });
-}
-
-void CAppSettings::PassiveFTP(bool value) {
-    Set(
-        "PassiveFTP", [] {}, [&] { mRecord.PassiveFTP = value; });
-}
-
-bool CAppSettings::ProxyEnable() const {
-    return Get<bool>("ProxyEnable", [this] { return mRecord.ProxyEnable; });
-}
-
-void CAppSettings::ProxyEnable(bool value) {
-    Set(
-        "ProxyEnable", [] {}, [&] { mRecord.ProxyEnable = value; });
-}
-
-std::string CAppSettings::ProxyHostname() const {
-    return Get<std::string>("ProxyHostname", [this] { return mRecord.ProxyHostname.Trimmed(); });
-}
-
-void CAppSettings::ProxyHostname(const std::string& value) {
-    SetText("ProxyHostname", mRecord.ProxyHostname, value, [] { return true; });
-}
-
-std::string CAppSettings::ProxyPassword() const {
-    return Get<std::string>("ProxyPassword", [this] { return mRecord.ProxyPassword.Trimmed(); });
-}
-
-void CAppSettings::ProxyPassword(const std::string& value) {
-    SetText("ProxyPassword", mRecord.ProxyPassword, value, [] { return true; });
-}
-
-std::string CAppSettings::ProxyPort() const {
-    return Get<std::string>("ProxyPort", [this] { return mRecord.ProxyPort.Trimmed(); });
+    Set("StopBits", mRecord.StopBits, value, [&] { return IsOneOf(value, {1}); });
 }
 
 void CAppSettings::ProxyPort(const std::string& value) {
-    SetText("ProxyPort", mRecord.ProxyPort, value, [&] {
+    Set("ProxyPort", mRecord.ProxyPort, value, [&] {
         // The numeric check tests the current port, not the new one. Kept for compatibility.
         if (!IsNumeric(ProxyPort())) return false;
         const double port = LeadingNumber(value);
@@ -299,25 +202,8 @@ void CAppSettings::ProxyPort(const std::string& value) {
     });
 }
 
-std::int32_t CAppSettings::ProxyType() const {
-    return Get<std::int32_t>("ProxyType", [this] { return mRecord.ProxyType; });
-}
-
 void CAppSettings::ProxyType(std::int32_t value) {
-    Set(
-        "ProxyType",
-        [&] {
-            if (value < 1 || value > 5) throw RuntimeError(kInvalidValue);
-        },
-        [&] { mRecord.ProxyType = value; });
-}
-
-std::string CAppSettings::ProxyUsername() const {
-    return Get<std::string>("ProxyUsername", [this] { return mRecord.ProxyUsername.Trimmed(); });
-}
-
-void CAppSettings::ProxyUsername(const std::string& value) {
-    SetText("ProxyUsername", mRecord.ProxyUsername, value, [] { return true; });
+    Set("ProxyType", mRecord.ProxyType, value, [value] { return value >= 1 && value <= 5; });
 }
 
 }  // namespace vantor

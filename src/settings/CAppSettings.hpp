@@ -7,6 +7,7 @@
 #include <functional>
 #include <string>
 #include <string_view>
+#include <type_traits>
 
 #include "settings/CBrokenRules.hpp"
 #include "support/Conversions.hpp"
@@ -27,11 +28,7 @@ class FixedText {
 public:
     static constexpr std::size_t kWidth = Width;
 
-    FixedText() : mText(Width, ' ') {}
-    FixedText& operator=(std::string_view text) {
-        mText = FixedWidth(text, Width);
-        return *this;
-    }
+    FixedText(const std::string& text = {}) : mText(FixedWidth(text, Width)) {}
     /// The whole field, with padding.
     const std::string& Padded() const { return mText; }
     std::string Trimmed() const { return std::string(TrimBlanks(mText)); }
@@ -40,18 +37,19 @@ private:
     std::string mText;
 };
 
+/// Its initial values are the defaults of the stored ones.
 struct SettingsRecord {
-    FixedText<5> CommPort;
-    FixedText<6> BaudRate;
-    FixedText<1> DataBits;
-    FixedText<1> StopBits;
-    FixedText<1> Parity;
-    bool AutoUnZip = false;
+    FixedText<5> CommPort{"COM1"};
+    FixedText<6> BaudRate{"38400"};
+    FixedText<1> DataBits{"8"};
+    FixedText<1> StopBits{"2"};
+    FixedText<1> Parity{"N"};
+    bool AutoUnZip = true;
     bool PassiveFTP = false;
     bool ProxyEnable = false;
-    std::int32_t ProxyType = 0;
+    std::int32_t ProxyType = 1;
     FixedText<50> ProxyHostname;
-    FixedText<5> ProxyPort;
+    FixedText<5> ProxyPort{"8080"};
     FixedText<20> ProxyPassword;  // plain in memory
     FixedText<30> ProxyUsername;
 };
@@ -71,7 +69,7 @@ public:
 
     /// Loads the settings. An unreadable stored value ends the load there; the error is raised
     /// later, by Initialize. The services must outlive the object.
-    CAppSettings(vantor::Registry& registry, const CodePage& codePage, Files& files);
+    CAppSettings(Registry& registry, const CodePage& codePage, Files& files);
     CAppSettings(const CAppSettings&) = delete;
     CAppSettings& operator=(const CAppSettings&) = delete;
 
@@ -101,25 +99,33 @@ public:
     std::string StopBits() const { return mRecord.StopBits.Trimmed(); }
     void StopBits(const std::string& value);
 
-    bool AutoUnZip() const;
-    void AutoUnZip(bool value);
-    bool PassiveFTP() const;
-    void PassiveFTP(bool value);
-    bool ProxyEnable() const;
-    void ProxyEnable(bool value);
-    std::string ProxyHostname() const;
-    void ProxyHostname(const std::string& value);
-    std::string ProxyPassword() const;
-    void ProxyPassword(const std::string& value);
+    bool AutoUnZip() const { return Record("AutoUnZip").AutoUnZip; }
+    void AutoUnZip(bool value) { Set("AutoUnZip", mRecord.AutoUnZip, value); }
+    bool PassiveFTP() const { return Record("PassiveFTP").PassiveFTP; }
+    void PassiveFTP(bool value) { Set("PassiveFTP", mRecord.PassiveFTP, value); }
+    bool ProxyEnable() const { return Record("ProxyEnable").ProxyEnable; }
+    void ProxyEnable(bool value) { Set("ProxyEnable", mRecord.ProxyEnable, value); }
+    std::string ProxyHostname() const { return Record("ProxyHostname").ProxyHostname.Trimmed(); }
+    void ProxyHostname(const std::string& value) {
+        Set("ProxyHostname", mRecord.ProxyHostname, value);
+    }
+    std::string ProxyPassword() const { return Record("ProxyPassword").ProxyPassword.Trimmed(); }
+    void ProxyPassword(const std::string& value) {
+        Set("ProxyPassword", mRecord.ProxyPassword, value);
+    }
     /// 1 to 65535, but see the setter.
-    std::string ProxyPort() const;
+    std::string ProxyPort() const { return Record("ProxyPort").ProxyPort.Trimmed(); }
     void ProxyPort(const std::string& value);
     /// 1 to 5.
-    std::int32_t ProxyType() const;
+    std::int32_t ProxyType() const { return Record("ProxyType").ProxyType; }
     void ProxyType(std::int32_t value);
-    std::string ProxyUsername() const;
-    void ProxyUsername(const std::string& value);
+    std::string ProxyUsername() const { return Record("ProxyUsername").ProxyUsername.Trimmed(); }
+    void ProxyUsername(const std::string& value) {
+        Set("ProxyUsername", mRecord.ProxyUsername, value);
+    }
 
+    /// True between BeginEdit and ApplyEdit or CancelEdit.
+    bool Editing() const { return mEdit == Edit::Open; }
     /// True when no rule is broken.
     bool IsValid() const { return mBrokenRules.Count() == 0; }
     /// Raised when `IsValid` changes, which never happens: no rule is ever added. The options
@@ -127,31 +133,37 @@ public:
     std::function<void(bool& valid)> Valid;
 
 private:
+    enum class Edit : std::uint8_t { None, Open };
+
     void Load();
     void Save();
     CProgramSettings OpenStore() const;
     std::string Scrambled(const std::string& text) const;
-    void RaiseValid(bool valid);
 
-    void RequireInitialised() const;
-    void RequireEditing() const;
-    /// Common part of every setter: checks, then `rule`, then `store`, then the dirty flag.
-    void Set(std::string_view property, const std::function<void()>& rule,
-             const std::function<void()>& store);
-    template <std::size_t Width>
-    void SetText(std::string_view property, FixedText<Width>& field, const std::string& value,
-                 const std::function<bool()>& keepsRule);
-    /// Common part of every guarded getter.
-    template <typename Value>
-    Value Get(std::string_view property, const std::function<Value()>& value) const;
+    /// The record, for the guarded getter `property`.
+    const SettingsRecord& Record(std::string_view property) const;
+    /// Runs `body` as `procedure` in an initialised object, in the state `required` only.
+    void During(Edit required, std::string_view procedure, const std::function<void()>& body);
+    /// The setters: store `value` in `field` if `rule` accepts it.
+    template <typename Field, typename Value>
+    void Set(std::string_view property, Field& field, const Value& value,
+             const std::function<bool()>& rule = {}) {
+        During(Edit::Open, property, [&] {
+            if constexpr (std::is_same_v<Value, std::string>)
+                if (CharacterCount(value) > Field::kWidth) throw RuntimeError(kTooLong);
+            if (rule && !rule()) throw RuntimeError(kInvalidValue);
+            field = value;
+            mDirty = true;
+        });
+    }
 
-    vantor::Registry& mRegistry;
+    Registry& mRegistry;
     const CodePage& mCodePage;
     Files& mFiles;
     SettingsRecord mRecord;
     SettingsRecord mSaved;
     bool mInitialised = false;
-    bool mEditing = false;
+    Edit mEdit = Edit::None;
     bool mDirty = false;
     CBrokenRules mBrokenRules;
 };

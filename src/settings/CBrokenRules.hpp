@@ -6,6 +6,8 @@
 #include <set>
 #include <string>
 
+#include "support/errors/RuntimeError.hpp"
+
 namespace vantor {
 
 class CBrokenRules {
@@ -16,7 +18,15 @@ public:
 
     /// Adds or removes `rule`. Adding it twice raises RuntimeError 457, removing a missing one
     /// RuntimeError 5, as in a keyed collection.
-    void RuleBroken(const std::string& rule, bool isBroken);
+    void RuleBroken(const std::string& rule, bool isBroken) {
+        if (isBroken) {
+            if (!mRules.insert(rule).second) throw RuntimeError(ErrorNumber::KeyAlreadyUsed);
+            if (BrokenRule) BrokenRule();
+            return;
+        }
+        if (mRules.erase(rule) == 0) throw RuntimeError(ErrorNumber::InvalidCall);
+        if (mRules.empty() && NoBrokenRules) NoBrokenRules();
+    }
 
     std::int16_t Count() const { return static_cast<std::int16_t>(mRules.size()); }
 

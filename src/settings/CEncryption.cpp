@@ -9,12 +9,12 @@
 namespace vantor {
 namespace {
 
-/// UTF-8 to UTF-16 units, each as two little-endian bytes; invalid UTF-8 becomes U+FFFD.
-std::vector<std::uint8_t> WideBytes(std::string_view utf8) {
-    std::vector<std::uint8_t> bytes;
-    for (const char16_t unit : Utf16FromUtf8(utf8)) {
-        bytes.push_back(static_cast<std::uint8_t>(unit & 0xffu));
-        bytes.push_back(static_cast<std::uint8_t>(unit >> 8u));
+/// Each unit as two bytes, the low one first.
+std::string WideBytes(std::u16string_view text) {
+    std::string bytes;
+    for (const char16_t unit : text) {
+        bytes += static_cast<char>(unit & 0xffu);
+        bytes += static_cast<char>(unit >> 8u);
     }
     return bytes;
 }
@@ -31,31 +31,26 @@ CEncryption::CEncryption(const CodePage& codePage, Files& files)
 }
 
 void CEncryption::TakeKey() {
-    mKey = WideBytes(Password);
+    const std::string bytes = WideBytes(Utf16FromUtf8(Password));
+    mKey.assign(bytes.begin(), bytes.end());
     mPosition = 0;
 }
 
-bool CEncryption::EncryptByte(std::uint8_t& byte) {
+bool CEncryption::EncryptByte(char& byte) {
     return Boxed("EncryptByte", [&] {
         // An empty password has no key byte.
-        std::uint8_t& key = mKey.at(static_cast<std::size_t>(mPosition));
-        byte ^= key;
-        byte ^= static_cast<std::uint8_t>(Product16(key, mPosition) % 256);
-        const auto last = static_cast<std::int16_t>(mKey.size() - 1);
+        std::uint8_t& key = mKey.at(mPosition);
+        const int product = Product16(key, static_cast<int>(mPosition));
+        byte = static_cast<char>(static_cast<std::uint8_t>(byte) ^ key ^ (product % 256));
         // Past the end the key continues at index 1: index 0 is used for the first byte only.
-        const std::int16_t next =
-            mPosition >= last ? std::int16_t{1} : static_cast<std::int16_t>(mPosition + 1);
-        key = static_cast<std::uint8_t>(mKey[static_cast<std::size_t>(next)] + key);
-        mPosition = next;
+        mPosition = mPosition + 1 < mKey.size() ? mPosition + 1 : 1;
+        key = static_cast<std::uint8_t>(mKey.at(mPosition) + key);
     });
 }
 
 bool CEncryption::EncryptAll(std::string& bytes) {
-    for (char& c : bytes) {
-        auto byte = static_cast<std::uint8_t>(c);
+    for (char& byte : bytes)
         if (!EncryptByte(byte)) return false;
-        c = static_cast<char>(byte);
-    }
     return true;
 }
 
@@ -75,11 +70,7 @@ std::u16string CEncryption::EncryptString(const std::u16string& text) {
     std::u16string result;
     Boxed("EncryptString", [&] {
         TakeKey();
-        std::string bytes;
-        for (const char16_t unit : text) {
-            bytes += static_cast<char>(unit & 0xffu);
-            bytes += static_cast<char>(unit >> 8);
-        }
+        std::string bytes = WideBytes(text);
         if (!EncryptAll(bytes)) return;
         for (std::size_t i = 0; i < bytes.size(); i += 2)
             result += static_cast<char16_t>(static_cast<unsigned char>(bytes[i]) |

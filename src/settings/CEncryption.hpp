@@ -4,7 +4,6 @@
 #include <cstddef>
 #include <cstdint>
 #include <string>
-#include <string_view>
 #include <vector>
 
 namespace vantor {
@@ -37,7 +36,7 @@ public:
 private:
     // Each returns false when an error was shown; the caller then ends without a result.
     bool EncryptAll(std::string& bytes);
-    bool EncryptByte(std::uint8_t& byte);
+    bool EncryptByte(char& byte);
     bool ReadFile(const std::string& name, std::string& bytes);
 
     void TakeKey();
@@ -45,7 +44,7 @@ private:
     const CodePage& mCodePage;
     Files& mFiles;
     std::vector<std::uint8_t> mKey;
-    std::int16_t mPosition = 0;
+    std::size_t mPosition = 0;
 };
 
 }  // namespace vantor

@@ -4,8 +4,8 @@
 
 namespace vantor {
 
-CProgramSettings::CProgramSettings(vantor::Registry& registry, const CodePage& codePage)
-    : mRegistry(registry), mCodePage(codePage) {
+CProgramSettings::CProgramSettings(Registry& registry, const CodePage& codePage)
+    : mValues(registry, codePage) {
     BoxedSetup("Morvane.CProgramSettings.Class_Initialize", [this] {
         MainBranch = "SOFTWARE";
         Section = "Settings";
@@ -21,7 +21,7 @@ std::string CProgramSettings::KeyPath() const {
 std::string CProgramSettings::ReadEntry(const std::string& name, const std::string& fallback) {
     std::string result;
     Boxed("ReadEntry", [&] {
-        const Value value = GetKeyValue(RootKey, KeyPath(), name);
+        const StoredValue value = GetKeyValue(RootKey, KeyPath(), name);
         if (const auto* text = std::get_if<std::string>(&value)) result = *text;
         if (const auto* number = std::get_if<std::uint32_t>(&value))
             result = std::to_string(static_cast<std::int32_t>(*number));
@@ -34,12 +34,10 @@ void CProgramSettings::WriteEntry(const std::string& name, const std::string& va
     Boxed("WriteEntry", [&] { SetKeyValue(RootKey, KeyPath(), name, value, kRegistryString); });
 }
 
-CProgramSettings::Value CProgramSettings::GetKeyValue(RegistryRoot root, const std::string& path,
-                                                      const std::string& name) {
-    Value value;
-    Boxed("GetKeyValue", [&] {
-        value = ReadStoredValue(mRegistry, mCodePage, root, path, name, kRegistryAllButOwner);
-    });
+StoredValue CProgramSettings::GetKeyValue(RegistryRoot root, const std::string& path,
+                                          const std::string& name) {
+    StoredValue value;
+    Boxed("GetKeyValue", [&] { value = mValues.Read(root, path, name, kRegistryAllButOwner); });
     return value;
 }
 
@@ -47,7 +45,7 @@ void CProgramSettings::SetKeyValue(RegistryRoot root, const std::string& path,
                                    const std::string& name, const std::string& value,
                                    std::uint32_t type) {
     Boxed("SetKeyValue",
-          [&] { WriteStoredText(mRegistry, mCodePage, root, path, name, value, type); });
+          [&] { mValues.Write(root, path, name, value, type, kRegistryAllButOwner); });
 }
 
 }  // namespace vantor

@@ -4,19 +4,16 @@
 #include <cstdint>
 #include <string>
 
-#include "app/base/StoredValue.hpp"
-#include "platform/Registry.hpp"
+#include "app/base/StoredValues.hpp"
 
 namespace vantor {
-
-class CodePage;
 
 /// A store whose key consists of a root and four path parts. Registry failures are silent:
 /// an unreadable value becomes the caller's default. Run-time errors are shown in a box of this
 /// class. Strings are UTF-8 here and in the ANSI code page in the registry.
 class CProgramSettings {
 public:
-    CProgramSettings(vantor::Registry& registry, const CodePage& codePage);
+    CProgramSettings(Registry& registry, const CodePage& codePage);
 
     RegistryRoot RootKey = RegistryRoot::LocalMachine;
     std::string MainBranch;  ///< default: "SOFTWARE"
@@ -32,15 +29,12 @@ public:
     void WriteEntry(const std::string& name, const std::string& value);
 
 private:
-    using Value = StoredValue;
-
     std::string KeyPath() const;
-    Value GetKeyValue(RegistryRoot root, const std::string& path, const std::string& name);
+    StoredValue GetKeyValue(RegistryRoot root, const std::string& path, const std::string& name);
     void SetKeyValue(RegistryRoot root, const std::string& path, const std::string& name,
                      const std::string& value, std::uint32_t type);
 
-    vantor::Registry& mRegistry;
-    const CodePage& mCodePage;
+    StoredValues mValues;
 };
 
 }  // namespace vantor

@@ -71,10 +71,8 @@ void frmConfigure::InitializeControls() {
         mobjTreeViewEnh.Tree = &tvwOptions;
         mobjTreeViewEnh.RestoreNodeStates();
         for (PictureBox& page : picHolder) {
-            vantor::Place place = page.Place();
-            place.left = picDetails.Place().left;
-            place.top = picDetails.Place().top;
-            page.Place(place);
+            const vantor::Place& at = picDetails.Place();
+            page.Place({at.left, at.top, page.Place().width, page.Place().height});
             page.Border(vantor::Border::Static);
         }
         picDetails.Border(vantor::Border::Static);
@@ -92,7 +90,7 @@ void frmConfigure::Initialize(CAppSettings& settings, const OptionsOwner& owner)
         SetValid(settings.IsValid());
         mobjOwner = &owner;
         LoadData();
-        BeginEdit();
+        settings.BeginEdit();
     });
 }
 
@@ -123,25 +121,10 @@ void frmConfigure::LoadData() {
     Trapped("frmConfigure.LoadData", fill, [this] { mblnLoading = false; });
 }
 
-void frmConfigure::BeginEdit() {
-    mobjSettings->BeginEdit();
-    mblnEditing = true;
-}
-
-void frmConfigure::ApplyEdit() {
-    mobjSettings->ApplyEdit();
-    mblnEditing = false;
-}
-
-void frmConfigure::CancelEdit() {
-    mobjSettings->CancelEdit();
-    mblnEditing = false;
-}
-
 void frmConfigure::ApplySettings() {
     Trapped("frmConfigure.ApplySettings", [this] {
-        ApplyEdit();
-        BeginEdit();
+        mobjSettings->ApplyEdit();
+        mobjSettings->BeginEdit();
     });
 }
 
@@ -172,9 +155,7 @@ void frmConfigure::PrintSelection(const std::string& text) {
 
 // A page behind another one must be disabled, or Tab would reach its hidden controls.
 void frmConfigure::EnablePage(const PictureBox* page) {
-    for (PictureBox& each : picHolder) each.Enabled(false);
-    for (PictureBox& each : picHolder)
-        if (&each == page) each.Enabled(true);
+    for (PictureBox& each : picHolder) each.Enabled(&each == page);
 }
 
 // --- lists ---------------------------------------------------------------------------------------
@@ -225,7 +206,7 @@ void frmConfigure::cboStopBits_Click() {
 
 void frmConfigure::cmdOK_Click() {
     Trapped("frmConfigure.cmdOK_Click", [this] {
-        ApplyEdit();
+        mobjSettings->ApplyEdit();
         Unload();
     });
 }
@@ -236,7 +217,7 @@ void frmConfigure::cmdApply_Click() {
 
 void frmConfigure::cmdCancel_Click() {
     Trapped("frmConfigure.cmdCancel_Click", [this] {
-        CancelEdit();
+        mobjSettings->CancelEdit();
         Unload();
     });
 }
@@ -245,7 +226,7 @@ void frmConfigure::Form_Unload() {
     Trapped("frmConfigure.Form_Unload", [this] {
         // The title bar, Alt+F4 and the end of the program act as Cancel: otherwise the edit would
         // stay open and the next dialog could not begin its own.
-        if (mblnEditing) CancelEdit();
+        if (mobjSettings && mobjSettings->Editing()) mobjSettings->CancelEdit();
         if (mobjSettings) mobjSettings->Valid = {};
         mobjFormPos.SaveForm();
         mobjTreeViewEnh.SaveNodeStates();

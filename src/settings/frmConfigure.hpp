@@ -64,9 +64,6 @@ private:
     void RestorePosition();
     void InitializeControls();
     void LoadData();
-    void BeginEdit();
-    void ApplyEdit();
-    void CancelEdit();
     void ApplySettings();
     void PrintSelection(const std::string& text);
     void EnablePage(const PictureBox* page);
@@ -87,7 +84,6 @@ private:
     CAppSettings* mobjSettings = nullptr;
     const OptionsOwner* mobjOwner = nullptr;
     bool mblnLoading = false;  // the lists are being filled
-    bool mblnEditing = false;  // the edit begun by this dialog is open
 };
 
 }  // namespace vantor

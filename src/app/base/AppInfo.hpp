@@ -19,4 +19,7 @@ struct AppInfo {
     std::int32_t revision = VANTOR_REVISION;
 };
 
+/// The program's key below a root of the registry.
+inline constexpr const char* kProgramKey = "SOFTWARE\\" VANTOR_COMPANY "\\" VANTOR_TITLE;
+
 }  // namespace vantor

@@ -18,6 +18,10 @@ namespace {
 
 constexpr const char* kLineEnd = "\r\n";
 
+std::string Line(const std::string& content) {
+    return content + kLineEnd;
+}
+
 std::string TraceFile(const Process& process) {
     return AppPath(process) + "trace.log";
 }
@@ -25,7 +29,7 @@ std::string TraceFile(const Process& process) {
 }  // namespace
 
 std::string ErrorLogPath(const Folders& folders) {
-    return AddFinalSlash(folders.ApplicationData()) + "TSMR\\CALDOR\\" + "errorlog.txt";
+    return ProductDataFolder(folders) + "errorlog.txt";
 }
 
 CErrHandler::CErrHandler(const Services& services) : mServices(services) {
@@ -78,12 +82,13 @@ void CErrHandler::Trace(std::string_view mark, std::string_view name) {
 void CErrHandler::HandleError() {
     Ignoring([this] {
         mLastError = PendingError();
-        const std::string procedure = CurrentProcedure();
+        const std::string procedure = mStack.empty() ? std::string() : mStack.back();
         if (Title.empty()) Title = mApp.title;
         bool cancel = false;
         if (BeforeHandlerCalled) BeforeHandlerCalled(cancel);
         if (cancel) return;
-        Ignoring([&] { WriteReport(procedure); });
+        Ignoring(
+            [&] { std::visit([&](const auto& to) { WriteReport(to, procedure); }, mDestination); });
         if (DisplayMsgOnError) ShowReport(procedure);
         if (AfterHandlerCalled) AfterHandlerCalled();
     });
@@ -101,15 +106,10 @@ void CErrHandler::ClearLog() {
     });
 }
 
-std::string CErrHandler::CurrentProcedure() const {
-    return mStack.empty() ? std::string() : mStack.back();
-}
-
 void CErrHandler::ShowReport(const std::string& procedure) {
-    std::string text = "The following error has occurred in procedure: ";
-    text += kLineEnd + procedure + " on line " + std::to_string(mLastError.Line());
-    text += kLineEnd + ("Error (" + std::to_string(mLastError.Number()) + ") ");
-    text += mLastError.Description();
+    std::string text = "The following error has occurred in procedure: \r\n" + procedure +
+                       " on line " + std::to_string(mLastError.Line()) + "\r\nError (" +
+                       std::to_string(mLastError.Number()) + ") " + mLastError.Description();
     if (!CurrentOperation.empty()) text += kLineEnd + OperationLine();
     mServices.boxes.Beep();
     mServices.boxes.Show({.text = text, .title = Title, .icon = BoxIcon::Critical});
@@ -129,51 +129,34 @@ std::string CErrHandler::StackText() const {
     return text;
 }
 
-std::vector<CErrHandler::FieldText> CErrHandler::ExpandedInfo() const {
+std::string CErrHandler::ExpandedInfo() const {
     const std::string path = AppPath(mServices.process);
-    return {{"Current Directory: ", mServices.folders.Current()},
-            {"App Title: ", mApp.title},
-            {"App CompanyName: ", mApp.companyName},
-            {"App Major: ", std::to_string(mApp.major)},
-            {"App Minor: ", std::to_string(mApp.minor)},
-            {"App Revision: ", std::to_string(mApp.revision)},
-            {"App Path: ", path.substr(0, path.size() - 1)},
-            {"App ProductName: ", mApp.productName}};
+    return Line("Current Directory: " + mServices.folders.Current()) +
+           Line("App Title: " + mApp.title) + Line("App CompanyName: " + mApp.companyName) +
+           Line("App Major: " + std::to_string(mApp.major)) +
+           Line("App Minor: " + std::to_string(mApp.minor)) +
+           Line("App Revision: " + std::to_string(mApp.revision)) +
+           Line("App Path: " + path.substr(0, path.size() - 1)) +
+           Line("App ProductName: " + mApp.productName);
 }
 
 std::string CErrHandler::ReportText(const std::string& procedure) const {
-    std::string text;
-    const auto line = [&text](const std::string& content) { text += content + kLineEnd; };
-    line(" Application Error Information");
-    line(std::string(36, '='));
-    line("Current Time   : " + FormatDateTime(mServices.clock.Now()));
-    line("Error String   : " + mLastError.Description());
-    line("Error Number   : " + std::to_string(mLastError.Number()));
-    line("Error Line     : " + std::to_string(mLastError.Line()));
-    line("Error Procedure: " + procedure);
-    line("");
-    line("Procedure Stack");
-    line("---------------");
-    line(StackText());
-    if (!CurrentOperation.empty()) line(OperationLine());
-    if (IncludeExpandedInfo) {
-        line("");
-        line("Additional Information");
-        line(std::string(22, '-'));
-        for (const auto& [name, value] : ExpandedInfo()) line(name + value);
-    }
+    std::string text = Line(" Application Error Information") + Line(std::string(36, '=')) +
+                       Line("Current Time   : " + FormatDateTime(mServices.clock.Now())) +
+                       Line("Error String   : " + mLastError.Description()) +
+                       Line("Error Number   : " + std::to_string(mLastError.Number())) +
+                       Line("Error Line     : " + std::to_string(mLastError.Line())) +
+                       Line("Error Procedure: " + procedure) + Line("") + Line("Procedure Stack") +
+                       Line("---------------") + Line(StackText());
+    if (!CurrentOperation.empty()) text += Line(OperationLine());
+    if (IncludeExpandedInfo)
+        text +=
+            Line("") + Line("Additional Information") + Line(std::string(22, '-')) + ExpandedInfo();
     return text;
 }
 
-void CErrHandler::WriteReport(const std::string& procedure) {
-    if (const auto* path = std::get_if<std::string>(&mDestination))
-        WriteFile(*path, procedure);
-    else
-        WriteRecord(std::get<std::shared_ptr<ErrorRecordSet>>(mDestination), procedure);
-}
-
 // The file holds only the latest error, which a technician is asked to send in.
-void CErrHandler::WriteFile(const std::string& path, const std::string& procedure) {
+void CErrHandler::WriteReport(const std::string& path, const std::string& procedure) {
     if (const std::string folder(FolderOf(path)); !folder.empty())
         Ignoring([&] { mServices.files.CreateFolders(folder); });
     // When another process locks the file against deletion, the report is appended.
@@ -181,7 +164,7 @@ void CErrHandler::WriteFile(const std::string& path, const std::string& procedur
     mServices.files.Append(path, ReportText(procedure));
 }
 
-void CErrHandler::WriteRecord(const std::shared_ptr<ErrorRecordSet>& records,
+void CErrHandler::WriteReport(const std::shared_ptr<ErrorRecordSet>& records,
                               const std::string& procedure) {
     if (!records) {
         ShowBox(Title, "Error handler cannot write to the [" + ErrorsTable +
@@ -197,8 +180,6 @@ void CErrHandler::WriteRecord(const std::shared_ptr<ErrorRecordSet>& records,
     }
     std::string stack = StackText();
     if (!CurrentOperation.empty()) stack += OperationLine();
-    std::string additional;
-    for (const auto& [name, value] : ExpandedInfo()) additional += name + value + kLineEnd;
     records->AddNew();
     records->Field("ErrorDate", FormatDateTime(mServices.clock.Now()));
     records->Field("ErrorString", mLastError.Description());
@@ -206,7 +187,7 @@ void CErrHandler::WriteRecord(const std::shared_ptr<ErrorRecordSet>& records,
     records->Field("ErrorLine", std::to_string(mLastError.Line()));
     records->Field("ErrorProc", procedure);
     records->Field("CallStack", stack);
-    records->Field("AdditionalInfo", additional);
+    records->Field("AdditionalInfo", ExpandedInfo());
     records->Update();
 }
 

@@ -100,16 +100,12 @@ public:
     void ClearLog();
 
 private:
-    using FieldText = std::pair<std::string, std::string>;
-
-    std::string CurrentProcedure() const;
     std::string StackText() const;
     std::string OperationLine() const;
-    std::vector<FieldText> ExpandedInfo() const;
+    std::string ExpandedInfo() const;
     std::string ReportText(const std::string& procedure) const;
-    void WriteReport(const std::string& procedure);
-    void WriteFile(const std::string& path, const std::string& procedure);
-    void WriteRecord(const std::shared_ptr<ErrorRecordSet>& records, const std::string& procedure);
+    void WriteReport(const std::string& path, const std::string& procedure);
+    void WriteReport(const std::shared_ptr<ErrorRecordSet>& records, const std::string& procedure);
     void ShowReport(const std::string& procedure);
     void Trace(std::string_view mark, std::string_view name);
 

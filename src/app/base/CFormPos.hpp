@@ -3,24 +3,20 @@
 
 #include <string>
 
-#include "platform/Registry.hpp"
+#include "app/base/StoredValues.hpp"
 
 namespace vantor {
 
-class CodePage;
 class Form;
 
-/// The stored position of one window. The record is one string value named after the window:
-/// "L=left;T=top;W=width;H=height;S=state;", positions in twips, state 0 normal, 1 minimised,
-/// 2 maximised. Errors are shown in boxes of this class.
-class CFormPos {
+/// The stored position of one window. The record is one string value named after the window, in the
+/// sub-key "Positions": "L=left;T=top;W=width;H=height;S=state;", positions in twips, state 0
+/// normal, 1 minimised, 2 maximised. Errors are shown in boxes of this class.
+class CFormPos : public StoredTexts {
 public:
-    CFormPos(vantor::Registry& registry, const CodePage& codePage);
+    CFormPos(Registry& registry, const CodePage& codePage);
 
     vantor::Form* Form = nullptr;  ///< the window to manage
-    RegistryRoot RootKey = RegistryRoot::CurrentUser;
-    std::string RegistryPath;  ///< default: that of the program
-    std::string SubKey;        ///< default: "Positions"
 
     /// Writes the record of the window's current state.
     void SaveForm();
@@ -35,13 +31,8 @@ public:
     void CenterForm();
 
 private:
-    std::string KeyPath() const;
+    vantor::Form& Window() const;
     void Apply(const std::string& record, bool keepOnScreen);
-    std::string RegistryGetKeyValue(const std::string& name);
-    void RegistrySetKeyValue(const std::string& name, const std::string& value);
-
-    vantor::Registry& mRegistry;
-    const CodePage& mCodePage;
 };
 
 }  // namespace vantor

@@ -6,7 +6,6 @@
 #include "platform/StringTable.hpp"
 #include "support/Conversions.hpp"
 #include "support/Traps.hpp"
-#include "support/text/Text.hpp"
 
 namespace vantor {
 namespace {
@@ -16,9 +15,7 @@ bool TakesCaption(ControlKind kind) {
 }
 
 void TranslateMenuItem(Control& item, const StringTable& strings) {
-    const std::string& caption = item.Caption();
-    if (TrimBlanks(caption).empty() || caption == "-") return;
-    const std::int32_t id = ToInt32(LeadingNumber(caption));
+    const std::int32_t id = ToInt32(LeadingNumber(item.Caption()));
     if (id != 0) item.Caption(strings.LoadResString(id));
 }
 

@@ -2,6 +2,7 @@
 
 #include <cstdint>
 
+#include "platform/Folders.hpp"
 #include "platform/MessagePump.hpp"
 #include "platform/Process.hpp"
 #include "platform/StringTable.hpp"
@@ -25,6 +26,10 @@ std::string AddFinalSlash(const std::string& path) {
         if (!path.ends_with('\\')) result += '\\';
     });
     return result;
+}
+
+std::string ProductDataFolder(const Folders& folders) {
+    return AddFinalSlash(folders.ApplicationData()) + "TSMR\\CALDOR\\";
 }
 
 void DoEventsNice(MessagePump& pump) {

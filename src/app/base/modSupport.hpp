@@ -6,6 +6,7 @@
 
 namespace vantor {
 
+class Folders;
 class MessagePump;
 class Process;
 class StringTable;
@@ -16,6 +17,10 @@ std::string AppPath(const Process& process);
 
 /// `path` with a trailing "\", added unless it is already there. An empty path becomes "\".
 std::string AddFinalSlash(const std::string& path);
+
+/// The folder below the user's application-data folder that this program shares with its siblings,
+/// with a trailing "\". Raises the error of `Folders::ApplicationData`.
+std::string ProductDataFolder(const Folders& folders);
 
 /// A cheap message pump for wait loops: pumps on every second call. Never raises.
 void DoEventsNice(MessagePump& pump);

@@ -7,13 +7,8 @@
 #include <fstream>
 #include <stdexcept>
 
-#include "platform/win32/services/Win32Clock.hpp"
-#include "platform/win32/services/Win32CodePage.hpp"
-#include "platform/win32/services/Win32Files.hpp"
 #include "platform/win32/services/Win32MessagePump.hpp"
-#include "platform/win32/services/Win32Registry.hpp"
-#include "platform/win32/services/Win32SerialPorts.hpp"
-#include "platform/win32/services/Win32StringTable.hpp"
+#include "platform/win32/services/Win32Services.hpp"
 #include "platform/win32/services/Windows.hpp"
 #include "support/errors/RuntimeError.hpp"
 #include "tests/contract/Subjects.hpp"
@@ -21,25 +16,36 @@
 namespace vantor::contract {
 namespace {
 
+/// Stands for the class of the service that `make` creates.
+template <auto make>
+class MadeBy {
+public:
+    using Pointer = decltype(make());
+    operator typename Pointer::element_type &() { return *mService; }
+
+private:
+    Pointer mService = make();
+};
+
 class SystemRegistry : public RegistrySubject {
 public:
     SystemRegistry() { Clear(); }
     ~SystemRegistry() override { Clear(); }
-    Registry& Get() override { return mRegistry; }
+    Registry& Get() override { return *mRegistry; }
     std::string Path() const override { return "Software\\Contract Tests"; }
     // All clients share the system registry, so a new object sees the stored data only.
-    void Restart() override { mRegistry = Win32Registry(); }
+    void Restart() override { mRegistry = MakeWin32Registry(); }
 
 private:
     void Clear() const { RegDeleteTreeA(HKEY_CURRENT_USER, Path().c_str()); }
 
-    Win32Registry mRegistry;
+    std::unique_ptr<Registry> mRegistry = MakeWin32Registry();
 };
 
 /// The language is per process; CONTRACT_LANGUAGE names it when it is not English.
 class Resources : public StringsSubject {
 public:
-    StringTable& Get() override { return mStrings; }
+    StringTable& Get() override { return *mStrings; }
     Language Expected() const override {
         const char* const language = std::getenv("CONTRACT_LANGUAGE");
         return language != nullptr && std::string_view(language) == "Spanish" ? Language::Spanish
@@ -47,7 +53,7 @@ public:
     }
 
 private:
-    Win32StringTable mStrings;
+    std::unique_ptr<StringTable> mStrings = MakeWin32StringTable();
 };
 
 class SecondPort : public WireEnd {
@@ -90,12 +96,12 @@ class WiredPorts : public SerialSubject {
 public:
     WiredPorts() {
         try {
-            mFarEnd = std::make_unique<SecondPort>(mPorts);
+            mFarEnd = std::make_unique<SecondPort>(*mPorts);
         } catch (const RuntimeError& error) {
             if (!error.Is(ErrorNumber::DeviceUnavailable)) throw;
         }
     }
-    SerialPorts& Get() override { return mPorts; }
+    SerialPorts& Get() override { return *mPorts; }
     std::string PortName() const override { return "COM1"; }
     std::string MissingPortName() const override { return "COM31"; }
     WireEnd* FarEnd() override { return mFarEnd.get(); }
@@ -104,22 +110,22 @@ public:
 
 private:
     Win32MessagePump mPump;
-    Win32SerialPorts mPorts{mPump};
+    std::unique_ptr<SerialPorts> mPorts = MakeWin32SerialPorts(mPump);
     std::unique_ptr<SecondPort> mFarEnd;
 };
 
 }  // namespace
 
 Makers<ClockSubject> NativeClocks() {
-    return {MakerOf<ClockSubject, Owning<Clock, Win32Clock>>("Win32")};
+    return {MakerOf<ClockSubject, Owning<Clock, MadeBy<MakeWin32Clock>>>("Win32")};
 }
 
 Makers<CodePageSubject> NativeCodePages() {
-    return {MakerOf<CodePageSubject, Owning<CodePage, Win32CodePage>>("Win32")};
+    return {MakerOf<CodePageSubject, Owning<CodePage, MadeBy<MakeWin32CodePage>>>("Win32")};
 }
 
 Makers<FilesSubject> NativeFileSystems() {
-    return {MakerOf<FilesSubject, HostFiles<Win32Files>>("Win32")};
+    return {MakerOf<FilesSubject, HostFiles<MadeBy<MakeWin32Files>>>("Win32")};
 }
 
 Makers<PumpSubject> NativePumps() {

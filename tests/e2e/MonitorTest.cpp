@@ -4,7 +4,7 @@
 #include <fstream>
 #include <string>
 
-#include "platform/win32/services/Win32Clipboard.hpp"
+#include "platform/win32/services/Win32Services.hpp"
 #include "resources/Designs.hpp"
 #include "tests/e2e/EndToEnd.hpp"
 
@@ -51,13 +51,14 @@ TEST_F(Monitor, WhatIsTypedAndPastedGoesOutAndTheEchoCanBeCopied) {
         Key(key);
     AwaitShown(monitor, "gross\r\n    125.40 kg G\r\n[A");
     EXPECT_EQ(indicator.Passed('>'), "gx\bross\r\t\x1b\x1b[A");
-    Win32Clipboard clipboard;
-    clipboard.Text("\r\nID=B\u00e1scula \u00f1\r\nid\n");
+    const auto clipboard = MakeWin32Clipboard();
+    clipboard->Text("\r\nID=B\u00e1scula \u00f1\r\nid\n");
     Command(monitor, 'P');
     AwaitShown(monitor, "ID=B\u00e1scula \u00f1\r\nOK\r\nid\r\nB\u00e1scula \u00f1");
     Command(monitor, 'A');
     Command(monitor, 'Y');
-    Await("the copy", [&] { return clipboard.Text().starts_with("gross\r\n    125.40 kg G\r\n"); });
+    Await("the copy",
+          [&] { return clipboard->Text().starts_with("gross\r\n    125.40 kg G\r\n"); });
 }
 
 TEST_F(Monitor, AFileIsSentLineByLineAndCapturedAsThePeerAnswers) {

@@ -3,12 +3,12 @@
 #include <gtest/gtest.h>
 
 #include <array>
-#include <optional>
+#include <memory>
 #include <stdexcept>
 #include <string>
 
-#include "platform/win32/services/Win32Console.hpp"
-#include "platform/win32/services/Win32Process.hpp"
+#include "platform/win32/services/Win32Handle.hpp"
+#include "platform/win32/services/Win32Services.hpp"
 #include "tests/driver/Desktop.hpp"
 
 namespace vantor {
@@ -18,26 +18,26 @@ std::wstring gDesktop = L"win32-tests";
 constexpr int kInterrupted = 6;
 constexpr const char* kTitle = "Last words \\ of a test";
 
-int DoJob(const Win32Process& process) {
+int DoJob(Process& process) {
     const std::string& job = process.Arguments().front();
-    Win32Process().InstallUnhandledExceptionFilter(kTitle);
+    process.InstallUnhandledExceptionFilter(kTitle);
     if (job == "throw") throw std::runtime_error("¡Adiós!");
     if (job == "crash") RaiseException(EXCEPTION_ACCESS_VIOLATION, 0, 0, nullptr);
-    Win32Console console;
+    const auto console = MakeWin32Console();
     if (job == "flash") {
-        console.HoldSystem("Updating Indicator");
-        while (!console.TakeInterrupt()) Sleep(1);
+        console->HoldSystem("Updating Indicator");
+        while (!console->TakeInterrupt()) Sleep(1);
         return kInterrupted;
     }
     // "echo"
-    for (const std::string& argument : process.Arguments()) console.Write(argument + "|");
-    for (auto line = console.ReadLine(); line; line = console.ReadLine())
-        console.Write("<" + *line + ">");
+    for (const std::string& argument : process.Arguments()) console->Write(argument + "|");
+    for (auto line = console->ReadLine(); line; line = console->ReadLine())
+        console->Write("<" + *line + ">");
     return 0;
 }
 
 PROCESS_INFORMATION Start(const std::wstring& job) {
-    std::wstring command = L"\"" + ToWide(Win32Process().ExecutablePath()) + L"\" " + job;
+    std::wstring command = L"\"" + ToWide(MakeWin32Process()->ExecutablePath()) + L"\" " + job;
     STARTUPINFOW startup{};
     startup.cb = sizeof startup;
     startup.lpDesktop = gDesktop.data();
@@ -50,14 +50,14 @@ PROCESS_INFORMATION Start(const std::wstring& job) {
 }
 
 TEST(Process, OnlyOneHoldsThePlaceAndGivesItBackAtItsEnd) {
-    std::optional<Win32Process> first(std::in_place);
+    std::unique_ptr<Process> first = MakeWin32Process();
     EXPECT_FALSE(first->AnotherInstanceRuns(kTitle));
     EXPECT_FALSE(first->AnotherInstanceRuns(kTitle));
-    EXPECT_TRUE(Win32Process().AnotherInstanceRuns(kTitle));
-    EXPECT_TRUE(Win32Process().AnotherInstanceRuns(kTitle));
-    EXPECT_FALSE(Win32Process().AnotherInstanceRuns("Another title"));
+    EXPECT_TRUE(MakeWin32Process()->AnotherInstanceRuns(kTitle));
+    EXPECT_TRUE(MakeWin32Process()->AnotherInstanceRuns(kTitle));
+    EXPECT_FALSE(MakeWin32Process()->AnotherInstanceRuns("Another title"));
     first.reset();
-    EXPECT_FALSE(Win32Process().AnotherInstanceRuns(kTitle));
+    EXPECT_FALSE(MakeWin32Process()->AnotherInstanceRuns(kTitle));
 }
 
 TEST(Process, AnUnhandledErrorIsNamedInABoxAndEndsTheProgram) {
@@ -103,8 +103,8 @@ TEST(Console, TheEndOfTheUsersSessionIsRefusedDuringAFlashAndComesAsTheInterrupt
 
 int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
-    const vantor::Win32Process process;
-    if (argc > 1) return vantor::DoJob(process);
+    const auto process = vantor::MakeWin32Process();
+    if (argc > 1) return vantor::DoJob(*process);
     vantor::driver::EnterDesktop(vantor::gDesktop, L"1024x768");
     return RUN_ALL_TESTS();
 }

@@ -8,7 +8,7 @@
 
 #include "dialogs/frmAbout.hpp"
 #include "dialogs/frmStatus.hpp"
-#include "platform/win32/services/Win32MessageBoxes.hpp"
+#include "platform/win32/services/Win32Services.hpp"
 #include "tests/windows/RealWindows.hpp"
 
 namespace vantor {
@@ -94,7 +94,7 @@ TEST_F(Pump, ABoxWithoutAnOwnerBelongsToTheWindowInUseAndDisablesTheOthers) {
         }
         PostMessageW(box, WM_COMMAND, IDOK, 0);
     });
-    Win32MessageBoxes("Program").Show({.text = "Text", .title = ToUtf8(kBoxTitle)});
+    MakeWin32MessageBoxes("Program")->Show({.text = "Text", .title = ToUtf8(kBoxTitle)});
     queue.StopTimer(timer);
     EXPECT_TRUE(seen);
     EXPECT_TRUE(IsWindowEnabled(WindowOf(*window)) && IsWindowEnabled(WindowOf(*behind)));

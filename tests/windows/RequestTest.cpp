@@ -12,7 +12,7 @@ TEST(Request, ADriverThatNeverEndsACancelledOneKeepsItsMemoryAndDoesNotHoldThePr
     // Not issued to a driver, so this request never ends.
     const Win32Handle device(CreateFileW(L"NUL", GENERIC_READ, 0, nullptr, OPEN_EXISTING,
                                          FILE_FLAG_OVERLAPPED, nullptr));
-    auto request = std::make_unique<Win32Request>(false);
+    auto request = std::make_unique<Win32Request>();
     Win32Request* const memory = request.get();
     request->Fresh()->Internal = kPending;
     const ULONGLONG start = GetTickCount64();
@@ -24,7 +24,7 @@ TEST(Request, ADriverThatNeverEndsACancelledOneKeepsItsMemoryAndDoesNotHoldThePr
 }
 
 TEST(Request, OneThatEndsInTimeOrWhenCancelledComesBack) {
-    auto request = std::make_unique<Win32Request>(true);
+    auto request = std::make_unique<Win32Request>();
     SetEvent(request->done.Get());
     EXPECT_TRUE(EndRequest(nullptr, request, 0));
     ASSERT_NE(request, nullptr);

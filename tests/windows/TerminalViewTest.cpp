@@ -5,7 +5,7 @@
 #include <string>
 
 #include "monitor/frmMonitor.hpp"
-#include "platform/win32/services/Win32MessageBoxes.hpp"
+#include "platform/win32/services/Win32Services.hpp"
 #include "platform/win32/terminal/Win32CellLooks.hpp"
 #include "platform/win32/windows/Win32ChildControl.hpp"
 #include "tests/unit/Wire.hpp"
@@ -129,8 +129,7 @@ TEST_F(TerminalView, ABoxOfTheMonitorDisablesEveryOtherWindow) {
         enabledMeanwhile = IsWindowEnabled(watched);
         PostMessageW(box, WM_COMMAND, IDOK, 0);
     });
-    Win32MessageBoxes boxes("Vantor box");
-    boxes.Show({.text = "?", .owner = monitor->WindowHandle()});
+    MakeWin32MessageBoxes("Vantor box")->Show({.text = "?", .owner = monitor->WindowHandle()});
     KillTimer(nullptr, timer);
     EXPECT_EQ(enabledMeanwhile, 0);
     EXPECT_NE(IsWindowEnabled(watched), 0);

@@ -2,39 +2,36 @@
 #include "app/base/AppInfo.hpp"
 #include "app/modStartup.hpp"
 #include "platform/NativePlatform.hpp"
-#include "platform/win32/services/Win32Clipboard.hpp"
-#include "platform/win32/services/Win32CommonDialogs.hpp"
-#include "platform/win32/services/Win32MessageBoxes.hpp"
 #include "platform/win32/services/Win32MessagePump.hpp"
 #include "platform/win32/services/Win32Pictures.hpp"
-#include "platform/win32/services/Win32Shell.hpp"
+#include "platform/win32/services/Win32Services.hpp"
 #include "platform/win32/windows/Win32Peers.hpp"
 
 int WINAPI wWinMain(HINSTANCE, HINSTANCE, PWSTR, int) {
     using namespace vantor;
-    NativePlatform native = MakeNativePlatform(0, nullptr);
+    const NativePlatform native = MakeNativePlatform(0, nullptr);
     auto& pump = static_cast<Win32MessagePump&>(*native.pump);
-    Win32MessageBoxes boxes{AppInfo{}.title};
-    Win32Clipboard clipboard;
-    Win32CommonDialogs dialogs;
+    const auto boxes = MakeWin32MessageBoxes(AppInfo{}.title);
+    const auto clipboard = MakeWin32Clipboard();
+    const auto dialogs = MakeWin32CommonDialogs();
+    const auto shell = MakeWin32Shell();
     Win32Pictures pictures(*native.files);
-    Win32Shell shell;
     Win32Peers peers(pump);
-    Platform platform{.clipboard = clipboard,
+    Platform platform{.clipboard = *clipboard,
                       .clock = *native.clock,
                       .codePage = *native.codePage,
-                      .dialogs = dialogs,
+                      .dialogs = *dialogs,
                       .files = *native.files,
                       .versions = *native.versions,
                       .folders = *native.folders,
-                      .boxes = boxes,
+                      .boxes = *boxes,
                       .pump = pump,
                       .peers = peers,
                       .pictures = pictures,
                       .process = *native.process,
                       .registry = *native.registry,
                       .ports = *native.ports,
-                      .shell = shell,
+                      .shell = *shell,
                       .strings = *native.strings};
     modStartup startup(platform);
     if (startup.Main()) pump.Run();

@@ -1,10 +1,11 @@
-#include "platform/win32/services/Win32CommonDialogs.hpp"
+// The open and save dialogs of Windows.
+#include <algorithm>
 
 #include "platform/win32/services/Win32DisabledWindows.hpp"
-
+#include "platform/win32/services/Win32Handle.hpp"
+#include "platform/win32/services/Win32Services.hpp"
+// Requires the types of <windows.h>.
 #include <commdlg.h>
-
-#include <algorithm>
 
 namespace vantor {
 namespace {
@@ -18,30 +19,9 @@ std::wstring Buffer(const std::string& text, std::int32_t size) {
     return buffer;
 }
 
-const wchar_t* OrNull(const std::wstring& text) {
-    return text.empty() ? nullptr : text.c_str();
-}
-
-/// Restores the current folder, which the dialogs change with every folder shown. The current
-/// folder of a process cannot be deleted, nor its drive removed.
-class KeptFolder {
-public:
-    KeptFolder() : mFolder(GetCurrentDirectoryW(0, nullptr), L'\0') {
-        mFolder.resize(GetCurrentDirectoryW(static_cast<DWORD>(mFolder.size()), mFolder.data()));
-    }
-    ~KeptFolder() {
-        if (!mFolder.empty()) static_cast<void>(SetCurrentDirectoryW(mFolder.c_str()));
-    }
-    KeptFolder(const KeptFolder&) = delete;
-    KeptFolder& operator=(const KeptFolder&) = delete;
-
-private:
-    std::wstring mFolder;
-};
-
 bool Show(FileDialogRecord& record, Dialog dialog) {
     const std::wstring title = ToWide(record.title);
-    const std::wstring folder = ToWide(record.initialFolder);
+    const std::wstring initialFolder = ToWide(record.initialFolder);
     const std::wstring filter = ToWide(record.filter);
     // Windows adds the dot itself.
     const std::wstring extension =
@@ -58,12 +38,16 @@ bool Show(FileDialogRecord& record, Dialog dialog) {
     wide.nMaxFile = static_cast<DWORD>(record.maxFile);
     wide.lpstrFileTitle = fileTitle.data();
     wide.nMaxFileTitle = static_cast<DWORD>(record.maxFile);
-    wide.lpstrInitialDir = OrNull(folder);
+    wide.lpstrInitialDir = OrNull(initialFolder);
     wide.lpstrTitle = OrNull(title);
     wide.lpstrDefExt = OrNull(extension);
     // The Explorer-style dialog, whatever the flags.
     wide.Flags = record.flags | OFN_EXPLORER;
-    const KeptFolder folderBefore;
+    // The dialogs change the current folder with every folder shown. The current folder of
+    // a process cannot be deleted, nor its drive removed.
+    const Finally restoreFolder([folder = CurrentFolder()] {
+        if (!folder.empty()) SetCurrentDirectoryW(folder.c_str());
+    });
     const Win32DisabledWindows others(wide.hwndOwner);
     if (dialog(&wide) == 0) return false;
     record.file = ToUtf8(file);
@@ -71,14 +55,16 @@ bool Show(FileDialogRecord& record, Dialog dialog) {
     return true;
 }
 
+class Win32CommonDialogs : public CommonDialogs {
+public:
+    bool OpenFile(FileDialogRecord& record) override { return Show(record, GetOpenFileNameW); }
+    bool SaveFile(FileDialogRecord& record) override { return Show(record, GetSaveFileNameW); }
+};
+
 }  // namespace
 
-bool Win32CommonDialogs::OpenFile(FileDialogRecord& record) {
-    return Show(record, GetOpenFileNameW);
-}
-
-bool Win32CommonDialogs::SaveFile(FileDialogRecord& record) {
-    return Show(record, GetSaveFileNameW);
+std::unique_ptr<CommonDialogs> MakeWin32CommonDialogs() {
+    return std::make_unique<Win32CommonDialogs>();
 }
 
 }  // namespace vantor

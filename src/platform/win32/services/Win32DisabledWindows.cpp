@@ -2,23 +2,27 @@
 
 namespace vantor {
 
-Win32DisabledWindows::Win32DisabledWindows(HWND owner) : mOwner(owner) {
-    if (owner != nullptr)
-        static_cast<void>(
-            EnumThreadWindows(GetCurrentThreadId(), Disable, reinterpret_cast<LPARAM>(this)));
+std::vector<HWND> WindowsInUse() {
+    std::vector<HWND> windows;
+    const auto take = [](HWND window, LPARAM result) -> BOOL {
+        if (IsWindowVisible(window) != 0 && IsWindowEnabled(window) != 0 &&
+            GetWindowThreadProcessId(window, nullptr) == GetCurrentThreadId())
+            reinterpret_cast<std::vector<HWND>*>(result)->push_back(window);
+        return TRUE;
+    };
+    EnumWindows(take, reinterpret_cast<LPARAM>(&windows));
+    return windows;
+}
+
+Win32DisabledWindows::Win32DisabledWindows(HWND owner) {
+    if (owner == nullptr) return;
+    mDisabled = WindowsInUse();
+    std::erase(mDisabled, owner);
+    for (const HWND window : mDisabled) EnableWindow(window, FALSE);
 }
 
 Win32DisabledWindows::~Win32DisabledWindows() {
-    for (const HWND window : mDisabled) static_cast<void>(EnableWindow(window, TRUE));
-}
-
-BOOL CALLBACK Win32DisabledWindows::Disable(HWND window, LPARAM self) {
-    auto& all = *reinterpret_cast<Win32DisabledWindows*>(self);
-    if (window == all.mOwner || IsWindowVisible(window) == 0 || IsWindowEnabled(window) == 0)
-        return TRUE;
-    static_cast<void>(EnableWindow(window, FALSE));
-    all.mDisabled.push_back(window);
-    return TRUE;
+    for (const HWND window : mDisabled) EnableWindow(window, TRUE);
 }
 
 }  // namespace vantor

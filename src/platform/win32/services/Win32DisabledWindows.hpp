@@ -1,4 +1,4 @@
-// The other windows of the thread while a box or dialog of the system is open.
+// The windows of the thread that the user can use, and their state while a box or dialog is open.
 #pragma once
 
 #include <vector>
@@ -6,6 +6,9 @@
 #include "platform/win32/services/Windows.hpp"
 
 namespace vantor {
+
+/// The visible and enabled top-level windows of this thread, from the topmost down.
+std::vector<HWND> WindowsInUse();
 
 /// A box disables its owner window only. This object disables the thread's other windows while it
 /// exists: the call that shows a box could not return before the end of an update started behind
@@ -19,9 +22,6 @@ public:
     Win32DisabledWindows& operator=(const Win32DisabledWindows&) = delete;
 
 private:
-    static BOOL CALLBACK Disable(HWND window, LPARAM self);
-
-    HWND mOwner;
     std::vector<HWND> mDisabled;
 };
 

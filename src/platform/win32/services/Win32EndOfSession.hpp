@@ -2,9 +2,11 @@
 // only through a top-level window; the console control handler is not called.
 #pragma once
 
+#include <mutex>
 #include <string>
+#include <utility>
 
-#include "platform/win32/services/Win32Handle.hpp"
+#include "platform/win32/services/Win32HiddenWindow.hpp"
 
 namespace vantor {
 
@@ -16,27 +18,69 @@ public:
 
     /// `ending` is called on the window's thread on WM_ENDSESSION, which then blocks until this
     /// object is destroyed. It must not throw.
-    explicit Win32EndOfSession(void (*ending)());
-    ~Win32EndOfSession();
-    Win32EndOfSession(const Win32EndOfSession&) = delete;
-    Win32EndOfSession& operator=(const Win32EndOfSession&) = delete;
+    explicit Win32EndOfSession(void (*ending)()) : mEnding(ending) {
+        if (mLeave.IsOpen()) mThread = Win32Handle(CreateThread(nullptr, 0, Run, this, 0, nullptr));
+    }
+    ~Win32EndOfSession() {
+        if (!mThread.IsOpen()) return;
+        SetEvent(mLeave.Get());
+        WaitForSingleObject(mThread.Get(), INFINITE);
+    }
 
     /// While `reason` is not empty, WM_QUERYENDSESSION is refused with it as the block reason. The
     /// user can still force the end of the session.
-    void Refuse(std::wstring reason);
+    void Refuse(std::wstring reason) {
+        const std::lock_guard lock(mMutex);
+        mReason = std::move(reason);
+    }
 
 private:
-    static DWORD WINAPI Run(void* self) noexcept;
-    static LRESULT CALLBACK OnMessage(HWND window, UINT message, WPARAM first,
-                                      LPARAM second) noexcept;
-    void Listen() const;
-    bool MayEnd(HWND window);
-    void Hold() const;
+    static DWORD WINAPI Run(void* self) noexcept {
+        // Top-level: message-only windows receive no broadcast messages.
+        const auto window = MakeHiddenWindow(L"VantorEndOfSession", OnMessage, nullptr, self);
+        if (window) static_cast<const Win32EndOfSession*>(self)->Listen();
+        return 0;
+    }
+
+    void Listen() const {
+        const HANDLE leave = mLeave.Get();
+        while (MsgWaitForMultipleObjects(1, &leave, FALSE, INFINITE, QS_ALLINPUT) ==
+               WAIT_OBJECT_0 + 1) {
+            MSG message{};
+            while (PeekMessageW(&message, nullptr, 0, 0, PM_REMOVE) != 0)
+                DispatchMessageW(&message);
+        }
+    }
+
+    static LRESULT CALLBACK OnMessage(HWND window, UINT message, WPARAM wParam,
+                                      LPARAM lParam) noexcept {
+        auto* const self =
+            reinterpret_cast<Win32EndOfSession*>(GetWindowLongPtrW(window, GWLP_USERDATA));
+        if (self != nullptr && message == WM_QUERYENDSESSION) return self->MayEnd(window);
+        if (self == nullptr || message != WM_ENDSESSION)
+            return DefWindowProcW(window, message, wParam, lParam);
+        ShutdownBlockReasonDestroy(window);  // fails when there is none
+        const bool ends = wParam != 0;
+        if (ends) self->Hold();
+        return 0;
+    }
+
+    BOOL MayEnd(HWND window) {
+        const std::lock_guard lock(mMutex);
+        if (mReason.empty()) return TRUE;
+        ShutdownBlockReasonCreate(window, mReason.c_str());
+        return FALSE;
+    }
+
+    void Hold() const {
+        mEnding();
+        WaitForSingleObject(mLeave.Get(), kLongestHoldMs);
+    }
 
     void (*mEnding)();
-    SRWLOCK mLock = SRWLOCK_INIT;
-    std::wstring mReason;  // under the lock
-    Win32Handle mLeave;    // set to end the thread
+    std::mutex mMutex;
+    std::wstring mReason;                                             // under the mutex
+    Win32Handle mLeave{CreateEventW(nullptr, TRUE, FALSE, nullptr)};  // set to end the thread
     Win32Handle mThread;
 };
 

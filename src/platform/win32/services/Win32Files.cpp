@@ -1,13 +1,13 @@
-#include "platform/win32/services/Win32Files.hpp"
-
+// Files by wide paths. Patterns are matched by the portable code: FindFirstFile would also match
+// the short (8.3) names.
 #include <algorithm>
 #include <cstddef>
-#include <memory>
 #include <optional>
 #include <utility>
 
 #include "platform/portable/WildCards.hpp"
 #include "platform/win32/services/Win32Handle.hpp"
+#include "platform/win32/services/Win32Services.hpp"
 #include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
@@ -42,6 +42,13 @@ std::optional<Status> StatusOf(const std::wstring& hostPath) {
     const bool isFolder = (data.dwFileAttributes & FILE_ATTRIBUTE_DIRECTORY) != 0;
     return Status{!isFolder && !IsDevice(hostPath),
                   std::uint64_t{data.nFileSizeHigh} << 32 | data.nFileSizeLow};
+}
+
+std::uint64_t SizeOf(const std::wstring& hostPath) {
+    const auto status = StatusOf(hostPath);
+    if (!status) RaiseFileError(GetLastError());
+    if (!status->isPlainFile) throw RuntimeError(ErrorNumber::FileNotFound);
+    return status->size;
 }
 
 Win32Handle Open(const std::wstring& hostPath, DWORD access, DWORD share, DWORD disposition) {
@@ -92,14 +99,6 @@ private:
     Win32Handle mFile;
 };
 
-Win32Handle OpenReplaced(const std::string& path) {
-    return Open(HostPath(path), GENERIC_WRITE, FILE_SHARE_READ, CREATE_ALWAYS);
-}
-
-struct SearchCloser {
-    void operator()(HANDLE search) const { static_cast<void>(FindClose(search)); }
-};
-
 bool PassesFilter(DWORD attributes, ListFilter filter) {
     if ((attributes & FILE_ATTRIBUTE_DIRECTORY) != 0) return false;
     if ((attributes & FILE_ATTRIBUTE_HIDDEN) != 0 && !filter.hidden) return false;
@@ -113,101 +112,104 @@ bool IsRoot(std::wstring_view folder) {
     return std::count(folder.begin(), folder.end(), L'\\') <= 3;
 }
 
+class Win32Files : public Files {
+public:
+    bool Exists(const std::string& path) const override {
+        const auto status = StatusOf(HostPath(path));
+        return status && status->isPlainFile;
+    }
+
+    bool SameFile(const std::string& path, const std::string& other) const override {
+        const auto one = IdentityOf(HostPath(path));
+        const auto two = IdentityOf(HostPath(other));
+        return one && two &&
+               one->information.dwVolumeSerialNumber == two->information.dwVolumeSerialNumber &&
+               one->information.nFileIndexHigh == two->information.nFileIndexHigh &&
+               one->information.nFileIndexLow == two->information.nFileIndexLow;
+    }
+
+    std::uint64_t Size(const std::string& path) const override { return SizeOf(HostPath(path)); }
+
+    std::string ReadStart(const std::string& path, std::size_t most) const override {
+        const Win32Handle file = Open(HostPath(path), GENERIC_READ, kShareAll, OPEN_EXISTING);
+        LARGE_INTEGER size{};
+        if (GetFileSizeEx(file.Get(), &size) == 0) RaiseFileError(GetLastError());
+        // The size is only a hint: the file may grow meanwhile. One extra byte detects the end of
+        // file without another iteration.
+        std::string bytes(std::min(static_cast<std::size_t>(size.QuadPart) + 1, most), '\0');
+        std::size_t length = 0;
+        while (length < most) {
+            if (length == bytes.size())
+                bytes.resize(std::min(length + std::max<std::size_t>(length, 4096), most));
+            DWORD count = 0;
+            if (ReadFile(file.Get(), bytes.data() + length, Portion(bytes.size() - length), &count,
+                         nullptr) == 0)
+                RaiseFileError(GetLastError());
+            if (count == 0) break;
+            length += count;
+        }
+        bytes.resize(length);
+        return bytes;
+    }
+
+    void WriteAll(const std::string& path, std::string_view bytes) override {
+        Create(path)->Write(bytes);
+    }
+
+    void Append(const std::string& path, std::string_view bytes) override {
+        Win32OutputFile(
+            Open(HostPath(path), FILE_APPEND_DATA | SYNCHRONIZE, kShareAll, OPEN_ALWAYS))
+            .Write(bytes);
+    }
+
+    std::unique_ptr<OutputFile> Create(const std::string& path) override {
+        return std::make_unique<Win32OutputFile>(
+            Open(HostPath(path), GENERIC_WRITE, FILE_SHARE_READ, CREATE_ALWAYS));
+    }
+
+    void Delete(const std::string& path) override {
+        const std::wstring hostPath = HostPath(path);
+        SizeOf(hostPath);  // raises when it is no plain file
+        if (DeleteFileW(hostPath.c_str()) == 0) RaiseFileError(GetLastError());
+    }
+
+    void CreateFolders(const std::string& path) override {
+        const std::wstring hostPath = HostPath(path);
+        for (std::size_t end = 0; end < hostPath.size();) {
+            end = std::min(hostPath.find(L'\\', end + 1), hostPath.size());
+            const std::wstring folder = hostPath.substr(0, end);
+            if (IsRoot(folder) || CreateDirectoryW(folder.c_str(), nullptr) != 0) continue;
+            const DWORD systemError = GetLastError();  // overwritten by the check below
+            const DWORD attributes = GetFileAttributesW(folder.c_str());
+            if (attributes != INVALID_FILE_ATTRIBUTES &&
+                (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
+                continue;
+            RaiseFileError(systemError);
+        }
+    }
+
+    std::vector<std::string> List(const std::string& folder, const std::string& pattern,
+                                  ListFilter filter) const override {
+        std::vector<std::string> names;
+        WIN32_FIND_DATAW entry{};
+        const std::wstring all = HostPath(folder.empty() ? "." : folder) + L"\\*";
+        const HANDLE first = FindFirstFileW(all.c_str(), &entry);
+        if (first == INVALID_HANDLE_VALUE) return names;
+        const Owned<HANDLE, FindClose> search(first);
+        do {
+            if (!PassesFilter(entry.dwFileAttributes, filter)) continue;
+            std::string name = ToUtf8(entry.cFileName);
+            if (MatchesPattern(name, pattern)) names.push_back(std::move(name));
+        } while (FindNextFileW(search.get(), &entry) != 0);
+        std::sort(names.begin(), names.end());
+        return names;
+    }
+};
+
 }  // namespace
 
-bool Win32Files::Exists(const std::string& path) const {
-    const auto status = StatusOf(HostPath(path));
-    return status && status->isPlainFile;
-}
-
-bool Win32Files::SameFile(const std::string& path, const std::string& other) const {
-    const auto one = IdentityOf(HostPath(path));
-    const auto two = IdentityOf(HostPath(other));
-    return one && two &&
-           one->information.dwVolumeSerialNumber == two->information.dwVolumeSerialNumber &&
-           one->information.nFileIndexHigh == two->information.nFileIndexHigh &&
-           one->information.nFileIndexLow == two->information.nFileIndexLow;
-}
-
-std::uint64_t Win32Files::Size(const std::string& path) const {
-    const auto status = StatusOf(HostPath(path));
-    if (!status) RaiseFileError(GetLastError());
-    if (!status->isPlainFile) throw RuntimeError(ErrorNumber::FileNotFound);
-    return status->size;
-}
-
-std::string Win32Files::ReadStart(const std::string& path, std::size_t most) const {
-    const Win32Handle file = Open(HostPath(path), GENERIC_READ, kShareAll, OPEN_EXISTING);
-    LARGE_INTEGER size{};
-    if (GetFileSizeEx(file.Get(), &size) == 0) RaiseFileError(GetLastError());
-    // The size is only a hint: the file may grow meanwhile. One extra byte detects the end of file
-    // without another iteration.
-    std::string bytes(std::min(static_cast<std::size_t>(size.QuadPart) + 1, most), '\0');
-    std::size_t length = 0;
-    while (length < most) {
-        if (length == bytes.size())
-            bytes.resize(std::min(length + std::max<std::size_t>(length, 4096), most));
-        DWORD count = 0;
-        if (ReadFile(file.Get(), bytes.data() + length, Portion(bytes.size() - length), &count,
-                     nullptr) == 0)
-            RaiseFileError(GetLastError());
-        if (count == 0) break;
-        length += count;
-    }
-    bytes.resize(length);
-    return bytes;
-}
-
-void Win32Files::WriteAll(const std::string& path, std::string_view bytes) {
-    Win32OutputFile(OpenReplaced(path)).Write(bytes);
-}
-
-void Win32Files::Append(const std::string& path, std::string_view bytes) {
-    Win32OutputFile(Open(HostPath(path), FILE_APPEND_DATA | SYNCHRONIZE, kShareAll, OPEN_ALWAYS))
-        .Write(bytes);
-}
-
-std::unique_ptr<OutputFile> Win32Files::Create(const std::string& path) {
-    return std::make_unique<Win32OutputFile>(OpenReplaced(path));
-}
-
-void Win32Files::Delete(const std::string& path) {
-    const std::wstring hostPath = HostPath(path);
-    const auto status = StatusOf(hostPath);
-    if (!status) RaiseFileError(GetLastError());
-    if (!status->isPlainFile) throw RuntimeError(ErrorNumber::FileNotFound);
-    if (DeleteFileW(hostPath.c_str()) == 0) RaiseFileError(GetLastError());
-}
-
-void Win32Files::CreateFolders(const std::string& path) {
-    const std::wstring hostPath = HostPath(path);
-    for (std::size_t end = 0; end < hostPath.size();) {
-        end = std::min(hostPath.find(L'\\', end + 1), hostPath.size());
-        const std::wstring folder = hostPath.substr(0, end);
-        if (IsRoot(folder) || CreateDirectoryW(folder.c_str(), nullptr) != 0) continue;
-        const DWORD systemError = GetLastError();  // the check of the folder below overwrites it
-        const DWORD attributes = GetFileAttributesW(folder.c_str());
-        if (attributes != INVALID_FILE_ATTRIBUTES && (attributes & FILE_ATTRIBUTE_DIRECTORY) != 0)
-            continue;
-        RaiseFileError(systemError);
-    }
-}
-
-std::vector<std::string> Win32Files::List(const std::string& folder, const std::string& pattern,
-                                          ListFilter filter) const {
-    std::vector<std::string> names;
-    WIN32_FIND_DATAW entry{};
-    const std::wstring all = HostPath(folder.empty() ? "." : folder) + L"\\*";
-    const HANDLE first = FindFirstFileW(all.c_str(), &entry);
-    if (first == INVALID_HANDLE_VALUE) return names;
-    const std::unique_ptr<void, SearchCloser> search(first);
-    do {
-        if (!PassesFilter(entry.dwFileAttributes, filter)) continue;
-        std::string name = ToUtf8(entry.cFileName);
-        if (MatchesPattern(name, pattern)) names.push_back(std::move(name));
-    } while (FindNextFileW(search.get(), &entry) != 0);
-    std::sort(names.begin(), names.end());
-    return names;
+std::unique_ptr<Files> MakeWin32Files() {
+    return std::make_unique<Win32Files>();
 }
 
 }  // namespace vantor

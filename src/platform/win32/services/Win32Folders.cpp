@@ -1,7 +1,7 @@
-#include "platform/win32/services/Win32Folders.hpp"
-
+// The user's folders as the shell reports them, with "\". Creates none.
 #include <array>
 
+#include "platform/win32/services/Win32Services.hpp"
 #include "platform/win32/services/Windows.hpp"
 #include "support/errors/RuntimeError.hpp"
 // Requires the types of <windows.h>.
@@ -18,22 +18,17 @@ std::string ShellFolder(int which) {
     return ToUtf8(path.data());
 }
 
+class Win32Folders : public Folders {
+public:
+    std::string ApplicationData() const override { return ShellFolder(CSIDL_APPDATA); }
+    std::string PersonalDocuments() const override { return ShellFolder(CSIDL_PERSONAL); }
+    std::string Current() const override { return ToUtf8(CurrentFolder()); }
+};
+
 }  // namespace
 
-std::string Win32Folders::ApplicationData() const {
-    return ShellFolder(CSIDL_APPDATA);
-}
-
-std::string Win32Folders::PersonalDocuments() const {
-    return ShellFolder(CSIDL_PERSONAL);
-}
-
-std::string Win32Folders::Current() const {
-    std::wstring path(GetCurrentDirectoryW(0, nullptr), L'\0');  // includes the NUL
-    const DWORD length = GetCurrentDirectoryW(static_cast<DWORD>(path.size()), path.data());
-    if (length >= path.size()) return {};
-    path.resize(length);
-    return ToUtf8(path);
+std::unique_ptr<Folders> MakeWin32Folders() {
+    return std::make_unique<Win32Folders>();
 }
 
 }  // namespace vantor

@@ -10,7 +10,6 @@
 namespace vantor {
 namespace {
 
-constexpr wchar_t kClassName[] = L"VantorMessagePump";
 constexpr UINT kWakeUp = WM_APP;
 // Above all timer identifiers, which are 32-bit.
 constexpr UINT_PTR kPollTimer = UINT_PTR{1} << 32;
@@ -25,22 +24,9 @@ constexpr int kMostAtOnce = 500;
 
 }  // namespace
 
-Win32MessagePump::Win32MessagePump() {
-    WNDCLASSW windowClass{};
-    windowClass.lpfnWndProc = OnMessage;
-    windowClass.hInstance = GetModuleHandleW(nullptr);
-    windowClass.lpszClassName = kClassName;
-    // Fails if an earlier pump has registered the class; other failures show in the next call.
-    static_cast<void>(RegisterClassW(&windowClass));
-    mWindow = CreateWindowExW(0, kClassName, L"", 0, 0, 0, 0, 0, HWND_MESSAGE, nullptr,
-                              windowClass.hInstance, nullptr);
-    if (mWindow == nullptr) throw RuntimeError(ErrorNumber::OutOfMemory);
-    static_cast<void>(SetWindowLongPtrW(mWindow, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this)));
-}
-
-// Destroying the window also removes its timers and posted messages.
-Win32MessagePump::~Win32MessagePump() {
-    static_cast<void>(DestroyWindow(mWindow));
+Win32MessagePump::Win32MessagePump()
+    : mWindow(MakeHiddenWindow(L"VantorMessagePump", OnMessage, HWND_MESSAGE, this)) {
+    if (!mWindow) throw RuntimeError(ErrorNumber::OutOfMemory);
 }
 
 void Win32MessagePump::PumpPending() {
@@ -51,14 +37,14 @@ void Win32MessagePump::PumpPending() {
         Dispatch(message);
     }
     // WM_TIMER has the lowest priority; asked for explicitly, it is returned even now.
-    if (taken == kMostAtOnce && PeekMessageW(&message, mWindow, WM_TIMER, WM_TIMER, PM_REMOVE) != 0)
+    if (taken == kMostAtOnce &&
+        PeekMessageW(&message, mWindow.get(), WM_TIMER, WM_TIMER, PM_REMOVE) != 0)
         Dispatch(message);
     if (!mSources.empty()) PollSources();
 }
 
 void Win32MessagePump::Run() {
-    MSG message{};
-    while (!mQuit && GetMessageW(&message, nullptr, 0, 0) > 0) Dispatch(message);
+    while (WaitAndDispatch()) continue;
     mQuit = false;
 }
 
@@ -73,15 +59,15 @@ bool Win32MessagePump::WaitAndDispatch() {
 
 void Win32MessagePump::Dispatch(MSG& message) {
     if (mFilter && mFilter(message)) return;
-    static_cast<void>(TranslateMessage(&message));  // its result is not an error code
-    static_cast<void>(DispatchMessageW(&message));
+    TranslateMessage(&message);
+    DispatchMessageW(&message);
 }
 
 // A flag instead of PostQuitMessage: WM_QUIT would also end a box or menu that is open in
 // the current callback.
 void Win32MessagePump::Quit() {
     mQuit = true;
-    static_cast<void>(PostMessageW(mWindow, WM_NULL, 0, 0));  // a full queue wakes it too
+    PostMessageW(mWindow.get(), WM_NULL, 0, 0);  // a full queue wakes it too
 }
 
 TimerId Win32MessagePump::StartTimer(std::uint32_t intervalMs, std::function<void()> tick) {
@@ -93,7 +79,7 @@ TimerId Win32MessagePump::StartTimer(std::uint32_t intervalMs, std::function<voi
 
 // A tick that is already queued finds no timer.
 void Win32MessagePump::StopTimer(TimerId id) {
-    if (mTimers.erase(id) != 0) static_cast<void>(KillTimer(mWindow, id));
+    if (mTimers.erase(id) != 0) KillTimer(mWindow.get(), id);
 }
 
 Win32MessagePump::SourceId Win32MessagePump::AddSource(std::function<void()> poll) {
@@ -105,7 +91,7 @@ Win32MessagePump::SourceId Win32MessagePump::AddSource(std::function<void()> pol
 
 void Win32MessagePump::RemoveSource(SourceId id) {
     if (mSources.erase(id) == 0 || !mSources.empty()) return;
-    static_cast<void>(KillTimer(mWindow, kPollTimer));
+    KillTimer(mWindow.get(), kPollTimer);
 }
 
 void Win32MessagePump::Attend() {
@@ -116,34 +102,26 @@ void Win32MessagePump::Attend() {
 
 void Win32MessagePump::WakeUp(SourceId id) const {
     // If the queue is full, the next poll timer does it.
-    static_cast<void>(PostMessageW(mWindow, kWakeUp, id, 0));
+    PostMessageW(mWindow.get(), kWakeUp, id, 0);
 }
 
-LRESULT CALLBACK Win32MessagePump::OnMessage(HWND window, UINT message, WPARAM first,
-                                             LPARAM second) {
+LRESULT CALLBACK Win32MessagePump::OnMessage(HWND window, UINT message, WPARAM wParam,
+                                             LPARAM lParam) {
     auto* const pump =
         reinterpret_cast<Win32MessagePump*>(GetWindowLongPtrW(window, GWLP_USERDATA));
-    bool handled = false;
-    if (pump != nullptr &&
-        !Guarded("Win32MessagePump.OnMessage", [&] { handled = pump->Dispatch(message, first); }))
-        return 0;
-    return handled ? 0 : DefWindowProcW(window, message, first, second);
-}
-
-bool Win32MessagePump::Dispatch(UINT message, WPARAM first) {
-    if (message == WM_TIMER) {
-        Tick(first);
-        return true;
-    }
-    if (message == kWakeUp) {
-        PollSource(static_cast<SourceId>(first));
-        return true;
-    }
-    return false;
+    if (pump == nullptr || (message != WM_TIMER && message != kWakeUp))
+        return DefWindowProcW(window, message, wParam, lParam);
+    Guarded("Win32MessagePump.OnMessage", [&] {
+        if (message == WM_TIMER)
+            pump->Tick(wParam);
+        else
+            pump->PollSource(static_cast<SourceId>(wParam));
+    });
+    return 0;
 }
 
 void Win32MessagePump::SetSystemTimer(UINT_PTR id, std::uint32_t intervalMs) const {
-    if (SetTimer(mWindow, id, intervalMs, nullptr) == 0)
+    if (SetTimer(mWindow.get(), id, intervalMs, nullptr) == 0)
         throw RuntimeError(ErrorNumber::OutOfMemory);
 }
 

@@ -7,7 +7,7 @@
 #include <map>
 
 #include "platform/MessagePump.hpp"
-#include "platform/win32/services/Windows.hpp"
+#include "platform/win32/services/Win32HiddenWindow.hpp"
 
 namespace vantor {
 
@@ -16,13 +16,12 @@ public:
     using SourceId = std::uint32_t;
 
     Win32MessagePump();
-    ~Win32MessagePump() override;
     Win32MessagePump(const Win32MessagePump&) = delete;
     Win32MessagePump& operator=(const Win32MessagePump&) = delete;
 
     void PumpPending() override;
     /// Only yields: Windows reports input too late for a wait between two lines.
-    void AwaitInput() override { static_cast<void>(SwitchToThread()); }
+    void AwaitInput() override { SwitchToThread(); }
     void Run() override;
     void Quit() override;
 
@@ -57,15 +56,13 @@ public:
     void WakeUp(SourceId id) const;
 
 private:
-    static LRESULT CALLBACK OnMessage(HWND window, UINT message, WPARAM first, LPARAM second);
+    static LRESULT CALLBACK OnMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam);
     void Dispatch(MSG& message);
-    bool Dispatch(UINT message, WPARAM first);
     void SetSystemTimer(UINT_PTR id, std::uint32_t intervalMs) const;
     void Tick(UINT_PTR id);
     void PollSource(SourceId id);
     void PollSources();
 
-    HWND mWindow = nullptr;
     std::function<bool(MSG&)> mFilter;
     std::map<TimerId, std::function<void()>> mTimers;
     std::map<SourceId, std::function<void()>> mSources;
@@ -73,6 +70,7 @@ private:
     bool mAgain = false;
     int mIdlePolls = 0;  // of the poll timer, since the last Attend
     bool mQuit = false;
+    OwnedWindow mWindow;  // destroyed first, with its timers and posted messages
 };
 
 }  // namespace vantor

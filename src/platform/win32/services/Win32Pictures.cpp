@@ -23,38 +23,38 @@ RECT Fitted(const RECT& area, double width, double height) {
 }
 
 /// A stream that owns a copy of `bytes`; null on failure.
-IStream* StreamOver(const std::string& bytes) {
-    const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, std::max<std::size_t>(bytes.size(), 1));
-    if (memory == nullptr) return nullptr;
-    void* const target = GlobalLock(memory);
-    std::copy(bytes.begin(), bytes.end(), static_cast<char*>(target));
-    static_cast<void>(GlobalUnlock(memory));
+ComPointer<IStream> StreamOver(const std::string& bytes) {
+    const HGLOBAL memory = GlobalCopy(bytes.data(), bytes.size());
     IStream* stream = nullptr;
-    if (CreateStreamOnHGlobal(memory, TRUE, &stream) != S_OK) static_cast<void>(GlobalFree(memory));
-    return stream;
+    if (memory == nullptr || CreateStreamOnHGlobal(memory, TRUE, &stream) != S_OK)
+        GlobalFree(memory);  // null is allowed
+    return ComPointer<IStream>(stream);
 }
 
 }  // namespace
 
+Win32Picture::Win32Picture(ComPointer<IPicture> picture, int& held)
+    : mPicture(std::move(picture)), mHeld(held) {
+    ++mHeld;
+}
+
 Win32Picture::~Win32Picture() {
-    mPicture->Release();
     --mHeld;
 }
 
 void Win32Picture::Draw(HDC target, const RECT& area) const {
-    static_cast<void>(FillRect(target, &area, GetSysColorBrush(COLOR_BTNFACE)));
+    FillRect(target, &area, GetSysColorBrush(COLOR_BTNFACE));
     OLE_XSIZE_HIMETRIC width = 0;
     OLE_YSIZE_HIMETRIC height = 0;
     if (mPicture->get_Width(&width) != S_OK || mPicture->get_Height(&height) != S_OK ||
         width <= 0 || height <= 0)
         return;
     const RECT place = Fitted(area, width, height);
-    static_cast<void>(SetStretchBltMode(target, HALFTONE));
-    static_cast<void>(SetBrushOrgEx(target, 0, 0, nullptr));
+    SetStretchBltMode(target, HALFTONE);
+    SetBrushOrgEx(target, 0, 0, nullptr);
     // The y axis of the picture points upwards.
-    static_cast<void>(mPicture->Render(target, place.left, place.top, place.right - place.left,
-                                       place.bottom - place.top, 0, height, width, -height,
-                                       nullptr));
+    mPicture->Render(target, place.left, place.top, place.right - place.left,
+                     place.bottom - place.top, 0, height, width, -height, nullptr);
 }
 
 Win32Pictures::Win32Pictures(const Files& files)
@@ -65,13 +65,13 @@ Win32Pictures::~Win32Pictures() {
 }
 
 std::shared_ptr<const Picture> Win32Pictures::Load(const std::string& path) {
-    IStream* const stream = StreamOver(mFiles.ReadAll(path));
-    if (stream == nullptr) throw RuntimeError(ErrorNumber::OutOfMemory);
+    const ComPointer<IStream> stream = StreamOver(mFiles.ReadAll(path));
+    if (!stream) throw RuntimeError(ErrorNumber::OutOfMemory);
     void* picture = nullptr;
-    const HRESULT result = OleLoadPicture(stream, 0, FALSE, IID_IPicture, &picture);
-    stream->Release();
+    const HRESULT result = OleLoadPicture(stream.get(), 0, FALSE, IID_IPicture, &picture);
     if (result != S_OK || picture == nullptr) throw RuntimeError(ErrorNumber::InvalidPicture);
-    return std::make_shared<Win32Picture>(static_cast<IPicture*>(picture), mHeld);
+    return std::make_shared<Win32Picture>(ComPointer<IPicture>(static_cast<IPicture*>(picture)),
+                                          mHeld);
 }
 
 }  // namespace vantor

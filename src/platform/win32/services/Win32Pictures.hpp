@@ -3,7 +3,7 @@
 
 #include "platform/Files.hpp"
 #include "platform/Pictures.hpp"
-#include "platform/win32/services/Windows.hpp"
+#include "platform/win32/services/Win32Handle.hpp"
 
 struct IPicture;
 
@@ -11,17 +11,15 @@ namespace vantor {
 
 class Win32Picture : public Picture {
 public:
-    /// Takes over the reference; counts itself in `held`.
-    Win32Picture(IPicture* picture, int& held) : mPicture(picture), mHeld(held) { ++mHeld; }
+    /// Counts itself in `held`.
+    Win32Picture(ComPointer<IPicture> picture, int& held);
     ~Win32Picture() override;
-    Win32Picture(const Win32Picture&) = delete;
-    Win32Picture& operator=(const Win32Picture&) = delete;
 
     /// Draws it centred in `area`, as large as its aspect ratio allows, on the window colour.
     void Draw(HDC target, const RECT& area) const;
 
 private:
-    IPicture* mPicture;
+    ComPointer<IPicture> mPicture;
     int& mHeld;
 };
 

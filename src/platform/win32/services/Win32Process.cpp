@@ -1,11 +1,12 @@
-#include "platform/win32/services/Win32Process.hpp"
-
+// The running process: arguments, program file, single instance, unhandled exceptions.
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <exception>
-#include <memory>
+#include <map>
 
+#include "platform/win32/services/Win32Handle.hpp"
+#include "platform/win32/services/Win32Services.hpp"
 #include "support/errors/RuntimeError.hpp"
 // Requires the types of <windows.h>.
 #include <shellapi.h>
@@ -21,30 +22,30 @@ struct ExceptionName {
     const wchar_t* name;
 };
 
-constexpr std::array kExceptionNames = {
-    ExceptionName{EXCEPTION_ACCESS_VIOLATION, L"Access Violation"},
-    ExceptionName{EXCEPTION_DATATYPE_MISALIGNMENT, L"Datatype Misalignment"},
-    ExceptionName{EXCEPTION_BREAKPOINT, L"Breakpoint"},
-    ExceptionName{EXCEPTION_SINGLE_STEP, L"Single Step"},
-    ExceptionName{EXCEPTION_ARRAY_BOUNDS_EXCEEDED, L"Array Bounds Exceeded"},
-    ExceptionName{EXCEPTION_FLT_DENORMAL_OPERAND, L"Float Denormal Operand"},
-    ExceptionName{EXCEPTION_FLT_DIVIDE_BY_ZERO, L"Float Divide By Zero"},
-    ExceptionName{EXCEPTION_FLT_INEXACT_RESULT, L"Float Inexact Result"},
-    ExceptionName{EXCEPTION_FLT_INVALID_OPERATION, L"Float Invalid Operation"},
-    ExceptionName{EXCEPTION_FLT_OVERFLOW, L"Float Overflow"},
-    ExceptionName{EXCEPTION_FLT_STACK_CHECK, L"Float Stack Check"},
-    ExceptionName{EXCEPTION_FLT_UNDERFLOW, L"Float Underflow"},
-    ExceptionName{EXCEPTION_INT_DIVIDE_BY_ZERO, L"Integer Divide By Zero"},
-    ExceptionName{EXCEPTION_INT_OVERFLOW, L"Integer Overflow"},
-    ExceptionName{EXCEPTION_PRIV_INSTRUCTION, L"Privileged Instruction"},
-    ExceptionName{EXCEPTION_IN_PAGE_ERROR, L"In Page Error"},
-    ExceptionName{EXCEPTION_ILLEGAL_INSTRUCTION, L"Illegal Instruction"},
-    ExceptionName{EXCEPTION_NONCONTINUABLE_EXCEPTION, L"Noncontinuable Exception"},
-    ExceptionName{EXCEPTION_STACK_OVERFLOW, L"Stack Overflow"},
-    ExceptionName{EXCEPTION_INVALID_DISPOSITION, L"Invalid Disposition"},
-    ExceptionName{EXCEPTION_GUARD_PAGE, L"Guard Page Violation"},
-    ExceptionName{EXCEPTION_INVALID_HANDLE, L"Invalid Handle"},
-    ExceptionName{CONTROL_C_EXIT, L"Control-C Exit"},
+constexpr ExceptionName kExceptionNames[] = {
+    {EXCEPTION_ACCESS_VIOLATION, L"Access Violation"},
+    {EXCEPTION_DATATYPE_MISALIGNMENT, L"Datatype Misalignment"},
+    {EXCEPTION_BREAKPOINT, L"Breakpoint"},
+    {EXCEPTION_SINGLE_STEP, L"Single Step"},
+    {EXCEPTION_ARRAY_BOUNDS_EXCEEDED, L"Array Bounds Exceeded"},
+    {EXCEPTION_FLT_DENORMAL_OPERAND, L"Float Denormal Operand"},
+    {EXCEPTION_FLT_DIVIDE_BY_ZERO, L"Float Divide By Zero"},
+    {EXCEPTION_FLT_INEXACT_RESULT, L"Float Inexact Result"},
+    {EXCEPTION_FLT_INVALID_OPERATION, L"Float Invalid Operation"},
+    {EXCEPTION_FLT_OVERFLOW, L"Float Overflow"},
+    {EXCEPTION_FLT_STACK_CHECK, L"Float Stack Check"},
+    {EXCEPTION_FLT_UNDERFLOW, L"Float Underflow"},
+    {EXCEPTION_INT_DIVIDE_BY_ZERO, L"Integer Divide By Zero"},
+    {EXCEPTION_INT_OVERFLOW, L"Integer Overflow"},
+    {EXCEPTION_PRIV_INSTRUCTION, L"Privileged Instruction"},
+    {EXCEPTION_IN_PAGE_ERROR, L"In Page Error"},
+    {EXCEPTION_ILLEGAL_INSTRUCTION, L"Illegal Instruction"},
+    {EXCEPTION_NONCONTINUABLE_EXCEPTION, L"Noncontinuable Exception"},
+    {EXCEPTION_STACK_OVERFLOW, L"Stack Overflow"},
+    {EXCEPTION_INVALID_DISPOSITION, L"Invalid Disposition"},
+    {EXCEPTION_GUARD_PAGE, L"Guard Page Violation"},
+    {EXCEPTION_INVALID_HANDLE, L"Invalid Handle"},
+    {CONTROL_C_EXIT, L"Control-C Exit"},
 };
 
 const wchar_t* NameOf(DWORD code) {
@@ -64,8 +65,8 @@ void WriteLastWords(const wchar_t* words) {
     }
     DWORD count = 0;
     // A failed write is ignored: there is no other channel to report it.
-    static_cast<void>(WriteFile(GetStdHandle(STD_ERROR_HANDLE), line.data(),
-                                static_cast<DWORD>(length), &count, nullptr));
+    WriteFile(GetStdHandle(STD_ERROR_HANDLE), line.data(), static_cast<DWORD>(length), &count,
+              nullptr);
 }
 
 /// `what` must be short: the buffer is fixed.
@@ -80,7 +81,7 @@ void SayLastWords(const wchar_t* what) {
 }
 
 [[noreturn]] void End(DWORD exitCode) {
-    static_cast<void>(TerminateProcess(GetCurrentProcess(), exitCode));
+    TerminateProcess(GetCurrentProcess(), exitCode);
     std::abort();  // not reached
 }
 
@@ -106,48 +107,55 @@ LONG WINAPI OnUnhandledException(EXCEPTION_POINTERS* exception) {
     End(kAborted);
 }
 
-struct LocalMemory {
-    void operator()(wchar_t** memory) const { static_cast<void>(LocalFree(memory)); }
+class Win32Process : public Process {
+public:
+    Win32Process() {
+        int count = 0;
+        const Owned<wchar_t**, LocalFree> arguments(CommandLineToArgvW(GetCommandLineW(), &count));
+        if (!arguments) return;
+        for (int i = 1; i < count; ++i) mArguments.push_back(ToUtf8(arguments.get()[i]));
+    }
+
+    const std::vector<std::string>& Arguments() const override { return mArguments; }
+
+    std::string ExecutablePath() const override {
+        constexpr std::size_t kLongestPath = 32768;
+        std::wstring path(kLongestPath, L'\0');
+        const DWORD length = GetModuleFileNameW(nullptr, path.data(), kLongestPath);
+        if (length == 0 || length >= path.size()) throw RuntimeError(ErrorNumber::FileNotFound);
+        path.resize(length);
+        return ToUtf8(path);
+    }
+
+    bool AnotherInstanceRuns(const std::string& title) override {
+        if (mPlaces.contains(title)) return false;
+        std::wstring name = ToWide(title);
+        std::replace(name.begin(), name.end(), L'\\', L'-');  // it separates namespaces
+        Win32Handle place(CreateMutexW(nullptr, FALSE, (L"Local\\" + name).c_str()));
+        const DWORD systemError = GetLastError();
+        if (!place.IsOpen()) return systemError == ERROR_ACCESS_DENIED;  // belongs to another user
+        if (systemError == ERROR_ALREADY_EXISTS) return true;
+        mPlaces.emplace(title, std::move(place));
+        return false;
+    }
+
+    void InstallUnhandledExceptionFilter(const std::string& title) override {
+        const std::wstring wide = ToWide(title);
+        const std::size_t length = wide.copy(gTitle.data(), gTitle.size() - 1);
+        gTitle[length] = L'\0';
+        std::set_terminate(OnTerminate);
+        SetUnhandledExceptionFilter(OnUnhandledException);
+    }
+
+private:
+    std::vector<std::string> mArguments;
+    std::map<std::string, Win32Handle> mPlaces;  // by title, held until this process ends
 };
 
 }  // namespace
 
-Win32Process::Win32Process() {
-    int count = 0;
-    const std::unique_ptr<wchar_t*, LocalMemory> arguments(
-        CommandLineToArgvW(GetCommandLineW(), &count));
-    if (!arguments) return;
-    for (int i = 1; i < count; ++i) mArguments.push_back(ToUtf8(arguments.get()[i]));
-}
-
-std::string Win32Process::ExecutablePath() const {
-    constexpr std::size_t kLongestPath = 32768;
-    std::wstring path(kLongestPath, L'\0');
-    const DWORD length = GetModuleFileNameW(nullptr, path.data(), static_cast<DWORD>(path.size()));
-    if (length == 0 || length >= path.size()) throw RuntimeError(ErrorNumber::FileNotFound);
-    path.resize(length);
-    return ToUtf8(path);
-}
-
-bool Win32Process::AnotherInstanceRuns(const std::string& title) {
-    if (mPlaces.contains(title)) return false;
-    std::wstring name = ToWide(title);
-    std::replace(name.begin(), name.end(), L'\\', L'-');  // it separates namespaces
-    Win32Handle place(CreateMutexW(nullptr, FALSE, (L"Local\\" + name).c_str()));
-    const DWORD systemError = GetLastError();
-    if (!place.IsOpen()) return systemError == ERROR_ACCESS_DENIED;  // belongs to another user
-    if (systemError == ERROR_ALREADY_EXISTS) return true;
-    mPlaces.emplace(title, std::move(place));
-    return false;
-}
-
-void Win32Process::InstallUnhandledExceptionFilter(const std::string& title) {
-    const std::wstring wide = ToWide(title);
-    const std::size_t length = std::min(wide.size(), gTitle.size() - 1);
-    std::copy_n(wide.begin(), length, gTitle.begin());
-    gTitle[length] = L'\0';
-    std::set_terminate(OnTerminate);
-    static_cast<void>(SetUnhandledExceptionFilter(OnUnhandledException));  // returns the old one
+std::unique_ptr<Process> MakeWin32Process() {
+    return std::make_unique<Win32Process>();
 }
 
 }  // namespace vantor

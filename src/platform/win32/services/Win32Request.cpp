@@ -5,25 +5,16 @@ namespace {
 
 // Checks the status, not the event, which another waiter may have reset.
 bool EndsWithin(const Win32Request& request, DWORD ms) {
-    static_cast<void>(WaitForSingleObject(request.done.Get(), ms));
+    WaitForSingleObject(request.done.Get(), ms);
     return request.HasEnded();
 }
 
 }  // namespace
 
-Win32Request::Win32Request(bool automaticReset)
-    : done(CreateEventW(nullptr, automaticReset ? FALSE : TRUE, FALSE, nullptr)) {}
-
-OVERLAPPED* Win32Request::Fresh() {
-    overlapped = {};
-    overlapped.hEvent = done.Get();
-    return &overlapped;
-}
-
 bool EndRequest(HANDLE device, std::unique_ptr<Win32Request>& request, DWORD patienceMs) {
     constexpr DWORD kCancelMs = 1000;  // working drivers take some milliseconds
     if (EndsWithin(*request, patienceMs)) return true;
-    static_cast<void>(CancelIoEx(device, &request->overlapped));
+    CancelIoEx(device, &request->overlapped);
     if (!EndsWithin(*request, kCancelMs)) static_cast<void>(request.release());
     return false;
 }

@@ -10,18 +10,22 @@
 namespace vantor {
 
 struct Win32Request {
-    /// An auto-reset event is for a single waiter in a loop. `done` is not open when the event
-    /// cannot be created.
-    explicit Win32Request(bool automaticReset);
+    Win32Request() = default;
     Win32Request(const Win32Request&) = delete;
     Win32Request& operator=(const Win32Request&) = delete;
 
     /// The structure for the next request. The previous one must have ended.
-    OVERLAPPED* Fresh();
+    OVERLAPPED* Fresh() {
+        overlapped = {};
+        overlapped.hEvent = done.Get();
+        return &overlapped;
+    }
     bool HasEnded() const { return HasOverlappedIoCompleted(&overlapped); }
 
     OVERLAPPED overlapped{};
-    Win32Handle done;
+    /// Not open when it cannot be created. Auto-reset: a registered wait would report a set event
+    /// repeatedly.
+    Win32Handle done{CreateEventW(nullptr, FALSE, FALSE, nullptr)};
     std::string bytes;  ///< of a read or write
     DWORD events = 0;   ///< of a WaitCommEvent
 };

@@ -1,33 +1,46 @@
 #include "platform/win32/services/Windows.hpp"
 
+#include <algorithm>
 #include <array>
-#include <cstddef>
+#include <cstring>
 
 #include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 
 // Win32 lengths are int; 2 GB strings do not occur here, and an overflowed length converts nothing.
-std::wstring ToWide(std::string_view utf8) {
-    const int length = static_cast<int>(utf8.size());
-    const int needed = MultiByteToWideChar(CP_UTF8, 0, utf8.data(), length, nullptr, 0);
-    if (needed <= 0) return {};
+std::wstring ToWide(std::string_view text, UINT codePage) {
+    const int length = static_cast<int>(text.size());
+    const int needed = MultiByteToWideChar(codePage, 0, text.data(), length, nullptr, 0);
     std::wstring wide(static_cast<std::size_t>(needed), L'\0');
-    if (MultiByteToWideChar(CP_UTF8, 0, utf8.data(), length, wide.data(), needed) != needed)
-        return {};
+    MultiByteToWideChar(codePage, 0, text.data(), length, wide.data(), needed);
     return wide;
 }
 
-std::string ToUtf8(std::wstring_view wide) {
+std::string FromWide(std::wstring_view wide, UINT codePage, DWORD flags, const char* substitute) {
     const int length = static_cast<int>(wide.size());
-    const int needed =
-        WideCharToMultiByte(CP_UTF8, 0, wide.data(), length, nullptr, 0, nullptr, nullptr);
-    if (needed <= 0) return {};
-    std::string utf8(static_cast<std::size_t>(needed), '\0');
-    if (WideCharToMultiByte(CP_UTF8, 0, wide.data(), length, utf8.data(), needed, nullptr,
-                            nullptr) != needed)
-        return {};
-    return utf8;
+    const auto convert = [&](char* into, int size) {
+        return WideCharToMultiByte(codePage, flags, wide.data(), length, into, size, substitute,
+                                   nullptr);
+    };
+    std::string text(static_cast<std::size_t>(convert(nullptr, 0)), '\0');
+    convert(text.data(), static_cast<int>(text.size()));
+    return text;
+}
+
+std::wstring CurrentFolder() {
+    std::wstring path(GetCurrentDirectoryW(0, nullptr), L'\0');  // includes the NUL
+    const DWORD length = GetCurrentDirectoryW(static_cast<DWORD>(path.size()), path.data());
+    path.resize(length < path.size() ? length : 0);
+    return path;
+}
+
+HGLOBAL GlobalCopy(const void* bytes, std::size_t size) {
+    const HGLOBAL memory = GlobalAlloc(GMEM_MOVEABLE, std::max<std::size_t>(size, 1));
+    if (memory == nullptr) return nullptr;
+    std::memcpy(GlobalLock(memory), bytes, size);
+    GlobalUnlock(memory);
+    return memory;
 }
 
 void RaiseFileError(DWORD systemError) {

@@ -2,30 +2,40 @@
 // numbers. No other file includes <windows.h>.
 #pragma once
 
-#ifndef NOMINMAX
-#define NOMINMAX
-#endif
-#ifndef WIN32_LEAN_AND_MEAN
+// Defined as 1 like in the C++ library and by the compiler, which may have defined them before.
+#define NOMINMAX 1
+#define UNICODE 1
 #define WIN32_LEAN_AND_MEAN
-#endif
-#ifndef UNICODE
-#define UNICODE
-#endif
-#ifndef _UNICODE
-#define _UNICODE
-#endif
 #include <windows.h>
 
+#include <cstddef>
 #include <string>
 #include <string_view>
 
 namespace vantor {
 
-/// UTF-8 to UTF-16. Invalid UTF-8 becomes U+FFFD.
-std::wstring ToWide(std::string_view utf8);
+/// Text in `codePage` to UTF-16. Invalid UTF-8 becomes U+FFFD.
+std::wstring ToWide(std::string_view text, UINT codePage = CP_UTF8);
+
+/// UTF-16 to `codePage` (WideCharToMultiByte with these `flags` and `substitute`).
+std::string FromWide(std::wstring_view wide, UINT codePage, DWORD flags, const char* substitute);
 
 /// UTF-16 to UTF-8. Unpaired surrogates become U+FFFD.
-std::string ToUtf8(std::wstring_view wide);
+inline std::string ToUtf8(std::wstring_view wide) {
+    return FromWide(wide, CP_UTF8, 0, nullptr);
+}
+
+/// `text` as an argument for which null selects a default.
+inline const wchar_t* OrNull(const std::wstring& text) {
+    return text.empty() ? nullptr : text.c_str();
+}
+
+/// The current folder of the process; empty when the system does not report it.
+std::wstring CurrentFolder();
+
+/// A copy of `size` bytes in movable memory, which the system can take over; null when out of
+/// memory.
+HGLOBAL GlobalCopy(const void* bytes, std::size_t size);
 
 /// Raises the RuntimeError for a failed file operation: 53, 76, 70, 61, else 75.
 [[noreturn]] void RaiseFileError(DWORD systemError);

@@ -1,4 +1,4 @@
-// The other windows of the thread while a box or dialog of the system is open.
+// The other windows of the thread while a modal window, a box or a dialog of the system is open.
 #pragma once
 
 #include <vector>

@@ -6,7 +6,7 @@
 
 #include "monitor/frmMonitor.hpp"
 #include "platform/win32/services/Win32Services.hpp"
-#include "platform/win32/terminal/Win32CellLooks.hpp"
+#include "platform/win32/terminal/Win32TerminalPaint.hpp"
 #include "platform/win32/windows/Win32ChildControl.hpp"
 #include "tests/unit/Wire.hpp"
 #include "tests/windows/RealWindows.hpp"
@@ -109,11 +109,11 @@ TEST_F(TerminalView, LettersShowWhereOnlyOneColourWasChosen) {
     for (std::uint8_t colour = 0; colour < kDefaultColour; ++colour) {
         for (const Cell& cell : {Cell{'x', colour}, Cell{'x', kDefaultColour, colour},
                                  Cell{'x', colour, kDefaultColour, kReversed}}) {
-            const CellColours colours = ColoursOf(cell, false, false);
+            const CellColours colours = ColoursOf(cell);
             EXPECT_GT(difference(colours.ink, colours.ground), 100) << int{colour};
         }
     }
-    EXPECT_EQ(ColoursOf(Cell{'x', 1}, false, false).ink, RGB(170, 0, 0)) << "as it was chosen";
+    EXPECT_EQ(ColoursOf(Cell{'x', 1}).ink, RGB(170, 0, 0)) << "as it was chosen";
 }
 
 TEST_F(TerminalView, ABoxOfTheMonitorDisablesEveryOtherWindow) {

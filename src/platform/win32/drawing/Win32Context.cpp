@@ -12,17 +12,13 @@ constexpr float kPointsPerInch = 72;
 int ScreenDpi() {
     const HDC screen = GetDC(nullptr);
     const int dpi = screen == nullptr ? 0 : GetDeviceCaps(screen, LOGPIXELSY);
-    if (screen != nullptr) static_cast<void>(ReleaseDC(nullptr, screen));
+    if (screen != nullptr) ReleaseDC(nullptr, screen);
     return dpi > 0 ? dpi : USER_DEFAULT_SCREEN_DPI;
 }
 
 }  // namespace
 
 Win32Context::Win32Context() : mInstance(GetModuleHandleW(nullptr)), mDpi(ScreenDpi()) {}
-
-Win32Context::~Win32Context() {
-    for (const auto& [key, font] : mFonts) static_cast<void>(DeleteObject(font));
-}
 
 int Win32Context::ToPixels(float twips) const {
     return static_cast<int>(std::lround(twips * static_cast<float>(mDpi) / kTwipsPerInch));
@@ -47,17 +43,17 @@ MONITORINFO Win32Context::MonitorAt(const RECT& place) {
     MONITORINFO info{};
     info.cbSize = sizeof info;
     // The nearest monitor always exists; all 0 means that it has just been disconnected.
-    static_cast<void>(GetMonitorInfoW(MonitorFromRect(&place, MONITOR_DEFAULTTONEAREST), &info));
+    GetMonitorInfoW(MonitorFromRect(&place, MONITOR_DEFAULTTONEAREST), &info);
     return info;
 }
 
 HFONT Win32Context::Font(float points, bool bold, const std::string& face) {
-    HFONT& font = mFonts[{static_cast<int>(std::lround(points * 10)), bold, face}];
-    if (font != nullptr) return font;
+    for (const CachedFont& each : mFonts)
+        if (each.points == points && each.bold == bold && each.face == face) return each.font.get();
     NONCLIENTMETRICSW metrics{};
     metrics.cbSize = sizeof metrics;
     // On failure the zeros select the default typeface.
-    static_cast<void>(SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0));
+    SystemParametersInfoW(SPI_GETNONCLIENTMETRICS, sizeof metrics, &metrics, 0);
     LOGFONTW wanted = metrics.lfMessageFont;
     wanted.lfHeight =
         -static_cast<LONG>(std::lround(points * static_cast<float>(mDpi) / kPointsPerInch));
@@ -65,9 +61,8 @@ HFONT Win32Context::Font(float points, bool bold, const std::string& face) {
     wanted.lfWeight = bold ? FW_SEMIBOLD : FW_NORMAL;
     if (const std::wstring name = ToWide(face); !name.empty() && name.size() < LF_FACESIZE)
         *std::copy(name.begin(), name.end(), wanted.lfFaceName) = L'\0';
-    font = Made(CreateFontIndirectW(&wanted));
-    ++held.fonts;
-    return font;
+    mFonts.push_back({points, bold, face, Hold(CreateFontIndirectW(&wanted), held.fonts)});
+    return mFonts.back().font.get();
 }
 
 }  // namespace vantor

@@ -1,30 +1,18 @@
-// What all windows share: DPI scaling, fonts, the pointer, and counts of the system objects that
-// the peers hold, for leak detection.
+// What all windows share: DPI scaling, fonts, the pointer, and the list of the form windows.
 #pragma once
 
-#include <map>
 #include <string>
-#include <tuple>
+#include <vector>
 
 #include "controls/Control.hpp"
+#include "platform/win32/drawing/Win32Objects.hpp"
 #include "platform/win32/drawing/Win32SpokenNames.hpp"
-#include "platform/win32/services/Windows.hpp"
 
 namespace vantor {
-
-/// System objects that the peers hold now.
-struct HeldObjects {
-    int windows = 0;
-    int menus = 0;
-    int fonts = 0;
-};
 
 class Win32Context {
 public:
     Win32Context();
-    ~Win32Context();
-    Win32Context(const Win32Context&) = delete;
-    Win32Context& operator=(const Win32Context&) = delete;
 
     HINSTANCE Instance() const { return mInstance; }
 
@@ -42,14 +30,22 @@ public:
     HFONT Font(float points, bool bold, const std::string& face = {});
 
     HeldObjects held;
+    std::vector<HWND> formWindows;  ///< in creation order; the first is the main window
     Win32SpokenNames spokenNames;
     HCURSOR cursor = nullptr;   ///< the pointer of all windows; null: each window's own
     std::wstring reasonToStay;  ///< reason that blocks a shutdown; empty: none
 
 private:
+    struct CachedFont {
+        float points;
+        bool bold;
+        std::string face;
+        Win32Object<HFONT> font;
+    };
+
     HINSTANCE mInstance;
     int mDpi = 96;
-    std::map<std::tuple<int, bool, std::string>, HFONT> mFonts;  // by tenths of points, bold, face
+    std::vector<CachedFont> mFonts;
 };
 
 }  // namespace vantor

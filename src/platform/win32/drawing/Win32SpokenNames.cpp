@@ -22,14 +22,13 @@ void Win32SpokenNames::Set(HWND window, const std::wstring& name) {
         FAILED(CoCreateInstance(CLSID_AccPropServices, nullptr, CLSCTX_INPROC_SERVER,
                                 IID_IAccPropServices, reinterpret_cast<void**>(&mService))))
         return;
-    static_cast<void>(
-        mService->SetHwndPropStr(window, kClient, CHILDID_SELF, PROPID_ACC_NAME, name.c_str()));
+    mService->SetHwndPropStr(window, kClient, CHILDID_SELF, PROPID_ACC_NAME, name.c_str());
 }
 
 void Win32SpokenNames::Forget(HWND window) {
     if (mService == nullptr) return;
     MSAAPROPID name = PROPID_ACC_NAME;
-    static_cast<void>(mService->ClearHwndProps(window, kClient, CHILDID_SELF, &name, 1));
+    mService->ClearHwndProps(window, kClient, CHILDID_SELF, &name, 1);
 }
 
 }  // namespace vantor

@@ -4,33 +4,29 @@
 #include <array>
 #include <string>
 #include <string_view>
-#include <vector>
 
 namespace vantor {
 namespace {
 
-constexpr std::array kFallbacks = {L"Consolas", L"Lucida Console", L"Courier New",
-                                   L"Liberation Mono", L"DejaVu Sans Mono"};
-
 /// Letters of both languages, and symbols that an indicator displays.
 constexpr std::wstring_view kSample = L"Az09\x00c1\x00d1\x00e1\x00e9\x00ed\x00f1\x00f3\x00fa\x00b0";
 
-HFONT Make(const std::wstring& face, int height, bool bold) {
+HFONT Make(const wchar_t* face, int height, int weight) {
     // The one OEM face is only found with its character set.
-    const bool isTerminal = face == L"Terminal";
-    return CreateFontW(-height, 0, 0, 0, bold ? FW_BOLD : FW_NORMAL, FALSE, FALSE, FALSE,
+    const bool isTerminal = std::wstring_view(face) == L"Terminal";
+    return CreateFontW(-height, 0, 0, 0, weight, FALSE, FALSE, FALSE,
                        isTerminal ? OEM_CHARSET : DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
                        CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY, DWORD{FIXED_PITCH} | DWORD{FF_MODERN},
-                       face.c_str());
+                       face);
 }
 
 /// True when the selected typeface is the requested one, monospaced, and has all letters.
-bool IsWhole(HDC target, const std::wstring& face) {
+bool IsWhole(HDC target, const wchar_t* face) {
     std::array<wchar_t, LF_FACESIZE> given{};
     TEXTMETRICW metrics{};
     std::array<WORD, kSample.size()> glyphs{};
     if (GetTextFaceW(target, LF_FACESIZE, given.data()) == 0 ||
-        lstrcmpiW(given.data(), face.c_str()) != 0 || GetTextMetricsW(target, &metrics) == 0 ||
+        lstrcmpiW(given.data(), face) != 0 || GetTextMetricsW(target, &metrics) == 0 ||
         GetGlyphIndicesW(target, kSample.data(), static_cast<int>(kSample.size()), glyphs.data(),
                          GGI_MARK_NONEXISTING_GLYPHS) == GDI_ERROR)
         return false;
@@ -44,45 +40,31 @@ bool IsWhole(HDC target, const std::wstring& face) {
 }
 
 /// `wanted` or the first suitable fallback; without one the system chooses.
-std::wstring ChosenFace(HDC target, const std::wstring& wanted, int height) {
-    std::vector<std::wstring> faces = {wanted};
-    faces.insert(faces.end(), kFallbacks.begin(), kFallbacks.end());
-    for (const std::wstring& face : faces) {
-        const HFONT font = Make(face, height, false);
-        const HGDIOBJ before = SelectObject(target, font);
-        const bool whole = IsWhole(target, face);
-        static_cast<void>(SelectObject(target, before));
-        static_cast<void>(DeleteObject(font));
-        if (whole) return face;
+const wchar_t* ChosenFace(HDC target, const wchar_t* wanted, int height) {
+    for (const wchar_t* const face : {wanted, L"Consolas", L"Lucida Console", L"Courier New",
+                                      L"Liberation Mono", L"DejaVu Sans Mono"}) {
+        const Win32Object<HFONT> font(Make(face, height, FW_NORMAL));
+        const Win32Selected selected(target, font.get());
+        if (IsWhole(target, face)) return face;
     }
-    return {};
+    return L"";
 }
 
 }  // namespace
 
-Win32TerminalFont::Win32TerminalFont(Win32Context& context, const ControlStyle& style)
-    : mContext(context) {
+Win32TerminalFont::Win32TerminalFont(Win32Context& context, const ControlStyle& style) {
     constexpr float kTwipsPerPoint = 20;
-    const int height = context.ToPixels(style.points * kTwipsPerPoint);
-    const HDC target = Made(CreateCompatibleDC(nullptr));
-    const HGDIOBJ before = GetCurrentObject(target, OBJ_FONT);
-    const std::wstring face = ChosenFace(target, ToWide(style.face), height);
-    mPlain.reset(Make(face, height, false));
-    mBold.reset(Make(face, height, true));
-    static_cast<void>(SelectObject(target, mPlain.get()));
+    const int pixels = context.ToPixels(style.points * kTwipsPerPoint);
+    const Win32Object<HDC> target(Made(CreateCompatibleDC(nullptr)));
+    const std::wstring wanted = ToWide(style.face);
+    const wchar_t* const face = ChosenFace(target.get(), wanted.c_str(), pixels);
+    plain = Hold(Make(face, pixels, FW_NORMAL), context.held.fonts);
+    bold = Hold(Make(face, pixels, FW_BOLD), context.held.fonts);
+    const Win32Selected selected(target.get(), plain.get());
     TEXTMETRICW metrics{};
-    if (GetTextMetricsW(target, &metrics) != 0) {
-        mWidth = std::max<int>(metrics.tmAveCharWidth, 1);
-        mHeight = std::max<int>(metrics.tmHeight, 1);
-    }
-    static_cast<void>(SelectObject(target, before));
-    static_cast<void>(DeleteDC(target));
-    if (mPlain == nullptr || mBold == nullptr) RaiseNotMade(GetLastError());
-    mContext.held.fonts += 2;
-}
-
-Win32TerminalFont::~Win32TerminalFont() {
-    mContext.held.fonts -= 2;
+    if (GetTextMetricsW(target.get(), &metrics) == 0) return;
+    width = std::max<int>(metrics.tmAveCharWidth, 1);
+    height = std::max<int>(metrics.tmHeight, 1);
 }
 
 }  // namespace vantor

@@ -13,8 +13,8 @@ constexpr COLORREF kDigits = RGB(0x6d, 0xf0, 0xa0);
 
 void Fill(HDC target, const RECT& area, COLORREF colour) {
     const HBRUSH brush = CreateSolidBrush(colour);
-    static_cast<void>(FillRect(target, &area, brush));
-    static_cast<void>(DeleteObject(brush));
+    FillRect(target, &area, brush);
+    DeleteObject(brush);
 }
 
 COLORREF Between(COLORREF from, COLORREF to, int part, int whole) {
@@ -57,11 +57,10 @@ RECT DrawIndicator(HDC target, const RECT& area) {
 }
 
 void Write(HDC target, HFONT font, COLORREF colour, const wchar_t* text, RECT area, UINT format) {
-    const HGDIOBJ before = SelectObject(target, font);
-    static_cast<void>(SetTextColor(target, colour));
-    static_cast<void>(SetBkMode(target, TRANSPARENT));
-    static_cast<void>(DrawTextW(target, text, -1, &area, format | DT_SINGLELINE | DT_VCENTER));
-    static_cast<void>(SelectObject(target, before));
+    const Win32Selected selected(target, font);
+    SetTextColor(target, colour);
+    SetBkMode(target, TRANSPARENT);
+    DrawTextW(target, text, -1, &area, format | DT_SINGLELINE | DT_VCENTER);
 }
 
 }  // namespace

@@ -1,20 +1,15 @@
-// One control as a child window: created from its model and kept in sync with it.
+// One control as a child window, kept in sync with its model: what all kinds have in common. Each
+// kind is a class of its own, in Win32ChildKinds.cpp or in a file of its own.
 #pragma once
 
 #include <memory>
+#include <optional>
 #include <string>
-#include <vector>
 
 #include "controls/Form.hpp"
 #include "platform/win32/drawing/Win32Context.hpp"
 
 namespace vantor {
-
-class ComboBox;
-class PictureBox;
-class StatusBar;
-class Win32TerminalView;
-class Win32TreeView;
 
 /// Identifiers of child windows start here, in collection order.
 inline constexpr int kFirstChildId = 1000;
@@ -22,75 +17,103 @@ inline constexpr int kFirstChildId = 1000;
 /// Posted by a list to its form: the user has made a choice.
 inline constexpr UINT kChoiceMade = WM_APP + 1;
 
-/// True for the kinds that have a window of their own.
-bool HasWindow(ControlKind kind);
-
 /// The window class of panels and pictures. Registered by the first form window.
 inline constexpr wchar_t kPanelClass[] = L"VantorPanel";
 
+/// The native window of a kind.
+struct NativeKind {
+    const wchar_t* windowClass;
+    DWORD style;
+    DWORD extendedStyle = 0;
+    /// A property that a session sets with every line: the message loop shows it while the line is
+    /// being transmitted, not in the gap between two lines.
+    std::optional<Property> deferred = std::nullopt;
+};
+
+/// What a child window is made from.
+struct ChildSource {
+    Win32Context& context;
+    Control& control;
+    const ControlStyle& style;
+};
+
 class Win32ChildControl {
 public:
-    /// Creates the child window of `control` in `parent`, with `id`, from its design row. Raises
-    /// RuntimeError 7 when the system cannot create it.
-    Win32ChildControl(Win32Context& context, Control& control, const ControlDesign& row,
-                      HWND parent, int id);
+    Win32ChildControl(const ChildSource& source, const NativeKind& native);
     Win32ChildControl(const Win32ChildControl&) = delete;
     Win32ChildControl& operator=(const Win32ChildControl&) = delete;
-    /// The window is destroyed with its parent; only the count is updated here.
-    ~Win32ChildControl();
+    /// The window is destroyed with its parent.
+    virtual ~Win32ChildControl() { --mContext.held.windows; }
+
+    /// Creates the window in `parent` with `id`; called once, and before every other function.
+    /// Raises RuntimeError 7 when the system cannot create it.
+    void Create(HWND parent, int id);
 
     Control& Model() const { return mControl; }
-    const ControlDesign& Row() const { return mRow; }
+    const ControlStyle& Style() const { return mStyle; }
     HWND Window() const { return mWindow; }
 
-    void Follow(Property property);
+    virtual void Follow(Property property);
+    /// True for properties that wait for `CatchUp`.
+    bool FollowLater(Property property);
     /// Applies what `FollowLater` deferred.
     void CatchUp();
-    /// True for properties that a session sets with every line: the message loop shows them while
-    /// the line is being transmitted, not in the gap between two lines.
-    bool FollowLater(Property property);
 
     /// Must be called before the window is destroyed.
     void ForgetSpokenName();
 
-    /// A status bar moves itself to the bottom edge of its window; its model gets the height.
-    void KeepToBottom();
-    /// Handles a WM_COMMAND notification of the window. The handler of the model's event may unload
-    /// the form and destroy this object during the call; so may the next two.
-    void Commanded(UINT notification);
-    /// Takes the choice that a drop-down list has posted.
-    void TakeChoice();
-    /// Handles a WM_NOTIFY notification of the window.
-    void Notified(const NMHDR& header);
-    /// Size of a text printed on the control.
-    Size TextSize(const std::string& face, const std::string& text) const;
+    /// The size of the parent has changed.
+    virtual void ParentResized() {}
+    /// Handles a message of a panel, or one that the form passes on: notifications of the window
+    /// (WM_COMMAND, WM_NOTIFY), and `kChoiceMade`. Empty for messages that DefWindowProc has to
+    /// handle. The handler of the model's event may unload the form and destroy this object.
+    virtual std::optional<LRESULT> OnMessage(UINT /*message*/, WPARAM, LPARAM) {
+        return std::nullopt;
+    }
 
-private:
-    RECT OuterPlace() const;
-    void FollowCaption();
-    void FollowSpokenName();
-    void FollowBorder();
-    void FollowValue();
-    void FollowList(const ComboBox& combo);
-    void ListNotified(UINT notification);
-    void FollowPanels(const StatusBar& bar);
-    int PanelWidth(const std::wstring& text) const;
-    void FollowPrinted(const PictureBox& box);
-    void BringToFront();
-    SIZE Extent(HFONT font, const std::wstring& text) const;
-    void InsertColumns();
-    int SelectedRow() const;
+    /// Size of a text in the control's font, in the typeface `face` if not empty.
+    SIZE TextExtent(const std::wstring& text, const std::string& face = {}) const;
+
+protected:
+    /// The model as the class that the kind of control has.
+    template <typename ModelType>
+    ModelType& ModelAs() const {
+        return static_cast<ModelType&>(mControl);
+    }
+    /// Completes a new window.
+    virtual void Created() {}
+    virtual RECT OuterPlace() const { return mContext.ToPixels(mControl.Place()); }
+    virtual void FollowValue() {}
+
+    LRESULT Send(UINT message, WPARAM wParam = 0, LPARAM lParam = 0) const {
+        return SendMessageW(mWindow, message, wParam, lParam);
+    }
+    LRESULT Send(UINT message, WPARAM wParam, const void* lParam) const {
+        return Send(message, wParam, reinterpret_cast<LPARAM>(lParam));
+    }
 
     Win32Context& mContext;
+
+private:
+    void FollowCaption();
+    void FollowPlace();
+    void FollowBorder();
+    void BringToFront();
+
     Control& mControl;
-    const ControlDesign& mRow;
+    const ControlStyle& mStyle;
+    NativeKind mNative;
     HWND mWindow = nullptr;
-    std::shared_ptr<Win32TerminalView> mTerminal;  // of a terminal only
-    std::unique_ptr<Win32TreeView> mTree;          // of a tree only
-    std::vector<std::string> mListed;              // the items that a list shows
     std::string mShownCaption;
-    bool mLate = false;    // caption or value may differ from what is shown
-    bool mChosen = false;  // a choice is posted to the form
+    bool mLate = false;  // caption or value may differ from what is shown
 };
+
+/// The child window of any control except a menu entry, in `parent` with `id`. Raises RuntimeError
+/// 7 when the system cannot create it.
+std::unique_ptr<Win32ChildControl> MakeChild(const ChildSource& source, HWND parent, int id);
+
+// The kinds with files of their own.
+std::unique_ptr<Win32ChildControl> MakePictureBox(const ChildSource& source);
+std::unique_ptr<Win32ChildControl> MakeTreeView(const ChildSource& source);
 
 }  // namespace vantor

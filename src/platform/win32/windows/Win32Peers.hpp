@@ -1,8 +1,6 @@
 // Implements forms as native windows.
 #pragma once
 
-#include <vector>
-
 #include "platform/Peers.hpp"
 #include "platform/win32/drawing/Win32Context.hpp"
 #include "platform/win32/services/Win32MessagePump.hpp"
@@ -27,11 +25,8 @@ public:
     const HeldObjects& Held() const { return mContext.held; }
 
 private:
-    friend class Win32FormPeer;
-
     Win32MessagePump& mPump;
     Win32Context mContext;
-    std::vector<HWND> mWindows;  // in creation order; the first is the main window
 };
 
 }  // namespace vantor

@@ -74,7 +74,7 @@ std::string OpenFailure(const SerialControl& comm, const StringTable& strings) {
             return Filled(strings.Text(known ? Str::PortInUseBy : Str::PortInUse), error->Device(),
                           error->Who());
         case PortOpenError::Reason::LineRefused:
-            return Filled(strings.Text(Str::PortRefusesLine), error->Device(), comm.Settings());
+            return Filled(strings.Text(Str::PortRefusesLine), error->Device(), comm.settings);
     }
     return {};
 }

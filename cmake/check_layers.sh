@@ -2,8 +2,8 @@
 # Fails when a source includes a folder of a layer that its own layer does not link.
 #   cd src && check_layers.sh layers.txt
 # Each row of the table is a folder of src/ and the folders that it may include: "flash: flash
-# dialogs settings ...". A folder that the table does not
-# name holds a program, which may include every layer.
+# dialogs settings ...". A folder that the table does not name holds a program, which may include
+# every layer.
 set -eu
 table=$1
 

@@ -1,7 +1,5 @@
 #include "console/ConsoleView.hpp"
 
-#include <utility>
-
 #include "app/base/AppInfo.hpp"
 #include "app/base/modSupport.hpp"
 #include "platform/Console.hpp"
@@ -26,9 +24,7 @@ std::string ForConsole(const std::string& text) {
 
 }  // namespace
 
-// Boxes --------------------------------------------------------------------------------------
-
-BoxAnswer ConsoleBoxes::Show(const MessageBoxRequest& request) {
+BoxAnswer ConsoleView::Show(const MessageBoxRequest& request) {
     mProgress.Finish();
     const bool bad = request.icon == BoxIcon::Critical || request.icon == BoxIcon::Exclamation;
     const std::string text = (request.title.empty() ? AppInfo{}.title : request.title) + "\n" +
@@ -38,10 +34,10 @@ BoxAnswer ConsoleBoxes::Show(const MessageBoxRequest& request) {
     else
         mConsole.Write(text);
     if (request.buttons == BoxButtons::Ok) return BoxAnswer::Ok;
-    return mAlwaysYes ? BoxAnswer::Yes : Ask();
+    return mOptions.yes ? BoxAnswer::Yes : Ask();
 }
 
-BoxAnswer ConsoleBoxes::Ask() {
+BoxAnswer ConsoleView::Ask() {
     mConsole.Write(mStrings.Text(Str::YesNoPrompt));
     const std::string answer = UpperCase(TrimBlanks(mConsole.ReadLine().value_or("")));
     const bool yes =
@@ -49,28 +45,16 @@ BoxAnswer ConsoleBoxes::Ask() {
     return yes ? BoxAnswer::Yes : BoxAnswer::No;
 }
 
-void ConsoleBoxes::Beep() {
+void ConsoleView::Beep() {
     mConsole.WriteError("\a");
 }
-
-// View ---------------------------------------------------------------------------------------
-
-ConsoleView::ConsoleView(Console& console, const StringTable& strings, ProgressLine& progress,
-                         ConsoleBoxes& boxes, std::string image, bool quiet)
-    : mConsole(console),
-      mStrings(strings),
-      mProgress(progress),
-      mBoxes(boxes),
-      mImage(std::move(image)),
-      mQuiet(quiet) {}
 
 void ConsoleView::HoldSystem(const std::string& reason) {
     mConsole.HoldSystem(reason);
 }
 
 bool ConsoleView::Confirm(const std::string& question) {
-    return mBoxes.Show(
-               {.text = question, .icon = BoxIcon::Question, .buttons = BoxButtons::YesNo}) ==
+    return Show({.text = question, .icon = BoxIcon::Question, .buttons = BoxButtons::YesNo}) ==
            BoxAnswer::Yes;
 }
 
@@ -80,7 +64,7 @@ void ConsoleView::ShowLine(std::int32_t index, std::int32_t last, std::int16_t e
 }
 
 void ConsoleView::ShowPercent(std::int16_t percent) {
-    if (!mQuiet) mProgress.Show(percent, mLine, mElapsed);
+    if (!mOptions.quiet) mProgress.Show(percent, mLine, mElapsed);
 }
 
 void ConsoleView::ShowWarning(const std::string& text) {
@@ -92,11 +76,11 @@ void ConsoleView::OpenStatus(const std::string& message) {
 }
 
 void ConsoleView::Report(BoxIcon icon, const std::string& text, const std::string& title) {
-    mBoxes.Show({.text = text, .title = title, .icon = icon});
+    Show({.text = text, .title = title, .icon = icon});
 }
 
 void ConsoleView::Print(const std::string& text) {
-    if (mQuiet) return;
+    if (mOptions.quiet) return;
     mProgress.Finish();
     mConsole.Write(ForConsole(text) + "\n");
 }

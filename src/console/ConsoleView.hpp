@@ -6,39 +6,25 @@
 #include <optional>
 #include <string>
 
+#include "console/Options.hpp"
 #include "console/ProgressLine.hpp"
 #include "flash/FlashView.hpp"
 #include "platform/MessageBoxes.hpp"
 
 namespace vantor {
 
-/// Boxes as text: the title above the message. Warnings and failures go to standard error.
-/// Questions are asked on the console unless they are answered in advance.
-class ConsoleBoxes : public MessageBoxes {
+/// The view of a session whose image is named on the command line, and the boxes of the error
+/// handler. It has no panels and no buttons; the interrupt key is the abort button. Of a box, the
+/// title stands above the message. Warnings and failures go to standard error. Questions are asked
+/// on the console unless `--yes` answers them in advance.
+class ConsoleView : public FlashView, public MessageBoxes {
 public:
-    ConsoleBoxes(Console& console, const StringTable& strings, ProgressLine& progress,
-                 bool alwaysYes)
-        : mConsole(console), mStrings(strings), mProgress(progress), mAlwaysYes(alwaysYes) {}
+    /// All outlive the view.
+    ConsoleView(Console& console, const StringTable& strings, ProgressLine& progress,
+                const Options& options)
+        : mConsole(console), mStrings(strings), mProgress(progress), mOptions(options) {}
 
     BoxAnswer Show(const MessageBoxRequest& request) override;
-    void Beep() override;
-
-private:
-    BoxAnswer Ask();
-
-    Console& mConsole;
-    const StringTable& mStrings;
-    ProgressLine& mProgress;
-    bool mAlwaysYes;
-};
-
-/// The view of a session whose image is named on the command line. It has no panels and no
-/// buttons; the interrupt key is the abort button.
-class ConsoleView : public FlashView {
-public:
-    /// `quiet` leaves out everything but boxes. All references outlive the view.
-    ConsoleView(Console& console, const StringTable& strings, ProgressLine& progress,
-                ConsoleBoxes& boxes, std::string image, bool quiet);
 
     bool AbortAllowed() const { return mAbortAllowed; }
 
@@ -46,7 +32,7 @@ public:
     // The view and the session are members of one object, which outlives every handler.
     std::shared_ptr<void> KeepAlive() override { return nullptr; }
     void Begin() override {}
-    std::optional<std::string> ChooseImage() override { return mImage; }
+    std::optional<std::string> ChooseImage() override { return mOptions.image; }
     void HoldSystem(const std::string& reason) override;
     void Busy(bool) override {}
     bool Confirm(const std::string& question) override;
@@ -55,7 +41,7 @@ public:
     void ShowLine(std::int32_t index, std::int32_t last, std::int16_t elapsedSeconds) override;
     void ShowPercent(std::int16_t percent) override;
     void ShowWarning(const std::string& text) override;
-    void Beep() override { mBoxes.Beep(); }
+    void Beep() override;
     void OpenStatus(const std::string& message) override;
     void CloseStatus() override {}
     void ShowAborted(const std::string&) override {}  // the report says it too
@@ -65,15 +51,14 @@ public:
     void Exit() override {}
 
 private:
-    /// Prints a line below the progress.
+    BoxAnswer Ask();
+    /// Prints a line below the progress, unless `--quiet` leaves out everything but boxes.
     void Print(const std::string& text);
 
     Console& mConsole;
     const StringTable& mStrings;
     ProgressLine& mProgress;
-    ConsoleBoxes& mBoxes;
-    std::string mImage;
-    bool mQuiet;
+    const Options& mOptions;
     bool mAbortAllowed = false;
     std::string mLine;  // as shown last
     std::string mElapsed;

@@ -4,12 +4,27 @@
 #include <string_view>
 
 #include "platform/StringTable.hpp"
-#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 namespace {
 
-/// One option: the field that it sets.
+// What options do.
+template <auto Field>
+void Store(Options& options, const std::string& value) {
+    options.*Field = value;
+}
+template <bool Options::*Flag>
+void Set(Options& options, const std::string&) {
+    options.*Flag = true;
+}
+template <Action Chosen>
+void Choose(Options& options, const std::string&) {
+    options.action = Chosen;
+}
+void AddFault(Options& options, const std::string& value) {
+    options.faults.push_back(value);
+}
+
 struct OptionRow {
     std::string_view letter;  ///< "-p", empty when there is none
     std::string_view name;    ///< "--port"
@@ -19,43 +34,25 @@ struct OptionRow {
 };
 
 constexpr std::array kOptions = {
-    OptionRow{"-p", "--port", "PORT", Str::OptionPort,
-              [](Options& o, const std::string& v) { o.port = v; }},
-    OptionRow{"-b", "--baud", "N", Str::OptionBaud,
-              [](Options& o, const std::string& v) { o.baud = v; }},
-    OptionRow{"", "--parity", "P", Str::OptionParity,
-              [](Options& o, const std::string& v) { o.parity = v; }},
-    OptionRow{"", "--data-bits", "N", Str::OptionDataBits,
-              [](Options& o, const std::string& v) { o.dataBits = v; }},
-    OptionRow{"", "--stop-bits", "N", Str::OptionStopBits,
-              [](Options& o, const std::string& v) { o.stopBits = v; }},
-    OptionRow{"-y", "--yes", "", Str::OptionYes,
-              [](Options& o, const std::string&) { o.yes = true; }},
-    OptionRow{"-q", "--quiet", "", Str::OptionQuiet,
-              [](Options& o, const std::string&) { o.quiet = true; }},
-    OptionRow{"", "--log", "FILE", Str::OptionLog,
-              [](Options& o, const std::string& v) { o.log = v; }},
-    OptionRow{"", "--practice", "", Str::OptionPractice,
-              [](Options& o, const std::string&) { o.practice = true; }},
-    OptionRow{"", "--fault", "FAULT", Str::OptionFault,
-              [](Options& o, const std::string& v) { o.faults.push_back(v); }},
-    OptionRow{"", "--list-ports", "", Str::OptionListPorts,
-              [](Options& o, const std::string&) { o.action = Action::ListPorts; }},
-    OptionRow{"", "--version", "", Str::OptionVersion,
-              [](Options& o, const std::string&) { o.action = Action::Version; }},
-    OptionRow{"-h", "--help", "", Str::OptionHelp,
-              [](Options& o, const std::string&) { o.action = Action::Help; }},
+    OptionRow{"-p", "--port", "PORT", Str::OptionPort, Store<&Options::port>},
+    OptionRow{"-b", "--baud", "N", Str::OptionBaud, Store<&Options::baud>},
+    OptionRow{"", "--parity", "P", Str::OptionParity, Store<&Options::parity>},
+    OptionRow{"", "--data-bits", "N", Str::OptionDataBits, Store<&Options::dataBits>},
+    OptionRow{"", "--stop-bits", "N", Str::OptionStopBits, Store<&Options::stopBits>},
+    OptionRow{"-y", "--yes", "", Str::OptionYes, Set<&Options::yes>},
+    OptionRow{"-q", "--quiet", "", Str::OptionQuiet, Set<&Options::quiet>},
+    OptionRow{"", "--log", "FILE", Str::OptionLog, Store<&Options::log>},
+    OptionRow{"", "--practice", "", Str::OptionPractice, Set<&Options::practice>},
+    OptionRow{"", "--fault", "FAULT", Str::OptionFault, AddFault},
+    OptionRow{"", "--list-ports", "", Str::OptionListPorts, Choose<Action::ListPorts>},
+    OptionRow{"", "--version", "", Str::OptionVersion, Choose<Action::Version>},
+    OptionRow{"-h", "--help", "", Str::OptionHelp, Choose<Action::Help>},
 };
 
 const OptionRow* FindOption(std::string_view name) {
     for (const OptionRow& row : kOptions)
         if (name == row.name || (!row.letter.empty() && name == row.letter)) return &row;
     return nullptr;
-}
-
-[[noreturn]] void Fail(const StringTable& strings, Str text, const std::string& first,
-                       const std::string& second = {}) {
-    throw RuntimeError(ErrorNumber::InvalidCall, Filled(strings.Text(text), first, second));
 }
 
 void Replace(std::string& text, std::string_view mark, const std::string& value) {
@@ -70,13 +67,13 @@ void ApplyOption(Options& options, const std::vector<std::string>& arguments, st
     const std::size_t equals = argument.starts_with("--") ? argument.find('=') : std::string::npos;
     const std::string name = argument.substr(0, equals);
     const OptionRow* const row = FindOption(name);
-    if (!row) Fail(strings, Str::UnknownOption, argument);
+    if (!row) throw Refusal(strings, Str::UnknownOption, argument);
     std::string value;
     if (equals != std::string::npos) {
         value = argument.substr(equals + 1);
-        if (row->value.empty()) Fail(strings, Str::OptionRefusesValue, value, name);
+        if (row->value.empty()) throw Refusal(strings, Str::OptionRefusesValue, value, name);
     } else if (!row->value.empty()) {
-        if (at + 1 == arguments.size()) Fail(strings, Str::OptionNeedsValue, name);
+        if (at + 1 == arguments.size()) throw Refusal(strings, Str::OptionNeedsValue, name);
         value = arguments[++at];
     }
     row->apply(options, value);
@@ -84,8 +81,9 @@ void ApplyOption(Options& options, const std::vector<std::string>& arguments, st
 
 void CheckTogether(const Options& options, const StringTable& strings) {
     if (options.action != Action::Flash) return;
-    if (options.image.empty()) Fail(strings, Str::NameOneImage, {});
-    if (!options.faults.empty() && !options.practice) Fail(strings, Str::FaultNeedsPractice, {});
+    if (options.image.empty()) throw Refusal(strings, Str::NameOneImage);
+    if (!options.faults.empty() && !options.practice)
+        throw Refusal(strings, Str::FaultNeedsPractice);
 }
 
 }  // namespace
@@ -100,7 +98,7 @@ Options ParseOptions(const std::vector<std::string>& arguments, const StringTabl
         } else if (!optionsEnded && argument.size() > 1 && argument.starts_with('-')) {
             ApplyOption(options, arguments, at, strings);
         } else {
-            if (!options.image.empty()) Fail(strings, Str::NameOneImage, {});
+            if (!options.image.empty()) throw Refusal(strings, Str::NameOneImage);
             options.image = argument;
         }
     }
@@ -126,6 +124,11 @@ std::string Filled(std::string text, const std::string& first, const std::string
     Replace(text, "%2", second);
     Replace(text, "%1", first);
     return text;
+}
+
+RuntimeError Refusal(const StringTable& strings, Str text, const std::string& first,
+                     const std::string& second) {
+    return RuntimeError(ErrorNumber::InvalidCall, Filled(strings.Text(text), first, second));
 }
 
 }  // namespace vantor

@@ -5,6 +5,9 @@
 #include <string>
 #include <vector>
 
+#include "resources/texts/Str.hpp"
+#include "support/errors/RuntimeError.hpp"
+
 namespace vantor {
 
 class StringTable;
@@ -37,5 +40,9 @@ std::string HelpText(const StringTable& strings);
 
 /// `text` with "%1" and "%2" replaced.
 std::string Filled(std::string text, const std::string& first, const std::string& second = {});
+
+/// An error that prevents a run: `text` with "%1" and "%2" replaced is shown, exit status 2.
+RuntimeError Refusal(const StringTable& strings, Str text, const std::string& first = {},
+                     const std::string& second = {});
 
 }  // namespace vantor

@@ -1,7 +1,6 @@
 #include "console/Practice.hpp"
 
 #include <stdexcept>
-#include <utility>
 
 #include "settings/CAppSettings.hpp"
 #include "support/Conversions.hpp"
@@ -18,19 +17,14 @@ IndicatorOptions OptionsFor(const CAppSettings& settings, const std::vector<std:
     IndicatorOptions options;
     options.bitsPerSecond = static_cast<std::uint32_t>(ToInt32(settings.BaudRate()));
     options.paced = true;
-    for (const std::string& fault : faults) options.faults.push_back(ParseFault(fault));
+    try {
+        for (const std::string& fault : faults) options.faults.push_back(ParseFault(fault));
+    } catch (const std::invalid_argument& error) {
+        throw RuntimeError(ErrorNumber::InvalidCall, error.what());
+    }
     // It rejects an invalid image line by line, as a real indicator would.
     Ignoring([&] { options.expected = FlashMemory::FromRecords(image); });
     return options;
-}
-
-IndicatorOptions CheckedOptions(const CAppSettings& settings,
-                                const std::vector<std::string>& faults, const std::string& image) {
-    try {
-        return OptionsFor(settings, faults, image);
-    } catch (const std::invalid_argument& error) {
-        throw RuntimeError(static_cast<std::int32_t>(ErrorNumber::InvalidCall), error.what());
-    }
 }
 
 }  // namespace
@@ -39,7 +33,7 @@ Practice::Practice(Clock& clock, const CAppSettings& settings,
                    const std::vector<std::string>& faults, const std::string& image)
     : mPump(clock),
       mPorts(mPump),
-      mIndicator(CheckedOptions(settings, faults, image)),
+      mIndicator(OptionsFor(settings, faults, image)),
       mFarEnd(mIndicator, clock) {
     for (int n = 1; n <= kHighestPort; ++n) mPorts.Plug("COM" + std::to_string(n), mFarEnd);
 }

@@ -21,9 +21,6 @@ public:
     /// Shows `percent` (0 to 100) with the session's texts for the line and the time.
     void Show(int percent, const std::string& status, const std::string& elapsed);
 
-    /// True from the first `Show` to `Finish`.
-    bool Running() const { return mRunning; }
-
     /// Ends the line, so that other text can follow. The next `Show` starts a new one.
     void Break();
     /// Ends the line and the progress; the next `Show` starts a new progress.

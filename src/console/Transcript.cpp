@@ -18,33 +18,16 @@ std::string Describe(const std::string& name, const LineSettings& line) {
 
 }  // namespace
 
-std::string Escaped(std::string_view bytes) {
-    std::string text;
-    for (const char c : bytes) {
-        const auto byte = static_cast<unsigned char>(c);
-        if (c == '\r') {
-            text += "\\r";
-        } else if (c == '\n') {
-            text += "\\n";
-        } else if (c == '\t') {
-            text += "\\t";
-        } else if (c == '\\') {
-            text += "\\\\";
-        } else if (byte >= 0x20 && byte < 0x7f) {
-            text += c;
-        } else {
-            constexpr std::string_view kDigits = "0123456789ABCDEF";
-            text.append("\\x").append(1, kDigits[byte >> 4]).append(1, kDigits[byte & 0x0fu]);
-        }
-    }
-    return text;
-}
-
-Transcript::Transcript(const std::string& path, const Clock& clock)
+Transcript::Transcript(const std::string& path, const Clock& clock, const RoundTrips& roundTrips)
     : mFile(std::filesystem::path(std::u8string(path.begin(), path.end())), std::ios::binary),
       mClock(clock),
+      mRoundTrips(roundTrips),
       mStart(clock.Milliseconds()) {
     if (!mFile) throw RuntimeError(ErrorNumber::PathFileAccess);
+}
+
+Transcript::~Transcript() {
+    for (const std::string& line : mRoundTrips.Summary()) Note("--", line);
 }
 
 void Transcript::Note(std::string_view mark, std::string_view text) {

@@ -6,36 +6,42 @@
 #include <string>
 #include <string_view>
 
+#include "console/RoundTrips.hpp"
 #include "console/Traffic.hpp"
 #include "platform/Clock.hpp"
+#include "support/text/Text.hpp"
 
 namespace vantor {
 
-/// `bytes` in readable form: printable ASCII unchanged, the rest as \r, \n, \t, \\ or \xHH.
-std::string Escaped(std::string_view bytes);
-
 /// A file with a line for each transfer: milliseconds since it was opened, direction ("->" to
-/// the indicator, "<-" from it, "--" for other events), escaped bytes.
+/// the indicator, "<-" from it, "--" for other events), escaped bytes. Ends with the summary of the
+/// session.
 class Transcript : public TrafficListener {
 public:
-    /// Raises RuntimeError 75 when `path` (UTF-8) cannot be written.
-    Transcript(const std::string& path, const Clock& clock);
-
-    void Note(std::string_view mark, std::string_view text);
+    /// Raises RuntimeError 75 when `path` (UTF-8) cannot be written. `clock` and `roundTrips`
+    /// outlive the transcript.
+    Transcript(const std::string& path, const Clock& clock, const RoundTrips& roundTrips);
+    ~Transcript() override;
+    Transcript(const Transcript&) = delete;
+    Transcript& operator=(const Transcript&) = delete;
 
     void Opened(const std::string& name, const LineSettings& line) override;
     void Refused(const std::string& name, const LineSettings& line,
                  const std::string& reason) override;
     void Closed() override { Note("--", "closed"); }
-    void Sent(std::string_view bytes) override { Note("->", Escaped(bytes)); }
-    void Received(std::string_view bytes) override { Note("<-", Escaped(bytes)); }
+    void Sent(std::string_view bytes) override { Note("->", Readable(bytes)); }
+    void Received(std::string_view bytes) override { Note("<-", Readable(bytes)); }
     void Discarded(std::string_view bytes) override {
         if (!bytes.empty()) Received(bytes);
     }
 
 private:
+    static std::string Readable(std::string_view bytes) { return Escaped(bytes, "\r\n\t"); }
+    void Note(std::string_view mark, std::string_view text);
+
     std::ofstream mFile;
     const Clock& mClock;
+    const RoundTrips& mRoundTrips;
     std::uint32_t mStart;
 };
 

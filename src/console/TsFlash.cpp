@@ -3,13 +3,11 @@
 #include <memory>
 #include <optional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "app/base/AppInfo.hpp"
 #include "app/base/CErrHandler.hpp"
 #include "console/ConsoleView.hpp"
-#include "console/ImageFiles.hpp"
 #include "console/Options.hpp"
 #include "console/Practice.hpp"
 #include "console/RoundTrips.hpp"
@@ -19,6 +17,7 @@
 #include "flash/FirmwareImage.hpp"
 #include "flash/FlashSession.hpp"
 #include "platform/Registry.hpp"
+#include "platform/headless/HeadlessFiles.hpp"
 #include "settings/CAppSettings.hpp"
 #include "support/Conversions.hpp"
 #include "support/Traps.hpp"
@@ -27,11 +26,6 @@
 
 namespace vantor {
 namespace {
-
-/// An error that prevents a run: shown as a message, exit status 2.
-RuntimeError Refusal(const StringTable& strings, Str text, const std::string& what) {
-    return RuntimeError(ErrorNumber::InvalidCall, Filled(strings.Text(text), what));
-}
 
 std::string Version() {
     const AppInfo app;
@@ -74,7 +68,7 @@ std::string OpenFailure(const SerialControl& comm, const StringTable& strings) {
             return Filled(strings.Text(known ? Str::PortInUseBy : Str::PortInUse), error->Device(),
                           error->Who());
         case PortOpenError::Reason::LineRefused:
-            return Filled(strings.Text(Str::PortRefusesLine), error->Device(), comm.Settings());
+            return Filled(strings.Text(Str::PortRefusesLine), error->Device(), comm.settings);
     }
     return {};
 }
@@ -85,13 +79,11 @@ void CheckSettings(Registry& registry, const StringTable& strings) {
         RegistryKey key = 0;
         if (registry.OpenKey(RegistryRoot::CurrentUser, "SOFTWARE", kRegistryQueryValue, key) ==
             kRegistrySuccess)
-            static_cast<void>(registry.CloseKey(key));
+            registry.CloseKey(key);
     } catch (const UnreadableStore& store) {
         const std::size_t line = store.DamagedLine();
-        throw RuntimeError(
-            ErrorNumber::InvalidCall,
-            Filled(strings.Text(line == 0 ? Str::SettingsFileUnreadable : Str::SettingsFileDamaged),
-                   store.File(), std::to_string(line)));
+        throw Refusal(strings, line == 0 ? Str::SettingsFileUnreadable : Str::SettingsFileDamaged,
+                      store.File(), std::to_string(line));
     }
 }
 
@@ -133,27 +125,10 @@ public:
     SinkScope& operator=(const SinkScope&) = delete;
 };
 
-/// Ends the transcript, if there is one, with the summary of the session.
-class LogEnd {
-public:
-    LogEnd(const std::unique_ptr<Transcript>& transcript, const RoundTrips& roundTrips)
-        : mTranscript(transcript), mRoundTrips(roundTrips) {}
-    ~LogEnd() {
-        if (!mTranscript) return;
-        for (const std::string& line : mRoundTrips.Summary()) mTranscript->Note("--", line);
-    }
-    LogEnd(const LogEnd&) = delete;
-    LogEnd& operator=(const LogEnd&) = delete;
-
-private:
-    const std::unique_ptr<Transcript>& mTranscript;
-    const RoundTrips& mRoundTrips;
-};
-
 /// One flash with everything that it needs; members are in construction order.
 class Run {
 public:
-    Run(NativePlatform& native, const Options& options, std::string image);
+    Run(NativePlatform& native, const Options& options, const std::string& image);
     Run(const Run&) = delete;
     Run& operator=(const Run&) = delete;
 
@@ -163,7 +138,7 @@ private:
     void LoadSettings();
     void Override(const std::optional<std::string>& value, const char* option,
                   void (CAppSettings::*set)(const std::string&));
-    std::unique_ptr<Practice> MakePractice();
+    std::unique_ptr<Practice> MakePractice(const std::string& image);
     std::unique_ptr<Transcript> MakeTranscript();
     std::vector<TrafficListener*> Listeners();
     SerialPorts& RealPorts() { return mPractice ? mPractice->Ports() : *mNative.ports; }
@@ -174,29 +149,27 @@ private:
 
     NativePlatform& mNative;
     const Options& mOptions;
-    ImageFiles mFiles;
+    // The session reads the image only after SYSLOAD. If the file were changed, removed or locked
+    // after the check, the indicator would be left without firmware.
+    HeadlessFiles mFiles;
     ProgressLine mProgress{*mNative.console, *mNative.clock, *mNative.strings};
-    ConsoleBoxes mBoxes{*mNative.console, *mNative.strings, mProgress, mOptions.yes};
+    ConsoleView mView{*mNative.console, *mNative.strings, mProgress, mOptions};
     CErrHandler mErrors{
-        {*mNative.clock, *mNative.files, *mNative.folders, mBoxes, *mNative.process}};
+        {*mNative.clock, *mNative.files, *mNative.folders, mView, *mNative.process}};
     SinkScope mSink{mErrors, *mNative.folders};
     CAppSettings mSettings{*mNative.registry, *mNative.codePage, *mNative.files};
     std::unique_ptr<Practice> mPractice;
-    std::unique_ptr<Transcript> mTranscript;
     RoundTrips mRoundTrips{*mNative.clock};
-    LogEnd mLogEnd{mTranscript, mRoundTrips};  // after the port's last entry, on every exit
+    std::unique_ptr<Transcript> mTranscript;  // outlives the ports, which make its last entry
     WatchedSerialPorts mPorts{RealPorts(), Listeners()};
     WatchedPump mPump;
-    ConsoleView mView{*mNative.console, *mNative.strings, mProgress,
-                      mBoxes,           mOptions.image,   mOptions.quiet};
     FlashSession mSession;
 };
 
-Run::Run(NativePlatform& native, const Options& options, std::string image)
+Run::Run(NativePlatform& native, const Options& options, const std::string& image)
     : mNative(native),
       mOptions(options),
-      mFiles(*native.files, options.image, std::move(image)),
-      mPractice((LoadSettings(), MakePractice())),
+      mPractice((LoadSettings(), MakePractice(image))),
       mTranscript(MakeTranscript()),
       mPump(mPractice ? mPractice->Pump() : *native.pump, [this] { Watch(); }),
       mSession(mView, mSettings,
@@ -204,7 +177,9 @@ Run::Run(NativePlatform& native, const Options& options, std::string image)
                 .files = mFiles,
                 .pump = mPump,
                 .ports = mPorts,
-                .strings = *native.strings}) {}
+                .strings = *native.strings}) {
+    mFiles.Add(options.image, image);
+}
 
 ExitStatus Run::Flash() {
     mSession.doFlash();
@@ -236,14 +211,12 @@ void Run::Override(const std::optional<std::string>& value, const char* option,
                    void (CAppSettings::*set)(const std::string&)) {
     if (!value) return;
     if (!Ignoring([&] { (mSettings.*set)(*value); }))
-        throw RuntimeError(ErrorNumber::InvalidCall,
-                           Filled(mNative.strings->Text(Str::OptionRefusesValue), *value, option));
+        throw Refusal(*mNative.strings, Str::OptionRefusesValue, *value, option);
 }
 
-std::unique_ptr<Practice> Run::MakePractice() {
+std::unique_ptr<Practice> Run::MakePractice(const std::string& image) {
     if (!mOptions.practice) return nullptr;
-    auto practice =
-        std::make_unique<Practice>(*mNative.clock, mSettings, mOptions.faults, mFiles.Image());
+    auto practice = std::make_unique<Practice>(*mNative.clock, mSettings, mOptions.faults, image);
     if (!mOptions.quiet) mNative.console->Write(mNative.strings->Text(Str::PracticeNotice) + "\n");
     return practice;
 }
@@ -251,7 +224,9 @@ std::unique_ptr<Practice> Run::MakePractice() {
 std::unique_ptr<Transcript> Run::MakeTranscript() {
     if (mOptions.log.empty()) return nullptr;
     std::unique_ptr<Transcript> transcript;
-    if (!Ignoring([&] { transcript = std::make_unique<Transcript>(mOptions.log, *mNative.clock); }))
+    if (!Ignoring([&] {
+            transcript = std::make_unique<Transcript>(mOptions.log, *mNative.clock, mRoundTrips);
+        }))
         throw Refusal(*mNative.strings, Str::TranscriptNotWritable, mOptions.log);
     return transcript;
 }
@@ -269,7 +244,7 @@ void Run::Watch() {
     if (mSession.Outcome() == FlashOutcome::NothingAccepted && !mSession.CloseRequested()) {
         mProgress.Finish();
         mNative.console->WriteError(mNative.strings->Text(Str::NoLineAccepted) + "\n");
-        static_cast<void>(mSession.RequestClose());
+        mSession.RequestClose();
     }
 }
 
@@ -304,11 +279,11 @@ ExitStatus CheckAndFlash(NativePlatform& native, const Options& options) {
     const StringTable& strings = *native.strings;
     if (!options.log.empty() && native.files->SameFile(options.log, options.image))
         throw Refusal(strings, Str::TranscriptIsImage, options.log);
-    std::string image = ReadImage(options.image, *native.files, strings);
+    const std::string image = ReadImage(options.image, *native.files, strings);
     CheckSettings(*native.registry, strings);
     if (!options.yes && !native.console->InputIsTerminal())
-        throw Refusal(strings, Str::NoTerminalForQuestion, {});
-    return Run(native, options, std::move(image)).Flash();
+        throw Refusal(strings, Str::NoTerminalForQuestion);
+    return Run(native, options, image).Flash();
 }
 
 }  // namespace

@@ -12,41 +12,25 @@ namespace vantor {
 class Files;
 
 /// The lines of an image, indexed from 0, as bytes without terminators. Lines are views into
-/// the file's text, which the list owns. They are stored in blocks, so that growing by a step
-/// moves no existing entry.
+/// the file's text, which the list owns. Movable.
 class ImageLines {
 public:
+    /// A list that was never sized.
     ImageLines() = default;
-    ImageLines(ImageLines&&) = default;
-    ImageLines& operator=(ImageLines&&) = default;
-    ImageLines(const ImageLines&) = delete;
-    ImageLines& operator=(const ImageLines&) = delete;
-
     /// Splits `text` at each line feed; a carriage return before it is part of the terminator.
     /// Text after the last line feed is a line too; an empty text is one empty line.
     explicit ImageLines(std::string text);
 
     /// The last index. Raises RuntimeError 9 when the list was never sized.
     std::size_t UBound() const;
-    bool Sized() const { return mSized; }
+    bool Sized() const { return !mLines.empty(); }
 
     /// Line `index`. Raises RuntimeError 9 beyond the last one.
     std::string_view operator[](std::size_t index) const;
 
 private:
-    // Space for the indices 0 to 15000 initially, then 5000 more at a time.
-    static constexpr std::size_t kFirstSize = 15001;
-    static constexpr std::size_t kStep = 5000;
-    using Block = std::unique_ptr<std::string_view[]>;
-
-    std::string_view& Slot(std::size_t index) const;
-    void Split();
-
     std::unique_ptr<const std::string> mText;  // keeps its address when the list is moved
-    Block mFirst;
-    std::vector<Block> mSteps;
-    std::size_t mCount = 0;
-    bool mSized = false;
+    std::vector<std::string_view> mLines;
 };
 
 /// Reads the image at `path`. A missing file gives an unsized list without a message; a read error

@@ -58,7 +58,7 @@ void FlashSession::doFlash() {
     // Also after an error: close the port and re-enable the window.
     const auto restore = [this] {
         mView.HoldSystem({});
-        mobjComm.ClosePort();
+        mobjComm.Close();
         tmrFlashTimeout.Enabled(false);
         mView.CloseStatus();
         mView.End();
@@ -111,8 +111,8 @@ bool FlashSession::Confirmed() {
 }
 
 bool FlashSession::OpenPort() {
-    mobjComm.OpenPort();
-    if (mobjComm.PortOpen()) return true;
+    mobjComm.Open();
+    if (mobjComm.IsOpen()) return true;
     Fail(FlashOutcome::PortNotOpen, BoxIcon::Exclamation, Str::PortNotOpened);
     return false;
 }
@@ -134,9 +134,9 @@ bool FlashSession::Handshake() {
 }
 
 void FlashSession::SpeedUp() {
-    mobjComm.ClosePort();
-    mobjComm.Settings(mLink.SettingsAt("115200"));
-    mobjComm.OpenPort();
+    mobjComm.Close();
+    mobjComm.settings = mLink.SettingsAt("115200");
+    mobjComm.Open();
     mLink.Wait(4000);
 }
 
@@ -262,7 +262,7 @@ void FlashSession::VerdictDone() {
     mFlags.mblnFlashing = false;
     mobjComm.Output("BOOT\r");
     while (mobjComm.OutBufferCount() >= 1 && !mView.Gone()) DoEventsNice(mServices.pump);
-    mobjComm.ClosePort();
+    mobjComm.Close();
     Report(BoxIcon::Information, Text(Str::DownloadComplete), Text(Str::FlashSuccessful));
     mView.ClearProgress();
     mobjComm.ReceiveThreshold(0);
@@ -276,7 +276,7 @@ void FlashSession::VerdictVerifyFailed() {
     Report(BoxIcon::Critical,
            Text(Str::CriticalFlashFailure) + " " + kParagraph + Text(Str::ReturnForRepair),
            Text(Str::CriticalErrorTitle));
-    mobjComm.ClosePort();
+    mobjComm.Close();
     mFlags.mblnFlashing = false;
     mView.ClearProgress();
     mstrReply.clear();
@@ -286,7 +286,7 @@ void FlashSession::VerdictVerifyFailed() {
 void FlashSession::tmrFlashTimeout_Timer() {
     Ignoring([this] { mView.CloseStatus(); });
     Ignoring([this] { tmrFlashTimeout.Enabled(false); });
-    Ignoring([this] { mobjComm.ClosePort(); });
+    Ignoring([this] { mobjComm.Close(); });
     mOutcome = FlashOutcome::NoVerdict;
     mFlags.mblnFlashing = false;
     Ignoring([this] { mView.ClearProgress(); });

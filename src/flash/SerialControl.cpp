@@ -4,7 +4,7 @@ namespace vantor {
 
 void SerialControl::ReceiveThreshold(std::size_t bytes) {
     mReceiveThreshold = bytes;
-    mPort.Notify(Listener());
+    Notify(Listener());
     RaiseIfReached();
 }
 

@@ -35,8 +35,8 @@ void SerialLink::SetupCommPortFlash() {
         // An open control is always raw, without echo or flow control. The only state that an
         // earlier session can leave is the receive threshold.
         mComm.ReceiveThreshold(0);
-        mComm.Port(mSettings.CommPort());
-        mComm.Settings(SettingsAt(mSettings.BaudRate()));
+        mComm.name = mSettings.CommPort();
+        mComm.settings = SettingsAt(mSettings.BaudRate());
     });
 }
 
@@ -47,7 +47,7 @@ std::string SerialLink::SettingsAt(std::string_view speed) const {
 
 void SerialLink::RawSend(std::string_view text) {
     Raising("Morvane.frmMain.RawSend", [&] {
-        if (mComm.PortOpen()) mComm.Output(text);
+        if (mComm.IsOpen()) mComm.Output(text);
     });
 }
 
@@ -68,7 +68,7 @@ void SerialLink::SendData(std::string& text, bool paced, SendResult& result) {
             if (text.ends_with("\r\n")) text.pop_back();
             if (!text.ends_with('\r')) text += '\r';
             // After an abort or close request a command would start a stage that nobody completes.
-            if (!mComm.PortOpen() || EndWanted()) return;
+            if (!mComm.IsOpen() || EndWanted()) return;
             const std::int32_t start = mClock.Ticks();
             if (paced)
                 DelayedSend(text);
@@ -88,7 +88,7 @@ SendResult SerialLink::AwaitReply(std::int32_t start) {
             reply += mComm.Input();
             if (const auto result = ReplyIn(reply)) return *result;
         }
-        if (late || EndWanted() || !mComm.PortOpen()) return SendResult::SendFailed;
+        if (late || EndWanted() || !mComm.IsOpen()) return SendResult::SendFailed;
         DoEventsNice(mPump);
         // An open menu may have blocked the pump past the time limit, so input that arrived
         // meanwhile is checked before the time-out applies.

@@ -3,42 +3,25 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
-#include <system_error>
 #include <utility>
 
 #include "simulator/SerialRecord.hpp"
+#include "support/text/Text.hpp"
 
 namespace vantor {
 
 namespace {
 
 constexpr std::string_view kBaud = "BAUD ";
-constexpr std::array<std::uint32_t, 8> kSpeeds{1200, 2400, 4800, 9600, 19200, 38400, 57600, 115200};
+constexpr std::array<std::int64_t, 8> kSpeeds{1200, 2400, 4800, 9600, 19200, 38400, 57600, 115200};
 
 }  // namespace
-
-std::string_view AnswerText(Answer answer) {
-    switch (answer) {
-        case Answer::None:
-            return "";
-        case Answer::Ok:
-            return "OK\r\n";
-        case Answer::Refused:
-            return "??\r\n";
-        case Answer::Done:
-            return "DONE\r\n";
-        case Answer::VerifyFailed:
-            return "VERIFY FAILED\r\n";
-    }
-    return "";
-}
 
 BootMonitor::BootMonitor(std::uint32_t firstSpeed, std::optional<FlashMemory> expected)
     : mFirstSpeed(firstSpeed), mExpected(std::move(expected)), mBitsPerSecond(firstSpeed) {}
 
-Answer BootMonitor::TakeLine(std::string_view line) {
-    if (line.find_first_not_of(' ') == std::string_view::npos) return Answer::None;
+std::string_view BootMonitor::TakeLine(std::string_view line) {
+    if (TrimBlanks(line).empty()) return {};
     switch (mState) {
         case State::Idle:
         case State::Ready:
@@ -47,18 +30,18 @@ Answer BootMonitor::TakeLine(std::string_view line) {
         case State::Writing:
             return TakeRecord(line);
         case State::Verified:
-            if (line != "BOOT") return Answer::Refused;
+            if (line != "BOOT") return kReplyRefused;
             PowerCycle();
-            return Answer::None;
+            return {};
     }
-    return Answer::None;
+    return {};
 }
 
-Answer BootMonitor::FinishWriting(bool fail) {
+std::string_view BootMonitor::FinishWriting(bool fail) {
     const bool whole = !mExpected || mMemory == *mExpected;
     const bool done = whole && !fail;
     mState = done ? State::Verified : State::Ready;
-    return done ? Answer::Done : Answer::VerifyFailed;
+    return done ? kReplyDone : kReplyVerifyFailed;
 }
 
 void BootMonitor::PowerCycle() {
@@ -67,42 +50,39 @@ void BootMonitor::PowerCycle() {
     mAwaitsNewSpeed = false;
 }
 
-Answer BootMonitor::TakeCommand(std::string_view line) {
+std::string_view BootMonitor::TakeCommand(std::string_view line) {
     HeardHost();
     if (line == "TRAV") {
         mState = State::Ready;
-        return Answer::Ok;
+        return kReplyOk;
     }
-    if (mState == State::Idle) return Answer::Refused;
+    if (mState == State::Idle) return kReplyRefused;
     if (line.starts_with(kBaud)) return ChangeSpeed(line.substr(kBaud.size()));
-    if (line != "SYSLOAD") return Answer::Refused;
+    if (line != "SYSLOAD") return kReplyRefused;
     mMemory.Clear();
     mState = State::Image;
-    return Answer::Ok;
+    return kReplyOk;
 }
 
-Answer BootMonitor::ChangeSpeed(std::string_view digits) {
-    std::uint32_t speed = 0;
-    const char* const end = digits.data() + digits.size();
-    const auto [stop, error] = std::from_chars(digits.data(), end, speed);
-    const bool known = std::find(kSpeeds.begin(), kSpeeds.end(), speed) != kSpeeds.end();
-    if (error != std::errc{} || stop != end || !known) return Answer::Refused;
-    mBitsPerSecond = speed;
+std::string_view BootMonitor::ChangeSpeed(std::string_view digits) {
+    const auto speed = ParseInteger(digits);
+    if (!speed || std::ranges::find(kSpeeds, *speed) == kSpeeds.end()) return kReplyRefused;
+    mBitsPerSecond = static_cast<std::uint32_t>(*speed);
     mAwaitsNewSpeed = true;
-    return Answer::Ok;
+    return kReplyOk;
 }
 
-Answer BootMonitor::TakeRecord(std::string_view line) {
+std::string_view BootMonitor::TakeRecord(std::string_view line) {
     const auto record = SerialRecord::Parse(line);
-    if (!record) return Answer::Refused;
+    if (!record) return kReplyRefused;
     if (record->IsEnd()) {
         mState = State::Writing;
-        return Answer::Ok;
+        return kReplyOk;
     }
     // Records after the end record are not part of the image.
-    if (mState == State::Writing) return Answer::Refused;
+    if (mState == State::Writing) return kReplyRefused;
     if (record->IsData()) mMemory.Write(record->address, record->data);
-    return Answer::Ok;
+    return kReplyOk;
 }
 
 }  // namespace vantor

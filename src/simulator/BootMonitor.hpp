@@ -10,10 +10,11 @@
 
 namespace vantor {
 
-enum class Answer : std::uint8_t { None, Ok, Refused, Done, VerifyFailed };
-
-/// The reply as transmitted, CR LF included; empty for `None`.
-std::string_view AnswerText(Answer answer);
+/// The replies as transmitted. No reply is an empty text.
+inline constexpr std::string_view kReplyOk = "OK\r\n";
+inline constexpr std::string_view kReplyRefused = "??\r\n";
+inline constexpr std::string_view kReplyDone = "DONE\r\n";
+inline constexpr std::string_view kReplyVerifyFailed = "VERIFY FAILED\r\n";
 
 class BootMonitor {
 public:
@@ -32,11 +33,11 @@ public:
     /// Processes a line, given without its CR. A blank line is ignored and gets no reply.
     /// After an accepted BAUD `BitsPerSecond` returns the new speed; the caller sends the reply at
     /// the old one.
-    Answer TakeLine(std::string_view line);
+    std::string_view TakeLine(std::string_view line);
 
     /// Ends `Writing` with the verdict: `Verified` after "DONE", `Ready` after "VERIFY FAILED".
     /// `fail` forces the latter.
-    Answer FinishWriting(bool fail);
+    std::string_view FinishWriting(bool fail);
 
     /// Resets to `Idle` at the first speed. Flash memory keeps its contents.
     void PowerCycle();
@@ -50,9 +51,9 @@ public:
     const FlashMemory& Memory() const { return mMemory; }
 
 private:
-    Answer TakeCommand(std::string_view line);
-    Answer ChangeSpeed(std::string_view digits);
-    Answer TakeRecord(std::string_view line);
+    std::string_view TakeCommand(std::string_view line);
+    std::string_view ChangeSpeed(std::string_view digits);
+    std::string_view TakeRecord(std::string_view line);
 
     std::uint32_t mFirstSpeed;
     std::optional<FlashMemory> mExpected;

@@ -3,39 +3,20 @@
 
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <stdexcept>
 #include <string>
-#include <system_error>
+
+#include "support/text/Text.hpp"
 
 namespace vantor {
 
 namespace {
 
-struct Spelling {
-    std::string_view name;
-    FaultKind kind;
-    bool ofLine;
-};
-
-constexpr std::array<Spelling, 16> kSpellings{{
-    {"nak", FaultKind::Nak, true},
-    {"silent", FaultKind::Silent, true},
-    {"late", FaultKind::Late, true},
-    {"drop", FaultKind::Drop, true},
-    {"garble", FaultKind::Garble, true},
-    {"noise", FaultKind::Noise, true},
-    {"split", FaultKind::Split, true},
-    {"done", FaultKind::Done, true},
-    {"verify", FaultKind::Verify, true},
-    {"hangup", FaultKind::Hangup, true},
-    {"no-trav", FaultKind::NoTrav, false},
-    {"no-baud", FaultKind::NoBaud, false},
-    {"no-sysload", FaultKind::NoSysload, false},
-    {"verify-failed", FaultKind::VerifyFailed, false},
-    {"no-verdict", FaultKind::NoVerdict, false},
-    {"split-verdict", FaultKind::SplitVerdict, false},
-}};
+// In the order of FaultKind.
+constexpr std::array<std::string_view, 16> kNames{
+    "nak",        "silent",        "late",       "drop",         "garble",  "noise",
+    "split",      "done",          "verify",     "hangup",       "no-trav", "no-baud",
+    "no-sysload", "verify-failed", "no-verdict", "split-verdict"};
 
 constexpr std::int64_t kLongestDelayMs = 3'600'000;
 constexpr std::int64_t kLargestCount = 1'000'000;
@@ -46,14 +27,12 @@ constexpr std::int64_t kLargestCount = 1'000'000;
 
 std::int64_t Number(std::string_view digits, std::int64_t least, std::int64_t most,
                     std::string_view text, const std::string& what) {
-    std::int64_t value = 0;
-    const char* const end = digits.data() + digits.size();
-    const auto [stop, error] = std::from_chars(digits.data(), end, value);
-    if (error != std::errc{} || stop != end || value < least || value > most) {
+    const auto value = ParseInteger(digits);
+    if (!value || *value < least || *value > most) {
         Reject(text,
                "needs " + what + " from " + std::to_string(least) + " to " + std::to_string(most));
     }
-    return value;
+    return *value;
 }
 
 // Splits `text` at the first `mark`: returns the part before it and puts the part after it into
@@ -84,14 +63,13 @@ Fault ParseFault(std::string_view text) {
     std::string_view value;
     const std::string_view left = Before(text, '@', place);
     const std::string_view name = Before(left, '=', value);
-    const auto* const spelling = std::find_if(kSpellings.begin(), kSpellings.end(),
-                                              [&](const Spelling& s) { return s.name == name; });
-    if (spelling == kSpellings.end()) Reject(text, "is of no known kind");
+    const auto* const found = std::ranges::find(kNames, name);
+    if (found == kNames.end()) Reject(text, "is of no known kind");
 
     Fault fault;
-    fault.kind = spelling->kind;
+    fault.kind = static_cast<FaultKind>(found - kNames.begin());
     SetValue(fault, left.size() != name.size(), value, text);
-    if (!spelling->ofLine) {
+    if (!IsLineFault(fault.kind)) {
         if (left.size() != text.size()) Reject(text, "is of a stage and takes no line after \"@\"");
         return fault;
     }

@@ -29,6 +29,11 @@ enum class FaultKind : std::uint8_t {
     SplitVerdict,  ///< the verdict in chunks, 100 ms apart
 };
 
+/// True for a fault of one line, false for one of a stage.
+constexpr bool IsLineFault(FaultKind kind) {
+    return kind <= FaultKind::Hangup;
+}
+
 struct Fault {
     FaultKind kind = FaultKind::Nak;
     /// Line faults: index of the distinct image line in a session, from 0. A line equal to the

@@ -1,10 +1,11 @@
 #include "simulator/RunningMode.hpp"
-#include "support/text/Text.hpp"
 
 #include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdio>
+
+#include "support/text/Text.hpp"
 
 namespace vantor {
 namespace {
@@ -13,11 +14,11 @@ constexpr int kLoadHundredths = 125'40;
 constexpr std::size_t kLongestLine = 80;
 constexpr std::string_view kLineEnd = "\r\n";
 
-std::string_view Trimmed(std::string_view text) {
-    while (text.starts_with(' ')) text.remove_prefix(1);
-    while (text.ends_with(' ')) text.remove_suffix(1);
-    return text;
-}
+constexpr std::string_view kHelp =
+    "GROSS  NET  TARE?      a weight\r\n"
+    "ZERO  TARE  CLEAR      an action\r\n"
+    "UNITS  DECIMALS  ID    a setting; with =VALUE it is changed\r\n"
+    "VERSION\r\n";
 
 }  // namespace
 
@@ -34,7 +35,7 @@ std::string RunningMode::TakeCharacter(char character) {
         return "\b \b";
     }
     if (character == '\r') {
-        std::string answer = Answer(Trimmed(mLine));
+        std::string answer = Answer(TrimBlanks(mLine));
         mLine.clear();
         return std::string(kLineEnd) + answer;
     }
@@ -49,10 +50,10 @@ std::string RunningMode::Answer(std::string_view line) {
     if (command.empty()) return {};
     const std::size_t equals = command.find('=');
     if (equals != std::string::npos)
-        return Set(Trimmed(std::string_view(command).substr(0, equals)),
-                   std::string(Trimmed(line.substr(equals + 1)))) +
+        return Set(TrimBlanks(std::string_view(command).substr(0, equals)),
+                   std::string(TrimBlanks(line.substr(equals + 1)))) +
                std::string(kLineEnd);
-    if (command == "HELP") return Help();
+    if (command == "HELP") return std::string(kHelp);
     std::string answer = "??";
     if (command == "GROSS" || command == "NET" || command == "TARE?") answer = Weight(command);
     if (command == "VERSION") answer = "M40 V2.05";
@@ -94,13 +95,6 @@ std::string RunningMode::Weight(std::string_view kind) const {
     std::snprintf(text.data(), text.size(), "%10.*f %s %c", mDecimals.front() - '0',
                   hundredths / 100.0, mUnits.c_str(), kind.front());
     return text.data();
-}
-
-std::string RunningMode::Help() const {
-    return "GROSS  NET  TARE?      a weight\r\n"
-           "ZERO  TARE  CLEAR      an action\r\n"
-           "UNITS  DECIMALS  ID    a setting; with =VALUE it is changed\r\n"
-           "VERSION\r\n";
 }
 
 }  // namespace vantor

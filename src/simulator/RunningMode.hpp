@@ -19,7 +19,6 @@ private:
     std::string Answer(std::string_view line);
     std::string Set(std::string_view name, const std::string& value);
     std::string Weight(std::string_view kind) const;
-    std::string Help() const;
 
     std::string mLine;
     std::string mUnits = "kg";

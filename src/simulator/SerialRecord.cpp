@@ -2,7 +2,11 @@
 #include "simulator/SerialRecord.hpp"
 
 #include <array>
+#include <charconv>
 #include <cstddef>
+#include <system_error>
+
+#include "support/text/Text.hpp"
 
 namespace vantor {
 
@@ -16,30 +20,19 @@ std::size_t AddressBytes(char type) {
     return type >= '0' && type <= '9' ? kAddressBytes[static_cast<std::size_t>(type - '0')] : 0;
 }
 
-int HexDigit(char c) {
-    if (c >= '0' && c <= '9') return c - '0';
-    if (c >= 'A' && c <= 'F') return c - 'A' + 10;
-    if (c >= 'a' && c <= 'f') return c - 'a' + 10;
-    return -1;
-}
-
 std::optional<std::vector<std::uint8_t>> HexBytes(std::string_view digits) {
     if (digits.size() % 2 != 0) return std::nullopt;
     std::vector<std::uint8_t> bytes;
     bytes.reserve(digits.size() / 2);
     for (std::size_t i = 0; i < digits.size(); i += 2) {
-        const int high = HexDigit(digits[i]);
-        const int low = HexDigit(digits[i + 1]);
-        if (high < 0 || low < 0) return std::nullopt;
-        bytes.push_back(static_cast<std::uint8_t>(high * 16 + low));
+        const std::string_view pair = digits.substr(i, 2);
+        std::uint8_t byte = 0;
+        const auto [stop, error] =
+            std::from_chars(pair.data(), pair.data() + pair.size(), byte, 16);
+        if (error != std::errc{} || stop != pair.data() + pair.size()) return std::nullopt;
+        bytes.push_back(byte);
     }
     return bytes;
-}
-
-void AppendHex(std::string& text, unsigned byte) {
-    constexpr std::string_view digits = "0123456789ABCDEF";
-    text += digits[(byte >> 4) & 0xF];
-    text += digits[byte & 0xF];
 }
 
 }  // namespace
@@ -71,14 +64,15 @@ std::string SerialRecord::Format() const {
     const std::size_t addressBytes = AddressBytes(type);
     std::string line{'S', type};
     unsigned sum = 0;
-    const auto append = [&](unsigned byte) {
-        sum += byte & 0xFF;
-        AppendHex(line, byte);
+    const auto append = [&](std::size_t value) {
+        const auto byte = static_cast<std::uint8_t>(value);
+        sum += byte;
+        line += HexDigits(byte);
     };
-    append(static_cast<unsigned>(addressBytes + data.size() + 1));
-    for (std::size_t i = addressBytes; i-- > 0;) append((address >> (8 * i)) & 0xFF);
+    append(addressBytes + data.size() + 1);
+    for (std::size_t i = addressBytes; i-- > 0;) append(address >> (8 * i));
     for (const std::uint8_t byte : data) append(byte);
-    AppendHex(line, ~sum & 0xFF);
+    append(~sum);
     return line;
 }
 

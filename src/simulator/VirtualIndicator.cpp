@@ -2,7 +2,10 @@
 #include "simulator/VirtualIndicator.hpp"
 
 #include <algorithm>
+#include <bitset>
 #include <utility>
+
+#include "support/text/Text.hpp"
 
 namespace vantor {
 
@@ -23,77 +26,38 @@ Nanos ToNanos(Micros micros) {
     return micros * kNanosPerMicro;
 }
 
-bool IsBlank(std::string_view line) {
-    return line.find_first_not_of(' ') == std::string_view::npos;
-}
-
 }  // namespace
 
 // The combined faults for one arrival of a line.
 struct VirtualIndicator::LineFaults {
-    bool hangup = false;
-    bool silent = false;
-    bool refuse = false;
-    bool drop = false;
-    bool garble = false;
-    bool noise = false;
+    std::bitset<16> kinds;
     Nanos late = 0;
-    Delivery delivery;
-    std::optional<Answer> instead;
+    std::optional<std::string_view> instead;  // the reply in place of the monitor's
 
     void Add(const Fault& fault);
+    bool Has(FaultKind kind) const { return kinds.test(static_cast<std::size_t>(kind)); }
     // The line as received. Both kinds of corruption hit the middle, where every record has
     // digits: a missing or changed digit must fail the monitor's checks.
     std::string Damaged(std::string line) const;
 };
 
 void VirtualIndicator::LineFaults::Add(const Fault& fault) {
-    switch (fault.kind) {
-        case FaultKind::Nak:
-            refuse = true;
-            break;
-        case FaultKind::Silent:
-            silent = true;
-            break;
-        case FaultKind::Late:
-            late += fault.lateMs * kNanosPerMilli;
-            break;
-        case FaultKind::Drop:
-            drop = true;
-            break;
-        case FaultKind::Garble:
-            garble = true;
-            break;
-        case FaultKind::Noise:
-            noise = true;
-            break;
-        case FaultKind::Split:
-            delivery = {1, kSplitGap};
-            break;
-        case FaultKind::Done:
-            instead = Answer::Done;
-            break;
-        case FaultKind::Verify:
-            instead = Answer::VerifyFailed;
-            break;
-        case FaultKind::Hangup:
-            hangup = true;
-            break;
-        default:
-            break;
-    }
+    kinds.set(static_cast<std::size_t>(fault.kind));
+    if (fault.kind == FaultKind::Late) late += fault.lateMs * kNanosPerMilli;
+    if (fault.kind == FaultKind::Done) instead = kReplyDone;
+    if (fault.kind == FaultKind::Verify) instead = kReplyVerifyFailed;
 }
 
 std::string VirtualIndicator::LineFaults::Damaged(std::string line) const {
-    if (garble) line[line.size() / 2] = static_cast<char>(line[line.size() / 2] ^ 1);
-    if (drop) line.erase(line.size() / 2, 1);
+    if (Has(FaultKind::Garble))
+        line[line.size() / 2] = static_cast<char>(line[line.size() / 2] ^ 1);
+    if (Has(FaultKind::Drop)) line.erase(line.size() / 2, 1);
     return line;
 }
 
 VirtualIndicator::VirtualIndicator(IndicatorOptions options)
     : mOptions(std::move(options)),
-      mMonitor(mOptions.bitsPerSecond, std::move(mOptions.expected)),
-      mFaultUses(mOptions.faults.size()) {}
+      mMonitor(mOptions.bitsPerSecond, std::move(mOptions.expected)) {}
 
 void VirtualIndicator::HostLine(const LineSettings& line, Micros now) {
     Advance(ToNanos(now));
@@ -129,12 +93,7 @@ std::string VirtualIndicator::Transmit(Micros now) {
 }
 
 void VirtualIndicator::Arise(const Fault& fault) {
-    if (fault.kind <= FaultKind::Hangup) {
-        mArisen.push_back(fault);
-    } else {
-        mOptions.faults.push_back(fault);
-        mFaultUses.push_back(0);
-    }
+    (IsLineFault(fault.kind) ? mArisen : mOptions.faults).push_back(fault);
 }
 
 std::optional<Micros> VirtualIndicator::NextDue() const {
@@ -201,76 +160,59 @@ void VirtualIndicator::Hear(const Incoming& incoming) {
 
 void VirtualIndicator::TakeLine(const std::string& line, Nanos at) {
     using State = BootMonitor::State;
-    const State state = mMonitor.CurrentState();
-    if (state == State::Verified && line != "BOOT") {
+    const State before = mMonitor.CurrentState();
+    if (before == State::Verified && line != "BOOT") {
         mViolations.push_back("After the verdict DONE the host sent \"" + line +
                               "\" instead of BOOT.");
     }
-    if (IsBlank(line)) return;  // gets no reply, so no fault applies to it
-    if (state == State::Image || state == State::Writing) {
-        TakeImageLine(line, at);
-    } else {
-        TakeCommand(line, at);
-    }
-}
-
-void VirtualIndicator::TakeCommand(const std::string& line, Nanos at) {
-    using State = BootMonitor::State;
-    const State before = mMonitor.CurrentState();
-    LineFaults faults;
+    if (TrimBlanks(line).empty()) return;  // gets no reply, so no fault applies to it
+    const bool ofImage = before == State::Image || before == State::Writing;
+    LineFaults faults = ofImage ? FaultsOfImageLine(line) : FaultsOfCommand(line);
     AddArisen(faults);
-    if (faults.hangup) return HangUp();
+    if (faults.Has(FaultKind::Hangup)) return HangUp();
+
     // The reply to BAUD goes out at the old speed.
     const std::uint32_t speed = mMonitor.BitsPerSecond();
-    const Nanos ready = at + ToNanos(mOptions.think);
-    if (const Fault* const refusal = RefusalOf(line)) {
-        faults.silent |= refusal->silent;
-        faults.refuse = true;
+    std::string_view reply = kReplyRefused;
+    if (faults.Has(FaultKind::Silent) || faults.Has(FaultKind::Nak)) {
+        mMonitor.HeardHost();
+        if (faults.Has(FaultKind::Silent)) return;
+    } else {
+        reply = mMonitor.TakeLine(faults.Damaged(line));
     }
-    if (faults.silent || faults.refuse) mMonitor.HeardHost();
-    if (faults.silent) return;
-    Say(faults, AnswerTo(line, faults), ready, speed);
-    if (mMonitor.CurrentState() == State::Image) {
+    const Nanos said =
+        Say(faults, faults.instead.value_or(reply), at + ToNanos(mOptions.think), speed);
+    const State after = mMonitor.CurrentState();
+    if (after == before) return;
+    if (after == State::Image) {
         mPrevious.reset();
         mLineNumber = 0;
     }
-    if (before == State::Verified && mMonitor.CurrentState() == State::Idle) EndSession(true);
-}
-
-void VirtualIndicator::TakeImageLine(const std::string& line, Nanos at) {
-    using State = BootMonitor::State;
-    const LineFaults faults = FaultsOf(line);
-    if (faults.hangup) return HangUp();
-    if (faults.silent) return;
-
-    const bool imageOpen = mMonitor.CurrentState() == State::Image;
-    const Answer answer = AnswerTo(line, faults);
-    const Nanos ready = at + ToNanos(mOptions.think);
-    const Nanos said = Say(faults, answer, ready, mMonitor.BitsPerSecond());
     // Writing begins when the acknowledgement is out, so that the verdict cannot overtake a late
     // one.
-    if (imageOpen && mMonitor.CurrentState() == State::Writing) {
-        mVerdictAt = said + ToNanos(mOptions.writeFlash);
-    }
+    if (after == State::Writing) mVerdictAt = said + ToNanos(mOptions.writeFlash);
+    if (before == State::Verified) EndSession(true);
 }
 
-Answer VirtualIndicator::AnswerTo(const std::string& line, const LineFaults& faults) {
-    Answer answer = Answer::Refused;
-    if (!faults.refuse) answer = mMonitor.TakeLine(faults.Damaged(line));
-    return faults.instead.value_or(answer);
-}
-
-VirtualIndicator::LineFaults VirtualIndicator::FaultsOf(const std::string& line) {
+VirtualIndicator::LineFaults VirtualIndicator::FaultsOfImageLine(const std::string& line) {
     if (mPrevious && *mPrevious != line) ++mLineNumber;
     mPrevious = line;
     LineFaults faults;
-    for (std::size_t i = 0; i < mOptions.faults.size(); ++i) {
-        const Fault& fault = mOptions.faults[i];
-        if (fault.line != mLineNumber || mFaultUses[i] == fault.times) continue;
-        ++mFaultUses[i];
+    for (Fault& fault : mOptions.faults) {
+        if (fault.line != mLineNumber || fault.times == 0) continue;
+        --fault.times;
         faults.Add(fault);
     }
-    AddArisen(faults);
+    return faults;
+}
+
+VirtualIndicator::LineFaults VirtualIndicator::FaultsOfCommand(std::string_view command) const {
+    LineFaults faults;
+    const Fault* refusal = nullptr;
+    if (command == "TRAV") refusal = Find(FaultKind::NoTrav);
+    if (command.starts_with("BAUD")) refusal = Find(FaultKind::NoBaud);
+    if (command == "SYSLOAD") refusal = Find(FaultKind::NoSysload);
+    if (refusal) faults.Add({.kind = refusal->silent ? FaultKind::Silent : FaultKind::Nak});
     return faults;
 }
 
@@ -288,18 +230,12 @@ const Fault* VirtualIndicator::Find(FaultKind kind) const {
     return found == mOptions.faults.end() ? nullptr : &*found;
 }
 
-const Fault* VirtualIndicator::RefusalOf(std::string_view command) const {
-    if (command == "TRAV") return Find(FaultKind::NoTrav);
-    if (command.starts_with("BAUD")) return Find(FaultKind::NoBaud);
-    if (command == "SYSLOAD") return Find(FaultKind::NoSysload);
-    return nullptr;
-}
-
-Nanos VirtualIndicator::Say(const LineFaults& faults, Answer answer, Nanos ready,
+Nanos VirtualIndicator::Say(const LineFaults& faults, std::string_view reply, Nanos ready,
                             std::uint32_t speed) {
-    std::string text(AnswerText(answer));
-    if (faults.noise) text.insert(0, kNoise);
-    return Say(text, ready + faults.late, speed, faults.delivery);
+    std::string text(reply);
+    if (faults.Has(FaultKind::Noise)) text.insert(0, kNoise);
+    const Delivery delivery = faults.Has(FaultKind::Split) ? Delivery{1, kSplitGap} : Delivery{};
+    return Say(text, ready + faults.late, speed, delivery);
 }
 
 // Queues `text` from `ready` on, after pending output. Returns the time of its last byte.
@@ -316,10 +252,11 @@ Nanos VirtualIndicator::Say(std::string_view text, Nanos ready, std::uint32_t sp
 
 void VirtualIndicator::GiveVerdict(Nanos at) {
     if (Find(FaultKind::NoVerdict)) return;
-    const Answer verdict = mMonitor.FinishWriting(Find(FaultKind::VerifyFailed) != nullptr);
+    const std::string_view verdict =
+        mMonitor.FinishWriting(Find(FaultKind::VerifyFailed) != nullptr);
     const Delivery delivery =
         Find(FaultKind::SplitVerdict) ? Delivery{kVerdictPiece, kVerdictGap} : Delivery{};
-    Say(AnswerText(verdict), at, mMonitor.BitsPerSecond(), delivery);
+    Say(verdict, at, mMonitor.BitsPerSecond(), delivery);
     ++mVerdicts;
 }
 

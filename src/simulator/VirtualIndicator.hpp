@@ -91,15 +91,12 @@ private:
     void Advance(Nanos now);
     void Hear(const Incoming& incoming);
     void TakeLine(const std::string& line, Nanos at);
-    void TakeCommand(const std::string& line, Nanos at);
-    void TakeImageLine(const std::string& line, Nanos at);
-    LineFaults FaultsOf(const std::string& line);
+    LineFaults FaultsOfImageLine(const std::string& line);
+    LineFaults FaultsOfCommand(std::string_view command) const;
     void AddArisen(LineFaults& faults);
-    Answer AnswerTo(const std::string& line, const LineFaults& faults);
     const Fault* Find(FaultKind kind) const;
-    const Fault* RefusalOf(std::string_view command) const;
     Nanos Say(std::string_view text, Nanos ready, std::uint32_t speed, Delivery delivery);
-    Nanos Say(const LineFaults& faults, Answer answer, Nanos ready, std::uint32_t speed);
+    Nanos Say(const LineFaults& faults, std::string_view reply, Nanos ready, std::uint32_t speed);
     void GiveVerdict(Nanos at);
     void CloseArrived(Nanos at);
     void PowerCycle();
@@ -110,7 +107,7 @@ private:
     std::uint32_t CharacterBits(std::uint32_t bitsPerSecond) const;
     std::string TakeDue(Nanos now);
 
-    IndicatorOptions mOptions;
+    IndicatorOptions mOptions;  // the `times` of its line faults count down
     BootMonitor mMonitor;
 
     LineSettings mHostLine;
@@ -125,8 +122,7 @@ private:
     std::string mLine;                     // bytes since the last CR
     std::optional<std::string> mPrevious;  // the previous image line, as the host sent it
     std::size_t mLineNumber = 0;           // of `mPrevious`, among distinct lines
-    std::vector<unsigned> mFaultUses;      // arrivals affected, by index of `mOptions.faults`
-    std::vector<Fault> mArisen;            // line faults injected at run time; `times` counts down
+    std::vector<Fault> mArisen;            // line faults injected at run time
 
     bool mSessionBegun = false;
     bool mSessionOver = false;

@@ -128,10 +128,10 @@ class SerialControlTest : public ControlsTest {
 protected:
     SerialControlTest() {
         mPlatform.ports.Plug("COM3", mWire);
-        mComm.Port("COM3");
-        mComm.Settings("9600,E,7,1");
+        mComm.name = "COM3";
+        mComm.settings = "9600,E,7,1";
     }
-    ~SerialControlTest() override { mComm.ClosePort(); }
+    ~SerialControlTest() override { mComm.Close(); }
 
     Wire mWire;
     SerialControl mComm{mPlatform.ports, {}};
@@ -139,10 +139,10 @@ protected:
 
 TEST_F(SerialControlTest, AnOpenThatFailsLeavesThePortClosedAndSaysNothing) {
     const auto opens = [this](const std::string& port, const std::string& settings) {
-        mComm.Port(port);
-        mComm.Settings(settings);
-        mComm.OpenPort();
-        return mComm.PortOpen();
+        mComm.name = port;
+        mComm.settings = settings;
+        mComm.Open();
+        return mComm.IsOpen();
     };
     EXPECT_TRUE(opens("3", "9600,E,7,1")) << "a bare number names a COM port";
     EXPECT_EQ(mWire.line, (LineSettings{9600, Parity::Even, 7, 1}));
@@ -155,7 +155,7 @@ TEST_F(SerialControlTest, AnOpenThatFailsLeavesThePortClosedAndSaysNothing) {
     mComm.ReceiveThreshold(1);
     mWire.gone = true;
     mPlatform.pump.PumpPending();
-    EXPECT_FALSE(mComm.PortOpen()) << "a lost device is not noticed while listening";
+    EXPECT_FALSE(mComm.IsOpen()) << "a lost device is not noticed while listening";
     mPlatform.ports.Hold("COM3", true);
     EXPECT_FALSE(opens("COM3", "9600,E,7,1"));
     mComm.Output("lost");
@@ -164,7 +164,7 @@ TEST_F(SerialControlTest, AnOpenThatFailsLeavesThePortClosedAndSaysNothing) {
 }
 
 TEST_F(SerialControlTest, BytesThatTheDriverDoesNotTakeAtOnceKeepTheirOrder) {
-    mComm.OpenPort();
+    mComm.Open();
     mPlatform.ports.LimitWrites(4);
     mComm.Output("0123456");
     mComm.Output("89");
@@ -176,15 +176,15 @@ TEST_F(SerialControlTest, BytesThatTheDriverDoesNotTakeAtOnceKeepTheirOrder) {
     mPlatform.ports.LimitWrites(0);
     mComm.Output("stale");
     EXPECT_EQ(mComm.OutBufferCount(), 5u);
-    mComm.ClosePort();
+    mComm.Close();
     mPlatform.ports.LimitWrites(100);
-    mComm.OpenPort();
+    mComm.Open();
     mComm.Output("new");
     EXPECT_EQ(mWire.received, "012345689new") << "a rest of the session before";
 }
 
 TEST_F(SerialControlTest, TheThresholdIsCheckedAtOnceAndAtEachPump) {
-    mComm.OpenPort();
+    mComm.Open();
     Texts heard;
     mComm.Receive.Connect([&] { heard.push_back(mComm.Input()); });
     const auto pump = [this](const char* sent) {

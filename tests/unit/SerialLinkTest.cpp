@@ -17,9 +17,9 @@ protected:
     LinkFixture() {
         headless.ports.Plug("COM1", far);
         link.SetupCommPortFlash();
-        comm.OpenPort();
+        comm.Open();
     }
-    ~LinkFixture() override { comm.ClosePort(); }
+    ~LinkFixture() override { comm.Close(); }
 
     SendResult Send(std::string text, bool paced = false) {
         auto result = SendResult::SendOK;
@@ -77,7 +77,7 @@ TEST_F(LinkFixture, ATextThatIsNoReplyFailsAfterTwentySecondsAndAWordInPiecesIsF
 }
 
 TEST_F(LinkFixture, AClosedPortSendsNothingAndFails) {
-    comm.ClosePort();
+    comm.Close();
     EXPECT_EQ(Send("L"), SendResult::SendFailed);
     link.RawSend("raw");
     EXPECT_EQ(far.received, "");

@@ -1,5 +1,5 @@
-// An in-memory file system for tests. Paths are case-sensitive; "\" and "/" are equivalent.
-// It has no permissions, no links and no current folder.
+// An in-memory file system, for tests and for the image of tsflash. Paths are case-sensitive; "\"
+// and "/" are equivalent. It has no permissions, no links and no current folder.
 #pragma once
 
 #include <cstdint>

@@ -2,14 +2,12 @@
 // `VirtualIndicator` and `RunningMode` implement the behaviour.
 #include <algorithm>
 #include <array>
-#include <charconv>
 #include <chrono>
 #include <csignal>
 #include <cstdio>
 #include <exception>
 #include <filesystem>
 #include <fstream>
-#include <functional>
 #include <iostream>
 #include <iterator>
 #include <optional>
@@ -27,6 +25,7 @@
 #include "simulator/RunningMode.hpp"
 #include "simulator/VirtualIndicator.hpp"
 #include "simulator/m40sim/PseudoTerminal.hpp"
+#include "support/text/Text.hpp"
 
 namespace vantor {
 namespace {
@@ -77,10 +76,6 @@ Faults of a stage: no-trav no-baud no-sysload (each also =silent), verify-failed
 Status: 0 well, 1 the session failed or the host broke the dialogue, 2 wrong usage.
 )";
 
-struct UsageError : std::runtime_error {
-    using std::runtime_error::runtime_error;
-};
-
 struct Options {
     IndicatorOptions indicator;
     Micros latency = 0;
@@ -94,76 +89,67 @@ struct Options {
 
 std::int64_t Number(std::string_view text, std::int64_t least, std::string_view option) {
     constexpr std::int64_t most = 3'600'000;
-    std::int64_t value = 0;
-    const auto [stop, error] = std::from_chars(text.data(), text.data() + text.size(), value);
-    if (error != std::errc{} || stop != text.data() + text.size() || value < least ||
-        value > most) {
-        throw UsageError(std::string(option) + " needs a number from " + std::to_string(least) +
-                         " to " + std::to_string(most) + ", not \"" + std::string(text) + "\".");
+    const auto value = ParseInteger(text);
+    if (!value || *value < least || *value > most) {
+        throw std::invalid_argument(std::string(option) + " needs a number from " +
+                                    std::to_string(least) + " to " + std::to_string(most) +
+                                    ", not \"" + std::string(text) + "\".");
     }
-    return value;
+    return *value;
 }
 
 FlashMemory LoadImage(const fs::path& path) {
     std::ifstream file(path, std::ios::binary);
-    if (!file) throw UsageError("The image " + path.string() + " cannot be read.");
+    if (!file) throw std::invalid_argument("The image " + path.string() + " cannot be read.");
     return FlashMemory::FromRecords(std::string(std::istreambuf_iterator<char>(file), {}));
 }
 
-struct Switch {
+struct Argument {
     std::string_view name;
-    void (*set)(Options&);
+    std::string_view value;  // empty for an option without one
+
+    Micros Time() const { return Number(value, 0, name) * kMicrosPerMilli; }
 };
 
-struct Setting {
+struct Option {
     std::string_view name;
-    void (*set)(Options&, std::string_view name, std::string_view value);
+    bool takesValue;
+    void (*set)(Options&, const Argument&);
 };
 
-constexpr std::array<Switch, 4> kSwitches{{
-    {"--terminal", [](Options& o) { o.terminal = true; }},
-    {"--once", [](Options& o) { o.once = true; }},
-    {"--pace", [](Options& o) { o.indicator.paced = true; }},
-    {"--help", [](Options& o) { o.help = true; }},
-}};
-
-using Text = std::string_view;
-constexpr std::array<Setting, 9> kSettings{{
-    {"--image", [](Options& o, Text, Text v) { o.indicator.expected = LoadImage(v); }},
-    {"--save", [](Options& o, Text, Text v) { o.save = v; }},
-    {"--link", [](Options& o, Text, Text v) { o.link = v; }},
-    {"--transcript", [](Options& o, Text, Text v) { o.transcript = v; }},
-    {"--baud",
-     [](Options& o, Text name, Text v) {
-         o.indicator.bitsPerSecond = static_cast<std::uint32_t>(Number(v, 300, name));
+using Given = const Argument&;
+constexpr std::array<Option, 13> kOptions{{
+    {"--terminal", false, [](Options& o, Given) { o.terminal = true; }},
+    {"--once", false, [](Options& o, Given) { o.once = true; }},
+    {"--pace", false, [](Options& o, Given) { o.indicator.paced = true; }},
+    {"--help", false, [](Options& o, Given) { o.help = true; }},
+    {"--image", true, [](Options& o, Given g) { o.indicator.expected = LoadImage(g.value); }},
+    {"--save", true, [](Options& o, Given g) { o.save = g.value; }},
+    {"--link", true, [](Options& o, Given g) { o.link = g.value; }},
+    {"--transcript", true, [](Options& o, Given g) { o.transcript = g.value; }},
+    {"--baud", true,
+     [](Options& o, Given g) {
+         o.indicator.bitsPerSecond = static_cast<std::uint32_t>(Number(g.value, 300, g.name));
      }},
-    {"--think", [](Options& o, Text name,
-                   Text v) { o.indicator.think = Number(v, 0, name) * kMicrosPerMilli; }},
-    {"--latency",
-     [](Options& o, Text name, Text v) { o.latency = Number(v, 0, name) * kMicrosPerMilli; }},
-    {"--write", [](Options& o, Text name,
-                   Text v) { o.indicator.writeFlash = Number(v, 0, name) * kMicrosPerMilli; }},
-    {"--fault", [](Options& o, Text, Text v) { o.indicator.faults.push_back(ParseFault(v)); }},
+    {"--think", true, [](Options& o, Given g) { o.indicator.think = g.Time(); }},
+    {"--latency", true, [](Options& o, Given g) { o.latency = g.Time(); }},
+    {"--write", true, [](Options& o, Given g) { o.indicator.writeFlash = g.Time(); }},
+    {"--fault", true,
+     [](Options& o, Given g) { o.indicator.faults.push_back(ParseFault(g.value)); }},
 }};
 
 Options ParseOptions(std::span<char* const> arguments) {
     Options options;
     for (auto argument = arguments.begin(); argument != arguments.end(); ++argument) {
         const std::string_view name = *argument;
-        const auto named = [&](const auto& entry) { return entry.name == name; };
-        const auto* const flag = std::find_if(kSwitches.begin(), kSwitches.end(), named);
-        if (flag != kSwitches.end()) {
-            flag->set(options);
-            continue;
+        const auto* const option = std::ranges::find(kOptions, name, &Option::name);
+        if (option == kOptions.end()) {
+            throw std::invalid_argument("\"" + std::string(name) + "\" is no option; see --help.");
         }
-        const auto* const setting = std::find_if(kSettings.begin(), kSettings.end(), named);
-        if (setting == kSettings.end()) {
-            throw UsageError("\"" + std::string(name) + "\" is no option; see --help.");
+        if (option->takesValue && ++argument == arguments.end()) {
+            throw std::invalid_argument(std::string(name) + " needs a value.");
         }
-        if (++argument == arguments.end()) {
-            throw UsageError(std::string(name) + " needs a value.");
-        }
-        setting->set(options, name, *argument);
+        option->set(options, {name, option->takesValue ? *argument : ""});
     }
     return options;
 }
@@ -188,47 +174,46 @@ private:
     fs::path mTarget;
 };
 
-std::string Readable(std::string_view bytes) {
-    std::string text;
-    for (const char byte : bytes) {
-        std::array<char, 8> code{};
-        if (byte == '\r') {
-            text += "\\r";
-        } else if (byte == '\n') {
-            text += "\\n";
-        } else if (byte == '\\') {
-            text += "\\\\";
-        } else if (byte >= ' ' && byte <= '~') {
-            text += byte;
-        } else {
-            std::snprintf(code.data(), code.size(), "\\x%02X",
-                          static_cast<unsigned>(static_cast<unsigned char>(byte)));
-            text += code.data();
-        }
-    }
-    return text;
-}
-
-// Human-readable log of the traffic with times. Does nothing without a path.
-class TrafficLog {
+// The terminal that both modes serve, with its link and a readable log of the traffic with times.
+class LoggedTerminal {
 public:
-    explicit TrafficLog(const std::optional<fs::path>& path) {
-        if (!path) return;
-        mFile.open(*path, std::ios::binary | std::ios::trunc);
-        if (!mFile) throw UsageError("The transcript " + path->string() + " cannot be written.");
+    explicit LoggedTerminal(const Options& options) {
+        if (options.transcript) {
+            mLog.open(*options.transcript, std::ios::binary | std::ios::trunc);
+            if (!mLog) {
+                throw std::invalid_argument("The transcript " + options.transcript->string() +
+                                            " cannot be written.");
+            }
+        }
+        if (options.link) mLink.emplace(*options.link, pty.Path());
+        std::cout << "port: " << pty.Path() << std::endl;
     }
-    void Add(Micros now, std::string_view direction, std::string_view bytes) {
-        if (!mFile.is_open()) return;
+
+    Micros Now() const {
+        return std::chrono::duration_cast<std::chrono::microseconds>(
+                   std::chrono::steady_clock::now() - mStart)
+            .count();
+    }
+    void Log(Micros now, std::string_view direction, std::string_view bytes) {
+        if (!mLog.is_open()) return;
         std::array<char, 32> time{};
         std::snprintf(time.data(), time.size(), "%12.3f ", static_cast<double>(now) / 1000.0);
-        mFile << time.data() << direction << ' ' << Readable(bytes) << '\n';
+        mLog << time.data() << direction << ' ' << Escaped(bytes, "\r\n") << '\n';
     }
     void Flush() {
-        if (mFile.is_open()) mFile.flush();
+        if (mLog.is_open()) mLog.flush();
+    }
+    void Write(Micros now, std::string_view bytes) {
+        pty.Write(bytes);
+        Log(now, "<", bytes);
     }
 
+    PseudoTerminal pty;
+
 private:
-    std::ofstream mFile;
+    std::ofstream mLog;
+    std::optional<Link> mLink;
+    std::chrono::steady_clock::time_point mStart = std::chrono::steady_clock::now();
 };
 
 volatile std::sig_atomic_t stopAsked = 0;
@@ -237,17 +222,14 @@ class Server {
 public:
     explicit Server(Options options)
         : mOptions(std::move(options)),
-          mLog(mOptions.transcript),
+          mTerminal(mOptions),
           mIndicator(mOptions.indicator),
-          mAdapter(mOptions.latency) {
-        if (mOptions.link) mLink.emplace(*mOptions.link, mTerminal.Path());
-    }
+          mAdapter(mOptions.latency) {}
 
     // Serves until a signal, a hang-up or the end of `--once`; returns the exit status.
     int Run();
 
 private:
-    Micros Now() const;
     void Listen();
     void Take(std::string_view bytes);
     void NoteLine();
@@ -260,12 +242,9 @@ private:
     int Status() const;
 
     Options mOptions;
-    TrafficLog mLog;
-    PseudoTerminal mTerminal;
-    std::optional<Link> mLink;
+    LoggedTerminal mTerminal;
     VirtualIndicator mIndicator;
     LatencyTimer mAdapter;
-    std::chrono::steady_clock::time_point mStart = std::chrono::steady_clock::now();
     bool mHostOpen = false;
     LineSettings mHostLine;
     Micros mLastByte = -kAttentive;
@@ -275,7 +254,6 @@ private:
 };
 
 int Server::Run() {
-    std::cout << "port: " << mTerminal.Path() << std::endl;
     for (;;) {
         Listen();
         Speak();
@@ -285,20 +263,14 @@ int Server::Run() {
     }
     Save();
     if (mIndicator.HungUp()) {
-        mTerminal.Close();
+        mTerminal.pty.Close();
         std::cerr << "m40sim: The terminal was hung up, as the fault asked.\n";
     }
     return Status();
 }
 
-Micros Server::Now() const {
-    return std::chrono::duration_cast<std::chrono::microseconds>(std::chrono::steady_clock::now() -
-                                                                 mStart)
-        .count();
-}
-
 void Server::Listen() {
-    const PseudoTerminal::State state = mTerminal.Look();
+    const PseudoTerminal::State state = mTerminal.pty.Look();
     if (state.reopened) {
         if (!mHostOpen && !state.bytesBefore.empty()) NoteLine();
         Take(state.bytesBefore);
@@ -311,39 +283,38 @@ void Server::Listen() {
 
 void Server::Take(std::string_view bytes) {
     if (bytes.empty()) return;
-    const Micros now = Now();
+    const Micros now = mTerminal.Now();
     mIndicator.Receive(bytes, now);
-    mLog.Add(now, ">", bytes);
+    mTerminal.Log(now, ">", bytes);
     mLastByte = now;
 }
 
 void Server::NoteClose() {
     if (!std::exchange(mHostOpen, false)) return;
-    const Micros now = Now();
+    const Micros now = mTerminal.Now();
     mIndicator.HostClosed(now);
     mAdapter.Clear();
-    mLog.Add(now, "-", "host closed");
-    mLog.Flush();
+    mTerminal.Log(now, "-", "host closed");
+    mTerminal.Flush();
 }
 
 void Server::NoteLine() {
-    const LineSettings line = mTerminal.Line();
+    const LineSettings line = mTerminal.pty.Line();
     if (mHostOpen && line == mHostLine) return;
     mHostOpen = true;
     mHostLine = line;
-    const Micros now = Now();
+    const Micros now = mTerminal.Now();
     mIndicator.HostLine(line, now);
-    mLog.Add(now, "-",
-             "host at " + std::to_string(line.bitsPerSecond) + " bit/s, " +
-                 std::to_string(line.stopBits) + " stop bits");
+    mTerminal.Log(now, "-",
+                  "host at " + std::to_string(line.bitsPerSecond) + " bit/s, " +
+                      std::to_string(line.stopBits) + " stop bits");
 }
 
 void Server::Speak() {
-    const Micros now = Now();
+    const Micros now = mTerminal.Now();
     const std::string bytes = mAdapter.Pass(mIndicator.Transmit(now), now);
     if (bytes.empty()) return;
-    mTerminal.Write(bytes);
-    mLog.Add(now, "<", bytes);
+    mTerminal.Write(now, bytes);
     mLastByte = now;
 }
 
@@ -357,7 +328,7 @@ void Server::Report() {
 }
 
 void Server::Pause() {
-    const Micros now = Now();
+    const Micros now = mTerminal.Now();
     std::optional<Micros> due = mIndicator.NextDue();
     if (const std::optional<Micros> held = mAdapter.NextDue())
         due = due ? std::min(*due, *held) : held;
@@ -371,11 +342,11 @@ void Server::Pause() {
         // the yield no bytes would arrive.
         std::this_thread::yield();
     } else if (due) {
-        mTerminal.Wait(std::chrono::microseconds(*due - now - kSpin));
+        mTerminal.pty.Wait(std::chrono::microseconds(*due - now - kSpin));
     } else {
         const bool parting = mOverSince.has_value();
-        mTerminal.Wait(parting ? std::optional(std::chrono::microseconds(kFarewell))
-                               : std::nullopt);
+        mTerminal.pty.Wait(parting ? std::optional(std::chrono::microseconds(kFarewell))
+                                   : std::nullopt);
     }
 }
 
@@ -386,8 +357,8 @@ bool Server::Finished() {
         return false;
     }
     // Let the host close first; otherwise it may see a hang-up while it still sends.
-    if (!mOverSince) mOverSince = Now();
-    return !mHostOpen || Now() - *mOverSince >= kFarewell;
+    if (!mOverSince) mOverSince = mTerminal.Now();
+    return !mHostOpen || mTerminal.Now() - *mOverSince >= kFarewell;
 }
 
 void Server::Save() const {
@@ -408,28 +379,15 @@ int Server::Status() const {
 
 // Serves the running mode on a pseudo-terminal until SIGTERM or SIGINT.
 int ServeRunningMode(const Options& options) {
-    PseudoTerminal terminal;
-    std::optional<Link> link;
-    if (options.link) link.emplace(*options.link, terminal.Path());
-    TrafficLog transcript(options.transcript);
+    LoggedTerminal terminal(options);
     RunningMode indicator;
-    const auto start = std::chrono::steady_clock::now();
-    const auto now = [start] {
-        return std::chrono::duration_cast<std::chrono::microseconds>(
-                   std::chrono::steady_clock::now() - start)
-            .count();
-    };
-    std::cout << "port: " << terminal.Path() << std::endl;
     while (stopAsked == 0) {
-        const PseudoTerminal::State state = terminal.Look();
-        if (!state.bytes.empty()) transcript.Add(now(), ">", state.bytes);
-        const std::string answer = indicator.Receive(state.bytes);
-        if (!answer.empty()) {
-            terminal.Write(answer);
-            transcript.Add(now(), "<", answer);
-        }
-        transcript.Flush();
-        if (state.bytes.empty()) terminal.Wait(std::nullopt);
+        const std::string bytes = terminal.pty.Look().bytes;
+        if (!bytes.empty()) terminal.Log(terminal.Now(), ">", bytes);
+        const std::string answer = indicator.Receive(bytes);
+        if (!answer.empty()) terminal.Write(terminal.Now(), answer);
+        terminal.Flush();
+        if (bytes.empty()) terminal.pty.Wait(std::nullopt);
     }
     return 0;
 }
@@ -457,9 +415,6 @@ int main(int argc, char** argv) {
         StopOnSignals();
         if (options.terminal) return ServeRunningMode(options);
         return Server(std::move(options)).Run();
-    } catch (const UsageError& error) {
-        std::cerr << "m40sim: " << error.what() << '\n';
-        return 2;
     } catch (const std::invalid_argument& error) {
         std::cerr << "m40sim: " << error.what() << '\n';
         return 2;

@@ -1,7 +1,5 @@
 #include "platform/win32/services/Win32StringTable.hpp"
 
-#include "platform/portable/MissingText.hpp"
-
 #include <cstddef>
 
 #include "platform/win32/services/Windows.hpp"

@@ -49,7 +49,7 @@ public:
 
     void PumpPending() override {
         ++pumps;
-        GetClock().Sleep(1);
+        mClock.Sleep(1);
         PolledPump::PumpPending();
     }
 

@@ -25,7 +25,7 @@ struct NativePlatform {
     std::unique_ptr<Clock> clock;
     std::unique_ptr<CodePage> codePage;
     std::unique_ptr<Files> files;
-    std::unique_ptr<FileVersions> versions;
+    std::unique_ptr<FileVersions> versions;  ///< null where no program shows versions (POSIX)
     std::unique_ptr<Folders> folders;
     std::unique_ptr<StringTable> strings;
     std::unique_ptr<Console> console;

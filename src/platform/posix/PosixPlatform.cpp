@@ -5,7 +5,6 @@
 #include "platform/portable/CodePage1252.hpp"
 #include "platform/portable/CompiledStrings.hpp"
 #include "platform/portable/RegistryHive.hpp"
-#include "platform/portable/VersionResources.hpp"
 #include "platform/posix/PosixClock.hpp"
 #include "platform/posix/PosixConsole.hpp"
 #include "platform/posix/PosixFiles.hpp"
@@ -36,7 +35,6 @@ NativePlatform MakeNativePlatform(int argc, char** argv) {
     native.clock = std::make_unique<PosixClock>();
     native.codePage = std::make_unique<CodePage1252>();
     native.files = std::make_unique<PosixFiles>();
-    native.versions = std::make_unique<VersionResources>(*native.files);
     native.folders = std::make_unique<PosixFolders>();
     native.strings = std::make_unique<CompiledStrings>(LanguageOfEnvironment());
     native.console = std::make_unique<PosixConsole>();

@@ -30,7 +30,6 @@ NativePlatform MakeNativePlatform(int, char**) {
     auto pump = std::make_unique<Win32MessagePump>();
     native.registry = std::make_unique<Win32Registry>();
     native.ports = std::make_unique<Win32SerialPorts>(*pump);
-    native.portName = [](const std::string& port) { return port; };
     native.pump = std::move(pump);
     return native;
 }

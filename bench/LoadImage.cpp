@@ -9,7 +9,7 @@
 
 #include "bench/Measure.hpp"
 #include "flash/FirmwareImage.hpp"
-#include "platform/posix/PosixFiles.hpp"
+#include "platform/posix/PosixServices.hpp"
 
 namespace vantor::bench {
 namespace {
@@ -21,9 +21,9 @@ void WriteImage(const std::string& path, std::size_t lines) {
 }
 
 double LoadOurs(const std::string& path, std::size_t lines) {
-    const PosixFiles files;
+    const auto files = MakePosixFiles();
     const auto start = SteadyClock::now();
-    const ImageLines image = FileToStringArray(path, files);
+    const ImageLines image = FileToStringArray(path, *files);
     const double seconds = SecondsSince(start);
     return image.UBound() + 1 == lines ? seconds : -1;
 }

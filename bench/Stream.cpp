@@ -23,9 +23,8 @@
 #include "platform/portable/CodePage1252.hpp"
 #include "platform/portable/CompiledStrings.hpp"
 #include "platform/portable/RegistryHive.hpp"
-#include "platform/posix/PosixClock.hpp"
-#include "platform/posix/PosixFiles.hpp"
-#include "platform/posix/PosixSerialPorts.hpp"
+#include "platform/posix/PosixMessagePump.hpp"
+#include "platform/posix/PosixServices.hpp"
 #include "settings/CAppSettings.hpp"
 #include "tests/pty/Child.hpp"
 
@@ -102,18 +101,18 @@ private:
 /// the first line to the status window of the final stage.
 double StreamOurs(const std::string& tools, const std::string& image, bool paced) {
     Indicator indicator(tools, image, paced);
-    PosixClock clock;
-    PosixFiles files;
-    PosixMessagePump pump(clock);
-    PosixSerialPorts ports(pump, {{"COM1", indicator.Port()}});
+    const auto clock = MakePosixClock();
+    const auto files = MakePosixFiles();
+    PosixMessagePump pump(*clock);
+    const auto ports = MakePosixSerialPorts(pump, {{"COM1", indicator.Port()}});
     const CompiledStrings strings(Language::English);
     RegistryHive registry;
     const CodePage1252 codePage;
-    CAppSettings settings(registry, codePage, files);
+    CAppSettings settings(registry, codePage, *files);
     Stopwatch view(image);
     FlashSession session(
         view, settings,
-        {.clock = clock, .files = files, .pump = pump, .ports = ports, .strings = strings});
+        {.clock = *clock, .files = *files, .pump = pump, .ports = *ports, .strings = strings});
     session.doFlash();
     if (session.Outcome() != FlashOutcome::Done) throw std::runtime_error("the flash failed");
     indicator.Finish();
@@ -155,7 +154,7 @@ private:
 
 double StreamBare(const std::string& tools, const std::string& image) {
     Indicator indicator(tools, image, false);
-    const ImageLines lines = FileToStringArray(image, PosixFiles());
+    const ImageLines lines = FileToStringArray(image, *MakePosixFiles());
     double seconds = 0;
     {
         BareLine line(indicator.Port());
@@ -180,7 +179,7 @@ double WireSeconds(const std::string& image) {
     constexpr double kBitsPerCharacter = 11;
     constexpr double kBitsPerSecond = 115200;
     constexpr std::size_t kAcknowledgement = 4;  // OK, CR, LF
-    const ImageLines lines = FileToStringArray(image, PosixFiles());
+    const ImageLines lines = FileToStringArray(image, *MakePosixFiles());
     std::size_t characters = 0;
     for (std::size_t i = 0; i <= lines.UBound(); ++i)
         characters += lines[i].size() + 1 + kAcknowledgement;

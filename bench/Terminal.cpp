@@ -18,10 +18,8 @@
 #include "bench/Measure.hpp"
 #include "controls/Form.hpp"
 #include "platform/headless/HeadlessPlatform.hpp"
-#include "platform/posix/PosixClock.hpp"
-#include "platform/posix/PosixFiles.hpp"
 #include "platform/posix/PosixMessagePump.hpp"
-#include "platform/posix/PosixSerialPorts.hpp"
+#include "platform/posix/PosixServices.hpp"
 #include "terminal/TerminalControl.hpp"
 
 namespace vantor::bench {
@@ -78,26 +76,12 @@ private:
 double Receive(const std::string& text, const std::string& capture) {
     const Peer peer;
     HeadlessPlatform stage;
-    PosixClock clock;
-    PosixFiles files;
-    PosixMessagePump pump(clock);
-    PosixSerialPorts ports(pump, {{"COM1", peer.Path()}});
-    Platform platform{.clipboard = stage.clipboard,
-                      .clock = clock,
-                      .codePage = stage.codePage,
-                      .dialogs = stage.dialogs,
-                      .files = files,
-                      .versions = stage.versions,
-                      .folders = stage.folders,
-                      .boxes = stage.boxes,
-                      .pump = pump,
-                      .peers = stage.peers,
-                      .pictures = stage.pictures,
-                      .process = stage.process,
-                      .registry = stage.registry,
-                      .ports = ports,
-                      .shell = stage.shell,
-                      .strings = stage.strings};
+    const auto clock = MakePosixClock();
+    const auto files = MakePosixFiles();
+    PosixMessagePump pump(*clock);
+    const auto ports = MakePosixSerialPorts(pump, {{"COM1", peer.Path()}});
+    Platform platform = stage.With(
+        {.clock = clock.get(), .files = files.get(), .pump = &pump, .ports = ports.get()});
     WindowManager manager(stage.peers, pump);
     const auto window = std::make_shared<Window>(manager, platform);
     window->Load();
@@ -107,7 +91,7 @@ double Receive(const std::string& text, const std::string& capture) {
     window->com.CaptureFile(capture);
     const auto start = SteadyClock::now();
     std::thread sender([&] { peer.Send(text); });
-    while (files.Size(capture) < text.size() && SecondsSince(start) < 60) {
+    while (files->Size(capture) < text.size() && SecondsSince(start) < 60) {
         pump.AwaitInput();
         pump.PumpPending();
     }
@@ -116,7 +100,7 @@ double Receive(const std::string& text, const std::string& capture) {
     window->com.CaptureFile("");
     window->com.PerformCommand(TerminalCommand::Close);
     window->Unload();
-    if (files.ReadAll(capture) != text) throw std::runtime_error("the capture differs");
+    if (files->ReadAll(capture) != text) throw std::runtime_error("the capture differs");
     return seconds;
 }
 

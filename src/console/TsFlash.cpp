@@ -197,7 +197,7 @@ void Run::LoadSettings() {
     Trapped("tsflash.LoadSettings", [this] { mSettings.Initialize(); });
     mSettings.BeginEdit();
     std::optional<std::string> port = mOptions.port;
-    if (port && !mOptions.practice) port = mNative.portName(*port);
+    if (port && !mOptions.practice) port = mNative.ports->NameOf(*port);
     Override(port, "--port", &CAppSettings::CommPort);
     Override(mOptions.baud, "--baud", &CAppSettings::BaudRate);
     Override(mOptions.parity, "--parity", &CAppSettings::Parity);

@@ -1,9 +1,7 @@
 // The services of the system that a program is built for, created by its start-up file.
 #pragma once
 
-#include <functional>
 #include <memory>
-#include <string>
 
 #include "platform/Clock.hpp"
 #include "platform/CodePage.hpp"
@@ -25,17 +23,13 @@ struct NativePlatform {
     std::unique_ptr<Clock> clock;
     std::unique_ptr<CodePage> codePage;
     std::unique_ptr<Files> files;
-    std::unique_ptr<FileVersions> versions;
+    std::unique_ptr<FileVersions> versions;  ///< null where no program shows versions (POSIX)
     std::unique_ptr<Folders> folders;
     std::unique_ptr<StringTable> strings;
     std::unique_ptr<Console> console;
     std::unique_ptr<MessagePump> pump;
     std::unique_ptr<Registry> registry;
     std::unique_ptr<SerialPorts> ports;
-    /// Maps a port name given by the user to the COM name that opens it: a COM name to itself,
-    /// a device path (where the system has those) to a free name for this run.
-    /// Raises RuntimeError 68 when no name is free.
-    std::function<std::string(const std::string& port)> portName;
 };
 
 /// Creates them for this process. `argc` and `argv` are those of main.

@@ -111,6 +111,11 @@ public:
 
     /// The ports present now, in numeric order of their COM names.
     virtual std::vector<SerialPortInfo> List() const = 0;
+
+    /// The COM name that opens the port given by the user: a COM name itself, or for a device path,
+    /// where the system has those, its COM name or a free one, reserved as long as this object
+    /// lives. Raises RuntimeError 68 when no name is free.
+    virtual std::string NameOf(const std::string& port) { return port; }
 };
 
 }  // namespace vantor

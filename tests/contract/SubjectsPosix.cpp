@@ -6,15 +6,20 @@
 #include <array>
 #include <stdexcept>
 
-#include "platform/posix/PosixClock.hpp"
-#include "platform/posix/PosixFiles.hpp"
 #include "platform/posix/PosixHandle.hpp"
-#include "platform/posix/PosixRegistry.hpp"
-#include "platform/posix/PosixSerialPorts.hpp"
+#include "platform/posix/PosixMessagePump.hpp"
+#include "platform/posix/PosixServices.hpp"
 #include "tests/contract/Subjects.hpp"
 
 namespace vantor::contract {
 namespace {
+
+/// The service that `make` returns, as a type for the subjects that own one.
+template <typename Service, std::unique_ptr<Service> (*make)()>
+struct Made {
+    operator Service&() const { return *service; }
+    std::unique_ptr<Service> service = make();
+};
 
 class FileRegistry : public RegistrySubject {
 public:
@@ -24,12 +29,12 @@ public:
 
 private:
     // The folder does not exist yet, as in a new home directory.
-    std::unique_ptr<PosixRegistry> Opened() const {
-        return std::make_unique<PosixRegistry>(mFolder / "new/registry.reg");
+    std::unique_ptr<Registry> Opened() const {
+        return MakePosixRegistry(mFolder / "new/registry.reg");
     }
 
     TemporaryFolder mFolder;
-    std::unique_ptr<PosixRegistry> mRegistry = Opened();
+    std::unique_ptr<Registry> mRegistry = Opened();
 };
 
 class PolledPumpOfTheSystem : public PumpSubject {
@@ -37,8 +42,8 @@ public:
     MessagePump& Get() override { return mPump; }
 
 private:
-    PosixClock mClock;
-    PosixMessagePump mPump{mClock};
+    const std::unique_ptr<Clock> mClock = MakePosixClock();
+    PosixMessagePump mPump{*mClock};
 };
 
 class PseudoTerminal : public WireEnd {
@@ -80,28 +85,29 @@ private:
 
 class PseudoTerminalLine : public SerialSubject {
 public:
-    SerialPorts& Get() override { return mPorts; }
+    SerialPorts& Get() override { return *mPorts; }
     std::string PortName() const override { return "COM5"; }
     std::string MissingPortName() const override { return "COM6"; }
     WireEnd* FarEnd() override { return &mTerminal; }
     MessagePump& Pump() override { return mPump; }
-    void Wait() override { mClock.Sleep(1); }
+    void Wait() override { mClock->Sleep(1); }
 
 private:
-    PosixClock mClock;
-    PosixMessagePump mPump{mClock};
+    const std::unique_ptr<Clock> mClock = MakePosixClock();
+    PosixMessagePump mPump{*mClock};
     PseudoTerminal mTerminal;
-    PosixSerialPorts mPorts{mPump, {{"COM5", mTerminal.Device()}, {"COM6", "/dev/null"}}};
+    const std::unique_ptr<SerialPorts> mPorts =
+        MakePosixSerialPorts(mPump, {{"COM5", mTerminal.Device()}, {"COM6", "/dev/null"}});
 };
 
 }  // namespace
 
 Makers<ClockSubject> NativeClocks() {
-    return {MakerOf<ClockSubject, Owning<Clock, PosixClock>>("Posix")};
+    return {MakerOf<ClockSubject, Owning<Clock, Made<Clock, MakePosixClock>>>("Posix")};
 }
 
 Makers<FilesSubject> NativeFileSystems() {
-    return {MakerOf<FilesSubject, HostFiles<PosixFiles>>("Posix")};
+    return {MakerOf<FilesSubject, HostFiles<Made<Files, MakePosixFiles>>>("Posix")};
 }
 
 Makers<PumpSubject> NativePumps() {

@@ -16,12 +16,9 @@
 #include <utility>
 #include <vector>
 
-#include "platform/posix/PosixClock.hpp"
-#include "platform/posix/PosixConsole.hpp"
-#include "platform/posix/PosixFolders.hpp"
-#include "platform/posix/PosixProcess.hpp"
-#include "platform/posix/PosixRegistry.hpp"
-#include "platform/posix/PosixSerialPorts.hpp"
+#include "platform/posix/PosixHandle.hpp"
+#include "platform/posix/PosixMessagePump.hpp"
+#include "platform/posix/PosixServices.hpp"
 #include "tests/TemporaryFolder.hpp"
 
 namespace vantor {
@@ -42,13 +39,13 @@ protected:
     }
 
     const TemporaryFolder folder;
-    PosixClock clock;
-    PosixMessagePump pump{clock};
+    const std::unique_ptr<Clock> clock = MakePosixClock();
+    PosixMessagePump pump{*clock};
 };
 
 class PosixRegistryFile : public InFolder {
 protected:
-    RegistryResult Set(PosixRegistry& registry, const std::string& name) const {
+    RegistryResult Set(Registry& registry, const std::string& name) const {
         RegistryKey key = 0;
         const RegistryResult result =
             registry.CreateKey(RegistryRoot::CurrentUser, "Soft", kRegistryAllButOwner, key);
@@ -56,12 +53,12 @@ protected:
         return registry.SetValue(key, name, kRegistryString, std::string_view("x\0", 2));
     }
     bool Has(const std::string& name) const {
-        PosixRegistry registry(file);
+        const auto registry = MakePosixRegistry(file);
         RegistryKey key = 0;
         std::uint32_t type = 0;
         std::uint32_t size = 0;
-        registry.OpenKey(RegistryRoot::CurrentUser, "Soft", kRegistryQueryValue, key);
-        return registry.QueryValue(key, name, type, nullptr, size) == kRegistrySuccess;
+        registry->OpenKey(RegistryRoot::CurrentUser, "Soft", kRegistryQueryValue, key);
+        return registry->QueryValue(key, name, type, nullptr, size) == kRegistrySuccess;
     }
 
     const std::string file = folder / "registry.reg";
@@ -75,9 +72,9 @@ TEST_F(PosixRegistryFile, ProgramsThatWriteAtOnceLoseNothingOfEachOther) {
         pid_t& child = children.at(static_cast<std::size_t>(program));
         child = fork();
         if (child != 0) continue;
-        PosixRegistry registry(file);
+        const auto registry = MakePosixRegistry(file);
         RegistryResult worst = kRegistrySuccess;
-        for (int i = 0; i < kValues; ++i) worst |= Set(registry, valueOf(program, i));
+        for (int i = 0; i < kValues; ++i) worst |= Set(*registry, valueOf(program, i));
         _exit(worst);
     }
     for (const pid_t child : children) {
@@ -89,28 +86,28 @@ TEST_F(PosixRegistryFile, ProgramsThatWriteAtOnceLoseNothingOfEachOther) {
 }
 
 TEST_F(PosixRegistryFile, NeitherOtherProgramsNorCrashesNorFailedWritesCostAValue) {
-    PosixRegistry registry(file);
-    PosixRegistry other(file);
-    ASSERT_EQ(Set(registry, "a") + Set(other, "b") + Set(registry, "c"), kRegistrySuccess);
+    const auto registry = MakePosixRegistry(file);
+    const auto other = MakePosixRegistry(file);
+    ASSERT_EQ(Set(*registry, "a") + Set(*other, "b") + Set(*registry, "c"), kRegistrySuccess);
     EXPECT_TRUE(Has("a") && Has("b") && Has("c"));
     Put("registry.reg.new", "REGEDIT4\n\n[HKEY_CURRENT_USER\\So");  // left by a crash
-    ASSERT_EQ(Set(registry, "d"), kRegistrySuccess);
+    ASSERT_EQ(Set(*registry, "d"), kRegistrySuccess);
     EXPECT_TRUE(Has("a") && Has("b") && Has("c") && Has("d"));
 
     fs::create_directory(file + ".new");
-    EXPECT_EQ(Set(registry, "refused"), kRegistryWriteFault);
+    EXPECT_EQ(Set(*registry, "refused"), kRegistryWriteFault);
     fs::remove(file + ".new");
-    ASSERT_EQ(Set(registry, "e"), kRegistrySuccess);
+    ASSERT_EQ(Set(*registry, "e"), kRegistrySuccess);
     EXPECT_TRUE(Has("a") && !Has("refused") && Has("e"));
-    PosixRegistry nowhere("/dev/null/registry.reg");
-    EXPECT_NE(Set(nowhere, "a"), kRegistrySuccess);
+    const auto nowhere = MakePosixRegistry("/dev/null/registry.reg");
+    EXPECT_NE(Set(*nowhere, "a"), kRegistrySuccess);
 
     rlimit limit{};
     getrlimit(RLIMIT_FSIZE, &limit);
     const rlimit before = std::exchange(limit, {10, limit.rlim_max});
     signal(SIGXFSZ, SIG_IGN);
     setrlimit(RLIMIT_FSIZE, &limit);
-    EXPECT_EQ(Set(registry, "too much"), kRegistryWriteFault);
+    EXPECT_EQ(Set(*registry, "too much"), kRegistryWriteFault);
     setrlimit(RLIMIT_FSIZE, &before);
     EXPECT_FALSE(fs::exists(file + ".new"));
     EXPECT_TRUE(Has("e"));
@@ -118,24 +115,24 @@ TEST_F(PosixRegistryFile, NeitherOtherProgramsNorCrashesNorFailedWritesCostAValu
 
 // As by another program within one tick of the file system's clock.
 TEST_F(PosixRegistryFile, AChangeThatTheFilesTimeDoesNotShowIsNotLost) {
-    PosixRegistry registry(file);
-    ASSERT_EQ(Set(registry, "a"), kRegistrySuccess);
+    const auto registry = MakePosixRegistry(file);
+    ASSERT_EQ(Set(*registry, "a"), kRegistrySuccess);
     struct stat status {};
     ASSERT_EQ(stat(file.c_str(), &status), 0);
     std::string text = Text("registry.reg");
     Put("registry.reg", text.replace(text.find("\"a\""), 3, "\"c\""));
     const std::array<timespec, 2> times = {status.st_atim, status.st_mtim};
     ASSERT_EQ(utimensat(AT_FDCWD, file.c_str(), times.data(), 0), 0);
-    ASSERT_EQ(Set(registry, "b"), kRegistrySuccess);
+    ASSERT_EQ(Set(*registry, "b"), kRegistrySuccess);
     EXPECT_TRUE(Has("b") && Has("c") && !Has("a"));
 }
 
 TEST_F(PosixRegistryFile, ASymbolicLinkIsWrittenThrough) {
     fs::create_directory(folder / "synced");
     fs::create_symlink("synced/mine.reg", file);
-    PosixRegistry registry(file);
+    const auto registry = MakePosixRegistry(file);
     for (const char* name : {"first", "second"}) {
-        ASSERT_EQ(Set(registry, name), kRegistrySuccess);
+        ASSERT_EQ(Set(*registry, name), kRegistrySuccess);
         EXPECT_TRUE(fs::is_symlink(file));
         EXPECT_NE(Text("synced/mine.reg").find(name), std::string::npos);
     }
@@ -144,30 +141,30 @@ TEST_F(PosixRegistryFile, ASymbolicLinkIsWrittenThrough) {
 TEST_F(PosixRegistryFile, ADamagedFileIsToldOnceAndNeverWrittenOver) {
     const std::string sound = "REGEDIT4\n\n[HKEY_CURRENT_USER\\Soft]\n\"ñ\"=\"x\"\n";
     const std::string path = folder / "ñ/registry.reg";
-    PosixRegistry registry(path);
+    const auto registry = MakePosixRegistry(path);
     for (const std::string& damage : {"?\n"s, "\"b\"=-\n"s}) {
         Put("ñ/registry.reg", sound + damage);
         try {
-            Set(registry, "a");
+            Set(*registry, "a");
             ADD_FAILURE() << "not told";
         } catch (const UnreadableStore& error) {
             EXPECT_EQ(error.Description(), "Invalid file format: " + path + ", line 5");
             EXPECT_EQ(error.DamagedLine(), 5u);
         }
-        EXPECT_EQ(Set(registry, "a"), kRegistryCorrupt);
+        EXPECT_EQ(Set(*registry, "a"), kRegistryCorrupt);
         EXPECT_EQ(Text("ñ/registry.reg"), sound + damage);
         Put("ñ/registry.reg", sound);
-        EXPECT_EQ(Set(registry, "a"), kRegistrySuccess);
+        EXPECT_EQ(Set(*registry, "a"), kRegistrySuccess);
         EXPECT_NE(Text("ñ/registry.reg").find("\"a\"=\"x\""), std::string::npos);
     }
-    PosixRegistry device("/dev/null");
-    EXPECT_THROW(Set(device, "a"), UnreadableStore);
+    const auto device = MakePosixRegistry("/dev/null");
+    EXPECT_THROW(Set(*device, "a"), UnreadableStore);
 }
 
 TEST(PosixProcessDeathTest, SignalsAndExceptionsAreNamedBeforeTheEnd) {
     const auto dying = [](auto how) {
-        PosixProcess process(0, nullptr);
-        process.InstallUnhandledExceptionFilter("Update");
+        const auto process = MakePosixProcess(0, nullptr);
+        process->InstallUnhandledExceptionFilter("Update");
         how();
     };
     using testing::KilledBySignal;
@@ -180,12 +177,12 @@ TEST(PosixProcessDeathTest, SignalsAndExceptionsAreNamedBeforeTheEnd) {
 
 TEST_F(InFolder, TheSecondInstanceOfATitleIsTold) {
     setenv("XDG_RUNTIME_DIR", folder.Path().c_str(), 1);
-    PosixProcess first(0, nullptr);
-    EXPECT_FALSE(first.AnotherInstanceRuns("Update / Utility"));
-    EXPECT_FALSE(first.AnotherInstanceRuns("Update / Utility"));
-    PosixProcess second(0, nullptr);
-    EXPECT_TRUE(second.AnotherInstanceRuns("Update / Utility"));
-    EXPECT_FALSE(second.AnotherInstanceRuns("Monitor"));
+    const auto first = MakePosixProcess(0, nullptr);
+    EXPECT_FALSE(first->AnotherInstanceRuns("Update / Utility"));
+    EXPECT_FALSE(first->AnotherInstanceRuns("Update / Utility"));
+    const auto second = MakePosixProcess(0, nullptr);
+    EXPECT_TRUE(second->AnotherInstanceRuns("Update / Utility"));
+    EXPECT_FALSE(second->AnotherInstanceRuns("Monitor"));
     EXPECT_FALSE(fs::is_empty(folder.Path()));
     unsetenv("XDG_RUNTIME_DIR");
 }
@@ -194,8 +191,8 @@ TEST_F(InFolder, TheSecondInstanceOfATitleIsTold) {
 TEST_F(InFolder, InputIsCountedAndReadHoweverShortlyAfterTheLastCount) {
     const PosixHandle master(posix_openpt(O_RDWR | O_NOCTTY));
     ASSERT_EQ(grantpt(master.Get()) + unlockpt(master.Get()), 0);
-    PosixSerialPorts ports(pump, {{"COM5", ptsname(master.Get())}});
-    const auto port = ports.Open("COM5", {});
+    const auto ports = MakePosixSerialPorts(pump, {{"COM5", ptsname(master.Get())}});
+    const auto port = ports->Open("COM5", {});
     std::array<char, 8> bytes{};
     for (int i = 0; i < 100; ++i) {
         ASSERT_EQ(port->InputCount(), 0u);
@@ -213,10 +210,10 @@ TEST_F(InFolder, ADeviceOfAGroupIsToldWithTheGroup) {
     const std::string device = ptsname(master.Get());
     constexpr uid_t kNobody = 65534;
     ASSERT_EQ(chown(device.c_str(), 0, getgrnam("dialout")->gr_gid), 0);
-    PosixSerialPorts ports(pump, {{"COM5", device}});
+    const auto ports = MakePosixSerialPorts(pump, {{"COM5", device}});
     const auto refusal = [&]() -> std::pair<PortOpenError::Reason, std::string> {
         try {
-            ports.Open("COM5", {});
+            ports->Open("COM5", {});
         } catch (const PortOpenError& error) {
             return {error.Why(), error.Who()};
         }
@@ -239,8 +236,8 @@ TEST_F(InFolder, AClosedPortIsNotMarkedAsTakenWhileOthersHoldTheDevice) {
         int answer = -1;
         return ioctl(other.Get(), TIOCGEXCL, &answer) == 0 ? answer : -1;
     };
-    PosixSerialPorts ports(pump, {{"COM5", device}});
-    auto port = ports.Open("COM5", {});
+    const auto ports = MakePosixSerialPorts(pump, {{"COM5", device}});
+    auto port = ports->Open("COM5", {});
     EXPECT_EQ(taken(), 1);
     port.reset();
     EXPECT_EQ(taken(), 0);

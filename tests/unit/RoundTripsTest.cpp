@@ -132,7 +132,6 @@ std::tuple<ExitStatus, std::string, std::uint32_t> Flash(
     native.folders = std::make_unique<HeadlessFolders>();
     native.registry = std::make_unique<RegistryHive>();
     native.codePage = std::make_unique<CodePage1252>();
-    native.versions = std::make_unique<VersionResources>(*native.files);
     native.strings = std::move(strings);
     auto console = std::make_unique<PipedConsole>();
     const PipedConsole& shown = *console;

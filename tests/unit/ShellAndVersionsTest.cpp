@@ -1,9 +1,9 @@
 // The requests to the shell, and the file versions read for the report of installed versions.
 #include <gtest/gtest.h>
 
+#include "app/base/modSupport.hpp"
 #include "app/frmMain.hpp"
 #include "dialogs/CShellExecute.hpp"
-#include "tests/ProgramFile.hpp"
 #include "tests/faults/ReportingPlatform.hpp"
 
 namespace vantor {
@@ -50,17 +50,16 @@ TEST(CShellExecute, AStartedProcessIsWatchedUntilTheNextLaunchAndLetGoOf) {
     EXPECT_EQ(shell.released, 3) << "a handle leaked";
 }
 
-std::string Program(const std::vector<std::string>& texts, const std::string& key) {
-    return ProgramAround(VersionBlock(texts, key, "\x09\x04\xB0\x04"));
-}
-
 TEST(Versions, TheReportTellsOnlyTheFileVersionInTheLanguageThatIsNamed) {
     ReportingPlatform platform(Language::Spanish);
-    const std::string version = VersionText("FileVersion", " 3.1 \0x"s);
-    platform.files.Add("/opt/vantor/caldor.exe", Program({version}, "040904b0"));
-    platform.files.Add("/opt/vantor/caldoredit.exe", Program({version}, "0C0A04E4"));
-    platform.files.Add("/opt/vantor/pellin.exe",
-                       Program({VersionText("ProductVersion", "9")}, "040904B0"));
+    const auto install = [&](const std::string& program, const std::string& language,
+                             const std::string& name, const std::string& text) {
+        platform.versions.resources[AppPath(platform.process) + program] = {
+            0x0409, 0x04B0, {{"\\StringFileInfo\\" + language + "\\" + name, text}}};
+    };
+    install("caldor.exe", "040904B0", "FileVersion", " 3.1 \0x"s);
+    install("caldoredit.exe", "0C0A04E4", "FileVersion", " 3.1 \0x"s);
+    install("pellin.exe", "040904B0", "ProductVersion", "9");
     const auto window = std::make_shared<frmMain>(platform.manager, platform.platform);
     window->Load();
     window->mnuToolsCurrentVersions.Press();

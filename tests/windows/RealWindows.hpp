@@ -18,22 +18,7 @@ struct RealWindows : ReportingPlatform {
     Win32MessagePump queue;
     Win32Peers windows{queue};
     Win32Pictures images{files};
-    Platform real{.clipboard = clipboard,
-                  .clock = clock,
-                  .codePage = codePage,
-                  .dialogs = dialogs,
-                  .files = files,
-                  .versions = versions,
-                  .folders = folders,
-                  .boxes = boxes,
-                  .pump = queue,
-                  .peers = windows,
-                  .pictures = images,
-                  .process = process,
-                  .registry = registry,
-                  .ports = ports,
-                  .shell = shell,
-                  .strings = strings};
+    Platform real = With({.pump = &queue, .peers = &windows, .pictures = &images});
     WindowManager manager{windows, queue};
 };
 

@@ -16,11 +16,19 @@ namespace vantor {
 class HeadlessFiles : public Files {
 public:
     bool Exists(const std::string& path) const override;
-    bool SameFile(const std::string& path, const std::string& other) const override;
-    std::uint64_t Size(const std::string& path) const override;
-    std::string ReadStart(const std::string& path, std::size_t most) const override;
-    void WriteAll(const std::string& path, std::string_view bytes) override;
-    void Append(const std::string& path, std::string_view bytes) override;
+    bool SameFile(const std::string& path, const std::string& other) const override {
+        return Exists(path) && Normal(path) == Normal(other);
+    }
+    std::uint64_t Size(const std::string& path) const override { return Contents(path).size(); }
+    std::string ReadStart(const std::string& path, std::size_t most) const override {
+        return Contents(path).substr(0, most);
+    }
+    void WriteAll(const std::string& path, std::string_view bytes) override {
+        Writable(path) = bytes;
+    }
+    void Append(const std::string& path, std::string_view bytes) override {
+        Writable(path) += bytes;
+    }
     std::unique_ptr<OutputFile> Create(const std::string& path) override;
     void Delete(const std::string& path) override;
     void CreateFolders(const std::string& path) override;
@@ -31,7 +39,9 @@ public:
     void Add(const std::string& path, std::string_view bytes);
 
     /// Every operation on `path` that can raise raises `errorNumber` from now on; 0 ends that.
-    void FailOn(const std::string& path, std::int32_t errorNumber);
+    void FailOn(const std::string& path, std::int32_t errorNumber) {
+        mFailures[Normal(path)] = errorNumber;
+    }
 
     /// Makes `path` a file that exists when checked and is gone (error 53) when used.
     void MakeVanishing(const std::string& path);
@@ -39,23 +49,21 @@ public:
     /// From now on `path` cannot be deleted (70).
     void Hold(const std::string& path) { mHeld.insert(Normal(path)); }
 
-    /// Marks a file as a hidden or a system one.
+    /// Marks a file as hidden. There are no system files.
     void SetHidden(const std::string& path) { mHidden.insert(Normal(path)); }
-    void SetSystem(const std::string& path) { mSystem.insert(Normal(path)); }
 
 private:
-    static std::string Normal(const std::string& path);
-    static std::string FolderOf(const std::string& normalPath);
+    static std::string Normal(std::string_view path);
+    static std::string ParentOf(const std::string& normalPath);
     void CheckFailure(const std::string& normalPath) const;
     const std::string& Contents(const std::string& path) const;
     std::string& Writable(const std::string& path);
 
     std::map<std::string, std::string> mFiles;  // by normal path, like all the others
-    std::set<std::string> mFolders;
+    std::set<std::string> mFolders = {"", "/"};
     std::set<std::string> mVanishing;
     std::set<std::string> mHeld;
     std::set<std::string> mHidden;
-    std::set<std::string> mSystem;
     std::map<std::string, std::int32_t> mFailures;
 };
 

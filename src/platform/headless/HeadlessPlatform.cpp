@@ -63,20 +63,25 @@ bool HeadlessDialogs::Answer(FileDialogRecord& record) {
     return true;
 }
 
-std::shared_ptr<const Picture> HeadlessPictures::Load(const std::string& path) {
-    if (mFiles.ReadAll(path).find("damaged") != std::string::npos)
-        throw RuntimeError(ErrorNumber::InvalidPicture);
-    return std::make_shared<Picture>();
+bool HeadlessVersions::ReadBlock(const std::string& path, std::vector<char>& block) const {
+    block.assign(path.begin(), path.end());
+    return resources.contains(path);
 }
 
-const std::string& HeadlessFolders::Home() const {
-    if (home.empty()) throw RuntimeError(ErrorNumber::PathNotFound);
-    return home;
+bool HeadlessVersions::QueryTranslation(const std::vector<char>& block, std::uint16_t& language,
+                                        std::uint16_t& codePage) const {
+    language = Of(block).language;
+    codePage = Of(block).codePage;
+    return true;
 }
 
-std::string HeadlessProcess::ExecutablePath() const {
-    if (executable.empty()) throw RuntimeError(ErrorNumber::FileNotFound);
-    return executable;
+bool HeadlessVersions::QueryString(const std::vector<char>& block, const std::string& subBlock,
+                                   std::string& value) const {
+    const Resource& resource = Of(block);
+    const auto found = resource.strings.find(subBlock);
+    if (found == resource.strings.end()) return false;
+    value = found->second;
+    return true;
 }
 
 std::unique_ptr<FormPeer> HeadlessPeers::Draw(Form& form) {
@@ -84,23 +89,26 @@ std::unique_ptr<FormPeer> HeadlessPeers::Draw(Form& form) {
     return std::make_unique<HeadlessPeer>(*this, form);
 }
 
-HeadlessPlatform::HeadlessPlatform(Language language)
-    : strings(language),
-      platform{.clipboard = clipboard,
-               .clock = clock,
-               .codePage = codePage,
-               .dialogs = dialogs,
-               .files = files,
-               .versions = versions,
-               .folders = folders,
-               .boxes = boxes,
-               .pump = pump,
-               .peers = peers,
-               .pictures = pictures,
-               .process = process,
-               .registry = registry,
-               .ports = ports,
-               .shell = shell,
-               .strings = strings} {}
+Platform HeadlessPlatform::With(const Replacements& replacements) {
+    const auto oneOf = [](auto* replacement, auto& own) -> auto& {
+        return replacement != nullptr ? *replacement : own;
+    };
+    return {.clipboard = clipboard,
+            .clock = oneOf(replacements.clock, clock),
+            .codePage = codePage,
+            .dialogs = dialogs,
+            .files = oneOf(replacements.files, files),
+            .versions = versions,
+            .folders = folders,
+            .boxes = boxes,
+            .pump = oneOf(replacements.pump, pump),
+            .peers = oneOf(replacements.peers, peers),
+            .pictures = oneOf(replacements.pictures, pictures),
+            .process = process,
+            .registry = registry,
+            .ports = oneOf(replacements.ports, ports),
+            .shell = shell,
+            .strings = strings};
+}
 
 }  // namespace vantor

@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <deque>
 #include <functional>
+#include <map>
 #include <memory>
 #include <optional>
 #include <string>
@@ -14,6 +15,7 @@
 #include "platform/Clipboard.hpp"
 #include "platform/Clock.hpp"
 #include "platform/CommonDialogs.hpp"
+#include "platform/FileVersions.hpp"
 #include "platform/Folders.hpp"
 #include "platform/MessageBoxes.hpp"
 #include "platform/Peers.hpp"
@@ -27,7 +29,6 @@
 #include "platform/portable/CompiledStrings.hpp"
 #include "platform/portable/PolledPump.hpp"
 #include "platform/portable/RegistryHive.hpp"
-#include "platform/portable/VersionResources.hpp"
 #include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
@@ -49,7 +50,7 @@ public:
 
     void PumpPending() override {
         ++pumps;
-        GetClock().Sleep(1);
+        mClock.Sleep(1);
         PolledPump::PumpPending();
     }
 
@@ -86,13 +87,19 @@ public:
     std::string home = "/home/tech";  ///< empty: the system has neither folder
 
 private:
-    const std::string& Home() const;
+    const std::string& Home() const {
+        if (home.empty()) throw RuntimeError(ErrorNumber::PathNotFound);
+        return home;
+    }
 };
 
 class HeadlessProcess : public Process {
 public:
     const std::vector<std::string>& Arguments() const override { return arguments; }
-    std::string ExecutablePath() const override;
+    std::string ExecutablePath() const override {
+        if (executable.empty()) throw RuntimeError(ErrorNumber::FileNotFound);
+        return executable;
+    }
     bool AnotherInstanceRuns(const std::string&) override { return anotherRuns; }
     void InstallUnhandledExceptionFilter(const std::string&) override { ++filters; }
 
@@ -152,7 +159,11 @@ private:
 class HeadlessPictures : public Pictures {
 public:
     explicit HeadlessPictures(const Files& files) : mFiles(files) {}
-    std::shared_ptr<const Picture> Load(const std::string& path) override;
+    std::shared_ptr<const Picture> Load(const std::string& path) override {
+        if (mFiles.ReadAll(path).find("damaged") != std::string::npos)
+            throw RuntimeError(ErrorNumber::InvalidPicture);
+        return std::make_shared<Picture>();
+    }
 
 private:
     const Files& mFiles;
@@ -187,8 +198,48 @@ private:
     ShellProcess mLastProcess = 0;
 };
 
+/// Version resources of the files in `resources`. The block of a file is its path.
+class HeadlessVersions : public FileVersions {
+public:
+    struct Resource {
+        std::uint16_t language = 0;
+        std::uint16_t codePage = 0;
+        std::map<std::string, std::string> strings;  ///< by sub-block
+    };
+
+    std::uint32_t BlockSize(const std::string& path) const override {
+        return resources.contains(path) ? static_cast<std::uint32_t>(path.size()) : 0;
+    }
+    bool ReadBlock(const std::string& path, std::vector<char>& block) const override;
+    bool QueryTranslation(const std::vector<char>& block, std::uint16_t& language,
+                          std::uint16_t& codePage) const override;
+    bool QueryString(const std::vector<char>& block, const std::string& subBlock,
+                     std::string& value) const override;
+
+    std::map<std::string, Resource> resources;  ///< by path
+
+private:
+    const Resource& Of(const std::vector<char>& block) const {
+        return resources.at({block.begin(), block.end()});
+    }
+};
+
+/// Services that replace headless ones; those that are null do not.
+struct Replacements {
+    Clock* clock = nullptr;
+    Files* files = nullptr;
+    MessagePump* pump = nullptr;
+    Peers* peers = nullptr;
+    Pictures* pictures = nullptr;
+    SerialPorts* ports = nullptr;
+};
+
 struct HeadlessPlatform {
-    explicit HeadlessPlatform(Language language = Language::English);
+    explicit HeadlessPlatform(Language language = Language::English)
+        : strings(language), platform(With({})) {}
+
+    /// This platform with `replacements`, which must outlive the result.
+    Platform With(const Replacements& replacements);
 
     MemoryClipboard clipboard;
     HeadlessClock clock;
@@ -196,7 +247,7 @@ struct HeadlessPlatform {
     CodePage1252 codePage;
     HeadlessDialogs dialogs;
     HeadlessFiles files;
-    VersionResources versions{files};
+    HeadlessVersions versions;
     HeadlessFolders folders;
     HeadlessPeers peers;
     HeadlessMessageBoxes boxes{peers};

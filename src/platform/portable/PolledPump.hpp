@@ -19,36 +19,35 @@ public:
 
     void PumpPending() override;
     void Run() override;
-    void Quit() override;
+    void Quit() override { mQuit = true; }
     TimerId StartTimer(std::uint32_t intervalMs, std::function<void()> tick) override;
-    void StopTimer(TimerId id) override;
+    void StopTimer(TimerId id) override { mTimers.erase(id); }
 
     /// Calls `poll` once per pump until removed. A source may add and remove sources and timers,
     /// itself included, and may pump.
     SourceId AddSource(std::function<void()> poll);
-    void RemoveSource(SourceId id);
+    void RemoveSource(SourceId id) { mSources.erase(id); }
 
 protected:
     /// Called by `Run` after each pass, to avoid a busy-wait.
-    virtual void Rest();
+    virtual void Rest() { mClock.Sleep(1); }
 
-    Clock& GetClock() { return mClock; }
+    Clock& mClock;
 
 private:
-    struct RunningTimer {
-        std::uint32_t intervalMs;
+    struct Callback {
+        std::uint32_t intervalMs;  // 0: due at each pump
         std::uint32_t startedAt;
-        std::function<void()> tick;
+        std::function<void()> call;
 
         bool IsDue(std::uint32_t now) const;
     };
+    using Callbacks = std::map<std::uint32_t, Callback>;  // by identifier
 
-    void FireDueTimers(std::uint32_t now);
-    void PollSources();
+    static void CallDue(Callbacks& callbacks, std::uint32_t now);
 
-    Clock& mClock;
-    std::map<TimerId, RunningTimer> mTimers;
-    std::map<SourceId, std::function<void()>> mSources;
+    Callbacks mTimers;
+    Callbacks mSources;
     std::uint32_t mLastId = 0;
     bool mQuit = false;
 };

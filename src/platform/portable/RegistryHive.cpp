@@ -1,11 +1,8 @@
 #include "platform/portable/RegistryHive.hpp"
 
 #include <algorithm>
-#include <cstddef>
 #include <limits>
 #include <utility>
-
-#include "platform/portable/RegistryExport.hpp"
 
 namespace vantor {
 namespace {
@@ -27,76 +24,59 @@ std::string Folded(std::string_view name) {
     return folded;
 }
 
+/// The path of a key; empty for an unknown root.
+RegistryPath PathOf(RegistryRoot root, const std::string& path) {
+    for (const auto& [known, name] : kRegistryRoots)
+        if (known == root) return SplitRegistryPath(std::string(name) + '\\' + path);
+    return {};
+}
+
 }  // namespace
 
-struct RegistryHive::Node {
-    std::string name;
-    std::map<std::string, std::unique_ptr<Node>> children;  // by folded name
-    std::map<std::string, RegistryValue> values;            // by folded name
-};
-
-RegistryHive::RegistryHive() {
-    Clear();
-}
-
-RegistryHive::~RegistryHive() = default;
-
 void RegistryHive::Clear() {
-    for (const RegistryRoot root : {RegistryRoot::CurrentUser, RegistryRoot::LocalMachine})
-        mRoots[root] = std::make_unique<Node>();
+    mRoots = {};
+    for (const auto& root : kRegistryRoots) Create({std::string(root.second)});
 }
 
-RegistryHive::Node* RegistryHive::FindChild(const Node& parent, const std::string& name) {
-    const auto found = parent.children.find(Folded(name));
-    return found == parent.children.end() ? nullptr : found->second.get();
-}
-
-RegistryHive::Node* RegistryHive::Find(const RegistryKeyPath& path) const {
-    const auto root = mRoots.find(path.root);
-    Node* node = root == mRoots.end() ? nullptr : root->second.get();
-    for (const std::string& part : path.parts) node = node ? FindChild(*node, part) : nullptr;
+/// Null when there is no such key.
+const RegistryHive::Node* RegistryHive::Find(const RegistryPath& path) const {
+    const Node* node = &mRoots;
+    for (const std::string& part : path) {
+        const auto child = node->children.find(Folded(part));
+        if (child == node->children.end()) return nullptr;
+        node = &child->second;
+    }
     return node;
 }
 
-RegistryResult RegistryHive::Create(const RegistryKeyPath& path, Node*& node) {
-    const auto root = mRoots.find(path.root);
-    if (root == mRoots.end()) return kRegistryInvalidHandle;
-    if (path.parts.size() > kMaxRegistryDepth) return kInvalidParameter;
-    for (const std::string& part : path.parts)
-        if (part.size() > kMaxRegistryName) return kInvalidParameter;
-    node = root->second.get();
-    for (const std::string& part : path.parts) {
-        std::unique_ptr<Node>& child = node->children[Folded(part)];
-        if (!child) {
-            child = std::make_unique<Node>();
-            child->name = part;
-        }
-        node = child.get();
+/// Null when the path exceeds the limits of a registry.
+RegistryHive::Node* RegistryHive::Create(const RegistryPath& path) {
+    if (path.size() > kMaxRegistryDepth) return nullptr;
+    for (const std::string& part : path)
+        if (part.size() > kMaxRegistryName) return nullptr;
+    Node* node = &mRoots;
+    for (const std::string& part : path) {
+        node = &node->children[Folded(part)];
+        if (node->name.empty()) node->name = part;
     }
-    return kRegistrySuccess;
-}
-
-RegistryKey RegistryHive::NewHandle(RegistryKeyPath path, std::uint32_t access) {
-    mHandles.emplace(++mLastHandle, Handle{std::move(path), access});
-    return mLastHandle;
+    return node;
 }
 
 RegistryResult RegistryHive::OpenKey(RegistryRoot root, const std::string& path,
                                      std::uint32_t access, RegistryKey& key) {
-    RegistryKeyPath wanted{root, SplitRegistryPath(path)};
-    if (!mRoots.contains(root)) return kRegistryInvalidHandle;
+    RegistryPath wanted = PathOf(root, path);
+    if (wanted.empty()) return kRegistryInvalidHandle;
     if (Find(wanted) == nullptr) return kRegistryFileNotFound;
-    key = NewHandle(std::move(wanted), access);
+    key = ++mLastHandle;
+    mHandles[key] = {std::move(wanted), access};
     return kRegistrySuccess;
 }
 
 RegistryResult RegistryHive::CreateKey(RegistryRoot root, const std::string& path,
                                        std::uint32_t access, RegistryKey& key) {
-    RegistryKeyPath wanted{root, SplitRegistryPath(path)};
-    Node* node = nullptr;
-    const RegistryResult result = Create(wanted, node);
-    if (result == kRegistrySuccess) key = NewHandle(std::move(wanted), access);
-    return result;
+    const RegistryPath wanted = PathOf(root, path);
+    if (!wanted.empty() && Create(wanted) == nullptr) return kInvalidParameter;
+    return RegistryHive::OpenKey(root, path, access, key);
 }
 
 RegistryResult RegistryHive::QueryValue(RegistryKey key, const std::string& name,
@@ -126,10 +106,7 @@ RegistryResult RegistryHive::SetValue(RegistryKey key, const std::string& name, 
     if ((handle->second.access & kRegistrySetValue) == 0) return kRegistryAccessDenied;
     if (bytes.size() > std::numeric_limits<std::uint32_t>::max()) return kInvalidParameter;
     // Another program may have removed the key meanwhile; the value is stored nevertheless.
-    Node* node = nullptr;
-    const RegistryResult result = Create(handle->second.path, node);
-    if (result != kRegistrySuccess) return result;
-    RegistryValue& value = node->values[Folded(name)];
+    RegistryValue& value = Create(handle->second.path)->values[Folded(name)];
     if (value.name.empty()) value.name = name.substr(0, name.find('\0'));
     value.type = type;
     value.bytes = bytes;
@@ -140,25 +117,22 @@ RegistryResult RegistryHive::CloseKey(RegistryKey key) {
     return mHandles.erase(key) == 0 ? kRegistryInvalidHandle : kRegistrySuccess;
 }
 
-void RegistryHive::ExportKeys(const Node& parent, RegistryKeyPath& path, std::string& text) {
-    if (!parent.values.empty() || (parent.children.empty() && !path.parts.empty())) {
-        text += '\n' + WriteKeyLine(path) + '\n';
-        for (const auto& entry : parent.values) text += WriteValueLine(entry.second) + '\n';
+/// `path` is that of `node`, as in a key line. A key without values is implied by its children.
+void RegistryHive::ExportKeys(const Node& node, const std::string& path, std::string& text) {
+    const bool isRoot = path.find('\\') == std::string::npos;
+    if (!node.values.empty() || (node.children.empty() && !isRoot)) {
+        text += "\n[" + path + "]\n";
+        for (const auto& entry : node.values) text += WriteValueLine(entry.second) + '\n';
     }
-    for (const auto& entry : parent.children) {
-        path.parts.push_back(entry.second->name);
-        ExportKeys(*entry.second, path, text);
-        path.parts.pop_back();
-    }
+    const std::string start = path.empty() ? path : path + '\\';
+    for (const auto& [folded, child] : node.children)
+        ExportKeys(child, start + EscapedKeyName(child.name), text);
 }
 
 std::string RegistryHive::Export() const {
     std::string text(kRegistryTextHeader);
     text += '\n';
-    for (const auto& [root, node] : mRoots) {
-        RegistryKeyPath path{root, {}};
-        ExportKeys(*node, path, text);
-    }
+    ExportKeys(mRoots, {}, text);
     return text;
 }
 
@@ -166,11 +140,9 @@ std::size_t RegistryHive::Import(std::string_view file) {
     RegistryExport read = ReadRegistryExport(file);
     if (read.damagedLine != 0) return read.damagedLine;
     for (ExportedKey& key : read.keys) {
-        Node* node = nullptr;
-        // Refuses only what the reader treats as damage.
-        static_cast<void>(Create(key.path, node));
+        Node& node = *Create(key.path);  // the reader has checked the limits
         for (RegistryValue& value : key.values)
-            node->values.insert_or_assign(Folded(value.name), std::move(value));
+            node.values.insert_or_assign(Folded(value.name), std::move(value));
     }
     return 0;
 }

@@ -5,10 +5,8 @@
 #include <cstddef>
 #include <cstdint>
 #include <map>
-#include <memory>
 #include <string>
 #include <string_view>
-#include <vector>
 
 #include "platform/Registry.hpp"
 #include "platform/portable/RegistryText.hpp"
@@ -18,8 +16,7 @@ namespace vantor {
 /// Handles refer to a key by its path, so they stay valid across an import.
 class RegistryHive : public Registry {
 public:
-    RegistryHive();
-    ~RegistryHive() override;
+    RegistryHive() { Clear(); }
 
     RegistryResult OpenKey(RegistryRoot root, const std::string& path, std::uint32_t access,
                            RegistryKey& key) override;
@@ -43,19 +40,21 @@ public:
     void Clear();
 
 private:
-    struct Node;
+    struct Node {
+        std::string name;
+        std::map<std::string, Node> children;         // by folded name
+        std::map<std::string, RegistryValue> values;  // by folded name
+    };
     struct Handle {
-        RegistryKeyPath path;
+        RegistryPath path;
         std::uint32_t access = 0;
     };
 
-    static Node* FindChild(const Node& parent, const std::string& name);
-    static void ExportKeys(const Node& parent, RegistryKeyPath& path, std::string& text);
-    Node* Find(const RegistryKeyPath& path) const;
-    RegistryResult Create(const RegistryKeyPath& path, Node*& node);
-    RegistryKey NewHandle(RegistryKeyPath path, std::uint32_t access);
+    static void ExportKeys(const Node& node, const std::string& path, std::string& text);
+    const Node* Find(const RegistryPath& path) const;
+    Node* Create(const RegistryPath& path);
 
-    std::map<RegistryRoot, std::unique_ptr<Node>> mRoots;
+    Node mRoots;  // the parent of the root keys
     std::map<RegistryKey, Handle> mHandles;
     RegistryKey mLastHandle = 0;
 };

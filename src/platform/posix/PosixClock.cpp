@@ -1,32 +1,44 @@
-#include "platform/posix/PosixClock.hpp"
-
+// The system clocks on POSIX.
 #include <time.h>
 
 #include <cerrno>
 
+#include "platform/posix/PosixServices.hpp"
+
 namespace vantor {
+namespace {
 
-std::uint32_t PosixClock::Milliseconds() const {
-    timespec now{};
-    static_cast<void>(clock_gettime(CLOCK_MONOTONIC, &now));  // this clock always exists
-    const std::int64_t ms = static_cast<std::int64_t>(now.tv_sec) * 1000 + now.tv_nsec / 1000000;
-    return static_cast<std::uint32_t>(ms);
-}
+class PosixClock : public Clock {
+public:
+    std::uint32_t Milliseconds() const override {
+        timespec now{};
+        clock_gettime(CLOCK_MONOTONIC, &now);  // this clock always exists
+        const std::int64_t ms =
+            static_cast<std::int64_t>(now.tv_sec) * 1000 + now.tv_nsec / 1000000;
+        return static_cast<std::uint32_t>(ms);
+    }
 
-void PosixClock::Sleep(std::uint32_t ms) {
-    timespec left{};
-    left.tv_sec = static_cast<time_t>(ms / 1000);
-    left.tv_nsec = static_cast<long>(ms % 1000) * 1000000;
-    // A signal ends the sleep early; callers rely on the minimum.
-    while (nanosleep(&left, &left) != 0 && errno == EINTR) continue;
-}
+    void Sleep(std::uint32_t ms) override {
+        timespec left{};
+        left.tv_sec = static_cast<time_t>(ms / 1000);
+        left.tv_nsec = static_cast<long>(ms % 1000) * 1000000;
+        // A signal ends the sleep early; callers rely on the minimum.
+        while (nanosleep(&left, &left) != 0 && errno == EINTR) continue;
+    }
 
-DateTime PosixClock::Now() const {
-    const time_t now = time(nullptr);
-    tm local{};
-    if (localtime_r(&now, &local) == nullptr) return {};
-    return {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
-            local.tm_hour,        local.tm_min,     local.tm_sec};
+    DateTime Now() const override {
+        const time_t now = time(nullptr);
+        tm local{};
+        if (localtime_r(&now, &local) == nullptr) return {};
+        return {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
+                local.tm_hour,        local.tm_min,     local.tm_sec};
+    }
+};
+
+}  // namespace
+
+std::unique_ptr<Clock> MakePosixClock() {
+    return std::make_unique<PosixClock>();
 }
 
 }  // namespace vantor

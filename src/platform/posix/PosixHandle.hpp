@@ -1,9 +1,13 @@
-// Owns a file descriptor and closes it. Does no I/O.
+// Owns a file descriptor and closes it; reads and writes through one completely.
 #pragma once
 
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
+#include <cstddef>
+#include <string>
+#include <string_view>
 #include <utility>
 
 namespace vantor {
@@ -19,7 +23,7 @@ public:
     }
     // A failed close needs no handling: the descriptor is released either way.
     ~PosixHandle() {
-        if (IsOpen()) static_cast<void>(close(mDescriptor));
+        if (IsOpen()) close(mDescriptor);
     }
 
     bool IsOpen() const { return mDescriptor >= 0; }
@@ -36,5 +40,26 @@ auto Uninterrupted(Call call) {
     while (result < 0 && errno == EINTR) result = call();
     return result;
 }
+
+/// Writes `bytes` and removes from it what was written. False on failure, with the reason in errno.
+/// Async-signal-safe.
+inline bool WriteAll(int descriptor, std::string_view& bytes) {
+    while (!bytes.empty()) {
+        const ssize_t count =
+            Uninterrupted([&] { return write(descriptor, bytes.data(), bytes.size()); });
+        if (count <= 0) return false;
+        bytes.remove_prefix(static_cast<std::size_t>(count));
+    }
+    return true;
+}
+
+struct FileContents {
+    int systemError = 0;  ///< why there are none; EISDIR for anything but a regular file
+    struct stat status {};
+    std::string bytes;
+};
+
+/// The first `most` bytes of the file `path`, or all if there are fewer.
+FileContents ReadRegularFile(const std::string& path, std::size_t most = std::string::npos);
 
 }  // namespace vantor

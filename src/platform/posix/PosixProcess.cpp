@@ -1,5 +1,4 @@
-#include "platform/posix/PosixProcess.hpp"
-
+// The running process on POSIX.
 #include <fcntl.h>
 #include <signal.h>
 #include <sys/file.h>
@@ -8,12 +7,17 @@
 #include <algorithm>
 #include <array>
 #include <cerrno>
-#include <climits>
 #include <cstddef>
 #include <cstdlib>
 #include <exception>
+#include <filesystem>
+#include <map>
 #include <string_view>
+#include <system_error>
+#include <vector>
 
+#include "platform/posix/PosixHandle.hpp"
+#include "platform/posix/PosixServices.hpp"
 #include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
@@ -46,12 +50,7 @@ constexpr std::array kSignalNames = {
 
 // Async-signal-safe. A failed write is ignored: there is no other channel to report it.
 void Say(std::string_view words) {
-    while (!words.empty()) {
-        const ssize_t count =
-            Uninterrupted([&] { return write(STDERR_FILENO, words.data(), words.size()); });
-        if (count <= 0) return;
-        words.remove_prefix(static_cast<std::size_t>(count));
-    }
+    WriteAll(STDERR_FILENO, words);
 }
 
 void SayTitle() {
@@ -70,7 +69,7 @@ void OnFatalSignal(int signal, siginfo_t* info, void*) {
     SayTitle();
     Say(name);
     Say("\n");
-    static_cast<void>(raise(signal));
+    raise(signal);
 }
 
 [[noreturn]] void OnTerminate() {
@@ -101,58 +100,60 @@ std::string LockFile(const std::string& title) {
     return "/tmp/" + name + '-' + std::to_string(getuid()) + ".lock";
 }
 
-std::string_view Environment(const char* name) {
-    const char* const value = std::getenv(name);
-    return value == nullptr ? std::string_view() : value;
-}
+class PosixProcess : public Process {
+public:
+    PosixProcess(int argumentCount, const char* const* arguments) {
+        for (int i = 1; i < argumentCount; ++i) mArguments.emplace_back(arguments[i]);
+    }
+
+    const std::vector<std::string>& Arguments() const override { return mArguments; }
+
+    std::string ExecutablePath() const override {
+        std::error_code failed;
+        const auto path = std::filesystem::read_symlink("/proc/self/exe", failed);
+        if (failed) throw RuntimeError(ErrorNumber::FileNotFound);
+        return path;
+    }
+
+    bool AnotherInstanceRuns(const std::string& title) override {
+        if (mPlaces.contains(title)) return false;
+        const std::string path = LockFile(title);
+        // O_NOFOLLOW: any user can create a symbolic link in a shared folder.
+        PosixHandle file(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
+        if (!file.IsOpen()) return false;
+        if (Uninterrupted([&] { return flock(file.Get(), LOCK_EX | LOCK_NB); }) != 0)
+            return errno == EWOULDBLOCK;
+        mPlaces.emplace(title, std::move(file));
+        return false;
+    }
+
+    void InstallUnhandledExceptionFilter(const std::string& title) override {
+        gTitle[title.copy(gTitle.data(), gTitle.size() - 1)] = '\0';
+        std::set_terminate(OnTerminate);
+
+        // An overflowed stack has no space for the handler.
+        stack_t stack{};
+        stack.ss_sp = gAlternateStack.data();
+        stack.ss_size = gAlternateStack.size();
+        sigaltstack(&stack, nullptr);  // on failure a stack overflow goes unreported
+
+        struct sigaction action {};
+        action.sa_sigaction = OnFatalSignal;
+        action.sa_flags = SA_SIGINFO | SA_ONSTACK | static_cast<int>(SA_RESETHAND);
+        sigemptyset(&action.sa_mask);
+        for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL})
+            sigaction(signal, &action, nullptr);  // fails for bad numbers only
+    }
+
+private:
+    std::vector<std::string> mArguments;
+    std::map<std::string, PosixHandle> mPlaces;  // by title, locked until this process ends
+};
 
 }  // namespace
 
-Language LanguageOfEnvironment() {
-    return LanguageOfLocale(Environment("LC_ALL"), Environment("LC_MESSAGES"), Environment("LANG"));
-}
-
-PosixProcess::PosixProcess(int argumentCount, const char* const* arguments) {
-    for (int i = 1; i < argumentCount; ++i) mArguments.emplace_back(arguments[i]);
-}
-
-std::string PosixProcess::ExecutablePath() const {
-    std::array<char, PATH_MAX> path{};
-    const ssize_t length = readlink("/proc/self/exe", path.data(), path.size());
-    if (length <= 0) throw RuntimeError(ErrorNumber::FileNotFound);
-    return {path.data(), static_cast<std::size_t>(length)};
-}
-
-bool PosixProcess::AnotherInstanceRuns(const std::string& title) {
-    if (mPlaces.contains(title)) return false;
-    const std::string path = LockFile(title);
-    // O_NOFOLLOW: any user can create a symbolic link in a shared folder.
-    PosixHandle file(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC | O_NOFOLLOW, 0600));
-    if (!file.IsOpen()) return false;
-    if (Uninterrupted([&] { return flock(file.Get(), LOCK_EX | LOCK_NB); }) != 0)
-        return errno == EWOULDBLOCK;
-    mPlaces.emplace(title, std::move(file));
-    return false;
-}
-
-void PosixProcess::InstallUnhandledExceptionFilter(const std::string& title) {
-    const std::size_t length = std::min(title.size(), gTitle.size() - 1);
-    std::copy_n(title.begin(), length, gTitle.begin());
-    gTitle[length] = '\0';
-    std::set_terminate(OnTerminate);
-
-    // An overflowed stack has no space for the handler.
-    stack_t stack{};
-    stack.ss_sp = gAlternateStack.data();
-    stack.ss_size = gAlternateStack.size();
-    static_cast<void>(sigaltstack(&stack, nullptr));  // on failure a stack overflow goes unreported
-
-    struct sigaction action {};
-    action.sa_sigaction = OnFatalSignal;
-    action.sa_flags = SA_SIGINFO | SA_ONSTACK | static_cast<int>(SA_RESETHAND);
-    static_cast<void>(sigemptyset(&action.sa_mask));
-    for (const int signal : {SIGSEGV, SIGBUS, SIGFPE, SIGILL})
-        static_cast<void>(sigaction(signal, &action, nullptr));  // fails for bad numbers only
+std::unique_ptr<Process> MakePosixProcess(int argumentCount, const char* const* arguments) {
+    return std::make_unique<PosixProcess>(argumentCount, arguments);
 }
 
 }  // namespace vantor

@@ -1,22 +1,27 @@
-#include "platform/posix/PosixRegistry.hpp"
-
+// The registry on POSIX. It adds only storage to the in-memory registry.
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <array>
 #include <cerrno>
-#include <climits>
 #include <cstddef>
 #include <cstdio>
 #include <ctime>
+#include <filesystem>
+#include <functional>
+#include <system_error>
+#include <tuple>
 #include <utility>
 
+#include "platform/portable/RegistryHive.hpp"
 #include "platform/posix/PosixHandle.hpp"
+#include "platform/posix/PosixServices.hpp"
 
 namespace vantor {
 namespace {
+
+namespace fs = std::filesystem;
 
 constexpr mode_t kFileMode = 0600;    // it holds a proxy password, although scrambled
 constexpr mode_t kFolderMode = 0700;  // as the XDG conventions require for configuration folders
@@ -36,32 +41,23 @@ ErrorNumber ErrorOf(int systemError) {
     return systemError == EIO ? ErrorNumber::DeviceIO : ErrorNumber::PathFileAccess;
 }
 
-std::string FolderOf(const std::string& path) {
-    const std::size_t slash = path.rfind('/');
-    if (slash == std::string::npos) return ".";
-    return slash == 0 ? "/" : path.substr(0, slash);
-}
-
 /// The target of `path` with symbolic links resolved. The target may not exist yet.
-std::string TargetOf(std::string path) {
+fs::path TargetOf(fs::path path) {
     constexpr int kMostLinks = 40;  // the system's limit
-    std::array<char, PATH_MAX> target{};
+    std::error_code isNoLink;
     for (int i = 0; i < kMostLinks; ++i) {
-        const ssize_t length = readlink(path.c_str(), target.data(), target.size());
-        if (length <= 0) break;
-        const std::string_view next(target.data(), static_cast<std::size_t>(length));
-        path = next.starts_with('/') ? std::string() : FolderOf(path).append("/");
-        path += next;
+        const fs::path next = fs::read_symlink(path, isNoLink);
+        if (isNoLink) break;
+        path = path.parent_path() / next;
     }
     return path;
 }
 
 // A failure shows when the file in the folder is created.
-void CreateFolders(const std::string& folder) {
-    for (std::size_t end = folder.find('/', 1); end != std::string::npos;
-         end = folder.find('/', end + 1))
-        static_cast<void>(mkdir(folder.substr(0, end).c_str(), kFolderMode));
-    static_cast<void>(mkdir(folder.c_str(), kFolderMode));
+void CreateFolders(const fs::path& folder) {
+    if (!folder.has_relative_path()) return;
+    CreateFolders(folder.parent_path());
+    mkdir(folder.c_str(), kFolderMode);
 }
 
 /// An open file, locked until it is destroyed; not open on failure, with the reason in errno.
@@ -73,152 +69,128 @@ PosixHandle LockedFile(const std::string& path) {
     for (int i = 0; file.IsOpen() && i < kTries; ++i) {
         if (flock(file.Get(), LOCK_EX | LOCK_NB) == 0) return file;
         if (errno != EWOULDBLOCK && errno != EINTR) return {};
-        static_cast<void>(nanosleep(&kPause, nullptr));  // a shorter pause is harmless
+        nanosleep(&kPause, nullptr);  // a shorter pause is harmless
     }
     return {};
 }
 
-bool WriteBytes(int descriptor, std::string_view bytes) {
-    while (!bytes.empty()) {
-        const ssize_t count =
-            Uninterrupted([&] { return write(descriptor, bytes.data(), bytes.size()); });
-        if (count < 0) return false;
-        bytes.remove_prefix(static_cast<std::size_t>(count));
-    }
-    return true;
-}
+/// Identifies one state of the file by node, size and time; all zero when there is no file.
+using Stamp = std::tuple<ino_t, off_t, time_t, long>;
 
-bool ReadBytes(int descriptor, std::string& bytes) {
-    std::array<char, 65536> buffer{};
-    for (;;) {
-        const ssize_t count =
-            Uninterrupted([&] { return read(descriptor, buffer.data(), buffer.size()); });
-        if (count <= 0) return count == 0;
-        bytes.append(buffer.data(), static_cast<std::size_t>(count));
-    }
-}
-
-}  // namespace
-
-std::string DefaultRegistryFile(const Folders& folders) {
-    return folders.ApplicationData() + "/tessmar-vantor-update/registry.reg";
-}
-
-PosixRegistry::Stamp PosixRegistry::StampOf(const struct stat& status) {
+Stamp StampOf(const struct stat& status) {
     return {status.st_ino, status.st_size, status.st_mtim.tv_sec, status.st_mtim.tv_nsec};
 }
 
-/// Reads the file if it changed since the last read.
-RegistryResult PosixRegistry::Refresh() {
-    struct stat status {};
-    const bool found = stat(mFile.c_str(), &status) == 0;
-    const bool missing = !found && IsMissing(errno);
-    const bool known = (found && StampOf(status) == mStamp) || (missing && mStamp == Stamp{});
-    return known && !mTold ? kRegistrySuccess : Reread();
-}
+class PosixRegistry : public RegistryHive {
+public:
+    explicit PosixRegistry(const std::string& file) : mFile(file) {}
 
-RegistryResult PosixRegistry::Reread() {
-    // Without O_NONBLOCK, opening a pipe in place of the file would block for ever.
-    const PosixHandle file(open(mFile.c_str(), O_RDONLY | O_CLOEXEC | O_NONBLOCK));
-    if (!file.IsOpen() && !IsMissing(errno)) return Tell({mFile, 0, ErrorOf(errno)});
-    std::string text;
-    Stamp stamp;
-    if (file.IsOpen()) {
-        struct stat status {};
-        if (fstat(file.Get(), &status) != 0) return Tell({mFile, 0, ErrorOf(errno)});
-        if (!S_ISREG(status.st_mode)) return Tell({mFile, 0, ErrorNumber::PathFileAccess});
-        if (!ReadBytes(file.Get(), text)) return Tell({mFile, 0, ErrorOf(errno)});
-        stamp = StampOf(status);
+    RegistryResult OpenKey(RegistryRoot root, const std::string& path, std::uint32_t access,
+                           RegistryKey& key) override {
+        const RegistryResult result = Refresh();
+        if (result != kRegistrySuccess) return result;
+        return RegistryHive::OpenKey(root, path, access, key);
     }
-    mHive.Clear();
-    if (const std::size_t line = mHive.Import(text); line != 0)
-        return Tell({mFile, line, ErrorNumber::InvalidFileFormat});
-    mStamp = stamp;
-    mTold = false;
-    return kRegistrySuccess;
-}
 
-RegistryResult PosixRegistry::Tell(const UnreadableStore& error) {
-    mHive.Clear();
-    if (std::exchange(mTold, true)) return kRegistryCorrupt;
-    throw error;
-}
-
-/// Writes a new file beside the old one and renames it: after a crash at any point, one of the
-/// two is complete.
-RegistryResult PosixRegistry::Save(const std::string& target, const std::string& text) {
-    const std::string newFile = target + ".new";
-    const PosixHandle file(
-        open(newFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kFileMode));
-    if (!file.IsOpen()) return ResultOf(errno);
-    struct stat status {};
-    if (!WriteBytes(file.Get(), text) || fsync(file.Get()) != 0 ||
-        fstat(file.Get(), &status) != 0 || rename(newFile.c_str(), target.c_str()) != 0) {
-        const RegistryResult result = ResultOf(errno);
-        static_cast<void>(unlink(newFile.c_str()));  // the failed write is the error to report
+    RegistryResult CreateKey(RegistryRoot root, const std::string& path, std::uint32_t access,
+                             RegistryKey& key) override {
+        RegistryResult result = OpenKey(root, path, access, key);
+        if (result != kRegistryFileNotFound) return result;
+        RegistryKey created = 0;
+        result = Change([&] { return RegistryHive::CreateKey(root, path, access, created); });
+        if (result == kRegistrySuccess)
+            key = created;
+        else
+            CloseKey(created);  // 0 when nothing was created
         return result;
     }
-    mStamp = StampOf(status);
-    // The rename is complete; some file systems cannot sync a folder and need not.
-    const PosixHandle folder(open(FolderOf(target).c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
-    if (folder.IsOpen()) static_cast<void>(fsync(folder.Get()));
-    return kRegistrySuccess;
-}
 
-/// Applies `change` to the newest state of the file and stores the result; reverts a change that
-/// cannot be stored. Reads the file regardless of its time stamp: two programs can write within one
-/// tick of the file system's clock.
-RegistryResult PosixRegistry::Change(const std::function<RegistryResult()>& change) {
-    const std::string target = TargetOf(mFile);
-    CreateFolders(FolderOf(target));
-    const PosixHandle lock = LockedFile(target + ".lock");
-    if (!lock.IsOpen()) return ResultOf(errno);
-    RegistryResult result = Reread();
-    if (result != kRegistrySuccess) return result;
-    const std::string before = mHive.Export();
-    result = change();
-    if (result != kRegistrySuccess) return result;
-    const std::string after = mHive.Export();
-    if (after == before) return kRegistrySuccess;
-    result = Save(target, after);
-    if (result == kRegistrySuccess) return result;
-    mHive.Clear();
-    static_cast<void>(mHive.Import(before));  // its own export
-    return result;
-}
+    RegistryResult SetValue(RegistryKey key, const std::string& name, std::uint32_t type,
+                            std::string_view bytes) override {
+        return Change([&] { return RegistryHive::SetValue(key, name, type, bytes); });
+    }
 
-RegistryResult PosixRegistry::OpenKey(RegistryRoot root, const std::string& path,
-                                      std::uint32_t access, RegistryKey& key) {
-    const RegistryResult result = Refresh();
-    return result == kRegistrySuccess ? mHive.OpenKey(root, path, access, key) : result;
-}
+private:
+    /// Reads the file if it changed since the last read.
+    RegistryResult Refresh() {
+        struct stat status {};
+        const bool found = stat(mFile.c_str(), &status) == 0;
+        const bool missing = !found && IsMissing(errno);
+        const bool known = (found && StampOf(status) == mStamp) || (missing && mStamp == Stamp{});
+        return known && !mTold ? kRegistrySuccess : Reread();
+    }
 
-RegistryResult PosixRegistry::CreateKey(RegistryRoot root, const std::string& path,
-                                        std::uint32_t access, RegistryKey& key) {
-    const RegistryResult result = OpenKey(root, path, access, key);
-    if (result != kRegistryFileNotFound) return result;
-    RegistryKey created = 0;
-    const RegistryResult outcome =
-        Change([&] { return mHive.CreateKey(root, path, access, created); });
-    if (outcome == kRegistrySuccess)
-        key = created;
-    else if (created != 0)
-        static_cast<void>(mHive.CloseKey(created));  // opened above
-    return outcome;
-}
+    RegistryResult Reread() {
+        const FileContents contents = ReadRegularFile(mFile);
+        const int error = contents.systemError;
+        if (error != 0 && !IsMissing(error)) return Tell({mFile, 0, ErrorOf(error)});
+        Clear();
+        if (const std::size_t line = Import(contents.bytes); line != 0)
+            return Tell({mFile, line, ErrorNumber::InvalidFileFormat});
+        mStamp = error == 0 ? StampOf(contents.status) : Stamp{};
+        mTold = false;
+        return kRegistrySuccess;
+    }
 
-RegistryResult PosixRegistry::QueryValue(RegistryKey key, const std::string& name,
-                                         std::uint32_t& type, char* data, std::uint32_t& size) {
-    return mHive.QueryValue(key, name, type, data, size);
-}
+    RegistryResult Tell(const UnreadableStore& error) {
+        Clear();
+        if (std::exchange(mTold, true)) return kRegistryCorrupt;
+        throw error;
+    }
 
-RegistryResult PosixRegistry::SetValue(RegistryKey key, const std::string& name, std::uint32_t type,
-                                       std::string_view bytes) {
-    return Change([&] { return mHive.SetValue(key, name, type, bytes); });
-}
+    /// Writes a new file beside the old one and renames it: after a crash at any point, one of the
+    /// two is complete.
+    RegistryResult Save(const fs::path& target, std::string_view text) {
+        const std::string newFile = target.string() + ".new";
+        const PosixHandle file(
+            open(newFile.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, kFileMode));
+        if (!file.IsOpen()) return ResultOf(errno);
+        struct stat status {};
+        if (!WriteAll(file.Get(), text) || fsync(file.Get()) != 0 ||
+            fstat(file.Get(), &status) != 0 || rename(newFile.c_str(), target.c_str()) != 0) {
+            const RegistryResult result = ResultOf(errno);
+            unlink(newFile.c_str());  // the failed write is the error to report
+            return result;
+        }
+        mStamp = StampOf(status);
+        // The rename is complete; some file systems cannot sync a folder and need not.
+        const fs::path folder = target.has_parent_path() ? target.parent_path() : ".";
+        const PosixHandle opened(open(folder.c_str(), O_RDONLY | O_DIRECTORY | O_CLOEXEC));
+        if (opened.IsOpen()) fsync(opened.Get());
+        return kRegistrySuccess;
+    }
 
-RegistryResult PosixRegistry::CloseKey(RegistryKey key) {
-    return mHive.CloseKey(key);
+    /// Applies `change` to the newest state of the file and stores the result; reverts a change
+    /// that cannot be stored. Reads the file regardless of its time stamp: two programs can write
+    /// within one tick of the file system's clock.
+    RegistryResult Change(const std::function<RegistryResult()>& change) {
+        const fs::path target = TargetOf(mFile);
+        CreateFolders(target.parent_path());
+        const PosixHandle lock = LockedFile(target.string() + ".lock");
+        if (!lock.IsOpen()) return ResultOf(errno);
+        RegistryResult result = Reread();
+        if (result != kRegistrySuccess) return result;
+        const std::string before = Export();
+        result = change();
+        if (result != kRegistrySuccess) return result;
+        const std::string after = Export();
+        if (after == before) return kRegistrySuccess;
+        result = Save(target, after);
+        if (result == kRegistrySuccess) return result;
+        Clear();
+        Import(before);
+        return result;
+    }
+
+    std::string mFile;
+    Stamp mStamp;        // of the contents in memory
+    bool mTold = false;  // UnreadableStore was raised
+};
+
+}  // namespace
+
+std::unique_ptr<Registry> MakePosixRegistry(const std::string& file) {
+    return std::make_unique<PosixRegistry>(file);
 }
 
 }  // namespace vantor

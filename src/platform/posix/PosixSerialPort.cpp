@@ -1,5 +1,5 @@
-#include "platform/posix/PosixSerialPort.hpp"
-
+// One open serial port on POSIX: raw termios, non-blocking. It does not handle names and lists of
+// ports.
 #include <fcntl.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
@@ -11,6 +11,9 @@
 #include <cerrno>
 #include <utility>
 
+#include "platform/posix/PosixHandle.hpp"
+#include "platform/posix/PosixMessagePump.hpp"
+#include "platform/posix/PosixServices.hpp"
 #include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
@@ -35,15 +38,9 @@ speed_t SpeedCode(std::uint32_t bitsPerSecond) {
 }
 
 [[noreturn]] void RaiseOpenError(int systemError) {
-    switch (systemError) {
-        case EACCES:
-        case EPERM:
-        case EBUSY:
-        case EWOULDBLOCK:
-            throw RuntimeError(ErrorNumber::PermissionDenied);
-        default:
-            throw RuntimeError(ErrorNumber::DeviceUnavailable);
-    }
+    const bool refused = systemError == EACCES || systemError == EPERM || systemError == EBUSY ||
+                         systemError == EWOULDBLOCK;
+    throw RuntimeError(refused ? ErrorNumber::PermissionDenied : ErrorNumber::DeviceUnavailable);
 }
 
 tcflag_t FrameFlags(const LineSettings& line) {
@@ -67,143 +64,161 @@ bool IsPseudoTerminal(int descriptor) {
     return number >= kFirstMajor && number <= kLastMajor;
 }
 
+class PosixSerialPort : public SerialPort {
+public:
+    PosixSerialPort(PosixMessagePump& pump, const std::string& device, const LineSettings& line)
+        : mPump(pump) {
+        constexpr int kFlags = O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC;
+        mDevice = PosixHandle(Uninterrupted([&] { return open(device.c_str(), kFlags); }));
+        if (!mDevice.IsOpen()) RaiseOpenError(errno);
+        if (isatty(mDevice.Get()) != 1) throw RuntimeError(ErrorNumber::DeviceUnavailable);
+        // flock comes before any change to a line that may be in use; unlike TIOCEXCL it also
+        // keeps out root. TIOCEXCL keeps out programs that do not use flock. It comes last:
+        // a port that is refused must not stay exclusive.
+        if (Uninterrupted([&] { return flock(mDevice.Get(), LOCK_EX | LOCK_NB); }) != 0)
+            RaiseOpenError(errno);
+        SetLine(line);
+        RaiseModemLines();
+        if (ioctl(mDevice.Get(), TIOCEXCL) != 0) RaiseOpenError(errno);
+        // Reading makes the driver deliver what it still buffers, so that all of it is discarded.
+        TakeInput();
+        mInput.clear();
+        tcflush(mDevice.Get(), TCIFLUSH);  // a lost device shows later
+        mPump.Watch(mDevice.Get());
+    }
+
+    ~PosixSerialPort() override {
+        StopNotifying();
+        mPump.Unwatch(mDevice.Get());
+        // TIOCEXCL persists while another program has the device open, such as the other side of
+        // a pseudo-terminal; the next open would fail.
+        ioctl(mDevice.Get(), TIOCNXCL);
+    }
+
+    PosixSerialPort(const PosixSerialPort&) = delete;
+    PosixSerialPort& operator=(const PosixSerialPort&) = delete;
+
+    std::size_t Read(std::span<char> into) override {
+        if (InputCount() == 0) return 0;
+        const std::size_t count = mInput.copy(into.data(), into.size());
+        mInput.erase(0, count);
+        return count;
+    }
+
+    std::size_t Write(std::string_view bytes) override {
+        if (mGone) RaiseGone();
+        if (bytes.empty()) return 0;
+        const ssize_t count =
+            Uninterrupted([&] { return write(mDevice.Get(), bytes.data(), bytes.size()); });
+        if (count >= 0) return static_cast<std::size_t>(count);
+        if (errno == EAGAIN) return 0;
+        RaiseGone();
+    }
+
+    std::size_t InputCount() override {
+        TakeInput();
+        if (mGone && mInput.empty()) RaiseGone();
+        return mInput.size();
+    }
+
+    std::size_t OutputCount() override {
+        TakeInput();
+        if (mGone) RaiseGone();
+        int count = 0;
+        if (ioctl(mDevice.Get(), TIOCOUTQ, &count) == 0) return static_cast<std::size_t>(count);
+        if (errno == ENOTTY || errno == EINVAL) return 0;  // the driver does not report this count
+        RaiseGone();
+    }
+
+    void DiscardInput() override {
+        mInput.clear();
+        TakeInput();
+        if (mGone || (!mInput.empty() && tcflush(mDevice.Get(), TCIFLUSH) != 0)) RaiseGone();
+        mInput.clear();
+    }
+
+    void NotifyOnInput(std::function<void()> notify) override {
+        StopNotifying();
+        mNotify = std::move(notify);
+        if (mNotify) mSource = mPump.AddSource([this] { PollInput(); });
+    }
+
+private:
+    void SetLine(const LineSettings& line) const {
+        const int descriptor = mDevice.Get();
+        const speed_t speed = SpeedCode(line.bitsPerSecond);
+        termios wanted{};
+        if (tcgetattr(descriptor, &wanted) != 0) RaiseOpenError(errno);
+        cfmakeraw(&wanted);
+        wanted.c_iflag = IGNBRK;  // a break is no byte: an indicator is switched off
+        const tcflag_t frameBits = CSIZE | CSTOPB | PARENB | PARODD;
+        wanted.c_cflag &= ~(frameBits | static_cast<tcflag_t>(CRTSCTS));
+        wanted.c_cflag |= FrameFlags(line) | CLOCAL | CREAD | HUPCL;
+        wanted.c_cc[VMIN] = 1;  // with 0, "no input" and "device lost" are indistinguishable
+        wanted.c_cc[VTIME] = 0;
+        if (cfsetispeed(&wanted, speed) != 0 || cfsetospeed(&wanted, speed) != 0 ||
+            tcsetattr(descriptor, TCSANOW, &wanted) != 0)
+            throw RuntimeError(ErrorNumber::InvalidCall);
+
+        // tcsetattr succeeds when any part of the request did, so the settings are read back.
+        termios got{};
+        if (tcgetattr(descriptor, &got) != 0) RaiseOpenError(errno);
+        const bool frameHolds = (got.c_cflag & frameBits) == (wanted.c_cflag & frameBits);
+        if (cfgetospeed(&got) != speed || (!frameHolds && !IsPseudoTerminal(descriptor)))
+            throw RuntimeError(ErrorNumber::InvalidCall);
+    }
+
+    void RaiseModemLines() const {
+        const int lines = TIOCM_DTR | TIOCM_RTS;
+        if (ioctl(mDevice.Get(), TIOCMBIS, &lines) == 0) return;
+        // Pseudo-terminals and three-wire adapters do not have these lines.
+        if (errno != ENOTTY && errno != EINVAL) RaiseOpenError(errno);
+    }
+
+    /// A single system call checks for and reads input, because wait loops call this. A lost device
+    /// shows as end of file or an error, after everything that it sent has been read.
+    void TakeInput() {
+        constexpr std::size_t kQueue = 4096;  // as the driver's, which keeps the rest
+        if (mGone || mInput.size() >= kQueue) return;
+        std::array<char, kQueue> chunk;
+        const ssize_t count = Uninterrupted(
+            [&] { return read(mDevice.Get(), chunk.data(), kQueue - mInput.size()); });
+        if (count > 0) mInput.append(chunk.data(), static_cast<std::size_t>(count));
+        mGone = count == 0 || (count < 0 && errno != EAGAIN);
+    }
+
+    [[noreturn]] void RaiseGone() {
+        mGone = true;
+        throw RuntimeError(ErrorNumber::DeviceIO);
+    }
+
+    void StopNotifying() {
+        if (mSource != 0) mPump.RemoveSource(std::exchange(mSource, 0));
+        mNotify = nullptr;
+    }
+
+    // The callback may destroy this port: a copy is called, and no member is used after it.
+    void PollInput() {
+        TakeInput();
+        if (mInput.empty() && !mGone) return;
+        const std::function<void()> notify = mNotify;
+        if (mInput.empty()) StopNotifying();
+        notify();
+    }
+
+    PosixMessagePump& mPump;
+    PosixHandle mDevice;
+    std::function<void()> mNotify;
+    SourceId mSource = 0;
+    std::string mInput;  // read from the device, but not yet by the caller
+    bool mGone = false;
+};
+
 }  // namespace
 
-PosixSerialPort::PosixSerialPort(PosixMessagePump& pump, const std::string& device,
-                                 const LineSettings& line)
-    : mPump(pump) {
-    constexpr int kFlags = O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC;
-    mDevice = PosixHandle(Uninterrupted([&] { return open(device.c_str(), kFlags); }));
-    if (!mDevice.IsOpen()) RaiseOpenError(errno);
-    if (isatty(mDevice.Get()) != 1) throw RuntimeError(ErrorNumber::DeviceUnavailable);
-    // flock comes before any change to a line that may be in use; unlike TIOCEXCL it also
-    // keeps out root. TIOCEXCL keeps out programs that do not use flock. It comes last:
-    // a port that is refused must not stay exclusive.
-    if (Uninterrupted([&] { return flock(mDevice.Get(), LOCK_EX | LOCK_NB); }) != 0)
-        RaiseOpenError(errno);
-    SetLine(line);
-    RaiseModemLines();
-    if (ioctl(mDevice.Get(), TIOCEXCL) != 0) RaiseOpenError(errno);
-    // Reading makes the driver deliver what it still buffers, so that all of it is discarded.
-    TakeInput();
-    mInput.clear();
-    static_cast<void>(tcflush(mDevice.Get(), TCIFLUSH));  // a lost device shows later
-    mPump.Watch(mDevice.Get());
-}
-
-PosixSerialPort::~PosixSerialPort() {
-    StopNotifying();
-    mPump.Unwatch(mDevice.Get());
-    // TIOCEXCL persists while another program has the device open, such as the other side of
-    // a pseudo-terminal; the next open would fail.
-    static_cast<void>(ioctl(mDevice.Get(), TIOCNXCL));
-}
-
-void PosixSerialPort::SetLine(const LineSettings& line) const {
-    const int descriptor = mDevice.Get();
-    const speed_t speed = SpeedCode(line.bitsPerSecond);
-    termios wanted{};
-    if (tcgetattr(descriptor, &wanted) != 0) RaiseOpenError(errno);
-    cfmakeraw(&wanted);
-    wanted.c_iflag = IGNBRK;  // an indicator switched off pulls the line low (break); not a byte
-    const tcflag_t frameBits = CSIZE | CSTOPB | PARENB | PARODD;
-    wanted.c_cflag &= ~(frameBits | static_cast<tcflag_t>(CRTSCTS));
-    wanted.c_cflag |= FrameFlags(line) | CLOCAL | CREAD | HUPCL;
-    wanted.c_cc[VMIN] = 1;  // with 0, "no input" and "device lost" are indistinguishable
-    wanted.c_cc[VTIME] = 0;
-    if (cfsetispeed(&wanted, speed) != 0 || cfsetospeed(&wanted, speed) != 0 ||
-        tcsetattr(descriptor, TCSANOW, &wanted) != 0)
-        throw RuntimeError(ErrorNumber::InvalidCall);
-
-    // tcsetattr succeeds when any part of the request did, so the settings are read back.
-    termios got{};
-    if (tcgetattr(descriptor, &got) != 0) RaiseOpenError(errno);
-    const bool frameHolds = (got.c_cflag & frameBits) == (wanted.c_cflag & frameBits);
-    if (cfgetospeed(&got) != speed || (!frameHolds && !IsPseudoTerminal(descriptor)))
-        throw RuntimeError(ErrorNumber::InvalidCall);
-}
-
-void PosixSerialPort::RaiseModemLines() const {
-    const int lines = TIOCM_DTR | TIOCM_RTS;
-    if (ioctl(mDevice.Get(), TIOCMBIS, &lines) == 0) return;
-    // Pseudo-terminals and three-wire adapters do not have these lines.
-    if (errno != ENOTTY && errno != EINVAL) RaiseOpenError(errno);
-}
-
-/// A single system call checks for and reads input, because wait loops call this. A lost device
-/// shows as end of file or an error, after everything that it sent has been read.
-void PosixSerialPort::TakeInput() {
-    constexpr std::size_t kQueue = 4096;  // as the driver's, which keeps the rest
-    if (mGone || mInput.size() >= kQueue) return;
-    std::array<char, kQueue> chunk;
-    const ssize_t count =
-        Uninterrupted([&] { return read(mDevice.Get(), chunk.data(), kQueue - mInput.size()); });
-    if (count > 0) mInput.append(chunk.data(), static_cast<std::size_t>(count));
-    mGone = count == 0 || (count < 0 && errno != EAGAIN);
-}
-
-void PosixSerialPort::RaiseGone() {
-    mGone = true;
-    throw RuntimeError(ErrorNumber::DeviceIO);
-}
-
-std::size_t PosixSerialPort::Read(std::span<char> into) {
-    if (InputCount() == 0) return 0;
-    const std::size_t count = mInput.copy(into.data(), into.size());
-    mInput.erase(0, count);
-    return count;
-}
-
-std::size_t PosixSerialPort::Write(std::string_view bytes) {
-    if (mGone) RaiseGone();
-    if (bytes.empty()) return 0;
-    const ssize_t count =
-        Uninterrupted([&] { return write(mDevice.Get(), bytes.data(), bytes.size()); });
-    if (count >= 0) return static_cast<std::size_t>(count);
-    if (errno == EAGAIN) return 0;
-    RaiseGone();
-}
-
-std::size_t PosixSerialPort::InputCount() {
-    TakeInput();
-    if (mGone && mInput.empty()) RaiseGone();
-    return mInput.size();
-}
-
-std::size_t PosixSerialPort::OutputCount() {
-    TakeInput();
-    if (mGone) RaiseGone();
-    int count = 0;
-    if (ioctl(mDevice.Get(), TIOCOUTQ, &count) == 0) return static_cast<std::size_t>(count);
-    if (errno == ENOTTY || errno == EINVAL) return 0;  // the driver does not report this count
-    RaiseGone();
-}
-
-void PosixSerialPort::DiscardInput() {
-    mInput.clear();
-    TakeInput();
-    if (mGone || (!mInput.empty() && tcflush(mDevice.Get(), TCIFLUSH) != 0)) RaiseGone();
-    mInput.clear();
-}
-
-void PosixSerialPort::NotifyOnInput(std::function<void()> notify) {
-    StopNotifying();
-    mNotify = std::move(notify);
-    if (mNotify) mSource = mPump.AddSource([this] { PollInput(); });
-}
-
-void PosixSerialPort::StopNotifying() {
-    if (mSource != 0) mPump.RemoveSource(std::exchange(mSource, 0));
-    mNotify = nullptr;
-}
-
-// The callback may destroy this port: a copy is called, and no member is used after it.
-void PosixSerialPort::PollInput() {
-    TakeInput();
-    if (mInput.empty() && !mGone) return;
-    const std::function<void()> notify = mNotify;
-    if (mInput.empty()) StopNotifying();
-    notify();
+std::unique_ptr<SerialPort> OpenPosixSerialPort(PosixMessagePump& pump, const std::string& device,
+                                                const LineSettings& line) {
+    return std::make_unique<PosixSerialPort>(pump, device, line);
 }
 
 }  // namespace vantor

@@ -1,5 +1,4 @@
-#include "platform/posix/PosixSerialPorts.hpp"
-
+// The machine's serial ports on POSIX: maps COM names to devices and lists the present ones.
 #include <fcntl.h>
 #include <grp.h>
 #include <sys/stat.h>
@@ -10,10 +9,11 @@
 #include <cstddef>
 #include <filesystem>
 #include <fstream>
+#include <set>
 #include <system_error>
 #include <utility>
 
-#include "platform/posix/PosixSerialPort.hpp"
+#include "platform/posix/PosixServices.hpp"
 #include "support/errors/RuntimeError.hpp"
 #include "support/text/Text.hpp"
 
@@ -22,7 +22,10 @@ namespace {
 
 namespace fs = std::filesystem;
 
+using Devices = std::map<std::string, std::string>;  // COM name to device file
+
 constexpr unsigned kLastComNumber = 32;
+constexpr const char* kDeviceClass = "/sys/class/tty";  // the terminals in sysfs
 
 std::string ComName(unsigned number) {
     return "COM" + std::to_string(number);
@@ -95,51 +98,9 @@ PortOpenError WhyRefused(const std::string& device) {
     return {PortOpenError::Reason::InUse, device, Holders(device)};
 }
 
-}  // namespace
-
-PosixSerialPorts::PosixSerialPorts(PosixMessagePump& pump, const Devices& extra,
-                                   std::string deviceClass)
-    : mPump(pump), mDeviceClass(std::move(deviceClass)) {
-    for (unsigned number = 1; number <= kLastComNumber; ++number)
-        mDevices[ComName(number)] = TableDevice(number);
-    for (const auto& [name, device] : extra) {
-        mExtra[UpperCase(name)] = device;
-        mDevices[UpperCase(name)] = device;
-    }
-}
-
-std::unique_ptr<SerialPort> PosixSerialPorts::Open(const std::string& name,
-                                                   const LineSettings& line) {
-    const auto device = mDevices.find(UpperCase(name));
-    using enum PortOpenError::Reason;
-    if (device == mDevices.end()) throw PortOpenError(NoSuchPort, name);
-    try {
-        return std::make_unique<PosixSerialPort>(mPump, device->second, line);
-    } catch (const RuntimeError& error) {
-        if (error.Is(ErrorNumber::PermissionDenied)) throw WhyRefused(device->second);
-        if (error.Is(ErrorNumber::DeviceUnavailable))
-            throw PortOpenError(NoSuchPort, device->second);
-        if (error.Is(ErrorNumber::InvalidCall)) throw PortOpenError(LineRefused, device->second);
-        throw;
-    }
-}
-
-bool PosixSerialPorts::IsPresent(const std::string& name) const {
-    const std::string& device = mDevices.at(name);
-    if (mExtra.contains(name)) {
-        struct stat status {};
-        return stat(device.c_str(), &status) == 0 && S_ISCHR(status.st_mode);
-    }
-    std::error_code failed;  // an inaccessible entry counts as missing
-    const fs::path entry = fs::path(mDeviceClass) / fs::path(device).filename();
-    if (!fs::exists(entry, failed)) return false;
-    // The kernel keeps entries for on-board ports that do not exist; their type is 0.
-    return !device.starts_with("/dev/ttyS") || FirstLine(entry / "type") != "0";
-}
-
 /// The product name of a USB device, else the name of the driver.
-std::string PosixSerialPorts::Description(const std::string& device) const {
-    const fs::path entry = fs::path(mDeviceClass) / Resolved(device).filename() / "device";
+std::string Description(const std::string& device) {
+    const fs::path entry = fs::path(kDeviceClass) / Resolved(device).filename() / "device";
     std::error_code failed;
     if (!fs::exists(entry, failed)) return {};
     // The product name belongs to the USB device, some levels above its serial function.
@@ -156,28 +117,76 @@ std::string PosixSerialPorts::Description(const std::string& device) const {
     return fs::exists(driver, failed) ? Resolved(driver).filename().string() : std::string();
 }
 
-std::vector<SerialPortInfo> PosixSerialPorts::List() const {
-    std::vector<SerialPortInfo> ports;
-    for (const auto& [name, device] : mDevices)
-        if (IsPresent(name)) ports.push_back({name, device, Description(device)});
-    std::sort(ports.begin(), ports.end(), InNumericOrder);
-    return ports;
-}
-
-std::string PosixSerialPorts::MapDevice(const std::string& path) {
-    if (mDevices.contains(UpperCase(path))) return UpperCase(path);
-    const fs::path wanted = Resolved(path);
-    for (const auto& [name, device] : mDevices)
-        if (device == path || Resolved(device) == wanted) return name;
-    // From the end of the table: an adapter plugged in later gets a low number.
-    for (unsigned number = kLastComNumber; number != 0; --number) {
-        std::string name = ComName(number);
-        if (mExtra.contains(name) || IsPresent(name)) continue;
-        mExtra[name] = path;
-        mDevices[name] = path;
-        return name;
+class PosixSerialPorts : public SerialPorts {
+public:
+    PosixSerialPorts(PosixMessagePump& pump, const Devices& extra) : mPump(pump) {
+        for (unsigned number = 1; number <= kLastComNumber; ++number)
+            mDevices[ComName(number)] = TableDevice(number);
+        for (const auto& [name, device] : extra) Add(UpperCase(name), device);
     }
-    throw RuntimeError(ErrorNumber::DeviceUnavailable);
+
+    std::unique_ptr<SerialPort> Open(const std::string& name, const LineSettings& line) override {
+        const auto device = mDevices.find(UpperCase(name));
+        using enum PortOpenError::Reason;
+        if (device == mDevices.end()) throw PortOpenError(NoSuchPort, name);
+        try {
+            return OpenPosixSerialPort(mPump, device->second, line);
+        } catch (const RuntimeError& error) {
+            if (error.Is(ErrorNumber::PermissionDenied)) throw WhyRefused(device->second);
+            throw PortOpenError(error.Is(ErrorNumber::InvalidCall) ? LineRefused : NoSuchPort,
+                                device->second);
+        }
+    }
+
+    std::vector<SerialPortInfo> List() const override {
+        std::vector<SerialPortInfo> ports;
+        for (const auto& [name, device] : mDevices)
+            if (IsPresent(name)) ports.push_back({name, device, Description(device)});
+        std::sort(ports.begin(), ports.end(), InNumericOrder);
+        return ports;
+    }
+
+    std::string NameOf(const std::string& port) override {
+        if (port.find('/') == std::string::npos) return port;
+        const fs::path wanted = Resolved(port);
+        for (const auto& [name, device] : mDevices)
+            if (device == port || Resolved(device) == wanted) return name;
+        // From the end of the table: an adapter plugged in later gets a low number.
+        for (unsigned number = kLastComNumber; number != 0; --number) {
+            std::string name = ComName(number);
+            if (mExtra.contains(name) || IsPresent(name)) continue;
+            Add(name, port);
+            return name;
+        }
+        throw RuntimeError(ErrorNumber::DeviceUnavailable);
+    }
+
+private:
+    void Add(const std::string& name, const std::string& device) {
+        mDevices[name] = device;
+        mExtra.insert(name);
+    }
+
+    bool IsPresent(const std::string& name) const {
+        const std::string& device = mDevices.at(name);
+        std::error_code failed;  // an inaccessible entry counts as missing
+        if (mExtra.contains(name)) return fs::is_character_file(device, failed);
+        const fs::path entry = fs::path(kDeviceClass) / fs::path(device).filename();
+        if (!fs::exists(entry, failed)) return false;
+        // The kernel keeps entries for on-board ports that do not exist; their type is 0.
+        return !device.starts_with("/dev/ttyS") || FirstLine(entry / "type") != "0";
+    }
+
+    PosixMessagePump& mPump;
+    Devices mDevices;              // all assigned names
+    std::set<std::string> mExtra;  // those that deviate from the table
+};
+
+}  // namespace
+
+std::unique_ptr<SerialPorts> MakePosixSerialPorts(PosixMessagePump& pump,
+                                                  const std::map<std::string, std::string>& extra) {
+    return std::make_unique<PosixSerialPorts>(pump, extra);
 }
 
 }  // namespace vantor

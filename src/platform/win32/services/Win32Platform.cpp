@@ -20,8 +20,7 @@ NativePlatform MakeNativePlatform(int, char**) {
                           .console = MakeWin32Console(),
                           .pump = nullptr,
                           .registry = MakeWin32Registry(),
-                          .ports = MakeWin32SerialPorts(*pump),
-                          .portName = [](const std::string& port) { return port; }};
+                          .ports = MakeWin32SerialPorts(*pump)};
     native.pump = std::move(pump);
     return native;
 }

@@ -1,7 +1,6 @@
 // The program's string resources. Windows selects the language at each call.
 #include <cstddef>
 
-#include "platform/portable/MissingText.hpp"
 #include "platform/win32/services/Win32Services.hpp"
 #include "platform/win32/services/Windows.hpp"
 

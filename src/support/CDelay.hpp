@@ -11,7 +11,7 @@ class MessagePump;
 
 class CDelay {
 public:
-    CDelay(Clock& clock, MessagePump& pump) : mClock(clock), mPump(pump) {}
+    CDelay(const Clock& clock, MessagePump& pump) : mClock(clock), mPump(pump) {}
 
     /// Returns after `ms` milliseconds, at once for 0 and below, or as soon as `Waiting` cancels.
     /// Pumps messages meanwhile. Raises RuntimeError 6 when the end lies beyond the clock's
@@ -22,7 +22,7 @@ public:
     std::function<void(bool& cancel)> Waiting;
 
 private:
-    Clock& mClock;
+    const Clock& mClock;
     MessagePump& mPump;
 };
 

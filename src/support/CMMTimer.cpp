@@ -12,20 +12,18 @@ void CMMTimer::StartTimer() {
 void CMMTimer::StopTimer() {
     mAccumulatedMs = CheckedAdd(mAccumulatedMs, CurrentRun());
     mStartTime = 0;
-    mStopped = true;
 }
 
 void CMMTimer::ResumeTimer() {
     mStartTime = mClock.Ticks();
-    mStopped = false;
 }
 
 double CMMTimer::ElapsedTime() const {
-    return static_cast<double>(CheckedAdd(mAccumulatedMs, CurrentRun())) / mScaleFactor;
+    return static_cast<double>(CheckedAdd(mAccumulatedMs, CurrentRun())) / ScaleFactor;
 }
 
 std::int32_t CMMTimer::CurrentRun() const {
-    if (mStartTime == 0 || mStopped) return 0;
+    if (mStartTime == 0) return 0;
     return static_cast<std::int32_t>(mClock.Milliseconds() -
                                      static_cast<std::uint32_t>(mStartTime));
 }

@@ -13,9 +13,8 @@ class CMMTimer {
 public:
     explicit CMMTimer(const Clock& clock) : mClock(clock) {}
 
-    /// Divisor from milliseconds to the unit of `ElapsedTime`. Default: 1000 (seconds).
-    std::int32_t ScaleFactor() const { return mScaleFactor; }
-    void ScaleFactor(std::int32_t factor) { mScaleFactor = factor; }
+    /// Divisor from milliseconds to the unit of `ElapsedTime`. Initially seconds.
+    std::int32_t ScaleFactor = 1000;
 
     /// Resets the sum and starts a run.
     void StartTimer();
@@ -30,10 +29,8 @@ private:
     std::int32_t CurrentRun() const;
 
     const Clock& mClock;
-    std::int32_t mScaleFactor = 1000;
     std::int32_t mAccumulatedMs = 0;
     std::int32_t mStartTime = 0;  // 0 when not running
-    bool mStopped = false;
 };
 
 }  // namespace vantor

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/Clock.hpp"
+
 namespace vantor {
 
 /// Parses the number at the start of `text`: skips leading spaces, then reads sign,
@@ -41,6 +43,9 @@ std::string TwoDigits(std::int32_t value);
 
 /// `seconds` since midnight, not negative, as a time of day: "00:04:07".
 std::string TimeOfDay(std::int32_t seconds);
+
+/// "2026-11-24 21:18:05", the form that reports use.
+std::string FormatDateTime(const DateTime& time);
 
 /// a + b and a * b as 32-bit signed numbers. Raise RuntimeError 6 when they do not fit.
 std::int32_t CheckedAdd(std::int32_t a, std::int32_t b);

@@ -7,13 +7,12 @@
 #include "app/base/LoadResources.hpp"
 #include "platform/StringTable.hpp"
 #include "resources/Designs.hpp"
+#include "support/LineSettings.hpp"
 #include "support/Traps.hpp"
 #include "terminal/TerminalControl.hpp"
 
 namespace vantor {
 namespace {
-
-constexpr const char* kParityLetters = "NOE";  // in the order of the list, and of Parity
 
 /// Lists `items` and selects `chosen`, appended to the list when it is missing.
 void Fill(ComboBox& combo, std::vector<std::string> items, const std::string& chosen) {
@@ -63,7 +62,7 @@ void frmPortSettings::ListLine() {
 }
 
 std::string frmPortSettings::ChosenSettings() const {
-    const char parity = kParityLetters[cboParity.ListIndex()];
+    const char parity = LetterOf(static_cast<Parity>(cboParity.ListIndex()));
     return cboSpeed.Text() + "," + parity + "," + cboDataBits.Text() + "," + cboStopBits.Text();
 }
 

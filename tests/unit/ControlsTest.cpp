@@ -7,6 +7,7 @@
 #include "Wire.hpp"
 #include "controls/Controls.hpp"
 #include "flash/SerialControl.hpp"
+#include "support/LineSettings.hpp"
 #include "support/Timer.hpp"
 #include "tests/faults/ReportingPlatform.hpp"
 

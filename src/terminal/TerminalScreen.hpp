@@ -136,7 +136,7 @@ public:
     /// Rows `top` to `bottom` (inclusive); a region of fewer than two rows is ignored.
     void ScrollRegion(int top, int bottom);
 
-    void SetTabStop();
+    void SetTabStop() { mTabStops.set(static_cast<std::size_t>(mCursor.column)); }
     void ClearTabStop() { mTabStops.reset(static_cast<std::size_t>(mCursor.column)); }
     void ClearAllTabStops() { mTabStops.reset(); }
 
@@ -157,12 +157,13 @@ private:
         bool originMode = false;
     };
 
-    StoredLine& At(std::size_t index);
-    const StoredLine& At(std::size_t index) const;
-    StoredLine& Row(int row);
+    std::size_t InRing(std::size_t index) const;
+    std::size_t IndexOf(int row) const;
+    StoredLine& At(std::size_t index) { return mRing[InRing(index)]; }
+    StoredLine& Row(int row) { return At(IndexOf(row)); }
+    const StoredLine* Find(std::int64_t line) const;  // null when it does not exist
     void AddLine();
     void DropBlankLines(int most);
-    int UsedRows() const;
 
     void Put(std::string_view characters);
     void WrapIfPending();
@@ -174,6 +175,7 @@ private:
     /// Marks `row` as not being the continuation of the line above.
     void EndLineAbove(int row);
     bool CursorInRegion() const { return mCursor.row >= mTop && mCursor.row <= mBottom; }
+    std::vector<Cell>& CellsToChange();
     void Blank(int row, int from, int to);
     void MarkDirty(int row) { mDirty.set(static_cast<std::size_t>(row)); }
     void MarkDirty(int first, int last);

@@ -23,7 +23,6 @@ public:
 
     bool Empty() const { return !(mFrom < mTo); }
     bool Contains(TextPosition position) const { return !(position < mFrom) && position < mTo; }
-    TextPosition From() const { return mFrom; }
     TextPosition To() const { return mTo; }
 
     /// The selected characters, with CR LF between lines and without trailing blanks. A wrapped

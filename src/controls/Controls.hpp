@@ -56,7 +56,9 @@ public:
     /// A picture shown instead of the background of the design row, scaled to fit with its aspect
     /// ratio; null for the background.
     const std::shared_ptr<const Picture>& Loaded() const { return mLoaded; }
-    void Loaded(std::shared_ptr<const Picture> loaded);
+    void Loaded(const std::shared_ptr<const Picture>& loaded) {
+        Set(mLoaded, loaded, Property::Repaint);
+    }
 
     /// A printed text and its upper left corner in twips.
     struct Printed {
@@ -153,13 +155,10 @@ public:
     StatusBar(Form& parent, std::string name, const std::vector<std::string>& keys);
 
     const std::vector<Panel>& Panels() const { return mPanels; }
-    /// The text of one panel. Both raise RuntimeError 9 when no panel has the key.
-    const std::string& PanelText(const std::string& key) const;
-    void PanelText(const std::string& key, std::string text);
+    /// Sets the text of one panel. Raises RuntimeError 9 when no panel has the key.
+    void PanelText(const std::string& key, const std::string& text);
 
 private:
-    std::size_t PanelIndex(const std::string& key) const;
-
     std::vector<Panel> mPanels;
 };
 

@@ -108,15 +108,6 @@ void Form::Leave() {
     if (mManager.mOpen.empty()) mManager.mPump.Quit();
 }
 
-void Form::ControlChanged(const Control& control, Property property) {
-    if (mPeer) mPeer->ControlChanged(control, property);
-}
-
-Size Form::TextSize(const Control& control, const std::string& face,
-                    const std::string& text) const {
-    return mPeer ? mPeer->TextSize(control, face, text) : Size{};
-}
-
 void Form::FormChanged(Property property) {
     if (mPeer) mPeer->FormChanged(property);
 }

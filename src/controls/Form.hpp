@@ -70,7 +70,6 @@ public:
     WindowManager(Peers& peers, MessagePump& pump) : mPeers(peers), mPump(pump) {}
 
     Peers& GetPeers() const { return mPeers; }
-    MessagePump& Pump() const { return mPump; }
 
     /// The loaded windows, in load order.
     const std::vector<std::shared_ptr<Form>>& OpenForms() const { return mOpen; }
@@ -167,9 +166,6 @@ protected:
 
 private:
     friend class Control;
-    void Join(Control& control) { mControls.push_back(&control); }
-    void ControlChanged(const Control& control, Property property);
-    Size TextSize(const Control& control, const std::string& face, const std::string& text) const;
     void FormChanged(Property property);
     void ApplyDesign();
     /// Removes the window from the window manager. The caller keeps the object alive.

@@ -46,7 +46,6 @@ frmMonitor::frmMonitor(WindowManager& manager, Platform& platform, MonitorOwner&
       mPlatform(platform),
       mOwner(owner),
       mobjFormPos(platform.registry, platform.codePage) {
-    comMonitor.SettingsDialog = [this] { ShowPortSettings(); };
     comMonitor.Command.Connect(
         [this](TerminalCommand command, bool& handled) { comMonitor_Command(command, handled); });
     mnuFileExit.Click.Connect([this] { mnuFileExit_Click(); });
@@ -102,18 +101,18 @@ bool frmMonitor::CoversAnother() const {
 void frmMonitor::ConfigureTerminal() {
     using enum TerminalCommand;
     comMonitor.Handshake(0);
-    comMonitor.AutoLineFeed(false);
-    comMonitor.LocalEcho(false);
+    comMonitor.Screen().modes.returnFeeds = false;
+    comMonitor.LocalEcho = false;
     for (const TerminalCommand command : {Copy, SelectAll, Paste, Settings, Clear, Reset})
-        comMonitor.CommandMode(command, CommandOffer::Always);
+        comMonitor.OfferAlways(command);
 }
 
 void frmMonitor::Initialize(const CAppSettings& settings) {
     Trapped("frmMonitor.Initialize", [&] {
         mobjSettings = &settings;
-        comMonitor.Port(settings.CommPort());
-        comMonitor.Settings(settings.BaudRate() + "," + settings.Parity() + "," +
-                            settings.DataBits() + "," + settings.StopBits());
+        comMonitor.Port().name = settings.CommPort();
+        comMonitor.Port().settings = settings.BaudRate() + "," + settings.Parity() + "," +
+                                     settings.DataBits() + "," + settings.StopBits();
         UpdatePort();
         UpdateSettings();
     });
@@ -161,12 +160,13 @@ void frmMonitor::UpdateStatus() {
 }
 
 void frmMonitor::UpdatePort() {
-    Trapped("frmMonitor.UpdatePort", [this] { sbStatusBar.PanelText("port", comMonitor.Port()); });
+    Trapped("frmMonitor.UpdatePort",
+            [this] { sbStatusBar.PanelText("port", comMonitor.Port().name); });
 }
 
 void frmMonitor::UpdateSettings() {
     Trapped("frmMonitor.UpdateSettings",
-            [this] { sbStatusBar.PanelText("settings", comMonitor.Settings()); });
+            [this] { sbStatusBar.PanelText("settings", comMonitor.Port().settings); });
 }
 
 // --- menus and commands of the terminal ------------------------------------------------------
@@ -218,7 +218,7 @@ void frmMonitor::mnuCommClose_Click() {
 
 void frmMonitor::mnuCommSettings_Click() {
     Trapped("frmMonitor.mnuCommSettings_Click", [this] {
-        comMonitor.ShowSettings();
+        ShowPortSettings();
         if (!Gone()) UpdatePort();
     });
 }
@@ -327,8 +327,8 @@ bool frmMonitor::SendLines(const std::string& text, frmSend& progress) {
     bool lost = false;
     if (Gone()) return false;
     comMonitor.FollowOutput(true);
-    comMonitor.EndLines(true);
-    comMonitor.AutoWrap(true);
+    comMonitor.EndLines = true;
+    comMonitor.Screen().modes.autoWrap = true;
     for (std::size_t i = 0; i < lines.size(); ++i) {
         if (TrimBlanks(lines[i]).empty()) continue;
         comMonitor.Output(lines[i]);
@@ -343,7 +343,7 @@ bool frmMonitor::SendLines(const std::string& text, frmSend& progress) {
         if (Gone()) return false;
         sent = !MustStop(progress);
         if (sent) continue;
-        comMonitor.DropPendingLines();
+        comMonitor.Port().DropPendingLines();
         break;
     }
     comMonitor.FollowOutput(false);
@@ -353,7 +353,8 @@ bool frmMonitor::SendLines(const std::string& text, frmSend& progress) {
 
 /// Keeps the progress in step with a slow line. Cancel could not stop lines already queued.
 void frmMonitor::AwaitDriver(CDelay& delay, const frmSend& progress) {
-    while (!Gone() && !comMonitor.OutputTaken() && !MustStop(progress)) delay.Delay(kDriverPollMs);
+    while (!Gone() && !comMonitor.Port().FlushPending() && !MustStop(progress))
+        delay.Delay(kDriverPollMs);
 }
 
 /// An update started during a send runs nested inside it and is not delayed by it. If the send

@@ -42,12 +42,12 @@ void frmPortSettings::Form_Load() {
 void frmPortSettings::ListPorts() {
     std::vector<std::string> names;
     for (const SerialPortInfo& port : mPlatform.ports.List()) names.push_back(port.name);
-    Fill(cboPort, std::move(names), mTerminal.Port());
+    Fill(cboPort, std::move(names), mTerminal.Port().name);
 }
 
 void frmPortSettings::ListLine() {
     LineSettings line;
-    Ignoring([&] { line = ParseLineSettings(mTerminal.Settings()); });
+    Ignoring([&] { line = ParseLineSettings(mTerminal.Port().settings); });
     Fill(cboSpeed,
          {"300", "600", "1200", "2400", "4800", "9600", "19200", "38400", "57600", "115200"},
          std::to_string(line.bitsPerSecond));
@@ -68,10 +68,10 @@ std::string frmPortSettings::ChosenSettings() const {
 
 /// Compares parsed values: "9600,n,8,1" equals the "9600,N,8,1" of the dialog.
 bool frmPortSettings::IsChange(const std::string& port, const std::string& settings) const {
+    const BufferedPort& now = mTerminal.Port();
     bool same = false;
-    Ignoring(
-        [&] { same = ParseLineSettings(settings) == ParseLineSettings(mTerminal.Settings()); });
-    return port != mTerminal.Port() || !same;
+    Ignoring([&] { same = ParseLineSettings(settings) == ParseLineSettings(now.settings); });
+    return port != now.name || !same;
 }
 
 void frmPortSettings::Apply(const std::string& port, const std::string& settings) {
@@ -80,8 +80,8 @@ void frmPortSettings::Apply(const std::string& port, const std::string& settings
         mTerminal.DrainOutput();
         mTerminal.PerformCommand(TerminalCommand::Close);
     }
-    mTerminal.Port(port);
-    mTerminal.Settings(settings);
+    mTerminal.Port().name = port;
+    mTerminal.Port().settings = settings;
     if (reopen) mTerminal.PerformCommand(TerminalCommand::Open);
     mReopenFailed = reopen && !mTerminal.PortOpen();
 }

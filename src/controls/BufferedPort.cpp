@@ -24,15 +24,13 @@ void BufferedPort::Open(std::function<void()> notify) {
     // A port that cannot be opened stays closed; callers check IsOpen and report it.
     try {
         mPort = mPorts.Open(PortName(name), ParseLineSettings(settings));
+        Notify(std::move(notify));
     } catch (const PortOpenError& error) {
         mOpenError = error;
-        return;
     } catch (const RuntimeError& error) {
         if (error.Is(ErrorNumber::InvalidPropertyValue))
             mOpenError.emplace(PortOpenError::Reason::LineRefused, name);
-        return;
     }
-    Notify(std::move(notify));
 }
 
 void BufferedPort::Close() {

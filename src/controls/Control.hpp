@@ -104,4 +104,12 @@ private:
     bool mVisible = true;
 };
 
+/// A control of one kind, based on a class with the constructor of `Control`.
+template <ControlKind Kind, typename Base = Control>
+class OfKind : public Base {
+public:
+    explicit OfKind(Form& parent, std::string name, int index = -1)
+        : Base(parent, Kind, std::move(name), index) {}
+};
+
 }  // namespace vantor

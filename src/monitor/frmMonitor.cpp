@@ -119,10 +119,10 @@ void frmMonitor::Initialize(const CAppSettings& settings) {
 }
 
 void frmMonitor::Form_Resize() {
-    // When the window is too small for the terminal, its old size is kept.
     Ignoring([this] {
-        const Size& inner = InnerSize();
-        comMonitor.Move({0, 0, inner.width, inner.height - sbStatusBar.Place().height});
+        const float height = InnerSize().height - sbStatusBar.Place().height;
+        // When the window is too small for the terminal, its old size is kept.
+        if (height >= 0) comMonitor.Place({0, 0, InnerSize().width, height});
     });
 }
 
@@ -137,15 +137,11 @@ void frmMonitor::Form_Unload() {
     Trapped("frmMonitor.Form_Unload", [this] {
         mobjFormPos.SaveForm();
         comMonitor.CaptureFile("");
-        UnloadProgress();
+        // Before this window closes: Windows destroys owned windows with their owner.
+        const std::vector<std::shared_ptr<frmSend>> shown = mProgress;
+        for (const std::shared_ptr<frmSend>& progress : shown) progress->Unload();
         if (mOwner.CloseIsWaiting()) mOwner.ResumeClose();
     });
-}
-
-/// Called before this window closes: Windows destroys owned windows with their owner.
-void frmMonitor::UnloadProgress() {
-    const std::vector<std::shared_ptr<frmSend>> shown = mProgress;
-    for (const std::shared_ptr<frmSend>& progress : shown) progress->Unload();
 }
 
 // --- status bar ------------------------------------------------------------------------------
@@ -173,29 +169,17 @@ void frmMonitor::UpdateSettings() {
 
 void frmMonitor::comMonitor_Command(TerminalCommand command, bool& handled) {
     Trapped("frmMonitor.comMonitor_Command", [&] {
-        switch (command) {
-            case TerminalCommand::Open:
-                handled = true;
-                mnuCommOpen_Click();
-                if (!Gone()) UpdateStatus();
-                break;
-            case TerminalCommand::Close:
-                handled = true;
-                mnuCommClose_Click();
-                UpdateStatus();
-                break;
-            case TerminalCommand::Settings:
-                handled = true;
-                mnuCommSettings_Click();
-                if (Gone()) return;
-                UpdatePort();
-                UpdateSettings();
-                // The dialog reopens an open port, which may have failed.
-                UpdateStatus();
-                break;
-            default:
-                break;  // handled by the terminal
+        using enum TerminalCommand;
+        handled = command == Open || command == Close || command == Settings;
+        if (command == Open) mnuCommOpen_Click();
+        if (command == Close) mnuCommClose_Click();
+        if (command == Settings) mnuCommSettings_Click();
+        if (!handled || Gone()) return;
+        if (command == Settings) {
+            UpdatePort();
+            UpdateSettings();
         }
+        UpdateStatus();  // also after the dialog, which reopens an open port and may fail
     });
 }
 

@@ -34,15 +34,11 @@ frmPortSettings::frmPortSettings(WindowManager& manager, Platform& platform,
 void frmPortSettings::Form_Load() {
     Trapped("frmPortSettings.Form_Load", [this] {
         LoadResources(*this, mPlatform.strings);
-        ListPorts();
+        std::vector<std::string> ports;
+        for (const SerialPortInfo& port : mPlatform.ports.List()) ports.push_back(port.name);
+        Fill(cboPort, std::move(ports), mTerminal.Port().name);
         ListLine();
     });
-}
-
-void frmPortSettings::ListPorts() {
-    std::vector<std::string> names;
-    for (const SerialPortInfo& port : mPlatform.ports.List()) names.push_back(port.name);
-    Fill(cboPort, std::move(names), mTerminal.Port().name);
 }
 
 void frmPortSettings::ListLine() {
@@ -59,11 +55,6 @@ void frmPortSettings::ListLine() {
     cboFlowControl.Items({text(Str::NoFlowControl)});
     cboFlowControl.ListIndex(0);
     cboFlowControl.Enabled(false);
-}
-
-std::string frmPortSettings::ChosenSettings() const {
-    const char parity = LetterOf(static_cast<Parity>(cboParity.ListIndex()));
-    return cboSpeed.Text() + "," + parity + "," + cboDataBits.Text() + "," + cboStopBits.Text();
 }
 
 /// Compares parsed values: "9600,n,8,1" equals the "9600,N,8,1" of the dialog.
@@ -89,7 +80,9 @@ void frmPortSettings::Apply(const std::string& port, const std::string& settings
 void frmPortSettings::cmdOK_Click() {
     Trapped("frmPortSettings.cmdOK_Click", [this] {
         const std::string port = cboPort.Text();
-        const std::string settings = ChosenSettings();
+        const char parity = LetterOf(static_cast<Parity>(cboParity.ListIndex()));
+        const std::string settings =
+            cboSpeed.Text() + "," + parity + "," + cboDataBits.Text() + "," + cboStopBits.Text();
         // Unchanged settings must not reopen the port, which would interrupt reception.
         if (IsChange(port, settings) && !mTerminal.Parent().Gone()) Apply(port, settings);
         Unload();

@@ -5,7 +5,7 @@
 
 namespace vantor {
 
-/// Restores the default pointer on destruction, on every exit path and whatever `Value` was.
+/// Restores the default pointer on destruction, on every exit path and whatever was shown.
 class CHourglass {
 public:
     explicit CHourglass(Peers& peers) : mPeers(peers) {}
@@ -15,14 +15,11 @@ public:
 
     /// True shows the hourglass, false the default pointer.
     void Value(bool wait) {
-        mValue = wait;
         mPeers.SetMousePointer(wait ? MousePointer::Hourglass : MousePointer::Default);
     }
-    bool Value() const { return mValue; }
 
 private:
     Peers& mPeers;
-    bool mValue = false;
 };
 
 }  // namespace vantor

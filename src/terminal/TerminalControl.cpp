@@ -314,9 +314,4 @@ void TerminalControl::ScreenSize(int columns, int rows) {
     Changed(Property::Value);
 }
 
-void TerminalControl::Move(const vantor::Place& place) {
-    if (place.width < 0 || place.height < 0) throw RuntimeError(ErrorNumber::InvalidPropertyValue);
-    Place(place);
-}
-
 }  // namespace vantor

@@ -137,9 +137,6 @@ public:
     /// Sets the size in characters that fits into the control.
     void ScreenSize(int columns, int rows);
 
-    /// Moves the control. Raises RuntimeError 380 for a size below zero.
-    void Move(const vantor::Place& place);
-
 private:
     void Open();
     void Close();

@@ -29,6 +29,18 @@ std::size_t PrintableLength(std::string_view bytes) {
     return static_cast<std::size_t>(end - bytes.begin());
 }
 
+/// What the control characters do.
+constexpr auto kControls = [] {
+    std::array<void (TerminalScreen::*)(), ' '> controls{};
+    controls['\b'] = &TerminalScreen::Backspace;
+    controls['\t'] = &TerminalScreen::Tab;
+    controls['\n'] = &TerminalScreen::LineFeed;
+    controls['\v'] = &TerminalScreen::LineFeed;
+    controls['\f'] = &TerminalScreen::NewPage;
+    controls['\r'] = &TerminalScreen::CarriageReturn;
+    return controls;
+}();
+
 /// The final byte of an escape sequence without parameters, and what it does.
 struct Escape {
     char final;
@@ -108,29 +120,8 @@ void TerminalParser::Take(unsigned char byte) {
 }
 
 void TerminalParser::TakeControl(unsigned char byte) {
-    switch (byte) {
-        case kBell:
-            ++mBells;
-            break;
-        case '\b':
-            mScreen.Backspace();
-            break;
-        case '\t':
-            mScreen.Tab();
-            break;
-        case '\n':
-        case '\v':
-            mScreen.LineFeed();
-            break;
-        case '\f':
-            mScreen.NewPage();
-            break;
-        case '\r':
-            mScreen.CarriageReturn();
-            break;
-        default:
-            break;
-    }
+    if (byte == kBell) ++mBells;
+    if (byte < kControls.size() && kControls[byte]) (mScreen.*kControls[byte])();
 }
 
 void TerminalParser::TakeText(unsigned char byte) {

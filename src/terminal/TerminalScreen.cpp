@@ -8,14 +8,6 @@ namespace {
 
 constexpr int kTabWidth = 8;
 
-int ClampColumns(int columns) {
-    return std::clamp(columns, 1, TerminalScreen::kMostColumns);
-}
-
-int ClampRows(int rows) {
-    return std::clamp(rows, 1, TerminalScreen::kMostRows);
-}
-
 std::size_t Index(int number) {
     return static_cast<std::size_t>(number);
 }
@@ -23,8 +15,8 @@ std::size_t Index(int number) {
 }  // namespace
 
 TerminalScreen::TerminalScreen(int columns, int rows, std::size_t historyLines)
-    : mColumns(ClampColumns(columns)),
-      mRows(ClampRows(rows)),
+    : mColumns(std::clamp(columns, 1, kMostColumns)),
+      mRows(std::clamp(rows, 1, kMostRows)),
       mCapacity(historyLines + kMostRows),
       mBottom(mRows - 1) {
     while (mCount < Index(mRows)) AddLine();
@@ -81,8 +73,8 @@ bool TerminalScreen::Continues(std::int64_t line) const {
 }
 
 void TerminalScreen::Resize(int columns, int rows) {
-    columns = ClampColumns(columns);
-    rows = ClampRows(rows);
+    columns = std::clamp(columns, 1, kMostColumns);
+    rows = std::clamp(rows, 1, kMostRows);
     if (columns == mColumns && rows == mRows) return;
     mColumns = columns;
     if (rows < mRows) DropBlankLines(mRows - rows);
@@ -111,10 +103,6 @@ bool TerminalScreen::Dirty(int row) const {
 void TerminalScreen::Clean() {
     mAllDirty = false;
     mDirty.reset();
-}
-
-void TerminalScreen::MarkDirty(int first, int last) {
-    for (int row = first; row <= last; ++row) MarkDirty(row);
 }
 
 // --- characters ------------------------------------------------------------------------------
@@ -305,7 +293,7 @@ void TerminalScreen::MoveRows(int top, int count) {
     RotateRows(top, mBottom, up ? steps : rows - steps);
     for (int i = 0; i < steps; ++i) Blank(up ? mBottom - i : top + i, 0, kMostColumns);
     if (!up) Row(mBottom).continues = false;
-    MarkDirty(top, mBottom);
+    for (int row = top; row <= mBottom; ++row) MarkDirty(row);
 }
 
 void TerminalScreen::RotateRows(int first, int last, int count) {

@@ -178,7 +178,6 @@ private:
     std::vector<Cell>& CellsToChange();
     void Blank(int row, int from, int to);
     void MarkDirty(int row) { mDirty.set(static_cast<std::size_t>(row)); }
-    void MarkDirty(int first, int last);
 
     int mColumns;
     int mRows;

@@ -106,23 +106,11 @@ std::int32_t ToInt32(double value) {
     return Rounded<std::int32_t>(value);
 }
 
-std::int16_t ToInt16(std::string_view text) {
-    return ToInt16(ToDouble(text));
-}
-
-std::int32_t ToInt32(std::string_view text) {
-    return ToInt32(ToDouble(text));
-}
-
 bool ToBool(std::string_view text) {
     const std::string word = UpperCase(TrimBlanks(text));
     if (word == "TRUE") return true;
     if (word == "FALSE") return false;
     return ToDouble(text) != 0;
-}
-
-std::string FromBool(bool value) {
-    return value ? "True" : "False";
 }
 
 std::string TwoDigits(std::int32_t value) {

@@ -28,15 +28,21 @@ std::int16_t ToInt16(double value);
 std::int32_t ToInt32(double value);
 
 /// `text` as a rounded integer. Raises RuntimeError 13 or 6.
-std::int16_t ToInt16(std::string_view text);
-std::int32_t ToInt32(std::string_view text);
+inline std::int16_t ToInt16(std::string_view text) {
+    return ToInt16(ToDouble(text));
+}
+inline std::int32_t ToInt32(std::string_view text) {
+    return ToInt32(ToDouble(text));
+}
 
 /// Accepts "True" and "False", case-insensitive, and numbers, of which all but 0 are true.
 /// Raises RuntimeError 13 for anything else.
 bool ToBool(std::string_view text);
 
 /// "True" or "False".
-std::string FromBool(bool value);
+inline std::string FromBool(bool value) {
+    return value ? "True" : "False";
+}
 
 /// `value` with at least two digits: "05", "12".
 std::string TwoDigits(std::int32_t value);

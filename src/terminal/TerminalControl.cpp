@@ -130,15 +130,13 @@ void TerminalControl::Beep() {
 }
 
 void TerminalControl::Capture(std::string_view bytes) {
-    if (!mCapture) return;
+    if (!mCapture.file) return;
     Trapped("TerminalControl.Capture", [&] {
         // Moved out during the write: a failed write must end the capture before the error box
         // opens, because more text arrives while that box is open.
-        std::unique_ptr<OutputFile> file = std::move(mCapture);
-        std::string path = std::exchange(mCaptureFile, {});
-        file->Write(bytes);
-        mCapture = std::move(file);
-        mCaptureFile = std::move(path);
+        CaptureTarget target = std::exchange(mCapture, {});
+        target.file->Write(bytes);
+        mCapture = std::move(target);
     });
 }
 
@@ -146,13 +144,8 @@ void TerminalControl::CaptureFile(const std::string& path) {
     const std::shared_ptr<void> keepAlive = KeepParent();
     TakeInput(kAll);
     // An open capture file must be closed before it can be created again.
-    if (path.empty() || path == mCaptureFile) {
-        mCapture.reset();
-        mCaptureFile.clear();
-    }
-    if (path.empty()) return;
-    mCapture = mPlatform.files.Create(path);
-    mCaptureFile = path;
+    if (path.empty() || path == mCapture.path) mCapture = {};
+    if (!path.empty()) mCapture = {path, mPlatform.files.Create(path)};
 }
 
 void TerminalControl::Send(std::string_view bytes) {

@@ -72,7 +72,7 @@ public:
     /// capture and overwrites the file; an empty name ends the capture. Input received so far goes
     /// to the running capture, which continues if another file cannot be created.
     /// Raises what Files::Create does.
-    const std::string& CaptureFile() const { return mCaptureFile; }
+    const std::string& CaptureFile() const { return mCapture.path; }
     void CaptureFile(const std::string& path);
 
     /// Member 84: transmits one line unchanged, followed by a CR.
@@ -138,6 +138,11 @@ public:
     void ScreenSize(int columns, int rows);
 
 private:
+    struct CaptureTarget {
+        std::string path;  // empty when there is no capture
+        std::unique_ptr<OutputFile> file;
+    };
+
     void Open();
     void Close();
     void TakeInput(std::size_t most);
@@ -156,8 +161,7 @@ private:
     TerminalParser mParser{mScreen};
     TerminalSelection mSelection{mScreen};
     std::optional<std::int64_t> mView;  // the first line of a view that is scrolled up
-    std::string mCaptureFile;
-    std::unique_ptr<OutputFile> mCapture;
+    CaptureTarget mCapture;
     std::bitset<12> mOfferedAlways;  // by command
     Timer mSendTimer;
     std::optional<std::uint32_t> mBeepedAt;  // milliseconds of the clock

@@ -79,8 +79,7 @@ void TerminalScreen::Resize(int columns, int rows) {
     mColumns = columns;
     if (rows < mRows) DropBlankLines(mRows - rows);
     // Fewer rows move the upper ones into the history; more rows bring them back.
-    const int history = static_cast<int>(mCount) - mRows;
-    const int shift = std::clamp(rows - mRows, rows - mRows < 0 ? rows - mRows : 0, history);
+    const int shift = std::min(rows - mRows, static_cast<int>(mCount) - mRows);
     mRows += shift;
     mCursor.row += shift;
     while (mRows < rows) {
@@ -91,13 +90,6 @@ void TerminalScreen::Resize(int columns, int rows) {
     mBottom = mRows - 1;
     PlaceCursor(mCursor.row, mCursor.column);
     mAllDirty = true;
-}
-
-// --- dirty rows ------------------------------------------------------------------------------
-
-bool TerminalScreen::Dirty(int row) const {
-    if (row < 0 || row >= mRows) return false;
-    return mAllDirty || mDirty.test(Index(row));
 }
 
 void TerminalScreen::Clean() {
@@ -165,10 +157,6 @@ void TerminalScreen::ReverseLineFeed() {
         PlaceCursor(mCursor.row - 1, mCursor.column);
 }
 
-void TerminalScreen::Backspace() {
-    PlaceCursor(mCursor.row, mCursor.column - 1);
-}
-
 void TerminalScreen::Tab() {
     int column = mCursor.column + 1;
     while (column < mColumns - 1 && !mTabStops.test(Index(column))) ++column;
@@ -207,10 +195,6 @@ void TerminalScreen::MoveBy(int rows, int columns) {
     const bool inside = CursorInRegion();
     const int row = std::clamp(mCursor.row + rows, inside ? mTop : 0, inside ? mBottom : mRows - 1);
     PlaceCursor(row, mCursor.column + columns);
-}
-
-void TerminalScreen::SaveCursor() {
-    mSaved = {mCursor, pen, modes.originMode};
 }
 
 void TerminalScreen::RestoreCursor() {

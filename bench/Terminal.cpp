@@ -85,7 +85,7 @@ double Receive(const std::string& text, const std::string& capture) {
     WindowManager manager(stage.peers, pump);
     const auto window = std::make_shared<Window>(manager, platform);
     window->Load();
-    window->com.Settings("115200,N,8,2");
+    window->com.Port().settings = "115200,N,8,2";
     window->com.PerformCommand(TerminalCommand::Open);
     if (!window->com.PortOpen()) throw std::runtime_error("the port does not open");
     window->com.CaptureFile(capture);

@@ -4,19 +4,10 @@
 #include <cstdio>
 #include <filesystem>
 
+#include "support/LineSettings.hpp"
 #include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
-namespace {
-
-std::string Describe(const std::string& name, const LineSettings& line) {
-    constexpr std::array<char, 3> kLetters = {'N', 'O', 'E'};
-    return name + " " + std::to_string(line.bitsPerSecond) + "," +
-           kLetters[static_cast<std::size_t>(line.parity)] + "," + std::to_string(line.dataBits) +
-           "," + std::to_string(line.stopBits);
-}
-
-}  // namespace
 
 Transcript::Transcript(const std::string& path, const Clock& clock, const RoundTrips& roundTrips)
     : mFile(std::filesystem::path(std::u8string(path.begin(), path.end())), std::ios::binary),
@@ -40,12 +31,12 @@ void Transcript::Note(std::string_view mark, std::string_view text) {
 }
 
 void Transcript::Opened(const std::string& name, const LineSettings& line) {
-    Note("--", "opened " + Describe(name, line));
+    Note("--", "opened " + name + " " + FormatLineSettings(line));
 }
 
 void Transcript::Refused(const std::string& name, const LineSettings& line,
                          const std::string& reason) {
-    Note("--", "cannot open " + Describe(name, line) + ": " + reason);
+    Note("--", "cannot open " + name + " " + FormatLineSettings(line) + ": " + reason);
 }
 
 }  // namespace vantor

@@ -12,10 +12,6 @@
 
 namespace vantor {
 
-/// The line parameters in `settings` ("38400,N,8,2": bits per second, parity letter N, O or E,
-/// data bits, stop bits). Raises RuntimeError 380 for anything else.
-LineSettings ParseLineSettings(std::string_view settings);
-
 /// A port that buffers what the driver does not accept at once. No line error raises:
 /// a failed open or a lost device shows only in `IsOpen`.
 class BufferedPort {

@@ -8,12 +8,7 @@ namespace vantor {
 
 Control::Control(Form& parent, ControlKind kind, std::string name, int index)
     : mParent(parent), mKind(kind), mName(std::move(name)), mIndex(index) {
-    parent.Join(*this);
-}
-
-void Control::Caption(std::string caption) {
-    mCaption = std::move(caption);
-    Changed(Property::Caption);
+    parent.mControls.push_back(this);
 }
 
 void Control::Enabled(bool enabled) {
@@ -24,40 +19,12 @@ void Control::Visible(bool visible) {
     if (std::exchange(mVisible, visible) != visible) Changed(Property::Visible);
 }
 
-void Control::ToolTip(std::string toolTip) {
-    mToolTip = std::move(toolTip);
-    Changed(Property::ToolTip);
-}
-
-void Control::SpokenName(std::string name) {
-    mSpokenName = std::move(name);
-    Changed(Property::SpokenName);
-}
-
-void Control::Place(const vantor::Place& place) {
-    mPlace = place;
-    Changed(Property::Place);
-}
-
-void Control::Border(vantor::Border border) {
-    mBorder = border;
-    Changed(Property::Border);
-}
-
-void Control::ZOrder() {
-    Changed(Property::ZOrder);
-}
-
-void Control::Refresh() {
-    Changed(Property::Repaint);
-}
-
 void Control::Changed(Property property) {
-    mParent.ControlChanged(*this, property);
+    if (mParent.mPeer) mParent.mPeer->ControlChanged(*this, property);
 }
 
 Size Control::TextSize(const std::string& face, const std::string& text) const {
-    return mParent.TextSize(*this, face, text);
+    return mParent.mPeer ? mParent.mPeer->TextSize(*this, face, text) : Size{};
 }
 
 std::shared_ptr<void> Control::KeepParent() const {

@@ -48,7 +48,7 @@ public:
     void Tag(std::string tag) { mTag = std::move(tag); }
 
     const std::string& Caption() const { return mCaption; }
-    void Caption(std::string caption);
+    void Caption(const std::string& caption) { Set(mCaption, caption, Property::Caption); }
 
     bool Enabled() const { return mEnabled; }
     void Enabled(bool enabled);
@@ -57,27 +57,32 @@ public:
     void Visible(bool visible);
 
     const std::string& ToolTip() const { return mToolTip; }
-    void ToolTip(std::string toolTip);
+    void ToolTip(const std::string& toolTip) { Set(mToolTip, toolTip, Property::ToolTip); }
 
     /// The accessible name of a control that shows no text.
     const std::string& SpokenName() const { return mSpokenName; }
-    void SpokenName(std::string name);
+    void SpokenName(const std::string& name) { Set(mSpokenName, name, Property::SpokenName); }
 
     const vantor::Place& Place() const { return mPlace; }
-    void Place(const vantor::Place& place);
+    void Place(const vantor::Place& place) { Set(mPlace, place, Property::Place); }
 
     /// The border is drawn inside the control's place: nothing moves.
     vantor::Border Border() const { return mBorder; }
-    void Border(vantor::Border border);
+    void Border(vantor::Border border) { Set(mBorder, border, Property::Border); }
 
     /// Brings the control in front of the controls that it overlaps.
-    void ZOrder();
+    void ZOrder() { Changed(Property::ZOrder); }
 
     /// Draws the control at once, without waiting for the message loop.
-    void Refresh();
+    void Refresh() { Changed(Property::Repaint); }
 
 protected:
     void Changed(Property property);
+    template <typename Value>
+    void Set(Value& member, const Value& value, Property property) {
+        member = value;
+        Changed(property);
+    }
     /// Size of `text` in the control's font, in the typeface `face` if not empty.
     /// All 0 where nothing is drawn.
     Size TextSize(const std::string& face, const std::string& text) const;
@@ -97,6 +102,14 @@ private:
     vantor::Border mBorder = vantor::Border::None;
     bool mEnabled = true;
     bool mVisible = true;
+};
+
+/// A control of one kind, based on a class with the constructor of `Control`.
+template <ControlKind Kind, typename Base = Control>
+class OfKind : public Base {
+public:
+    explicit OfKind(Form& parent, std::string name, int index = -1)
+        : Base(parent, Kind, std::move(name), index) {}
 };
 
 }  // namespace vantor

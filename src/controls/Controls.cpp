@@ -9,13 +9,7 @@ namespace vantor {
 
 void ProgressBar::Value(std::int16_t value) {
     if (value < 0 || value > 100) throw RuntimeError(ErrorNumber::InvalidPropertyValue);
-    mValue = value;
-    Changed(Property::Value);
-}
-
-void PictureBox::Loaded(std::shared_ptr<const Picture> loaded) {
-    mLoaded = std::move(loaded);
-    Changed(Property::Repaint);
+    Set(mValue, value, Property::Value);
 }
 
 void PictureBox::Cls() {
@@ -41,8 +35,7 @@ void ComboBox::Items(std::vector<std::string> items) {
 void ComboBox::ListIndex(int index) {
     if (index < -1 || index >= static_cast<int>(mItems.size()))
         throw RuntimeError(ErrorNumber::InvalidPropertyValue);
-    mListIndex = index;
-    Changed(Property::Value);
+    Set(mListIndex, index, Property::Value);
 }
 
 std::string ComboBox::Text() const {
@@ -70,19 +63,10 @@ StatusBar::StatusBar(Form& parent, std::string name, const std::vector<std::stri
     for (const std::string& key : keys) mPanels.push_back({key, {}});
 }
 
-std::size_t StatusBar::PanelIndex(const std::string& key) const {
-    const auto found = std::ranges::find(mPanels, key, &Panel::key);
-    if (found == mPanels.end()) throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
-    return static_cast<std::size_t>(found - mPanels.begin());
-}
-
-const std::string& StatusBar::PanelText(const std::string& key) const {
-    return mPanels[PanelIndex(key)].text;
-}
-
-void StatusBar::PanelText(const std::string& key, std::string text) {
-    mPanels[PanelIndex(key)].text = std::move(text);
-    Changed(Property::Value);
+void StatusBar::PanelText(const std::string& key, const std::string& text) {
+    const auto panel = std::ranges::find(mPanels, key, &Panel::key);
+    if (panel == mPanels.end()) throw RuntimeError(ErrorNumber::SubscriptOutOfRange);
+    Set(panel->text, text, Property::Value);
 }
 
 }  // namespace vantor

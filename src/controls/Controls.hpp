@@ -14,11 +14,9 @@
 
 namespace vantor {
 
-class Label : public Control {
-public:
-    Label(Form& parent, std::string name, int index = -1)
-        : Control(parent, ControlKind::Label, std::move(name), index) {}
-};
+using Label = OfKind<ControlKind::Label>;
+/// Shows the program's icon.
+using IconControl = OfKind<ControlKind::Icon>;
 
 /// A control whose event is a click. Raised by a peer or by code through `Press`.
 class ClickControl : public Control {
@@ -34,29 +32,28 @@ protected:
     using Control::Control;
 };
 
-class CommandButton : public ClickControl {
-public:
-    CommandButton(Form& parent, std::string name, int index = -1)
-        : ClickControl(parent, ControlKind::CommandButton, std::move(name), index) {}
-};
+using CommandButton = OfKind<ControlKind::CommandButton, ClickControl>;
 
 /// A menu or menu entry. The caption "-" makes a separator.
-class MenuItem : public ClickControl {
+class MenuItem : public OfKind<ControlKind::MenuItem, ClickControl> {
 public:
-    MenuItem(Form& parent, std::string name, int index = -1)
-        : ClickControl(parent, ControlKind::MenuItem, std::move(name), index) {}
+    using OfKind::OfKind;
 
     /// A menu shows all of its entries.
     void Visible(bool) = delete;
 };
 
 /// A panel or a picture that can be printed on, and clicked when its design row says so.
-class PictureBox : public ClickControl {
+class PictureBox : public OfKind<ControlKind::PictureBox, ClickControl> {
 public:
+    using OfKind::OfKind;
+
     /// A picture shown instead of the background of the design row, scaled to fit with its aspect
     /// ratio; null for the background.
     const std::shared_ptr<const Picture>& Loaded() const { return mLoaded; }
-    void Loaded(std::shared_ptr<const Picture> loaded);
+    void Loaded(const std::shared_ptr<const Picture>& loaded) {
+        Set(mLoaded, loaded, Property::Repaint);
+    }
 
     /// A printed text and its upper left corner in twips.
     struct Printed {
@@ -82,26 +79,15 @@ public:
     /// Prints `text` and moves the position to the start of the next line.
     void Print(const std::string& text);
 
-    PictureBox(Form& parent, std::string name, int index = -1)
-        : ClickControl(parent, ControlKind::PictureBox, std::move(name), index) {}
-
 private:
     std::shared_ptr<const Picture> mLoaded;
     std::vector<Printed> mPrinted;
 };
 
-/// Shows the program's icon.
-class IconControl : public Control {
-public:
-    IconControl(Form& parent, std::string name, int index = -1)
-        : Control(parent, ControlKind::Icon, std::move(name), index) {}
-};
-
 /// A progress bar from 0 to 100.
-class ProgressBar : public Control {
+class ProgressBar : public OfKind<ControlKind::ProgressBar> {
 public:
-    ProgressBar(Form& parent, std::string name, int index = -1)
-        : Control(parent, ControlKind::ProgressBar, std::move(name), index) {}
+    using OfKind::OfKind;
 
     std::int16_t Value() const { return mValue; }
     /// Raises RuntimeError 380 outside 0 to 100.
@@ -112,10 +98,9 @@ private:
 };
 
 /// A drop-down list. `Property::Value` reports new items and a changed selection.
-class ComboBox : public ClickControl {
+class ComboBox : public OfKind<ControlKind::ComboBox, ClickControl> {
 public:
-    ComboBox(Form& parent, std::string name, int index = -1)
-        : ClickControl(parent, ControlKind::ComboBox, std::move(name), index) {}
+    using OfKind::OfKind;
 
     const std::vector<std::string>& Items() const { return mItems; }
     /// Replaces the list and clears the selection.
@@ -153,13 +138,10 @@ public:
     StatusBar(Form& parent, std::string name, const std::vector<std::string>& keys);
 
     const std::vector<Panel>& Panels() const { return mPanels; }
-    /// The text of one panel. Both raise RuntimeError 9 when no panel has the key.
-    const std::string& PanelText(const std::string& key) const;
-    void PanelText(const std::string& key, std::string text);
+    /// Sets the text of one panel. Raises RuntimeError 9 when no panel has the key.
+    void PanelText(const std::string& key, const std::string& text);
 
 private:
-    std::size_t PanelIndex(const std::string& key) const;
-
     std::vector<Panel> mPanels;
 };
 

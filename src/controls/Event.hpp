@@ -1,7 +1,6 @@
 // Event slots of controls.
 #pragma once
 
-#include <cstdint>
 #include <functional>
 #include <memory>
 #include <utility>
@@ -10,13 +9,6 @@ namespace vantor {
 
 /// Whether an event is re-entrant: may be raised while its own handler runs.
 enum class Nesting : bool { Refused, Allowed };
-
-/// The result of raising an event.
-enum class EventResult : std::uint8_t {
-    NoHandler,  ///< no handler is set
-    Busy,       ///< its handler is running and is not re-entrant; nothing was done
-    Handled,
-};
 
 /// One event with at most one handler. Handlers pump messages, so any event can be raised while
 /// others are being handled; an event is not raised again while its own handler runs, unless the
@@ -35,15 +27,16 @@ public:
         mNesting = nesting;
     }
 
-    /// Runs the handler, if one is set and not already running (unless re-entrant).
-    EventResult Raise(Args... args) {
-        if (!mHandler) return EventResult::NoHandler;
-        if (mRunning && mNesting == Nesting::Refused) return EventResult::Busy;
+    /// Runs the handler, if one is set. False, with nothing done, while it is already running and
+    /// not re-entrant.
+    bool Raise(Args... args) {
+        if (!mHandler) return true;
+        if (mRunning && mNesting == Nesting::Refused) return false;
         const std::shared_ptr<void> keepAlive = mOwner ? mOwner() : nullptr;
         const Running guard(mRunning);
         const std::function<void(Args...)> handler = mHandler;
         handler(std::forward<Args>(args)...);
-        return EventResult::Handled;
+        return true;
     }
 
 private:

@@ -26,16 +26,6 @@ Form::Form(WindowManager& manager, const FormDesign& design) : mManager(manager)
 
 Form::~Form() = default;
 
-void Form::Caption(std::string caption) {
-    mCaption = std::move(caption);
-    FormChanged(Property::Caption);
-}
-
-void Form::Place(const vantor::Place& place) {
-    mPlace = place;
-    FormChanged(Property::Place);
-}
-
 void Form::CenterIn(const vantor::Place& area) {
     Place(MiddleOf(area, mPlace));
 }
@@ -50,11 +40,6 @@ void Form::CenterOn(const Form& other) {
     place.left = Within(place.left, place.width, area.left, area.width);
     place.top = Within(place.top, place.height, area.top, area.height);
     Place(place);
-}
-
-void Form::State(WindowState state) {
-    mState = state;
-    FormChanged(Property::State);
 }
 
 void Form::Placed(const vantor::Place& outer, WindowState state, const Size& inner) {
@@ -108,19 +93,6 @@ void Form::Leave() {
     if (mManager.mOpen.empty()) mManager.mPump.Quit();
 }
 
-void Form::ControlChanged(const Control& control, Property property) {
-    if (mPeer) mPeer->ControlChanged(control, property);
-}
-
-Size Form::TextSize(const Control& control, const std::string& face,
-                    const std::string& text) const {
-    return mPeer ? mPeer->TextSize(control, face, text) : Size{};
-}
-
-void Form::FormChanged(Property property) {
-    if (mPeer) mPeer->FormChanged(property);
-}
-
 void Form::DrawLine(const ThinLine& line) {
     if (mPeer) mPeer->DrawLine(line);
 }
@@ -141,15 +113,13 @@ void Form::ApplyDesign() {
     mTag = mDesign.tag;
     mPlace = mDesign.place;
     mInner = {mPlace.width, mPlace.height};
-    std::size_t applied = 0;
     for (const ControlDesign& row : mDesign.controls) {
         Control& control = ControlOf(row);
         control.Caption(row.caption);
         control.Tag(row.tag);
         control.Place(row.place);
-        ++applied;
     }
-    if (applied != mControls.size())
+    if (mDesign.controls.size() != mControls.size())
         throw RuntimeError(ErrorNumber::InternalError,
                            std::string("A control of ") + mDesign.name + " has no design row");
 }

@@ -70,7 +70,6 @@ public:
     WindowManager(Peers& peers, MessagePump& pump) : mPeers(peers), mPump(pump) {}
 
     Peers& GetPeers() const { return mPeers; }
-    MessagePump& Pump() const { return mPump; }
 
     /// The loaded windows, in load order.
     const std::vector<std::shared_ptr<Form>>& OpenForms() const { return mOpen; }
@@ -104,11 +103,11 @@ public:
 
     const std::string& Tag() const { return mTag; }
     const std::string& Caption() const { return mCaption; }
-    void Caption(std::string caption);
+    void Caption(const std::string& caption) { Set(mCaption, caption, Property::Caption); }
 
     /// Outer position and size in twips.
     const vantor::Place& Place() const { return mPlace; }
-    void Place(const vantor::Place& place);
+    void Place(const vantor::Place& place) { Set(mPlace, place, Property::Place); }
 
     /// Centres the window in `area` (twips of the screen) without changing its size.
     void CenterIn(const vantor::Place& area);
@@ -118,7 +117,7 @@ public:
     void CenterOn(const Form& other);
 
     WindowState State() const { return mState; }
-    void State(WindowState state);
+    void State(WindowState state) { Set(mState, state, Property::State); }
 
     /// Size of the client area.
     const Size& InnerSize() const { return mInner; }
@@ -167,10 +166,11 @@ protected:
 
 private:
     friend class Control;
-    void Join(Control& control) { mControls.push_back(&control); }
-    void ControlChanged(const Control& control, Property property);
-    Size TextSize(const Control& control, const std::string& face, const std::string& text) const;
-    void FormChanged(Property property);
+    template <typename Value>
+    void Set(Value& member, const Value& value, Property property) {
+        member = value;
+        if (mPeer) mPeer->FormChanged(property);
+    }
     void ApplyDesign();
     /// Removes the window from the window manager. The caller keeps the object alive.
     void Leave();

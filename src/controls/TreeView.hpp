@@ -21,10 +21,9 @@ struct TreeNode {
 
 /// Nodes count from 0, in the order in which they were added. Every operation on a missing node
 /// raises RuntimeError 9. `Property::Value` reports every change.
-class TreeView : public Control {
+class TreeView : public OfKind<ControlKind::TreeView> {
 public:
-    TreeView(Form& parent, std::string name, int index = -1)
-        : Control(parent, ControlKind::TreeView, std::move(name), index) {}
+    using OfKind::OfKind;
 
     /// The user has selected a node: by mouse, by key, or by collapsing an ancestor of it.
     Event<TreeNode> NodeClick{[this] { return KeepParent(); }};

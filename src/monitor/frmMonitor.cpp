@@ -46,7 +46,6 @@ frmMonitor::frmMonitor(WindowManager& manager, Platform& platform, MonitorOwner&
       mPlatform(platform),
       mOwner(owner),
       mobjFormPos(platform.registry, platform.codePage) {
-    comMonitor.SettingsDialog = [this] { ShowPortSettings(); };
     comMonitor.Command.Connect(
         [this](TerminalCommand command, bool& handled) { comMonitor_Command(command, handled); });
     mnuFileExit.Click.Connect([this] { mnuFileExit_Click(); });
@@ -102,28 +101,28 @@ bool frmMonitor::CoversAnother() const {
 void frmMonitor::ConfigureTerminal() {
     using enum TerminalCommand;
     comMonitor.Handshake(0);
-    comMonitor.AutoLineFeed(false);
-    comMonitor.LocalEcho(false);
+    comMonitor.Screen().modes.returnFeeds = false;
+    comMonitor.LocalEcho = false;
     for (const TerminalCommand command : {Copy, SelectAll, Paste, Settings, Clear, Reset})
-        comMonitor.CommandMode(command, CommandOffer::Always);
+        comMonitor.OfferAlways(command);
 }
 
 void frmMonitor::Initialize(const CAppSettings& settings) {
     Trapped("frmMonitor.Initialize", [&] {
         mobjSettings = &settings;
-        comMonitor.Port(settings.CommPort());
-        comMonitor.Settings(settings.BaudRate() + "," + settings.Parity() + "," +
-                            settings.DataBits() + "," + settings.StopBits());
+        comMonitor.Port().name = settings.CommPort();
+        comMonitor.Port().settings = settings.BaudRate() + "," + settings.Parity() + "," +
+                                     settings.DataBits() + "," + settings.StopBits();
         UpdatePort();
         UpdateSettings();
     });
 }
 
 void frmMonitor::Form_Resize() {
-    // When the window is too small for the terminal, its old size is kept.
     Ignoring([this] {
-        const Size& inner = InnerSize();
-        comMonitor.Move({0, 0, inner.width, inner.height - sbStatusBar.Place().height});
+        const float height = InnerSize().height - sbStatusBar.Place().height;
+        // When the window is too small for the terminal, its old size is kept.
+        if (height >= 0) comMonitor.Place({0, 0, InnerSize().width, height});
     });
 }
 
@@ -138,15 +137,11 @@ void frmMonitor::Form_Unload() {
     Trapped("frmMonitor.Form_Unload", [this] {
         mobjFormPos.SaveForm();
         comMonitor.CaptureFile("");
-        UnloadProgress();
+        // Before this window closes: Windows destroys owned windows with their owner.
+        const std::vector<std::shared_ptr<frmSend>> shown = mProgress;
+        for (const std::shared_ptr<frmSend>& progress : shown) progress->Unload();
         if (mOwner.CloseIsWaiting()) mOwner.ResumeClose();
     });
-}
-
-/// Called before this window closes: Windows destroys owned windows with their owner.
-void frmMonitor::UnloadProgress() {
-    const std::vector<std::shared_ptr<frmSend>> shown = mProgress;
-    for (const std::shared_ptr<frmSend>& progress : shown) progress->Unload();
 }
 
 // --- status bar ------------------------------------------------------------------------------
@@ -161,41 +156,30 @@ void frmMonitor::UpdateStatus() {
 }
 
 void frmMonitor::UpdatePort() {
-    Trapped("frmMonitor.UpdatePort", [this] { sbStatusBar.PanelText("port", comMonitor.Port()); });
+    Trapped("frmMonitor.UpdatePort",
+            [this] { sbStatusBar.PanelText("port", comMonitor.Port().name); });
 }
 
 void frmMonitor::UpdateSettings() {
     Trapped("frmMonitor.UpdateSettings",
-            [this] { sbStatusBar.PanelText("settings", comMonitor.Settings()); });
+            [this] { sbStatusBar.PanelText("settings", comMonitor.Port().settings); });
 }
 
 // --- menus and commands of the terminal ------------------------------------------------------
 
 void frmMonitor::comMonitor_Command(TerminalCommand command, bool& handled) {
     Trapped("frmMonitor.comMonitor_Command", [&] {
-        switch (command) {
-            case TerminalCommand::Open:
-                handled = true;
-                mnuCommOpen_Click();
-                if (!Gone()) UpdateStatus();
-                break;
-            case TerminalCommand::Close:
-                handled = true;
-                mnuCommClose_Click();
-                UpdateStatus();
-                break;
-            case TerminalCommand::Settings:
-                handled = true;
-                mnuCommSettings_Click();
-                if (Gone()) return;
-                UpdatePort();
-                UpdateSettings();
-                // The dialog reopens an open port, which may have failed.
-                UpdateStatus();
-                break;
-            default:
-                break;  // handled by the terminal
+        using enum TerminalCommand;
+        handled = command == Open || command == Close || command == Settings;
+        if (command == Open) mnuCommOpen_Click();
+        if (command == Close) mnuCommClose_Click();
+        if (command == Settings) mnuCommSettings_Click();
+        if (!handled || Gone()) return;
+        if (command == Settings) {
+            UpdatePort();
+            UpdateSettings();
         }
+        UpdateStatus();  // also after the dialog, which reopens an open port and may fail
     });
 }
 
@@ -218,7 +202,7 @@ void frmMonitor::mnuCommClose_Click() {
 
 void frmMonitor::mnuCommSettings_Click() {
     Trapped("frmMonitor.mnuCommSettings_Click", [this] {
-        comMonitor.ShowSettings();
+        ShowPortSettings();
         if (!Gone()) UpdatePort();
     });
 }
@@ -327,8 +311,8 @@ bool frmMonitor::SendLines(const std::string& text, frmSend& progress) {
     bool lost = false;
     if (Gone()) return false;
     comMonitor.FollowOutput(true);
-    comMonitor.EndLines(true);
-    comMonitor.AutoWrap(true);
+    comMonitor.EndLines = true;
+    comMonitor.Screen().modes.autoWrap = true;
     for (std::size_t i = 0; i < lines.size(); ++i) {
         if (TrimBlanks(lines[i]).empty()) continue;
         comMonitor.Output(lines[i]);
@@ -343,7 +327,7 @@ bool frmMonitor::SendLines(const std::string& text, frmSend& progress) {
         if (Gone()) return false;
         sent = !MustStop(progress);
         if (sent) continue;
-        comMonitor.DropPendingLines();
+        comMonitor.Port().DropPendingLines();
         break;
     }
     comMonitor.FollowOutput(false);
@@ -353,7 +337,8 @@ bool frmMonitor::SendLines(const std::string& text, frmSend& progress) {
 
 /// Keeps the progress in step with a slow line. Cancel could not stop lines already queued.
 void frmMonitor::AwaitDriver(CDelay& delay, const frmSend& progress) {
-    while (!Gone() && !comMonitor.OutputTaken() && !MustStop(progress)) delay.Delay(kDriverPollMs);
+    while (!Gone() && !comMonitor.Port().FlushPending() && !MustStop(progress))
+        delay.Delay(kDriverPollMs);
 }
 
 /// An update started during a send runs nested inside it and is not delayed by it. If the send

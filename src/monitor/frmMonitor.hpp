@@ -73,7 +73,6 @@ protected:
 private:
     void RestorePosition();
     bool CoversAnother() const;
-    void UnloadProgress();
     void ConfigureTerminal();
     void comMonitor_Command(TerminalCommand command, bool& handled);
     void mnuFileExit_Click();

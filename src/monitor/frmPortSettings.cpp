@@ -7,13 +7,12 @@
 #include "app/base/LoadResources.hpp"
 #include "platform/StringTable.hpp"
 #include "resources/Designs.hpp"
+#include "support/LineSettings.hpp"
 #include "support/Traps.hpp"
 #include "terminal/TerminalControl.hpp"
 
 namespace vantor {
 namespace {
-
-constexpr const char* kParityLetters = "NOE";  // in the order of the list, and of Parity
 
 /// Lists `items` and selects `chosen`, appended to the list when it is missing.
 void Fill(ComboBox& combo, std::vector<std::string> items, const std::string& chosen) {
@@ -35,20 +34,16 @@ frmPortSettings::frmPortSettings(WindowManager& manager, Platform& platform,
 void frmPortSettings::Form_Load() {
     Trapped("frmPortSettings.Form_Load", [this] {
         LoadResources(*this, mPlatform.strings);
-        ListPorts();
+        std::vector<std::string> ports;
+        for (const SerialPortInfo& port : mPlatform.ports.List()) ports.push_back(port.name);
+        Fill(cboPort, std::move(ports), mTerminal.Port().name);
         ListLine();
     });
 }
 
-void frmPortSettings::ListPorts() {
-    std::vector<std::string> names;
-    for (const SerialPortInfo& port : mPlatform.ports.List()) names.push_back(port.name);
-    Fill(cboPort, std::move(names), mTerminal.Port());
-}
-
 void frmPortSettings::ListLine() {
     LineSettings line;
-    Ignoring([&] { line = ParseLineSettings(mTerminal.Settings()); });
+    Ignoring([&] { line = ParseLineSettings(mTerminal.Port().settings); });
     Fill(cboSpeed,
          {"300", "600", "1200", "2400", "4800", "9600", "19200", "38400", "57600", "115200"},
          std::to_string(line.bitsPerSecond));
@@ -62,17 +57,12 @@ void frmPortSettings::ListLine() {
     cboFlowControl.Enabled(false);
 }
 
-std::string frmPortSettings::ChosenSettings() const {
-    const char parity = kParityLetters[cboParity.ListIndex()];
-    return cboSpeed.Text() + "," + parity + "," + cboDataBits.Text() + "," + cboStopBits.Text();
-}
-
 /// Compares parsed values: "9600,n,8,1" equals the "9600,N,8,1" of the dialog.
 bool frmPortSettings::IsChange(const std::string& port, const std::string& settings) const {
+    const BufferedPort& now = mTerminal.Port();
     bool same = false;
-    Ignoring(
-        [&] { same = ParseLineSettings(settings) == ParseLineSettings(mTerminal.Settings()); });
-    return port != mTerminal.Port() || !same;
+    Ignoring([&] { same = ParseLineSettings(settings) == ParseLineSettings(now.settings); });
+    return port != now.name || !same;
 }
 
 void frmPortSettings::Apply(const std::string& port, const std::string& settings) {
@@ -81,8 +71,8 @@ void frmPortSettings::Apply(const std::string& port, const std::string& settings
         mTerminal.DrainOutput();
         mTerminal.PerformCommand(TerminalCommand::Close);
     }
-    mTerminal.Port(port);
-    mTerminal.Settings(settings);
+    mTerminal.Port().name = port;
+    mTerminal.Port().settings = settings;
     if (reopen) mTerminal.PerformCommand(TerminalCommand::Open);
     mReopenFailed = reopen && !mTerminal.PortOpen();
 }
@@ -90,7 +80,9 @@ void frmPortSettings::Apply(const std::string& port, const std::string& settings
 void frmPortSettings::cmdOK_Click() {
     Trapped("frmPortSettings.cmdOK_Click", [this] {
         const std::string port = cboPort.Text();
-        const std::string settings = ChosenSettings();
+        const char parity = LetterOf(static_cast<Parity>(cboParity.ListIndex()));
+        const std::string settings =
+            cboSpeed.Text() + "," + parity + "," + cboDataBits.Text() + "," + cboStopBits.Text();
         // Unchanged settings must not reopen the port, which would interrupt reception.
         if (IsChange(port, settings) && !mTerminal.Parent().Gone()) Apply(port, settings);
         Unload();

@@ -39,10 +39,8 @@ protected:
     void Form_Load() override;
 
 private:
-    void ListPorts();
     void ListLine();
     void cmdOK_Click();
-    std::string ChosenSettings() const;
     bool IsChange(const std::string& port, const std::string& settings) const;
     void Apply(const std::string& port, const std::string& settings);
 

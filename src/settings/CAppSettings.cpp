@@ -6,6 +6,7 @@
 #include "app/base/AppInfo.hpp"
 #include "settings/CEncryption.hpp"
 #include "settings/CProgramSettings.hpp"
+#include "support/LineSettings.hpp"
 #include "support/Traps.hpp"
 #include "support/text/Text.hpp"
 #include "support/text/Unicode.hpp"
@@ -183,10 +184,7 @@ void CAppSettings::DataBits(const std::string& value) {
 }
 
 void CAppSettings::Parity(const std::string& value) {
-    Set("Parity", mRecord.Parity, value, [&] {
-        const std::string letter = UpperCase(value);
-        return letter == "N" || letter == "O" || letter == "E";
-    });
+    Set("Parity", mRecord.Parity, value, [&] { return ParityOf(value).has_value(); });
 }
 
 void CAppSettings::StopBits(const std::string& value) {

@@ -1,25 +1,25 @@
 // The wait cursor for the duration of a procedure.
 #pragma once
 
+#include "platform/Peers.hpp"
+
 namespace vantor {
 
-class Peers;
-
-/// Restores the default pointer on destruction, on every exit path and whatever `Value` was.
+/// Restores the default pointer on destruction, on every exit path and whatever was shown.
 class CHourglass {
 public:
     explicit CHourglass(Peers& peers) : mPeers(peers) {}
-    ~CHourglass();
+    ~CHourglass() { Value(false); }
     CHourglass(const CHourglass&) = delete;
     CHourglass& operator=(const CHourglass&) = delete;
 
     /// True shows the hourglass, false the default pointer.
-    void Value(bool wait);
-    bool Value() const { return mValue; }
+    void Value(bool wait) {
+        mPeers.SetMousePointer(wait ? MousePointer::Hourglass : MousePointer::Default);
+    }
 
 private:
     Peers& mPeers;
-    bool mValue = false;
 };
 
 }  // namespace vantor

@@ -13,46 +13,31 @@
 namespace vantor {
 namespace {
 
-bool IsDigit(char c) {
-    return c >= '0' && c <= '9';
-}
+struct Decimal {
+    double value = 0;        // infinite when too large
+    std::size_t length = 0;  // of its text; 0 when there is no number
+};
 
-/// Length of the decimal number at the start of `text`, which holds no spaces; 0 when there
-/// is none. An exponent counts only when digits follow it.
-std::size_t DecimalLength(std::string_view text) {
-    std::size_t at = 0;
-    const auto digits = [&text, &at] {
-        const std::size_t from = at;
-        while (at < text.size() && IsDigit(text[at])) ++at;
-        return at - from;
-    };
-    if (at < text.size() && (text[at] == '+' || text[at] == '-')) ++at;
-    std::size_t mantissa = digits();
-    if (at < text.size() && text[at] == '.') {
-        ++at;
-        mantissa += digits();
-    }
-    if (mantissa == 0) return 0;
-    const std::size_t beforeExponent = at;
-    if (at < text.size() && std::string_view("eEdD").find(text[at]) != std::string_view::npos) {
-        ++at;
-        if (at < text.size() && (text[at] == '+' || text[at] == '-')) ++at;
-        if (digits() == 0) at = beforeExponent;
-    }
-    return at;
-}
-
-double ParseDecimal(std::string_view number) {
-    std::string plain(number);
-    std::ranges::replace(plain, 'd', 'e');
-    std::ranges::replace(plain, 'D', 'e');
-    const std::size_t skip = plain.starts_with('+') ? 1 : 0;
+/// The decimal number at the start of `text`. An exponent, marked by "e" or "d", counts only when
+/// digits follow it.
+Decimal ParseDecimal(std::string_view text) {
+    std::string plain(text);
+    std::ranges::replace_if(
+        plain, [](char c) { return c == 'd' || c == 'D'; }, 'e');
+    const std::size_t plus = plain.starts_with('+') ? 1 : 0;
+    const std::size_t sign = plain.starts_with('-') ? 1 : plus;
+    // The library also reads "inf" and "nan".
+    if (plain.find_first_of("0123456789.") != sign) return {};
+    const char* const start = plain.data();
     double value = 0;
-    const auto [end, error] =
-        std::from_chars(plain.data() + skip, plain.data() + plain.size(), value);
-    if (error != std::errc::result_out_of_range) return value;
-    // Overflow is an error; an underflow is not, and gives 0 or a subnormal number.
-    value = std::strtod(plain.c_str(), nullptr);
+    const auto [end, error] = std::from_chars(start + plus, start + plain.size(), value);
+    if (error == std::errc::invalid_argument) return {};
+    // A number that is too small is no error, and gives 0 or a subnormal number.
+    if (error == std::errc::result_out_of_range) value = std::strtod(start, nullptr);
+    return {value, static_cast<std::size_t>(end - start)};
+}
+
+double Finite(double value) {
     if (std::isinf(value)) throw RuntimeError(ErrorNumber::Overflow);
     return value;
 }
@@ -71,12 +56,13 @@ std::optional<double> ParseRadix(std::string_view text) {
     return static_cast<std::int32_t>(bits);
 }
 
-std::optional<double> WholeNumber(std::string_view text) {
+/// All of `text` except surrounding spaces as a number; infinite when it is too large.
+std::optional<double> ParseWhole(std::string_view text) {
     const std::string_view number = TrimBlanks(text);
-    if (number.empty()) return std::nullopt;
     if (const auto radix = ParseRadix(number)) return radix;
-    if (DecimalLength(number) != number.size()) return std::nullopt;
-    return ParseDecimal(number);
+    const auto [value, length] = ParseDecimal(number);
+    if (length == 0 || length != number.size()) return std::nullopt;
+    return value;
 }
 
 template <typename Integer>
@@ -100,17 +86,15 @@ std::int32_t Checked(std::int64_t value) {
 
 double LeadingNumber(std::string_view text) {
     text.remove_prefix(std::min(text.size(), text.find_first_not_of(' ')));
-    const std::size_t length = DecimalLength(text);
-    return length == 0 ? 0 : ParseDecimal(text.substr(0, length));
+    return Finite(ParseDecimal(text).value);
 }
 
 bool IsNumeric(std::string_view text) {
-    const std::string_view number = TrimBlanks(text);
-    return !number.empty() && (ParseRadix(number) || DecimalLength(number) == number.size());
+    return ParseWhole(text).has_value();
 }
 
 double ToDouble(std::string_view text) {
-    if (const auto number = WholeNumber(text)) return *number;
+    if (const auto number = ParseWhole(text)) return Finite(*number);
     throw RuntimeError(ErrorNumber::TypeMismatch);
 }
 
@@ -122,23 +106,11 @@ std::int32_t ToInt32(double value) {
     return Rounded<std::int32_t>(value);
 }
 
-std::int16_t ToInt16(std::string_view text) {
-    return ToInt16(ToDouble(text));
-}
-
-std::int32_t ToInt32(std::string_view text) {
-    return ToInt32(ToDouble(text));
-}
-
 bool ToBool(std::string_view text) {
     const std::string word = UpperCase(TrimBlanks(text));
     if (word == "TRUE") return true;
     if (word == "FALSE") return false;
     return ToDouble(text) != 0;
-}
-
-std::string FromBool(bool value) {
-    return value ? "True" : "False";
 }
 
 std::string TwoDigits(std::int32_t value) {
@@ -150,6 +122,11 @@ std::string TwoDigits(std::int32_t value) {
 std::string TimeOfDay(std::int32_t seconds) {
     return TwoDigits(seconds / 3600) + ":" + TwoDigits(seconds / 60 % 60) + ":" +
            TwoDigits(seconds % 60);
+}
+
+std::string FormatDateTime(const DateTime& time) {
+    return std::to_string(time.year) + "-" + TwoDigits(time.month) + "-" + TwoDigits(time.day) +
+           " " + TwoDigits(time.hour) + ":" + TwoDigits(time.minute) + ":" + TwoDigits(time.second);
 }
 
 std::int32_t CheckedAdd(std::int32_t a, std::int32_t b) {

@@ -7,6 +7,8 @@
 #include <string>
 #include <string_view>
 
+#include "platform/Clock.hpp"
+
 namespace vantor {
 
 /// Parses the number at the start of `text`: skips leading spaces, then reads sign,
@@ -26,21 +28,30 @@ std::int16_t ToInt16(double value);
 std::int32_t ToInt32(double value);
 
 /// `text` as a rounded integer. Raises RuntimeError 13 or 6.
-std::int16_t ToInt16(std::string_view text);
-std::int32_t ToInt32(std::string_view text);
+inline std::int16_t ToInt16(std::string_view text) {
+    return ToInt16(ToDouble(text));
+}
+inline std::int32_t ToInt32(std::string_view text) {
+    return ToInt32(ToDouble(text));
+}
 
 /// Accepts "True" and "False", case-insensitive, and numbers, of which all but 0 are true.
 /// Raises RuntimeError 13 for anything else.
 bool ToBool(std::string_view text);
 
 /// "True" or "False".
-std::string FromBool(bool value);
+inline std::string FromBool(bool value) {
+    return value ? "True" : "False";
+}
 
 /// `value` with at least two digits: "05", "12".
 std::string TwoDigits(std::int32_t value);
 
 /// `seconds` since midnight, not negative, as a time of day: "00:04:07".
 std::string TimeOfDay(std::int32_t seconds);
+
+/// "2026-11-24 21:18:05", the form that reports use.
+std::string FormatDateTime(const DateTime& time);
 
 /// a + b and a * b as 32-bit signed numbers. Raise RuntimeError 6 when they do not fit.
 std::int32_t CheckedAdd(std::int32_t a, std::int32_t b);

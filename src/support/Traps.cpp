@@ -9,8 +9,17 @@ namespace {
 
 ErrorSink* gSink = nullptr;
 
-void ShowInBox(std::string_view title, const std::string& text) {
-    if (gSink) gSink->ShowBox(title, text);
+/// Runs `body`. An error is shown in a box with the text that `describe` makes of it.
+bool ShownInBox(std::string_view title, const std::function<void()>& body,
+                const std::function<std::string(const RuntimeError&)>& describe) {
+    try {
+        body();
+        return true;
+    } catch (...) {
+        const std::string text = describe(PendingError());
+        if (gSink) gSink->ShowBox(title, text);
+        return false;
+    }
 }
 
 }  // namespace
@@ -39,28 +48,19 @@ bool Trapped(std::string_view name, const std::function<void()>& body,
 }
 
 bool Boxed(std::string_view name, const std::function<void()>& body) {
-    try {
-        body();
-        return true;
-    } catch (...) {
-        const RuntimeError error = PendingError();
-        ShowInBox(name, "Error: " + std::to_string(error.Number()) + ". " + error.Description());
-        return false;
-    }
+    return ShownInBox(name, body, [](const RuntimeError& error) {
+        return "Error: " + std::to_string(error.Number()) + ". " + error.Description();
+    });
 }
 
-bool BoxedSetup(std::string_view where, const std::function<void()>& body) {
-    try {
-        body();
-        return true;
-    } catch (...) {
-        const RuntimeError error = PendingError();
+void BoxedSetup(std::string_view where, const std::function<void()>& body) {
+    ShownInBox({}, body, [where](const RuntimeError& error) {
         // "occured" is misspelt in all of these boxes; kept for compatibility.
-        ShowInBox({}, "An error has occured in " + std::string(where) +
-                          " \r\nError:" + std::to_string(error.Number()) + "\r\nDescription:" +
-                          error.Description() + "\r\nLine:" + std::to_string(error.Line()));
-        return false;
-    }
+        return "An error has occured in " + std::string(where) +
+               " \r\nError:" + std::to_string(error.Number()) +
+               "\r\nDescription:" + error.Description() +
+               "\r\nLine:" + std::to_string(error.Line());
+    });
 }
 
 bool Ignoring(const std::function<void()>& step) noexcept {

@@ -49,8 +49,8 @@ auto Raising(std::string_view source, Body&& body) {
 bool Boxed(std::string_view name, const std::function<void()>& body);
 
 /// Runs the initialisation of a class, or a procedure of the support module. An error is shown
-/// under `title` as "An error has occured in `where` " with its number, description and line.
-bool BoxedSetup(std::string_view where, const std::function<void()>& body);
+/// as "An error has occured in `where` " with its number, description and line.
+void BoxedSetup(std::string_view where, const std::function<void()>& body);
 
 /// Runs one statement and ignores its error, so that the next one still runs.
 /// Returns true when there was none, for callers that treat all errors alike.

@@ -41,10 +41,6 @@ constexpr std::array kMenu = {MenuRow{TerminalCommand::Open, Str::TerminalOpenPo
                               MenuRow{TerminalCommand::Clear, Str::TerminalClearScreen, true},
                               MenuRow{TerminalCommand::Reset, Str::TerminalReset, false}};
 
-std::size_t Slot(TerminalCommand command) {
-    return static_cast<std::size_t>(command);
-}
-
 /// `text` with every CR, LF and CR LF replaced by `lineEnd`.
 std::string WithLineEnds(std::string_view text, std::string_view lineEnd) {
     std::string result;
@@ -77,19 +73,16 @@ bool LacksAny(const CodePage& codePage, const std::string& utf8) {
 TerminalControl::TerminalControl(Form& parent, std::string name, Platform& platform)
     : Control(parent, ControlKind::Terminal, std::move(name)),
       mPlatform(platform),
-      mPort(platform.ports) {
+      mPort(platform.ports),
+      mSendTimer(platform.pump, kSendIntervalMs, [this] { KeepSending(); }) {
     mPort.name = "COM1";
     mPort.settings = "9600,N,8,1";
-}
-
-TerminalControl::~TerminalControl() {
-    if (mSendTimer != 0) mPlatform.pump.StopTimer(mSendTimer);
 }
 
 // --- the port --------------------------------------------------------------------------------
 
 void TerminalControl::Open() {
-    static_cast<void>(mPort.InBufferCount());  // closes the port if its device is lost
+    mPort.InBufferCount();  // closes the port if its device is lost
     if (PortOpen()) return;
     mPort.Open([this] { TakeInput(kMostAtOnce); });
 }
@@ -101,10 +94,10 @@ void TerminalControl::Close() {
 }
 
 void TerminalControl::DrainOutput() {
-    const Clock& clock = mPlatform.clock;
+    Clock& clock = mPlatform.clock;
     const std::uint32_t start = clock.Milliseconds();
     while (mPort.OutBufferCount() > 0 && clock.Milliseconds() - start < kDrainMs)
-        mPlatform.clock.Sleep(kDrainStepMs);
+        clock.Sleep(kDrainStepMs);
 }
 
 void TerminalControl::TakeInput(std::size_t most) {
@@ -137,15 +130,13 @@ void TerminalControl::Beep() {
 }
 
 void TerminalControl::Capture(std::string_view bytes) {
-    if (!mCapture) return;
+    if (!mCapture.file) return;
     Trapped("TerminalControl.Capture", [&] {
         // Moved out during the write: a failed write must end the capture before the error box
         // opens, because more text arrives while that box is open.
-        std::unique_ptr<OutputFile> file = std::move(mCapture);
-        std::string path = std::exchange(mCaptureFile, {});
-        file->Write(bytes);
-        mCapture = std::move(file);
-        mCaptureFile = std::move(path);
+        CaptureTarget target = std::exchange(mCapture, {});
+        target.file->Write(bytes);
+        mCapture = std::move(target);
     });
 }
 
@@ -153,34 +144,25 @@ void TerminalControl::CaptureFile(const std::string& path) {
     const std::shared_ptr<void> keepAlive = KeepParent();
     TakeInput(kAll);
     // An open capture file must be closed before it can be created again.
-    if (path.empty() || path == mCaptureFile) {
-        mCapture.reset();
-        mCaptureFile.clear();
-    }
-    if (path.empty()) return;
-    mCapture = mPlatform.files.Create(path);
-    mCaptureFile = path;
+    if (path.empty() || path == mCapture.path) mCapture = {};
+    if (!path.empty()) mCapture = {path, mPlatform.files.Create(path)};
 }
 
 void TerminalControl::Send(std::string_view bytes) {
     if (!PortOpen()) return;
     mPort.Output(bytes);
     KeepSending();
-    if (mLocalEcho) Show(WithLineEnds(bytes, "\r\n"));
+    if (LocalEcho) Show(WithLineEnds(bytes, "\r\n"));
 }
 
 /// Sends the remainder in parts when the driver does not accept everything at once.
 /// No timer runs while idle.
 void TerminalControl::KeepSending() {
-    const bool done = mPort.FlushPending();
-    if (done && mSendTimer != 0)
-        mPlatform.pump.StopTimer(std::exchange(mSendTimer, 0));
-    else if (!done && mSendTimer == 0)
-        mSendTimer = mPlatform.pump.StartTimer(kSendIntervalMs, [this] { KeepSending(); });
+    mSendTimer.Enabled(!mPort.FlushPending());
 }
 
 void TerminalControl::Output(std::string_view line) {
-    Send(std::string(line) + (mEndLines ? "\r" : ""));
+    Send(std::string(line) + (EndLines ? "\r" : ""));
 }
 
 void TerminalControl::Key(std::string_view bytes) {
@@ -200,31 +182,23 @@ void TerminalControl::Type(const std::string& text) {
 void TerminalControl::PerformCommand(TerminalCommand command) {
     switch (command) {
         case TerminalCommand::Copy:
-            Copy();
-            break;
+            return Copy();
         case TerminalCommand::Paste:
-            Paste();
-            break;
+            return Paste();
         case TerminalCommand::SelectAll:
-            SelectAll();
-            break;
+            return SelectAll();
         case TerminalCommand::Open:
-            Open();
-            break;
+            return Open();
         case TerminalCommand::Close:
-            Close();
-            break;
+            return Close();
         case TerminalCommand::Clear:
             mScreen.NewPage();
-            Clear();
-            break;
+            return Clear();
         case TerminalCommand::Reset:
             mScreen.Reset();
-            Clear();
-            break;
+            return Clear();
         case TerminalCommand::Settings:
-            ShowSettings();
-            break;
+            return;
     }
 }
 
@@ -239,12 +213,8 @@ void TerminalControl::Invoke(TerminalCommand command) {
     const std::shared_ptr<void> keepAlive = KeepParent();
     bool handled = false;
     // The owner's handler is running another command and has not seen this one.
-    if (Command.Raise(command, handled) == EventResult::Busy) return;
+    if (!Command.Raise(command, handled)) return;
     if (!handled && !Parent().Gone()) PerformCommand(command);
-}
-
-void TerminalControl::ShowSettings() {
-    if (SettingsDialog) SettingsDialog();
 }
 
 void TerminalControl::Handshake(int kind) {
@@ -256,15 +226,12 @@ void TerminalControl::FollowOutput(bool follow) {
     if (follow) ScrollTo(mScreen.TopLine());
 }
 
-CommandOffer TerminalControl::CommandMode(TerminalCommand command) const {
-    return mOffers[Slot(command)];
+void TerminalControl::OfferAlways(TerminalCommand command) {
+    mOfferedAlways.set(static_cast<std::size_t>(command));
 }
 
-void TerminalControl::CommandMode(TerminalCommand command, CommandOffer offer) {
-    mOffers[Slot(command)] = offer;
-}
-
-bool TerminalControl::Useful(TerminalCommand command) const {
+bool TerminalControl::Offered(TerminalCommand command) const {
+    if (mOfferedAlways.test(static_cast<std::size_t>(command))) return true;
     if (command == TerminalCommand::Open) return !PortOpen();
     if (command == TerminalCommand::Close || command == TerminalCommand::Paste) return PortOpen();
     return command != TerminalCommand::Copy || !mSelection.Empty();
@@ -272,14 +239,8 @@ bool TerminalControl::Useful(TerminalCommand command) const {
 
 std::vector<OfferedCommand> TerminalControl::ContextMenu() const {
     std::vector<OfferedCommand> menu;
-    for (const auto& [command, text, startsGroup] : kMenu) {
-        const CommandOffer offer = CommandMode(command);
-        if (offer == CommandOffer::Never) continue;
-        menu.push_back({.command = command,
-                        .caption = mPlatform.strings.Text(text),
-                        .enabled = offer == CommandOffer::Always || Useful(command),
-                        .startsGroup = startsGroup});
-    }
+    for (const auto& [command, text, startsGroup] : kMenu)
+        menu.push_back({command, mPlatform.strings.Text(text), Offered(command), startsGroup});
     return menu;
 }
 
@@ -312,21 +273,21 @@ void TerminalControl::Paste() {
 /// True when `text` cannot be sent; a message box has then given the reason.
 bool TerminalControl::RefusePaste(const std::string& text) {
     if (!LacksAny(mPlatform.codePage, text)) return false;
-    std::string_view rest = text;
-    std::string_view character = FirstCharacter(rest);
     int line = 1;
-    while (!LacksAny(mPlatform.codePage, std::string(character))) {
+    for (std::string_view rest = text; !rest.empty();) {
+        const std::string character(FirstCharacter(rest));
+        if (LacksAny(mPlatform.codePage, character)) {
+            std::string told = mPlatform.strings.Text(Str::PasteRefused);
+            told.replace(told.find("%1"), 2, NameOf(character));
+            told.replace(told.find("%2"), 2, std::to_string(line));
+            mPlatform.boxes.Show(
+                {.text = told, .icon = BoxIcon::Exclamation, .owner = Parent().WindowHandle()});
+            return true;
+        }
         if (character == "\r") ++line;
         rest.remove_prefix(character.size());
-        if (rest.empty()) return false;
-        character = FirstCharacter(rest);
     }
-    std::string told = mPlatform.strings.Text(Str::PasteRefused);
-    told.replace(told.find("%1"), 2, NameOf(character));
-    told.replace(told.find("%2"), 2, std::to_string(line));
-    mPlatform.boxes.Show(
-        {.text = told, .icon = BoxIcon::Exclamation, .owner = Parent().WindowHandle()});
-    return true;
+    return false;
 }
 
 std::int64_t TerminalControl::FirstShownLine() const {
@@ -344,11 +305,6 @@ void TerminalControl::ScrollTo(std::int64_t firstLine) {
 void TerminalControl::ScreenSize(int columns, int rows) {
     mScreen.Resize(columns, rows);
     Changed(Property::Value);
-}
-
-void TerminalControl::Move(const vantor::Place& place) {
-    if (place.width < 0 || place.height < 0) throw RuntimeError(ErrorNumber::InvalidPropertyValue);
-    Place(place);
 }
 
 }  // namespace vantor

@@ -2,10 +2,9 @@
 // a context menu. It works without a peer, which only paints the screen and forwards user input.
 #pragma once
 
-#include <array>
+#include <bitset>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -16,8 +15,8 @@
 #include "controls/Control.hpp"
 #include "controls/Event.hpp"
 #include "platform/Files.hpp"
-#include "platform/MessagePump.hpp"
 #include "platform/Platform.hpp"
+#include "support/Timer.hpp"
 #include "terminal/TerminalParser.hpp"
 #include "terminal/TerminalScreen.hpp"
 #include "terminal/TerminalSelection.hpp"
@@ -33,14 +32,7 @@ enum class TerminalCommand : std::uint8_t {
     Close = 8,      ///< closes the port
     Clear = 9,      ///< clears the screen; its text stays in the history
     Reset = 10,     ///< resets colours, scroll region and modes, and clears the screen
-    Settings = 11,  ///< shows the dialog for the port settings
-};
-
-/// When the context menu offers a command.
-enum class CommandOffer : std::uint8_t {
-    WhenUseful = 0,  ///< only while it has an effect; greyed otherwise
-    Never = 1,       ///< it is not in the menu
-    Always = 2,      ///< at any time
+    Settings = 11,  ///< shows the port settings; performed by the owner of the terminal
 };
 
 /// One entry of the context menu.
@@ -62,16 +54,9 @@ struct OfferedCommand {
 class TerminalControl : public Control {
 public:
     TerminalControl(Form& parent, std::string name, Platform& platform);
-    ~TerminalControl() override;
 
-    /// Member 1: the settings string (see ParseLineSettings), used at the next open.
-    const std::string& Settings() const { return mPort.settings; }
-    void Settings(std::string settings) { mPort.settings = std::move(settings); }
-
-    /// Member 28: the port's name, "COM1" style, or n for COMn. Used at the next open.
-    const std::string& Port() const { return mPort.name; }
-    void Port(std::string name) { mPort.name = std::move(name); }
-
+    /// Its `settings` is member 1, its `name` member 28. Opened and closed by commands only.
+    BufferedPort& Port() { return mPort; }
     /// Member 88: the port is open.
     bool PortOpen() const { return mPort.IsOpen(); }
 
@@ -82,20 +67,12 @@ public:
     /// Waits at most 2 seconds until all queued output is on the line, before the user's close.
     /// Does not pump messages, because the windows may be about to be destroyed.
     void DrainOutput();
-    /// True when the driver has accepted all queued output, or the port is closed.
-    bool OutputTaken() { return mPort.FlushPending(); }
-    /// Discards queued lines, except the rest of a partly sent one.
-    void DropPendingLines() { mPort.DropPendingLines(); }
-
-    /// Member 130: calls `SettingsDialog`, which the owner sets to show the port settings.
-    void ShowSettings();
-    std::function<void()> SettingsDialog;
 
     /// Member 16: the capture file for received data; empty when none. Setting a name starts a
     /// capture and overwrites the file; an empty name ends the capture. Input received so far goes
     /// to the running capture, which continues if another file cannot be created.
     /// Raises what Files::Create does.
-    const std::string& CaptureFile() const { return mCaptureFile; }
+    const std::string& CaptureFile() const { return mCapture.path; }
     void CaptureFile(const std::string& path);
 
     /// Member 84: transmits one line unchanged, followed by a CR.
@@ -106,33 +83,19 @@ public:
     bool FollowOutput() const { return mFollowOutput; }
     void FollowOutput(bool follow);
 
-    /// Member 62: `Output` ends lines with CR. Default: true.
-    bool EndLines() const { return mEndLines; }
-    void EndLines(bool end) { mEndLines = end; }
+    /// Member 62: `Output` ends lines with CR.
+    bool EndLines = true;
 
-    /// Member 6: a line longer than the screen width continues in the next row instead of
-    /// overwriting its last column. Default: true; received sequences can change it too.
-    bool AutoWrap() const { return mScreen.modes.autoWrap; }
-    void AutoWrap(bool wrap) { mScreen.modes.autoWrap = wrap; }
-
-    /// Member 55: the kind of flow control. Only 0 (none) is supported; raises RuntimeError
-    /// 380 for any other value.
-    int Handshake() const { return 0; }
+    /// Member 55: the kind of flow control. Raises RuntimeError 380 for any but 0 (none).
     void Handshake(int kind);
 
     /// Member 112: shows typed and transmitted text at once, instead of when the far end
-    /// echoes it. Default: false.
-    bool LocalEcho() const { return mLocalEcho; }
-    void LocalEcho(bool echo) { mLocalEcho = echo; }
+    /// echoes it.
+    bool LocalEcho = false;
 
-    /// Member 113: a received CR also moves to the next row, for far ends that send
-    /// no LF. Default: false.
-    bool AutoLineFeed() const { return mScreen.modes.returnFeeds; }
-    void AutoLineFeed(bool feed) { mScreen.modes.returnFeeds = feed; }
-
-    /// Member 121, by command: when the context menu offers it. Default: WhenUseful.
-    CommandOffer CommandMode(TerminalCommand command) const;
-    void CommandMode(TerminalCommand command, CommandOffer offer);
+    /// Member 121 with the value 2: the context menu offers `command` at any time. Without it, only
+    /// while it has an effect; greyed otherwise.
+    void OfferAlways(TerminalCommand command);
 
     /// The user has invoked a command. A handler that sets `handled` has performed it;
     /// otherwise the terminal does.
@@ -163,6 +126,7 @@ public:
 
     // --- state to paint -----------------------------------------------------------------------
 
+    /// Its modes `autoWrap` and `returnFeeds` are members 6 and 113.
     TerminalScreen& Screen() { return mScreen; }
     const TerminalSelection& Selection() const { return mSelection; }
 
@@ -173,10 +137,12 @@ public:
     /// Sets the size in characters that fits into the control.
     void ScreenSize(int columns, int rows);
 
-    /// Moves the control. Raises RuntimeError 380 for a size below zero.
-    void Move(const vantor::Place& place);
-
 private:
+    struct CaptureTarget {
+        std::string path;  // empty when there is no capture
+        std::unique_ptr<OutputFile> file;
+    };
+
     void Open();
     void Close();
     void TakeInput(std::size_t most);
@@ -187,7 +153,7 @@ private:
     void Clear();
     void Beep();
     bool RefusePaste(const std::string& text);
-    bool Useful(TerminalCommand command) const;
+    bool Offered(TerminalCommand command) const;
 
     Platform& mPlatform;
     BufferedPort mPort;
@@ -195,14 +161,11 @@ private:
     TerminalParser mParser{mScreen};
     TerminalSelection mSelection{mScreen};
     std::optional<std::int64_t> mView;  // the first line of a view that is scrolled up
-    std::string mCaptureFile;
-    std::unique_ptr<OutputFile> mCapture;
-    std::array<CommandOffer, 12> mOffers{};  // by command
-    TimerId mSendTimer = 0;
+    CaptureTarget mCapture;
+    std::bitset<12> mOfferedAlways;  // by command
+    Timer mSendTimer;
     std::optional<std::uint32_t> mBeepedAt;  // milliseconds of the clock
     bool mFollowOutput = false;
-    bool mEndLines = true;
-    bool mLocalEcho = false;
 };
 
 }  // namespace vantor

@@ -29,9 +29,57 @@ std::size_t PrintableLength(std::string_view bytes) {
     return static_cast<std::size_t>(end - bytes.begin());
 }
 
-Erase ExtentOf(int parameter) {
-    return static_cast<Erase>(parameter);
-}
+/// What the control characters do.
+constexpr auto kControls = [] {
+    std::array<void (TerminalScreen::*)(), ' '> controls{};
+    controls['\b'] = &TerminalScreen::Backspace;
+    controls['\t'] = &TerminalScreen::Tab;
+    controls['\n'] = &TerminalScreen::LineFeed;
+    controls['\v'] = &TerminalScreen::LineFeed;
+    controls['\f'] = &TerminalScreen::NewPage;
+    controls['\r'] = &TerminalScreen::CarriageReturn;
+    return controls;
+}();
+
+/// The final byte of an escape sequence without parameters, and what it does.
+struct Escape {
+    char final;
+    void (TerminalScreen::*apply)();
+};
+constexpr std::array kEscapes = {Escape{'7', &TerminalScreen::SaveCursor},
+                                 Escape{'8', &TerminalScreen::RestoreCursor},
+                                 Escape{'D', &TerminalScreen::LineFeed},
+                                 Escape{'E', &TerminalScreen::LineFeed},
+                                 Escape{'M', &TerminalScreen::ReverseLineFeed},
+                                 Escape{'H', &TerminalScreen::SetTabStop},
+                                 Escape{'c', &TerminalScreen::Reset}};
+
+/// The final byte of a sequence that moves the cursor, and its rows and columns for a count of 1.
+struct Movement {
+    char final;
+    int rows;
+    int columns;
+};
+constexpr int kToFirstColumn = -TerminalScreen::kMostColumns;
+constexpr std::array kMovements = {Movement{'A', -1, 0},
+                                   Movement{'B', 1, 0},
+                                   Movement{'e', 1, 0},
+                                   Movement{'C', 0, 1},
+                                   Movement{'a', 0, 1},
+                                   Movement{'D', 0, -1},
+                                   Movement{'E', 1, kToFirstColumn},
+                                   Movement{'F', -1, kToFirstColumn}};
+
+/// The final byte of a sequence with a count, and what it does.
+struct Edit {
+    char final;
+    void (TerminalScreen::*apply)(int count);
+};
+constexpr std::array kEdits = {
+    Edit{'X', &TerminalScreen::EraseCharacters},  Edit{'@', &TerminalScreen::InsertCharacters},
+    Edit{'P', &TerminalScreen::DeleteCharacters}, Edit{'L', &TerminalScreen::InsertLines},
+    Edit{'M', &TerminalScreen::DeleteLines},      Edit{'S', &TerminalScreen::ScrollUp},
+    Edit{'T', &TerminalScreen::ScrollDown}};
 
 }  // namespace
 
@@ -72,29 +120,8 @@ void TerminalParser::Take(unsigned char byte) {
 }
 
 void TerminalParser::TakeControl(unsigned char byte) {
-    switch (byte) {
-        case kBell:
-            ++mBells;
-            break;
-        case '\b':
-            mScreen.Backspace();
-            break;
-        case '\t':
-            mScreen.Tab();
-            break;
-        case '\n':
-        case '\v':
-            mScreen.LineFeed();
-            break;
-        case '\f':
-            mScreen.NewPage();
-            break;
-        case '\r':
-            mScreen.CarriageReturn();
-            break;
-        default:
-            break;
-    }
+    if (byte == kBell) ++mBells;
+    if (byte < kControls.size() && kControls[byte]) (mScreen.*kControls[byte])();
 }
 
 void TerminalParser::TakeText(unsigned char byte) {
@@ -124,32 +151,9 @@ void TerminalParser::TakeEscape(unsigned char byte) {
 }
 
 void TerminalParser::FinishEscape(char final) {
-    switch (final) {
-        case '7':
-            mScreen.SaveCursor();
-            break;
-        case '8':
-            mScreen.RestoreCursor();
-            break;
-        case 'D':
-            mScreen.LineFeed();
-            break;
-        case 'E':
-            mScreen.MoveToColumn(0);
-            mScreen.LineFeed();
-            break;
-        case 'M':
-            mScreen.ReverseLineFeed();
-            break;
-        case 'H':
-            mScreen.SetTabStop();
-            break;
-        case 'c':
-            mScreen.Reset();
-            break;
-        default:
-            break;
-    }
+    if (final == 'E') mScreen.MoveToColumn(0);
+    for (const Escape& escape : kEscapes)
+        if (escape.final == final) (mScreen.*escape.apply)();
 }
 
 void TerminalParser::TakeSequence(unsigned char byte) {
@@ -179,89 +183,46 @@ int TerminalParser::Parameter(std::size_t at, int missing) const {
 void TerminalParser::FinishSequence(char final) {
     if (final == 'h' || final == 'l') {
         SetModes(final == 'h');
-    } else if (!mPrivate && !MoveCursor(final)) {
-        Edit(final);
+    } else if (!mPrivate) {
+        const int count = Parameter(0, 1);
+        for (const Movement& by : kMovements)
+            if (by.final == final) mScreen.MoveBy(count * by.rows, count * by.columns);
+        for (const Edit& edit : kEdits)
+            if (edit.final == final) (mScreen.*edit.apply)(count);
+        FinishOther(final, count);
     }
 }
 
-bool TerminalParser::MoveCursor(char final) {
-    const int count = Parameter(0, 1);
+/// The sequences in neither table.
+void TerminalParser::FinishOther(char final, int count) {
+    const int kind = mParameters[0];
     switch (final) {
-        case 'A':
-            mScreen.MoveBy(-count, 0);
-            return true;
-        case 'B':
-        case 'e':
-            mScreen.MoveBy(count, 0);
-            return true;
-        case 'C':
-        case 'a':
-            mScreen.MoveBy(0, count);
-            return true;
-        case 'D':
-            mScreen.MoveBy(0, -count);
-            return true;
-        case 'E':
-            mScreen.MoveBy(count, -TerminalScreen::kMostColumns);
-            return true;
-        case 'F':
-            mScreen.MoveBy(-count, -TerminalScreen::kMostColumns);
-            return true;
         case 'G':
         case '`':
             mScreen.MoveToColumn(count - 1);
-            return true;
+            break;
         case 'd':
             mScreen.MoveTo(count - 1, mScreen.Cursor().column);
-            return true;
+            break;
         case 'H':
         case 'f':
             mScreen.MoveTo(count - 1, Parameter(1, 1) - 1);
-            return true;
+            break;
         case 's':
             mScreen.SaveCursor();
-            return true;
+            break;
         case 'u':
             mScreen.RestoreCursor();
-            return true;
-        default:
-            return false;
-    }
-}
-
-void TerminalParser::Edit(char final) {
-    const int count = Parameter(0, 1);
-    switch (final) {
+            break;
         case 'J':
-            if (mParameters[0] <= 2) mScreen.EraseDisplay(ExtentOf(mParameters[0]));
+            if (kind <= 2) mScreen.EraseDisplay(static_cast<Erase>(kind));
             break;
         case 'K':
-            if (mParameters[0] <= 2) mScreen.EraseLine(ExtentOf(mParameters[0]));
-            break;
-        case 'X':
-            mScreen.EraseCharacters(count);
-            break;
-        case '@':
-            mScreen.InsertCharacters(count);
-            break;
-        case 'P':
-            mScreen.DeleteCharacters(count);
-            break;
-        case 'L':
-            mScreen.InsertLines(count);
-            break;
-        case 'M':
-            mScreen.DeleteLines(count);
-            break;
-        case 'S':
-            mScreen.ScrollUp(count);
-            break;
-        case 'T':
-            mScreen.ScrollDown(count);
+            if (kind <= 2) mScreen.EraseLine(static_cast<Erase>(kind));
             break;
         case 'g':
-            if (mParameters[0] == 0) mScreen.ClearTabStop();
-            if (mParameters[0] == 3) mScreen.ClearAllTabStops();
+            if (kind == 0) mScreen.ClearTabStop();
+            if (kind == 3) mScreen.ClearAllTabStops();
             break;
         case 'r':
             mScreen.ScrollRegion(count - 1, Parameter(1, mScreen.Rows()) - 1);

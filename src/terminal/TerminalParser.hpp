@@ -45,8 +45,7 @@ private:
     void TakeText(unsigned char byte);
     void FinishEscape(char final);
     void FinishSequence(char final);
-    bool MoveCursor(char final);
-    void Edit(char final);
+    void FinishOther(char final, int count);
     void SetModes(bool on);
     void SetLooks();
     void SetLook(int code);

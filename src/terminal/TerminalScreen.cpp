@@ -8,14 +8,6 @@ namespace {
 
 constexpr int kTabWidth = 8;
 
-int ClampColumns(int columns) {
-    return std::clamp(columns, 1, TerminalScreen::kMostColumns);
-}
-
-int ClampRows(int rows) {
-    return std::clamp(rows, 1, TerminalScreen::kMostRows);
-}
-
 std::size_t Index(int number) {
     return static_cast<std::size_t>(number);
 }
@@ -23,8 +15,8 @@ std::size_t Index(int number) {
 }  // namespace
 
 TerminalScreen::TerminalScreen(int columns, int rows, std::size_t historyLines)
-    : mColumns(ClampColumns(columns)),
-      mRows(ClampRows(rows)),
+    : mColumns(std::clamp(columns, 1, kMostColumns)),
+      mRows(std::clamp(rows, 1, kMostRows)),
       mCapacity(historyLines + kMostRows),
       mBottom(mRows - 1) {
     while (mCount < Index(mRows)) AddLine();
@@ -33,20 +25,13 @@ TerminalScreen::TerminalScreen(int columns, int rows, std::size_t historyLines)
 
 // --- lines -----------------------------------------------------------------------------------
 
-TerminalScreen::StoredLine& TerminalScreen::At(std::size_t index) {
-    std::size_t at = mStart + index;
-    if (at >= mCapacity) at -= mCapacity;
-    return mRing[at];
+std::size_t TerminalScreen::InRing(std::size_t index) const {
+    const std::size_t at = mStart + index;
+    return at < mCapacity ? at : at - mCapacity;
 }
 
-const TerminalScreen::StoredLine& TerminalScreen::At(std::size_t index) const {
-    std::size_t at = mStart + index;
-    if (at >= mCapacity) at -= mCapacity;
-    return mRing[at];
-}
-
-TerminalScreen::StoredLine& TerminalScreen::Row(int row) {
-    return At(mCount - Index(mRows) + Index(row));
+std::size_t TerminalScreen::IndexOf(int row) const {
+    return mCount - Index(mRows) + Index(row);
 }
 
 /// Appends a blank line. At full capacity the oldest line's memory is reused for it.
@@ -72,25 +57,29 @@ void TerminalScreen::DropBlankLines(int most) {
     }
 }
 
+const TerminalScreen::StoredLine* TerminalScreen::Find(std::int64_t line) const {
+    if (line < FirstLine() || line >= EndLine()) return nullptr;
+    return &mRing[InRing(static_cast<std::size_t>(line - mFirstLine))];
+}
+
 std::span<const Cell> TerminalScreen::Line(std::int64_t line) const {
-    if (line < FirstLine() || line >= EndLine()) return {};
-    return At(static_cast<std::size_t>(line - mFirstLine)).cells;
+    const StoredLine* const found = Find(line);
+    return found ? std::span(found->cells) : std::span<const Cell>();
 }
 
 bool TerminalScreen::Continues(std::int64_t line) const {
-    if (line < FirstLine() || line >= EndLine()) return false;
-    return At(static_cast<std::size_t>(line - mFirstLine)).continues;
+    const StoredLine* const found = Find(line);
+    return found && found->continues;
 }
 
 void TerminalScreen::Resize(int columns, int rows) {
-    columns = ClampColumns(columns);
-    rows = ClampRows(rows);
+    columns = std::clamp(columns, 1, kMostColumns);
+    rows = std::clamp(rows, 1, kMostRows);
     if (columns == mColumns && rows == mRows) return;
     mColumns = columns;
     if (rows < mRows) DropBlankLines(mRows - rows);
     // Fewer rows move the upper ones into the history; more rows bring them back.
-    const int history = static_cast<int>(mCount) - mRows;
-    const int shift = std::clamp(rows - mRows, rows - mRows < 0 ? rows - mRows : 0, history);
+    const int shift = std::min(rows - mRows, static_cast<int>(mCount) - mRows);
     mRows += shift;
     mCursor.row += shift;
     while (mRows < rows) {
@@ -103,20 +92,9 @@ void TerminalScreen::Resize(int columns, int rows) {
     mAllDirty = true;
 }
 
-// --- dirty rows ------------------------------------------------------------------------------
-
-bool TerminalScreen::Dirty(int row) const {
-    if (row < 0 || row >= mRows) return false;
-    return mAllDirty || mDirty.test(Index(row));
-}
-
 void TerminalScreen::Clean() {
     mAllDirty = false;
     mDirty.reset();
-}
-
-void TerminalScreen::MarkDirty(int first, int last) {
-    for (int row = first; row <= last; ++row) MarkDirty(row);
 }
 
 // --- characters ------------------------------------------------------------------------------
@@ -146,18 +124,16 @@ void TerminalScreen::WrapIfPending() {
 /// Writes what fits into the cursor's row; moves the cursor past it, or to the last column.
 void TerminalScreen::Put(std::string_view characters) {
     if (modes.insert) InsertCharacters(static_cast<int>(characters.size()));
-    std::vector<Cell>& cells = Row(mCursor.row).cells;
+    std::vector<Cell>& cells = CellsToChange();
     const std::size_t from = Index(mCursor.column);
     const std::size_t end = from + characters.size();
     if (cells.size() < end) cells.resize(end);
-    Row(mCursor.row).continues = false;
     Cell cell = pen;
     for (std::size_t i = 0; i < characters.size(); ++i) {
         cell.character = characters[i];
         cells[from + i] = cell;
     }
     mCursor.column = std::min(static_cast<int>(end), mColumns - 1);
-    MarkDirty(mCursor.row);
 }
 
 void TerminalScreen::CarriageReturn() {
@@ -181,24 +157,16 @@ void TerminalScreen::ReverseLineFeed() {
         PlaceCursor(mCursor.row - 1, mCursor.column);
 }
 
-void TerminalScreen::Backspace() {
-    PlaceCursor(mCursor.row, mCursor.column - 1);
-}
-
 void TerminalScreen::Tab() {
     int column = mCursor.column + 1;
     while (column < mColumns - 1 && !mTabStops.test(Index(column))) ++column;
     PlaceCursor(mCursor.row, column);
 }
 
-int TerminalScreen::UsedRows() const {
-    for (int row = mRows; row > 0; --row)
-        if (!At(mCount - Index(mRows) + Index(row) - 1).cells.empty()) return row;
-    return 0;
-}
-
 void TerminalScreen::NewPage() {
-    for (int lines = UsedRows(); lines > 0; --lines) AddLine();
+    int used = mRows;
+    while (used > 0 && Row(used - 1).cells.empty()) --used;
+    for (; used > 0; --used) AddLine();
     PlaceCursor(0, 0);
     mScrolled = false;
     mAllDirty = true;
@@ -229,18 +197,10 @@ void TerminalScreen::MoveBy(int rows, int columns) {
     PlaceCursor(row, mCursor.column + columns);
 }
 
-void TerminalScreen::SaveCursor() {
-    mSaved = {mCursor, pen, modes.originMode};
-}
-
 void TerminalScreen::RestoreCursor() {
     pen = mSaved.pen;
     modes.originMode = mSaved.originMode;
     PlaceCursor(mSaved.cursor.row, mSaved.cursor.column);
-}
-
-void TerminalScreen::SetTabStop() {
-    mTabStops.set(Index(mCursor.column));
 }
 
 // --- erasing and moving ----------------------------------------------------------------------
@@ -257,7 +217,7 @@ void TerminalScreen::Blank(int row, int from, int to) {
 }
 
 void TerminalScreen::EndLineAbove(int row) {
-    const std::size_t index = mCount - Index(mRows) + Index(row);
+    const std::size_t index = IndexOf(row);
     if (index > 0) At(index - 1).continues = false;
 }
 
@@ -276,13 +236,9 @@ void TerminalScreen::EraseDisplay(Erase extent) {
     }
     if (extent == Erase::All) EndLineAbove(0);
     EraseLine(extent);
-    if (extent == Erase::All) {
-        for (int row = 0; row < mRows; ++row) Blank(row, 0, kMostColumns);
-        return;
-    }
-    const bool down = extent == Erase::ToEnd;
-    for (int row = down ? mCursor.row + 1 : 0; row < (down ? mRows : mCursor.row); ++row)
-        Blank(row, 0, kMostColumns);
+    const int first = extent == Erase::ToEnd ? mCursor.row + 1 : 0;
+    const int end = extent == Erase::ToStart ? mCursor.row : mRows;
+    for (int row = first; row < end; ++row) Blank(row, 0, kMostColumns);
 }
 
 void TerminalScreen::EraseCharacters(int count) {
@@ -290,11 +246,17 @@ void TerminalScreen::EraseCharacters(int count) {
     Blank(mCursor.row, mCursor.column, mCursor.column + std::clamp(count, 0, kMostColumns));
 }
 
-void TerminalScreen::InsertCharacters(int count) {
-    std::vector<Cell>& cells = Row(mCursor.row).cells;
-    Row(mCursor.row).continues = false;
+/// The cells of the cursor's row, about to change.
+std::vector<Cell>& TerminalScreen::CellsToChange() {
+    StoredLine& line = Row(mCursor.row);
+    line.continues = false;
     mWrapPending = false;
     MarkDirty(mCursor.row);
+    return line.cells;
+}
+
+void TerminalScreen::InsertCharacters(int count) {
+    std::vector<Cell>& cells = CellsToChange();
     if (Index(mCursor.column) >= cells.size()) return;
     const int most = mColumns - mCursor.column;
     cells.insert(cells.begin() + mCursor.column, Index(std::clamp(count, 0, most)), Cell{});
@@ -302,10 +264,7 @@ void TerminalScreen::InsertCharacters(int count) {
 }
 
 void TerminalScreen::DeleteCharacters(int count) {
-    std::vector<Cell>& cells = Row(mCursor.row).cells;
-    Row(mCursor.row).continues = false;
-    mWrapPending = false;
-    MarkDirty(mCursor.row);
+    std::vector<Cell>& cells = CellsToChange();
     const auto from = cells.begin() + std::min(mCursor.column, static_cast<int>(cells.size()));
     cells.erase(from, from + std::clamp(count, 0, static_cast<int>(cells.end() - from)));
 }
@@ -318,7 +277,7 @@ void TerminalScreen::MoveRows(int top, int count) {
     RotateRows(top, mBottom, up ? steps : rows - steps);
     for (int i = 0; i < steps; ++i) Blank(up ? mBottom - i : top + i, 0, kMostColumns);
     if (!up) Row(mBottom).continues = false;
-    MarkDirty(top, mBottom);
+    for (int row = top; row <= mBottom; ++row) MarkDirty(row);
 }
 
 void TerminalScreen::RotateRows(int first, int last, int count) {

@@ -3,6 +3,7 @@
 #pragma once
 
 #include <bitset>
+#include <compare>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -40,9 +41,7 @@ struct TextPosition {
     std::int64_t line = 0;
     int column = 0;
 
-    friend bool operator<(const TextPosition& a, const TextPosition& b) {
-        return a.line != b.line ? a.line < b.line : a.column < b.column;
-    }
+    friend auto operator<=>(const TextPosition&, const TextPosition&) = default;
 };
 
 struct ScreenCursor {
@@ -95,7 +94,9 @@ public:
     ScreenCursor Cursor() const { return mCursor; }
 
     // Rows to repaint. They include the rows of the cursor, before and after.
-    bool Dirty(int row) const;
+    bool Dirty(int row) const {
+        return row >= 0 && row < mRows && (mAllDirty || mDirty.test(static_cast<std::size_t>(row)));
+    }
     bool AnyDirty() const { return mAllDirty || mDirty.any(); }
     /// Marks everything as painted.
     void Clean();
@@ -109,7 +110,7 @@ public:
     /// the screen go to the history.
     void LineFeed();
     void ReverseLineFeed();
-    void Backspace();
+    void Backspace() { PlaceCursor(mCursor.row, mCursor.column - 1); }
     void Tab();
     /// Moves the whole screen into the history and the cursor to the first position:
     /// a cleared page remains readable in the history.
@@ -119,7 +120,7 @@ public:
     void MoveTo(int row, int column);  ///< rows as counted by the origin mode
     void MoveToColumn(int column) { PlaceCursor(mCursor.row, column); }
     void MoveBy(int rows, int columns);  ///< stops at the edges of the region, or of the screen
-    void SaveCursor();
+    void SaveCursor() { mSaved = {mCursor, pen, modes.originMode}; }
     void RestoreCursor();
 
     /// Erasing the whole screen first saves it to the history if lines have scrolled there since
@@ -136,7 +137,7 @@ public:
     /// Rows `top` to `bottom` (inclusive); a region of fewer than two rows is ignored.
     void ScrollRegion(int top, int bottom);
 
-    void SetTabStop();
+    void SetTabStop() { mTabStops.set(static_cast<std::size_t>(mCursor.column)); }
     void ClearTabStop() { mTabStops.reset(static_cast<std::size_t>(mCursor.column)); }
     void ClearAllTabStops() { mTabStops.reset(); }
 
@@ -157,12 +158,13 @@ private:
         bool originMode = false;
     };
 
-    StoredLine& At(std::size_t index);
-    const StoredLine& At(std::size_t index) const;
-    StoredLine& Row(int row);
+    std::size_t InRing(std::size_t index) const;
+    std::size_t IndexOf(int row) const;
+    StoredLine& At(std::size_t index) { return mRing[InRing(index)]; }
+    StoredLine& Row(int row) { return At(IndexOf(row)); }
+    const StoredLine* Find(std::int64_t line) const;  // null when it does not exist
     void AddLine();
     void DropBlankLines(int most);
-    int UsedRows() const;
 
     void Put(std::string_view characters);
     void WrapIfPending();
@@ -174,9 +176,9 @@ private:
     /// Marks `row` as not being the continuation of the line above.
     void EndLineAbove(int row);
     bool CursorInRegion() const { return mCursor.row >= mTop && mCursor.row <= mBottom; }
+    std::vector<Cell>& CellsToChange();
     void Blank(int row, int from, int to);
     void MarkDirty(int row) { mDirty.set(static_cast<std::size_t>(row)); }
-    void MarkDirty(int first, int last);
 
     int mColumns;
     int mRows;

@@ -21,9 +21,8 @@ public:
     void SetAll();
     void Clear() { mFrom = mTo = {}; }
 
-    bool Empty() const { return !(mFrom < mTo); }
-    bool Contains(TextPosition position) const { return !(position < mFrom) && position < mTo; }
-    TextPosition From() const { return mFrom; }
+    bool Empty() const { return mFrom == mTo; }
+    bool Contains(TextPosition position) const { return mFrom <= position && position < mTo; }
     TextPosition To() const { return mTo; }
 
     /// The selected characters, with CR LF between lines and without trailing blanks. A wrapped

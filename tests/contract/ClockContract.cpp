@@ -1,5 +1,5 @@
 // Contract of Clock, as intervals, delays and reports require it.
-#include "support/FormatDateTime.hpp"
+#include "support/Conversions.hpp"
 #include "tests/contract/Contract.hpp"
 
 namespace vantor::contract {

@@ -7,6 +7,7 @@
 #include "Wire.hpp"
 #include "controls/Controls.hpp"
 #include "flash/SerialControl.hpp"
+#include "support/LineSettings.hpp"
 #include "support/Timer.hpp"
 #include "tests/faults/ReportingPlatform.hpp"
 
@@ -117,6 +118,7 @@ TEST(ParseLineSettings, NoBrokenTextMayOpenALine) {
     EXPECT_EQ(ParseLineSettings("38400,N,8,2"), (LineSettings{38400, Parity::None, 8, 2}));
     EXPECT_EQ(ParseLineSettings("115200,e,7,1"), (LineSettings{115200, Parity::Even, 7, 1}));
     EXPECT_EQ(ParseLineSettings("300,O,8,1").parity, Parity::Odd);
+    EXPECT_EQ(FormatLineSettings({115200, Parity::Even, 7, 1}), "115200,E,7,1");
     for (const std::string bad :
          {"", "38400,N,8", "38400,N,8,2,1", "38400,,8,2", "38400,M,8,2", "38400,NN,8,2",
           "38400,N,6,2", "38400,N,8,3", "38400,N,8,1.5", " 38400,N,8,2", "-1,N,8,2", "38400x,N,8,2",

@@ -77,7 +77,7 @@ protected:
 TEST_F(MonitorTest, TheSettingsCommandUpdatesBothPanelsAndReopens) {
     Wire other;
     mPlatform.ports.Plug("COM4", other);
-    mMonitor->comMonitor.Port("COM9");
+    mMonitor->comMonitor.Port().name = "COM9";
     mMonitor->mnuCommClose.Press();
     const auto choose = [this](const std::function<void(frmPortSettings&)>& user) {
         mPlatform.peers.whileModal = [&user](Form& form) {
@@ -107,7 +107,7 @@ TEST_F(MonitorTest, TheSettingsCommandUpdatesBothPanelsAndReopens) {
         dialog.cmdCancel.Press();
     });
     EXPECT_EQ(Panels(), "Connected|COM4|9600,E,7,1|");
-    mMonitor->comMonitor.Settings("9600,e,7,1");
+    mMonitor->comMonitor.Port().settings = "9600,e,7,1";
     other.line = {};
     choose([](frmPortSettings& dialog) { dialog.cmdOK.Press(); });
     mMonitor->mnuCommOpen.Press();

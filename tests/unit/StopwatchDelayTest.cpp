@@ -24,7 +24,7 @@ TEST(Stopwatch, ItsRunsAddUpAndPausesDoNotCount) {
     watch.ResumeTimer();
     clock.Sleep(250);
     EXPECT_EQ(watch.ElapsedTime(), 1.75);
-    watch.ScaleFactor(10);
+    watch.ScaleFactor = 10;
     EXPECT_EQ(watch.ElapsedTime(), 175);
     watch.StopTimer();
     watch.StartTimer();

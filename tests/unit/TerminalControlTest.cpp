@@ -26,8 +26,8 @@ protected:
         mPlatform.ports.Plug("COM3", mWire);
         mPlatform.files.CreateFolders("/tmp");
         mWindow->Load();
-        mCom.Port("3");
-        mCom.Settings("9600,E,7,1");
+        mCom.Port().name = "3";
+        mCom.Port().settings = "9600,E,7,1";
         mCom.PerformCommand(TerminalCommand::Open);
     }
 
@@ -54,8 +54,8 @@ TEST_F(TerminalControlTest, SendsKeysAsTypedAndLinesWithOneCr) {
     mCom.Output("  cmd\n2 ");
     EXPECT_EQ(mWire.received, "ab\r\x03\n  cmd\n2 \r");
     EXPECT_EQ(AllText(), "") << "the far end echoes, not the terminal";
-    mCom.EndLines(false);
-    mCom.LocalEcho(true);
+    mCom.EndLines = false;
+    mCom.LocalEcho = true;
     mCom.Output("raw");
     mCom.Key("\rñ");
     EXPECT_EQ(AllText(), "raw\r\nÃ±") << "keys are bytes of the code page";
@@ -73,7 +73,7 @@ TEST_F(TerminalControlTest, CapturesWhatIsReceivedByteForByte) {
     Arrive("before");
     mPlatform.files.Add(kPath, "an older text");
     mCom.CaptureFile(kPath);
-    mCom.LocalEcho(true);
+    mCom.LocalEcho = true;
     mCom.Key("typed");
     Arrive(all);
     EXPECT_EQ(mPlatform.files.ReadAll(kPath), all) << "written as it arrives";

@@ -151,7 +151,7 @@ TEST_F(TerminalView, WheelAndScrollBarShowWhatHasLeftTheScreen) {
 
 TEST_F(TerminalView, ACharacterThatArrivesHasItsRowPaintedAlone) {
     terminal.PerformCommand(TerminalCommand::Open);
-    terminal.LocalEcho(true);
+    terminal.LocalEcho = true;
     UpdateWindow(view);
     terminal.Key("x");
     RECT dirty{};

@@ -10,7 +10,6 @@
 #include "platform/MessageBoxes.hpp"
 #include "platform/Process.hpp"
 #include "support/Conversions.hpp"
-#include "support/FormatDateTime.hpp"
 #include "support/text/Text.hpp"
 
 namespace vantor {

@@ -23,7 +23,6 @@ constexpr std::array kStandardTexts = {
     NumberedText{ErrorNumber::TypeMismatch, "Type mismatch"},
     NumberedText{ErrorNumber::InternalError, "Internal error"},
     NumberedText{ErrorNumber::FileNotFound, "File not found"},
-    NumberedText{ErrorNumber::FileAlreadyOpen, "File already open"},
     NumberedText{ErrorNumber::DeviceIO, "Device I/O error"},
     NumberedText{ErrorNumber::DiskFull, "Disk full"},
     NumberedText{ErrorNumber::DeviceUnavailable, "Device unavailable"},

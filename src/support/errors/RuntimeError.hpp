@@ -19,7 +19,6 @@ enum class ErrorNumber : std::int32_t {
     TypeMismatch = 13,
     InternalError = 51,
     FileNotFound = 53,
-    FileAlreadyOpen = 55,
     DeviceIO = 57,
     DiskFull = 61,
     DeviceUnavailable = 68,

@@ -6,6 +6,8 @@ namespace vantor {
 namespace {
 
 constexpr char32_t kReplacement = 0xFFFD;
+/// The smallest code point of a character of so many bytes.
+constexpr std::array<char32_t, 5> kShortest = {0, 0, 0x80, 0x800, 0x10000};
 
 bool IsHighSurrogate(char32_t unit) {
     return unit >= 0xD800 && unit <= 0xDBFF;
@@ -25,7 +27,6 @@ char32_t Decode(std::string_view utf8, std::size_t length) {
         if ((byte & 0xC0u) != 0x80u) return kReplacement;
         point = point << 6u | (byte & 0x3Fu);
     }
-    constexpr std::array<char32_t, 5> kShortest = {0, 0, 0x80, 0x800, 0x10000};
     const bool excluded = IsHighSurrogate(point) || IsLowSurrogate(point) || point > 0x10FFFF;
     return excluded || point < kShortest[length] ? kReplacement : point;
 }
@@ -48,35 +49,21 @@ char32_t TakeCodePoint(std::string_view& utf8) {
 
 std::string_view FirstCharacter(std::string_view utf8) {
     std::string_view rest = utf8;
-    static_cast<void>(TakeCodePoint(rest));
+    TakeCodePoint(rest);
     return utf8.substr(0, utf8.size() - rest.size());
 }
 
 void AppendUtf8(std::string& utf8, char32_t codePoint) {
-    const auto continuation = [&](unsigned shift) {
-        utf8 += static_cast<char>(0x80u | (codePoint >> shift & 0x3Fu));
-    };
-    if (codePoint < 0x80) {
-        utf8 += static_cast<char>(codePoint);
-        return;
-    }
-    if (codePoint < 0x800) {
-        utf8 += static_cast<char>(0xC0u | codePoint >> 6u);
-    } else {
-        if (codePoint < 0x10000) {
-            utf8 += static_cast<char>(0xE0u | codePoint >> 12u);
-        } else {
-            utf8 += static_cast<char>(0xF0u | codePoint >> 18u);
-            continuation(12);
-        }
-        continuation(6);
-    }
-    continuation(0);
+    constexpr std::array<unsigned, 4> kLeads = {0, 0xC0, 0xE0, 0xF0};
+    unsigned following = 0;  // bytes after the first, with six bits each
+    while (following < 3 && codePoint >= kShortest[following + 2]) ++following;
+    utf8 += static_cast<char>(kLeads[following] | codePoint >> 6 * following);
+    while (following > 0) utf8 += static_cast<char>(0x80u | (codePoint >> 6 * --following & 0x3Fu));
 }
 
 std::size_t CharacterCount(std::string_view utf8) {
     std::size_t count = 0;
-    for (; !utf8.empty(); ++count) static_cast<void>(TakeCodePoint(utf8));
+    for (; !utf8.empty(); ++count) TakeCodePoint(utf8);
     return count;
 }
 
@@ -84,7 +71,7 @@ std::string FixedWidth(std::string_view utf8, std::size_t width) {
     std::string text;
     for (; width > 0 && !utf8.empty(); --width) {
         text += FirstCharacter(utf8);
-        static_cast<void>(TakeCodePoint(utf8));
+        TakeCodePoint(utf8);
     }
     return text + std::string(width, ' ');
 }

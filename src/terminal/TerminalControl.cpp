@@ -239,6 +239,7 @@ bool TerminalControl::Offered(TerminalCommand command) const {
 
 std::vector<OfferedCommand> TerminalControl::ContextMenu() const {
     std::vector<OfferedCommand> menu;
+    menu.reserve(kMenu.size());
     for (const auto& [command, text, startsGroup] : kMenu)
         menu.push_back({command, mPlatform.strings.Text(text), Offered(command), startsGroup});
     return menu;

@@ -1,9 +1,11 @@
 #include "console/Options.hpp"
 
+#include <algorithm>
 #include <array>
 #include <string_view>
 
 #include "platform/StringTable.hpp"
+#include "support/text/Unicode.hpp"
 
 namespace vantor {
 namespace {
@@ -25,7 +27,18 @@ void AddFault(Options& options, const std::string& value) {
     options.faults.push_back(value);
 }
 
+enum class Group : unsigned char { Line, Update, Reports, Information };
+
+struct GroupRow {
+    Group group;
+    Str title;
+};
+constexpr std::array kGroups = {
+    GroupRow{Group::Line, Str::GroupLine}, GroupRow{Group::Update, Str::GroupUpdate},
+    GroupRow{Group::Reports, Str::GroupReports}, GroupRow{Group::Information, Str::GroupOther}};
+
 struct OptionRow {
+    Group group;
     std::string_view letter;  ///< "-p", empty when there is none
     std::string_view name;    ///< "--port"
     std::string_view value;   ///< name of its value in the help; empty: it takes none
@@ -34,30 +47,28 @@ struct OptionRow {
 };
 
 constexpr std::array kOptions = {
-    OptionRow{"-p", "--port", "PORT", Str::OptionPort, Store<&Options::port>},
-    OptionRow{"-b", "--baud", "N", Str::OptionBaud, Store<&Options::baud>},
-    OptionRow{"", "--parity", "P", Str::OptionParity, Store<&Options::parity>},
-    OptionRow{"", "--data-bits", "N", Str::OptionDataBits, Store<&Options::dataBits>},
-    OptionRow{"", "--stop-bits", "N", Str::OptionStopBits, Store<&Options::stopBits>},
-    OptionRow{"-y", "--yes", "", Str::OptionYes, Set<&Options::yes>},
-    OptionRow{"-q", "--quiet", "", Str::OptionQuiet, Set<&Options::quiet>},
-    OptionRow{"", "--log", "FILE", Str::OptionLog, Store<&Options::log>},
-    OptionRow{"", "--practice", "", Str::OptionPractice, Set<&Options::practice>},
-    OptionRow{"", "--fault", "FAULT", Str::OptionFault, AddFault},
-    OptionRow{"", "--list-ports", "", Str::OptionListPorts, Choose<Action::ListPorts>},
-    OptionRow{"", "--version", "", Str::OptionVersion, Choose<Action::Version>},
-    OptionRow{"-h", "--help", "", Str::OptionHelp, Choose<Action::Help>},
+    OptionRow{Group::Line, "-p", "--port", "PORT", Str::OptionPort, Store<&Options::port>},
+    OptionRow{Group::Line, "-b", "--baud", "N", Str::OptionBaud, Store<&Options::baud>},
+    OptionRow{Group::Line, "", "--parity", "P", Str::OptionParity, Store<&Options::parity>},
+    OptionRow{Group::Line, "", "--data-bits", "N", Str::OptionDataBits, Store<&Options::dataBits>},
+    OptionRow{Group::Line, "", "--stop-bits", "N", Str::OptionStopBits, Store<&Options::stopBits>},
+    OptionRow{Group::Update, "-y", "--yes", "", Str::OptionYes, Set<&Options::yes>},
+    OptionRow{Group::Update, "", "--strict", "", Str::OptionStrict, Set<&Options::strict>},
+    OptionRow{Group::Update, "", "--practice", "", Str::OptionPractice, Set<&Options::practice>},
+    OptionRow{Group::Update, "", "--fault", "FAULT", Str::OptionFault, AddFault},
+    OptionRow{Group::Reports, "-q", "--quiet", "", Str::OptionQuiet, Set<&Options::quiet>},
+    OptionRow{Group::Reports, "", "--log", "FILE", Str::OptionLog, Store<&Options::log>},
+    OptionRow{Group::Information, "", "--check", "", Str::OptionCheck, Choose<Action::Check>},
+    OptionRow{Group::Information, "", "--list-ports", "", Str::OptionListPorts,
+              Choose<Action::ListPorts>},
+    OptionRow{Group::Information, "", "--version", "", Str::OptionVersion, Choose<Action::Version>},
+    OptionRow{Group::Information, "-h", "--help", "", Str::OptionHelp, Choose<Action::Help>},
 };
 
 const OptionRow* FindOption(std::string_view name) {
     for (const OptionRow& row : kOptions)
         if (name == row.name || (!row.letter.empty() && name == row.letter)) return &row;
     return nullptr;
-}
-
-void Replace(std::string& text, std::string_view mark, const std::string& value) {
-    if (const std::size_t at = text.find(mark); at != std::string::npos)
-        text.replace(at, mark.size(), value);
 }
 
 /// Applies the option at `at` and advances `at` to the last argument that belongs to it.
@@ -79,8 +90,30 @@ void ApplyOption(Options& options, const std::vector<std::string>& arguments, st
     row->apply(options, value);
 }
 
+/// The line of an option in the help, continued below where it is longer than the screen.
+std::string HelpOf(const OptionRow& row, std::string_view help) {
+    constexpr std::size_t kScreen = 79;
+    constexpr std::size_t kColumn = 26;
+    std::string line = "  ";
+    line.append(row.letter.empty() ? "    " : std::string(row.letter) + ", ").append(row.name);
+    if (!row.value.empty()) line.append(" ").append(row.value);
+    line.append(kColumn - std::min(kColumn - 1, line.size()), ' ');
+    std::string text;
+    while (!help.empty()) {
+        const std::string_view word = help.substr(0, help.find(' '));
+        help.remove_prefix(std::min(word.size() + 1, help.size()));
+        if (CharacterCount(line) + 1 + CharacterCount(word) > kScreen) {
+            text += line + "\n";
+            line.assign(kColumn, ' ');
+        }
+        if (!line.ends_with(' ')) line += ' ';
+        line += word;
+    }
+    return text + line + "\n";
+}
+
 void CheckTogether(const Options& options, const StringTable& strings) {
-    if (options.action != Action::Flash) return;
+    if (options.action != Action::Flash && options.action != Action::Check) return;
     if (options.image.empty()) throw Refusal(strings, Str::NameOneImage);
     if (!options.faults.empty() && !options.practice)
         throw Refusal(strings, Str::FaultNeedsPractice);
@@ -107,23 +140,13 @@ Options ParseOptions(const std::vector<std::string>& arguments, const StringTabl
 }
 
 std::string HelpText(const StringTable& strings) {
-    constexpr std::size_t kColumn = 24;
-    std::string text = strings.Text(Str::Usage) + "\n" + strings.Text(Str::UsagePurpose) + "\n\n";
-    for (const OptionRow& row : kOptions) {
-        std::string left = "  ";
-        left.append(row.letter.empty() ? "    " : std::string(row.letter) + ", ").append(row.name);
-        if (!row.value.empty()) left.append(" ").append(row.value);
-        if (left.size() < kColumn) left.append(kColumn - left.size(), ' ');
-        text += left + "  " + strings.Text(row.help) + "\n";
+    std::string text = strings.Text(Str::Usage) + "\n" + strings.Text(Str::UsagePurpose) + "\n";
+    for (const GroupRow& group : kGroups) {
+        text += "\n" + strings.Text(group.title) + "\n";
+        for (const OptionRow& row : kOptions)
+            if (row.group == group.group) text += HelpOf(row, strings.Text(row.help));
     }
     return text + "\n" + strings.Text(Str::DefaultsFromSettings) + "\n";
-}
-
-std::string Filled(std::string text, const std::string& first, const std::string& second) {
-    // The second placeholder first: the first value may contain one itself.
-    Replace(text, "%2", second);
-    Replace(text, "%1", first);
-    return text;
 }
 
 RuntimeError Refusal(const StringTable& strings, Str text, const std::string& first,

@@ -5,6 +5,7 @@
 #include <string>
 #include <vector>
 
+#include "console/image/Filled.hpp"
 #include "resources/texts/Str.hpp"
 #include "support/errors/RuntimeError.hpp"
 
@@ -12,7 +13,7 @@ namespace vantor {
 
 class StringTable;
 
-enum class Action : unsigned char { Flash, ListPorts, Version, Help };
+enum class Action : unsigned char { Flash, Check, ListPorts, Version, Help };
 
 struct Options {
     Action action = Action::Flash;
@@ -25,6 +26,7 @@ struct Options {
     std::optional<std::string> stopBits;
     std::string log;  ///< empty: no transcript
     bool yes = false;
+    bool strict = false;  ///< refuse a suspicious image
     bool quiet = false;
     bool practice = false;
     std::vector<std::string> faults;
@@ -37,9 +39,6 @@ Options ParseOptions(const std::vector<std::string>& arguments, const StringTabl
 
 /// The help text.
 std::string HelpText(const StringTable& strings);
-
-/// `text` with "%1" and "%2" replaced.
-std::string Filled(std::string text, const std::string& first, const std::string& second = {});
 
 /// An error that prevents a run: `text` with "%1" and "%2" replaced is shown, exit status 2.
 RuntimeError Refusal(const StringTable& strings, Str text, const std::string& first = {},

@@ -2,7 +2,7 @@
 
 #include <algorithm>
 
-#include "console/Options.hpp"
+#include "console/image/Filled.hpp"
 #include "support/Conversions.hpp"
 #include "support/text/Unicode.hpp"
 

@@ -14,7 +14,7 @@
 #include "console/Traffic.hpp"
 #include "console/Transcript.hpp"
 #include "console/WatchedPump.hpp"
-#include "flash/FirmwareImage.hpp"
+#include "console/image/ImageCheck.hpp"
 #include "flash/FlashSession.hpp"
 #include "platform/Registry.hpp"
 #include "platform/headless/HeadlessFiles.hpp"
@@ -41,16 +41,30 @@ std::string PortList(const SerialPorts& ports, const StringTable& strings) {
     return text.empty() ? strings.Text(Str::NoPortFound) + "\n" : text;
 }
 
-/// Reads the image. Rejects one without lines to send.
 std::string ReadImage(const std::string& path, const Files& files, const StringTable& strings) {
     if (!files.Exists(path)) throw Refusal(strings, Str::ImageNotFound, path);
     std::string text;
     if (!Ignoring([&] { text = files.ReadAll(path); }))
         throw Refusal(strings, Str::ImageNotReadable, path);
-    const ImageLines lines(text);
-    for (std::size_t i = 0; i <= lines.UBound(); ++i)
-        if (!TrimBlanks(lines[i]).empty()) return text;
-    throw Refusal(strings, Str::ImageHasNoLine, path);
+    return text;
+}
+
+ExitStatus Check(NativePlatform& native, const Options& options) {
+    const ImageReport report = CheckImage(ReadImage(options.image, *native.files, *native.strings));
+    native.console->Write(Described(report, options.image, *native.strings));
+    return report.findings.empty() ? ExitStatus::Done : ExitStatus::Usage;
+}
+
+/// Rejects an image without lines to send, and with --strict a suspicious one.
+void CheckBeforeFlash(NativePlatform& native, const Options& options, const ImageReport& report) {
+    const StringTable& strings = *native.strings;
+    if (report.lines == report.blankLines)
+        throw Refusal(strings, Str::ImageHasNoLine, options.image);
+    for (const ImageFinding& finding : report.findings)
+        native.console->WriteError(
+            Filled(strings.Text(Str::Suspicious), Described(finding, strings)) + "\n");
+    if (options.strict && !report.findings.empty())
+        throw Refusal(strings, Str::ImageRefused, options.image);
 }
 
 /// Why the port did not open, as a sentence; empty when unknown.
@@ -280,7 +294,9 @@ ExitStatus CheckAndFlash(NativePlatform& native, const Options& options) {
     if (!options.log.empty() && native.files->SameFile(options.log, options.image))
         throw Refusal(strings, Str::TranscriptIsImage, options.log);
     const std::string image = ReadImage(options.image, *native.files, strings);
+    const ImageReport report = CheckImage(image);
     CheckSettings(*native.registry, strings);
+    CheckBeforeFlash(native, options, report);
     if (!options.yes && !native.console->InputIsTerminal())
         throw Refusal(strings, Str::NoTerminalForQuestion);
     return Run(native, options, image).Flash();
@@ -299,6 +315,8 @@ ExitStatus RunTsFlash(NativePlatform& native) {
             case Action::Version:
                 native.console->Write(Version());
                 break;
+            case Action::Check:
+                return Check(native, options);
             case Action::ListPorts:
                 native.console->Write(PortList(*native.ports, strings));
                 break;

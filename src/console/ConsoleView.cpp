@@ -37,6 +37,14 @@ BoxAnswer ConsoleView::Show(const MessageBoxRequest& request) {
     return mOptions.yes ? BoxAnswer::Yes : Ask();
 }
 
+void ConsoleView::Tell(const Notice& notice) {
+    if (notice.duringProgress)
+        mProgress.Break();
+    else
+        mProgress.Finish();
+    mConsole.WriteError(notice.text + "\n");
+}
+
 BoxAnswer ConsoleView::Ask() {
     mConsole.Write(mStrings.Text(Str::YesNoPrompt));
     const std::string answer = UpperCase(TrimBlanks(mConsole.ReadLine().value_or("")));

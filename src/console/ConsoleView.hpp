@@ -8,8 +8,7 @@
 
 #include "console/Options.hpp"
 #include "console/ProgressLine.hpp"
-#include "flash/FlashView.hpp"
-#include "platform/MessageBoxes.hpp"
+#include "console/SessionView.hpp"
 
 namespace vantor {
 
@@ -17,7 +16,7 @@ namespace vantor {
 /// handler. It has no panels and no buttons; the interrupt key is the abort button. Of a box, the
 /// title stands above the message. Warnings and failures go to standard error. Questions are asked
 /// on the console unless `--yes` answers them in advance.
-class ConsoleView : public FlashView, public MessageBoxes {
+class ConsoleView : public SessionView {
 public:
     /// All outlive the view.
     ConsoleView(Console& console, const StringTable& strings, ProgressLine& progress,
@@ -26,7 +25,9 @@ public:
 
     BoxAnswer Show(const MessageBoxRequest& request) override;
 
-    bool AbortAllowed() const { return mAbortAllowed; }
+    bool AbortAllowed() const override { return mAbortAllowed; }
+    /// On standard error, under `--quiet` too: it is not about progress.
+    void Tell(const Notice& notice) override;
 
     bool Gone() const override { return false; }  // the user cannot close it
     // The view and the session are members of one object, which outlives every handler.

@@ -58,6 +58,9 @@ constexpr std::array kOptions = {
     OptionRow{Group::Update, "", "--fault", "FAULT", Str::OptionFault, AddFault},
     OptionRow{Group::Reports, "-q", "--quiet", "", Str::OptionQuiet, Set<&Options::quiet>},
     OptionRow{Group::Reports, "", "--log", "FILE", Str::OptionLog, Store<&Options::log>},
+    OptionRow{Group::Reports, "", "--record", "FILE", Str::OptionRecord, Store<&Options::record>},
+    OptionRow{Group::Reports, "", "--note", "TEXT", Str::OptionNote, Store<&Options::note>},
+    OptionRow{Group::Reports, "", "--json", "", Str::OptionJson, Set<&Options::json>},
     OptionRow{Group::Information, "", "--check", "", Str::OptionCheck, Choose<Action::Check>},
     OptionRow{Group::Information, "", "--list-ports", "", Str::OptionListPorts,
               Choose<Action::ListPorts>},
@@ -117,6 +120,8 @@ void CheckTogether(const Options& options, const StringTable& strings) {
     if (options.image.empty()) throw Refusal(strings, Str::NameOneImage);
     if (!options.faults.empty() && !options.practice)
         throw Refusal(strings, Str::FaultNeedsPractice);
+    if (!options.note.empty() && options.record.empty())
+        throw Refusal(strings, Str::NoteNeedsRecord);
 }
 
 }  // namespace

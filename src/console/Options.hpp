@@ -24,7 +24,10 @@ struct Options {
     std::optional<std::string> parity;
     std::optional<std::string> dataBits;
     std::optional<std::string> stopBits;
-    std::string log;  ///< empty: no transcript
+    std::string log;     ///< empty: no transcript
+    std::string record;  ///< empty: no record
+    std::string note;
+    bool json = false;
     bool yes = false;
     bool strict = false;  ///< refuse a suspicious image
     bool quiet = false;

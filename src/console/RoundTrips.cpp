@@ -32,20 +32,37 @@ std::optional<std::int64_t> RoundTrips::TakeLateness() {
     return std::exchange(mLatenessMs, std::nullopt);
 }
 
-std::vector<std::string> RoundTrips::Summary() const {
-    std::string replies = "round trip: no replies";
-    if (!mRoundTripsMs.empty())
-        replies = "round trip median " + std::to_string(Median(mRoundTripsMs)) + " ms, maximum " +
-                  std::to_string(*std::ranges::max_element(mRoundTripsMs)) + " ms, replies " +
-                  std::to_string(mRoundTripsMs.size());
+SessionCounts RoundTrips::Counts() const {
+    SessionCounts counts{.lines = mLines,
+                         .acknowledged = mAcknowledged,
+                         .resends = mRetries,
+                         .lateReplies = mLateReplies,
+                         .medianMs = {},
+                         .longestMs = {},
+                         .wireMs = 0,
+                         .portMs = mLastAt - mBegun.value_or(mLastAt)};
+    if (!mRoundTripsMs.empty()) {
+        counts.medianMs = Median(mRoundTripsMs);
+        counts.longestMs = *std::ranges::max_element(mRoundTripsMs);
+    }
     std::int64_t wireUs = 0;
     for (const auto& [bitsPerSecond, bits] : mBits) wireUs += WireUs(bits, bitsPerSecond);
-    const std::uint32_t totalMs = mLastAt - mBegun.value_or(mLastAt);
-    return {"lines " + std::to_string(mLines) + ", acknowledged " + std::to_string(mAcknowledged) +
-                ", retries " + std::to_string(mRetries),
+    counts.wireMs = wireUs / kMicrosPerMilli;
+    return counts;
+}
+
+std::vector<std::string> RoundTrips::Summary() const {
+    const SessionCounts counts = Counts();
+    std::string replies = "round trip: no replies";
+    if (counts.medianMs && counts.longestMs)
+        replies = "round trip median " + std::to_string(*counts.medianMs) + " ms, maximum " +
+                  std::to_string(*counts.longestMs) + " ms, replies " +
+                  std::to_string(mRoundTripsMs.size());
+    return {"lines " + std::to_string(counts.lines) + ", acknowledged " +
+                std::to_string(counts.acknowledged) + ", retries " + std::to_string(counts.resends),
             replies,
-            "wire time both ways " + std::to_string(wireUs / kMicrosPerMilli) + " ms, total time " +
-                std::to_string(totalMs) + " ms"};
+            "wire time both ways " + std::to_string(counts.wireMs) + " ms, total time " +
+                std::to_string(counts.portMs) + " ms"};
 }
 
 void RoundTrips::Opened(const std::string& /*name*/, const LineSettings& line) {
@@ -113,9 +130,11 @@ void RoundTrips::LookForReply() {
 
 void RoundTrips::Measure(std::uint32_t roundTripMs) {
     mRoundTripsMs.push_back(roundTripMs);
-    if (mExcessUs.size() == kFirstReplies) return;
     const std::uint64_t bits = (mSend.size() + kReplyCharacters) * BitsPerCharacter(mLine);
-    mExcessUs.push_back(roundTripMs * kMicrosPerMilli - WireUs(bits, mLine.bitsPerSecond));
+    const std::int64_t excess = roundTripMs * kMicrosPerMilli - WireUs(bits, mLine.bitsPerSecond);
+    if (excess >= kLateUs) ++mLateReplies;
+    if (mExcessUs.size() == kFirstReplies) return;
+    mExcessUs.push_back(excess);
     if (mExcessUs.size() < kFirstReplies) return;
     const std::int64_t excessUs = Median(mExcessUs);
     if (excessUs >= kLateUs) mLatenessMs = excessUs / kMicrosPerMilli;

@@ -15,6 +15,18 @@
 
 namespace vantor {
 
+/// What a session has done so far.
+struct SessionCounts {
+    std::uint64_t lines = 0;  ///< lines of the image sent, each counted once
+    std::uint64_t acknowledged = 0;
+    std::uint64_t resends = 0;
+    std::uint64_t lateReplies = 0;         ///< replies to lines that the speed does not explain
+    std::optional<std::int64_t> medianMs;  ///< from the sending of a line to its reply
+    std::optional<std::int64_t> longestMs;
+    std::int64_t wireMs = 0;   ///< what all bytes of both ways take at their speeds
+    std::uint32_t portMs = 0;  ///< from the first opening of the port to its last closing
+};
+
 /// Follows one session. An image line starts with its first byte sent and ends with the reply that
 /// the session accepts for it, or with the input that the session discards.
 class RoundTrips : public TrafficListener {
@@ -34,6 +46,8 @@ public:
     /// By how many whole milliseconds replies are late; empty before that is known, when they are
     /// not late, and after the first call that returned a value.
     std::optional<std::int64_t> TakeLateness();
+
+    SessionCounts Counts() const;
 
     /// Summary of the session so far, for a transcript: one line each for the image lines,
     /// the round trips, and the times.
@@ -72,6 +86,7 @@ private:
     std::uint64_t mLines = 0;
     std::uint64_t mAcknowledged = 0;
     std::uint64_t mRetries = 0;
+    std::uint64_t mLateReplies = 0;
     std::vector<std::uint32_t> mRoundTripsMs;
     std::vector<std::int64_t> mExcessUs;  // of the first replies
     std::optional<std::int64_t> mLatenessMs;

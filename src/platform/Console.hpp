@@ -29,6 +29,10 @@ public:
     /// empty at end of file, or when the interrupt key was pressed meanwhile.
     virtual std::optional<std::string> ReadLine() = 0;
 
+    /// True when the Enter key was pressed on a terminal, or input has ended, so that `ReadLine`
+    /// returns at once. Always false when the input is no terminal. Does not wait.
+    virtual bool LineWaits() { return false; }
+
     /// True once for each interrupt since the last call: the user has pressed the interrupt key
     /// (Ctrl-C), or the system asks this process to end (SIGTERM; on Windows a closed console,
     /// log-off, shutdown). Neither has any other effect while this object exists. On Windows the

@@ -3,16 +3,19 @@
 
 #include <memory>
 
+#include "platform/ChildProcesses.hpp"
 #include "platform/Clock.hpp"
 #include "platform/CodePage.hpp"
 #include "platform/Console.hpp"
 #include "platform/FileVersions.hpp"
 #include "platform/Files.hpp"
 #include "platform/Folders.hpp"
+#include "platform/Machine.hpp"
 #include "platform/MessagePump.hpp"
 #include "platform/Process.hpp"
 #include "platform/Registry.hpp"
 #include "platform/SerialPort.hpp"
+#include "platform/SharedFiles.hpp"
 #include "platform/StringTable.hpp"
 
 namespace vantor {
@@ -30,6 +33,9 @@ struct NativePlatform {
     std::unique_ptr<MessagePump> pump;
     std::unique_ptr<Registry> registry;
     std::unique_ptr<SerialPorts> ports;
+    std::unique_ptr<SharedFiles> sharedFiles;
+    std::unique_ptr<Machine> machine;
+    std::unique_ptr<ChildProcesses> children;
 };
 
 /// Creates them for this process. `argc` and `argv` are those of main.

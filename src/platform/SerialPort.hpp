@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <functional>
 #include <memory>
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
@@ -69,6 +70,11 @@ struct SerialPortInfo {
     std::string name;         ///< "COM3", the name that opens it
     std::string device;       ///< the system's own name ("/dev/ttyUSB0", "\Device\Serial0")
     std::string description;  ///< the system's description, may be empty
+    // What is known of a USB adapter.
+    std::string usbId{};                       ///< vendor and product: "0403:6001"
+    std::string serialNumber{};                ///< of the adapter
+    std::vector<std::string> otherNames{};     ///< the names in /dev/serial/by-id
+    std::optional<std::uint32_t> latencyMs{};  ///< latency timer of the driver
 };
 
 /// Why a port does not open.

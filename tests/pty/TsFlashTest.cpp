@@ -5,9 +5,12 @@
 #include <stdlib.h>
 
 #include <fstream>
+#include <map>
+#include <memory>
 #include <optional>
 #include <sstream>
 
+#include "console/Json.hpp"
 #include "tests/TemporaryFolder.hpp"
 #include "tests/faults/Images.hpp"
 #include "tests/pty/Child.hpp"
@@ -97,6 +100,7 @@ protected:
     const TemporaryFolder folder;
     const std::string image = folder / "image.run";
     const std::string transcript = folder / "log.txt";
+    const std::string records = folder / "records.csv";
     std::string port;
     std::optional<Child> indicator;
 };
@@ -300,6 +304,9 @@ TEST_F(TsFlashOnPty, WhatCannotBeMeantIsRefusedBeforeThePortIsTouched) {
         {{"--fault", "nak@1"}, "--practice"},
         {{"--practice", "--fault", "nonsense@1"}, "nonsense@1"},
         {{"--log", folder / "none/log.txt"}, "transcript cannot be written"},
+        {{"--record", folder / "none/all.csv"}, "record file cannot be written"},
+        {{"--record", image}, "is the image or the transcript"},
+        {{"--note", "4711"}, "--record"},
         {{"--log"}, "one image"},  // takes the image's name as its value
         {{"--log", image}, "overwrite the image"},
         {{"--log", folder / "hard.txt"}, "overwrite the image"},
@@ -323,6 +330,59 @@ TEST_F(TsFlashOnPty, WhatCannotBeMeantIsRefusedBeforeThePortIsTouched) {
     const Ended flash = Flash();
     EXPECT_EQ(flash.status, 2);
     EXPECT_THAT(flash.err, HasSubstr("Image file not found"));
+}
+
+TEST_F(TsFlashOnPty, JsonHoldsEveryAttemptAndTheRecordTheSameCounts) {
+    StartIndicator({"--fault", "nak@7x2"});
+    const Ended flash = Flash({"--json", "--record", records, "--note", "4711"});
+    EXPECT_EQ(flash.status, 0);
+    std::istringstream out(flash.out);
+    std::map<std::string, int> events;
+    std::map<std::string, std::string> members;
+    for (std::string line; std::getline(out, line);) {
+        const auto object = JsonMembers(line);
+        ASSERT_TRUE(object) << line;
+        members = *object;
+        ++events[members["event"]];
+        EXPECT_EQ(members["port"], port);
+    }
+    EXPECT_EQ(events["line"], 43);
+    EXPECT_EQ(events["retry"], 2);
+    EXPECT_EQ(members["event"] + members["outcome"] + members["exit"] + members["resends"],
+              "enddone02");
+    EXPECT_THAT(Read(records), testing::EndsWith(",41,2," + members["late_replies"] + ",done,0," +
+                                                 members["seconds"] + ",4711\r\n"));
+}
+
+TEST_F(TsFlashOnPty, RecordsOfParallelSessionsAreAllWhole) {
+    constexpr std::size_t kSessions = 20;
+    std::vector<std::unique_ptr<Child>> sessions;
+    for (std::size_t i = 0; i < kSessions; ++i)
+        sessions.push_back(std::make_unique<Child>(
+            Command({"--yes", "--practice", "--fault", "no-trav", "--record", records})));
+    for (const auto& session : sessions) EXPECT_EQ(session->Wait(), 4);
+    std::istringstream lines(Read(records));
+    std::string line;
+    std::getline(lines, line);
+    EXPECT_THAT(line, StartsWith("start,host,"));
+    std::size_t count = 0;
+    while (std::getline(lines, line)) {
+        EXPECT_THAT(line, testing::ContainsRegex("^20.*,not-in-boot-monitor,4,[0-9.]+,\r$"));
+        ++count;
+    }
+    EXPECT_EQ(count, kSessions);
+}
+
+TEST_F(TsFlashOnPty, ADamagedImageIsToldBeforeTheUpdateAndRefusedWhenStrict) {
+    EXPECT_EQ(Flash({"--check"}).status, 0);
+    WriteImage(ImageOf(40).substr(0, 300));
+    EXPECT_EQ(Flash({"--check"}).status, 2);
+    const Ended strict = Flash({"--practice", "--strict"});
+    EXPECT_EQ(strict.status, 2);
+    EXPECT_THAT(strict.err, HasSubstr("Suspicious: there is no end record"));
+    const Ended told = Flash({"--practice", "--fault", "no-trav"});
+    EXPECT_EQ(told.status, 4);
+    EXPECT_THAT(told.err, HasSubstr("Suspicious: there is no end record"));
 }
 
 TEST_F(TsFlashOnPty, PracticeNeedsNoHardwareAndRehearsesFailures) {

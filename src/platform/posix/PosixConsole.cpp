@@ -97,6 +97,13 @@ public:
         return line;
     }
 
+    bool LineWaits() override {
+        if (!InputIsTerminal()) return false;
+        pollfd input{STDIN_FILENO, POLLIN, 0};  // readable from the end of a line on
+        return mUnread.find('\n') != std::string::npos ||
+               (poll(&input, 1, 0) == 1 && (input.revents & POLLIN) != 0);
+    }
+
     bool TakeInterrupt() override {
         if (mTaken == gInterrupts) return false;
         ++mTaken;

@@ -43,6 +43,9 @@ NativePlatform MakeNativePlatform(int argc, char** argv) {
     native.registry = RegistryOf(*native.folders);
     native.ports = MakePosixSerialPorts(*pump);
     native.pump = std::move(pump);
+    native.sharedFiles = MakePosixSharedFiles();
+    native.machine = MakePosixMachine();
+    native.children = MakePosixChildProcesses();
     return native;
 }
 

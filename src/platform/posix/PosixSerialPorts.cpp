@@ -26,6 +26,7 @@ using Devices = std::map<std::string, std::string>;  // COM name to device file
 
 constexpr unsigned kLastComNumber = 32;
 constexpr const char* kDeviceClass = "/sys/class/tty";  // the terminals in sysfs
+constexpr const char* kNamesById = "/dev/serial/by-id";
 
 std::string ComName(unsigned number) {
     return "COM" + std::to_string(number);
@@ -98,23 +99,55 @@ PortOpenError WhyRefused(const std::string& device) {
     return {PortOpenError::Reason::InUse, device, Holders(device)};
 }
 
-/// The product name of a USB device, else the name of the driver.
-std::string Description(const std::string& device) {
-    const fs::path entry = fs::path(kDeviceClass) / Resolved(device).filename() / "device";
-    std::error_code failed;
-    if (!fs::exists(entry, failed)) return {};
-    // The product name belongs to the USB device, some levels above its serial function.
+/// The folder in sysfs of the USB device that `entry`, a function of it, belongs to; empty for a
+/// port of another kind.
+fs::path UsbDevice(const fs::path& entry) {
     constexpr int kLevels = 4;
     fs::path level = Resolved(entry);
-    for (int i = 0; i < kLevels; ++i, level = level.parent_path()) {
-        std::string product = FirstLine(level / "product");
-        if (product.empty()) continue;
-        const std::string maker = FirstLine(level / "manufacturer");
+    std::error_code failed;
+    for (int i = 0; i < kLevels; ++i, level = level.parent_path())
+        if (fs::exists(level / "idVendor", failed)) return level;
+    return {};
+}
+
+/// The product name of a USB device, else the name of the driver.
+std::string Description(const fs::path& entry, const fs::path& usb) {
+    std::error_code failed;
+    if (std::string product = usb.empty() ? "" : FirstLine(usb / "product"); !product.empty()) {
+        const std::string maker = FirstLine(usb / "manufacturer");
         if (!maker.empty() && !product.starts_with(maker)) product.insert(0, maker + ' ');
         return product;
     }
     const fs::path driver = entry / "driver";
     return fs::exists(driver, failed) ? Resolved(driver).filename().string() : std::string();
+}
+
+/// The names in /dev/serial/by-id of `device`.
+std::vector<std::string> NamesById(const std::string& device) {
+    std::vector<std::string> names;
+    std::error_code failed;
+    for (fs::directory_iterator link(kNamesById, failed), end; !failed && link != end;
+         link.increment(failed))
+        if (Resolved(link->path()) == Resolved(device)) names.push_back(link->path().filename());
+    std::sort(names.begin(), names.end());
+    return names;
+}
+
+SerialPortInfo Described(const std::string& name, const std::string& device) {
+    SerialPortInfo port{name, device, {}};
+    const fs::path entry = fs::path(kDeviceClass) / Resolved(device).filename() / "device";
+    std::error_code failed;
+    if (!fs::exists(entry, failed)) return port;
+    const fs::path usb = UsbDevice(entry);
+    port.description = Description(entry, usb);
+    if (usb.empty()) return port;
+    port.usbId = FirstLine(usb / "idVendor") + ":" + FirstLine(usb / "idProduct");
+    port.serialNumber = FirstLine(usb / "serial");
+    port.otherNames = NamesById(device);
+    // Only some drivers have such a timer.
+    if (const auto latency = ParseInteger(FirstLine(entry / "latency_timer")); latency)
+        port.latencyMs = static_cast<std::uint32_t>(*latency);
+    return port;
 }
 
 class PosixSerialPorts : public SerialPorts {
@@ -141,7 +174,7 @@ public:
     std::vector<SerialPortInfo> List() const override {
         std::vector<SerialPortInfo> ports;
         for (const auto& [name, device] : mDevices)
-            if (IsPresent(name)) ports.push_back({name, device, Description(device)});
+            if (IsPresent(name)) ports.push_back(Described(name, device));
         std::sort(ports.begin(), ports.end(), InNumericOrder);
         return ports;
     }

@@ -5,17 +5,24 @@
 #include <memory>
 #include <string>
 
+#include "platform/ChildProcesses.hpp"
 #include "platform/Clock.hpp"
 #include "platform/Console.hpp"
 #include "platform/Files.hpp"
 #include "platform/Folders.hpp"
+#include "platform/Machine.hpp"
 #include "platform/Process.hpp"
 #include "platform/Registry.hpp"
 #include "platform/SerialPort.hpp"
+#include "platform/SharedFiles.hpp"
 
 namespace vantor {
 
 class PosixMessagePump;
+
+std::unique_ptr<ChildProcesses> MakePosixChildProcesses();
+std::unique_ptr<Machine> MakePosixMachine();
+std::unique_ptr<SharedFiles> MakePosixSharedFiles();
 
 std::unique_ptr<Clock> MakePosixClock();
 

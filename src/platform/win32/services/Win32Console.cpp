@@ -141,6 +141,20 @@ public:
         return line;
     }
 
+    bool LineWaits() override {
+        if (!InputIsTerminal()) return false;
+        if (mUnread.find('\n') != std::string::npos) return true;
+        std::array<INPUT_RECORD, 128> records{};
+        DWORD count = 0;
+        if (PeekConsoleInputW(GetStdHandle(STD_INPUT_HANDLE), records.data(),
+                              static_cast<DWORD>(records.size()), &count) == 0)
+            return false;
+        return std::any_of(records.begin(), records.begin() + count, [](const INPUT_RECORD& input) {
+            return input.EventType == KEY_EVENT && input.Event.KeyEvent.bKeyDown != 0 &&
+                   input.Event.KeyEvent.wVirtualKeyCode == VK_RETURN;
+        });
+    }
+
     bool TakeInterrupt() override {
         if (mTaken == gInterrupts) return false;
         ++mTaken;

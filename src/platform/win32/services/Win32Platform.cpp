@@ -20,7 +20,10 @@ NativePlatform MakeNativePlatform(int, char**) {
                           .console = MakeWin32Console(),
                           .pump = nullptr,
                           .registry = MakeWin32Registry(),
-                          .ports = MakeWin32SerialPorts(*pump)};
+                          .ports = MakeWin32SerialPorts(*pump),
+                          .sharedFiles = MakeWin32SharedFiles(),
+                          .machine = MakeWin32Machine(),
+                          .children = MakeWin32ChildProcesses()};
     native.pump = std::move(pump);
     return native;
 }

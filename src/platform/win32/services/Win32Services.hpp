@@ -5,6 +5,7 @@
 #include <memory>
 #include <string>
 
+#include "platform/ChildProcesses.hpp"
 #include "platform/Clipboard.hpp"
 #include "platform/Clock.hpp"
 #include "platform/CodePage.hpp"
@@ -13,10 +14,12 @@
 #include "platform/FileVersions.hpp"
 #include "platform/Files.hpp"
 #include "platform/Folders.hpp"
+#include "platform/Machine.hpp"
 #include "platform/MessageBoxes.hpp"
 #include "platform/Process.hpp"
 #include "platform/Registry.hpp"
 #include "platform/SerialPort.hpp"
+#include "platform/SharedFiles.hpp"
 #include "platform/Shell.hpp"
 #include "platform/StringTable.hpp"
 
@@ -25,6 +28,10 @@ namespace vantor {
 class Win32MessagePump;
 
 std::unique_ptr<Clipboard> MakeWin32Clipboard();
+
+std::unique_ptr<ChildProcesses> MakeWin32ChildProcesses();
+std::unique_ptr<Machine> MakeWin32Machine();
+std::unique_ptr<SharedFiles> MakeWin32SharedFiles();
 
 /// Sets the system timer resolution to 1 ms while it lives. The default of 15.6 ms is longer than
 /// the pauses of the paced dialogue.

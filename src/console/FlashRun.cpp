@@ -50,6 +50,26 @@ SessionEnd FlashRun::Flash() {
     return end;
 }
 
+ExitStatus StatusOf(const SessionEnd& end) {
+    const ExitStatus status = StatusOf(end.outcome);
+    return end.recordLost && status == ExitStatus::Done ? ExitStatus::UpdateFailure : status;
+}
+
+IndicatorWait FlashRun::Wait() {
+    return {RealPorts(),    mPractice ? mPractice->Pump() : *mNative.pump,
+            *mNative.clock, *mNative.console,
+            PortName(),     Line()};
+}
+
+IndicatorWait::Result FlashRun::AwaitIndicator(
+    std::optional<std::uint64_t> limitMs, const std::function<void(IndicatorWait::Stage)>& show) {
+    return Wait().UntilReady(limitMs, show);
+}
+
+bool FlashRun::AwaitGone() {
+    return Wait().UntilGone() == IndicatorWait::Result::Ready;
+}
+
 std::string FlashRun::Line() const {
     return mSettings.BaudRate() + "," + mSettings.Parity() + "," + mSettings.DataBits() + "," +
            mSettings.StopBits();

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -9,6 +10,8 @@
 
 #include "app/base/CErrHandler.hpp"
 #include "console/ConsoleView.hpp"
+#include "console/ExitStatus.hpp"
+#include "console/IndicatorWait.hpp"
 #include "console/JsonView.hpp"
 #include "console/Options.hpp"
 #include "console/Practice.hpp"
@@ -30,8 +33,12 @@ struct SessionEnd {
     FlashOutcome outcome = FlashOutcome::None;
     std::string why;  ///< the system's reason for a port that did not open
     SessionCounts counts;
-    std::uint64_t ms = 0;  ///< from the start of the session to its end
+    std::uint64_t ms = 0;     ///< from the start of the session to its end
+    bool recordLost = false;  ///< its record could not be written
 };
+
+/// The exit status; a lost record turns success into failure.
+ExitStatus StatusOf(const SessionEnd& end);
 
 /// Flashes one indicator. The object is for one session; members are in construction order.
 class FlashRun {
@@ -45,6 +52,13 @@ public:
     FlashRun& operator=(const FlashRun&) = delete;
 
     SessionEnd Flash();
+
+    /// As `IndicatorWait` does, before `Flash`.
+    IndicatorWait::Result AwaitIndicator(std::optional<std::uint64_t> limitMs,
+                                         const std::function<void(IndicatorWait::Stage)>& show);
+    /// Waits, after `Flash`, until the indicator or its port has gone, or for the Enter key. False
+    /// after the interrupt key.
+    bool AwaitGone();
 
     /// The name that opens the port: "COM3".
     std::string PortName() const { return mSettings.CommPort(); }
@@ -71,6 +85,7 @@ private:
     std::vector<TrafficListener*> Listeners();
     SerialPorts& RealPorts() { return mPractice ? mPractice->Ports() : *mNative.ports; }
     std::string OpenFailure() const;
+    IndicatorWait Wait();
     void Watch();
     void HintAtLateReplies();
     bool CanAbort() const;

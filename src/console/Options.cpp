@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "platform/StringTable.hpp"
+#include "support/text/Text.hpp"
 #include "support/text/Unicode.hpp"
 
 namespace vantor {
@@ -27,6 +28,15 @@ void AddFault(Options& options, const std::string& value) {
     options.faults.push_back(value);
 }
 
+void AddPort(Options& options, const std::string& value) {
+    options.port = value;
+    options.ports.push_back(value);
+}
+void Practise(Options& options, const std::string& value) {
+    options.practice = true;
+    options.practiceCount = value;
+}
+
 enum class Group : unsigned char { Line, Update, Reports, Information };
 
 struct GroupRow {
@@ -47,14 +57,16 @@ struct OptionRow {
 };
 
 constexpr std::array kOptions = {
-    OptionRow{Group::Line, "-p", "--port", "PORT", Str::OptionPort, Store<&Options::port>},
+    OptionRow{Group::Line, "-p", "--port", "PORT", Str::OptionPort, AddPort},
     OptionRow{Group::Line, "-b", "--baud", "N", Str::OptionBaud, Store<&Options::baud>},
     OptionRow{Group::Line, "", "--parity", "P", Str::OptionParity, Store<&Options::parity>},
     OptionRow{Group::Line, "", "--data-bits", "N", Str::OptionDataBits, Store<&Options::dataBits>},
     OptionRow{Group::Line, "", "--stop-bits", "N", Str::OptionStopBits, Store<&Options::stopBits>},
     OptionRow{Group::Update, "-y", "--yes", "", Str::OptionYes, Set<&Options::yes>},
     OptionRow{Group::Update, "", "--strict", "", Str::OptionStrict, Set<&Options::strict>},
-    OptionRow{Group::Update, "", "--practice", "", Str::OptionPractice, Set<&Options::practice>},
+    OptionRow{Group::Update, "", "--wait", "SECONDS", Str::OptionWait, Store<&Options::wait>},
+    OptionRow{Group::Update, "", "--repeat", "", Str::OptionRepeat, Set<&Options::repeat>},
+    OptionRow{Group::Update, "", "--practice", "", Str::OptionPractice, Practise},
     OptionRow{Group::Update, "", "--fault", "FAULT", Str::OptionFault, AddFault},
     OptionRow{Group::Reports, "-q", "--quiet", "", Str::OptionQuiet, Set<&Options::quiet>},
     OptionRow{Group::Reports, "", "--log", "FILE", Str::OptionLog, Store<&Options::log>},
@@ -85,7 +97,8 @@ void ApplyOption(Options& options, const std::vector<std::string>& arguments, st
     std::string value;
     if (equals != std::string::npos) {
         value = argument.substr(equals + 1);
-        if (row->value.empty()) throw Refusal(strings, Str::OptionRefusesValue, value, name);
+        if (row->value.empty() && row->apply != Practise)
+            throw Refusal(strings, Str::OptionRefusesValue, value, name);
     } else if (!row->value.empty()) {
         if (at + 1 == arguments.size()) throw Refusal(strings, Str::OptionNeedsValue, name);
         value = arguments[++at];
@@ -115,13 +128,36 @@ std::string HelpOf(const OptionRow& row, std::string_view help) {
     return text + line + "\n";
 }
 
-void CheckTogether(const Options& options, const StringTable& strings) {
+void CheckPractice(Options& options, const StringTable& strings) {
+    constexpr std::int64_t kMostPorts = 32;
+    if (options.practiceCount.empty()) return;
+    const auto count = ParseInteger(options.practiceCount);
+    if (!count || *count < 1 || *count > kMostPorts)
+        throw Refusal(strings, Str::OptionRefusesValue, options.practiceCount, "--practice");
+    if (!options.ports.empty()) throw Refusal(strings, Str::PracticeTakesNoPort);
+    options.practicePorts = static_cast<std::size_t>(*count);
+}
+
+void CheckWait(const Options& options, const StringTable& strings) {
+    constexpr std::int64_t kLongest = 1'000'000;
+    if (!options.wait) return;
+    const auto seconds = ParseInteger(*options.wait);
+    if (!seconds || *seconds < 0 || *seconds > kLongest)
+        throw Refusal(strings, Str::OptionRefusesValue, *options.wait, "--wait");
+}
+
+void CheckTogether(Options& options, const StringTable& strings) {
     if (options.action != Action::Flash && options.action != Action::Check) return;
     if (options.image.empty()) throw Refusal(strings, Str::NameOneImage);
     if (!options.faults.empty() && !options.practice)
         throw Refusal(strings, Str::FaultNeedsPractice);
     if (!options.note.empty() && options.record.empty())
         throw Refusal(strings, Str::NoteNeedsRecord);
+    CheckPractice(options, strings);
+    CheckWait(options, strings);
+    if (!options.Several()) return;
+    if (!options.log.empty()) throw Refusal(strings, Str::NotWithSeveralPorts, "--log");
+    if (options.repeat) throw Refusal(strings, Str::NotWithSeveralPorts, "--repeat");
 }
 
 }  // namespace

@@ -1,6 +1,7 @@
 // The command line of tsflash.
 #pragma once
 
+#include <cstddef>
 #include <optional>
 #include <string>
 #include <vector>
@@ -24,6 +25,9 @@ struct Options {
     std::optional<std::string> parity;
     std::optional<std::string> dataBits;
     std::optional<std::string> stopBits;
+    std::vector<std::string> ports;   ///< all that are given; `port` is the last of them
+    std::optional<std::string> wait;  ///< seconds; 0: without end
+    bool repeat = false;
     std::string log;     ///< empty: no transcript
     std::string record;  ///< empty: no record
     std::string note;
@@ -32,7 +36,12 @@ struct Options {
     bool strict = false;  ///< refuse a suspicious image
     bool quiet = false;
     bool practice = false;
+    std::string practiceCount;  ///< as given
+    std::size_t practicePorts = 1;
     std::vector<std::string> faults;
+
+    /// A process for each port is needed.
+    bool Several() const { return practice ? practicePorts > 1 : ports.size() > 1; }
 };
 
 /// Parses the arguments after the program name. Option values are given as "--baud 9600",

@@ -92,7 +92,7 @@ void WriteStart(const JsonEvents& events, const SessionFacts& facts, const std::
 void WriteEnd(const JsonEvents& events, const SessionEnd& end) {
     events.Write(events.Begin("end")
                      .Text("outcome", CodeOf(end.outcome))
-                     .Number("exit", static_cast<int>(StatusOf(end.outcome)))
+                     .Number("exit", static_cast<int>(StatusOf(end)))
                      .TextOrNull("reason", end.why)
                      .Seconds("seconds", end.ms)
                      .Number("lines", Signed(end.counts.lines))
@@ -111,6 +111,16 @@ void WriteRefusal(const JsonEvents& events, ExitStatus status, const std::string
                      .Text("outcome", refused ? "refused" : "error")
                      .Number("exit", static_cast<int>(status))
                      .Text("reason", reason));
+}
+
+void WriteSummary(const JsonEvents& events, std::int64_t done, std::int64_t failed,
+                  ExitStatus status) {
+    JsonEvents all = events;
+    all.SetPort({});
+    all.Write(all.Begin("summary")
+                  .Number("done", done)
+                  .Number("failed", failed)
+                  .Number("exit", static_cast<int>(status)));
 }
 
 std::string_view RecordHeader() {

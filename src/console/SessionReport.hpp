@@ -39,6 +39,10 @@ void WriteEnd(const JsonEvents& events, const SessionEnd& end);
 /// The end of a run that never reached a session, with its reason.
 void WriteRefusal(const JsonEvents& events, ExitStatus status, const std::string& reason);
 
+/// The last object of a run with several updates.
+void WriteSummary(const JsonEvents& events, std::int64_t done, std::int64_t failed,
+                  ExitStatus status);
+
 /// The first line of a record file, with its line end.
 std::string_view RecordHeader();
 /// A line of a record file by RFC 4180, with its line end.

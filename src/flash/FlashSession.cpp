@@ -101,11 +101,13 @@ void FlashSession::Dialogue(const std::string& fileName) {
     if (Stream(fileName, stopwatch)) ArmFinalStage();
 }
 
+std::string FlashSession::Question(const StringTable& strings) {
+    return strings.Text(Str::CriticalOperation) + kParagraph + strings.Text(Str::DoNotTurnOff) +
+           " " + kParagraph + strings.Text(Str::ProceedQuestion);
+}
+
 bool FlashSession::Confirmed() {
-    if (mView.Confirm(Text(Str::CriticalOperation) + kParagraph + Text(Str::DoNotTurnOff) + " " +
-                      kParagraph + Text(Str::ProceedQuestion)) &&
-        !mView.Gone())
-        return true;
+    if (mView.Confirm(Question(mServices.strings)) && !mView.Gone()) return true;
     mOutcome = FlashOutcome::Declined;
     return false;
 }

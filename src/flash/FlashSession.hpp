@@ -54,6 +54,9 @@ public:
     FlashSession(const FlashSession&) = delete;
     FlashSession& operator=(const FlashSession&) = delete;
 
+    /// What is asked before anything is sent.
+    static std::string Question(const StringTable& strings);
+
     /// Lets the user select an image and runs a session with it, pumping messages until it ends;
     /// then closes the port, and also the view if the user tried to close it.
     void doFlash();

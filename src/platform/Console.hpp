@@ -25,6 +25,9 @@ public:
     /// The same for standard error.
     virtual void WriteError(std::string_view utf8) = 0;
 
+    /// On a terminal: moves to the start of the row `rows` above and clears from there on.
+    virtual void ClearRowsAbove(unsigned /*rows*/) {}
+
     /// Waits for a line from standard input and returns it without its terminator;
     /// empty at end of file, or when the interrupt key was pressed meanwhile.
     virtual std::optional<std::string> ReadLine() = 0;

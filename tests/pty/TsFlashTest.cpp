@@ -4,6 +4,7 @@
 #include <signal.h>
 #include <stdlib.h>
 
+#include <algorithm>
 #include <fstream>
 #include <map>
 #include <memory>
@@ -307,6 +308,11 @@ TEST_F(TsFlashOnPty, WhatCannotBeMeantIsRefusedBeforeThePortIsTouched) {
         {{"--record", folder / "none/all.csv"}, "record file cannot be written"},
         {{"--record", image}, "is the image or the transcript"},
         {{"--note", "4711"}, "--record"},
+        {{"--port", "no such adapter"}, "There is no port no such adapter. Present: "},
+        {{"--port", "COM3", "--port", "COM3"}, "given twice"},
+        {{"--practice=33"}, "--practice does not take the value '33'"},
+        {{"--practice=2", "--log", transcript}, "--log goes with one port only"},
+        {{"--wait", "soon"}, "--wait does not take the value 'soon'"},
         {{"--log"}, "one image"},  // takes the image's name as its value
         {{"--log", image}, "overwrite the image"},
         {{"--log", folder / "hard.txt"}, "overwrite the image"},
@@ -371,6 +377,47 @@ TEST_F(TsFlashOnPty, RecordsOfParallelSessionsAreAllWhole) {
         ++count;
     }
     EXPECT_EQ(count, kSessions);
+}
+
+TEST_F(TsFlashOnPty, SeveralPortsHaveAProcessEachAndTheWorstResultCounts) {
+    const Ended lines = Flash({"--practice=3", "--fault", "no-trav", "--record", records});
+    EXPECT_EQ(lines.status, 4);
+    for (const char* const row : {"COM1: not-in-", "COM3: not-in-", "Done: 0 of 3\n"})
+        EXPECT_THAT(lines.out, HasSubstr(row));
+    const std::string text = Read(records);
+    EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 4);
+
+    const Ended json = Flash({"--practice=2", "--fault", "no-trav", "--json"});
+    EXPECT_THAT(json.out, testing::ContainsRegex("\"port\":\"COM2\",\"outcome\":\"not-in-boot"));
+    EXPECT_THAT(json.out, testing::EndsWith("\"done\":0,\"failed\":2,\"exit\":4}\n"));
+
+    Child rows(Command({"--yes", "--practice=2"}), Child::Output::Terminal);
+    ASSERT_TRUE(rows.WaitFor("] Initializing"));
+    EXPECT_EQ(rows.Wait(), 0);
+    EXPECT_THAT(rows.Out(), HasSubstr("COM2 [####################] done"));
+
+    Child aborted(Command({"--yes", "--practice=2", "--fault", "silent@1"}));
+    ASSERT_TRUE(aborted.WaitFor("COM2: 0 %"));
+    aborted.Signal(SIGINT);
+    EXPECT_EQ(aborted.Wait(), 6);
+    EXPECT_THAT(aborted.Out(), HasSubstr("COM1: aborted"));
+}
+
+TEST_F(TsFlashOnPty, AWaitEndsWhenTheIndicatorAnswersWhenItIsOverAndByTheInterruptKey) {
+    port = folder / "adapter";
+    EXPECT_EQ(Flash({"--wait", "1"}).status, 3);
+    Child flash(Command({"--yes", "--wait", "60"}));
+    ASSERT_TRUE(flash.WaitFor("Waiting for the port"));
+    const Child late({kTools + "/m40sim", "--image", image, "--link", port});
+    EXPECT_EQ(flash.Wait(), 0);
+
+    Child units(Command({"--yes", "--repeat", "--quiet"}), Child::Output::Terminal);
+    ASSERT_TRUE(units.WaitFor("Indicator 1: done"));
+    units.Type("\n");
+    ASSERT_TRUE(units.WaitFor("Indicator 2: done"));
+    units.Type("\x03");
+    EXPECT_EQ(units.Wait(), 0);
+    EXPECT_THAT(units.Out(), HasSubstr("Done: 2, failed: 0"));
 }
 
 TEST_F(TsFlashOnPty, ADamagedImageIsToldBeforeTheUpdateAndRefusedWhenStrict) {

@@ -76,6 +76,10 @@ public:
         return size.ws_col;
     }
 
+    void ClearRowsAbove(unsigned rows) override {
+        Write("\r\x1B[" + std::to_string(rows) + "A\x1B[J");
+    }
+
     std::optional<std::string> ReadLine() override {
         std::array<char, 4096> buffer{};
         // Interrupts from before this wait are for TakeInterrupt only.

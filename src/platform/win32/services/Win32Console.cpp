@@ -127,6 +127,18 @@ public:
     void Write(std::string_view utf8) override { WriteTo(STD_OUTPUT_HANDLE, utf8); }
     void WriteError(std::string_view utf8) override { WriteTo(STD_ERROR_HANDLE, utf8); }
 
+    void ClearRowsAbove(unsigned rows) override {
+        const HANDLE screen = GetStdHandle(STD_OUTPUT_HANDLE);
+        CONSOLE_SCREEN_BUFFER_INFO info{};
+        if (GetConsoleScreenBufferInfo(screen, &info) == 0) return;
+        const auto up = static_cast<SHORT>(rows);
+        const COORD start{0, static_cast<SHORT>(std::max(info.dwCursorPosition.Y - up, 0))};
+        const auto cells = static_cast<DWORD>(info.dwSize.X) * rows;
+        DWORD count = 0;
+        FillConsoleOutputCharacterW(screen, L' ', cells, start, &count);
+        SetConsoleCursorPosition(screen, start);
+    }
+
     std::optional<std::string> ReadLine() override {
         std::size_t end = mUnread.find('\n');
         for (; end == std::string::npos; end = mUnread.find('\n')) {

@@ -2,6 +2,7 @@
 #include <array>
 
 #include "platform/win32/services/Win32Services.hpp"
+#include "platform/win32/services/Windows.hpp"
 
 namespace vantor {
 namespace {

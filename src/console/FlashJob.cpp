@@ -1,0 +1,271 @@
+#include "console/FlashJob.hpp"
+
+#include <algorithm>
+#include <vector>
+
+#include "console/ConsoleView.hpp"
+#include "console/PortChoice.hpp"
+#include "console/SeveralPorts.hpp"
+#include "platform/Registry.hpp"
+#include "support/Traps.hpp"
+#include "support/text/Text.hpp"
+
+namespace vantor {
+namespace {
+
+constexpr std::uint32_t kLookMs = 300;  // between two looks for a port
+
+/// Falling back to defaults for unreadable settings could select the wrong port.
+void CheckSettings(Registry& registry, const StringTable& strings) {
+    try {
+        RegistryKey key = 0;
+        if (registry.OpenKey(RegistryRoot::CurrentUser, "SOFTWARE", kRegistryQueryValue, key) ==
+            kRegistrySuccess)
+            registry.CloseKey(key);
+    } catch (const UnreadableStore& store) {
+        const std::size_t line = store.DamagedLine();
+        throw Refusal(strings, line == 0 ? Str::SettingsFileUnreadable : Str::SettingsFileDamaged,
+                      store.File(), std::to_string(line));
+    }
+}
+
+/// The ports of a run with several: given, or for practice the first ones.
+std::vector<std::string> PortsOf(const Options& options) {
+    if (!options.practice) return options.ports;
+    std::vector<std::string> ports;
+    for (std::size_t i = 1; i <= options.practicePorts; ++i)
+        ports.push_back("COM" + std::to_string(i));
+    return ports;
+}
+
+}  // namespace
+
+std::string ReadImage(const std::string& path, const Files& files, const StringTable& strings) {
+    if (!files.Exists(path)) throw Refusal(strings, Str::ImageNotFound, path);
+    std::string text;
+    if (!Ignoring([&] { text = files.ReadAll(path); }))
+        throw Refusal(strings, Str::ImageNotReadable, path);
+    return text;
+}
+
+ExitStatus FlashJob::Run() {
+    CheckBefore();
+    if (mOptions.Several()) return RunSeveral();
+    if (mOptions.repeat) return RunRepeatedly();
+    return StatusOf(FlashOne(mOptions.wait.has_value(), WaitLimit()).end);
+}
+
+void FlashJob::CheckBefore() {
+    if (!mOptions.log.empty() && mNative.files->SameFile(mOptions.log, mOptions.image))
+        throw Refusal(mStrings, Str::TranscriptIsImage, mOptions.log);
+    mImage = ReadImage(mOptions.image, *mNative.files, mStrings);
+    mReport = CheckImage(mImage);
+    CheckSettings(*mNative.registry, mStrings);
+    CheckImageToSend();
+    if (mOptions.json && !mOptions.yes) throw Refusal(mStrings, Str::JsonNeedsYes);
+    if (!mOptions.yes && !mNative.console->InputIsTerminal())
+        throw Refusal(mStrings, Str::NoTerminalForQuestion);
+    CheckRecord();
+}
+
+/// Rejects an image without lines to send, and with --strict a suspicious one.
+void FlashJob::CheckImageToSend() {
+    if (mReport.lines == mReport.blankLines)
+        throw Refusal(mStrings, Str::ImageHasNoLine, mOptions.image);
+    if (mOptions.json) {
+        WriteFindings(mEvents, mReport, mStrings);
+    } else {
+        for (const ImageFinding& finding : mReport.findings)
+            mNative.console->WriteError(
+                Filled(mStrings.Text(Str::Suspicious), Described(finding, mStrings)) + "\n");
+    }
+    if (mOptions.strict && !mReport.findings.empty())
+        throw Refusal(mStrings, Str::ImageRefused, mOptions.image);
+}
+
+/// An unwritable record is refused before anything is sent.
+void FlashJob::CheckRecord() {
+    const std::string& record = mOptions.record;
+    if (record.empty()) return;
+    if (record == mOptions.log || mNative.files->SameFile(record, mOptions.image) ||
+        mNative.files->SameFile(record, mOptions.log))
+        throw Refusal(mStrings, Str::RecordIsImage, record);
+    if (!Ignoring([&] { mNative.sharedFiles->Append(record, RecordHeader(), {}); }))
+        throw Refusal(mStrings, Str::RecordNotWritable, record);
+}
+
+ExitStatus FlashJob::RunSeveral() {
+    const std::vector<std::string> ports = PortsOf(mOptions);
+    std::vector<std::string> names;
+    for (const std::string& port : ports) {
+        const std::vector<SerialPortInfo> present = mNative.ports->List();
+        const auto chosen = ChosenPort(present, port, mStrings);
+        if (!chosen && !mOptions.wait) throw UnknownPort(present, port, mStrings);
+        const std::string name =
+            mOptions.practice ? port : mNative.ports->NameOf(chosen.value_or(port));
+        if (std::ranges::find(names, name) != names.end())
+            throw Refusal(mStrings, Str::PortNamedTwice, port);
+        names.push_back(name);
+    }
+    if (!mOptions.yes) {
+        ProgressLine progress(*mNative.console, *mNative.clock, mStrings);
+        ConsoleView view(*mNative.console, mStrings, progress, mOptions);
+        if (!view.Confirm(FlashSession::Question(mStrings))) return ExitStatus::Aborted;
+    }
+    return FlashSeveral(mNative, mOptions, ports, mEvents);
+}
+
+ExitStatus FlashJob::RunRepeatedly() {
+    std::uint64_t done = 0;
+    std::uint64_t failed = 0;
+    ExitStatus status = ExitStatus::Done;
+    for (bool stopped = false; !stopped;) {
+        const bool first = done + failed == 0;
+        const Unit unit = FlashOne(!first || mOptions.wait, first ? WaitLimit() : Limit());
+        stopped = unit.stopped;
+        // The interrupt key while it waited for a next one: no unit was begun.
+        if (stopped && unit.end.outcome == FlashOutcome::Aborted && unit.end.ms == 0) {
+            if (first) status = ExitStatus::Aborted;
+            break;
+        }
+        const ExitStatus ended = StatusOf(unit.end);
+        ++(ended == ExitStatus::Done ? done : failed);
+        status = Worse(status, ended);
+    }
+    if (mOptions.json)
+        WriteSummary(mEvents, static_cast<std::int64_t>(done), static_cast<std::int64_t>(failed),
+                     status);
+    else
+        mNative.console->Write(Filled(mStrings.Text(Str::RepeatSummary), std::to_string(done),
+                                      std::to_string(failed)) +
+                               "\n");
+    return status;
+}
+
+FlashJob::Unit FlashJob::FlashOne(bool wait, Limit limit) {
+    Unit unit;
+    const std::optional<Options> options = WithPort(wait, limit, unit);
+    if (options) return FlashAt(*options, wait, limit);
+    if (mOptions.json) WriteEnd(mEvents, unit.end);
+    return unit;
+}
+
+std::optional<Options> FlashJob::WithPort(bool wait, Limit limit, Unit& unit) {
+    Options options = mOptions;
+    if (!options.port || options.practice) return options;
+    const std::uint32_t start = mNative.clock->Milliseconds();
+    for (bool shown = false;; shown = true) {
+        const std::vector<SerialPortInfo> present = mNative.ports->List();
+        const auto chosen = ChosenPort(present, *options.port, mStrings);
+        if (chosen) {
+            options.port = chosen;
+            return options;
+        }
+        if (!wait) throw UnknownPort(present, *options.port, mStrings);
+        if (!shown)
+            ShowWaiting("waiting-for-port",
+                        Filled(mStrings.Text(Str::WaitingForPort), *options.port));
+        mNative.clock->Sleep(kLookMs);
+        unit.stopped = mNative.console->TakeInterrupt();
+        unit.end.outcome = unit.stopped ? FlashOutcome::Aborted : FlashOutcome::PortNotOpen;
+        if (unit.stopped) return std::nullopt;
+        if (limit && mNative.clock->Milliseconds() - start >= *limit) {
+            unit.end.why = UnknownPort(present, *options.port, mStrings).Description();
+            mNative.console->WriteError(unit.end.why + "\n");
+            return std::nullopt;
+        }
+    }
+}
+
+FlashJob::Unit FlashJob::FlashAt(const Options& options, bool wait, Limit limit) {
+    FlashRun run(mNative, options, mImage, options.json ? &mEvents : nullptr);
+    const bool kept = options.json || !options.record.empty();
+    const SessionFacts facts = kept ? Facts(options, run) : SessionFacts();
+    mEvents.SetPort(facts.port);
+    if (options.json) WriteStart(mEvents, facts, run.Line(), mReport);
+    Unit unit;
+    unit.end = WaitAndFlash(run, wait, limit, unit.stopped);
+    Keep(facts, unit.end);
+    if (!options.repeat || unit.stopped) return unit;
+    TellEnd(unit.end);
+    unit.stopped = !run.AwaitGone();
+    return unit;
+}
+
+SessionEnd FlashJob::WaitAndFlash(FlashRun& run, bool wait, Limit limit, bool& stopped) {
+    using Result = IndicatorWait::Result;
+    Result result = Result::Ready;
+    if (wait)
+        result = run.AwaitIndicator(limit, [&](IndicatorWait::Stage stage) {
+            if (stage == IndicatorWait::Stage::Port)
+                ShowWaiting("waiting-for-port", Filled(mStrings.Text(Str::WaitingForPort),
+                                                       mOptions.port.value_or(run.PortName())));
+            else
+                ShowWaiting("waiting-for-indicator", mStrings.Text(Str::WaitingForIndicator));
+        });
+    if (result == Result::Ready) return run.Flash();
+    SessionEnd end;
+    stopped = result == Result::Interrupted;
+    if (stopped) {
+        end.outcome = FlashOutcome::Aborted;
+        return end;
+    }
+    end.outcome =
+        result == Result::NoPort ? FlashOutcome::PortNotOpen : FlashOutcome::NotInBootMonitor;
+    end.why = mStrings.Text(Str::WaitEnded);
+    mNative.console->WriteError(end.why + "\n");
+    return end;
+}
+
+SessionFacts FlashJob::Facts(const Options& options, const FlashRun& run) const {
+    return {.start = IsoTime(mNative.clock->Now(), mNative.machine->UtcOffsetMinutes()),
+            .host = mNative.machine->HostName(),
+            .user = mNative.machine->UserName(),
+            .port = mOptions.port.value_or(run.PortName()),
+            .adapter = run.AdapterSerial(),
+            .image = std::string(FileNameOf(options.image)),
+            .note = options.note,
+            .practice = options.practice};
+}
+
+/// The update has happened: a record that fails now must not hide its result.
+void FlashJob::Keep(const SessionFacts& facts, SessionEnd& end) {
+    const std::string& record = mOptions.record;
+    if (!record.empty() && !Ignoring([&] {
+            mNative.sharedFiles->Append(record, RecordHeader(), RecordLine(facts, mReport, end));
+        })) {
+        end.recordLost = true;
+        end.why = Filled(mStrings.Text(Str::RecordNotWritable), record);
+        mNative.console->WriteError(end.why + "\n");
+    }
+    if (mOptions.json) WriteEnd(mEvents, end);
+}
+
+void FlashJob::ShowWaiting(const char* stage, const std::string& text) {
+    if (mOptions.json)
+        mEvents.Write(mEvents.Begin("stage").Text("stage", stage).Text("text", text));
+    else if (!mOptions.quiet)
+        mNative.console->Write(text + "\n");
+}
+
+void FlashJob::TellEnd(const SessionEnd& end) {
+    const ExitStatus status = StatusOf(end);
+    const std::string result =
+        status == ExitStatus::Done
+            ? mStrings.Text(Str::OutcomeDone)
+            : Filled(mStrings.Text(Str::OutcomeFailed), std::to_string(static_cast<int>(status)));
+    if (!mOptions.json)
+        mNative.console->Write(
+            Filled(mStrings.Text(Str::UnitEnded), std::to_string(++mUnits), result) + "\n");
+    ShowWaiting("waiting-for-next", mStrings.Text(Str::NextUnit));
+    if (mNative.console->OutputIsTerminal()) mNative.console->WriteError("\a");
+}
+
+FlashJob::Limit FlashJob::WaitLimit() const {
+    constexpr std::uint64_t kMsPerSecond = 1000;
+    const auto seconds = ParseInteger(mOptions.wait.value_or("0")).value_or(0);
+    if (seconds == 0) return std::nullopt;
+    return static_cast<std::uint64_t>(seconds) * kMsPerSecond;
+}
+
+}  // namespace vantor

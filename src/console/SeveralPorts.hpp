@@ -1,0 +1,25 @@
+// Updates at several ports at once, each in a process of its own, so that a driver that hangs holds
+// up no other port.
+#pragma once
+
+#include <string>
+#include <vector>
+
+#include "console/ExitStatus.hpp"
+#include "console/JsonView.hpp"
+#include "console/Options.hpp"
+#include "platform/NativePlatform.hpp"
+
+namespace vantor {
+
+/// The worse of two exit statuses, from the worst: 5, 1, 6, 4, 3, 2, 0.
+ExitStatus Worse(ExitStatus a, ExitStatus b);
+
+/// Starts this program once for each of `ports` and shows what the processes tell: a row a port on
+/// a terminal, else lines; their JSON with `--json`. The interrupt key goes to all. Returns the
+/// worst exit status. `ports` are not empty. Raises nothing: a process that cannot be started has
+/// failed.
+ExitStatus FlashSeveral(NativePlatform& native, const Options& options,
+                        const std::vector<std::string>& ports, const JsonEvents& events);
+
+}  // namespace vantor

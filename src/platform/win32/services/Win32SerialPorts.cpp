@@ -1,9 +1,15 @@
 // The machine's serial ports: lists the present ones and opens one by name.
+#include <algorithm>
 #include <array>
+#include <cstddef>
 #include <map>
+#include <string_view>
+#include <utility>
 
 #include "platform/win32/services/Win32Handle.hpp"
 #include "platform/win32/services/Win32Services.hpp"
+// Requires the types of <windows.h>.
+#include <setupapi.h>
 
 namespace vantor {
 namespace {
@@ -55,6 +61,75 @@ Devices RegisteredDevices() {
     return devices;
 }
 
+/// A property of a present device; empty when it has none.
+std::string PropertyOf(HDEVINFO devices, SP_DEVINFO_DATA& device, DWORD property) {
+    std::array<wchar_t, 512> text{};  // its last NUL is never overwritten
+    if (SetupDiGetDeviceRegistryPropertyW(
+            devices, &device, property, nullptr, reinterpret_cast<BYTE*>(text.data()),
+            static_cast<DWORD>(sizeof text - sizeof text[0]), nullptr) == 0)
+        return {};
+    return ToUtf8(text.data());
+}
+
+/// Takes vendor, product and serial number from an instance such as
+/// "USB\\VID_0403&PID_6001\\A50X" or "FTDIBUS\\VID_0403+PID_6001+A50XA\\0000".
+void TakeUsbNames(std::string_view instance, SerialPortInfo& port) {
+    constexpr std::size_t kDigits = 4;
+    const std::size_t vendor = instance.find("VID_");
+    const std::size_t product = instance.find("PID_");
+    if (vendor == std::string_view::npos || product == std::string_view::npos) return;
+    port.usbId = std::string(instance.substr(vendor + 4, kDigits)) + ":" +
+                 std::string(instance.substr(product + 4, kDigits));
+    std::string_view rest = instance.substr(std::min(product + 4 + kDigits, instance.size()));
+    // A serial number that Windows has made up contains "&".
+    if (rest.empty() || rest.find('&') != std::string_view::npos) return;
+    rest.remove_prefix(1);
+    port.serialNumber = rest.substr(0, rest.find('\\'));
+}
+
+/// The name of the port and the latency timer of its driver, from the device's registry key.
+void TakeParameters(HKEY key, SerialPortInfo& port) {
+    std::array<wchar_t, 64> name{};
+    DWORD size = sizeof name;
+    if (RegGetValueW(key, nullptr, L"PortName", RRF_RT_REG_SZ, nullptr, name.data(), &size) ==
+        ERROR_SUCCESS)
+        port.name = ToUtf8(name.data());
+    DWORD latency = 0;
+    size = sizeof latency;
+    if (RegGetValueW(key, nullptr, L"LatencyTimer", RRF_RT_REG_DWORD, nullptr, &latency, &size) ==
+        ERROR_SUCCESS)
+        port.latencyMs = latency;
+}
+
+/// What Windows knows of the present devices of the class of ports, by COM number.
+std::map<unsigned, SerialPortInfo> DescribedPorts() {
+    // GUID_DEVCLASS_PORTS; the header that declares it defines it in one source only.
+    constexpr GUID kPorts = {
+        0x4d36e978, 0xe325, 0x11ce, {0xbf, 0xc1, 0x08, 0x00, 0x2b, 0xe1, 0x03, 0x18}};
+    std::map<unsigned, SerialPortInfo> ports;
+    const HDEVINFO devices = SetupDiGetClassDevsW(&kPorts, nullptr, nullptr, DIGCF_PRESENT);
+    if (devices == INVALID_HANDLE_VALUE) return ports;
+    const Finally release([&] { SetupDiDestroyDeviceInfoList(devices); });
+    SP_DEVINFO_DATA device{};
+    device.cbSize = sizeof device;
+    for (DWORD i = 0; SetupDiEnumDeviceInfo(devices, i, &device) != 0; ++i) {
+        const HKEY opened =
+            SetupDiOpenDevRegKey(devices, &device, DICS_FLAG_GLOBAL, 0, DIREG_DEV, KEY_QUERY_VALUE);
+        if (opened == INVALID_HANDLE_VALUE) continue;
+        const Owned<HKEY, RegCloseKey> key(opened);
+        SerialPortInfo port;
+        TakeParameters(opened, port);
+        port.description = PropertyOf(devices, device, SPDRP_DEVICEDESC);
+        std::array<wchar_t, 512> instance{};
+        if (SetupDiGetDeviceInstanceIdW(devices, &device, instance.data(),
+                                        static_cast<DWORD>(instance.size()), nullptr) != 0)
+            TakeUsbNames(ToUtf8(instance.data()), port);
+        if (const unsigned number = ComNumber(ToWide(port.name)); number != 0)
+            ports[number] = std::move(port);
+    }
+    return ports;
+}
+
 class Win32SerialPorts : public SerialPorts {
 public:
     explicit Win32SerialPorts(Win32MessagePump& pump) : mPump(pump) {}
@@ -71,9 +146,14 @@ public:
         for (unsigned number = 1; number <= kLastComNumber; ++number)
             if (std::string target = DeviceOf(ComName(number)); !target.empty())
                 devices.emplace(number, std::move(target));
+        std::map<unsigned, SerialPortInfo> described = DescribedPorts();
         std::vector<SerialPortInfo> ports;
-        for (const auto& [number, device] : devices)
-            ports.push_back({ToUtf8(ComName(number)), device, {}});
+        for (const auto& [number, device] : devices) {
+            SerialPortInfo& port = described[number];
+            port.name = ToUtf8(ComName(number));
+            port.device = device;
+            ports.push_back(std::move(port));
+        }
         return ports;
     }
 

@@ -4,6 +4,7 @@
 #include <array>
 #include <string_view>
 
+#include "console/OptionTable.hpp"
 #include "platform/StringTable.hpp"
 #include "support/text/Text.hpp"
 #include "support/text/Unicode.hpp"
@@ -37,7 +38,10 @@ void Practise(Options& options, const std::string& value) {
     options.practiceCount = value;
 }
 
-enum class Group : unsigned char { Line, Update, Reports, Information };
+void Complete(Options& options, const std::string& value) {
+    options.action = Action::Completion;
+    options.completion = value;
+}
 
 struct GroupRow {
     Group group;
@@ -47,21 +51,16 @@ constexpr std::array kGroups = {
     GroupRow{Group::Line, Str::GroupLine}, GroupRow{Group::Update, Str::GroupUpdate},
     GroupRow{Group::Reports, Str::GroupReports}, GroupRow{Group::Information, Str::GroupOther}};
 
-struct OptionRow {
-    Group group;
-    std::string_view letter;  ///< "-p", empty when there is none
-    std::string_view name;    ///< "--port"
-    std::string_view value;   ///< name of its value in the help; empty: it takes none
-    Str help;
-    void (*apply)(Options&, const std::string& value);
-};
-
 constexpr std::array kOptions = {
-    OptionRow{Group::Line, "-p", "--port", "PORT", Str::OptionPort, AddPort},
-    OptionRow{Group::Line, "-b", "--baud", "N", Str::OptionBaud, Store<&Options::baud>},
-    OptionRow{Group::Line, "", "--parity", "P", Str::OptionParity, Store<&Options::parity>},
-    OptionRow{Group::Line, "", "--data-bits", "N", Str::OptionDataBits, Store<&Options::dataBits>},
-    OptionRow{Group::Line, "", "--stop-bits", "N", Str::OptionStopBits, Store<&Options::stopBits>},
+    OptionRow{Group::Line, "-p", "--port", "PORT", Str::OptionPort, AddPort, Completed::Ports},
+    OptionRow{Group::Line, "-b", "--baud", "N", Str::OptionBaud, Store<&Options::baud>,
+              Completed::Words, "300 600 1200 2400 4800 9600 19200 38400 57600 115200"},
+    OptionRow{Group::Line, "", "--parity", "P", Str::OptionParity, Store<&Options::parity>,
+              Completed::Words, "N O E"},
+    OptionRow{Group::Line, "", "--data-bits", "N", Str::OptionDataBits, Store<&Options::dataBits>,
+              Completed::Words, "7 8"},
+    OptionRow{Group::Line, "", "--stop-bits", "N", Str::OptionStopBits, Store<&Options::stopBits>,
+              Completed::Words, "1 2"},
     OptionRow{Group::Update, "-y", "--yes", "", Str::OptionYes, Set<&Options::yes>},
     OptionRow{Group::Update, "", "--strict", "", Str::OptionStrict, Set<&Options::strict>},
     OptionRow{Group::Update, "", "--wait", "SECONDS", Str::OptionWait, Store<&Options::wait>},
@@ -69,13 +68,17 @@ constexpr std::array kOptions = {
     OptionRow{Group::Update, "", "--practice", "", Str::OptionPractice, Practise},
     OptionRow{Group::Update, "", "--fault", "FAULT", Str::OptionFault, AddFault},
     OptionRow{Group::Reports, "-q", "--quiet", "", Str::OptionQuiet, Set<&Options::quiet>},
-    OptionRow{Group::Reports, "", "--log", "FILE", Str::OptionLog, Store<&Options::log>},
-    OptionRow{Group::Reports, "", "--record", "FILE", Str::OptionRecord, Store<&Options::record>},
+    OptionRow{Group::Reports, "", "--log", "FILE", Str::OptionLog, Store<&Options::log>,
+              Completed::Files},
+    OptionRow{Group::Reports, "", "--record", "FILE", Str::OptionRecord, Store<&Options::record>,
+              Completed::Files},
     OptionRow{Group::Reports, "", "--note", "TEXT", Str::OptionNote, Store<&Options::note>},
     OptionRow{Group::Reports, "", "--json", "", Str::OptionJson, Set<&Options::json>},
     OptionRow{Group::Information, "", "--check", "", Str::OptionCheck, Choose<Action::Check>},
     OptionRow{Group::Information, "", "--list-ports", "", Str::OptionListPorts,
               Choose<Action::ListPorts>},
+    OptionRow{Group::Information, "", "--completion", "SHELL", Str::OptionCompletion, Complete,
+              Completed::Words, "bash zsh"},
     OptionRow{Group::Information, "", "--version", "", Str::OptionVersion, Choose<Action::Version>},
     OptionRow{Group::Information, "-h", "--help", "", Str::OptionHelp, Choose<Action::Help>},
 };
@@ -161,6 +164,10 @@ void CheckTogether(Options& options, const StringTable& strings) {
 }
 
 }  // namespace
+
+std::span<const OptionRow> OptionTable() {
+    return kOptions;
+}
 
 Options ParseOptions(const std::vector<std::string>& arguments, const StringTable& strings) {
     Options options;

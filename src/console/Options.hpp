@@ -14,7 +14,7 @@ namespace vantor {
 
 class StringTable;
 
-enum class Action : unsigned char { Flash, Check, ListPorts, Version, Help };
+enum class Action : unsigned char { Flash, Check, ListPorts, Completion, Version, Help };
 
 struct Options {
     Action action = Action::Flash;
@@ -32,6 +32,7 @@ struct Options {
     std::string record;  ///< empty: no record
     std::string note;
     bool json = false;
+    std::string completion;  ///< the shell
     bool yes = false;
     bool strict = false;  ///< refuse a suspicious image
     bool quiet = false;

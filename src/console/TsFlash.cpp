@@ -5,6 +5,7 @@
 #include <vector>
 
 #include "app/base/AppInfo.hpp"
+#include "console/Completion.hpp"
 #include "console/FlashJob.hpp"
 #include "console/JsonView.hpp"
 #include "console/Options.hpp"
@@ -53,6 +54,12 @@ ExitStatus Act(NativePlatform& native, const Options& options, JsonEvents& event
         case Action::ListPorts:
             ListPorts(native, options, events);
             break;
+        case Action::Completion: {
+            const std::string script = CompletionFor(options.completion, strings);
+            if (script.empty()) throw Refusal(strings, Str::BadCompletion);
+            native.console->Write(script);
+            break;
+        }
         case Action::Flash:
             return FlashJob(native, options, events).Run();
     }

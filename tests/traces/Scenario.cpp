@@ -326,6 +326,15 @@ const std::map<std::string, Scenario::Verb>& Scenario::Verbs() {
          }},
         {"describes",
          [](Scenario& s, const Words& w) { s.mRecorder->Describe(s.Window(w.at(1))); }},
+        {"paints", [](Scenario& s, const Words& w) { s.Window(w.at(1)).Painting(); }},
+        {"resizes",  // WINDOW WIDTH HEIGHT, or WINDOW minimised
+         [](Scenario& s, const Words& w) {
+             Form& form = s.Window(w.at(1));
+             const Place& at = form.Place();
+             if (w.at(2) == "minimised") return form.Placed(at, WindowState::Minimised, {});
+             const Size size{std::stof(w.at(2)), std::stof(w.at(3))};
+             form.Placed({at.left, at.top, size.width, size.height}, WindowState::Normal, size);
+         }},
         {"helps", [](Scenario& s, const Words& w) { s.Window(w.at(1)).HelpWanted(); }},
         // What happens to the line and the system.
         {"pump",

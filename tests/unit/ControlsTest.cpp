@@ -208,6 +208,8 @@ const Verbs<Line> kVerbs = {
      }},
     {"received", [](Line& l, Argument) { l.out += std::exchange(l.wire.received, {}) + "| "; }},
     {"arrives", [](Line& l, Argument text) { l.wire.sent = text; }},
+    {"arrive", [](Line& l, Argument n) { l.wire.sent = std::string(std::stoul(n), 'x'); }},
+    {"input-size", [](Line& l, Argument) { l.out += Row(l.comm.Input().size(), ""); }},
     {"pump", [](Line& l, Argument) { l.platform.pump.PumpPending(); }},
     {"threshold", [](Line& l, Argument n) { l.comm.ReceiveThreshold(std::stoul(n)); }},
     {"input", [](Line& l, Argument) { l.out += l.comm.Input() + "| "; }},

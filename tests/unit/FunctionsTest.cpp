@@ -115,6 +115,7 @@ const std::map<std::string, std::function<std::string(const Words&)>> kFunctions
         const Language language = LanguageOfLocale(w.at(1), w.at(2), w.at(3));
         return std::string(language == Language::Spanish ? "Spanish" : "English"); }},
     {"Lines", [](const Words& w) { return LinesOf(w.at(1)); }},
+    {"Description", [](const Words& w) { return StandardDescription(Whole(w.at(1))); }},
     {"Picture", PictureHeader},
     {"Pictures", Pictures},
     {"Fault", [](const Words& w) { return FaultOf(w.at(1)); }},

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <optional>
 #include <span>
@@ -10,6 +11,7 @@
 #include "controls/Controls.hpp"
 #include "controls/Form.hpp"
 #include "controls/TreeView.hpp"
+#include "terminal/TerminalControl.hpp"
 
 namespace vantor::traces {
 namespace {
@@ -21,6 +23,10 @@ constexpr const char* kAnswers[] = {"OK", "Yes", "No", "Cancel"};
 std::string Line(const LineSettings& line) {
     return std::to_string(line.bitsPerSecond) + "," + "NOE"[static_cast<std::size_t>(line.parity)] +
            "," + std::to_string(line.dataBits) + "," + std::to_string(line.stopBits);
+}
+
+std::string Point(float x, float y) {
+    return std::to_string(std::lround(x)) + "," + std::to_string(std::lround(y));
 }
 
 std::string Numbers(const Place& place) {
@@ -93,7 +99,12 @@ public:
         mInner->ControlChanged(control, property);
         mRecorder.ControlChanged(mForm, control, property);
     }
-    void DrawLine(const ThinLine& line) override { mInner->DrawLine(line); }
+    void DrawLine(const ThinLine& line) override {
+        mRecorder.Note("line " + Point(line.left, line.top) + " to " +
+                       Point(line.right, line.bottom) +
+                       (line.colour == SystemColour::ButtonShadow ? ", shadow" : ", highlight"));
+        mInner->DrawLine(line);
+    }
     Size TextSize(const Control& control, const std::string& face,
                   const std::string& text) const override {
         return mInner->TextSize(control, face, text);
@@ -537,6 +548,12 @@ void Recorder::Describe(const Form& form) {
                 Note("    node " + node.key + " under " + Quoted(node.parent) + " " +
                      Quoted(node.text) + (node.bold ? ", bold" : "") +
                      (node.expanded ? ", expanded" : ""));
+        if (const auto* picture = dynamic_cast<const PictureBox*>(&control))
+            for (const PictureBox::Printed& printed : picture->PrintedTexts())
+                Note("    prints " + Quoted(printed.text) + " at " +
+                     Point(printed.left, printed.top) + " in " + printed.fontName);
+        if (const auto* terminal = dynamic_cast<const TerminalControl*>(&control))
+            if (terminal->FollowOutput()) Note("    follows its output");
     }
 }
 
@@ -560,6 +577,7 @@ void Recorder::ControlChanged(const Form& form, const Control& control, Property
             Note(FullName(form, control) + " " + value);
     if (property == Property::Repaint && control.Kind() == ControlKind::Label && form.Visible())
         Note(FullName(form, control) + " drawn");
+    if (property == Property::ZOrder && form.Visible()) Note(FullName(form, control) + " in front");
     if (property == Property::Caption && onText) onText(control.Caption());
 }
 

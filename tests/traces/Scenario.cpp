@@ -15,6 +15,7 @@
 #include "controls/TreeView.hpp"
 #include "monitor/frmMonitor.hpp"
 #include "simulator/VirtualIndicator.hpp"
+#include "tests/Words.hpp"
 #include "tests/faults/Images.hpp"
 #include "tests/faults/ReportingPlatform.hpp"
 #include "tests/traces/Recorder.hpp"
@@ -24,39 +25,6 @@ namespace vantor::traces {
 namespace {
 
 const std::string kImage = "/home/tech/m40.run";
-
-using Words = std::vector<std::string>;
-
-char Unescaped(char c) {
-    return c == 'r' ? '\r' : c == 'n' ? '\n' : c == 'e' ? '\x1b' : c == 't' ? '\t' : c;
-}
-
-/// Splits at spaces; text in quotes is one word, with the escapes \r \n \e \t \" \\ and \xNN.
-Words WordsOf(const std::string& line) {
-    Words words;
-    for (std::size_t at = 0; at < line.size();) {
-        if (line[at] == ' ') {
-            ++at;
-            continue;
-        }
-        std::string word;
-        const bool quoted = line[at] == '"';
-        at += quoted ? 1 : 0;
-        for (; at < line.size() && line[at] != (quoted ? '"' : ' '); ++at) {
-            if (!quoted || line[at] != '\\') {
-                word += line[at];
-            } else if (line.at(++at) == 'x') {
-                word += static_cast<char>(std::stoi(line.substr(at + 1, 2), nullptr, 16));
-                at += 2;
-            } else {
-                word += Unescaped(line[at]);
-            }
-        }
-        at += quoted ? 1 : 0;
-        words.push_back(word);
-    }
-    return words;
-}
 
 std::uint32_t Number(const std::string& word) {
     return static_cast<std::uint32_t>(std::stoul(word));
@@ -272,6 +240,17 @@ const std::map<std::string, Scenario::Verb>& Scenario::Verbs() {
          }},
         {"verdict",  // the bytes that the indicator sends instead of DONE
          [](Scenario& s, const Words& w) { s.mFarEnd->verdict = w.at(1); }},
+        {"hides", [](Scenario& s, const Words& w) { s.Headless().files.SetHidden(w.at(1)); }},
+        {"eager",  // lists: they report a selection while they are filled
+         [](Scenario& s, const Words&) {
+             s.Headless().peers.onChange = [](const Control& control, Property) {
+                 auto* combo = dynamic_cast<ComboBox*>(const_cast<Control*>(&control));
+                 if (combo && combo->ListIndex() < 0)
+                     combo->Choose(static_cast<int>(combo->Items().size()) - 1);
+             };
+         }},
+        {"nowhere",  // the system does not name the program's folder
+         [](Scenario& s, const Words&) { s.Headless().process.executable.clear(); }},
         {"homeless",  // the system names no folders
          [](Scenario& s, const Words&) { s.Headless().folders.home.clear(); }},
         {"another",  // instance of the program runs
@@ -347,6 +326,15 @@ const std::map<std::string, Scenario::Verb>& Scenario::Verbs() {
          }},
         {"describes",
          [](Scenario& s, const Words& w) { s.mRecorder->Describe(s.Window(w.at(1))); }},
+        {"paints", [](Scenario& s, const Words& w) { s.Window(w.at(1)).Painting(); }},
+        {"resizes",  // WINDOW WIDTH HEIGHT, or WINDOW minimised
+         [](Scenario& s, const Words& w) {
+             Form& form = s.Window(w.at(1));
+             const Place& at = form.Place();
+             if (w.at(2) == "minimised") return form.Placed(at, WindowState::Minimised, {});
+             const Size size{std::stof(w.at(2)), std::stof(w.at(3))};
+             form.Placed({at.left, at.top, size.width, size.height}, WindowState::Normal, size);
+         }},
         {"helps", [](Scenario& s, const Words& w) { s.Window(w.at(1)).HelpWanted(); }},
         // What happens to the line and the system.
         {"pump",
@@ -359,6 +347,14 @@ const std::map<std::string, Scenario::Verb>& Scenario::Verbs() {
          }},
         {"stops",  // the process, for so long
          [](Scenario& s, const Words& w) { s.Headless().clock.Sleep(Number(w.at(1))); }},
+        {"stalls",  // the process, for so long, between the poll of the port and the timers
+         [](Scenario& s, const Words& w) {
+             const auto source = std::make_shared<SourceId>();
+             *source = s.Headless().pump.AddSource([&s, source, ms = Number(w.at(1))] {
+                 s.Headless().pump.RemoveSource(*source);
+                 s.Headless().clock.Sleep(ms);
+             });
+         }},
         {"receive", [](Scenario& s, const Words& w) { s.mWire->sent += w.at(1); }},
         {"unplug", [](Scenario& s, const Words&) { s.Headless().ports.Unplug("COM1"); }},
         {"busy", [](Scenario& s, const Words& w) { s.Headless().ports.Hold(w.at(1), true); }},

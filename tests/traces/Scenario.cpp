@@ -25,37 +25,8 @@ namespace {
 
 const std::string kImage = "/home/tech/m40.run";
 
-using Words = std::vector<std::string>;
-
 char Unescaped(char c) {
     return c == 'r' ? '\r' : c == 'n' ? '\n' : c == 'e' ? '\x1b' : c == 't' ? '\t' : c;
-}
-
-/// Splits at spaces; text in quotes is one word, with the escapes \r \n \e \t \" \\ and \xNN.
-Words WordsOf(const std::string& line) {
-    Words words;
-    for (std::size_t at = 0; at < line.size();) {
-        if (line[at] == ' ') {
-            ++at;
-            continue;
-        }
-        std::string word;
-        const bool quoted = line[at] == '"';
-        at += quoted ? 1 : 0;
-        for (; at < line.size() && line[at] != (quoted ? '"' : ' '); ++at) {
-            if (!quoted || line[at] != '\\') {
-                word += line[at];
-            } else if (line.at(++at) == 'x') {
-                word += static_cast<char>(std::stoi(line.substr(at + 1, 2), nullptr, 16));
-                at += 2;
-            } else {
-                word += Unescaped(line[at]);
-            }
-        }
-        at += quoted ? 1 : 0;
-        words.push_back(word);
-    }
-    return words;
 }
 
 std::uint32_t Number(const std::string& word) {
@@ -380,6 +351,32 @@ const std::map<std::string, Scenario::Verb>& Scenario::Verbs() {
 }
 
 }  // namespace
+
+Words WordsOf(const std::string& line) {
+    Words words;
+    for (std::size_t at = 0; at < line.size();) {
+        if (line[at] == ' ') {
+            ++at;
+            continue;
+        }
+        std::string word;
+        const bool quoted = line[at] == '"';
+        at += quoted ? 1 : 0;
+        for (; at < line.size() && line[at] != (quoted ? '"' : ' '); ++at) {
+            if (!quoted || line[at] != '\\') {
+                word += line[at];
+            } else if (line.at(++at) == 'x') {
+                word += static_cast<char>(std::stoi(line.substr(at + 1, 2), nullptr, 16));
+                at += 2;
+            } else {
+                word += Unescaped(line[at]);
+            }
+        }
+        at += quoted ? 1 : 0;
+        words.push_back(word);
+    }
+    return words;
+}
 
 std::string RunScenario(const std::string& script) {
     return Scenario(script).Run();

@@ -3,11 +3,22 @@
 #pragma once
 
 #include <string>
+#include <vector>
 
 namespace vantor::traces {
+
+using Words = std::vector<std::string>;
+
+/// Splits at spaces; text in quotes is one word, with the escapes \r \n \e \t \" \\ and \xNN.
+Words WordsOf(const std::string& line);
 
 /// Runs `script` on a new program and returns the trace. Throws std::runtime_error with the line
 /// that is not understood or never came about.
 std::string RunScenario(const std::string& script);
+
+/// Returns a script of `tests/terminal` with the lines that state what each action changed written
+/// anew. `inPieces` delivers received bytes one by one. Throws std::exception for a line that is
+/// not understood.
+std::string RunTerminal(const std::string& script, bool inPieces);
 
 }  // namespace vantor::traces

@@ -186,6 +186,18 @@ TEST(Violation, AWrongSpeedOrALineFeedIsNotedOnceASession) {
     EXPECT_EQ(violations.size(), 3U);
 }
 
+TEST(Violation, AFrameThatChangesWithTheSpeedIsNoted) {
+    using enum Parity;
+    for (const LineSettings& line :
+         {LineSettings{115200, Even, 8, 2}, LineSettings{115200, None, 7, 2},
+          LineSettings{115200, None, 8, 1}}) {
+        Host host;
+        host.Talk("@38400 TRAV BAUD_115200 @");
+        host.indicator.HostLine(line, host.now);
+        EXPECT_EQ(host.indicator.Violations().size(), 1U);
+    }
+}
+
 TEST(Violation, OnlyBootEndsASessionWellAfterDone) {
     const struct {
         const char* bytes;

@@ -6,12 +6,10 @@
 
 namespace vantor::contract {
 
-using namespace std::string_literals;
-
-class SerialPortContract : public Contract<SerialSubject> {
+class SerialPortContract : public Contract {
 protected:
     std::unique_ptr<SerialPort> Open(const LineSettings& line = {115200, Parity::None, 8, 2}) {
-        return subject->Get().Open(subject->PortName(), line);
+        return ports->Open(portName, line);
     }
 
     /// Reads `count` bytes from the far end; fewer on a time-out.
@@ -22,36 +20,30 @@ protected:
             const std::size_t got = port.Read(buffer);
             bytes.append(buffer.data(), got);
             if (got != 0) idle = -1;
-            if (got == 0) subject->Wait();
+            if (got == 0) clock->Sleep(1);
         }
         return bytes;
     }
 
     bool Becomes(const std::function<bool()>& condition) {
-        for (int i = 0; i < kPatience; ++i, subject->Wait())
+        for (int i = 0; i < kPatience; ++i, clock->Sleep(1))
             if (condition()) return true;
         return false;
     }
 
-    static std::string AllBytes() {
-        std::string bytes;
-        for (int byte = 0; byte < 256; ++byte) bytes += static_cast<char>(byte);
-        return bytes;
-    }
-
     static constexpr int kPatience = 1000;
-    WireEnd* const farEnd = subject->FarEnd();
 };
+INSTANTIATE_CONTRACT(SerialPortContract);
 
 #define NEEDS_FAR_END() \
     if (farEnd == nullptr) GTEST_SKIP() << "nothing is connected to the port"
 
 TEST_P(SerialPortContract, APortIsListedAndOneThatDoesNotExistIsError68) {
     std::string names;
-    for (const SerialPortInfo& port : subject->Get().List()) names += port.name + ";";
-    EXPECT_NE(names.find(subject->PortName() + ";"), std::string::npos) << names;
-    for (const std::string& name : {subject->MissingPortName(), "COM33"s, "COM0"s, ""s})
-        EXPECT_EQ(ErrorOf([&] { subject->Get().Open(name, {}); }), 68) << name;
+    for (const SerialPortInfo& port : ports->List()) names += port.name + ";";
+    EXPECT_NE(names.find(portName + ";"), std::string::npos) << names;
+    for (const char* name : {"COM31", "COM33", "COM0", ""})
+        EXPECT_EQ(ErrorOf([&] { ports->Open(name, {}); }), 68) << name;
 }
 
 TEST_P(SerialPortContract, AnOpenPortIsBusyUntilItIsClosedAndARefusedOpenLeavesItFree) {
@@ -118,13 +110,13 @@ TEST_P(SerialPortContract, EachPumpTellsOfWaitingBytesUntilTheyAreRead) {
     const auto port = Open();
     int calls = 0;
     port->NotifyOnInput([&] { ++calls; });
-    subject->Pump().PumpPending();
+    pump->PumpPending();
     EXPECT_EQ(calls, 0);
     farEnd->Send("ab");
-    const auto pumped = [&] { return subject->Pump().PumpPending(), calls; };
+    const auto pumped = [&] { return pump->PumpPending(), calls; };
     EXPECT_TRUE(Becomes([&] { return pumped() >= 2; }));
     EXPECT_EQ(Read(*port, 2), "ab");
-    subject->Pump().PumpPending();  // a notification may be pending
+    pump->PumpPending();  // a notification may be pending
     const int before = calls;
     EXPECT_EQ(pumped(), before);
     port->NotifyOnInput({});
@@ -138,8 +130,8 @@ TEST_P(SerialPortContract, ANotificationMayCloseThePort) {
     auto port = Open();
     port->NotifyOnInput([&] { port.reset(); });
     farEnd->Send("x");
-    EXPECT_TRUE(Becomes([&] { return subject->Pump().PumpPending(), port == nullptr; }));
-    subject->Pump().PumpPending();
+    EXPECT_TRUE(Becomes([&] { return pump->PumpPending(), port == nullptr; }));
+    pump->PumpPending();
 }
 
 TEST_P(SerialPortContract, ADeviceThatGoesAwayIsError57FromEveryOperationAndToldOnce) {
@@ -148,8 +140,8 @@ TEST_P(SerialPortContract, ADeviceThatGoesAwayIsError57FromEveryOperationAndTold
     int calls = 0;
     port->NotifyOnInput([&] { ++calls; });
     farEnd->HangUp();
-    EXPECT_TRUE(Becomes([&] { return subject->Pump().PumpPending(), calls > 0; }));
-    subject->Pump().PumpPending();
+    EXPECT_TRUE(Becomes([&] { return pump->PumpPending(), calls > 0; }));
+    pump->PumpPending();
     EXPECT_EQ(calls, 1);
     std::array<char, 4> buffer{};
     const std::function<void()> kOperations[] = {
@@ -157,7 +149,5 @@ TEST_P(SerialPortContract, ADeviceThatGoesAwayIsError57FromEveryOperationAndTold
         [&] { port->OutputCount(); }, [&] { port->DiscardInput(); }};
     for (const auto& operation : kOperations) EXPECT_EQ(ErrorOf(operation), 57);
 }
-
-INSTANTIATE_CONTRACT(SerialPortContract, HeadlessSerialLines, NativeSerialLines);
 
 }  // namespace vantor::contract

@@ -67,6 +67,10 @@ Plan RandomPlan(std::uint64_t seed, std::uint64_t number) {
     if (dice.Percent(50)) plan.thinkUs = dice.Roll(dice.Percent(10) ? 200'000 : 5'000);
     if (dice.Percent(20)) plan.writeFlashUs = std::int64_t{dice.Milliseconds()} * 1000;
     plan.compares = dice.Percent(50);
+    plan.line = {.bitsPerSecond = dice.Percent(50) ? 38400u : 9600u,
+                 .parity = static_cast<Parity>(dice.Roll(3)),
+                 .dataBits = static_cast<std::uint8_t>(7 + dice.Roll(2)),
+                 .stopBits = 2};
     return plan;
 }
 

@@ -26,6 +26,11 @@ enum class ControlKind : std::uint8_t {
     Terminal,
 };
 
+/// The index of a control that belongs to no control array.
+inline constexpr int kSingle = -1;
+/// No item, row or node: nothing is selected, or it was not found.
+inline constexpr int kNothing = -1;
+
 /// The edge around a control.
 enum class Border : std::uint8_t { None, Static, Sunken };
 
@@ -33,8 +38,8 @@ enum class Border : std::uint8_t { None, Static, Sunken };
 /// the form, so it never outlives it. Setting a property notifies the form's peer.
 class Control {
 public:
-    /// `index` distinguishes the members of a control array; -1 for a single control.
-    Control(Form& parent, ControlKind kind, std::string name, int index = -1);
+    /// `index` distinguishes the members of a control array; kSingle for a single control.
+    Control(Form& parent, ControlKind kind, std::string name, int index = kSingle);
     virtual ~Control() = default;
     Control(const Control&) = delete;
     Control& operator=(const Control&) = delete;
@@ -108,7 +113,7 @@ private:
 template <ControlKind Kind, typename Base = Control>
 class OfKind : public Base {
 public:
-    explicit OfKind(Form& parent, std::string name, int index = -1)
+    explicit OfKind(Form& parent, std::string name, int index = kSingle)
         : Base(parent, Kind, std::move(name), index) {}
 };
 

@@ -28,7 +28,7 @@ void PictureBox::Print(const std::string& text) {
 
 void ComboBox::Items(std::vector<std::string> items) {
     mItems = std::move(items);
-    mListIndex = -1;
+    mListIndex = kNothing;
     Changed(Property::Value);
 }
 
@@ -55,7 +55,8 @@ void ListView::Choose(int row) {
 
 int FindStringComboBox(const ComboBox& combo, const std::string& text) {
     const auto found = std::ranges::find(combo.Items(), text);
-    return found == combo.Items().end() ? -1 : static_cast<int>(found - combo.Items().begin());
+    return found == combo.Items().end() ? kNothing
+                                        : static_cast<int>(found - combo.Items().begin());
 }
 
 StatusBar::StatusBar(Form& parent, std::string name, const std::vector<std::string>& keys)

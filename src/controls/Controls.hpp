@@ -106,7 +106,7 @@ public:
     /// Replaces the list and clears the selection.
     void Items(std::vector<std::string> items);
 
-    /// The selected item, from 0; -1 for none.
+    /// The selected item, from 0; kNothing for none.
     int ListIndex() const { return mListIndex; }
     /// Raises RuntimeError 380 when there is no such item.
     void ListIndex(int index);
@@ -119,10 +119,10 @@ public:
 
 private:
     std::vector<std::string> mItems;
-    int mListIndex = -1;
+    int mListIndex = kNothing;
 };
 
-/// Index of `text` in the list of `combo`, case-sensitive; -1 when it is not found.
+/// Index of `text` in the list of `combo`, case-sensitive; kNothing when it is not found.
 int FindStringComboBox(const ComboBox& combo, const std::string& text);
 
 /// A status bar, docked at the bottom edge of its window: only the height of its place is used,
@@ -149,12 +149,12 @@ private:
 class ListView : public ClickControl {
 public:
     ListView(Form& parent, std::string name, std::vector<std::string> columns)
-        : ClickControl(parent, ControlKind::ListView, std::move(name), -1),
+        : ClickControl(parent, ControlKind::ListView, std::move(name), kSingle),
           mColumns(std::move(columns)) {}
 
     const std::vector<std::string>& Columns() const { return mColumns; }
 
-    /// From 0; -1 when nothing is selected.
+    /// From 0; kNothing when nothing is selected.
     int SelectedRow() const { return mSelectedRow; }
 
     /// For peers: the user has clicked and thereby selected `row`. Raises the event.
@@ -162,7 +162,7 @@ public:
 
 private:
     std::vector<std::string> mColumns;
-    int mSelectedRow = -1;
+    int mSelectedRow = kNothing;
 };
 
 }  // namespace vantor

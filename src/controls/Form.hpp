@@ -46,7 +46,7 @@ struct ControlStyle {
 struct ControlDesign {
     ControlKind kind;
     const char* name;
-    int index;           ///< -1 for a single control
+    int index;           ///< kSingle for a single control
     const char* parent;  ///< name of the containing panel or menu, empty for the window itself
     Place place;         ///< twips, within the parent; all 0 for controls without a position
     const char* caption;

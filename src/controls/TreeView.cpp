@@ -14,7 +14,8 @@ std::size_t TreeView::Checked(int node) const {
 
 int TreeView::NodeIndex(const std::string& key) const {
     const auto found = std::ranges::find(mNodes, key, &TreeNode::key);
-    return key.empty() || found == mNodes.end() ? -1 : static_cast<int>(found - mNodes.begin());
+    return key.empty() || found == mNodes.end() ? kNothing
+                                                : static_cast<int>(found - mNodes.begin());
 }
 
 void TreeView::Add(TreeNode node) {
@@ -27,7 +28,7 @@ void TreeView::Add(TreeNode node) {
 
 void TreeView::Clear() {
     mNodes.clear();
-    mSelected = -1;
+    mSelected = kNothing;
     Changed(Property::Value);
 }
 

@@ -29,7 +29,7 @@ public:
     Event<TreeNode> NodeClick{[this] { return KeepParent(); }};
 
     const std::vector<TreeNode>& Nodes() const { return mNodes; }
-    /// The node with this key; -1 when there is none.
+    /// The node with this key; kNothing when there is none.
     int NodeIndex(const std::string& key) const;
     /// Raises 457 when the key is already used, 9 when there is no such parent.
     void Add(TreeNode node);
@@ -39,7 +39,7 @@ public:
     /// Raises no event.
     void Expanded(int node, bool expanded);
 
-    /// -1 for none.
+    /// kNothing for none.
     int Selected() const { return mSelected; }
     /// Selects a node and expands its ancestors. Raises no event.
     void Select(int node);
@@ -54,7 +54,7 @@ private:
     bool LiesUnder(int node, int ancestor) const;
 
     std::vector<TreeNode> mNodes;
-    int mSelected = -1;
+    int mSelected = kNothing;
 };
 
 }  // namespace vantor

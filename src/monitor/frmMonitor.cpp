@@ -233,19 +233,19 @@ void frmMonitor::mnuFileExit_Click() {
 // --- capture ---------------------------------------------------------------------------------
 
 /// The file confirmed by the user; empty on cancel, and when the window was closed meanwhile.
-std::string frmMonitor::AskForFile(Str title, bool openDialog) {
+std::string frmMonitor::AskForFile(FileUse use) {
     CFileDialog dialog(mPlatform.dialogs);
-    dialog.DialogTitle = Text(title);
+    dialog.DialogTitle = Text(use == FileUse::Capture ? Str::CaptureFileTitle : Str::SendFileTitle);
     dialog.DefaultExt = ".txt";
     dialog.Flags = kFileDialogFlags;
     dialog.Filter = Text(Str::TextFiles) + " (*.txt)|*.txt|" + Text(Str::AllFiles) + " (*.*)|*.*";
     dialog.hWndParent = WindowHandle();
-    return dialog.Show(openDialog) && !Gone() ? dialog.FileName : std::string();
+    return dialog.Show(use == FileUse::Send) && !Gone() ? dialog.FileName : std::string();
 }
 
 void frmMonitor::mnuCaptureStart_Click() {
     Trapped("frmMonitor.mnuCaptureStart_Click", [this] {
-        const std::string fileName = AskForFile(Str::CaptureFileTitle, false);
+        const std::string fileName = AskForFile(FileUse::Capture);
         if (!fileName.empty()) comMonitor.CaptureFile(fileName);
     });
 }
@@ -261,7 +261,7 @@ void frmMonitor::mnuCaptureSend_Click() {
         // The send would run nested inside the update's message loop and block it. The menu entry
         // is enabled by the port state only.
         if (mOwner.FlashIsRunning()) return mPlatform.boxes.Beep();
-        const std::string fileName = AskForFile(Str::SendFileTitle, true);
+        const std::string fileName = AskForFile(FileUse::Send);
         if (!fileName.empty()) SendFile(fileName);
     });
 }

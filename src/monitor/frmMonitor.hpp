@@ -84,7 +84,8 @@ private:
     void mnuCaptureSend_Click();
     void ShowPortSettings();
     void TellPortTrouble();
-    std::string AskForFile(Str title, bool openDialog);
+    enum class FileUse : std::uint8_t { Capture, Send };
+    std::string AskForFile(FileUse use);
     std::string GetFile(const std::string& fileName);
     bool SendLines(const std::string& text, frmSend& progress);
     bool FileExists(const std::string& fileName) const;

@@ -13,16 +13,16 @@ constexpr ControlStyle kFocusStyle = {
     .defaultButton = true, .holdsFocus = true, .spokenName = Str::ProgramTitle};
 
 constexpr ControlDesign kControls[] = {
-    {Icon, "imgLogo", -1, "", {240, 240, 960, 960}, "", ""},
-    {Label, "lblTitle", -1, "", {1440, 240, 6300, 330}, "Title", "301", kHeading},
-    {Label, "lblVersion", -1, "", {1440, 600, 3600, 270}, "", ""},
-    {Label, "lblRelease", -1, "", {5040, 600, 2700, 270}, "", ""},
+    {Icon, "imgLogo", kSingle, "", {240, 240, 960, 960}, "", ""},
+    {Label, "lblTitle", kSingle, "", {1440, 240, 6300, 330}, "Title", "301", kHeading},
+    {Label, "lblVersion", kSingle, "", {1440, 600, 3600, 270}, "", ""},
+    {Label, "lblRelease", kSingle, "", {5040, 600, 2700, 270}, "", ""},
     {Label, "lblOwnership", 0, "", {1440, 930, 6300, 480}, "Ownership", "403"},
     {Label, "lblOwnership", 1, "", {1440, 1440, 6300, 480}, "Ownership", "404"},
-    {Label, "lblDisclaimer", -1, "", {240, 2100, 7320, 1320}, "Disclaimer", "402"},
-    {CommandButton, "cmdOK", -1, "", {6375, 3540, 1365, 405}, "OK", "101", kOkStyle},
+    {Label, "lblDisclaimer", kSingle, "", {240, 2100, 7320, 1320}, "Disclaimer", "402"},
+    {CommandButton, "cmdOK", kSingle, "", {6375, 3540, 1365, 405}, "OK", "101", kOkStyle},
     // Off-screen: it takes the initial focus, so that no button appears selected.
-    {CommandButton, "cmdFocus", -1, "", {-1500, 0, 300, 300}, "", "", kFocusStyle},
+    {CommandButton, "cmdFocus", kSingle, "", {-1500, 0, 300, 300}, "", "", kFocusStyle},
 };
 
 }  // namespace

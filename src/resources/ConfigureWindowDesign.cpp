@@ -31,28 +31,28 @@ constexpr Place ButtonAt(int column) {
 }
 
 constexpr ControlDesign kControls[] = {
-    {TreeView, "tvwOptions", -1, "", {180, 180, 2340, 3480}, "", "", kTree},
-    {PictureBox, "picSelection", -1, "", {2700, 180, 4740, 390}, "", "", kCaptionBar},
+    {TreeView, "tvwOptions", kSingle, "", {180, 180, 2340, 3480}, "", "", kTree},
+    {PictureBox, "picSelection", kSingle, "", {2700, 180, 4740, 390}, "", "", kCaptionBar},
 
-    {PictureBox, "picDetails", -1, "", kPage, "", ""},
-    {Label, "lblDetails", -1, "picDetails", {240, 240, 4260, 600}, "Details", "502"},
+    {PictureBox, "picDetails", kSingle, "", kPage, "", ""},
+    {Label, "lblDetails", kSingle, "picDetails", {240, 240, 4260, 600}, "Details", "502"},
 
     {PictureBox, "picHolder", 0, "", kPage, "", ""},
     {Label, "lblLabels", 0, "picHolder", {240, 240, 4260, 255}, "Settings:", "503", kHeading},
     {Label, "lblLabels", 1, "picHolder", LabelAt(0), "PC Comm Port", "504"},
-    {ComboBox, "cboPort", -1, "picHolder", ListAt(0), "", ""},
+    {ComboBox, "cboPort", kSingle, "picHolder", ListAt(0), "", ""},
     {Label, "lblLabels", 2, "picHolder", LabelAt(1), "Baud Rate", "505"},
-    {ComboBox, "cboBaudRate", -1, "picHolder", ListAt(1), "", ""},
+    {ComboBox, "cboBaudRate", kSingle, "picHolder", ListAt(1), "", ""},
     {Label, "lblLabels", 3, "picHolder", LabelAt(2), "Data Bits", "506"},
-    {ComboBox, "cboDataBits", -1, "picHolder", ListAt(2), "", ""},
+    {ComboBox, "cboDataBits", kSingle, "picHolder", ListAt(2), "", ""},
     {Label, "lblLabels", 4, "picHolder", LabelAt(3), "Parity", "507"},
-    {ComboBox, "cboParity", -1, "picHolder", ListAt(3), "", ""},
+    {ComboBox, "cboParity", kSingle, "picHolder", ListAt(3), "", ""},
     {Label, "lblLabels", 5, "picHolder", LabelAt(4), "Stop Bits", "508"},
-    {ComboBox, "cboStopBits", -1, "picHolder", ListAt(4), "", ""},
+    {ComboBox, "cboStopBits", kSingle, "picHolder", ListAt(4), "", ""},
 
-    {CommandButton, "cmdOK", -1, "", ButtonAt(0), "&OK", "101", kOk},
-    {CommandButton, "cmdCancel", -1, "", ButtonAt(1), "&Cancel", "103", kCancel},
-    {CommandButton, "cmdApply", -1, "", ButtonAt(2), "&Apply", "104"},
+    {CommandButton, "cmdOK", kSingle, "", ButtonAt(0), "&OK", "101", kOk},
+    {CommandButton, "cmdCancel", kSingle, "", ButtonAt(1), "&Cancel", "103", kCancel},
+    {CommandButton, "cmdApply", kSingle, "", ButtonAt(2), "&Apply", "104"},
 };
 
 }  // namespace

@@ -11,18 +11,18 @@ constexpr ControlStyle kScreen = {
     .points = 10, .face = "Terminal", .spokenName = Str::TerminalName};
 
 constexpr ControlDesign kControls[] = {
-    {Terminal, "comMonitor", -1, "", {}, "", "", kScreen},
-    {StatusBar, "sbStatusBar", -1, "", {0, 0, 0, 345}, "", ""},
-    {MenuItem, "mnuFile", -1, "", {}, "801 &File", ""},
-    {MenuItem, "mnuFileExit", -1, "mnuFile", {}, "802 E&xit", ""},
-    {MenuItem, "mnuComm", -1, "", {}, "803 Communications", ""},
-    {MenuItem, "mnuCommOpen", -1, "mnuComm", {}, "804 &Open Port", ""},
-    {MenuItem, "mnuCommClose", -1, "mnuComm", {}, "805 &Close Port", ""},
-    {MenuItem, "mnuCapture", -1, "", {}, "806 Ca&pture", ""},
-    {MenuItem, "mnuCaptureStart", -1, "mnuCapture", {}, "807 &Start Capture...", ""},
-    {MenuItem, "mnuCaptureEnd", -1, "mnuCapture", {}, "808 &End Capture", ""},
-    {MenuItem, "mnuCaptureBar1", -1, "mnuCapture", {}, "-", ""},
-    {MenuItem, "mnuCaptureSend", -1, "mnuCapture", {}, "809 Send &Text File...", ""},
+    {Terminal, "comMonitor", kSingle, "", {}, "", "", kScreen},
+    {StatusBar, "sbStatusBar", kSingle, "", {0, 0, 0, 345}, "", ""},
+    {MenuItem, "mnuFile", kSingle, "", {}, "801 &File", ""},
+    {MenuItem, "mnuFileExit", kSingle, "mnuFile", {}, "802 E&xit", ""},
+    {MenuItem, "mnuComm", kSingle, "", {}, "803 Communications", ""},
+    {MenuItem, "mnuCommOpen", kSingle, "mnuComm", {}, "804 &Open Port", ""},
+    {MenuItem, "mnuCommClose", kSingle, "mnuComm", {}, "805 &Close Port", ""},
+    {MenuItem, "mnuCapture", kSingle, "", {}, "806 Ca&pture", ""},
+    {MenuItem, "mnuCaptureStart", kSingle, "mnuCapture", {}, "807 &Start Capture...", ""},
+    {MenuItem, "mnuCaptureEnd", kSingle, "mnuCapture", {}, "808 &End Capture", ""},
+    {MenuItem, "mnuCaptureBar1", kSingle, "mnuCapture", {}, "-", ""},
+    {MenuItem, "mnuCaptureSend", kSingle, "mnuCapture", {}, "809 Send &Text File...", ""},
 };
 
 }  // namespace

@@ -23,19 +23,19 @@ constexpr Place ListAt(int row) {
 // Each label precedes its list, which gets the focus from the label's accelerator.
 constexpr ControlDesign kControls[] = {
     {Label, "lblLabels", 0, "", LabelAt(0), "&Port:", "2111"},
-    {ComboBox, "cboPort", -1, "", ListAt(0), "", ""},
+    {ComboBox, "cboPort", kSingle, "", ListAt(0), "", ""},
     {Label, "lblLabels", 1, "", LabelAt(1), "&Speed (bit/s):", "2112"},
-    {ComboBox, "cboSpeed", -1, "", ListAt(1), "", ""},
+    {ComboBox, "cboSpeed", kSingle, "", ListAt(1), "", ""},
     {Label, "lblLabels", 2, "", LabelAt(2), "P&arity:", "2113"},
-    {ComboBox, "cboParity", -1, "", ListAt(2), "", ""},
+    {ComboBox, "cboParity", kSingle, "", ListAt(2), "", ""},
     {Label, "lblLabels", 3, "", LabelAt(3), "&Data bits:", "2114"},
-    {ComboBox, "cboDataBits", -1, "", ListAt(3), "", ""},
+    {ComboBox, "cboDataBits", kSingle, "", ListAt(3), "", ""},
     {Label, "lblLabels", 4, "", LabelAt(4), "S&top bits:", "2115"},
-    {ComboBox, "cboStopBits", -1, "", ListAt(4), "", ""},
+    {ComboBox, "cboStopBits", kSingle, "", ListAt(4), "", ""},
     {Label, "lblLabels", 5, "", LabelAt(5), "&Flow control:", "2116"},
-    {ComboBox, "cboFlowControl", -1, "", ListAt(5), "", ""},
-    {CommandButton, "cmdOK", -1, "", {1365, 2835, 1245, 375}, "&OK", "101", kOk},
-    {CommandButton, "cmdCancel", -1, "", {2745, 2835, 1245, 375}, "&Cancel", "103", kCancel},
+    {ComboBox, "cboFlowControl", kSingle, "", ListAt(5), "", ""},
+    {CommandButton, "cmdOK", kSingle, "", {1365, 2835, 1245, 375}, "&OK", "101", kOk},
+    {CommandButton, "cmdCancel", kSingle, "", {2745, 2835, 1245, 375}, "&Cancel", "103", kCancel},
 };
 
 }  // namespace

@@ -13,9 +13,9 @@ constexpr ControlStyle kCancel = {.defaultButton = true, .cancelButton = true};
 constexpr ControlDesign kControls[] = {
     {Label, "lblLabels", 0, "", {180, 180, 1100, 270}, "Filename:", "602"},
     {Label, "lblLabels", 1, "", {180, 585, 1100, 270}, "Sending:", "603"},
-    {Label, "lblFilename", -1, "", {1365, 180, 3300, 270}, "", "", kFileName},
-    {Label, "lblStatus", -1, "", {1365, 585, 3300, 270}, "", ""},
-    {CommandButton, "cmdCancel", -1, "", {1800, 1035, 1245, 375}, "&Cancel", "103", kCancel},
+    {Label, "lblFilename", kSingle, "", {1365, 180, 3300, 270}, "", "", kFileName},
+    {Label, "lblStatus", kSingle, "", {1365, 585, 3300, 270}, "", ""},
+    {CommandButton, "cmdCancel", kSingle, "", {1800, 1035, 1245, 375}, "&Cancel", "103", kCancel},
 };
 
 }  // namespace

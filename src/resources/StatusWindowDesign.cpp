@@ -9,9 +9,9 @@ using enum ControlKind;
 constexpr ControlStyle kOk = {.defaultButton = true, .cancelButton = true};
 
 constexpr ControlDesign kControls[] = {
-    {Icon, "Image1", -1, "", {150, 120, 480, 480}, "", ""},
-    {Label, "lblMessage", -1, "", {780, 240, 3600, 480}, "", ""},
-    {CommandButton, "cmdOK", -1, "", {1650, 780, 1215, 375}, "&OK", "101", kOk},
+    {Icon, "Image1", kSingle, "", {150, 120, 480, 480}, "", ""},
+    {Label, "lblMessage", kSingle, "", {780, 240, 3600, 480}, "", ""},
+    {CommandButton, "cmdOK", kSingle, "", {1650, 780, 1215, 375}, "&OK", "101", kOk},
 };
 
 }  // namespace

@@ -26,8 +26,8 @@ class WireEnd {
 public:
     virtual ~WireEnd() = default;
     virtual void Send(std::string_view bytes) = 0;
-    /// Reads `count` bytes from the port; fewer after a time-out of at most 500 ms without input.
-    virtual std::string Receive(std::size_t count) = 0;
+    /// What has arrived from the port by now.
+    virtual std::string Receive() = 0;
     /// Removes the device while the port is open.
     virtual void HangUp() = 0;
 };

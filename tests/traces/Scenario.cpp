@@ -1,5 +1,6 @@
 #include "tests/traces/Scenario.hpp"
 
+#include <algorithm>
 #include <functional>
 #include <list>
 #include <map>
@@ -151,13 +152,13 @@ private:
     static const std::map<std::string, Verb>& Verbs();
 
     void Shown(const std::string& text) {
-        for (auto waiting = mWaiting.begin(); waiting != mWaiting.end(); ++waiting) {
-            if (text.find(waiting->text) == std::string::npos) continue;
-            const Waiting due = *waiting;
-            mWaiting.erase(waiting);
-            After(due.delayMs, due);
-            return;
-        }
+        const auto waiting = std::ranges::find_if(mWaiting, [&](const Waiting& candidate) {
+            return text.find(candidate.text) != std::string::npos;
+        });
+        if (waiting == mWaiting.end()) return;
+        const Waiting due = *waiting;
+        mWaiting.erase(waiting);
+        After(due.delayMs, due);
     }
 
     void After(std::uint32_t delayMs, const Waiting& due) {
@@ -170,13 +171,11 @@ private:
     }
 
     void Modal(Form& form) {
-        for (auto waiting = mModal.begin(); waiting != mModal.end() && !form.Gone();) {
-            if (waiting->text != form.Name()) {
-                ++waiting;
-                continue;
-            }
+        for (;;) {
+            const auto waiting = std::ranges::find(mModal, form.Name(), &Waiting::text);
+            if (waiting == mModal.end() || form.Gone()) return;
             const Waiting due = *waiting;
-            waiting = mModal.erase(waiting);
+            mModal.erase(waiting);
             Perform(due.action, due.line);
         }
     }

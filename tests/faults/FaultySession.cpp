@@ -469,7 +469,9 @@ private:
                std::ranges::any_of(mPlan.mishaps, garbles);
     }
 
-    void Violated(const std::string& what) { mViolation += what + "\n"; }
+    void Violated(const std::string& what) {
+        if (mViolation.find(what) == std::string::npos) mViolation += what + "\n";
+    }
     void Require(bool holds, const std::string& otherwise) {
         if (!holds) Violated(otherwise);
     }

@@ -163,5 +163,17 @@ TEST(Pacing, TheAnswerComesWhenLineAndThinkingAndItsOwnBytesHavePassed) {
     EXPECT_EQ(host.heardAt, expected);
 }
 
+TEST(Violation, AFrameThatChangesWithTheSpeedIsNoted) {
+    using enum Parity;
+    for (const LineSettings& line :
+         {LineSettings{115200, Even, 8, 2}, LineSettings{115200, None, 7, 2},
+          LineSettings{115200, None, 8, 1}}) {
+        Host host;
+        host.Talk(WordsOf("@38400 TRAV \"BAUD 115200\" @"));
+        host.indicator.HostLine(line, host.now);
+        EXPECT_EQ(host.indicator.Violations().size(), 1U);
+    }
+}
+
 }  // namespace
 }  // namespace vantor

@@ -1,6 +1,7 @@
 // A soak test of random input that detects crashes and hangs; it does not test single faults.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <iostream>
 #include <random>
 #include <string>
@@ -43,18 +44,17 @@ void Monkey::PressAKey() {
 }
 
 void Monkey::ClickSomewhere() {
-    RECT area{};
-    GetWindowRect(app->Main(), &area);
+    const RECT area = app->Area();
     ClickAt({area.left + Below(std::max<int>(area.right - area.left, 1)),
              area.top + Below(std::max<int>(area.bottom - area.top, 1))});
 }
 
 void Monkey::MoveTheWindow() {
-    PostMessageW(app->Main(), WM_SYSCOMMAND,
+    PostMessageW(app->WindowHandle(), WM_SYSCOMMAND,
                  OneOf(std::to_array<WPARAM>({SC_MAXIMIZE, SC_MINIMIZE, SC_RESTORE, SC_RESTORE})),
                  0);
-    SetWindowPos(app->Main(), nullptr, Below(300) - 50, Below(200) - 20, Below(900), Below(700),
-                 SWP_NOZORDER | SWP_NOACTIVATE | SWP_ASYNCWINDOWPOS);
+    SetWindowPos(app->WindowHandle(), nullptr, Below(300) - 50, Below(200) - 20, Below(900),
+                 Below(700), SWP_NOZORDER | SWP_NOACTIVATE | SWP_ASYNCWINDOWPOS);
 }
 
 void Monkey::ActOn(HWND dialog) {
@@ -73,7 +73,7 @@ void Monkey::ActOn(HWND dialog) {
     } else if (Below(4) == 0) {
         PressIn(dialog, IDCANCEL);
     } else {
-        App::Fill(dialog, image);
+        Fill(dialog, image);
     }
 }
 
@@ -81,7 +81,7 @@ void Monkey::Act() {
     if (Below(150) == 0) app->Close();
     if (const HWND dialog = app->Dialog()) return ActOn(dialog);
     const int what = Below(60);
-    if (IsWindowEnabled(app->Main()) == 0 || what < 9) return PressAKey();
+    if (IsWindowEnabled(app->WindowHandle()) == 0 || what < 9) return PressAKey();
     if (what < 15) return ClickSomewhere();
     if (what < 18) return MoveTheWindow();
     if (what < 19 && app->IsShown("cmdFlashAbort")) return app->Press("cmdFlashAbort");

@@ -1,6 +1,4 @@
 // Leak checks of the real windows, and their replies to window messages.
-#include <gtest/gtest.h>
-
 #include <map>
 #include <memory>
 #include <optional>
@@ -19,7 +17,7 @@
 #include "settings/CAppSettings.hpp"
 #include "settings/frmConfigure.hpp"
 #include "simulator/VirtualIndicator.hpp"
-#include "tests/driver/App.hpp"
+#include "tests/driver/Bitmap.hpp"
 #include "tests/faults/Images.hpp"
 #include "tests/windows/RealWindows.hpp"
 
@@ -39,52 +37,40 @@ BOOL CALLBACK CountWithChildren(HWND window, LPARAM total) {
     return CountWindow(window, total);
 }
 
-/// Kernel handles of this process, counted here because Wine's count always reads 0.
-int OpenHandles() {
-    constexpr UINT_PTR kBeyond = 0x8000;
+/// Entries of a table of the system that `exists` accepts. Counted here because Wine's own counts
+/// are always 0; it accepts an index as a handle.
+template <class Handle, class Result>
+int Count(UINT_PTR end, UINT_PTR step, Result (*exists)(Handle)) {
     int count = 0;
-    DWORD flags = 0;
-    for (UINT_PTR handle = 4; handle < kBeyond; handle += 4)
-        if (GetHandleInformation(reinterpret_cast<HANDLE>(handle), &flags) != 0) ++count;
+    for (UINT_PTR index = step; index < end; index += step)
+        if (exists(reinterpret_cast<Handle>(index)) != 0) ++count;
     return count;
 }
 
-class RealPeers : public testing::Test {
+class RealPeers : public OnRealWindows {
 protected:
-    // A one-pixel picture for the main window to load.
     RealPeers() {
-        using namespace std::string_literals;
-        const std::string header =
-            "BM\x3a\0\0\0\0\0\0\0\x36\0\0\0\x28\0\0\0\1\0\0\0\1\0\0\0\1\0\x18\0"s;
         platform.files.Add(platform.folders.ApplicationData() + "/TSMR/CALDOR/cache/dot.bmp",
-                           header + std::string(28, '\0'));
+                           driver::Bitmap(40, 20));
     }
 
-    /// Objects held now, as counted by the peers and, where possible, by the system.
+    /// What the process holds, by the tables of the system.
     std::map<std::string, int> Held() const {
-        const HeldObjects& held = platform.windows.Held();
         int windows = 0;
         EnumThreadWindows(GetCurrentThreadId(), CountWithChildren,
                           reinterpret_cast<LPARAM>(&windows));
-        return {{"windows", held.windows},
-                {"menus", held.menus},
-                {"fonts", held.fonts},
-                {"pictures", platform.images.Held()},
-                {"windows of the thread", windows},
-                {"handles of the process", OpenHandles()}};
+        const auto isOpen = +[](HANDLE handle) {
+            DWORD flags = 0;
+            return GetHandleInformation(handle, &flags);
+        };
+        return {{"windows", windows},
+                {"menus", Count(
+                              0x10000, 2, +[](HMENU menu) { return IsMenu(menu); })},
+                {"graphics", Count(
+                                 0x10000, 1, +[](HGDIOBJ each) { return GetObjectType(each); })},
+                {"handles", Count(0x8000, 4, isOpen)},
+                {"pictures", platform.images.Held()}};
     }
-
-    static HWND ChildOf(const Form& form, const char* name) {
-        return driver::Window(WindowOf(form), form.Design()).Child(name);
-    }
-    /// Posts a message, so that it passes through the message loop like user input.
-    void Post(HWND window, UINT message, WPARAM first, LPARAM second = 0) {
-        PostMessageW(window, message, first, second);
-        platform.queue.PumpPending();
-    }
-    void Tab() { Post(GetFocus(), WM_KEYDOWN, VK_TAB); }
-
-    RealWindows platform;
 };
 
 struct WindowKind {
@@ -228,9 +214,19 @@ protected:
         SendMessageW(GetParent(tree), WM_NOTIFY, told.hdr.idFrom, reinterpret_cast<LPARAM>(&told));
     }
     void ExpectTheHeading() const {
-        EXPECT_FALSE(IsOpen());
         EXPECT_FALSE(window->picHolder[0].Enabled());
         EXPECT_EQ(window->picSelection.PrintedTexts().at(0).text, "Communications");
+        RECT page{};
+        GetWindowRect(ChildOf(*window, "picDetails"), &page);
+        MapWindowPoints(nullptr, WindowOf(*window), reinterpret_cast<POINT*>(&page), 2);
+        EXPECT_EQ(ChildWindowFromPointEx(WindowOf(*window), {page.left + 8, page.bottom - 8},
+                                         CWP_SKIPINVISIBLE),
+                  ChildOf(*window, "picDetails"))
+            << "the page is still in front";
+    }
+    void TypeInto(const char* name, std::initializer_list<WPARAM> keys) {
+        SetFocus(ChildOf(*window, name));
+        for (const WPARAM key : keys) Type(key);
     }
 
     std::shared_ptr<Options> window = std::make_shared<Options>(platform.manager, platform.real);
@@ -246,7 +242,31 @@ TEST_F(PeersOfTheOptions, ShowTheHeadingWhenItIsClosedOverThePage) {
         SendMessageW(tree, TVM_HITTEST, 0, reinterpret_cast<LPARAM>(&button));
     SendMessageW(tree, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(button.pt.x, button.pt.y));
     SendMessageW(tree, WM_LBUTTONUP, 0, MAKELPARAM(button.pt.x, button.pt.y));
+    EXPECT_FALSE(IsOpen());
     ExpectTheHeading();
+}
+
+TEST_F(PeersOfTheOptions, TheLeftKeyShowsTheHeadingAndThenClosesIt) {
+    TypeInto("tvwOptions", {VK_LEFT});
+    EXPECT_TRUE(IsOpen());
+    ExpectTheHeading();
+    TypeInto("tvwOptions", {VK_LEFT});
+    EXPECT_FALSE(IsOpen());
+}
+
+// In an open list the arrow keys do not select; only the item at closing counts.
+TEST_F(PeersOfTheOptions, AListReportsItsItemOnceWhenItClosesTheSameOneTooAndNoneAfterEsc) {
+    const HWND speed = ChildOf(*window, "cboBaudRate");
+    TypeInto("cboBaudRate", {VK_F4, VK_UP, VK_DOWN, VK_UP, VK_RETURN});
+    EXPECT_EQ(Told(platform).size(), 1u) << "the advice";
+    TypeInto("cboBaudRate", {VK_F4, VK_DOWN, VK_ESCAPE});
+    EXPECT_EQ(driver::TextOf(speed), "9600");
+    EXPECT_EQ(window->cboBaudRate.ListIndex(), 0);
+    EXPECT_FALSE(window->Gone()) << "the key was the list's";
+    TypeInto("cboStopBits", {VK_F4, VK_RETURN});
+    ASSERT_EQ(Told(platform).size(), 2u);
+    EXPECT_NE(Told(platform)[1].find("frmConfigure.cboStopBits_Click"), std::string::npos);
+    EXPECT_EQ(driver::TextOf(ChildOf(*window, "cboStopBits")), "2");
 }
 
 // Some systems report the new selection during the collapse, and the collapse last.
@@ -255,6 +275,7 @@ TEST_F(PeersOfTheOptions, OpenNothingAgainWhileItCloses) {
     Notify(TVN_SELCHANGEDW);
     EXPECT_FALSE(IsOpen());
     Notify(TVN_ITEMEXPANDEDW);
+    EXPECT_FALSE(IsOpen());
     ExpectTheHeading();
 }
 
@@ -310,6 +331,7 @@ TEST_F(PeersInAFlash, RefuseShutdownAndSleepAndHonourBothWhenIdle) {
                  window->Session().Flags().mblnAbortFlash);
     EXPECT_TRUE(mayEnd());
     EXPECT_EQ(wake(), ES_CONTINUOUS);
+    EXPECT_EQ(GetCursor(), LoadCursorW(nullptr, IDC_ARROW));
     SendMessageW(WindowOf(*window), WM_ENDSESSION, TRUE, 0);
     EXPECT_TRUE(window->Gone());
 }
@@ -371,24 +393,120 @@ TEST_F(PeersOfTheMainWindow, TabLeadsToThePictureWhichShowsItAndNothingElseDoes)
     window->Show();
     const HWND picture = ChildOf(*window, "picPicture");
     const HWND button = ChildOf(*window, "cmdFlash");
-    const auto edge = [picture](int at) {
-        UpdateWindow(picture);
-        const HDC target = GetDC(picture);
-        const COLORREF colour = GetPixel(target, at, at);
-        ReleaseDC(picture, target);
-        return colour;
-    };
+    const auto edge = [picture](int at) { return Pixel(picture, at, at); };
     EXPECT_EQ(GetFocus(), button);
     EXPECT_NE(edge(0), GetSysColor(COLOR_WINDOWTEXT));
-    Tab();
+    Type(VK_TAB);
     EXPECT_EQ(GetFocus(), picture);
     EXPECT_EQ(edge(0), GetSysColor(COLOR_WINDOWTEXT));
     EXPECT_EQ(edge(1), GetSysColor(COLOR_WINDOW));
-    Tab();
+    Type(VK_TAB);
     EXPECT_EQ(GetFocus(), button);
     EXPECT_NE(edge(0), GetSysColor(COLOR_WINDOWTEXT));
     window->EnableButtons(false);
-    EXPECT_NE(GetFocus(), picture) << "taken there without being asked";
+    EXPECT_EQ(GetFocus(), WindowOf(*window)) << "not to a picture, nor to a disabled button";
+    window->EnableButtons(true);
+    EXPECT_EQ(GetFocus(), button);
+    window->ShowFunction(MainPanel::Flash);
+    EXPECT_EQ(GetFocus(), ChildOf(*window, "cmdFlashAbort")) << "not to a hidden button";
+    SetForegroundWindow(GetDesktopWindow());
+    SetActiveWindow(nullptr);
+    window->ShowFunction(MainPanel::Startup);
+    SetActiveWindow(WindowOf(*window));
+    EXPECT_EQ(GetFocus(), button) << "changed while another window had the keys";
+}
+
+TEST_F(PeersOfTheMainWindow, TheWaitCursorIsThatOfEveryControlUntilItIsTakenBack) {
+    window->Show();
+    const auto over = [this](const char* name) {
+        const HWND child = ChildOf(*window, name);
+        SendMessageW(child, WM_SETCURSOR, reinterpret_cast<WPARAM>(child),
+                     MAKELPARAM(HTCLIENT, WM_MOUSEMOVE));
+        return GetCursor();
+    };
+    for (const auto pointer : {MousePointer::Hourglass, MousePointer::Default}) {
+        const bool waits = pointer == MousePointer::Hourglass;
+        const HCURSOR cursor = LoadCursorW(nullptr, waits ? IDC_WAIT : IDC_ARROW);
+        platform.windows.SetMousePointer(pointer);
+        EXPECT_EQ(GetCursor(), cursor);
+        EXPECT_EQ(over("picPicture"), cursor);
+        EXPECT_EQ(over("cmdFlash"), cursor);
+    }
+}
+
+TEST_F(PeersOfTheMainWindow, NoUserMakesItSmallerThanItsDesignAllows) {
+    window->Show();
+    SetWindowPos(WindowOf(*window), nullptr, 0, 0, 9, 9, SWP_NOMOVE | SWP_NOZORDER);
+    EXPECT_EQ(window->Place().width, window->Design().smallest.width);
+    EXPECT_EQ(window->Place().height, window->Design().smallest.height);
+}
+
+TEST_F(PeersOfTheMainWindow, ThePictureHasAToolTipThatChangesAndGoes) {
+    window->Show();
+    HWND tips = nullptr;
+    do tips = FindWindowExW(nullptr, tips, TOOLTIPS_CLASSW, nullptr);
+    while (tips != nullptr && GetWindow(tips, GW_OWNER) != WindowOf(*window));
+    const auto shown = [&] {
+        wchar_t text[200] = {};
+        TTTOOLINFOW tool{};
+        tool.cbSize = sizeof tool;
+        tool.hwnd = WindowOf(*window);
+        tool.uId = reinterpret_cast<UINT_PTR>(ChildOf(*window, "picPicture"));
+        tool.lpszText = text;
+        SendMessageW(tips, TTM_GETTEXTW, 200, reinterpret_cast<LPARAM>(&tool));
+        return ToUtf8(text);
+    };
+    EXPECT_EQ(shown(), "Visit our World Wide Web site for more information.");
+    window->picPicture.ToolTip("Another");
+    EXPECT_EQ(shown(), "Another");
+    window->picPicture.ToolTip("");
+    EXPECT_EQ(shown(), "");
+}
+
+TEST_F(PeersOfTheMainWindow, TheHelpKeyIsForTheWindowOfTheControl) {
+    window->Show();
+    const Form* asked = nullptr;
+    platform.manager.Help = [&](const Form& form) { asked = &form; };
+    HELPINFO info{};
+    SendMessageW(ChildOf(*window, "cmdFlash"), WM_HELP, 0, reinterpret_cast<LPARAM>(&info));
+    EXPECT_EQ(asked, window.get());
+}
+
+TEST_F(PeersOfTheMainWindow, APictureIsShownWholeInTheMiddleAndUndistorted) {
+    window->Show();
+    const COLORREF kRed = RGB(255, 0, 0);
+    const COLORREF kBlue = RGB(0, 0, 255);
+    const COLORREF kWhite = RGB(255, 255, 255);
+    const COLORREF ground = GetSysColor(COLOR_BTNFACE);
+    const HWND place = ChildOf(*window, "picPicture");
+    RECT area{};
+    GetClientRect(place, &area);
+    const int middle = area.right / 2;
+    const int half = area.bottom / 2;
+    const struct {
+        int width;
+        int height;
+        int reachesX;  // of the middle, to the right edge of the picture
+        int reachesY;
+    } kRows[] = {
+        {20, 40, half / 2, half}, {40, 20, half * 2, half}, {400, 10, middle, middle / 40}};
+    for (const auto& [width, height, x, y] : kRows) {
+        SCOPED_TRACE(width);
+        platform.files.Add("a.bmp", driver::Bitmap(width, height));
+        window->picPicture.Loaded(platform.images.Load("a.bmp"));
+        EXPECT_EQ(Pixel(place, middle - x + 4, half - y + 3), kRed);
+        EXPECT_EQ(Pixel(place, middle + x - 4, half - y + 3), kBlue);
+        EXPECT_EQ(Pixel(place, middle, half + y - 3), kWhite);
+        const bool fillsHeight = y == half;
+        EXPECT_EQ(
+            Pixel(place, fillsHeight ? middle + x + 4 : middle, fillsHeight ? half : half - y - 4),
+            ground);
+    }
+    using namespace std::string_literals;
+    for (const std::string& bytes : {"Not a picture\r\n"s, "\xFF\xD8\xFF\xC0\0\x11\x08\0\x10\0"s}) {
+        platform.files.Add("a.bmp", bytes);
+        EXPECT_EQ(Raised([this] { platform.images.Load("a.bmp"); }).Number(), 481);
+    }
 }
 
 /// To a pixel.
@@ -478,7 +596,7 @@ TEST_F(RealPeers, TheAboutWindowOpensWithNoButtonThatLooksChosen) {
     EXPECT_EQ(GetFocus(), ChildOf(*about, "cmdFocus"));
     EXPECT_EQ(GetWindowLongPtrW(ok, GWL_STYLE) & BS_TYPEMASK, BS_PUSHBUTTON);
     for (int i = 0; i < 2; ++i) {
-        Tab();
+        Type(VK_TAB);
         EXPECT_EQ(GetFocus(), ok);
     }
     Post(ok, WM_KEYDOWN, VK_RETURN);

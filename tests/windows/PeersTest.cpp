@@ -2,23 +2,20 @@
 #include <map>
 #include <memory>
 #include <optional>
+#include <set>
 #include <string>
-#include <type_traits>
-#include <utility>
 #include <vector>
 
 #include "app/frmMain.hpp"
 #include "dialogs/frmAbout.hpp"
 #include "dialogs/frmStatus.hpp"
 #include "monitor/frmMonitor.hpp"
-#include "monitor/frmPortSettings.hpp"
-#include "monitor/frmSend.hpp"
 #include "platform/win32/windows/Win32ChildControl.hpp"
-#include "settings/CAppSettings.hpp"
 #include "settings/frmConfigure.hpp"
 #include "simulator/VirtualIndicator.hpp"
 #include "tests/driver/Bitmap.hpp"
 #include "tests/faults/Images.hpp"
+#include "tests/unit/Wire.hpp"
 #include "tests/windows/RealWindows.hpp"
 
 #include <commctrl.h>
@@ -50,9 +47,12 @@ int Count(UINT_PTR end, UINT_PTR step, Result (*exists)(Handle)) {
 class RealPeers : public OnRealWindows {
 protected:
     RealPeers() {
+        platform.ports.Plug("COM1", wire);
         platform.files.Add(platform.folders.ApplicationData() + "/TSMR/CALDOR/cache/dot.bmp",
                            driver::Bitmap(40, 20));
     }
+
+    ~RealPeers() override { window->Unload(); }
 
     /// What the process holds, by the tables of the system.
     std::map<std::string, int> Held() const {
@@ -71,80 +71,10 @@ protected:
                 {"handles", Count(0x8000, 4, isOpen)},
                 {"pictures", platform.images.Held()}};
     }
+
+    Wire wire;
+    std::shared_ptr<frmMain> window = std::make_shared<frmMain>(platform.manager, platform.real);
 };
-
-struct WindowKind {
-    const char* name;
-    std::shared_ptr<Form> (*make)(WindowManager&, Platform&);
-};
-
-template <class Window>
-std::shared_ptr<Form> Make(WindowManager& manager, Platform& platform) {
-    if constexpr (std::is_constructible_v<Window, WindowManager&, Platform&>)
-        return std::make_shared<Window>(manager, platform);
-    else
-        return std::make_shared<Window>(manager, platform.strings);
-}
-
-std::shared_ptr<Form> MakeMonitor(WindowManager& manager, Platform& platform) {
-    struct : MonitorOwner {
-        bool CloseIsWaiting() const override { return false; }
-        void ResumeClose() override {}
-        bool FlashIsRunning() const override { return false; }
-    } static nobody;
-    return std::make_shared<frmMonitor>(manager, platform, nobody);
-}
-
-struct AMonitor {
-    std::shared_ptr<Form> monitor;
-};
-
-/// The dialog of a terminal that is never shown.
-class PortSettings : AMonitor, public frmPortSettings {
-public:
-    PortSettings(WindowManager& manager, Platform& platform)
-        : AMonitor{MakeMonitor(manager, platform)},
-          frmPortSettings(manager, platform, dynamic_cast<frmMonitor&>(*monitor).comMonitor) {}
-};
-
-class Options : public frmConfigure, OptionsOwner {
-public:
-    Options(WindowManager& manager, Platform& platform)
-        : frmConfigure(manager, platform),
-          mSettings(platform.registry, platform.codePage, platform.files) {}
-
-private:
-    std::vector<std::string> CommPorts() const override { return {"COM1", "COM2"}; }
-    void Form_Load() override {
-        frmConfigure::Form_Load();
-        mSettings.Initialize();
-        Initialize(mSettings, *this);
-    }
-    CAppSettings mSettings;
-};
-
-class PeersOfAWindow : public RealPeers, public testing::WithParamInterface<WindowKind> {
-protected:
-    /// Opens the window, lets it be painted, and closes it like a user.
-    void OpenAndClose() {
-        const auto form = GetParam().make(platform.manager, platform.real);
-        form->Show();
-        // WM_TIMER is delivered only when there is nothing left to paint.
-        const TimerId timer =
-            platform.queue.StartTimer(10, [&] { SendMessageW(WindowOf(*form), WM_CLOSE, 0, 0); });
-        platform.queue.Run();
-        platform.queue.StopTimer(timer);
-        EXPECT_TRUE(form->Gone());
-    }
-};
-
-TEST_P(PeersOfAWindow, GiveBackWhatAHundredOpeningsTook) {
-    for (int i = 0; i < 3; ++i) OpenAndClose();  // the system caches some objects
-    const auto before = Held();
-    for (int i = 0; i < 100; ++i) OpenAndClose();
-    EXPECT_EQ(Held(), before);
-    EXPECT_EQ(Told(platform), Texts{});
-}
 
 /// The accessible name of `window` (IAccessible::get_accName), as screen readers read it.
 std::wstring ReadAloud(HWND window) {
@@ -164,43 +94,68 @@ std::wstring ReadAloud(HWND window) {
     return text;
 }
 
-TEST_P(PeersOfAWindow, HaveANameToReadAloudForEachControlThatTheKeyboardReaches) {
-    const auto form = GetParam().make(platform.manager, platform.real);
-    form->Show();
-    std::vector<HWND> children;
-    const auto collect = [](HWND child, LPARAM list) -> BOOL {
-        reinterpret_cast<std::vector<HWND>*>(list)->push_back(child);
-        return TRUE;
-    };
-    EnumChildWindows(WindowOf(*form), collect, reinterpret_cast<LPARAM>(&children));
-    for (const HWND child : children) {
+/// Requires a name for each control that the keyboard reaches, and for progress bars.
+void ExpectNames(const Form& form) {
+    const auto check = [](HWND child, LPARAM) -> BOOL {
         wchar_t kind[64] = {};
         GetClassNameW(child, kind, 64);
         const bool reached = (GetWindowLongPtrW(child, GWL_STYLE) & WS_TABSTOP) != 0;
-        if (!reached && std::wstring(kind) != PROGRESS_CLASSW) continue;
+        if (!reached && std::wstring(kind) != PROGRESS_CLASSW) return TRUE;
         EXPECT_NE(ReadAloud(child), L"") << ToUtf8(kind) << ' ' << GetDlgCtrlID(child);
-    }
-    form->Unload();
+        return TRUE;
+    };
+    EnumChildWindows(WindowOf(form), check, 0);
 }
 
-INSTANTIATE_TEST_SUITE_P(Real, PeersOfAWindow,
-                         testing::Values(WindowKind{"frmMain", Make<frmMain>},
-                                         WindowKind{"frmStatus", Make<frmStatus>},
-                                         WindowKind{"frmAbout", Make<frmAbout>},
-                                         WindowKind{"frmMonitor", MakeMonitor},
-                                         WindowKind{"frmPortSettings", Make<PortSettings>},
-                                         WindowKind{"frmSend", Make<frmSend>},
-                                         WindowKind{"frmConfigure", Make<Options>}),
-                         [](const auto& row) { return std::string(row.param.name); });
+TEST_F(RealPeers, EachWindowGivesBackWhatItTookAndHasNamesToReadAloud) {
+    std::set<std::string> names;
+    const auto openAll = [&] {
+        const auto main = std::make_shared<frmMain>(platform.manager, platform.real);
+        main->Show();
+        ExpectNames(*main);
+        // WM_TIMER is delivered only when there is nothing left to paint.
+        const TimerId timer = platform.queue.StartTimer(10, [&] {
+            const std::shared_ptr<Form> form = platform.manager.OpenForms().back();
+            if (form->Name() == "frmMain" || form->Name() == "frmMonitor") return;
+            names.insert(form->Name());
+            ExpectNames(*form);
+            SendMessageW(WindowOf(*form), WM_CLOSE, 0, 0);
+        });
+        main->mnuHelpAbout.Press();
+        main->mnuToolsOptions.Press();
+        main->mnuToolsMonitor.Press();
+        auto& monitor = dynamic_cast<frmMonitor&>(*platform.manager.OpenForms().back());
+        ExpectNames(monitor);
+        monitor.comMonitor.Invoke(TerminalCommand::Settings);
+        monitor.mnuCommOpen.Press();
+        platform.dialogs.choices = {"lines.txt"};
+        monitor.mnuCaptureSend.Press();
+        platform.queue.StopTimer(timer);
+        main->Unload();
+    };
+    std::string lines;
+    for (int i = 0; i < 2000; ++i) lines += "1\n";
+    platform.files.Add("lines.txt", lines);
+    for (int i = 0; i < 3; ++i) openAll();  // the system caches some objects
+    const auto before = Held();
+    for (int i = 0; i < 20; ++i) openAll();
+    EXPECT_EQ(Held(), before);
+    EXPECT_EQ(Told(platform), Texts{});
+    EXPECT_EQ(names,
+              (std::set<std::string>{"frmAbout", "frmConfigure", "frmPortSettings", "frmSend"}));
+}
 
 class PeersOfTheOptions : public RealPeers {
 protected:
     PeersOfTheOptions() {
-        window->Show();
-        tree = FindWindowExW(WindowOf(*window), nullptr, WC_TREEVIEWW, nullptr);
+        window->Load();
+        options->Load();
+        options->Initialize(window->Settings(), *window);
+        options->Show();
+        tree = FindWindowExW(WindowOf(*options), nullptr, WC_TREEVIEWW, nullptr);
         heading = reinterpret_cast<HTREEITEM>(SendMessageW(tree, TVM_GETNEXTITEM, TVGN_ROOT, 0));
     }
-    ~PeersOfTheOptions() override { window->Unload(); }
+    ~PeersOfTheOptions() override { options->Unload(); }
 
     bool IsOpen() const {
         const LRESULT state =
@@ -214,28 +169,29 @@ protected:
         SendMessageW(GetParent(tree), WM_NOTIFY, told.hdr.idFrom, reinterpret_cast<LPARAM>(&told));
     }
     void ExpectTheHeading() const {
-        EXPECT_FALSE(window->picHolder[0].Enabled());
-        EXPECT_EQ(window->picSelection.PrintedTexts().at(0).text, "Communications");
+        EXPECT_FALSE(options->picHolder[0].Enabled());
+        EXPECT_EQ(options->picSelection.PrintedTexts().at(0).text, "Communications");
         RECT page{};
-        GetWindowRect(ChildOf(*window, "picDetails"), &page);
-        MapWindowPoints(nullptr, WindowOf(*window), reinterpret_cast<POINT*>(&page), 2);
-        EXPECT_EQ(ChildWindowFromPointEx(WindowOf(*window), {page.left + 8, page.bottom - 8},
+        GetWindowRect(ChildOf(*options, "picDetails"), &page);
+        MapWindowPoints(nullptr, WindowOf(*options), reinterpret_cast<POINT*>(&page), 2);
+        EXPECT_EQ(ChildWindowFromPointEx(WindowOf(*options), {page.left + 8, page.bottom - 8},
                                          CWP_SKIPINVISIBLE),
-                  ChildOf(*window, "picDetails"))
+                  ChildOf(*options, "picDetails"))
             << "the page is still in front";
     }
     void TypeInto(const char* name, std::initializer_list<WPARAM> keys) {
-        SetFocus(ChildOf(*window, name));
+        SetFocus(ChildOf(*options, name));
         for (const WPARAM key : keys) Type(key);
     }
 
-    std::shared_ptr<Options> window = std::make_shared<Options>(platform.manager, platform.real);
+    std::shared_ptr<frmConfigure> options =
+        std::make_shared<frmConfigure>(platform.manager, platform.real);
     HWND tree = nullptr;
     HTREEITEM heading = nullptr;
 };
 
 TEST_F(PeersOfTheOptions, ShowTheHeadingWhenItIsClosedOverThePage) {
-    ASSERT_TRUE(IsOpen() && window->picHolder[0].Enabled());
+    ASSERT_TRUE(IsOpen() && options->picHolder[0].Enabled());
     TVHITTESTINFO button{};
     button.pt.y = 8;
     while ((button.flags & TVHT_ONITEMBUTTON) == 0 && ++button.pt.x < 40)
@@ -256,17 +212,17 @@ TEST_F(PeersOfTheOptions, TheLeftKeyShowsTheHeadingAndThenClosesIt) {
 
 // In an open list the arrow keys do not select; only the item at closing counts.
 TEST_F(PeersOfTheOptions, AListReportsItsItemOnceWhenItClosesTheSameOneTooAndNoneAfterEsc) {
-    const HWND speed = ChildOf(*window, "cboBaudRate");
+    const HWND speed = ChildOf(*options, "cboBaudRate");
     TypeInto("cboBaudRate", {VK_F4, VK_UP, VK_DOWN, VK_UP, VK_RETURN});
     EXPECT_EQ(Told(platform).size(), 1u) << "the advice";
     TypeInto("cboBaudRate", {VK_F4, VK_DOWN, VK_ESCAPE});
     EXPECT_EQ(driver::TextOf(speed), "9600");
-    EXPECT_EQ(window->cboBaudRate.ListIndex(), 0);
-    EXPECT_FALSE(window->Gone()) << "the key was the list's";
+    EXPECT_EQ(options->cboBaudRate.ListIndex(), 0);
+    EXPECT_FALSE(options->Gone()) << "the key was the list's";
     TypeInto("cboStopBits", {VK_F4, VK_RETURN});
     ASSERT_EQ(Told(platform).size(), 2u);
     EXPECT_NE(Told(platform)[1].find("frmConfigure.cboStopBits_Click"), std::string::npos);
-    EXPECT_EQ(driver::TextOf(ChildOf(*window, "cboStopBits")), "2");
+    EXPECT_EQ(driver::TextOf(ChildOf(*options, "cboStopBits")), "2");
 }
 
 // Some systems report the new selection during the collapse, and the collapse last.
@@ -291,7 +247,6 @@ protected:
         platform.files.Add(kPath, image);
         window->Show();
     }
-    ~PeersInAFlash() override { window->Unload(); }
 
     void Flash() {
         platform.dialogs.choices = {kPath};
@@ -300,7 +255,6 @@ protected:
     }
 
     static constexpr const char* kPath = "/home/tech/Documents/m40.run";
-    std::shared_ptr<frmMain> window = std::make_shared<frmMain>(platform.manager, platform.real);
     std::optional<VirtualIndicator> indicator;
     std::optional<IndicatorFarEnd> farEnd;
 };
@@ -342,16 +296,12 @@ protected:
         platform.files.Add(platform.folders.ApplicationData() + "/TSMR/CALDOR/cache/cache.txt",
                            "1|2|dot.bmp|http://site/");
     }
-    ~PeersOfTheMainWindow() override { window->Unload(); }
-
     /// The addresses that have been opened since the last call.
     std::size_t Opened() {
         const std::size_t count = platform.shell.asked.size();
         platform.shell.asked.clear();
         return count;
     }
-
-    std::shared_ptr<frmMain> window = std::make_shared<frmMain>(platform.manager, platform.real);
 };
 
 TEST_F(PeersOfTheMainWindow, ThePictureIsClickedAsAButtonIs) {

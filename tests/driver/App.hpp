@@ -16,7 +16,12 @@ struct FormDesign;
 
 namespace vantor::driver {
 
-/// Creates the desktop of this run; no other program of the Wine prefix uses it.
+/// Creates the desktop `name` of `size` pixels ("1024x768") and assigns this thread to it. Wine
+/// draws it in one window of the display and manages frames and keyboard focus in it, so that no
+/// window manager is needed.
+void EnterDesktop(const std::wstring& name, const std::wstring& size);
+
+/// The same, for the desktop of this run of the script.
 void EnterDesktop();
 
 /// Starts a program on this desktop, in a job that is killed when the driver ends.

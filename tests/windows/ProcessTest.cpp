@@ -12,7 +12,7 @@
 #include "platform/win32/services/Win32Handle.hpp"
 #include "platform/win32/services/Win32Services.hpp"
 #include "resources/Version.h"
-#include "tests/driver/Desktop.hpp"
+#include "tests/driver/App.hpp"
 
 namespace vantor {
 namespace {

@@ -5,13 +5,12 @@
 
 #include "platform/win32/services/Win32MessagePump.hpp"
 #include "platform/win32/services/Win32Services.hpp"
+#include "tests/windows/Replaced.hpp"
 
 #include <gtest/gtest.h>
 
 namespace vantor {
 namespace {
-
-constexpr ULONG_PTR kPending = 0x103;  // STATUS_PENDING
 
 struct Driver {
     DCB block{};
@@ -28,61 +27,36 @@ struct Driver {
     }
 } gDriver;
 
-BOOL WINAPI GetState(HANDLE, DCB*) {
-    return TRUE;
-}
-BOOL WINAPI SetState(HANDLE, DCB* block) {
+}  // namespace
+
+REPLACED(GetCommState, [](HANDLE, DCB*) { return TRUE; });
+REPLACED(PurgeComm, [](HANDLE, DWORD) { return TRUE; });
+REPLACED(ClearCommError, [](HANDLE, DWORD*, COMSTAT*) { return TRUE; });
+REPLACED(SetCommState, [](HANDLE, DCB* block) {
     gDriver.block = *block;
     return TRUE;
-}
-BOOL WINAPI SetMask(HANDLE, DWORD events) {
+});
+REPLACED(SetCommMask, [](HANDLE, DWORD events) {
     gDriver.events = events;
     gDriver.EndWait();
     return TRUE;
-}
-BOOL WINAPI SetTimeouts(HANDLE, COMMTIMEOUTS* timeouts) {
+});
+REPLACED(SetCommTimeouts, [](HANDLE, COMMTIMEOUTS* timeouts) {
     gDriver.timeouts = *timeouts;
     return TRUE;
-}
-BOOL WINAPI SetQueues(HANDLE, DWORD in, DWORD out) {
+});
+REPLACED(SetupComm, [](HANDLE, DWORD in, DWORD out) {
     gDriver.queueBytes = std::min(in, out);
     return TRUE;
-}
-BOOL WINAPI Purge(HANDLE, DWORD) {
-    return TRUE;
-}
-BOOL WINAPI ClearError(HANDLE, DWORD*, COMSTAT*) {
-    return TRUE;
-}
-BOOL WINAPI WaitEvent(HANDLE, DWORD*, OVERLAPPED* wait) {
+});
+REPLACED(WaitCommEvent, [](HANDLE, DWORD*, OVERLAPPED* wait) {
+    constexpr ULONG_PTR kPending = 0x103;  // STATUS_PENDING
     ++gDriver.waits;
     gDriver.wait = wait;
     wait->Internal = kPending;
     SetLastError(ERROR_IO_PENDING);
     return FALSE;
-}
-
-}  // namespace
-
-// The import addresses that the linker would otherwise take from kernel32.
-extern "C" {
-extern decltype(&GetState) gGetState asm("__imp_GetCommState");
-extern decltype(&SetState) gSetState asm("__imp_SetCommState");
-extern decltype(&SetMask) gSetMask asm("__imp_SetCommMask");
-extern decltype(&SetTimeouts) gSetTimeouts asm("__imp_SetCommTimeouts");
-extern decltype(&SetQueues) gSetQueues asm("__imp_SetupComm");
-extern decltype(&Purge) gPurge asm("__imp_PurgeComm");
-extern decltype(&ClearError) gClearError asm("__imp_ClearCommError");
-extern decltype(&WaitEvent) gWaitEvent asm("__imp_WaitCommEvent");
-decltype(&GetState) gGetState = GetState;
-decltype(&SetState) gSetState = SetState;
-decltype(&SetMask) gSetMask = SetMask;
-decltype(&SetTimeouts) gSetTimeouts = SetTimeouts;
-decltype(&SetQueues) gSetQueues = SetQueues;
-decltype(&Purge) gPurge = Purge;
-decltype(&ClearError) gClearError = ClearError;
-decltype(&WaitEvent) gWaitEvent = WaitEvent;
-}
+});
 
 namespace {
 

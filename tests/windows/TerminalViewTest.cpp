@@ -9,28 +9,23 @@
 #include "platform/win32/windows/Win32ChildControl.hpp"
 #include "tests/unit/Wire.hpp"
 #include "tests/windows/RealWindows.hpp"
+#include "tests/windows/Replaced.hpp"
 
 namespace vantor {
 namespace {
 
 bool gHighContrast = false;
 
-BOOL WINAPI SystemParameters(UINT action, UINT number, void* value, UINT flags) {
+}  // namespace
+
+REPLACED(SystemParametersInfoW, [](UINT action, UINT number, void* value, UINT flags) -> BOOL {
     static const auto system =
-        reinterpret_cast<decltype(&SystemParameters)>(reinterpret_cast<void*>(
+        reinterpret_cast<decltype(&SystemParametersInfoW)>(reinterpret_cast<void*>(
             GetProcAddress(GetModuleHandleW(L"user32"), "SystemParametersInfoW")));
     if (action != SPI_GETHIGHCONTRAST) return system(action, number, value, flags);
     static_cast<HIGHCONTRASTW*>(value)->dwFlags = gHighContrast ? HCF_HIGHCONTRASTON : 0;
     return TRUE;
-}
-
-}  // namespace
-
-// The import address that the linker would otherwise take from user32.
-extern "C" {
-extern decltype(&SystemParameters) gSystemParameters asm("__imp_SystemParametersInfoW");
-decltype(&SystemParameters) gSystemParameters = SystemParameters;
-}
+});
 
 namespace {
 

@@ -72,6 +72,11 @@ protected:
                 {"pictures", platform.images.Held()}};
     }
 
+    // The system gives some handles back later.
+    void ExpectNoMoreThan(const std::map<std::string, int>& before) const {
+        for (const auto& [kind, count] : Held()) EXPECT_LE(count, before.at(kind)) << kind;
+    }
+
     Wire wire;
     std::shared_ptr<frmMain> window = std::make_shared<frmMain>(platform.manager, platform.real);
 };
@@ -139,7 +144,7 @@ TEST_F(RealPeers, EachWindowGivesBackWhatItTookAndHasNamesToReadAloud) {
     for (int i = 0; i < 3; ++i) openAll();  // the system caches some objects
     const auto before = Held();
     for (int i = 0; i < 20; ++i) openAll();
-    EXPECT_EQ(Held(), before);
+    ExpectNoMoreThan(before);
     EXPECT_EQ(Told(platform), Texts{});
     EXPECT_EQ(names,
               (std::set<std::string>{"frmAbout", "frmConfigure", "frmPortSettings", "frmSend"}));
@@ -263,7 +268,7 @@ TEST_F(PeersInAFlash, GiveBackWhatTwentyFlashesTook) {
     Flash();
     const auto before = Held();
     for (int i = 0; i < 20; ++i) Flash();
-    EXPECT_EQ(Held(), before);
+    ExpectNoMoreThan(before);
 }
 
 TEST_F(PeersInAFlash, RefuseShutdownAndSleepAndHonourBothWhenIdle) {

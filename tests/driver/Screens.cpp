@@ -75,7 +75,7 @@ void Screens::OfTheOtherBoxes() {
         if (faults != nullptr) indicator.Start(faults);
         StartFlash();
         if (stage == std::string("aborted")) {
-            AwaitLine(1);
+            Await("the stream", [this] { return app->Percent() > 0; });
             app->Press("cmdFlashAbort");
         }
         ShowBox(stage);

@@ -147,8 +147,8 @@ TEST_F(ControlsTest, ValuesOutOfRangeAreRefused) {
     const auto refused = [](std::int32_t error, const std::function<void()>& call) {
         EXPECT_EQ(Raised(call).Number(), error);
     };
-    for (const auto& [value, error] : {std::pair(-1, 380), {0, 0}, {100, 0}, {101, 380}})
-        refused(error, [&] { form->bar.Value(static_cast<std::int16_t>(value)); });
+    for (const auto& row : {std::pair(-1, 380), {0, 0}, {100, 0}, {101, 380}})
+        refused(row.second, [&] { form->bar.Value(static_cast<std::int16_t>(row.first)); });
     combo.Items({"a", "b"});
     for (const int index : {-2, 2}) refused(380, [&] { combo.ListIndex(index); });
     int clicks = 0;

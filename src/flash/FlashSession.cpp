@@ -98,7 +98,8 @@ void FlashSession::Dialogue(const std::string& fileName) {
     mView.ShowStage(Text(Str::Initializing));
     mView.AllowAbort(true);
     if (!Handshake()) return;
-    if (Stream(fileName, stopwatch)) ArmFinalStage();
+    // After a close behind the last line, a verdict must not follow the report of the abort.
+    if (Stream(fileName, stopwatch) && !mLink.EndWanted()) ArmFinalStage();
 }
 
 std::string FlashSession::Question(const StringTable& strings) {

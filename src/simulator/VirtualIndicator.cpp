@@ -62,6 +62,11 @@ VirtualIndicator::VirtualIndicator(IndicatorOptions options)
 void VirtualIndicator::HostLine(const LineSettings& line, Micros now) {
     Advance(ToNanos(now));
     if (!mHostOpen) TakeDue(ToNanos(now));  // sent to a closed port, hence lost
+    LineSettings sameFrame = mHostLine;
+    sameFrame.bitsPerSecond = line.bitsPerSecond;
+    if (mMonitor.AwaitsNewSpeed() && line != sameFrame)
+        mViolations.emplace_back(
+            "The host changed parity, data bits or stop bits together with the speed.");
     mHostLine = line;
     mHostOpen = true;
     mReopenBy.reset();

@@ -37,7 +37,7 @@ public:
     VirtualIndicator& operator=(const VirtualIndicator&) = delete;
 
     /// The host has opened the port or changed its line parameters. Required before the first
-    /// `Receive`.
+    /// `Receive`. After BAUD only the speed may change: the monitor keeps its frame.
     void HostLine(const LineSettings& line, Micros now);
     /// The host has closed the port. Bytes transmitted until the next `HostLine` are lost.
     /// A close counts as a power cycle: the monitor restarts at its first speed and keeps its

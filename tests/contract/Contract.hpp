@@ -1,31 +1,89 @@
-// Test fixture for all contract suites.
+// Fixture of all contract suites. Each suite runs on the services of the headless platform, in both
+// languages, and on those of the system.
 #pragma once
 
 #include <gtest/gtest.h>
 
-#include <cstdint>
+#include <functional>
 #include <memory>
+#include <string>
+#include <string_view>
 
-#include "support/errors/RuntimeError.hpp"
-#include "tests/contract/Subjects.hpp"
+#include "platform/Clock.hpp"
+#include "platform/CodePage.hpp"
+#include "platform/Files.hpp"
+#include "platform/MessagePump.hpp"
+#include "platform/Registry.hpp"
+#include "platform/SerialPort.hpp"
+#include "platform/portable/CompiledStrings.hpp"
+#include "tests/TemporaryFolder.hpp"
+#include "tests/faults/ReportingPlatform.hpp"
 
 namespace vantor::contract {
 
-template <typename Subject>
-class Contract : public testing::TestWithParam<Maker<Subject>> {
-protected:
-    std::unique_ptr<Subject> subject = this->GetParam().make();
+/// The far end of the serial line.
+class WireEnd {
+public:
+    virtual ~WireEnd() = default;
+    virtual void Send(std::string_view bytes) = 0;
+    /// What has arrived from the port by now.
+    virtual std::string Receive() = 0;
+    /// Removes the device while the port is open.
+    virtual void HangUp() = 0;
 };
 
-/// The number of the RuntimeError that `body` raises; 0 if none.
-template <typename Body>
-std::int32_t ErrorOf(Body&& body) {
-    try {
-        body();
-    } catch (const RuntimeError& error) {
-        return error.Number();
-    }
-    return 0;
+/// The services of one platform.
+struct Subject {
+    std::unique_ptr<Clock> clock;
+    std::unique_ptr<CodePage> codePage;
+    std::unique_ptr<StringTable> strings;
+    Language language = Language::English;  ///< of `strings`
+    TemporaryFolder host;
+    std::unique_ptr<Files> files;
+    std::string folder = host.Path().string();  ///< empty at first
+    std::unique_ptr<Registry> registry;
+    /// The stored data as a restarted program finds it; invalidates the old registry.
+    std::function<std::unique_ptr<Registry>(Registry& old)> restarted;
+    std::unique_ptr<MessagePump> pump;
+    std::unique_ptr<SerialPorts> ports;
+    std::string portName = "COM1";
+    std::unique_ptr<WireEnd> farEnd;  ///< of `portName`; null if nothing is connected to it
+};
+
+void MakeHeadless(Subject& subject, Language language);
+void MakeNative(Subject& subject);
+
+/// A platform by name, which is part of the names of the tests.
+struct Maker {
+    const char* name;
+    void (*make)(Subject&);
+};
+
+inline auto Platforms() {
+    return testing::Values(
+        Maker{"Headless", [](Subject& subject) { MakeHeadless(subject, Language::English); }},
+        Maker{"HeadlessSpanish",
+              [](Subject& subject) { MakeHeadless(subject, Language::Spanish); }},
+        Maker{"Native", MakeNative});
 }
+
+class Contract : public testing::TestWithParam<Maker>, protected Subject {
+protected:
+    Contract() { GetParam().make(*this); }
+
+    static std::string AllBytes() {
+        std::string bytes;
+        for (int byte = 0; byte < 256; ++byte) bytes += static_cast<char>(byte);
+        return bytes;
+    }
+    template <typename Body>
+    static std::int32_t ErrorOf(Body&& body) {
+        return Raised(body).Number();
+    }
+};
+
+#define INSTANTIATE_CONTRACT(suite)                  \
+    INSTANTIATE_TEST_SUITE_P(Of, suite, Platforms(), \
+                             [](const auto& tested) { return std::string(tested.param.name); })
 
 }  // namespace vantor::contract

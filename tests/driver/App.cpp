@@ -6,10 +6,8 @@
 #include <array>
 #include <cstdio>
 #include <stdexcept>
-#include <utility>
 
 #include "resources/Designs.hpp"
-#include "tests/driver/Desktop.hpp"
 
 namespace vantor::driver {
 namespace {
@@ -18,7 +16,6 @@ constexpr ULONGLONG kPatienceMs = 100'000;
 constexpr UINT kAnswerMs = 30'000;
 constexpr int kFirstChild = 1000;
 constexpr int kFirstCommand = 2000;
-constexpr int kBoxIcon = 1088;
 constexpr int kBoxText = 0xffff;
 constexpr int kFileName = 1148;
 
@@ -36,22 +33,6 @@ int Number(const FormDesign& design, const char* name, int index, bool menuItem)
         ++number;
     }
     throw std::runtime_error(std::string("no such control: ") + name);
-}
-
-HWND Find(HWND form, const FormDesign& design, const char* name, int index) {
-    const int id = kFirstChild + Number(design, name, index, false);
-    // The control may be a child of a panel.
-    HWND found = GetDlgItem(form, id);
-    for (HWND panel = nullptr; found == nullptr;) {
-        panel = FindWindowExW(form, panel, L"VantorPanel", nullptr);
-        if (panel == nullptr) break;
-        found = GetDlgItem(panel, id);
-    }
-    return found;
-}
-
-UINT CommandOf(const FormDesign& design, const char* item) {
-    return static_cast<UINT>(kFirstCommand + Number(design, item, -1, true));
 }
 
 /// A window does not carry the name of its design; the number of controls identifies it.
@@ -76,57 +57,6 @@ LRESULT Send(HWND window, UINT message, WPARAM first, LPARAM second) {
     return static_cast<LRESULT>(result);
 }
 
-/// Calls `draw` on a memory bitmap and returns its pixels, row by row.
-Pixels Draw(int width, int height, const std::function<void(HDC)>& draw) {
-    BITMAPINFO info{};
-    info.bmiHeader = {sizeof info.bmiHeader, width, -height, 1, 32, BI_RGB, 0, 0, 0, 0, 0};
-    void* bits = nullptr;
-    const HDC memory = CreateCompatibleDC(nullptr);
-    const HBITMAP bitmap = CreateDIBSection(memory, &info, DIB_RGB_COLORS, &bits, nullptr, 0);
-    const HGDIOBJ before = SelectObject(memory, bitmap);
-    draw(memory);
-    GdiFlush();
-    const auto* const drawn = static_cast<const std::uint32_t*>(bits);
-    Pixels pixels(drawn, drawn + width * height);
-    for (std::uint32_t& pixel : pixels) pixel &= 0xffffffu;
-    SelectObject(memory, before);
-    DeleteObject(bitmap);
-    DeleteDC(memory);
-    return pixels;
-}
-
-Pixels OnGround(const wchar_t* icon, int size, std::uint32_t ground) {
-    return Draw(size, size, [&](HDC memory) {
-        const RECT all = {0, 0, size, size};
-        const HBRUSH brush =
-            CreateSolidBrush(RGB(ground >> 16 & 0xffu, ground >> 8 & 0xffu, ground & 0xffu));
-        FillRect(memory, &all, brush);
-        DeleteObject(brush);
-        DrawIconEx(memory, 0, 0, LoadIconW(nullptr, icon), size, size, 0, nullptr, DI_NORMAL);
-    });
-}
-
-/// Another process's icon is readable from the screen only: waits until it matches a system icon.
-std::string IconIn(HWND box) {
-    static const std::pair<const wchar_t*, const char*> kKinds[] = {
-        {IDI_QUESTION, "question"},
-        {IDI_WARNING, "exclamation"},
-        {IDI_INFORMATION, "information"},
-        {IDI_ERROR, "critical"}};
-    RECT at{};
-    if (GetWindowRect(GetDlgItem(box, kBoxIcon), &at) == 0) return "none";
-    const int size = GetSystemMetrics(SM_CXICON);
-    at = {at.left, at.top, at.left + size, at.top + size};
-    std::string found;
-    Await("the icon of the box", [&] {
-        const Pixels seen = OnScreen(at);
-        for (const auto& [icon, name] : kKinds)
-            if (seen == OnGround(icon, size, seen[0])) found = name;
-        return !found.empty();
-    });
-    return found;
-}
-
 /// The system kills the processes in this job when the driver ends, even by a crash.
 HANDLE Job() {
     static const HANDLE job = [] {
@@ -139,15 +69,19 @@ HANDLE Job() {
     return job;
 }
 
-DWORD WaitForEnd(HANDLE process) {
-    DWORD status = 0;
-    if (WaitForSingleObject(process, static_cast<DWORD>(kPatienceMs)) != WAIT_OBJECT_0)
-        throw std::runtime_error("the program does not end");
-    GetExitCodeProcess(process, &status);
-    return status;
-}
-
 }  // namespace
+
+// Wine reads the size of a desktop from the registry once, when it first creates its window.
+void EnterDesktop(const std::wstring& name, const std::wstring& size) {
+    constexpr const wchar_t* kSizes = L"Software\\Wine\\Explorer\\Desktops";
+    RegSetKeyValueW(HKEY_CURRENT_USER, kSizes, name.c_str(), REG_SZ, size.c_str(),
+                    static_cast<DWORD>((size.size() + 1) * sizeof(wchar_t)));
+    const HDESK desktop = CreateDesktopW(name.c_str(), nullptr, nullptr, 0, GENERIC_ALL, nullptr);
+    if (desktop == nullptr || SetThreadDesktop(desktop) == 0)
+        throw std::runtime_error("no desktop for this run");
+    GetDesktopWindow();  // creates the desktop window
+    RegDeleteKeyValueW(HKEY_CURRENT_USER, kSizes, name.c_str());
+}
 
 void EnterDesktop() {
     SetProcessDPIAware();  // otherwise the system scales all coordinates
@@ -167,14 +101,12 @@ Win32Handle StartProgram(const std::string& path) {
     return Win32Handle(started.hProcess);
 }
 
-Pixels OnScreen(const RECT& at) {
-    const int width = at.right - at.left;
-    const int height = at.bottom - at.top;
-    return Draw(width, height, [&](HDC memory) {
-        const HDC screen = GetDC(nullptr);
-        BitBlt(memory, 0, 0, width, height, screen, at.left, at.top, SRCCOPY);
-        ReleaseDC(nullptr, screen);
-    });
+DWORD WaitForEnd(HANDLE process) {
+    DWORD status = 0;
+    if (WaitForSingleObject(process, static_cast<DWORD>(kPatienceMs)) != WAIT_OBJECT_0)
+        throw std::runtime_error("the program does not end");
+    GetExitCodeProcess(process, &status);
+    return status;
 }
 
 void Key(WORD key, bool withAlt) {
@@ -210,11 +142,6 @@ void ClickAt(POINT at, int times) {
     SendInput(static_cast<UINT>(inputs.size()), inputs.data(), sizeof(INPUT));
 }
 
-void ClickIn(HWND window, int x, int y) {
-    PostMessageW(window, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(x, y));
-    PostMessageW(window, WM_LBUTTONUP, 0, MAKELPARAM(x, y));
-}
-
 std::string TextOf(HWND window) {
     std::array<wchar_t, 2048> text{};
     Send(window, WM_GETTEXT, text.size(), reinterpret_cast<LPARAM>(text.data()));
@@ -225,26 +152,30 @@ void PressIn(HWND dialog, int button) {
     PostMessageW(GetDlgItem(dialog, button), BM_CLICK, 0, 0);
 }
 
+void Fill(HWND fileDialog, const std::string& path) {
+    HWND edit = GetDlgItem(fileDialog, kFileName);
+    while (const HWND inner = GetWindow(edit, GW_CHILD)) edit = inner;
+    const std::wstring wide = ToWide(path);
+    Send(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(wide.c_str()));
+    PressIn(fileDialog, IDOK);
+}
+
 // --- the program --------------------------------------------------------------------------------
 
-App::App(const std::string& path) {
-    mProcess = StartProgram(path);
-    mId = GetProcessId(mProcess.Get());
+App::App()
+    : Window(nullptr, kMainWindowDesign),
+      mProcess(StartProgram(Setting("DRIVE_PROGRAM"))),
+      mId(GetProcessId(mProcess.Get())) {
     Await("the main window", [this] {
         const std::vector<HWND> forms = Windows(L"VantorForm", Dialog() != nullptr);
-        if (!forms.empty()) mMain = forms.front();
-        return mMain != nullptr || !IsRunning();
+        if (!forms.empty()) mHandle = forms.front();
+        return mHandle != nullptr || !IsRunning();
     });
 }
 
 App::~App() {
     TerminateProcess(mProcess.Get(), 99);
     WaitForSingleObject(mProcess.Get(), INFINITE);
-}
-
-DWORD App::RunBeside() {
-    const Win32Handle process = StartProgram(Setting("DRIVE_PROGRAM"));
-    return WaitForEnd(process.Get());
 }
 
 std::vector<HWND> App::Windows(const wchar_t* windowClass, bool hiddenToo) const {
@@ -268,10 +199,6 @@ std::vector<HWND> App::Windows(const wchar_t* windowClass, bool hiddenToo) const
     return search.found;
 }
 
-HWND App::Child(const char* name, int index) const {
-    return Find(mMain, kMainWindowDesign, name, index);
-}
-
 int App::Percent() const {
     return static_cast<int>(Send(Child("pbarStatus"), PBM_GETPOS, 0, 0));
 }
@@ -282,18 +209,10 @@ int App::Line() const {
     return line;
 }
 
-void App::Press(const char* button) const {
-    PostMessageW(Child(button), BM_CLICK, 0, 0);
-}
-
-void App::Choose(const char* item) const {
-    PostMessageW(mMain, WM_COMMAND, CommandOf(kMainWindowDesign, item), 0);
-}
-
 std::vector<Window> App::Forms(const FormDesign& design) const {
     std::vector<Window> found;
     for (const HWND form : Windows(L"VantorForm"))
-        if (form != mMain && IsMadeFrom(form, design)) found.emplace_back(form, design);
+        if (form != mHandle && IsMadeFrom(form, design)) found.emplace_back(form, design);
     return found;
 }
 
@@ -304,12 +223,6 @@ Window App::AwaitForm(const FormDesign& design, std::size_t count) const {
         return forms.size() == count;
     });
     return forms.front();
-}
-
-HWND App::OtherForm() const {
-    for (const HWND form : Windows(L"VantorForm"))
-        if (form != mMain) return form;
-    return nullptr;
 }
 
 HWND App::Dialog() const {
@@ -330,18 +243,6 @@ HWND App::AwaitFileDialog() const {
     return dialog;
 }
 
-void App::ChooseFile(const std::string& path) const {
-    Fill(AwaitFileDialog(), path);
-}
-
-void App::Fill(HWND dialog, const std::string& path) {
-    HWND edit = GetDlgItem(dialog, kFileName);
-    while (const HWND inner = GetWindow(edit, GW_CHILD)) edit = inner;
-    const std::wstring wide = ToWide(path);
-    Send(edit, WM_SETTEXT, 0, reinterpret_cast<LPARAM>(wide.c_str()));
-    PressIn(dialog, IDOK);
-}
-
 HWND App::AwaitBox() const {
     HWND box = nullptr;
     Await("a message box", [&] {
@@ -355,26 +256,19 @@ std::string App::TextIn(HWND box) {
     return TextOf(GetDlgItem(box, kBoxText));
 }
 
-Box App::Read(HWND box) {
-    Box read{TextOf(box), TextIn(box), IconIn(box), {}};
-    for (const int button : {IDOK, IDCANCEL, IDYES, IDNO})
-        if (GetDlgItem(box, button) != nullptr) read.buttons.push_back(button);
-    return read;
-}
-
-Box App::TakeBox(int button) const {
-    const HWND window = AwaitBox();
-    Box box = Read(window);
-    PressIn(window, button);
-    Await("the box to close", [&] { return IsWindow(window) == 0; });
-    return box;
+std::string App::TakeBox(int button) const {
+    const HWND box = AwaitBox();
+    std::string text = TextIn(box);
+    PressIn(box, button);
+    Await("the box to close", [&] { return IsWindow(box) == 0; });
+    return text;
 }
 
 // A window is painted when its queue holds no more input.
 void App::AwaitInputTaken() const {
-    RedrawWindow(mMain, nullptr, nullptr, RDW_INVALIDATE);
+    RedrawWindow(mHandle, nullptr, nullptr, RDW_INVALIDATE);
     Await("the end of the input",
-          [this] { return !IsRunning() || GetUpdateRect(mMain, nullptr, FALSE) == 0; });
+          [this] { return !IsRunning() || GetUpdateRect(mHandle, nullptr, FALSE) == 0; });
 }
 
 // When a window of the display server gets the focus or the mouse, Wine copies the state of the
@@ -393,7 +287,7 @@ void App::KeyUntil(WORD key, const std::string& what, const std::function<bool()
 }
 
 void App::OpenMenu(WORD key) const {
-    Await("the keyboard", [this] { return GetForegroundWindow() == mMain; });
+    Await("the keyboard", [this] { return GetForegroundWindow() == mHandle; });
     KeyUntil(
         key, std::string("the menu of Alt+") + static_cast<char>(key), [this] { return InMenu(); },
         true);
@@ -402,7 +296,7 @@ void App::OpenMenu(WORD key) const {
 bool App::InMenu() const {
     GUITHREADINFO info{};
     info.cbSize = sizeof info;
-    GetGUIThreadInfo(GetWindowThreadProcessId(mMain, nullptr), &info);
+    GetGUIThreadInfo(GetWindowThreadProcessId(mHandle, nullptr), &info);
     return (info.flags & GUI_INMENUMODE) != 0;
 }
 
@@ -411,10 +305,14 @@ HWND App::Menu() const {
     return menus.empty() ? nullptr : menus.front();
 }
 
+void App::AwaitFocus(const Window& window, const char* name) const {
+    Await(std::string("the focus on ") + name, [&] { return Focus() == window.Child(name); });
+}
+
 HWND App::Focus() const {
     GUITHREADINFO info{};
     info.cbSize = sizeof info;
-    GetGUIThreadInfo(GetWindowThreadProcessId(mMain, nullptr), &info);
+    GetGUIThreadInfo(GetWindowThreadProcessId(mHandle, nullptr), &info);
     return info.hwndActive == GetForegroundWindow() ? info.hwndFocus : nullptr;
 }
 
@@ -422,28 +320,39 @@ bool App::IsRunning() const {
     return WaitForSingleObject(mProcess.Get(), 0) == WAIT_TIMEOUT;
 }
 
-DWORD App::Wait() const {
-    return WaitForEnd(mProcess.Get());
-}
-
 bool App::Answers() const {
     DWORD_PTR result = 0;
-    return SendMessageTimeoutW(mMain, WM_NULL, 0, 0, SMTO_NORMAL, kAnswerMs, &result) != 0 ||
-           IsWindow(mMain) == 0;
+    return SendMessageTimeoutW(mHandle, WM_NULL, 0, 0, SMTO_NORMAL, kAnswerMs, &result) != 0 ||
+           IsWindow(mHandle) == 0;
 }
 
-// --- other windows ------------------------------------------------------------------------------
+// --- all windows --------------------------------------------------------------------------------
 
+RECT Window::Area() const {
+    RECT area{};
+    GetWindowRect(mHandle, &area);
+    return area;
+}
+
+// The control may be a child of a panel.
 HWND Window::Child(const char* name, int index) const {
-    return Find(mHandle, *mDesign, name, index);
-}
-
-void Window::Press(const char* button) const {
-    PostMessageW(Child(button), BM_CLICK, 0, 0);
+    const int id = kFirstChild + Number(*mDesign, name, index, false);
+    HWND found = GetDlgItem(mHandle, id);
+    for (HWND panel = nullptr; found == nullptr;) {
+        panel = FindWindowExW(mHandle, panel, L"VantorPanel", nullptr);
+        if (panel == nullptr) break;
+        found = GetDlgItem(panel, id);
+    }
+    return found;
 }
 
 void Window::Choose(const char* item) const {
-    PostMessageW(mHandle, WM_COMMAND, CommandOf(*mDesign, item), 0);
+    const int command = kFirstCommand + Number(*mDesign, item, -1, true);
+    PostMessageW(mHandle, WM_COMMAND, static_cast<WPARAM>(command), 0);
+}
+
+void Window::AwaitGone() const {
+    Await("the end of the window", [this] { return !IsThere(); });
 }
 
 // The system does not marshal SB_GETTEXTW across processes: the text goes into a buffer in the

@@ -6,7 +6,6 @@
 #include <iterator>
 #include <sstream>
 #include <stdexcept>
-#include <vector>
 
 #include "platform/win32/services/Windows.hpp"
 
@@ -14,42 +13,6 @@ namespace vantor::driver {
 namespace {
 
 constexpr unsigned kPatienceMs = 100'000;
-
-/// Undoes the escapes of the transcript: \r \n \\ and \xNN.
-std::string Plain(const std::string& text) {
-    std::string bytes;
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        if (text[i] != '\\') {
-            bytes += text[i];
-            continue;
-        }
-        const char kind = text[++i];
-        if (kind == 'x') {
-            bytes += static_cast<char>(std::stoi(text.substr(i + 1, 2), nullptr, 16));
-            i += 2;
-        } else {
-            bytes += kind == 'r' ? '\r' : kind == 'n' ? '\n' : '\\';
-        }
-    }
-    return bytes;
-}
-
-struct Record {
-    double milliseconds;
-    std::string bytes;
-};
-
-/// The records of one direction in the indicator's transcript.
-std::vector<Record> Records(char direction) {
-    std::istringstream log(Content("indicator.log"));
-    std::vector<Record> records;
-    for (std::string line; std::getline(log, line);) {
-        const std::size_t at = line.find_first_of("<>-");
-        if (at == std::string::npos || line[at] != direction) continue;
-        records.push_back({std::stod(line), Plain(line.substr(at + 2))});
-    }
-    return records;
-}
 
 }  // namespace
 
@@ -105,15 +68,14 @@ std::string Indicator::Complaints() const {
     return Content("indicator.err");
 }
 
-std::string Indicator::Passed(char direction) const {
-    std::string bytes;
-    for (const Record& record : Records(direction)) bytes += record.bytes;
-    return bytes;
-}
-
-double Indicator::Span(char direction) const {
-    const std::vector<Record> records = Records(direction);
-    return records.back().milliseconds - records.front().milliseconds;
+std::string Indicator::Passed(char direction) {
+    std::istringstream log(Content("indicator.log"));
+    std::string passed;
+    for (std::string line; std::getline(log, line);) {
+        const std::size_t at = line.find_first_of("<>-");
+        if (at != std::string::npos && line[at] == direction) passed += line.substr(at + 2);
+    }
+    return passed;
 }
 
 }  // namespace vantor::driver

@@ -40,10 +40,9 @@ public:
     /// Its standard error output: protocol violations of the program.
     std::string Complaints() const;
 
-    /// The bytes transferred in one direction: '>' to the indicator, '<' from it.
-    std::string Passed(char direction) const;
-    /// The milliseconds from the first to the last byte in one direction.
-    double Span(char direction) const;
+    /// The bytes transferred in one direction, with the escapes of the transcript:
+    /// '>' to the indicator, '<' from it.
+    static std::string Passed(char direction);
 };
 
 }  // namespace vantor::driver

@@ -1,27 +1,25 @@
 #include "tests/driver/Workbench.hpp"
 
+#include <filesystem>
 #include <fstream>
 #include <stdexcept>
 
 #include "app/base/AppInfo.hpp"
 #include "resources/Designs.hpp"
-#include "simulator/SerialRecord.hpp"
+#include "tests/driver/Bitmap.hpp"
+#include "tests/faults/Images.hpp"
 
 namespace vantor::driver {
 namespace {
 
-/// 60 data records of two bytes each, and an end record.
-std::string ShortImage() {
-    std::string text;
-    for (std::uint8_t i = 0; i < 60; ++i)
-        text += SerialRecord{'1', i * 2U, {0xab, i}}.Format() + "\r\n";
-    return text + SerialRecord{'9', 0, {}}.Format() + "\r\n";
+std::filesystem::path PictureFolder() {
+    return std::filesystem::path(Setting("APPDATA")) / "TSMR" / "CALDOR" / "cache";
 }
 
 }  // namespace
 
 Workbench::Workbench() {
-    std::ofstream(image, std::ios::binary) << ShortImage();
+    std::ofstream(image, std::ios::binary) << ImageOf(60);
     ForgetSettings();
     app.emplace();
 }
@@ -33,6 +31,12 @@ std::wstring Workbench::ProgramKey() {
 
 void Workbench::ForgetSettings() {
     RegDeleteTreeW(HKEY_CURRENT_USER, ProgramKey().c_str());
+    std::filesystem::remove_all(PictureFolder());
+}
+
+void Workbench::CachePicture() {
+    std::filesystem::create_directories(PictureFolder());
+    std::ofstream(PictureFolder() / "a.bmp", std::ios::binary) << Bitmap(300, 200);
 }
 
 void Workbench::Restart() {
@@ -55,17 +59,12 @@ void Workbench::AwaitLine(int line) const {
     Await("line " + std::to_string(line), [&] { return app->Line() >= line; });
 }
 
-HWND Workbench::AwaitOtherForm() const {
-    Await("another window", [this] { return app->OtherForm() != nullptr; });
-    return app->OtherForm();
-}
-
 // --- monitor mode -------------------------------------------------------------------------------
 
 Window Workbench::OpenMonitor() const {
     app->Choose("mnuToolsMonitor");
     const Window monitor = app->AwaitForm(kMonitorWindowDesign);
-    Await("the keyboard", [&] { return app->Focus() == monitor.Child("comMonitor"); });
+    app->AwaitFocus(monitor, "comMonitor");
     return monitor;
 }
 
@@ -93,14 +92,6 @@ Window Workbench::SendFile(const Window& monitor, const std::string& bytes) cons
     monitor.Choose("mnuCaptureSend");
     app->ChooseFile(path);
     return app->AwaitForm(kSendWindowDesign);
-}
-
-void Workbench::AwaitSent(const Window& progress, int line) {
-    Await("line " + std::to_string(line), [&] {
-        const std::string text = progress.Text("lblStatus");
-        const std::size_t number = text.find_first_of("0123456789");
-        return number != std::string::npos && std::stoi(text.substr(number)) >= line;
-    });
 }
 
 }  // namespace vantor::driver

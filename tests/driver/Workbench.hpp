@@ -16,7 +16,10 @@ public:
 
     /// The program's key under HKEY_CURRENT_USER.
     static std::wstring ProgramKey();
+    /// Deletes it, and the cached pictures.
     static void ForgetSettings();
+    /// Puts a picture into the cache, without an index of addresses.
+    static void CachePicture();
 
     /// Closes the program and starts it again.
     void Restart();
@@ -26,8 +29,6 @@ public:
     /// The same, and answers the warning with Yes.
     void StartFlash() const;
     void AwaitLine(int line) const;
-    /// Waits for the status window of the final stage or the About box.
-    HWND AwaitOtherForm() const;
 
     // Monitor mode.
     Window OpenMonitor() const;
@@ -37,8 +38,6 @@ public:
     void Command(const Window& monitor, WORD key) const;
     /// Starts sending a file with these bytes; returns the progress window.
     Window SendFile(const Window& monitor, const std::string& bytes) const;
-    /// Waits until the progress window shows `line` or a later one.
-    static void AwaitSent(const Window& progress, int line);
 
     const std::string image = FileOfRun("image.run");
     Indicator indicator;

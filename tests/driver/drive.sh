@@ -97,22 +97,6 @@ take_picture() {
         echo "no picture $1" >&2
 }
 
-# Creates a picture of format $1: the left half red, the right half blue, each of size $2.
-draw_picture() {
-    convert -size "$2" xc:red xc:blue +append "$folder/picture.$1" 2>>"$folder/pictures.log"
-}
-
-# Prints state, CPU time, wait channel and system call of each thread of the program.
-note_threads() {
-    for stat in /proc/[0-9]*/task/*/stat; do
-        case $(cat "$stat" 2>/dev/null) in
-        *'(tsupdate.exe)'*) ;;
-        *) continue ;;
-        esac
-        echo "$(cut -d' ' -f1-3,14,15 "$stat") $(cat "${stat%stat}wchan") $(cat "${stat%stat}syscall")"
-    done
-}
-
 # Executes one request of the program; deletes the request file when done.
 answer() {
     read -r verb words <"$folder/request" || return 0
@@ -123,9 +107,7 @@ answer() {
     keep)
         take_picture "$folder/$words.png"
         cp "$folder/indicator.log" "$folder/$words.log" 2>/dev/null || true
-        note_threads >"$folder/$words.threads" 2>/dev/null || true
         ;;
-    draw) draw_picture "${words% *}" "${words#* }" ;;
     show)
         mkdir -p "$screens"
         take_picture "$screens/${words%% *}$suffix.png" "${words#* }"

@@ -1,6 +1,7 @@
 // A soak test of random input that detects crashes and hangs; it does not test single faults.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <iostream>
 #include <random>
 #include <string>
@@ -26,10 +27,6 @@ protected:
     void Check();
 
     std::mt19937 random;
-    int ends = 0;
-    int flashes = 0;
-    int successes = 0;
-    HWND lastSuccess = nullptr;
 };
 
 void Monkey::PressAKey() {
@@ -43,18 +40,17 @@ void Monkey::PressAKey() {
 }
 
 void Monkey::ClickSomewhere() {
-    RECT area{};
-    GetWindowRect(app->Main(), &area);
+    const RECT area = app->Area();
     ClickAt({area.left + Below(std::max<int>(area.right - area.left, 1)),
              area.top + Below(std::max<int>(area.bottom - area.top, 1))});
 }
 
 void Monkey::MoveTheWindow() {
-    PostMessageW(app->Main(), WM_SYSCOMMAND,
+    PostMessageW(app->WindowHandle(), WM_SYSCOMMAND,
                  OneOf(std::to_array<WPARAM>({SC_MAXIMIZE, SC_MINIMIZE, SC_RESTORE, SC_RESTORE})),
                  0);
-    SetWindowPos(app->Main(), nullptr, Below(300) - 50, Below(200) - 20, Below(900), Below(700),
-                 SWP_NOZORDER | SWP_NOACTIVATE | SWP_ASYNCWINDOWPOS);
+    SetWindowPos(app->WindowHandle(), nullptr, Below(300) - 50, Below(200) - 20, Below(900),
+                 Below(700), SWP_NOZORDER | SWP_NOACTIVATE | SWP_ASYNCWINDOWPOS);
 }
 
 void Monkey::ActOn(HWND dialog) {
@@ -67,13 +63,11 @@ void Monkey::ActOn(HWND dialog) {
         const bool meant = text.find("frmConfigure.cboStopBits_Click") != std::string::npos;
         if ((text.starts_with("The following error") && !meant) || text.starts_with("Unhandled"))
             ADD_FAILURE() << text;
-        if (TextOf(dialog) == "Flash Update Successful" && dialog != lastSuccess) ++successes;
-        lastSuccess = dialog;
         PressIn(dialog, OneOf(std::to_array({IDOK, IDYES, IDYES, IDNO})));
     } else if (Below(4) == 0) {
         PressIn(dialog, IDCANCEL);
     } else {
-        App::Fill(dialog, image);
+        Fill(dialog, image);
     }
 }
 
@@ -81,14 +75,13 @@ void Monkey::Act() {
     if (Below(150) == 0) app->Close();
     if (const HWND dialog = app->Dialog()) return ActOn(dialog);
     const int what = Below(60);
-    if (IsWindowEnabled(app->Main()) == 0 || what < 9) return PressAKey();
+    if (IsWindowEnabled(app->WindowHandle()) == 0 || what < 9) return PressAKey();
     if (what < 15) return ClickSomewhere();
     if (what < 18) return MoveTheWindow();
     if (what < 19 && app->IsShown("cmdFlashAbort")) return app->Press("cmdFlashAbort");
     if (what < 21) return app->Choose("mnuHelpAbout");
     if (what < 23) return app->Choose("mnuToolsOptions");
     if (what > 40 || !app->IsShown("cmdFlash") || !app->IsEnabled("cmdFlash")) return;
-    ++flashes;
     indicator.Start(OneOf(std::to_array(
         {"--think 20 --write 500", "--think 50", "", "--fault no-trav", "--fault no-sysload",
          "--fault nak@7x4", "--fault hangup@20", "--fault verify-failed", "--fault done@9"})));
@@ -102,7 +95,6 @@ void Monkey::Check() {
         return;
     }
     ASSERT_EQ(app->Wait(), 0u) << "crashed";
-    ++ends;
     ForgetSettings();  // another port or speed would fail all later flashes
     app.emplace();
 }
@@ -119,8 +111,7 @@ TEST_F(Monkey, NeitherCrashesNorHangsTheProgram) {
         Sleep(static_cast<DWORD>(Below(300)));
         Check();
     }
-    std::cout << actions << " actions, " << flashes << " flashes, " << successes << " successes, "
-              << ends << " ends" << std::endl;
+    std::cout << actions << " actions" << std::endl;
 }
 
 }  // namespace

@@ -19,7 +19,7 @@ case ${1:-} in
     run es_ES.UTF-8 'Spanish*'
     # Keyboard only, at twice the size.
     use_desktop 1900x1260 192
-    run C.UTF-8 '*Keyboard*:Options.*'
+    run C.UTF-8 '*Keyboard*'
     ;;
 Spanish*) run es_ES.UTF-8 "$1" ;;
 *) run C.UTF-8 "$1" ;;

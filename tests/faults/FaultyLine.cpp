@@ -57,30 +57,18 @@ void FaultyLine::Pass(Direction direction, std::string_view bytes) {
 }
 
 void FaultyLine::PassByte(Lane& lane, char byte) {
+    using enum LineFaultKind;
     int copies = 1;
     lane.freeAt = std::max(lane.freeAt, mClock.Milliseconds());
     for (const LineFault& fault : lane.faults) {
         if (fault.byte != lane.passed) continue;
-        switch (fault.kind) {
-            case LineFaultKind::Drop:
-                copies = 0;
-                break;
-            case LineFaultKind::Double:
-                copies *= 2;
-                break;
-            case LineFaultKind::Garble:
-                byte = static_cast<char>(byte ^ 1);
-                break;
-            case LineFaultKind::Delay:
-                lane.freeAt += fault.ms;
-                break;
-            case LineFaultKind::Split:
-                lane.splitBytes = kSplitBytes;
-                lane.splitMs = fault.ms;
-                break;
-            case LineFaultKind::Unplug:
-                break;
-        }
+        if (fault.kind == Drop) copies = 0;
+        if (fault.kind == Double) copies *= 2;
+        if (fault.kind == Garble) byte = static_cast<char>(byte ^ 1);
+        if (fault.kind == Delay) lane.freeAt += fault.ms;
+        if (fault.kind != Split) continue;
+        lane.splitBytes = kSplitBytes;
+        lane.splitMs = fault.ms;
     }
     lane.bytes.insert(lane.bytes.end(), static_cast<std::size_t>(copies), {lane.freeAt, byte});
     if (lane.splitBytes == 0) return;

@@ -27,8 +27,6 @@ constexpr std::int32_t kSpeedChange = 4000;
 constexpr std::int32_t kVerdictLimit = 60000;
 /// From this image line on, an abort is not possible.
 constexpr unsigned kFirstLateLine = kDataLines - 10;
-constexpr LineSettings kFirstLine{38400, Parity::None, 8, 2};
-constexpr LineSettings kFastLine{115200, Parity::None, 8, 2};
 /// While a report is open, in message pumps of one millisecond.
 constexpr int kReadingTime = 200;
 constexpr std::uint32_t kLongestSession = 7'200'000;
@@ -38,11 +36,14 @@ struct Exchange {
     std::string sent;
     std::int32_t at;
     std::string reply;
+    std::int32_t answeredAt = 0;
 
+    bool OfImage() const { return sent.starts_with('S') && sent != "SYSLOAD\r"; }
     bool Holds(const char* word) const { return reply.find(word) != std::string::npos; }
     bool HasVerdict() const { return Holds("VERIFY FAILED") || Holds("DONE"); }
     bool Accepted() const { return !HasVerdict() && Holds("OK"); }
     bool Answered() const { return HasVerdict() || Accepted() || Holds("??"); }
+    bool ChangesSpeed() const { return sent == "BAUD 115200\r" && Accepted(); }
 };
 
 /// The expected result, derived from the exchanges alone.
@@ -52,35 +53,36 @@ struct Due {
     std::string wrongSend;
 };
 
-/// Wraps the line at the program's end; records the traffic and detects stage starts.
+/// Wraps the line at the program's end; records the traffic. Calls `acts` before each send and
+/// before the close for the speed change, with the stage that it begins, if any.
 class Wiretap : public FarEnd {
 public:
-    Wiretap(FarEnd& line, const Clock& clock, std::function<void(Stage)> begins)
-        : mLine(line), mClock(clock), mBegins(std::move(begins)) {}
+    using Acts = std::function<void(std::optional<Stage>)>;
+    Wiretap(FarEnd& line, const Clock& clock, Acts acts)
+        : mLine(line), mClock(clock), mActs(std::move(acts)) {}
 
     void Opened(const LineSettings& line) override {
         opened.push_back(line);
         mLine.Opened(line);
     }
     void Closed() override {
-        if (opened.size() == 1 && !exchanges.empty() && exchanges.back().sent == "BAUD 115200\r" &&
-            exchanges.back().Accepted())
-            mBegins(Stage::Reopened);
+        if (opened.size() == 1 && !exchanges.empty() && exchanges.back().ChangesSpeed())
+            mActs(Stage::Reopened);
         mLine.Closed();
     }
     void Receive(std::string_view bytes) override {
         exchanges.push_back({std::string(bytes), mClock.Ticks(), {}});
-        if (const auto stage = StageOf(bytes)) mBegins(*stage);
+        mActs(StageOf(bytes));
         // The start of the stage may have triggered an unplug fault.
         if (!mLine.HungUp()) mLine.Receive(bytes);
     }
     std::string Transmit() override {
         std::string text = mLine.Transmit();
-        if (armed)
-            afterArming += text;
-        else if (!exchanges.empty())
-            exchanges.back().reply += text;
-        if (!text.empty()) mAnsweredAt = mClock.Ticks();
+        if (exchanges.empty()) return text;
+        Exchange& exchange = armed ? verdict : exchanges.back();
+        const bool answered = armed ? exchange.HasVerdict() : exchange.Answered();
+        exchange.reply += text;
+        if (!answered) exchange.answeredAt = mClock.Ticks();
         return text;
     }
     bool HungUp() const override { return mLine.HungUp(); }
@@ -89,26 +91,23 @@ public:
     unsigned LinesSent() const {
         unsigned count = 0;
         for (std::size_t i = 0; i < exchanges.size(); ++i)
-            if (exchanges[i].sent.starts_with('S') && exchanges[i].sent != "SYSLOAD\r" &&
-                exchanges[i].sent != exchanges[i - 1].sent)
-                ++count;
+            if (exchanges[i].OfImage() && exchanges[i].sent != exchanges[i - 1].sent) ++count;
         return count;
     }
     /// All lines have been answered, none of them with OK: only the user ends this wait. It begins
     /// after the message pump that follows the last line.
     bool WaitsForUser() const {
         return LinesSent() == kDataLines + 1 && exchanges.back().Answered() &&
-               mClock.Ticks() > mAnsweredAt + 1 &&
+               mClock.Ticks() > exchanges.back().answeredAt + 1 &&
                std::ranges::none_of(exchanges, [](const Exchange& exchange) {
-                   return exchange.sent.starts_with('S') && exchange.sent != "SYSLOAD\r" &&
-                          exchange.Accepted();
+                   return exchange.OfImage() && exchange.Accepted();
                });
     }
 
     std::vector<LineSettings> opened;
     bool armed = false;
     std::vector<Exchange> exchanges;
-    std::string afterArming;
+    Exchange verdict;  ///< what is read in the final stage
 
 private:
     static std::optional<Stage> StageOf(std::string_view sent) {
@@ -126,8 +125,7 @@ private:
 
     FarEnd& mLine;
     const Clock& mClock;
-    std::function<void(Stage)> mBegins;
-    std::int32_t mAnsweredAt = 0;
+    Acts mActs;
 };
 
 /// Replays the protocol rules over the recorded exchanges.
@@ -165,12 +163,11 @@ private:
         }
         if (!accepted) return FlashOutcome::NothingAccepted;
         if (mEndWanted) return FlashOutcome::AwaitingVerdict;
-        if (mTap.afterArming.find("DONE") != std::string::npos) {
+        if (mTap.verdict.Holds("DONE")) {
             Take("BOOT\r");
             return Ends(FlashOutcome::Done, kDone);
         }
-        if (mTap.afterArming.find("VERIFY FAILED") != std::string::npos)
-            return Ends(FlashOutcome::VerifyFailed, kVerify);
+        if (mTap.verdict.Holds("VERIFY FAILED")) return Ends(FlashOutcome::VerifyFailed, kVerify);
         return Ends(FlashOutcome::NoVerdict, kFailure);
     }
 
@@ -216,8 +213,8 @@ public:
     explicit SessionRun(const Plan& plan) : mPlan(plan) {
         mWindow->Load();
         mWindow->Show();
+        mOwner = mHeadless.peers.Active();
         mHeadless.files.Add(kPath, ImageOf(kDataLines));
-        mSettings = mHeadless.registry.Export();
     }
     ~SessionRun() {
         mHeadless.peers.onChange = {};
@@ -231,7 +228,7 @@ public:
         Judgement judgement = RunOnce();
         if (!judgement.gone && judgement.violation.empty()) {
             // New indicator and line, no faults.
-            mPlan = {};
+            mPlan = {.line = mPlan.line};
             const Judgement next = RunOnce();
             if (next.outcome != FlashOutcome::Done || !next.violation.empty())
                 judgement.violation =
@@ -260,13 +257,17 @@ private:
             mIndicator->Memory() == FlashMemory::FromRecords(ImageOf(kDataLines));
         CheckTimes(start, CheckReport(judgement));
         CheckSuccess(judgement);
+        CheckIndicator();
+        Require(judgement.gone == mCloseWanted, "the window is open, or closed, against the wish");
         if (!judgement.gone) {
             const std::string unrest = NotAtRest(*mWindow, mHeadless);
-            if (!unrest.empty()) Violated("left behind: " + unrest);
-            if (mHeadless.registry.Export() != mSettings) Violated("settings changed");
-        } else if (mHeadless.ports.IsOpen("COM1") || !mHeadless.peers.open.empty() ||
-                   mHeadless.peers.pointer != MousePointer::Default) {
-            Violated("the closed window left something behind");
+            Require(unrest.empty(), "left behind: " + unrest);
+            Require(mHeadless.registry.Export() == mSettings, "settings changed");
+        } else {
+            Require(!mHeadless.ports.IsOpen("COM1") && mHeadless.peers.open.empty() &&
+                        mHeadless.peers.pointer == MousePointer::Default &&
+                        mHeadless.peers.held.empty(),
+                    "the closed window left something behind");
         }
         judgement.violation = std::exchange(mViolation, {});
         return judgement;
@@ -276,17 +277,19 @@ private:
         IndicatorOptions options;
         options.think = mPlan.thinkUs;
         options.writeFlash = mPlan.writeFlashUs;
+        options.bitsPerSecond = mPlan.line.bitsPerSecond;
         if (mPlan.compares) options.expected = FlashMemory::FromRecords(ImageOf(kDataLines));
         mIndicator.emplace(std::move(options));
         mDevice.emplace(*mIndicator, mHeadless.clock);
         mLine.emplace(*mDevice, mHeadless.clock);
-        mTap.emplace(*mLine, mHeadless.clock, [this](Stage stage) { Begin(stage); });
+        mTap.emplace(*mLine, mHeadless.clock, [this](auto stage) { Act(stage); });
         mHeadless.ports.Plug("COM1", *mTap);
         mHeadless.boxes.shown.clear();
         mHeadless.boxes.beeps = 0;
         mHeadless.boxes.whileOpen = [this](const MessageBoxRequest& request) { Read(request); };
         mBegun = {};
         mEndWanted = false;
+        mCloseWanted = false;
         mClosedInHandshake = false;
         mReadingMs = 0;
         mHeadless.peers.onChange = [this](const Control& control, Property) {
@@ -295,6 +298,17 @@ private:
             mArmedAt = mHeadless.clock.Ticks();
             Begin(Stage::Verdict);
         };
+    }
+
+    /// While a session sends, the system is held, and the pointer shows the wait up to the final
+    /// stage. The port may also be closed later.
+    void Act(std::optional<Stage> stage) {
+        if (stage != Stage::Reopened) {
+            Require(!mHeadless.peers.held.empty(), "the system may sleep");
+            Require((mHeadless.peers.pointer == MousePointer::Hourglass) != mTap->armed,
+                    "wrong pointer while it sends");
+        }
+        if (stage) Begin(*stage);
     }
 
     void Begin(Stage stage) {
@@ -313,6 +327,7 @@ private:
         const auto timer = std::make_shared<TimerId>();
         *timer = mHeadless.pump.StartTimer(act.afterMs, [this, act, timer] {
             mHeadless.pump.StopTimer(*timer);
+            mCloseWanted |= act.close;
             if (act.close)
                 mWindow->Unload();
             else
@@ -322,23 +337,33 @@ private:
             if (mEndWanted) return;
             mEndWanted = act.close || mTap->LinesSent() <= kFirstLateLine;
             mSentBeforeEnd = mTap->exchanges.size();
+            mEndWantedAt = mHeadless.clock.Ticks();
         });
         mActs.push_back(*timer);
     }
 
     /// The user reads a report for a while. Whatever arrives meanwhile, nothing is sent.
     void Read(const MessageBoxRequest& request) {
+        // Only the report of a refused line opens under the wait pointer.
+        const bool refused = request.title == "Update Failure" && !mTap->armed;
+        Require((mHeadless.peers.pointer == MousePointer::Hourglass) == refused,
+                "wrong pointer under a box");
+        Require(request.owner == mOwner && mHeadless.peers.open == Texts{"frmMain"},
+                "a box over another window");
         if (request.icon == BoxIcon::Question) return;
         for (const TimerId act : std::exchange(mActs, {})) mHeadless.pump.StopTimer(act);
         const std::size_t sent = mTap->exchanges.size();
         for (int i = 0; i < kReadingTime; ++i) mHeadless.pump.PumpPending();
         mReadingMs += kReadingTime;
-        if (mTap->exchanges.size() != sent) Violated("sent while a box was open");
+        Require(mTap->exchanges.size() == sent, "sent while a box was open");
     }
 
     /// Ends the wait that only the user can end, and a session that exceeds the time limit.
     void Watch() {
-        if (!mTap->armed && mTap->WaitsForUser()) mWindow->Unload();
+        if (!mTap->armed && mTap->WaitsForUser()) {
+            mCloseWanted = true;
+            mWindow->Unload();
+        }
         if (mHeadless.clock.Milliseconds() < kLongestSession) return;
         Violated("does not end");
         mWindow->Session().Flags() = {.mblnFlashing = false, .mblnAbortFlash = true};
@@ -351,9 +376,8 @@ private:
         if (mEndWanted && mTap->exchanges.size() > mSentBeforeEnd)
             Violated("sent \"" + mTap->exchanges[mSentBeforeEnd].sent +
                      "\" after the end was wanted");
-        if (judgement.outcome != due.outcome)
-            Violated("outcome " + OutcomeName(judgement.outcome) + ", due was " +
-                     OutcomeName(due.outcome));
+        Require(judgement.outcome == due.outcome, "outcome " + OutcomeName(judgement.outcome) +
+                                                      ", due was " + OutcomeName(due.outcome));
         // A session whose window is closed shows no message boxes.
         if (mClosedInHandshake) due.boxes.clear();
         CheckLine();
@@ -368,61 +392,68 @@ private:
     /// Two opens exactly when BAUD was accepted, the second one at the new speed; a beep for each
     /// image line that was answered by a verdict.
     void CheckLine() {
-        std::vector<LineSettings> due = {kFirstLine};
+        std::vector<LineSettings> due = {mPlan.line};
+        LineSettings fast = mPlan.line;
+        fast.bitsPerSecond = 115200;
         int beeps = 0;
         for (const Exchange& exchange : mTap->exchanges) {
-            const bool command = exchange.sent == "BAUD 115200\r";
-            if (command && exchange.Accepted() && !(mClosedInHandshake && mTap->opened.size() == 1))
-                due.push_back(kFastLine);
-            if (exchange.sent.starts_with('S') && exchange.sent != "SYSLOAD\r")
-                beeps += exchange.HasVerdict() ? 1 : 0;
+            if (exchange.ChangesSpeed() && !(mClosedInHandshake && mTap->opened.size() == 1))
+                due.push_back(fast);
+            if (exchange.OfImage() && exchange.HasVerdict()) ++beeps;
         }
         if (mTap->opened.empty()) due.clear();
         // An adapter that is lost while the port is closed cannot be opened again.
         if (mTap->HungUp() && mTap->opened.size() + 1 == due.size()) due.pop_back();
-        if (mTap->opened != due)
-            Violated("opened " + std::to_string(mTap->opened.size()) +
-                     " times, or with another line than due");
-        if (mHeadless.boxes.beeps != beeps)
-            Violated(std::to_string(mHeadless.boxes.beeps) + " beeps");
+        Require(mTap->opened == due, "opened " + std::to_string(mTap->opened.size()) +
+                                         " times, or with another line than due");
+        Require(mHeadless.boxes.beeps == beeps, std::to_string(mHeadless.boxes.beeps) + " beeps");
+    }
+
+    /// Faults can make the host speak at a wrong speed, or repeat a line after the verdict.
+    void CheckIndicator() {
+        for (const std::string& violation : mIndicator->Violations())
+            Require(!mPlan.mishaps.empty() && (violation.find("bit/s") != std::string::npos ||
+                                               violation.starts_with("After the verdict")),
+                    violation);
     }
 
     void CheckTimes(std::int32_t start, FlashOutcome due) {
         const std::int32_t end = mHeadless.clock.Ticks() - mReadingMs;
         std::int32_t from = start;
         std::int32_t least = 0;
-        std::int32_t most = 0;
         // What ends a wait early: the user, or the loss of the line.
         const bool early = mEndWanted || mTap->HungUp();
         const auto until = [&](std::int32_t at, const std::string& what) {
-            if (at - from > most + kSlack || (at - from < least && !early))
+            if (at - from > least + kSlack || (at - from < least && !early))
                 Violated(std::to_string(at - from) + " ms before " + what);
             from = at;
         };
         for (const Exchange& exchange : mTap->exchanges) {
             if (exchange.sent == "BOOT\r") break;
             until(exchange.at, exchange.sent);
-            const bool wakeUp = exchange.sent == " \r";
-            const bool speedChange = exchange.sent == "BAUD 115200\r" && exchange.Accepted();
-            least = wakeUp || exchange.Answered() ? 0 : kReply;
-            most = wakeUp ? 0 : kReply;
-            if (speedChange) least += kSpeedChange;
-            if (speedChange) most += kSpeedChange + kSlack;
+            least = exchange.Answered() ? exchange.answeredAt - exchange.at : kReply;
+            if (exchange.sent == " \r") least = 0;
+            if (exchange.ChangesSpeed()) least += kSpeedChange;
         }
+        using enum FlashOutcome;
+        Require(mTap->armed == (due == Done || due == VerifyFailed || due == NoVerdict),
+                "a final stage too many or too few");
         if (mTap->armed) {
             until(mArmedAt, "the final stage");
-            least = due == FlashOutcome::NoVerdict ? kVerdictLimit : 0;
-            most = kVerdictLimit;
+            least = due == NoVerdict ? kVerdictLimit : mTap->verdict.answeredAt - mArmedAt;
         }
-        if (due != FlashOutcome::NothingAccepted) until(end, "the end");
+        if (due != NothingAccepted) until(end, "the end");
+        // The pause after the speed change ends only with the window.
+        const std::int32_t pause = mTap->LinesSent() == 0 ? kSpeedChange : 0;
+        Require(!mEndWanted || end - mEndWantedAt <= pause + kSlack, "ends late");
     }
 
     void CheckSuccess(const Judgement& judgement) {
         if (judgement.outcome != FlashOutcome::Done) return;
-        if (!mTap->armed || mTap->afterArming.find("DONE") == std::string::npos)
-            Violated("success without DONE in the final stage");
-        if (!judgement.memoryWhole && (mPlan.compares || !LossUnseen()))
-            Violated("success without the whole image");
+        Require(mTap->armed && mTap->verdict.Holds("DONE"),
+                "success without DONE in the final stage");
+        Require(judgement.memoryWhole || (!mPlan.compares && LossUnseen()),
+                "success without the whole image");
     }
 
     /// A line can be lost undetected when the indicator replies to it with a verdict, which the
@@ -438,24 +469,42 @@ private:
                std::ranges::any_of(mPlan.mishaps, garbles);
     }
 
-    void Violated(const std::string& what) { mViolation += what + "\n"; }
+    void Violated(const std::string& what) {
+        if (mViolation.find(what) == std::string::npos) mViolation += what + "\n";
+    }
+    void Require(bool holds, const std::string& otherwise) {
+        if (!holds) Violated(otherwise);
+    }
+    /// Stores the plan's line; returns all that is stored then.
+    std::string Stored() {
+        const LineSettings& line = mPlan.line;
+        const char parity = "NOE"[static_cast<std::size_t>(line.parity)];
+        mHeadless.registry.Import(
+            RegistryWith("Settings", "\"Baud\"=\"" + std::to_string(line.bitsPerSecond) +
+                                         "\"\n\"Parity\"=\"" + parity + "\"\n\"DataBits\"=\"" +
+                                         std::to_string(line.dataBits) + "\"\n"));
+        return mHeadless.registry.Export();
+    }
 
     Plan mPlan;
     ReportingPlatform mHeadless;
+    std::string mSettings = Stored();
     std::shared_ptr<frmMain> mWindow =
         std::make_shared<frmMain>(mHeadless.manager, mHeadless.platform);
-    std::string mSettings;
     std::optional<VirtualIndicator> mIndicator;
     std::optional<IndicatorFarEnd> mDevice;
     std::optional<FaultyLine> mLine;
     std::optional<Wiretap> mTap;
+    NativeWindow mOwner = 0;
     std::array<bool, kStageNames.size()> mBegun{};
     std::vector<TimerId> mActs;
     std::int32_t mArmedAt = 0;
     std::int32_t mReadingMs = 0;
     bool mEndWanted = false;
+    bool mCloseWanted = false;
     bool mClosedInHandshake = false;
     std::size_t mSentBeforeEnd = 0;
+    std::int32_t mEndWantedAt = 0;
     std::string mViolation;
 };
 

@@ -48,10 +48,12 @@ struct Mishap {
 };
 
 struct Plan {
-    std::vector<Mishap> mishaps;
+    std::vector<Mishap> mishaps = {};
     std::int64_t thinkUs = 0;
     std::int64_t writeFlashUs = 1'000'000;
     bool compares = true;  ///< the indicator sends DONE only when its memory equals the image
+    /// As the settings say; the program always sends two stop bits.
+    LineSettings line{38400, Parity::None, 8, 2};
 };
 
 struct Judgement {

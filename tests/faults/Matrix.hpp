@@ -1,4 +1,4 @@
-// The faults that the matrix test injects in every stage of a session.
+// The plans of sessions under faults: each fault in every stage, and random combinations.
 #pragma once
 
 #include <string>
@@ -20,6 +20,10 @@ struct MatrixRow {
 };
 
 const std::vector<MatrixRow>& MatrixRows();
+
+/// The plan of session `number` for `seed`, with several faults, aborts and closes; deterministic
+/// on every platform.
+Plan RandomPlan(std::uint64_t seed, std::uint64_t number);
 
 inline Plan CellOf(const MatrixRow& row, std::size_t stage, bool compares) {
     return {.mishaps = {{static_cast<Stage>(stage), row.what}}, .compares = compares};

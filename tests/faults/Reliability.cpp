@@ -6,29 +6,30 @@
 #include <map>
 
 #include "tests/faults/Matrix.hpp"
-#include "tests/faults/Walk.hpp"
 
 using namespace vantor;
 
 namespace {
 
 constexpr const char* kIntroduction =
-    "# Reliability\n\n"
-    "Written by `scripts/reliability`. Each session runs in one process on virtual time: the "
-    "whole\n"
-    "program without its screen, the virtual indicator, and a line that can be told to fail. "
-    "After\n"
-    "each the following is checked, and any breach stops the run:\n\n"
-    "- The outcome, the boxes and every send are those that the bytes received so far call for.\n"
-    "- No reply is waited for longer than 20 s, no line sent more than four times, no verdict "
-    "waited\n"
-    "  for longer than 60 s. The wait of an image of which nothing was accepted has no end of its\n"
-    "  own; closing the window ends it.\n"
-    "- Success is reported only after \"DONE\" in the final stage; an indicator that compares "
-    "then\n"
-    "  holds exactly the image.\n"
-    "- The port is closed, the buttons are enabled, the first panel shows, the settings are\n"
-    "  untouched, and an undisturbed session that follows on the same window succeeds.\n\n";
+    R"(# Reliability
+
+Written by `scripts/reliability`. Each session runs in one process on virtual time: the whole
+program without its screen, the virtual indicator, and a line that can be told to fail. After
+each the following is checked, and any breach stops the run:
+
+- The outcome, the boxes and every send are those that the bytes received so far call for.
+- No reply is waited for longer than 20 s, no line sent more than four times, no verdict waited
+  for longer than 60 s. The wait of an image of which nothing was accepted has no end of its
+  own; closing the window ends it.
+- An answer is followed by the next line at once, and a press of Abort or a close by the end.
+- Both opens of the port take the stored settings; while it is in use, the system must not sleep.
+- Success is reported only after "DONE" in the final stage; an indicator that compares then
+  holds exactly the image.
+- The port is closed, the buttons are enabled, the first panel shows, the settings are
+  untouched, and an undisturbed session that follows on the same window succeeds.
+
+)";
 
 [[noreturn]] void Breach(const std::string& where, const std::string& violation) {
     std::cerr << where << ":\n" << violation;

@@ -39,8 +39,20 @@ protected:
     }
 
     const TemporaryFolder folder;
+};
+
+/// A pseudo-terminal and a port at it.
+class PosixPort : public testing::Test {
+protected:
+    void SetUp() override { ASSERT_EQ(grantpt(master.Get()) + unlockpt(master.Get()), 0); }
+    std::unique_ptr<SerialPort> Open() {
+        return MakePosixSerialPorts(pump, {{"COM5", Device()}})->Open("COM5", {});
+    }
+    std::string Device() const { return ptsname(master.Get()); }
+
     const std::unique_ptr<Clock> clock = MakePosixClock();
     PosixMessagePump pump{*clock};
+    const PosixHandle master{posix_openpt(O_RDWR | O_NOCTTY)};
 };
 
 class PosixRegistryFile : public InFolder {
@@ -188,11 +200,8 @@ TEST_F(InFolder, TheSecondInstanceOfATitleIsTold) {
 }
 
 // A read makes the driver deliver, so what the other side has written is available at once.
-TEST_F(InFolder, InputIsCountedAndReadHoweverShortlyAfterTheLastCount) {
-    const PosixHandle master(posix_openpt(O_RDWR | O_NOCTTY));
-    ASSERT_EQ(grantpt(master.Get()) + unlockpt(master.Get()), 0);
-    const auto ports = MakePosixSerialPorts(pump, {{"COM5", ptsname(master.Get())}});
-    const auto port = ports->Open("COM5", {});
+TEST_F(PosixPort, InputIsCountedAndReadHoweverShortlyAfterTheLastCount) {
+    const auto port = Open();
     std::array<char, 8> bytes{};
     for (int i = 0; i < 100; ++i) {
         ASSERT_EQ(port->InputCount(), 0u);
@@ -203,41 +212,31 @@ TEST_F(InFolder, InputIsCountedAndReadHoweverShortlyAfterTheLastCount) {
     }
 }
 
-TEST_F(InFolder, ADeviceOfAGroupIsToldWithTheGroup) {
+TEST_F(PosixPort, OfAGroupIsToldWithTheGroup) {
     if (geteuid() != 0) GTEST_SKIP() << "only root can make such a device";
-    const PosixHandle master(posix_openpt(O_RDWR | O_NOCTTY));
-    ASSERT_EQ(grantpt(master.Get()) + unlockpt(master.Get()), 0);
-    const std::string device = ptsname(master.Get());
     constexpr uid_t kNobody = 65534;
+    const std::string device = Device();
     ASSERT_EQ(chown(device.c_str(), 0, getgrnam("dialout")->gr_gid), 0);
-    const auto ports = MakePosixSerialPorts(pump, {{"COM5", device}});
-    const auto refusal = [&]() -> std::pair<PortOpenError::Reason, std::string> {
-        try {
-            ports->Open("COM5", {});
-        } catch (const PortOpenError& error) {
-            return {error.Why(), error.Who()};
-        }
-        return {};
-    };
-    using Told = std::pair<PortOpenError::Reason, std::string>;
     for (const auto& [mode, group] : {std::pair{0660u, "dialout"}, std::pair{0600u, ""}}) {
         ASSERT_EQ(chmod(device.c_str(), mode) + seteuid(kNobody), 0);
-        EXPECT_EQ(refusal(), Told(PortOpenError::Reason::NotPermitted, group));
+        try {
+            Open();
+            ADD_FAILURE() << "opened";
+        } catch (const PortOpenError& error) {
+            EXPECT_EQ(error.Why(), PortOpenError::Reason::NotPermitted);
+            EXPECT_EQ(error.Who(), group);
+        }
         ASSERT_EQ(seteuid(0), 0);
     }
 }
 
-TEST_F(InFolder, AClosedPortIsNotMarkedAsTakenWhileOthersHoldTheDevice) {
-    const PosixHandle master(posix_openpt(O_RDWR | O_NOCTTY));
-    ASSERT_EQ(grantpt(master.Get()) + unlockpt(master.Get()), 0);
-    const std::string device = ptsname(master.Get());
-    const PosixHandle other(open(device.c_str(), O_RDWR | O_NOCTTY));
+TEST_F(PosixPort, OnceClosedIsNotMarkedAsTakenWhileOthersHoldTheDevice) {
+    const PosixHandle other(open(Device().c_str(), O_RDWR | O_NOCTTY));
     const auto taken = [&other] {
         int answer = -1;
         return ioctl(other.Get(), TIOCGEXCL, &answer) == 0 ? answer : -1;
     };
-    const auto ports = MakePosixSerialPorts(pump, {{"COM5", device}});
-    auto port = ports->Open("COM5", {});
+    auto port = Open();
     EXPECT_EQ(taken(), 1);
     port.reset();
     EXPECT_EQ(taken(), 0);

@@ -7,7 +7,6 @@
 #include <sys/wait.h>
 #include <unistd.h>
 
-#include <array>
 #include <chrono>
 #include <system_error>
 #include <utility>
@@ -15,59 +14,36 @@
 namespace vantor {
 namespace {
 
-using SteadyClock = std::chrono::steady_clock;
-constexpr auto kPatience = std::chrono::seconds(100);
-
 void Must(bool ok, const char* what) {
     if (!ok) throw std::system_error(errno, std::generic_category(), what);
 }
 
-[[noreturn]] void Exec(const std::vector<std::string>& arguments) {
-    std::vector<char*> argv;
-    for (const std::string& argument : arguments)
-        argv.push_back(const_cast<char*>(argument.c_str()));
-    argv.push_back(nullptr);
-    execv(argv[0], argv.data());
-    _exit(127);
-}
-
-/// Appends the available output; closes `end` at end of file or on an error.
-void Drain(int& end, std::string& text) {
-    std::array<char, 4096> chunk;
-    const ssize_t count = read(end, chunk.data(), chunk.size());
-    if (count > 0) {
-        text.append(chunk.data(), static_cast<std::size_t>(count));
-    } else if (count == 0 || errno != EINTR) {
-        close(end);
-        end = -1;
-    }
-}
-
 }  // namespace
 
-Child::Child(const std::vector<std::string>& arguments, Output output) {
-    if (output == Output::Terminal) {
-        mPid = forkpty(&mOutEnd, nullptr, nullptr, nullptr);
-        Must(mPid >= 0, "forkpty");
-        if (mPid == 0) Exec(arguments);
-        return;
-    }
+Child::Child(std::vector<std::string> arguments, Output output) {
+    const bool pipes = output == Output::Pipes;
     std::array<int, 2> out{};
     std::array<int, 2> err{};
-    Must(pipe2(out.data(), O_CLOEXEC) == 0 && pipe2(err.data(), O_CLOEXEC) == 0, "pipe2");
-    mPid = fork();
+    if (pipes)
+        Must(pipe2(out.data(), O_CLOEXEC) == 0 && pipe2(err.data(), O_CLOEXEC) == 0, "pipe2");
+    mPid = pipes ? fork() : forkpty(&mEnds[0], nullptr, nullptr, nullptr);
     Must(mPid >= 0, "fork");
     if (mPid == 0) {
-        const int nothing = open("/dev/null", O_RDONLY | O_CLOEXEC);
-        dup2(nothing, STDIN_FILENO);
-        dup2(out[1], STDOUT_FILENO);
-        dup2(err[1], STDERR_FILENO);
-        Exec(arguments);
+        if (pipes) {
+            dup2(open("/dev/null", O_RDONLY | O_CLOEXEC), STDIN_FILENO);
+            dup2(out[1], STDOUT_FILENO);
+            dup2(err[1], STDERR_FILENO);
+        }
+        std::vector<char*> argv;
+        for (std::string& argument : arguments) argv.push_back(argument.data());
+        argv.push_back(nullptr);
+        execv(argv[0], argv.data());
+        _exit(127);
     }
+    if (!pipes) return;
     close(out[1]);
     close(err[1]);
-    mOutEnd = out[0];
-    mErrEnd = err[0];
+    mEnds = {out[0], err[0]};
 }
 
 Child::~Child() {
@@ -75,36 +51,40 @@ Child::~Child() {
         kill(mPid, SIGKILL);
         waitpid(mPid, nullptr, 0);
     }
-    if (mOutEnd >= 0) close(mOutEnd);
-    if (mErrEnd >= 0) close(mErrEnd);
+    for (const int end : mEnds)
+        if (end >= 0) close(end);
 }
 
-bool Child::Collect() {
-    std::array<pollfd, 2> ends = {{{mOutEnd, POLLIN, 0}, {mErrEnd, POLLIN, 0}}};
-    if (poll(ends.data(), ends.size(), 50) > 0) {
-        if (ends[0].revents != 0) Drain(mOutEnd, mOut);
-        if (ends[1].revents != 0) Drain(mErrEnd, mErr);
+/// Collects output until `done`, the end of both streams, or a time-out; returns `done`.
+bool Child::Until(const std::function<bool()>& done) {
+    const auto now = [] { return std::chrono::steady_clock::now(); };
+    const auto deadline = now() + std::chrono::seconds(100);
+    while (!done() && mEnds != std::array{-1, -1} && now() < deadline) {
+        std::array<pollfd, 2> ends = {{{mEnds[0], POLLIN, 0}, {mEnds[1], POLLIN, 0}}};
+        poll(ends.data(), ends.size(), 50);
+        for (std::size_t i = 0; i < ends.size(); ++i) {
+            if (ends[i].revents == 0) continue;
+            std::array<char, 4096> chunk;
+            const ssize_t count = read(mEnds[i], chunk.data(), chunk.size());
+            if (count > 0)
+                mTexts[i].append(chunk.data(), static_cast<std::size_t>(count));
+            else
+                close(std::exchange(mEnds[i], -1));
+        }
     }
-    return mOutEnd >= 0 || mErrEnd >= 0;
+    return done();
 }
 
 bool Child::WaitFor(const std::string& text) {
-    const auto found = [&] {
-        return mOut.find(text) != std::string::npos || mErr.find(text) != std::string::npos;
-    };
-    const auto deadline = SteadyClock::now() + kPatience;
-    while (!found() && SteadyClock::now() < deadline)
-        if (!Collect()) break;
-    return found();
+    return Until([&] {
+        return Out().find(text) != std::string::npos || Err().find(text) != std::string::npos;
+    });
 }
 
 int Child::Wait() {
-    const auto deadline = SteadyClock::now() + kPatience;
-    while (SteadyClock::now() < deadline && Collect()) continue;
-    if (mOutEnd >= 0 || mErrEnd >= 0) return -1;
+    if (!Until([this] { return mEnds == std::array{-1, -1}; })) return -1;
     int status = 0;
-    Must(waitpid(mPid, &status, 0) == mPid, "waitpid");
-    mPid = -1;
+    Must(waitpid(std::exchange(mPid, -1), &status, 0) > 0, "waitpid");
     return WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
 }
 
@@ -113,11 +93,11 @@ void Child::Signal(int number) const {
 }
 
 void Child::Type(const std::string& text) const {
-    Must(write(mOutEnd, text.data(), text.size()) == static_cast<ssize_t>(text.size()), "write");
+    Must(write(mEnds[0], text.data(), text.size()) == static_cast<ssize_t>(text.size()), "write");
 }
 
 void Child::HangUp() {
-    Must(close(std::exchange(mOutEnd, -1)) == 0, "close");
+    Must(close(std::exchange(mEnds[0], -1)) == 0, "close");
 }
 
 }  // namespace vantor

@@ -3,6 +3,8 @@
 
 #include <sys/types.h>
 
+#include <array>
+#include <functional>
 #include <string>
 #include <vector>
 
@@ -15,7 +17,7 @@ public:
 
     /// Starts `arguments[0]`. With Output::Terminal its three standard streams are one
     /// pseudo-terminal, and `Out` has all output.
-    explicit Child(const std::vector<std::string>& arguments, Output output = Output::Pipes);
+    explicit Child(std::vector<std::string> arguments, Output output = Output::Pipes);
     ~Child();
     Child(const Child&) = delete;
     Child& operator=(const Child&) = delete;
@@ -31,18 +33,15 @@ public:
     /// Takes its terminal away, as a connection that drops does.
     void HangUp();
 
-    const std::string& Out() const { return mOut; }
-    const std::string& Err() const { return mErr; }
+    const std::string& Out() const { return mTexts[0]; }
+    const std::string& Err() const { return mTexts[1]; }
 
 private:
-    /// Collects output for up to 50 ms. False at the end of both streams.
-    bool Collect();
+    bool Until(const std::function<bool()>& done);
 
     pid_t mPid = -1;
-    int mOutEnd = -1;
-    int mErrEnd = -1;
-    std::string mOut;
-    std::string mErr;
+    std::array<int, 2> mEnds = {-1, -1};  // of standard output and error; -1 at their end
+    std::array<std::string, 2> mTexts;
 };
 
 }  // namespace vantor

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cmath>
 #include <cstdio>
 #include <optional>
 #include <span>
@@ -10,6 +11,7 @@
 #include "controls/Controls.hpp"
 #include "controls/Form.hpp"
 #include "controls/TreeView.hpp"
+#include "terminal/TerminalControl.hpp"
 
 namespace vantor::traces {
 namespace {
@@ -21,6 +23,10 @@ constexpr const char* kAnswers[] = {"OK", "Yes", "No", "Cancel"};
 std::string Line(const LineSettings& line) {
     return std::to_string(line.bitsPerSecond) + "," + "NOE"[static_cast<std::size_t>(line.parity)] +
            "," + std::to_string(line.dataBits) + "," + std::to_string(line.stopBits);
+}
+
+std::string Point(float x, float y) {
+    return std::to_string(std::lround(x)) + "," + std::to_string(std::lround(y));
 }
 
 std::string Numbers(const Place& place) {
@@ -62,54 +68,63 @@ std::string Quoted(std::string_view text, Quoting quoting) {
     return quoted + "\"";
 }
 
-class RecordedPeer : public FormPeer {
-public:
+namespace {
+
+/// A service of the program that notes what it does before the `Inner` one does it.
+template <typename Service, typename Inner>
+struct Recorded : Service {
+    Recorded(Recorder& recorder, Inner inner)
+        : mRecorder(recorder), mInner(std::forward<Inner>(inner)) {}
+    Recorded(const Recorded&) = delete;
+    Recorded& operator=(const Recorded&) = delete;
+
+    void Note(const std::string& event) { mRecorder.Note(event); }
+
+    Recorder& mRecorder;
+    Inner mInner;
+};
+
+struct RecordedPeer : Recorded<FormPeer, std::unique_ptr<FormPeer>> {
     RecordedPeer(Recorder& recorder, Form& form, std::unique_ptr<FormPeer> inner)
-        : mRecorder(recorder), mForm(form), mInner(std::move(inner)) {}
+        : Recorded(recorder, std::move(inner)), mForm(form) {}
     ~RecordedPeer() override { mRecorder.Closed(mForm); }
-    RecordedPeer(const RecordedPeer&) = delete;
-    RecordedPeer& operator=(const RecordedPeer&) = delete;
 
     void Show(ShowMode mode, NativeWindow owner) override {
-        mRecorder.Note("show " + mForm.Name() + (mode == ShowMode::Modal ? " modal" : "") + " at " +
-                       Numbers(mForm.Place()) + ", owner " + mRecorder.NameOf(owner) +
-                       MessageOf(mForm));
+        Note("show " + mForm.Name() + (mode == ShowMode::Modal ? " modal" : "") + " at " +
+             Numbers(mForm.Place()) + ", owner " + mRecorder.NameOf(owner) + MessageOf(mForm));
         for (const Control* control : mForm.Controls())
             if (const auto* combo = dynamic_cast<const ComboBox*>(control))
-                mRecorder.Note(mForm.Name() + "." + control->Name() + " is " +
-                               Quoted(combo->Text()));
+                Note(mForm.Name() + "." + control->Name() + " is " + Quoted(combo->Text()));
         mInner->Show(mode, owner);
         if (mode == ShowMode::Modal && mRecorder.onModal) mRecorder.onModal(mForm);
     }
     void FormChanged(Property property) override {
         mInner->FormChanged(property);
         if (!mForm.Visible()) return;
-        if (property == Property::Caption)
-            mRecorder.Note(mForm.Name() + " title " + Quoted(mForm.Caption()));
-        if (property == Property::Place)
-            mRecorder.Note(mForm.Name() + " at " + Numbers(mForm.Place()));
+        if (property == Property::Caption) Note(mForm.Name() + " title " + Quoted(mForm.Caption()));
+        if (property == Property::Place) Note(mForm.Name() + " at " + Numbers(mForm.Place()));
     }
     void ControlChanged(const Control& control, Property property) override {
         mInner->ControlChanged(control, property);
         mRecorder.ControlChanged(mForm, control, property);
     }
-    void DrawLine(const ThinLine& line) override { mInner->DrawLine(line); }
+    void DrawLine(const ThinLine& line) override {
+        mRecorder.Note("line " + Point(line.left, line.top) + " to " +
+                       Point(line.right, line.bottom) +
+                       (line.colour == SystemColour::ButtonShadow ? ", shadow" : ", highlight"));
+        mInner->DrawLine(line);
+    }
     Size TextSize(const Control& control, const std::string& face,
                   const std::string& text) const override {
         return mInner->TextSize(control, face, text);
     }
     NativeWindow WindowHandle() const override { return mInner->WindowHandle(); }
 
-private:
-    Recorder& mRecorder;
     Form& mForm;
-    std::unique_ptr<FormPeer> mInner;
 };
 
-class RecordedPeers : public Peers {
-public:
-    RecordedPeers(Recorder& recorder, HeadlessPeers& inner) : mRecorder(recorder), mInner(inner) {}
-
+struct RecordedPeers : Recorded<Peers, HeadlessPeers&> {
+    using Recorded::Recorded;
     std::unique_ptr<FormPeer> Draw(Form& form) override {
         auto peer = std::make_unique<RecordedPeer>(mRecorder, form, mInner.Draw(form));
         mRecorder.Opened(form, peer->WindowHandle());
@@ -118,25 +133,17 @@ public:
     Size ScreenSize() const override { return mInner.ScreenSize(); }
     void SetMousePointer(MousePointer pointer) override {
         if (pointer != mInner.pointer)
-            mRecorder.Note(pointer == MousePointer::Hourglass ? "pointer wait" : "pointer default");
+            Note(pointer == MousePointer::Hourglass ? "pointer wait" : "pointer default");
         mInner.SetMousePointer(pointer);
     }
     void HoldSystem(const std::string& reason) override {
-        mRecorder.Note(reason.empty() ? "release the system" : "hold the system " + Quoted(reason));
+        Note(reason.empty() ? "release the system" : "hold the system " + Quoted(reason));
         mInner.HoldSystem(reason);
     }
-
-private:
-    Recorder& mRecorder;
-    HeadlessPeers& mInner;
 };
 
-namespace {
-
-class RecordedBoxes : public MessageBoxes {
-public:
-    RecordedBoxes(Recorder& recorder, HeadlessMessageBoxes& inner)
-        : mRecorder(recorder), mInner(inner) {
+struct RecordedBoxes : Recorded<MessageBoxes, HeadlessMessageBoxes&> {
+    RecordedBoxes(Recorder& recorder, HeadlessMessageBoxes& inner) : Recorded(recorder, inner) {
         mInner.whileOpen = [this](const MessageBoxRequest& request) {
             if (mRecorder.onText) mRecorder.onText(request.text);
         };
@@ -145,76 +152,59 @@ public:
     BoxAnswer Show(const MessageBoxRequest& request) override {
         const NativeWindow owner =
             request.owner == 0 ? mRecorder.Headless().peers.Active() : request.owner;
-        mRecorder.Note(std::string("box ") + kIcons[static_cast<int>(request.icon)] + " " +
-                       kButtons[static_cast<int>(request.buttons)] + ", owner " +
-                       mRecorder.NameOf(owner) + ", " + Quoted(request.title) + ": " +
-                       Quoted(request.text));
+        Note(std::string("box ") + kIcons[static_cast<int>(request.icon)] + " " +
+             kButtons[static_cast<int>(request.buttons)] + ", owner " + mRecorder.NameOf(owner) +
+             ", " + Quoted(request.title) + ": " + Quoted(request.text));
         const BoxAnswer answer = mInner.Show(request);
         if (request.buttons != BoxButtons::Ok)
-            mRecorder.Note(std::string("answer ") + kAnswers[static_cast<int>(answer)]);
+            Note(std::string("answer ") + kAnswers[static_cast<int>(answer)]);
         return answer;
     }
     void Beep() override {
-        mRecorder.Note("beep");
+        Note("beep");
         mInner.Beep();
     }
-
-private:
-    Recorder& mRecorder;
-    HeadlessMessageBoxes& mInner;
 };
 
-class RecordedDialogs : public CommonDialogs {
-public:
-    RecordedDialogs(Recorder& recorder, HeadlessDialogs& inner)
-        : mRecorder(recorder), mInner(inner) {}
-
+struct RecordedDialogs : Recorded<CommonDialogs, HeadlessDialogs&> {
+    using Recorded::Recorded;
     bool OpenFile(FileDialogRecord& record) override {
-        Note("open", record);
+        NoteDialog("open", record);
         return Chosen(mInner.OpenFile(record), record);
     }
     bool SaveFile(FileDialogRecord& record) override {
-        Note("save", record);
+        NoteDialog("save", record);
         return Chosen(mInner.SaveFile(record), record);
     }
-
-private:
-    void Note(const char* kind, const FileDialogRecord& record) {
+    void NoteDialog(const char* kind, const FileDialogRecord& record) {
         std::string filter = record.filter;
         while (filter.ends_with('\0')) filter.pop_back();
         for (char& c : filter)
             if (c == '\0') c = '|';
-        mRecorder.Note(std::string("dialog ") + kind + " " + Quoted(record.title) + ", owner " +
-                       mRecorder.NameOf(record.owner) + ", extension " +
-                       Quoted(record.defaultExtension) + ", folder " +
-                       Quoted(record.initialFolder) + ", filter " + Quoted(filter) + ", flags " +
-                       std::to_string(record.flags));
+        Note(std::string("dialog ") + kind + " " + Quoted(record.title) + ", owner " +
+             mRecorder.NameOf(record.owner) + ", extension " + Quoted(record.defaultExtension) +
+             ", folder " + Quoted(record.initialFolder) + ", filter " + Quoted(filter) +
+             ", flags " + std::to_string(record.flags));
     }
     bool Chosen(bool chosen, const FileDialogRecord& record) {
-        mRecorder.Note(chosen ? "chosen " + Quoted(record.file.c_str()) : "cancelled");
+        Note(chosen ? "chosen " + Quoted(record.file.c_str()) : "cancelled");
         return chosen;
     }
-
-    Recorder& mRecorder;
-    HeadlessDialogs& mInner;
 };
 
-class RecordedPort : public SerialPort {
-public:
+struct RecordedPort : Recorded<SerialPort, std::unique_ptr<SerialPort>> {
     RecordedPort(Recorder& recorder, std::string name, std::unique_ptr<SerialPort> inner)
-        : mRecorder(recorder), mName(std::move(name)), mInner(std::move(inner)) {}
-    ~RecordedPort() override { mRecorder.Note("close " + mName); }
-    RecordedPort(const RecordedPort&) = delete;
-    RecordedPort& operator=(const RecordedPort&) = delete;
+        : Recorded(recorder, std::move(inner)), mName(std::move(name)) {}
+    ~RecordedPort() override { Note("close " + mName); }
 
     std::size_t Read(std::span<char> into) override {
         const std::size_t count = mInner->Read(into);
-        if (count > 0) mRecorder.Note("< " + Quoted({into.data(), count}, Quoting::Bytes));
+        if (count > 0) Note("< " + Quoted({into.data(), count}, Quoting::Bytes));
         return count;
     }
     std::size_t Write(std::string_view bytes) override {
         const std::size_t count = mInner->Write(bytes);
-        mRecorder.Note("> " + Quoted(bytes.substr(0, count), Quoting::Bytes));
+        Note("> " + Quoted(bytes.substr(0, count), Quoting::Bytes));
         return count;
     }
     std::size_t InputCount() override { return mInner->InputCount(); }
@@ -222,50 +212,38 @@ public:
     void DiscardInput() override {
         std::string bytes(mInner->InputCount(), '\0');
         if (!bytes.empty()) bytes.resize(mInner->Read(bytes));
-        if (!bytes.empty()) mRecorder.Note("discarded " + Quoted(bytes, Quoting::Bytes));
+        if (!bytes.empty()) Note("discarded " + Quoted(bytes, Quoting::Bytes));
         mInner->DiscardInput();
     }
     void NotifyOnInput(std::function<void()> notify) override {
         if (mListens != static_cast<bool>(notify))
-            mRecorder.Note(mListens ? "receive events off" : "receive events on");
+            Note(mListens ? "receive events off" : "receive events on");
         mListens = static_cast<bool>(notify);
         mInner->NotifyOnInput(std::move(notify));
     }
 
-private:
-    Recorder& mRecorder;
     std::string mName;
-    std::unique_ptr<SerialPort> mInner;
     bool mListens = false;
 };
 
-class RecordedPorts : public SerialPorts {
-public:
-    RecordedPorts(Recorder& recorder, HeadlessSerialPorts& inner)
-        : mRecorder(recorder), mInner(inner) {}
-
+struct RecordedPorts : Recorded<SerialPorts, HeadlessSerialPorts&> {
+    using Recorded::Recorded;
     std::unique_ptr<SerialPort> Open(const std::string& name, const LineSettings& line) override {
         try {
             auto port = mInner.Open(name, line);
-            mRecorder.Note("open " + name + " " + Line(line));
+            Note("open " + name + " " + Line(line));
             return std::make_unique<RecordedPort>(mRecorder, name, std::move(port));
         } catch (const RuntimeError&) {
-            mRecorder.Note("open " + name + " " + Line(line) + " fails");
+            Note("open " + name + " " + Line(line) + " fails");
             throw;
         }
     }
     std::vector<SerialPortInfo> List() const override { return mInner.List(); }
-
-private:
-    Recorder& mRecorder;
-    HeadlessSerialPorts& mInner;
 };
 
 /// Notes timers of a second or more; shorter ones pace the program's own work.
-class RecordedPump : public MessagePump {
-public:
-    RecordedPump(Recorder& recorder, HeadlessPump& inner) : mRecorder(recorder), mInner(inner) {}
-
+struct RecordedPump : Recorded<MessagePump, HeadlessPump&> {
+    using Recorded::Recorded;
     void PumpPending() override { mInner.PumpPending(); }
     void AwaitInput() override { mInner.AwaitInput(); }
     void Run() override { mInner.Run(); }
@@ -273,30 +251,24 @@ public:
     TimerId StartTimer(std::uint32_t intervalMs, std::function<void()> tick) override {
         const TimerId id =
             mInner.StartTimer(intervalMs, [this, intervalMs, call = std::move(tick)] {
-                if (intervalMs >= 1000) mRecorder.Note("timer ticks");
+                if (intervalMs >= 1000) Note("timer ticks");
                 call();
             });
         if (intervalMs >= 1000) {
-            mRecorder.Note("timer " + std::to_string(intervalMs) + " ms on");
+            Note("timer " + std::to_string(intervalMs) + " ms on");
             mLong.insert({id, intervalMs});
         }
         return id;
     }
     void StopTimer(TimerId id) override {
-        if (mLong.erase(id) != 0) mRecorder.Note("timer off");
+        if (mLong.erase(id) != 0) Note("timer off");
         mInner.StopTimer(id);
     }
-
-private:
-    Recorder& mRecorder;
-    HeadlessPump& mInner;
     std::map<TimerId, std::uint32_t> mLong;
 };
 
-class RecordedShell : public Shell {
-public:
-    RecordedShell(Recorder& recorder, HeadlessShell& inner) : mRecorder(recorder), mInner(inner) {}
-
+struct RecordedShell : Recorded<Shell, HeadlessShell&> {
+    using Recorded::Recorded;
     std::int32_t Execute(const ShellRequest& request) override {
         return Noted("execute", request, mInner.Execute(request));
     }
@@ -305,23 +277,25 @@ public:
     }
     bool IsActive(ShellProcess process) const override { return mInner.IsActive(process); }
     void Release(ShellProcess process) override { mInner.Release(process); }
-
-private:
     std::int32_t Noted(const char* how, const ShellRequest& request, std::int32_t result) {
-        mRecorder.Note(std::string("shell ") + how + " " + Quoted(request.verb) + " " +
-                       Quoted(request.file) + ", owner " + mRecorder.NameOf(request.owner));
+        Note(std::string("shell ") + how + " " + Quoted(request.verb) + " " + Quoted(request.file) +
+             ", owner " + mRecorder.NameOf(request.owner));
         return result;
     }
+};
 
-    Recorder& mRecorder;
-    HeadlessShell& mInner;
+struct RecordedOutput : Recorded<OutputFile, std::unique_ptr<OutputFile>> {
+    using Recorded::Recorded;
+    ~RecordedOutput() override { Note("close the file"); }
+    void Write(std::string_view bytes) override {
+        Note("write " + Quoted(bytes, Quoting::Bytes));
+        mInner->Write(bytes);
+    }
 };
 
 /// Notes what is written and deleted; reading has no effect that anybody notices.
-class RecordedFiles : public Files {
-public:
-    RecordedFiles(Recorder& recorder, HeadlessFiles& inner) : mRecorder(recorder), mInner(inner) {}
-
+struct RecordedFiles : Recorded<Files, HeadlessFiles&> {
+    using Recorded::Recorded;
     bool Exists(const std::string& path) const override { return mInner.Exists(path); }
     bool SameFile(const std::string& path, const std::string& other) const override {
         return mInner.SameFile(path, other);
@@ -331,46 +305,29 @@ public:
         return mInner.ReadStart(path, most);
     }
     void WriteAll(const std::string& path, std::string_view bytes) override {
-        mRecorder.Note("write " + Quoted(path) + " " + Quoted(bytes));
+        Note("write " + Quoted(path) + " " + Quoted(bytes));
         mInner.WriteAll(path, bytes);
     }
     void Append(const std::string& path, std::string_view bytes) override {
-        mRecorder.Note("append to " + Quoted(path) + " " + Quoted(bytes));
+        Note("append to " + Quoted(path) + " " + Quoted(bytes));
         mInner.Append(path, bytes);
     }
     std::unique_ptr<OutputFile> Create(const std::string& path) override {
-        struct Output : OutputFile {
-            Output(Recorder& recorder, std::unique_ptr<OutputFile> inner)
-                : mRecorder(recorder), mInner(std::move(inner)) {}
-            ~Output() override { mRecorder.Note("close the file"); }
-            Output(const Output&) = delete;
-            Output& operator=(const Output&) = delete;
-            void Write(std::string_view bytes) override {
-                mRecorder.Note("write " + Quoted(bytes, Quoting::Bytes));
-                mInner->Write(bytes);
-            }
-            Recorder& mRecorder;
-            std::unique_ptr<OutputFile> mInner;
-        };
-        mRecorder.Note("create " + Quoted(path));
-        return std::make_unique<Output>(mRecorder, mInner.Create(path));
+        Note("create " + Quoted(path));
+        return std::make_unique<RecordedOutput>(mRecorder, mInner.Create(path));
     }
     void Delete(const std::string& path) override {
-        mRecorder.Note("delete " + Quoted(path));
+        Note("delete " + Quoted(path));
         mInner.Delete(path);
     }
     void CreateFolders(const std::string& path) override {
-        mRecorder.Note("create folder " + Quoted(path));
+        Note("create folder " + Quoted(path));
         mInner.CreateFolders(path);
     }
     std::vector<std::string> List(const std::string& folder, const std::string& pattern,
                                   ListFilter filter) const override {
         return mInner.List(folder, pattern, filter);
     }
-
-private:
-    Recorder& mRecorder;
-    HeadlessFiles& mInner;
 };
 
 }  // namespace
@@ -490,10 +447,6 @@ std::string FullName(const Form& form, const Control& control) {
     return name;
 }
 
-}  // namespace
-
-namespace {
-
 /// How the control differs from the default, as its design says.
 std::string StyleOf(const ControlStyle& style) {
     std::string text;
@@ -537,6 +490,12 @@ void Recorder::Describe(const Form& form) {
                 Note("    node " + node.key + " under " + Quoted(node.parent) + " " +
                      Quoted(node.text) + (node.bold ? ", bold" : "") +
                      (node.expanded ? ", expanded" : ""));
+        if (const auto* picture = dynamic_cast<const PictureBox*>(&control))
+            for (const PictureBox::Printed& printed : picture->PrintedTexts())
+                Note("    prints " + Quoted(printed.text) + " at " +
+                     Point(printed.left, printed.top) + " in " + printed.fontName);
+        if (const auto* terminal = dynamic_cast<const TerminalControl*>(&control))
+            if (terminal->FollowOutput()) Note("    follows its output");
     }
 }
 
@@ -560,6 +519,7 @@ void Recorder::ControlChanged(const Form& form, const Control& control, Property
             Note(FullName(form, control) + " " + value);
     if (property == Property::Repaint && control.Kind() == ControlKind::Label && form.Visible())
         Note(FullName(form, control) + " drawn");
+    if (property == Property::ZOrder && form.Visible()) Note(FullName(form, control) + " in front");
     if (property == Property::Caption && onText) onText(control.Caption());
 }
 

@@ -50,14 +50,13 @@ public:
     /// Name of the window with this handle; "none" for 0.
     std::string NameOf(NativeWindow window) const;
 
-private:
-    friend class RecordedPeer;
-    friend class RecordedPeers;
-    struct Wrappers;
-
+    // For the services that report here.
     void Opened(const Form& form, NativeWindow window);
     void Closed(const Form& form);
     void ControlChanged(const Form& form, const Control& control, Property property);
+
+private:
+    struct Wrappers;
 
     HeadlessPlatform mHeadless;
     std::unique_ptr<Wrappers> mWrappers;

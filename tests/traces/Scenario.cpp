@@ -1,5 +1,6 @@
 #include "tests/traces/Scenario.hpp"
 
+#include <algorithm>
 #include <functional>
 #include <list>
 #include <map>
@@ -15,6 +16,7 @@
 #include "controls/TreeView.hpp"
 #include "monitor/frmMonitor.hpp"
 #include "simulator/VirtualIndicator.hpp"
+#include "tests/Words.hpp"
 #include "tests/faults/Images.hpp"
 #include "tests/faults/ReportingPlatform.hpp"
 #include "tests/traces/Recorder.hpp"
@@ -24,39 +26,6 @@ namespace vantor::traces {
 namespace {
 
 const std::string kImage = "/home/tech/m40.run";
-
-using Words = std::vector<std::string>;
-
-char Unescaped(char c) {
-    return c == 'r' ? '\r' : c == 'n' ? '\n' : c == 'e' ? '\x1b' : c == 't' ? '\t' : c;
-}
-
-/// Splits at spaces; text in quotes is one word, with the escapes \r \n \e \t \" \\ and \xNN.
-Words WordsOf(const std::string& line) {
-    Words words;
-    for (std::size_t at = 0; at < line.size();) {
-        if (line[at] == ' ') {
-            ++at;
-            continue;
-        }
-        std::string word;
-        const bool quoted = line[at] == '"';
-        at += quoted ? 1 : 0;
-        for (; at < line.size() && line[at] != (quoted ? '"' : ' '); ++at) {
-            if (!quoted || line[at] != '\\') {
-                word += line[at];
-            } else if (line.at(++at) == 'x') {
-                word += static_cast<char>(std::stoi(line.substr(at + 1, 2), nullptr, 16));
-                at += 2;
-            } else {
-                word += Unescaped(line[at]);
-            }
-        }
-        at += quoted ? 1 : 0;
-        words.push_back(word);
-    }
-    return words;
-}
 
 std::uint32_t Number(const std::string& word) {
     return static_cast<std::uint32_t>(std::stoul(word));
@@ -151,13 +120,13 @@ private:
     static const std::map<std::string, Verb>& Verbs();
 
     void Shown(const std::string& text) {
-        for (auto waiting = mWaiting.begin(); waiting != mWaiting.end(); ++waiting) {
-            if (text.find(waiting->text) == std::string::npos) continue;
-            const Waiting due = *waiting;
-            mWaiting.erase(waiting);
-            After(due.delayMs, due);
-            return;
-        }
+        const auto waiting = std::ranges::find_if(mWaiting, [&](const Waiting& candidate) {
+            return text.find(candidate.text) != std::string::npos;
+        });
+        if (waiting == mWaiting.end()) return;
+        const Waiting due = *waiting;
+        mWaiting.erase(waiting);
+        After(due.delayMs, due);
     }
 
     void After(std::uint32_t delayMs, const Waiting& due) {
@@ -170,13 +139,11 @@ private:
     }
 
     void Modal(Form& form) {
-        for (auto waiting = mModal.begin(); waiting != mModal.end() && !form.Gone();) {
-            if (waiting->text != form.Name()) {
-                ++waiting;
-                continue;
-            }
+        for (;;) {
+            const auto waiting = std::ranges::find(mModal, form.Name(), &Waiting::text);
+            if (waiting == mModal.end() || form.Gone()) return;
             const Waiting due = *waiting;
-            waiting = mModal.erase(waiting);
+            mModal.erase(waiting);
             Perform(due.action, due.line);
         }
     }
@@ -255,51 +222,59 @@ private:
 };
 
 const std::map<std::string, Scenario::Verb>& Scenario::Verbs() {
+    using S = Scenario;
+    using W = const Words;
     static const std::map<std::string, Verb> kVerbs = {
         // What there is.
-        {"fault",
-         [](Scenario& s, const Words& w) { s.mOptions.faults.push_back(ParseFault(w.at(1))); }},
-        {"speed",  // of the boot monitor after power-up
-         [](Scenario& s, const Words& w) { s.mOptions.bitsPerSecond = Number(w.at(1)); }},
-        {"writes",  // flash memory, for so long
-         [](Scenario& s, const Words& w) {
-             s.mOptions.writeFlash = Micros{Number(w.at(1))} * 1000;
-         }},
-        {"image",  // of N data records and the end record, or "TEXT"
-         [](Scenario& s, const Words& w) {
+        {"fault", [](S& s, W& w) { s.mOptions.faults.push_back(ParseFault(w.at(1))); }},
+        {"speed", [](S& s, W& w) { s.mOptions.bitsPerSecond = Number(w.at(1)); }},
+        {"writes", [](S& s, W& w) { s.mOptions.writeFlash = Micros{Number(w.at(1))} * 1000; }},
+        {"image",
+         [](S& s, W& w) {
              const bool number = w.at(1).find_first_not_of("0123456789") == std::string::npos;
              s.MakeIndicator(number && !w[1].empty() ? ImageOf(Number(w[1])) : w[1]);
          }},
         {"verdict",  // the bytes that the indicator sends instead of DONE
-         [](Scenario& s, const Words& w) { s.mFarEnd->verdict = w.at(1); }},
+         [](S& s, W& w) { s.mFarEnd->verdict = w.at(1); }},
+        {"hides", [](S& s, W& w) { s.Headless().files.SetHidden(w.at(1)); }},
+        {"eager",  // lists: they report a selection while they are filled
+         [](S& s, W&) {
+             s.Headless().peers.onChange = [](const Control& control, Property) {
+                 auto* combo = dynamic_cast<ComboBox*>(const_cast<Control*>(&control));
+                 if (combo && combo->ListIndex() < 0)
+                     combo->Choose(static_cast<int>(combo->Items().size()) - 1);
+             };
+         }},
+        {"nowhere",  // the system does not name the program's folder
+         [](S& s, W&) { s.Headless().process.executable.clear(); }},
         {"homeless",  // the system names no folders
-         [](Scenario& s, const Words&) { s.Headless().folders.home.clear(); }},
+         [](S& s, W&) { s.Headless().folders.home.clear(); }},
         {"another",  // instance of the program runs
-         [](Scenario& s, const Words&) { s.Headless().process.anotherRuns = true; }},
+         [](S& s, W&) { s.Headless().process.anotherRuns = true; }},
         {"slow",  // driver: it accepts so many bytes a write
-         [](Scenario& s, const Words& w) { s.Headless().ports.LimitWrites(Number(w.at(1))); }},
+         [](S& s, W& w) { s.Headless().ports.LimitWrites(Number(w.at(1))); }},
         {"ports",  // beside COM1
-         [](Scenario& s, const Words& w) {
+         [](S& s, W& w) {
              for (std::size_t i = 1; i < w.size(); ++i)
                  s.Headless().ports.Plug(w[i], static_cast<FarEnd&>(*s.mWire));
          }},
-        {"wire",  // a bare line instead of an indicator
-         [](Scenario& s, const Words&) {
+        {"wire",
+         [](S& s, W&) {
              s.mWire.emplace();
              s.Connect();
          }},
         {"registry",
-         [](Scenario& s, const Words& w) {
+         [](S& s, W& w) {
              s.Headless().registry.Import(RegistryWith(w.at(1), w.at(2)));
              s.mStored = s.Headless().registry.Export();
          }},
-        {"file", [](Scenario& s, const Words& w) { s.Headless().files.Add(w.at(1), w.at(2)); }},
-        {"fails",  // PATH, with an error number
-         [](Scenario& s, const Words& w) {
+        {"file", [](S& s, W& w) { s.Headless().files.Add(w.at(1), w.at(2)); }},
+        {"fails",
+         [](S& s, W& w) {
              s.Headless().files.FailOn(w.at(1), static_cast<std::int32_t>(Number(w.at(2))));
          }},
         {"main",
-         [](Scenario& s, const Words&) {
+         [](S& s, W&) {
              s.mErrors = s.mRecorder->MakeErrorHandler();
              SetErrorSink(s.mErrors.get());
              s.mMain = std::make_shared<frmMain>(s.mRecorder->Manager(), s.mRecorder->Services());
@@ -307,72 +282,82 @@ const std::map<std::string, Scenario::Verb>& Scenario::Verbs() {
              s.mMain->Show();
          }},
         {"program",
-         [](Scenario& s, const Words&) {
+         [](S& s, W&) {
              s.mStartup.emplace(s.mRecorder->Services());
              s.mRecorder->Note(s.mStartup->Main() ? "runs" : "does not run");
          }},
         // What the user does.
         {"answers",
-         [](Scenario& s, const Words& w) {
+         [](S& s, W& w) {
              s.Headless().boxes.answers.push_back(w.at(1) == "Yes"  ? BoxAnswer::Yes
                                                   : w.at(1) == "No" ? BoxAnswer::No
                                                                     : BoxAnswer::Cancel);
          }},
-        {"chooses",
-         [](Scenario& s, const Words& w) { s.Headless().dialogs.choices.push_back(w.at(1)); }},
-        {"presses", [](Scenario& s, const Words& w) { s.Find<ClickControl>(w.at(1)).Press(); }},
+        {"chooses", [](S& s, W& w) { s.Headless().dialogs.choices.push_back(w.at(1)); }},
+        {"presses", [](S& s, W& w) { s.Find<ClickControl>(w.at(1)).Press(); }},
         {"picks",
-         [](Scenario& s, const Words& w) {
+         [](S& s, W& w) {
              auto& combo = s.Find<ComboBox>(w.at(1));
              combo.Choose(FindStringComboBox(combo, w.at(2)));
          }},
         {"selects",
-         [](Scenario& s, const Words& w) {
+         [](S& s, W& w) {
              auto& tree = s.Find<TreeView>(w.at(1));
              const int before = tree.Selected();
              tree.Select(tree.NodeIndex(w.at(2)));
              tree.RaiseIfMoved(before);
          }},
-        {"row",  // of a list is selected
-         [](Scenario& s, const Words& w) {
-             s.Find<ListView>(w.at(1)).Choose(static_cast<int>(Number(w.at(2))));
-         }},
-        {"closes", [](Scenario& s, const Words& w) { s.Window(w.at(1)).Unload(); }},
-        {"types",
-         [](Scenario& s, const Words& w) { s.Find<TerminalControl>("comMonitor").Type(w.at(1)); }},
-        {"invokes",  // a command of the terminal's context menu
-         [](Scenario& s, const Words& w) {
+        {"row",
+         [](S& s, W& w) { s.Find<ListView>(w.at(1)).Choose(static_cast<int>(Number(w.at(2)))); }},
+        {"closes", [](S& s, W& w) { s.Window(w.at(1)).Unload(); }},
+        {"types", [](S& s, W& w) { s.Find<TerminalControl>("comMonitor").Type(w.at(1)); }},
+        {"invokes",
+         [](S& s, W& w) {
              s.Find<TerminalControl>("comMonitor")
                  .Invoke(static_cast<TerminalCommand>(Number(w.at(1))));
          }},
-        {"describes",
-         [](Scenario& s, const Words& w) { s.mRecorder->Describe(s.Window(w.at(1))); }},
-        {"helps", [](Scenario& s, const Words& w) { s.Window(w.at(1)).HelpWanted(); }},
+        {"describes", [](S& s, W& w) { s.mRecorder->Describe(s.Window(w.at(1))); }},
+        {"paints", [](S& s, W& w) { s.Window(w.at(1)).Painting(); }},
+        {"resizes",  // WINDOW WIDTH HEIGHT, or WINDOW minimised
+         [](S& s, W& w) {
+             Form& form = s.Window(w.at(1));
+             const Place& at = form.Place();
+             if (w.at(2) == "minimised") return form.Placed(at, WindowState::Minimised, {});
+             const Size size{std::stof(w.at(2)), std::stof(w.at(3))};
+             form.Placed({at.left, at.top, size.width, size.height}, WindowState::Normal, size);
+         }},
+        {"helps", [](S& s, W& w) { s.Window(w.at(1)).HelpWanted(); }},
         // What happens to the line and the system.
         {"pump",
-         [](Scenario& s, const Words& w) {
+         [](S& s, W& w) {
              for (std::uint32_t i = 0; i < Number(w.at(1)); ++i) s.Headless().pump.PumpPending();
          }},
-        {"after",  // MS, ACTION
-         [](Scenario& s, const Words& w) {
+        {"after",
+         [](S& s, W& w) {
              s.After(Number(w.at(1)), {.text = {}, .action = {w.begin() + 2, w.end()}, .line = {}});
          }},
         {"stops",  // the process, for so long
-         [](Scenario& s, const Words& w) { s.Headless().clock.Sleep(Number(w.at(1))); }},
-        {"receive", [](Scenario& s, const Words& w) { s.mWire->sent += w.at(1); }},
-        {"unplug", [](Scenario& s, const Words&) { s.Headless().ports.Unplug("COM1"); }},
-        {"busy", [](Scenario& s, const Words& w) { s.Headless().ports.Hold(w.at(1), true); }},
-        {"delete", [](Scenario& s, const Words& w) { s.Headless().files.Delete(w.at(1)); }},
-        {"shell",  // returns this code from now on
-         [](Scenario& s, const Words& w) {
-             s.Headless().shell.code = static_cast<std::int32_t>(Number(w.at(1)));
+         [](S& s, W& w) { s.Headless().clock.Sleep(Number(w.at(1))); }},
+        {"stalls",  // the process, for so long, between the poll of the port and the timers
+         [](S& s, W& w) {
+             const auto source = std::make_shared<SourceId>();
+             *source = s.Headless().pump.AddSource([&s, source, ms = Number(w.at(1))] {
+                 s.Headless().pump.RemoveSource(*source);
+                 s.Headless().clock.Sleep(ms);
+             });
          }},
+        {"receive", [](S& s, W& w) { s.mWire->sent += w.at(1); }},
+        {"unplug", [](S& s, W&) { s.Headless().ports.Unplug("COM1"); }},
+        {"busy", [](S& s, W& w) { s.Headless().ports.Hold(w.at(1), true); }},
+        {"delete", [](S& s, W& w) { s.Headless().files.Delete(w.at(1)); }},
+        {"shell",  // returns this code from now on
+         [](S& s, W& w) { s.Headless().shell.code = static_cast<std::int32_t>(Number(w.at(1))); }},
         {"flashing",  // as if a session were in progress
-         [](Scenario& s, const Words&) { s.mMain->Session().Flags().mblnFlashing = true; }},
+         [](S& s, W&) { s.mMain->Session().Flags().mblnFlashing = true; }},
         {"idle",  // ends `flashing`
-         [](Scenario& s, const Words&) { s.mMain->Session().Flags().mblnFlashing = false; }},
+         [](S& s, W&) { s.mMain->Session().Flags().mblnFlashing = false; }},
         {"refuse",  // windows or timers
-         [](Scenario& s, const Words& w) {
+         [](S& s, W& w) {
              (w.at(1) == "windows" ? s.Headless().peers.refuse : s.Headless().pump.refuse) = true;
          }},
     };

@@ -10,4 +10,9 @@ namespace vantor::traces {
 /// that is not understood or never came about.
 std::string RunScenario(const std::string& script);
 
+/// Returns a script of `tests/terminal` with the lines that state what each action changed written
+/// anew. `inPieces` delivers received bytes one by one. Throws std::exception for a line that is
+/// not understood.
+std::string RunTerminal(const std::string& script, bool inPieces);
+
 }  // namespace vantor::traces

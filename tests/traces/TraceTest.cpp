@@ -1,6 +1,6 @@
-// One test per scenario file: runs its script and compares the trace, line by line, with the
-// expected one below "---". `trace_tests --accept` writes the traces into the files instead, for
-// review as a change of behaviour.
+// One test per scenario (*.trace) and per script of a terminal (*.terminal): runs the file and
+// compares what comes about with what it states. `trace_tests --accept` writes that into the files
+// instead, for review as a change of behaviour.
 #include <gtest/gtest.h>
 
 #include <algorithm>
@@ -32,17 +32,25 @@ public:
 
     void TestBody() override {
         const std::string text = ReadText(mFile);
-        const std::size_t separator = text.find(kSeparator);
-        ASSERT_TRUE(accept || separator != std::string::npos) << "has no expected trace";
-        const std::string script = text.substr(0, separator);
-        const std::string trace = RunScenario(script);
+        const std::string now = Rerun(text);
         if (accept)
-            std::ofstream(mFile, std::ios::binary) << script << kSeparator << trace;
+            std::ofstream(mFile, std::ios::binary) << now;
         else
-            EXPECT_EQ(text.substr(separator + std::string(kSeparator).size()), trace);
+            EXPECT_EQ(text, now);
     }
 
 private:
+    /// The text of the file with what it expects written anew.
+    std::string Rerun(const std::string& text) const {
+        if (mFile.extension() == ".trace") {
+            const std::string script = text.substr(0, text.find(kSeparator));
+            return script + kSeparator + RunScenario(script);
+        }
+        const std::string now = RunTerminal(text, false);
+        EXPECT_EQ(now, RunTerminal(text, true)) << "received byte by byte";
+        return now;
+    }
+
     fs::path mFile;
 };
 
@@ -54,8 +62,11 @@ int main(int argc, char** argv) {
     testing::InitGoogleTest(&argc, argv);
     accept = argc == 2 && argv[1] == std::string("--accept");
     std::vector<fs::path> files;
-    for (const auto& entry : fs::directory_iterator(SCENARIOS))
-        if (entry.path().extension() == ".trace") files.push_back(entry.path());
+    for (const char* const folder : {TESTS "/traces", TESTS "/terminal"})
+        for (const auto& entry : fs::directory_iterator(folder))
+            if (const fs::path& file = entry.path();
+                file.extension() == ".trace" || file.extension() == ".terminal")
+                files.push_back(file);
     std::ranges::sort(files);
     for (const fs::path& file : files)
         testing::RegisterTest("Trace", file.stem().string().c_str(), nullptr, nullptr, __FILE__,

@@ -3,72 +3,70 @@
 
 #include <gtest/gtest.h>
 
-#include "tests/faults/ReportingPlatform.hpp"
+#include "support/text/Unicode.hpp"
+#include "tests/unit/Table.hpp"
 
 namespace vantor {
 namespace {
 
-using namespace std::string_literals;
+struct Subject {
+    ReportingPlatform platform;
+    CEncryption encryption{platform.codePage, platform.files};
+    std::string out;
+};
+using Argument = const std::string&;
 
-class CEncryptionTest : public testing::Test {
-protected:
-    /// The scrambled bytes of `text`.
-    std::string Bytes(const std::string& text) {
-        return mPlatform.codePage.ToAnsi(mEncryption.EncryptStringAscii(text));
-    }
-
-    ReportingPlatform mPlatform;
-    CEncryption mEncryption{mPlatform.codePage, mPlatform.files};
+const Verbs<Subject> kVerbs = {
+    {"password", [](Subject& s, Argument text) { s.encryption.Password = text; }},
+    {"long-password",  // of so many characters of two bytes 255
+     [](Subject& s, Argument count) {
+         s.encryption.Password.clear();
+         for (int i = 0; i < std::stoi(count); ++i) s.encryption.Password += "\uffff";
+     }},
+    {"scramble",
+     [](Subject& s, Argument text) {
+         s.out += s.platform.codePage.ToAnsi(s.encryption.EncryptStringAscii(text));
+     }},
+    {"twice",
+     [](Subject& s, Argument text) {
+         s.out += s.encryption.EncryptStringAscii(s.encryption.EncryptStringAscii(text));
+     }},
+    {"length",  // of the scrambled text of so many letters, as 8-bit text and as wide text
+     [](Subject& s, Argument count) {
+         const std::size_t length = std::stoul(count);
+         s.out += Row(CharacterCount(s.encryption.EncryptStringAscii(std::string(length, 'a'))),
+                      s.encryption.EncryptString(std::u16string(length, u'a')).size(), "");
+     }},
+    {"wide",
+     [](Subject& s, Argument text) {
+         const std::u16string wide(text.begin(), text.end());
+         for (const char16_t unit : s.encryption.EncryptString(wide))
+             s.out += Row(static_cast<unsigned>(unit), "");
+     }},
+    {"file",  // scrambled onto another, and that onto itself
+     [](Subject& s, Argument bytes) {
+         s.platform.files.Add("/d/in", bytes);
+         s.platform.files.Add("/d/out", std::string(100, 'x'));
+         s.encryption.InputFileName = "/d/in";
+         s.encryption.OutputFileName = "/d/out";
+         s.encryption.EncryptFile();
+         s.out += s.platform.files.ReadAll("/d/out") + "|";
+         s.encryption.InputFileName = "/d/out";
+         s.encryption.EncryptFile();
+         s.out += s.platform.files.ReadAll("/d/out");
+     }},
+    {"unreadable",
+     [](Subject& s, Argument) {
+         s.platform.files.Add("/d/out", "kept");
+         s.encryption.InputFileName = "/d/none";
+         s.encryption.OutputFileName = "/d/out";
+         s.encryption.EncryptFile();
+         s.out += s.platform.files.ReadAll("/d/out");
+     }},
 };
 
-// 25 bytes go past the end of the 16-byte key, so the vector includes the step back to index 1.
-TEST_F(CEncryptionTest, TheStoredFormatMustNotChange) {
-    EXPECT_EQ(Bytes("The quick brown fox jumps"),
-              "\x1f\x68\xb4\x20\x6b\x75\xa7\x63\x06\x20\x20\x72\x22\x77\x0a\x20\x66\xbe\xdc\x3a"
-              "\x62\xbb\xcb\x1d\x83");
-    mEncryption.Password = "A";
-    EXPECT_EQ(Bytes("ABCDEF"), "\0BCDEF"s) << "the key goes on from its byte 1, never from 0";
-}
-
-TEST_F(CEncryptionTest, AByteThatScramblesToZeroMustNotEndTheText) {
-    const std::string scrambled = mEncryption.EncryptStringAscii("K123");
-    EXPECT_EQ(scrambled.substr(0, 2), "\0"s + "1");
-    EXPECT_EQ(mEncryption.EncryptStringAscii(scrambled), "K123");
-    EXPECT_EQ(mEncryption.EncryptStringAscii(""), "");
-    EXPECT_EQ(mEncryption.EncryptString(u""), u"");
-    EXPECT_EQ(Told(mPlatform), Texts{});
-}
-
-// Position 129 is the first at which a key byte of 255 makes the product exceed 16 bits.
-TEST_F(CEncryptionTest, AnOverflowIsToldOnceAndGivesNoHalfScrambledText) {
-    const std::string text(1000, 'a');
-    mEncryption.Password.clear();
-    for (int i = 0; i < 64; ++i) mEncryption.Password += "\uffff";
-    EXPECT_EQ(mEncryption.EncryptStringAscii(mEncryption.EncryptStringAscii(text)), text);
-    EXPECT_EQ(Told(mPlatform), Texts{}) << "64 characters are few enough";
-
-    mEncryption.Password += "\uffff";
-    EXPECT_EQ(Bytes(text.substr(0, 129)).size(), 129u);
-    EXPECT_EQ(Told(mPlatform), Texts{}) << "position 128 is still in range";
-    EXPECT_EQ(mEncryption.EncryptStringAscii(text), "");
-    EXPECT_EQ(mEncryption.EncryptString(std::u16string(100, u'a')), u"");
-    EXPECT_EQ(Told(mPlatform), Texts(2, "none|EncryptByte|Error: 6. Overflow"));
-}
-
-TEST_F(CEncryptionTest, AFileIsReplacedByItsScrambledBytes) {
-    const std::string plain = "line\r\n\0\xff end"s;
-    mPlatform.files.Add("/d/in", plain);
-    mPlatform.files.Add("/d/out", std::string(100, 'x'));
-    mEncryption.InputFileName = "/d/in";
-    mEncryption.OutputFileName = "/d/out";
-    mEncryption.EncryptFile();
-    const std::string scrambled = mPlatform.files.ReadAll("/d/out");
-    EXPECT_EQ(scrambled, Bytes(mPlatform.codePage.FromAnsi(plain)));
-
-    mEncryption.InputFileName = "/d/out";
-    mEncryption.EncryptFile();
-    EXPECT_EQ(mPlatform.files.ReadAll("/d/out"), plain) << "scrambled onto itself";
-    EXPECT_EQ(Told(mPlatform), Texts{});
+TEST(CEncryption, TheStoredFormatMustNotChange) {
+    ExpectTable("scrambled", [](const Words& steps) { return Perform(Subject(), kVerbs, steps); });
 }
 
 }  // namespace

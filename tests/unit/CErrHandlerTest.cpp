@@ -3,180 +3,138 @@
 
 #include <gtest/gtest.h>
 
+#include <map>
 #include <new>
 #include <stdexcept>
 #include <system_error>
 
 #include "tests/faults/ReportingPlatform.hpp"
+#include "tests/unit/Table.hpp"
 
 namespace vantor {
 namespace {
 
-const std::string kFile = "C:\\ERRORS.TXT";
-
-class CErrHandlerTest : public testing::Test {
-protected:
-    static std::function<void()> Raise(ErrorNumber number) {
-        return [number] { throw RuntimeError(number); };
+/// Notes what is written; opening it fails on request.
+struct Records : ErrorRecordSet {
+    std::string TypeName() const override { return "Records"; }
+    void Open() override {
+        if (locked) throw RuntimeError(ErrorNumber::PermissionDenied);
     }
-    void Overflow(const std::string& procedure) {
-        Trapped(procedure, Raise(ErrorNumber::Overflow));
+    void AddNew() override { notes += "new"; }
+    void Field(std::string_view name, const std::string& value) override {
+        notes += " " + std::string(name) + "=" + value;
     }
-    std::string Report() { return mPlatform.files.ReadAll(kFile); }
-
-    ReportingPlatform mPlatform;
-    CErrHandler& mErrors = mPlatform.errors;
+    void Update() override { notes += " updated"; }
+    std::string notes;
+    bool locked = false;
+};
+struct Picture : DestinationObject {
+    std::string TypeName() const override { return "Picture"; }
 };
 
-const std::string kOverflowBox = ReportBox("a.b", "(6) Overflow");
+struct Handler {
+    ReportingPlatform platform;
+    CErrHandler& errors = platform.errors;
+    std::shared_ptr<Records> records = std::make_shared<Records>();
+    std::string out;
+};
 
-TEST_F(CErrHandlerTest, TheBoxMustNameProcedureLineNumberAndOperation) {
-    Trapped("frmMain.FlashIndicator", Raise(ErrorNumber::TypeMismatch));
-    mErrors.CurrentOperation = "Opening the image";
-    Trapped("frmMain.doFlash", [] { throw RuntimeError(-7, "Of its own"); });
-    EXPECT_EQ(Told(mPlatform), (Texts{"stop|Tessmar Vantor Update|"
-                                      "The following error has occurred in procedure: \r\n"
-                                      "frmMain.FlashIndicator on line 0\r\n"
-                                      "Error (13) Type mismatch",
-                                      "stop|Tessmar Vantor Update|"
-                                      "The following error has occurred in procedure: \r\n"
-                                      "frmMain.doFlash on line 0\r\n"
-                                      "Error (-7) Of its own\r\n"
-                                      "Current Operation: Opening the image"}));
-    EXPECT_EQ(mPlatform.boxes.beeps, 2);
+using H = Handler;
+using Argument = const std::string&;
+
+std::function<void()> Raise(std::int32_t number) {
+    return [number] { throw RuntimeError(number); };
 }
 
-TEST_F(CErrHandlerTest, TheReportListsTheWholeStackIndentedByDepth) {
-    mErrors.CurrentOperation = "Reading";
-    mErrors.IncludeExpandedInfo = true;
-    Trapped("modStartup.Main", [] {
-        Trapped("",
-                [] { Trapped("frmMain.FileToStringArray", Raise(ErrorNumber::PermissionDenied)); });
-    });
-    const AppInfo app;
-    const std::string version = "App Major: " + std::to_string(app.major) +
-                                "\r\nApp Minor: " + std::to_string(app.minor) +
-                                "\r\nApp Revision: " + std::to_string(app.revision) + "\r\n";
-    EXPECT_EQ(Report(),
-              " Application Error Information\r\n"
-              "====================================\r\n"
-              "Current Time   : 2026-11-24 21:18:05\r\n"
-              "Error String   : Permission denied\r\n"
-              "Error Number   : 70\r\n"
-              "Error Line     : 0\r\n"
-              "Error Procedure: frmMain.FileToStringArray\r\n"
-              "\r\n"
-              "Procedure Stack\r\n"
-              "---------------\r\n"
-              "00modStartup.Main\r\n"
-              "02    frmMain.FileToStringArray\r\n"
-              "\r\n"
-              "Current Operation: Reading\r\n"
-              "\r\n"
-              "Additional Information\r\n"
-              "----------------------\r\n"
-              "Current Directory: /home/tech\r\n"
-              "App Title: Tessmar Vantor Update\r\n"
-              "App CompanyName: Tessmar Instruments\r\n" +
-                  version +
-                  "App Path: /opt/vantor\r\n"
-                  "App ProductName: Tessmar Vantor Update Utility\r\n");
+/// Notes `event`, with the number of boxes shown and whether a report has been written before it.
+void NoteEvent(H& h, const char* event) {
+    h.out += Row(event, h.platform.boxes.shown.size(), h.platform.files.Exists("C:\\ERRORS.TXT"));
+    h.out += " ";
 }
 
-TEST_F(CErrHandlerTest, OnlyTheLatestErrorStaysInTheReportAndAForgottenPopShows) {
-    Overflow("a.First");
-    Overflow("a.Second");
-    EXPECT_EQ(Report().find("First"), std::string::npos);
-    EXPECT_TRUE(Report().ends_with("---------------\r\n00a.Second\r\n\r\n"))
-        << "without operation and expanded information the report ends behind the stack";
-    mErrors.MaxProcStackItems(1);
-    mErrors.Push("a.ForgetsItsPop");
-    Overflow("a.Next");
-    EXPECT_NE(Report().find("00a.ForgetsItsPop\r\n01  a.Next\r\n"), std::string::npos);
-    mErrors.Pop();
-    mErrors.Pop();
-    Overflow("a.Last");
-    EXPECT_NE(Report().find("00a.Last\r\n"), std::string::npos) << "one Pop too many did harm";
-    mErrors.ClearLog();
-    EXPECT_EQ(Report(), "");
+const std::string kTrace = "/opt/vantor/trace.log";
+
+const Verbs<Handler> kVerbs = {
+    {"fails", [](H&, Argument procedure) { Trapped(procedure, Raise(6)); }},
+    {"raises", [](H&, Argument number) { Trapped("a.b", Raise(std::stoi(number))); }},
+    {"fails-nested",
+     [](H&, Argument) {
+         const auto inner = [] { Trapped("a.Inner", Raise(70)); };
+         Trapped("a.Outer", [&inner] { Trapped("", inner); });
+     }},
+    {"fails-at-exit",
+     [](H& h, Argument) { h.out += FromBool(Trapped("a.b", Raise(13), Raise(6))) + " "; }},
+    {"guarded", [](H& h, Argument name) { h.out += FromBool(Guarded(name, Raise(6))) + " "; }},
+    {"runs",  // two nested procedures
+     [](H& h, Argument) {
+         const auto inner = [&h] { Trapped("a.Inner", [&h] { h.platform.clock.Sleep(500); }); };
+         h.out += FromBool(Trapped("a.Outer", inner)) + " ";
+     }},
+    {"push", [](H& h, Argument name) { h.errors.Push(name); }},
+    {"pop", [](H& h, Argument) { h.errors.Pop(); }},
+    {"clear", [](H& h, Argument) { h.errors.ClearLog(); }},
+    {"capacity", [](H& h, Argument items) { h.errors.MaxProcStackItems(std::stoul(items)); }},
+    {"operation", [](H& h, Argument text) { h.errors.CurrentOperation = text; }},
+    {"title", [](H& h, Argument text) { h.errors.Title = text; }},
+    {"expanded", [](H& h, Argument) { h.errors.IncludeExpandedInfo = true; }},
+    {"silent", [](H& h, Argument) { h.errors.DisplayMsgOnError = false; }},
+    {"trace", [](H& h, Argument on) { h.errors.TraceExecution(on == "on"); }},
+    {"trace-file", [](H& h, Argument text) { h.platform.files.Add(kTrace, text); }},
+    {"trace-fails",
+     [](H& h, Argument number) { h.platform.files.FailOn(kTrace, std::stoi(number)); }},
+    {"traced", [](H& h, Argument) { h.out += h.platform.files.ReadAll(kTrace); }},
+    {"to", [](H& h, Argument path) { h.errors.Destination(path); }},
+    {"to-records", [](H& h, Argument) { h.errors.Destination(h.records); }},
+    {"to-nothing",
+     [](H& h, Argument) { h.errors.Destination(std::shared_ptr<DestinationObject>()); }},
+    {"to-picture", [](H& h, Argument) { h.errors.Destination(std::make_shared<Picture>()); }},
+    {"locked", [](H& h, Argument) { h.records->locked = true; }},
+    {"records", [](H& h, Argument) { h.out += h.records->notes; }},
+    {"held",  // a report that cannot be deleted
+     [](H& h, Argument path) {
+         h.platform.files.Add(path, "old\r\n");
+         h.platform.files.Hold(path);
+     }},
+    {"unusable", [](H& h, Argument path) { h.platform.files.FailOn(path, 61); }},
+    {"report", [](H& h, Argument path) { h.out += h.platform.files.ReadAll(path); }},
+    {"events",
+     [](H& h, Argument what) {
+         h.errors.BeforeHandlerCalled = [&h, cancels = what == "cancel"](bool& cancel) {
+             NoteEvent(h, "before");
+             cancel = cancels;
+         };
+         h.errors.AfterHandlerCalled = [&h] { NoteEvent(h, "after"); };
+     }},
+    {"last", [](H& h, Argument) { h.out += std::to_string(h.errors.LastError().Number()); }},
+    {"beeps", [](H& h, Argument) { h.out += Row(h.platform.boxes.beeps, ""); }},
+};
+
+TEST(CErrHandler, ReportsAsTheTableSays) {
+    ExpectTable("errors", [](const Words& steps) { return Perform(Handler(), kVerbs, steps); });
 }
 
-TEST_F(CErrHandlerTest, TheEventsComeAroundTheReportAndTheFirstCanCancelIt) {
-    std::string order;
-    const auto done = [this] { return Told(mPlatform).size() + mPlatform.files.Exists(kFile); };
-    mErrors.BeforeHandlerCalled = [&](bool&) { order += "before" + std::to_string(done()); };
-    mErrors.AfterHandlerCalled = [&] { order += " after" + std::to_string(done()); };
-    Overflow("a.b");
-    EXPECT_EQ(order, "before0 after2");
-    mPlatform.files.Delete(kFile);
-    mErrors.BeforeHandlerCalled = [](bool& cancel) { cancel = true; };
-    Trapped("a.b", Raise(ErrorNumber::DiskFull));
-    EXPECT_EQ(order, "before0 after2");
-    EXPECT_EQ(done(), 1u) << "a box or a report although cancelled";
-    EXPECT_EQ(mErrors.LastError().Number(), 61);
-}
-
-TEST_F(CErrHandlerTest, BoxAndReportComeWithoutEachOther) {
-    mPlatform.files.FailOn(kFile, 70);
-    bool after = false;
-    mErrors.AfterHandlerCalled = [&after] { after = true; };
-    Overflow("a.b");
-    EXPECT_EQ(Told(mPlatform), Texts{kOverflowBox}) << "the failure to write is not told";
-    EXPECT_TRUE(after);
-    mErrors.DisplayMsgOnError = false;
-    mErrors.Destination("/new/folder\\errorlog.txt");
-    Overflow("a.b");
-    EXPECT_TRUE(mPlatform.files.Exists("/new/folder/errorlog.txt")) << "in a folder made for it";
-    EXPECT_TRUE(mPlatform.boxes.shown.size() == 1 && mPlatform.boxes.beeps == 1);
-}
-
-TEST_F(CErrHandlerTest, AReportThatCannotBeDeletedIsAddedTo) {
-    mPlatform.files.Add(kFile, "old\r\n");
-    mPlatform.files.Hold(kFile);
-    Overflow("a.b");
-    EXPECT_TRUE(Report().starts_with("old\r\n Application Error Information\r\n"));
-}
-
-TEST_F(CErrHandlerTest, TheTraceStartsAnewAndStopsWithTheSwitch) {
-    const std::string trace = "/opt/vantor/trace.log";
-    mPlatform.files.Add(trace, "old");
-    mErrors.TraceExecution(true);
-    Trapped("a.Outer", [this] { Trapped("a.Inner", [this] { mPlatform.clock.Set(2500); }); });
-    const std::string expected =
-        "1000 > a.Outer\r\n1000   > a.Inner\r\n2500   < a.Inner\r\n2500 < a.Outer\r\n";
-    EXPECT_EQ(mPlatform.files.ReadAll(trace), expected);
-    mPlatform.files.FailOn(trace, 61);
-    EXPECT_TRUE(Trapped("a.Untraceable", [] {})) << "a full disk must not stop what is traced";
-    mPlatform.files.FailOn(trace, 0);
-    mErrors.TraceExecution(false);
-    Trapped("a.Later", [] {});
-    EXPECT_EQ(mPlatform.files.ReadAll(trace), expected);
-}
-
-TEST_F(CErrHandlerTest, ErrorsOfTheStandardLibraryKeepTheirMeaning) {
+TEST(CErrHandler, ErrorsOfTheStandardLibraryKeepTheirMeaning) {
     const auto refused = [](std::errc code) {
         return [code] { throw std::system_error(std::make_error_code(code)); };
     };
     const std::pair<std::int32_t, std::function<void()>> kCases[] = {
         {7, [] { throw std::bad_alloc(); }},
+        {7, [] { throw std::length_error("x"); }},
         {9, [] { static_cast<void>(std::vector<int>().at(1)); }},
+        {6, [] { throw std::overflow_error("x"); }},
         {5, [] { throw std::invalid_argument("x"); }},
         {53, refused(std::errc::no_such_file_or_directory)},
+        {70, refused(std::errc::permission_denied)},
+        {61, refused(std::errc::no_space_on_device)},
         {75, refused(std::errc::io_error)},
+        {51, [] { throw std::logic_error("Told"); }},
         {51, [] { throw 1; }}};
+    ReportingPlatform platform;
     for (const auto& [number, raise] : kCases) {
         Trapped("a.b", raise);
-        EXPECT_EQ(mErrors.LastError().Number(), number);
+        EXPECT_EQ(platform.errors.LastError().Number(), number);
     }
-    Trapped("a.b", [] { throw std::logic_error("Told"); });
-    EXPECT_EQ(Told(mPlatform).back(), ReportBox("a.b", "(51) Told"));
-}
-
-TEST_F(CErrHandlerTest, AFailingExitIsReportedAndStillPopsItsName) {
-    EXPECT_FALSE(Trapped("a.b", Raise(ErrorNumber::TypeMismatch), Raise(ErrorNumber::Overflow)));
-    EXPECT_EQ(Told(mPlatform), (Texts{ReportBox("a.b", "(13) Type mismatch"), kOverflowBox}));
-    Overflow("a.Next");
-    EXPECT_NE(Report().find("\r\n00a.Next\r\n"), std::string::npos);
+    EXPECT_EQ(Told(platform).at(9), ReportBox("a.b", "(51) Told"));
 }
 
 }  // namespace

@@ -5,11 +5,12 @@
 #include <stdexcept>
 
 #include "Wire.hpp"
+#include "app/base/modSupport.hpp"
 #include "controls/Controls.hpp"
 #include "flash/SerialControl.hpp"
 #include "support/LineSettings.hpp"
 #include "support/Timer.hpp"
-#include "tests/faults/ReportingPlatform.hpp"
+#include "tests/unit/Table.hpp"
 
 namespace vantor {
 namespace {
@@ -114,99 +115,109 @@ TEST_F(ControlsTest, ATimerTicksAtItsIntervalOnlyWhileEnabled) {
     EXPECT_EQ(ticksAfter(20), 3) << "a tick of a timer that is no more";
 }
 
-TEST(ParseLineSettings, NoBrokenTextMayOpenALine) {
-    EXPECT_EQ(ParseLineSettings("38400,N,8,2"), (LineSettings{38400, Parity::None, 8, 2}));
-    EXPECT_EQ(ParseLineSettings("115200,e,7,1"), (LineSettings{115200, Parity::Even, 7, 1}));
-    EXPECT_EQ(ParseLineSettings("300,O,8,1").parity, Parity::Odd);
-    EXPECT_EQ(FormatLineSettings({115200, Parity::Even, 7, 1}), "115200,E,7,1");
-    for (const std::string bad :
-         {"", "38400,N,8", "38400,N,8,2,1", "38400,,8,2", "38400,M,8,2", "38400,NN,8,2",
-          "38400,N,6,2", "38400,N,8,3", "38400,N,8,1.5", " 38400,N,8,2", "-1,N,8,2", "38400x,N,8,2",
-          "99999999999,N,8,2", "38400;N;8;2"})
-        EXPECT_EQ(Raised([&] { ParseLineSettings(bad); }).Number(), 380) << bad;
+TEST_F(ControlsTest, TheLastWindowEndsTheProgramAndNoOther) {
+    const auto other = std::make_shared<Window>(mPlatform);
+    mWindow->Load();
+    other->Load();
+    mPlatform.pump.StartTimer(5, [this] { mWindow->Unload(); });
+    mPlatform.pump.StartTimer(50, [&other] { other->Unload(); });
+    mPlatform.pump.Run();
+    EXPECT_TRUE(other->Gone());
 }
 
-class SerialControlTest : public ControlsTest {
-protected:
-    SerialControlTest() {
-        mPlatform.ports.Plug("COM3", mWire);
-        mComm.name = "COM3";
-        mComm.settings = "9600,E,7,1";
+TEST_F(ControlsTest, EverySecondCallOfTheNicePumpPumpsAndItsErrorsAreIgnored) {
+    for (int round = 1; round <= 3; ++round) {
+        for (int i = 0; i < 10; ++i) DoEventsNice(mPlatform.pump);
+        EXPECT_EQ(mPlatform.pump.pumps, 5u * static_cast<unsigned>(round));
+        if (round == 2) mPlatform.pump.AddSource([] { throw RuntimeError(6); });
     }
-    ~SerialControlTest() override { mComm.Close(); }
+}
 
-    Wire mWire;
-    SerialControl mComm{mPlatform.ports, {}};
+TEST_F(ControlsTest, ValuesOutOfRangeAreRefused) {
+    struct All : Form {
+        using Form::Form;
+        ProgressBar bar{*this, "bar"};
+        ComboBox combo{*this, "combo"};
+        StatusBar status{*this, "status", {"port"}};
+        PictureBox picture{*this, "picture"};
+    };
+    static constexpr FormDesign kNone = {"frmAll", "", "", {}, {}};
+    const auto form = std::make_shared<All>(mPlatform.manager, kNone);
+    ComboBox& combo = form->combo;
+    const auto refused = [](std::int32_t error, const std::function<void()>& call) {
+        EXPECT_EQ(Raised(call).Number(), error);
+    };
+    for (const auto& row : {std::pair(-1, 380), {0, 0}, {100, 0}, {101, 380}})
+        refused(row.second, [&] { form->bar.Value(static_cast<std::int16_t>(row.first)); });
+    combo.Items({"a", "b"});
+    for (const int index : {-2, 2}) refused(380, [&] { combo.ListIndex(index); });
+    int clicks = 0;
+    combo.Click.Connect([&clicks] { ++clicks; });
+    for (const int index : {1, -1}) combo.Choose(index);
+    EXPECT_EQ(Row(combo.Text(), clicks), "b 1") << "a system reports no selection with -1";
+    combo.Items({"c"});
+    EXPECT_EQ(combo.Text(), "") << "the selection stayed";
+    refused(9, [&] { form->status.PanelText("none", ""); });
+    form->picture.CurrentX = 5;
+    form->picture.Print("a");
+    EXPECT_EQ(form->picture.PrintedTexts().at(0).left, 5);
+    EXPECT_EQ(form->picture.CurrentX, 0);
+    form->picture.Cls();
+    EXPECT_TRUE(form->picture.PrintedTexts().empty());
+}
+
+// --- the serial control ------------------------------------------------------------------------
+
+struct Line {
+    Line() {
+        platform.ports.Plug("COM3", wire);
+        comm.name = "COM3";
+        comm.settings = "9600,E,7,1";
+        comm.Receive.Connect([this] { out += "<" + comm.Input() + "> "; });
+    }
+    ~Line() { comm.Close(); }
+
+    ReportingPlatform platform;
+    Wire wire;
+    SerialControl comm{platform.ports, {}};
+    std::string out;
+};
+using Argument = const std::string&;
+
+const Verbs<Line> kVerbs = {
+    {"port", [](Line& l, Argument name) { l.comm.name = name; }},
+    {"settings", [](Line& l, Argument settings) { l.comm.settings = settings; }},
+    {"open",
+     [](Line& l, Argument) {
+         l.comm.Open();
+         l.out += l.comm.IsOpen() ? FormatLineSettings(l.wire.line) + " " : "not ";
+     }},
+    {"close", [](Line& l, Argument) { l.comm.Close(); }},
+    {"is-open",  // the control, the port "COM3"
+     [](Line& l, Argument) {
+         l.out += Row(l.comm.IsOpen(), l.platform.ports.IsOpen("COM3")) + " ";
+     }},
+    {"held", [](Line& l, Argument port) { l.platform.ports.Hold(port, true); }},
+    {"lost", [](Line& l, Argument) { l.wire.gone = true; }},
+    {"driver-takes", [](Line& l, Argument n) { l.platform.ports.LimitWrites(std::stoul(n)); }},
+    {"output", [](Line& l, Argument text) { l.comm.Output(text); }},
+    {"counts",
+     [](Line& l, Argument) {
+         l.out += Row(l.comm.InBufferCount(), "");
+         l.out += Row(l.comm.OutBufferCount(), "");
+     }},
+    {"received", [](Line& l, Argument) { l.out += std::exchange(l.wire.received, {}) + "| "; }},
+    {"arrives", [](Line& l, Argument text) { l.wire.sent = text; }},
+    {"arrive", [](Line& l, Argument n) { l.wire.sent = std::string(std::stoul(n), 'x'); }},
+    {"input-size", [](Line& l, Argument) { l.out += Row(l.comm.Input().size(), ""); }},
+    {"pump", [](Line& l, Argument) { l.platform.pump.PumpPending(); }},
+    {"threshold", [](Line& l, Argument n) { l.comm.ReceiveThreshold(std::stoul(n)); }},
+    {"input", [](Line& l, Argument) { l.out += l.comm.Input() + "| "; }},
+    {"clear", [](Line& l, Argument) { l.comm.ClearInput(); }},
 };
 
-TEST_F(SerialControlTest, AnOpenThatFailsLeavesThePortClosedAndSaysNothing) {
-    const auto opens = [this](const std::string& port, const std::string& settings) {
-        mComm.name = port;
-        mComm.settings = settings;
-        mComm.Open();
-        return mComm.IsOpen();
-    };
-    EXPECT_TRUE(opens("3", "9600,E,7,1")) << "a bare number names a COM port";
-    EXPECT_EQ(mWire.line, (LineSettings{9600, Parity::Even, 7, 1}));
-    EXPECT_TRUE(opens("COM3", "115200,N,8,2")) << "opening again at another speed";
-    EXPECT_EQ(mWire.line.bitsPerSecond, 115200u);
-    EXPECT_FALSE(opens("COM9", "9600,E,7,1"));
-    EXPECT_FALSE(mPlatform.ports.IsOpen("COM3")) << "the old port stayed open";
-    EXPECT_FALSE(opens("COM3", "9600,E,7"));
-    EXPECT_TRUE(opens("COM3", "9600,E,7,1"));
-    mComm.ReceiveThreshold(1);
-    mWire.gone = true;
-    mPlatform.pump.PumpPending();
-    EXPECT_FALSE(mComm.IsOpen()) << "a lost device is not noticed while listening";
-    mPlatform.ports.Hold("COM3", true);
-    EXPECT_FALSE(opens("COM3", "9600,E,7,1"));
-    mComm.Output("lost");
-    EXPECT_EQ(mComm.OutBufferCount() + mComm.InBufferCount(), 0u);
-    EXPECT_EQ(Told(mPlatform), Texts{});
-}
-
-TEST_F(SerialControlTest, BytesThatTheDriverDoesNotTakeAtOnceKeepTheirOrder) {
-    mComm.Open();
-    mPlatform.ports.LimitWrites(4);
-    mComm.Output("0123456");
-    mComm.Output("89");
-    EXPECT_EQ(mWire.received, "01234568") << "the second write must queue behind the first";
-    EXPECT_EQ(mComm.InBufferCount(), 0u);
-    EXPECT_EQ(mWire.received, "012345689");
-    EXPECT_EQ(mComm.OutBufferCount(), 0u);
-
-    mPlatform.ports.LimitWrites(0);
-    mComm.Output("stale");
-    EXPECT_EQ(mComm.OutBufferCount(), 5u);
-    mComm.Close();
-    mPlatform.ports.LimitWrites(100);
-    mComm.Open();
-    mComm.Output("new");
-    EXPECT_EQ(mWire.received, "012345689new") << "a rest of the session before";
-}
-
-TEST_F(SerialControlTest, TheThresholdIsCheckedAtOnceAndAtEachPump) {
-    mComm.Open();
-    Texts heard;
-    mComm.Receive.Connect([&] { heard.push_back(mComm.Input()); });
-    const auto pump = [this](const char* sent) {
-        mWire.sent = sent;
-        mPlatform.pump.PumpPending();
-    };
-    pump("DONE");
-    mComm.ReceiveThreshold(5);
-    EXPECT_EQ(heard, Texts{}) << "an event at threshold 0, or below the threshold";
-    mComm.ReceiveThreshold(4);
-    EXPECT_EQ(heard, Texts{"DONE"}) << "characters that waited already";
-    pump("abc");
-    EXPECT_EQ(heard, Texts{"DONE"}) << "raised below the threshold";
-    pump("d");
-    EXPECT_EQ(heard, (Texts{"DONE", "abcd"}));
-    mComm.ReceiveThreshold(0);
-    pump("late");
-    EXPECT_EQ(heard.size(), 2u);
-    mComm.ClearInput();
-    EXPECT_EQ(mComm.Input(), "");
+TEST(SerialControl, DoesWhatTheTableSays) {
+    ExpectTable("serial", [](const Words& steps) { return Perform(Line(), kVerbs, steps); });
 }
 
 }  // namespace

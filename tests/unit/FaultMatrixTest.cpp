@@ -8,7 +8,6 @@
 
 #include "tests/faults/Matrix.hpp"
 #include "tests/faults/ReportingPlatform.hpp"
-#include "tests/faults/Walk.hpp"
 
 namespace vantor {
 namespace {

@@ -2,24 +2,29 @@
 // and replies that never count as success.
 #include "flash/SerialLink.hpp"
 
-#include <gmock/gmock.h>
+#include <gtest/gtest.h>
 
+#include "app/frmMain.hpp"
 #include "flash/SerialControl.hpp"
 #include "settings/CAppSettings.hpp"
-#include "tests/unit/SessionFixture.hpp"
+#include "tests/unit/Table.hpp"
 #include "tests/unit/Wire.hpp"
 
 namespace vantor {
 namespace {
 
-class LinkFixture : public SessionFixture {
+class LinkTest : public testing::Test {
 protected:
-    LinkFixture() {
+    LinkTest() {
         headless.ports.Plug("COM1", far);
+        window->Load();
         link.SetupCommPortFlash();
         comm.Open();
     }
-    ~LinkFixture() override { comm.Close(); }
+    ~LinkTest() override {
+        comm.Close();
+        window->Unload();
+    }
 
     SendResult Send(std::string text, bool paced = false) {
         auto result = SendResult::SendOK;
@@ -27,43 +32,30 @@ protected:
         return result;
     }
 
+    ReportingPlatform headless;
+    std::shared_ptr<frmMain> window =
+        std::make_shared<frmMain>(headless.manager, headless.platform);
     Wire far;
     SerialControl comm{headless.ports, {}};
     FlashFlags flags;
     SerialLink link{*window, comm, flags, window->Settings(), headless.clock, headless.pump};
 };
 
-TEST_F(LinkFixture, EveryTextGoesOutWithExactlyOneCarriageReturn) {
-    const std::pair<std::string, std::string> rows[] = {{"ABC", "ABC\r"},   {"ABC\r\n", "ABC\r"},
-                                                        {"ABC\r", "ABC\r"}, {"", "\r"},
-                                                        {"A\n", "A\n\r"},   {"\r\n", "\r"}};
-    for (const auto& [text, sent] : rows) {
+TEST_F(LinkTest, EveryTextGoesOutWithOneReturnAndTheFirstKnownWordOfTheReplyWins) {
+    ExpectTable("link", [this](const Words& words) {
         far.received.clear();
-        far.onReceive = [&] { far.sent = "OK"; };
-        std::string changed = text;
-        auto result = SendResult::SendFailed;
-        link.SendData(changed, false, result);
-        EXPECT_EQ(far.received, sent);
-        EXPECT_EQ(changed, sent);
-        EXPECT_EQ(result, SendResult::SendOK);
-    }
-}
-
-TEST_F(LinkFixture, TheFirstKnownWordInTheOrderOfTheTestsWins) {
-    const std::pair<std::string, SendResult> rows[] = {
-        {"??OKxx", SendResult::SendOK},
-        {"??OK DONE", SendResult::SendDone},
-        {"DONE OK VERIFY FAILED", SendResult::SendVerifyFailed},
-        {"ok ??", SendResult::SendFailed},
-    };
-    for (const auto& [reply, result] : rows) {
-        far.onReceive = [this, text = reply] { far.sent = text; };
-        EXPECT_EQ(Send("L"), result) << reply;
+        far.onReceive = [this, reply = words.at(1)] { far.sent = reply; };
+        std::string text = words.at(0);
+        auto result = SendResult::SendOK;
+        link.SendData(text, false, result);
+        EXPECT_EQ(text, far.received);
         EXPECT_EQ(comm.InBufferCount(), 0u);
-    }
+        constexpr std::array<const char*, 4> kNames = {" OK", " failed", " done", " verify failed"};
+        return text + kNames.at(static_cast<std::size_t>(result));
+    });
 }
 
-TEST_F(LinkFixture, ATextThatIsNoReplyFailsAfterTwentySecondsAndAWordInPiecesIsFound) {
+TEST_F(LinkTest, ATextThatIsNoReplyFailsAfterTwentySecondsAndAWordInPiecesIsFound) {
     far.onReceive = [&] { far.sent = "ok O K ? ? DON E"; };
     const std::int32_t start = headless.clock.Ticks();
     EXPECT_EQ(Send("L"), SendResult::SendFailed);
@@ -76,23 +68,23 @@ TEST_F(LinkFixture, ATextThatIsNoReplyFailsAfterTwentySecondsAndAWordInPiecesIsF
     EXPECT_EQ(Send("L"), SendResult::SendOK);
 }
 
-TEST_F(LinkFixture, AClosedPortSendsNothingAndFails) {
+TEST_F(LinkTest, AClosedPortSendsNothingAndFails) {
     comm.Close();
     EXPECT_EQ(Send("L"), SendResult::SendFailed);
     link.RawSend("raw");
     EXPECT_EQ(far.received, "");
-    EXPECT_TRUE(Boxes().empty());
+    EXPECT_TRUE(Told(headless).empty());
 }
 
-TEST_F(LinkFixture, WhateverGoesWrongInsideTheResultIsNeverOK) {
+TEST_F(LinkTest, WhateverGoesWrongInsideTheResultIsNeverOK) {
     // 20 s from here exceed the clock's signed range.
     headless.clock.Set(0x7fffffffu - 5000u);
     far.onReceive = [&] { far.sent = "OK"; };
     EXPECT_EQ(Send("L"), SendResult::SendFailed);
-    EXPECT_EQ(Boxes(), Texts{ReportBox("frmMain.SendData", "(6) Overflow")});
+    EXPECT_EQ(Told(headless), Texts{ReportBox("frmMain.SendData", "(6) Overflow")});
 }
 
-TEST_F(LinkFixture, APacedSendWaitsAfterEachCharacter) {
+TEST_F(LinkTest, APacedSendWaitsAfterEachCharacter) {
     std::vector<std::int32_t> times;
     far.onReceive = [&] {
         times.push_back(headless.clock.Ticks());

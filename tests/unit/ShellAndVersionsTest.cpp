@@ -1,53 +1,66 @@
-// The requests to the shell, and the file versions read for the report of installed versions.
+// Requests to the shell, the start, and the file versions read for the report of installed
+// versions.
 #include <gtest/gtest.h>
+
+#include <optional>
 
 #include "app/base/modSupport.hpp"
 #include "app/frmMain.hpp"
+#include "app/modStartup.hpp"
 #include "dialogs/CShellExecute.hpp"
-#include "tests/faults/ReportingPlatform.hpp"
+#include "tests/unit/Table.hpp"
 
 namespace vantor {
 namespace {
 
 using namespace std::string_literals;
 
-TEST(CShellExecute, EachMemberHandsItsVerbOverAndTellsFailuresByTheirCode) {
+struct Subject {
     ReportingPlatform platform;
     HeadlessShell& shell = platform.shell;
-    CShellExecute execute(shell);
-    EXPECT_EQ(execute.LaunchURL(7, "http:\\\\x"), -1);
-    EXPECT_EQ(execute.Explore(7, "C:\\"), -1);
-    EXPECT_EQ(execute.LaunchFolder(7, "C:\\"), -1);
-    EXPECT_EQ(execute.LaunchEmail(7, "a@b"), -1);
-    EXPECT_EQ(execute.PrintDocument(7, "d"), -1);
-    std::string asked;
-    for (const ShellRequest& each : shell.asked)
-        asked += each.verb + "|" + each.file + "|" + std::to_string(each.show) + ";";
-    EXPECT_EQ(asked, "|http:\\\\x|1;explore|C:\\|1;open|C:\\|1;|mailto:a@b|1;print|d|0;");
-    for (const std::int32_t code : {2, 31, 32, 33}) {
-        shell.code = code;
-        EXPECT_EQ(execute.LaunchURL(7, ""), code < 33 ? code : -1);
-    }
+    std::optional<CShellExecute> execute{std::in_place, shell};
+    std::string out;
+    void Note(std::int32_t result) { out += Row(result, ""); }
+};
+using Argument = const std::string&;
+
+const Verbs<Subject> kVerbs = {
+    {"url", [](Subject& s, Argument url) { s.Note(s.execute->LaunchURL(7, url)); }},
+    {"explore", [](Subject& s, Argument folder) { s.Note(s.execute->Explore(7, folder)); }},
+    {"folder", [](Subject& s, Argument folder) { s.Note(s.execute->LaunchFolder(7, folder)); }},
+    {"email", [](Subject& s, Argument whom) { s.Note(s.execute->LaunchEmail(7, whom)); }},
+    {"print", [](Subject& s, Argument file) { s.Note(s.execute->PrintDocument(7, file)); }},
+    {"program",
+     [](Subject& s, Argument file) { s.Note(s.execute->LaunchProgram(7, file, "-x", "C:\\")); }},
+    {"document",
+     [](Subject& s, Argument file) { s.Note(s.execute->LaunchDocument(7, file, "-y", "D:\\")); }},
+    {"code", [](Subject& s, Argument code) { s.shell.code = std::stoi(code); }},
+    {"ends", [](Subject& s, Argument) { s.shell.running = false; }},
+    {"active", [](Subject& s, Argument) { s.out += FromBool(s.execute->StillExecuting()) + " "; }},
+    {"gone", [](Subject& s, Argument) { s.execute.reset(); }},
+    {"released", [](Subject& s, Argument) { s.Note(s.shell.released); }},
+    {"asked",
+     [](Subject& s, Argument) {
+         const ShellRequest& last = s.shell.asked.back();
+         s.out += Row(last.owner, last.verb, last.file, last.parameters, last.folder, last.show);
+     }},
+};
+
+TEST(CShellExecute, AsksAndWatchesAsTheTableSays) {
+    ExpectTable("shell", [](const Words& steps) { return Perform(Subject(), kVerbs, steps); });
 }
 
-TEST(CShellExecute, AStartedProcessIsWatchedUntilTheNextLaunchAndLetGoOf) {
-    ReportingPlatform platform;
-    HeadlessShell& shell = platform.shell;
-    {
-        CShellExecute execute(shell);
-        EXPECT_FALSE(execute.StillExecuting());
-        EXPECT_EQ(execute.LaunchProgram(7, "p", "-x", "C:\\"), -1);
-        EXPECT_EQ(shell.asked.back().parameters + shell.asked.back().folder, "-xC:\\");
-        EXPECT_TRUE(execute.StillExecuting());
-        shell.running = false;
-        EXPECT_FALSE(execute.StillExecuting());
-        execute.LaunchDocument(7, "d", "", "");
-        EXPECT_EQ(shell.released, 1);
-        execute.LaunchURL(7, "u");
-        EXPECT_FALSE(execute.StillExecuting()) << "an address has no process";
-        execute.LaunchProgram(7, "p", "", "");
+// The system has one filter for each process, however often the program starts in it.
+TEST(Startup, TheFilterForUnhandledErrorsIsInstalledOnce) {
+    int filters = 0;
+    for (int start = 0; start < 2; ++start) {
+        HeadlessPlatform platform;
+        modStartup startup(platform.platform);
+        ASSERT_TRUE(startup.Main());
+        filters += platform.process.filters;
+        startup.MainWindow()->Unload();
     }
-    EXPECT_EQ(shell.released, 3) << "a handle leaked";
+    EXPECT_EQ(filters, 1);
 }
 
 TEST(Versions, TheReportTellsOnlyTheFileVersionInTheLanguageThatIsNamed) {

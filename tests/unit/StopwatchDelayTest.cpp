@@ -31,30 +31,22 @@ TEST(Stopwatch, ItsRunsAddUpAndPausesDoNotCount) {
     EXPECT_EQ(watch.ElapsedTime(), 0) << "a new start must forget the old runs";
 }
 
-class DelayTest : public testing::Test {
-protected:
-    HeadlessPlatform mPlatform;
-    CDelay mDelay{mPlatform.clock, mPlatform.pump};
-};
-
 // Each pump is a millisecond of this clock: a sleep in the loop would reduce the number of pumps.
-TEST_F(DelayTest, ItPumpsOnEveryPassAndNeverSleeps) {
-    const std::uint32_t start = mPlatform.clock.Milliseconds();
-    int waits = 0;
-    mDelay.Waiting = [&waits](bool&) { ++waits; };
-    mDelay.Delay(250);
-    EXPECT_EQ(mPlatform.clock.Milliseconds(), start + 250);
-    EXPECT_EQ(mPlatform.pump.pumps, 250u);
-    EXPECT_EQ(waits, 250);
-}
-
-TEST_F(DelayTest, ACancelOrNothingToWaitForEndsItBeforeAnotherPump) {
+TEST(Delay, PumpsOnEveryPassAndNeverSleepsUntilTheTimeIsUpOrACancelComes) {
+    HeadlessPlatform platform;
+    CDelay delay(platform.clock, platform.pump);
+    const std::uint32_t start = platform.clock.Milliseconds();
     int passes = 0;
-    mDelay.Waiting = [&passes](bool& cancel) { cancel = ++passes == 3; };
-    for (const int ms : {0, -1, -32768}) mDelay.Delay(static_cast<std::int16_t>(ms));
+    delay.Waiting = [&passes](bool&) { ++passes; };
+    for (const int ms : {0, -1, -32768}) delay.Delay(static_cast<std::int16_t>(ms));
     EXPECT_EQ(passes, 0) << "asked although the time was up";
-    mDelay.Delay(32767);
-    EXPECT_EQ(mPlatform.pump.pumps, 2u);
+    delay.Delay(250);
+    EXPECT_EQ(platform.clock.Milliseconds(), start + 250);
+    EXPECT_EQ(platform.pump.pumps, 250u);
+    EXPECT_EQ(passes, 250);
+    delay.Waiting = [&passes](bool& cancel) { cancel = ++passes == 253; };
+    delay.Delay(32767);
+    EXPECT_EQ(platform.pump.pumps, 252u) << "a pump after the cancel";
 }
 
 }  // namespace

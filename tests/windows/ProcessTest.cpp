@@ -7,15 +7,19 @@
 #include <stdexcept>
 #include <string>
 
+#include "dialogs/CVersionInfo.hpp"
+#include "platform/portable/CompiledStrings.hpp"
 #include "platform/win32/services/Win32Handle.hpp"
 #include "platform/win32/services/Win32Services.hpp"
-#include "tests/driver/Desktop.hpp"
+#include "resources/Version.h"
+#include "tests/driver/App.hpp"
 
 namespace vantor {
 namespace {
 
 std::wstring gDesktop = L"win32-tests";
 constexpr int kInterrupted = 6;
+constexpr const wchar_t* kSignal = L"Vantor signal of a test";
 constexpr const char* kTitle = "Last words \\ of a test";
 
 int DoJob(Process& process) {
@@ -29,6 +33,7 @@ int DoJob(Process& process) {
         while (!console->TakeInterrupt()) Sleep(1);
         return kInterrupted;
     }
+    if (job == "signal") return SetEvent(OpenEventW(EVENT_MODIFY_STATE, FALSE, kSignal)) ? 0 : 1;
     // "echo"
     for (const std::string& argument : process.Arguments()) console->Write(argument + "|");
     for (auto line = console->ReadLine(); line; line = console->ReadLine())
@@ -96,6 +101,33 @@ TEST(Console, TheEndOfTheUsersSessionIsRefusedDuringAFlashAndComesAsTheInterrupt
     WaitForSingleObject(process.Get(), INFINITE);
     GetExitCodeProcess(process.Get(), &ended);
     EXPECT_EQ(ended, DWORD{kInterrupted});
+}
+
+TEST(Shell, OpensWhatItIsGivenAndFollowsWhatItStarts) {
+    const Win32Handle signal(CreateEventW(nullptr, FALSE, FALSE, kSignal));
+    const auto shell = MakeWin32Shell();
+    const ShellRequest request = {.file = MakeWin32Process()->ExecutablePath(),
+                                  .parameters = "signal"};
+    EXPECT_GE(shell->Execute(request), kFirstShellSuccess);
+    EXPECT_EQ(WaitForSingleObject(signal.Get(), 60'000), WAIT_OBJECT_0);
+    ShellProcess process = 0;
+    EXPECT_GE(shell->Start(request, process), kFirstShellSuccess);
+    EXPECT_EQ(WaitForSingleObject(signal.Get(), 60'000), WAIT_OBJECT_0);
+    while (shell->IsActive(process)) Sleep(1);
+    shell->Release(process);
+    EXPECT_FALSE(shell->IsActive(process)) << "the handle is closed";
+    EXPECT_LT(shell->Execute({.file = "C:\\no\\such.exe"}), kFirstShellSuccess);
+    EXPECT_LT(shell->Start({}, process), kFirstShellSuccess);
+    EXPECT_EQ(process, 0u);
+}
+
+TEST(Versions, OfAProgramFileAreReadFromItsResource) {
+    const auto files = MakeWin32FileVersions();
+    const CompiledStrings strings(Language::English);
+    CVersionInfo info(*files, strings);
+    EXPECT_EQ(info.FileVersion(MakeWin32Process()->ExecutablePath()), VANTOR_VERSION);
+    EXPECT_EQ(info.GetInfoBlock("FileVersion").substr(0, 1), std::string(VANTOR_VERSION, 1));
+    EXPECT_EQ(info.FileVersion("C:\\no\\such.exe"), "Unknown");
 }
 
 }  // namespace

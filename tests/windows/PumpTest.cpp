@@ -1,6 +1,4 @@
 // The real message queue inside modal loops, of the system or of a modal window.
-#include <gtest/gtest.h>
-
 #include <memory>
 #include <string>
 #include <thread>
@@ -8,18 +6,16 @@
 
 #include "dialogs/frmAbout.hpp"
 #include "dialogs/frmStatus.hpp"
-#include "platform/win32/services/Win32Services.hpp"
 #include "tests/windows/RealWindows.hpp"
 
 namespace vantor {
 namespace {
 
-class Pump : public testing::Test {
+class Pump : public OnRealWindows {
 protected:
     Pump() { window->Show(); }
     ~Pump() override { window->Unload(); }
 
-    RealWindows platform;
     Win32MessagePump& queue = platform.queue;
     std::shared_ptr<Form> window = std::make_shared<frmStatus>(platform.manager, platform.strings);
     std::shared_ptr<Form> modal = std::make_shared<frmAbout>(platform.manager, platform.strings);
@@ -79,27 +75,6 @@ TEST_P(PumpInALoop, TicksAndHearsEveryWakeUp) {
 
 INSTANTIATE_TEST_SUITE_P(Real, PumpInALoop, testing::ValuesIn(kLoops),
                          [](const auto& row) { return std::string(row.param.name); });
-
-TEST_F(Pump, ABoxWithoutAnOwnerBelongsToTheWindowInUseAndDisablesTheOthers) {
-    const auto behind = std::make_shared<frmStatus>(platform.manager, platform.strings);
-    behind->Show();
-    SetActiveWindow(WindowOf(*window));
-    bool seen = false;
-    const TimerId timer = queue.StartTimer(10, [&] {
-        const HWND box = FindWindowW(L"#32770", kBoxTitle);
-        if (box == nullptr) return;
-        if (!std::exchange(seen, true)) {
-            EXPECT_EQ(GetWindow(box, GW_OWNER), WindowOf(*window));
-            EXPECT_FALSE(IsWindowEnabled(WindowOf(*window)) || IsWindowEnabled(WindowOf(*behind)));
-        }
-        PostMessageW(box, WM_COMMAND, IDOK, 0);
-    });
-    MakeWin32MessageBoxes("Program")->Show({.text = "Text", .title = ToUtf8(kBoxTitle)});
-    queue.StopTimer(timer);
-    EXPECT_TRUE(seen);
-    EXPECT_TRUE(IsWindowEnabled(WindowOf(*window)) && IsWindowEnabled(WindowOf(*behind)));
-    behind->Unload();
-}
 
 TEST_F(Pump, AStoppedTimerSwallowsTheTickThatIsInTheQueue) {
     const HWND hidden = FindWindowExW(HWND_MESSAGE, nullptr, L"VantorMessagePump", nullptr);

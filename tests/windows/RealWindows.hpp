@@ -2,10 +2,13 @@
 // Each pump is a millisecond of the headless clock, so the waits of a session are short.
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include "controls/Form.hpp"
 #include "platform/win32/services/Win32MessagePump.hpp"
 #include "platform/win32/services/Win32Pictures.hpp"
 #include "platform/win32/windows/Win32Peers.hpp"
+#include "tests/driver/App.hpp"
 #include "tests/faults/ReportingPlatform.hpp"
 
 namespace vantor {
@@ -25,5 +28,28 @@ struct RealWindows : ReportingPlatform {
 inline HWND WindowOf(const Form& form) {
     return reinterpret_cast<HWND>(form.WindowHandle());
 }
+
+class OnRealWindows : public testing::Test {
+protected:
+    static HWND ChildOf(const Form& form, const char* name) {
+        return driver::Window(WindowOf(form), form.Design()).Child(name);
+    }
+    /// Posts a message, so that it passes through the message loop like user input.
+    void Post(HWND window, UINT message, WPARAM first, LPARAM second = 0) {
+        PostMessageW(window, message, first, second);
+        platform.queue.PumpPending();
+    }
+    void Type(WPARAM key) { Post(GetFocus(), WM_KEYDOWN, key); }
+    /// The colour of a pixel of `window`, once that is painted.
+    static COLORREF Pixel(HWND window, int x, int y) {
+        UpdateWindow(window);
+        const HDC target = GetDC(window);
+        const COLORREF colour = GetPixel(target, x, y);
+        ReleaseDC(window, target);
+        return colour;
+    }
+
+    RealWindows platform;
+};
 
 }  // namespace vantor

@@ -1,0 +1,44 @@
+// The words of a line of a script or a table.
+#pragma once
+
+#include <string>
+#include <string_view>
+#include <vector>
+
+namespace vantor {
+
+using Words = std::vector<std::string>;
+
+inline char Unescaped(char c) {
+    return c == 'r' ? '\r' : c == 'n' ? '\n' : c == 'e' ? '\x1b' : c == 't' ? '\t' : c;
+}
+
+/// Splits at spaces; text in quotes is one word, with the escapes \r \n \e \t \" \\ and \xNN.
+inline Words WordsOf(std::string_view line) {
+    Words words;
+    for (std::size_t at = 0; at < line.size();) {
+        if (line[at] == ' ') {
+            ++at;
+            continue;
+        }
+        std::string word;
+        const bool quoted = line[at] == '"';
+        at += quoted ? 1 : 0;
+        for (; at < line.size() && line[at] != (quoted ? '"' : ' '); ++at) {
+            if (!quoted || line[at] != '\\') {
+                word += line[at];
+            } else if (line.at(++at) == 'x') {
+                word +=
+                    static_cast<char>(std::stoi(std::string(line.substr(at + 1, 2)), nullptr, 16));
+                at += 2;
+            } else {
+                word += Unescaped(line[at]);
+            }
+        }
+        at += quoted ? 1 : 0;
+        words.push_back(word);
+    }
+    return words;
+}
+
+}  // namespace vantor

@@ -1,0 +1,288 @@
+// Runs a script of what a terminal receives and what its user does. See README.md for its words.
+#include <algorithm>
+#include <array>
+#include <functional>
+#include <map>
+#include <memory>
+#include <set>
+#include <span>
+#include <sstream>
+#include <utility>
+
+#include "controls/Form.hpp"
+#include "terminal/TerminalControl.hpp"
+#include "tests/Words.hpp"
+#include "tests/faults/ReportingPlatform.hpp"
+#include "tests/traces/Recorder.hpp"
+#include "tests/traces/Scenario.hpp"
+#include "tests/unit/Wire.hpp"
+
+namespace vantor::traces {
+namespace {
+
+using std::to_string;
+using Notes = std::map<std::string, std::string>;  // by kind
+
+class CountedPump : public PolledPump {
+public:
+    using PolledPump::PolledPump;
+    TimerId StartTimer(std::uint32_t intervalMs, std::function<void()> tick) override {
+        return *running.insert(PolledPump::StartTimer(intervalMs, std::move(tick))).first;
+    }
+    void StopTimer(TimerId id) override {
+        running.erase(id);
+        PolledPump::StopTimer(id);
+    }
+    std::set<TimerId> running;
+};
+
+constexpr std::array kRows = {ControlDesign{ControlKind::Terminal, "com", -1, "", {}, "", ""}};
+const FormDesign kDesign = {"frmTest", "", "", {}, kRows};
+
+struct Window : Form {
+    Window(WindowManager& manager, Platform& platform)
+        : Form(manager, kDesign), com(*this, "com", platform) {}
+    TerminalControl com;
+};
+
+/// The looks of `cell` as the parameters that set them; "0" for none.
+std::string LooksOf(const Cell& cell) {
+    constexpr std::array kCodes = {1, 4, 5, 7, 8};  // in the order of the flags
+    std::string codes;
+    for (std::size_t bit = 0; bit < kCodes.size(); ++bit)
+        if (cell.flags >> bit & 1) codes += ";" + to_string(kCodes[bit]);
+    for (const auto& [colour, base] : {std::pair{cell.foreground, 30}, {cell.background, 40}})
+        if (colour != kDefaultColour)
+            codes += ";" + to_string(base + colour + (colour < 8 ? 0 : 52));
+    return codes.empty() ? "0" : codes.substr(1);
+}
+
+/// The characters of each line followed by "|", or by "~" where the text continues in the next.
+/// "^" stands between up to 12 lines of history and the screen; the cursor's row and column follow.
+std::string TextOf(const TerminalScreen& screen) {
+    const std::int64_t first = std::max(screen.FirstLine(), screen.TopLine() - 12);
+    std::string text = screen.FirstLine() == first ? "" : "from line " + to_string(first) + " ";
+    for (std::int64_t line = first; line < screen.EndLine(); ++line) {
+        if (line == screen.TopLine() && line > screen.FirstLine()) text += '^';
+        std::string characters;
+        for (const Cell& cell : screen.Line(line)) characters += cell.character;
+        characters.resize(characters.find_last_not_of(' ') + 1);
+        const std::string quoted = Quoted(characters, Quoting::Bytes);
+        text += quoted.substr(1, quoted.size() - 2) + (screen.Continues(line) ? '~' : '|');
+    }
+    for (const std::int64_t none : {screen.FirstLine() - 1, screen.EndLine()})
+        if (!screen.Line(none).empty() || screen.Continues(none)) text += " and a line beyond ";
+    return text + to_string(screen.Cursor().row) + "," + to_string(screen.Cursor().column) +
+           (screen.modes.cursorVisible ? "" : " hidden");
+}
+
+/// A terminal in a window, with its line and its system.
+struct Subject {
+    Subject() {
+        platform.ports.Plug("COM3", wire);
+        platform.peers.onChange = [this](const Control&, Property property) {
+            told = true;
+            if (property == Property::Repaint) events["repaint"] = "all";
+        };
+        window->Load();
+        com.Port().name = "3";
+        com.Port().settings = "9600,E,7,1";
+        com.Command.Connect([this](TerminalCommand command, bool& handled) {
+            events["owner"] += to_string(static_cast<int>(command));
+            handled = handles;
+            if (onCommand) onCommand();
+        });
+        com.PerformCommand(TerminalCommand::Open);
+        com.ScreenSize(8, 4);
+        Changes();
+    }
+    ~Subject() { Close(); }
+
+    void Pump(int count = 1) {
+        for (; count > 0; --count) {
+            platform.pump.PumpPending();
+            pump.PumpPending();
+        }
+    }
+
+    void Receive(std::string bytes) {
+        wire.sent = std::move(bytes);
+        Pump();
+        before["screen"].clear();  // stated even if it is the same
+    }
+
+    void Close() {
+        if (const std::shared_ptr<Window> closing = std::exchange(window, {})) closing->Unload();
+    }
+
+    /// The changes of state and the events since the last call.
+    std::string Changes() {
+        Notes now;
+        if (window) Look(now);
+        now["port"] = platform.ports.IsOpen("COM3") ? "open" : "closed";
+        now["slept"] = to_string(platform.clock.Milliseconds() - platform.pump.pumps - 1000);
+        now["timers"] = to_string(pump.running.size());
+        now["clipboard"] = Quoted(platform.clipboard.Text());
+        events["sent"] = Quoted(std::exchange(wire.received, {}), Quoting::Bytes);
+        events["beeps"] = to_string(std::exchange(platform.boxes.beeps, 0));
+        for (const std::string& box : Told(platform)) events["box"] += Quoted(box);
+        platform.boxes.shown.clear();
+        std::string text;
+        for (const auto& [kind, value] : now)
+            if (value != before[kind]) text += "    " + kind + " " + value + "\n";
+        for (const auto& [kind, value] : std::exchange(events, {}))
+            if (value != "\"\"" && value != "0") text += "    " + kind + " " + value + "\n";
+        before = std::move(now);
+        return text;
+    }
+
+    void Look(Notes& now) {
+        TerminalScreen& screen = com.Screen();
+        now["screen"] = TextOf(screen);
+        now["selected"] = com.Selection().Empty() ? "nothing" : Quoted(com.SelectedText());
+        now["looks"] = "0";
+        now["capture"] = Quoted(com.CaptureFile());
+        const bool newest = com.FirstShownLine() == screen.TopLine();
+        now["view"] = newest ? "newest" : "from " + to_string(com.FirstShownLine());
+        for (int row = 0; row < screen.Rows(); ++row) {
+            const std::span<const Cell> cells = screen.Line(screen.TopLine() + row);
+            std::string looks = "0";
+            std::string picture;
+            for (std::size_t column = 0; column <= TerminalScreen::kMostColumns; ++column) {
+                const Cell cell = column < cells.size() ? cells[column] : Cell{};
+                if (LooksOf(cell) != std::exchange(looks, LooksOf(cell)))
+                    now["looks"] += " " + to_string(row) + "," + to_string(column) + ":" + looks;
+                picture += cell.character + looks;
+            }
+            if (screen.Cursor().row == row && screen.modes.cursorVisible)
+                picture += to_string(screen.Cursor().column);
+            const bool same = picture == std::exchange(pictures[row], picture);
+            if (!same && !screen.Dirty(row)) events["NOT REDRAWN"] += to_string(row);
+            if (paints && screen.Dirty(row)) events["redrawn"] += to_string(row);
+        }
+        if (screen.AnyDirty() && !std::exchange(told, false)) events["VIEW"] = "not told";
+        screen.Clean();
+    }
+
+    Wire wire;  // outlives the window
+    ReportingPlatform platform;
+    CountedPump pump{platform.clock};
+    Platform services = platform.With({.pump = &pump});
+    std::shared_ptr<Window> window = std::make_shared<Window>(platform.manager, services);
+    TerminalControl& com = window->com;
+    Notes before;  // the last stated state
+    Notes events;
+    std::map<int, std::string> pictures;  // of the rows as last seen
+    std::function<void()> onCommand;
+    bool handles = false;
+    bool told = false;
+    bool paints = false;
+};
+
+void Perform(Subject& subject, const Words& words);
+
+int Number(const Words& words, std::size_t at = 1) {
+    return std::stoi(words.at(at));
+}
+
+using Verb = void (*)(Subject&, const Words&);
+const std::map<std::string, Verb> kVerbs = {
+    {"+", [](auto& s, auto& w) { s.Receive(w.at(1)); }},
+    {"repeat",
+     [](auto& s, auto& w) {
+         std::string bytes;
+         for (int i = Number(w); i > 0; --i) bytes += w.at(2);
+         s.Receive(bytes);
+     }},
+    {"arrives", [](auto& s, auto& w) { s.wire.sent = w.at(1); }},
+    {"gone", [](auto& s, auto& w) { s.wire.gone = w.at(1) == "yes"; }},
+    {"pump", [](auto& s, auto& w) { s.Pump(Number(w)); }},
+    {"size", [](auto& s, auto& w) { s.com.ScreenSize(Number(w), Number(w, 2)); }},
+    {"paints", [](auto& s, auto&) { s.paints = true; }},
+    {"closes", [](auto& s, auto&) { s.Close(); }},
+    {"key", [](auto& s, auto& w) { s.com.Key(w.at(1)); }},
+    {"type", [](auto& s, auto& w) { s.com.Type(w.at(1)); }},
+    {"output", [](auto& s, auto& w) { s.com.Output(w.at(1)); }},
+    {"echo", [](auto& s, auto&) { s.com.LocalEcho = true; }},
+    {"endless", [](auto& s, auto&) { s.com.EndLines = false; }},
+    {"returnfeeds", [](auto& s, auto&) { s.com.Screen().modes.returnFeeds = true; }},
+    {"clipboard", [](auto& s, auto& w) { s.platform.clipboard.Text(w.at(1)); }},
+    {"perform", [](auto& s, auto& w) { s.com.PerformCommand(TerminalCommand(Number(w))); }},
+    {"invoke", [](auto& s, auto& w) { s.com.Invoke(TerminalCommand(Number(w))); }},
+    {"always", [](auto& s, auto& w) { s.com.OfferAlways(TerminalCommand(Number(w))); }},
+    {"scroll", [](auto& s, auto& w) { s.com.ScrollTo(Number(w)); }},
+    {"follow", [](auto& s, auto& w) { s.com.FollowOutput(w.at(1) == "yes"); }},
+    {"select",
+     [](auto& s, auto& w) {
+         s.com.Select({Number(w), Number(w, 2)}, {Number(w, 3), Number(w, 4)});
+     }},
+    {"contains",
+     [](auto& s, auto& w) {
+         s.events["contains"] = to_string(s.com.Selection().Contains({Number(w), Number(w, 2)}));
+     }},
+    {"menu",
+     [](auto& s, auto&) {
+         for (const auto& [command, caption, enabled, startsGroup] : s.com.ContextMenu())
+             s.events["menu"] += (startsGroup ? " -- " : " ") +
+                                 to_string(static_cast<int>(command)) + " " + caption +
+                                 (enabled ? ";" : " (grey);");
+     }},
+    {"owner",  // performs or leaves commands, after an ACTION
+     [](auto& s, auto& w) {
+         s.handles = w.at(1) == "performs";
+         s.onCommand = {};
+         if (w.size() > 2) s.onCommand = [&s, w] { Perform(s, {w.begin() + 2, w.end()}); };
+     }},
+    {"capture",
+     [](auto& s, auto& w) {
+         s.events["error"] = to_string(Raised([&] { s.com.CaptureFile(w.at(1)); }).Number());
+     }},
+    {"drain", [](auto& s, auto&) { s.com.DrainOutput(); }},
+    {"slow",
+     [](auto& s, auto& w) { s.platform.ports.LimitWrites(static_cast<std::size_t>(Number(w))); }},
+    {"file", [](auto& s, auto& w) { s.platform.files.Add(w.at(1), w.at(2)); }},
+    {"fails", [](auto& s, auto& w) { s.platform.files.FailOn(w.at(1), Number(w, 2)); }},
+    {"reads",
+     [](auto& s, auto& w) {
+         const std::string bytes = s.platform.files.ReadAll(w.at(1));
+         s.events["file"] =
+             to_string(bytes.size()) + " bytes " + Quoted(bytes.substr(0, 60), Quoting::Bytes);
+     }},
+    {"box",  // during which ACTION takes place
+     [](auto& s, auto& w) {
+         s.platform.boxes.whileOpen = [&s, w](const MessageBoxRequest&) {
+             Perform(s, {w.begin() + 1, w.end()});
+         };
+     }},
+};
+
+void Perform(Subject& subject, const Words& words) {
+    kVerbs.at(words.at(0))(subject, words);
+}
+
+}  // namespace
+
+std::string RunTerminal(const std::string& script, bool inPieces) {
+    std::unique_ptr<Subject> subject;
+    std::istringstream lines(script);
+    std::string result;
+    for (std::string line; std::getline(lines, line);) {
+        if (line.starts_with("    ")) continue;
+        result += line + "\n";
+        if (line.empty() || line.starts_with('#')) continue;
+        Words words = WordsOf(line);
+        if (line.starts_with('"')) {
+            subject.reset();  // before the next one installs its error handler
+            subject = std::make_unique<Subject>();
+            words.insert(words.begin(), "+");
+        }
+        if (words.at(0) == "+" && inPieces && !words.at(1).empty())
+            for (const char byte : words[1]) subject->Receive({byte});
+        else
+            Perform(*subject, words);
+        result += subject->Changes();
+    }
+    return result;
+}
+
+}  // namespace vantor::traces

@@ -1,0 +1,145 @@
+// Functions of a text that return a text or a number: the rules on which stored values, window
+// designs, images and pictures rely.
+#include <gtest/gtest.h>
+
+#include <functional>
+#include <map>
+#include <stdexcept>
+
+#include "app/base/modSupport.hpp"
+#include "content/CImageInfo.hpp"
+#include "content/PictureFiles.hpp"
+#include "flash/FirmwareImage.hpp"
+#include "platform/headless/HeadlessPlatform.hpp"
+#include "simulator/Fault.hpp"
+#include "simulator/RunningMode.hpp"
+#include "support/Conversions.hpp"
+#include "support/LineSettings.hpp"
+#include "support/text/Text.hpp"
+#include "support/text/Unicode.hpp"
+#include "tests/unit/Table.hpp"
+
+namespace vantor {
+namespace {
+
+std::int32_t Whole(const std::string& word) {
+    return std::stoi(word);
+}
+
+/// Both the check and the conversion, which must agree.
+std::string Number(const std::string& text) {
+    if (IsNumeric(text)) return Row(ToDouble(text));
+    return Raised([&] { ToDouble(text); }).Is(ErrorNumber::TypeMismatch) ? "none" : "no error";
+}
+
+/// A text, a count and another text, and so on: the picture file.
+std::string PictureHeader(const Words& words) {
+    std::string bytes;
+    for (std::size_t i = 1; i < words.size(); ++i)
+        bytes += i % 2 == 1 ? words[i] : std::string(std::stoul(words[i]), 'x');
+    HeadlessFiles files;
+    files.Add("/p", bytes);
+    CImageInfo info(files);
+    info.ReadImageInfo("/p");
+    return Row(static_cast<int>(info.ImageType()), info.Width(), info.Height(), int{info.Depth()});
+}
+
+std::string Pictures(const Words& words) {
+    HeadlessFiles files;
+    for (const char* name : {"a.gif", "b.JPG", "c.jpg", "gif", "xbmp", "e.png", "f.jpeg", "h.bmp"})
+        files.Add(std::string("/c/") + name, "");
+    files.SetHidden("/c/h.bmp");
+    Words names;
+    std::string text = Row(PictureFilesToArray(files, words.at(1), words.size() > 2, false, names));
+    for (const std::string& name : names) text += " " + name;
+    return text;
+}
+
+std::string LinesOf(const std::string& text) {
+    std::string lines;
+    const ImageLines image(text);
+    for (std::size_t i = 0; i <= image.UBound(); ++i) lines += "[" + std::string(image[i]) + "]";
+    return lines;
+}
+
+std::string FaultOf(const std::string& text) {
+    try {
+        const Fault fault = ParseFault(text);
+        return Row(static_cast<int>(fault.kind), fault.line, fault.times, fault.lateMs,
+                   fault.silent);
+    } catch (const std::invalid_argument& error) {
+        const bool named = std::string(error.what()).find('"' + text + '"') != std::string::npos;
+        return named ? "refused" : error.what();
+    }
+}
+
+std::string Typed(const Words& words) {
+    RunningMode indicator;
+    std::string seen;
+    for (std::size_t i = 1; i < words.size(); ++i) seen = indicator.Receive(words[i]);
+    return seen;
+}
+
+// clang-format off
+const std::map<std::string, std::function<std::string(const Words&)>> kFunctions = {
+    {"LeadingNumber", [](const Words& w) { return Row(LeadingNumber(w.at(1))); }},
+    {"Number", [](const Words& w) { return Number(w.at(1)); }},
+    {"ToInt16", [](const Words& w) { return Row(ToInt16(w.at(1))); }},
+    {"ToInt32", [](const Words& w) { return Row(ToInt32(w.at(1))); }},
+    {"ToBool", [](const Words& w) { return FromBool(ToBool(w.at(1))); }},
+    {"TwoDigits", [](const Words& w) { return TwoDigits(Whole(w.at(1))); }},
+    {"TimeOfDay", [](const Words& w) { return TimeOfDay(Whole(w.at(1))); }},
+    {"CheckedAdd", [](const Words& w) { return Row(CheckedAdd(Whole(w.at(1)), Whole(w.at(2)))); }},
+    {"CheckedMultiply", [](const Words& w) {
+        return Row(CheckedMultiply(Whole(w.at(1)), Whole(w.at(2)))); }},
+    {"FixedWidth", [](const Words& w) { return FixedWidth(w.at(1), std::stoul(w.at(2))) + "|"; }},
+    {"CharacterCount", [](const Words& w) { return Row(CharacterCount(w.at(1))); }},
+    {"ViaUtf16", [](const Words& w) {
+        std::string bytes;
+        for (const char16_t unit : Utf16FromUtf8(w.at(1)))
+            bytes += {static_cast<char>(unit & 0xffu), static_cast<char>(unit >> 8u)};
+        return Utf8FromUtf16(bytes); }},
+    {"Utf8FromUtf16", [](const Words& w) { return Utf8FromUtf16(w.at(1)); }},
+    {"TrimBlanks", [](const Words& w) { return std::string(TrimBlanks(w.at(1))) + "|"; }},
+    {"FolderOf", [](const Words& w) {
+        return Row(FolderOf(w.at(1)), FileNameOf(w.at(1))); }},
+    {"Escaped", [](const Words& w) { return Escaped(w.at(1), w.at(2)); }},
+    {"SameText", [](const Words& w) { return FromBool(SameText(w.at(1), w.at(2))); }},
+    {"AddFinalSlash", [](const Words& w) { return AddFinalSlash(w.at(1)); }},
+    {"AppPath", [](const Words& w) {
+        HeadlessProcess process;
+        process.executable = w.at(1);
+        return AppPath(process); }},
+    {"Line", [](const Words& w) { return FormatLineSettings(ParseLineSettings(w.at(1))); }},
+    {"Language", [](const Words& w) {
+        const Language language = LanguageOfLocale(w.at(1), w.at(2), w.at(3));
+        return std::string(language == Language::Spanish ? "Spanish" : "English"); }},
+    {"Lines", [](const Words& w) { return LinesOf(w.at(1)); }},
+    {"Description", [](const Words& w) { return StandardDescription(Whole(w.at(1))); }},
+    {"Picture", PictureHeader},
+    {"Pictures", Pictures},
+    {"Fault", [](const Words& w) { return FaultOf(w.at(1)); }},
+    {"Typed", Typed},
+};
+// clang-format on
+
+TEST(Functions, ReturnWhatTheTableSays) {
+    ExpectTable("functions", [](const Words& words) { return kFunctions.at(words[0])(words); });
+}
+
+TEST(FirmwareImage, ALongImageLosesNoLineAndHasNoMore) {
+    constexpr std::size_t kCount = 25001;
+    std::string text;
+    for (std::size_t i = 0; i < kCount; ++i) text += "S2" + std::to_string(i) + "\r\n";
+    ImageLines first(std::move(text));
+    const ImageLines image = std::move(first);
+    ASSERT_EQ(image.UBound(), kCount - 1);
+    std::size_t wrong = 0;
+    for (std::size_t i = 0; i < kCount; ++i) wrong += image[i] != "S2" + std::to_string(i);
+    EXPECT_EQ(wrong, 0u);
+    EXPECT_THROW(static_cast<void>(image[kCount]), RuntimeError);
+    EXPECT_THROW(static_cast<void>(ImageLines().UBound()), RuntimeError);
+}
+
+}  // namespace
+}  // namespace vantor

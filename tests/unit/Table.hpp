@@ -1,0 +1,75 @@
+// Cases as text: a table in tests/unit/tables has one case a line, "WORDS -> RESULT". Words are
+// separated by spaces; text in quotes is one word. Lines that begin with "#" say which fault the
+// rows below detect.
+#pragma once
+
+#include <gtest/gtest.h>
+
+#include <fstream>
+#include <functional>
+#include <map>
+#include <sstream>
+#include <string>
+#include <utility>
+
+#include "support/Conversions.hpp"
+#include "support/errors/RuntimeError.hpp"
+#include "tests/Words.hpp"
+#include "tests/faults/ReportingPlatform.hpp"
+
+namespace vantor {
+
+/// Numbers and texts as words of a result.
+template <typename... Items>
+std::string Row(const Items&... items) {
+    std::ostringstream text;
+    text.precision(12);
+    const char* gap = "";
+    ((text << std::exchange(gap, " ") << items), ...);
+    return text.str();
+}
+
+/// What the words "NAME" and "NAME=ARGUMENT" of a row do with a subject.
+template <typename Subject>
+using Verbs = std::map<std::string, void (*)(Subject&, const std::string& argument)>;
+
+/// Performs `steps` one after the other and returns what they have appended to `subject.out`, and
+/// then the message boxes of its platform.
+template <typename Subject>
+std::string Perform(Subject&& subject, const Verbs<std::decay_t<Subject>>& verbs,
+                    const Words& steps) {
+    for (const std::string& step : steps) {
+        const std::size_t end = std::min(step.find('='), step.size());
+        verbs.at(step.substr(0, end))(subject, step.substr(std::min(end + 1, step.size())));
+    }
+    for (const std::string& box : Told(subject.platform)) subject.out += "[" + box + "]";
+    return subject.out;
+}
+
+/// Expects of each row of `table` that `answer` returns its result for its words. An error that it
+/// raises is the result "error NUMBER SOURCE".
+inline void ExpectTable(const std::string& table,
+                        const std::function<std::string(const Words&)>& answer) {
+    std::ifstream file(std::string(TABLES "/") + table + ".table");
+    int rows = 0;
+    for (std::string line; std::getline(file, line);) {
+        if (line.empty() || line.starts_with('#')) continue;
+        const std::size_t arrow = line.rfind(" ->");
+        ASSERT_NE(arrow, std::string::npos) << line;
+        std::string expected;
+        for (const std::string& word : WordsOf(std::string_view(line).substr(arrow + 3)))
+            expected += (expected.empty() ? "" : " ") + word;
+        std::string actual;
+        try {
+            actual = answer(WordsOf(std::string_view(line).substr(0, arrow)));
+        } catch (const RuntimeError& error) {
+            actual = Row("error", error.Number());
+            if (!error.Source().empty()) actual += " " + error.Source();
+        }
+        EXPECT_EQ(actual, expected) << table << ": " << line;
+        ++rows;
+    }
+    EXPECT_GT(rows, 0) << table;
+}
+
+}  // namespace vantor

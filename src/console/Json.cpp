@@ -53,7 +53,7 @@ public:
 
     /// A number, true, false or null.
     std::string TakeWord() {
-        const std::string word(mRest.substr(0, mRest.find_first_of(",} ")));
+        std::string word(mRest.substr(0, mRest.find_first_of(",} ")));
         mRest.remove_prefix(word.size());
         return word;
     }

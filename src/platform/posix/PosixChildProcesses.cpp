@@ -86,6 +86,7 @@ public:
         std::vector<std::string> copies = arguments;  // argv is not const
         copies.insert(copies.begin(), program);
         std::vector<char*> argv;
+        argv.reserve(copies.size() + 1);
         for (std::string& argument : copies) argv.push_back(argument.data());
         argv.push_back(nullptr);
         const SpawnPlan plan(writeEnd.Get());

@@ -480,6 +480,8 @@ void Recorder::Describe(const Form& form) {
         if (!control.Visible()) text += ", hidden";
         if (control.Border() != Border::None)
             text += control.Border() == Border::Static ? ", thin border" : ", sunken border";
+        const auto* const picture = dynamic_cast<const PictureBox*>(&control);
+        if (picture && picture->Loaded()) text += ", with a picture";
         if (!control.ToolTip().empty()) text += ", tool tip " + Quoted(control.ToolTip());
         if (!control.SpokenName().empty()) text += ", named " + Quoted(control.SpokenName());
         Note(text + StyleOf(row.style));
@@ -490,7 +492,7 @@ void Recorder::Describe(const Form& form) {
                 Note("    node " + node.key + " under " + Quoted(node.parent) + " " +
                      Quoted(node.text) + (node.bold ? ", bold" : "") +
                      (node.expanded ? ", expanded" : ""));
-        if (const auto* picture = dynamic_cast<const PictureBox*>(&control))
+        if (picture)
             for (const PictureBox::Printed& printed : picture->PrintedTexts())
                 Note("    prints " + Quoted(printed.text) + " at " +
                      Point(printed.left, printed.top) + " in " + printed.fontName);

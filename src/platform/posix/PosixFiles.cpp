@@ -33,24 +33,9 @@ std::optional<struct stat> StatusOf(const std::string& hostPath) {
 }
 
 [[noreturn]] void Raise(int systemError, const std::string& hostPath) {
-    switch (systemError) {
-        case ENOENT: {
-            const bool folderIsThere = StatusOf(std::string(FolderOf(hostPath)) + '.').has_value();
-            throw RuntimeError(folderIsThere ? ErrorNumber::FileNotFound
-                                             : ErrorNumber::PathNotFound);
-        }
-        case ENOTDIR:
-            throw RuntimeError(ErrorNumber::PathNotFound);
-        case EACCES:
-        case EPERM:
-        case EROFS:
-            throw RuntimeError(ErrorNumber::PermissionDenied);
-        case ENOSPC:
-        case EDQUOT:
-            throw RuntimeError(ErrorNumber::DiskFull);
-        default:
-            throw RuntimeError(ErrorNumber::PathFileAccess);
-    }
+    if (systemError == ENOENT && StatusOf(std::string(FolderOf(hostPath)) + '.'))
+        throw RuntimeError(ErrorNumber::FileNotFound);
+    RaiseFileError(systemError);
 }
 
 class PosixOutputFile : public OutputFile {

@@ -4,7 +4,27 @@
 
 #include <algorithm>
 
+#include "support/errors/RuntimeError.hpp"
+
 namespace vantor {
+
+void RaiseFileError(int systemError) {
+    switch (systemError) {
+        case ENOENT:
+        case ENOTDIR:
+            throw RuntimeError(ErrorNumber::PathNotFound);
+        case EACCES:
+        case EPERM:
+        case EROFS:
+            throw RuntimeError(ErrorNumber::PermissionDenied);
+        case ENOSPC:
+        case EDQUOT:
+            throw RuntimeError(ErrorNumber::DiskFull);
+        default:
+            throw RuntimeError(ErrorNumber::PathFileAccess);
+    }
+}
+
 namespace {
 
 /// Returns 0 or the system's error.

@@ -33,6 +33,9 @@ private:
     int mDescriptor = -1;
 };
 
+/// Raises the RuntimeError for a failed file operation: 76, 70, 61, else 75.
+[[noreturn]] void RaiseFileError(int systemError);
+
 /// Repeats the system call `call` while it fails with EINTR.
 template <typename Call>
 auto Uninterrupted(Call call) {

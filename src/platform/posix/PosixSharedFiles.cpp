@@ -4,27 +4,9 @@
 
 #include "platform/posix/PosixHandle.hpp"
 #include "platform/posix/PosixServices.hpp"
-#include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 namespace {
-
-[[noreturn]] void Raise(int systemError) {
-    switch (systemError) {
-        case ENOENT:
-        case ENOTDIR:
-            throw RuntimeError(ErrorNumber::PathNotFound);
-        case EACCES:
-        case EPERM:
-        case EROFS:
-            throw RuntimeError(ErrorNumber::PermissionDenied);
-        case ENOSPC:
-        case EDQUOT:
-            throw RuntimeError(ErrorNumber::DiskFull);
-        default:
-            throw RuntimeError(ErrorNumber::PathFileAccess);
-    }
-}
 
 /// Opens and locks the file; closing it releases the lock.
 PosixHandle Locked(const std::string& path, struct stat& status) {
@@ -32,11 +14,11 @@ PosixHandle Locked(const std::string& path, struct stat& status) {
     // Without O_NONBLOCK, opening a named pipe in place of a file would block for ever.
     constexpr int kFlags = O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK;
     PosixHandle file(Uninterrupted([&] { return open(path.c_str(), kFlags, kMode); }));
-    if (!file.IsOpen()) Raise(errno);
+    if (!file.IsOpen()) RaiseFileError(errno);
     if (Uninterrupted([&] { return flock(file.Get(), LOCK_EX); }) != 0 ||
         fstat(file.Get(), &status) != 0)
-        Raise(errno);
-    if (!S_ISREG(status.st_mode)) Raise(EINVAL);
+        RaiseFileError(errno);
+    if (!S_ISREG(status.st_mode)) RaiseFileError(EINVAL);
     return file;
 }
 
@@ -58,8 +40,8 @@ public:
         std::string_view rest = bytes;
         if (WriteAll(file.Get(), rest) && fdatasync(file.Get()) == 0) return;
         const int systemError = errno;
-        if (ftruncate(file.Get(), status.st_size) != 0) Raise(EIO);  // part of it stays
-        Raise(systemError);
+        if (ftruncate(file.Get(), status.st_size) != 0) RaiseFileError(EIO);  // part of it stays
+        RaiseFileError(systemError);
     }
 };
 

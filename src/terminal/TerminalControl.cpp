@@ -18,12 +18,6 @@
 namespace vantor {
 namespace {
 
-// With continuous input, control returns to the message loop after this many bytes.
-constexpr std::size_t kMostAtOnce = 65'536;
-constexpr auto kAll = static_cast<std::size_t>(-1);
-constexpr std::uint32_t kSendIntervalMs = 10;
-constexpr std::uint32_t kDrainMs = 2000;
-constexpr std::uint32_t kDrainStepMs = 5;
 constexpr std::uint32_t kBeepIntervalMs = 250;
 
 struct MenuRow {
@@ -73,53 +67,29 @@ bool LacksAny(const CodePage& codePage, const std::string& utf8) {
 TerminalControl::TerminalControl(Form& parent, std::string name, Platform& platform)
     : Control(parent, ControlKind::Terminal, std::move(name)),
       mPlatform(platform),
-      mPort(platform.ports),
-      mSendTimer(platform.pump, kSendIntervalMs, [this] { KeepSending(); }) {
-    mPort.name = "COM1";
-    mPort.settings = "9600,N,8,1";
+      mSession(*this, platform) {
+    Port().name = "COM1";
+    Port().settings = "9600,N,8,1";
 }
 
-// --- the port --------------------------------------------------------------------------------
+// --- received and sent -----------------------------------------------------------------------
 
-void TerminalControl::Open() {
-    mPort.InBufferCount();  // closes the port if its device is lost
-    if (PortOpen()) return;
-    mPort.Open([this] { TakeInput(kMostAtOnce); });
-}
-
-void TerminalControl::Close() {
-    const std::shared_ptr<void> keepAlive = KeepParent();
-    TakeInput(kAll);
-    mPort.Close();
-}
-
-void TerminalControl::DrainOutput() {
-    Clock& clock = mPlatform.clock;
-    const std::uint32_t start = clock.Milliseconds();
-    while (mPort.OutBufferCount() > 0 && clock.Milliseconds() - start < kDrainMs)
-        clock.Sleep(kDrainStepMs);
-}
-
-void TerminalControl::TakeInput(std::size_t most) {
-    // The window can be closed while the box that reports a failed capture is open.
-    const std::shared_ptr<void> keepAlive = KeepParent();
-    const std::string bytes = mPort.Input(most);
-    if (bytes.empty()) return;  // the device is lost, or no input
+void TerminalControl::Received(std::string_view bytes) {
     Show(bytes);
-    Capture(bytes);
 }
 
 void TerminalControl::Show(std::string_view bytes) {
     const std::uint64_t bells = mParser.Bells();
     // Only text on the screen can be overwritten; lines in the history cannot change.
     const std::int64_t top = mScreen.TopLine();
-    const std::string marked = mSelection.TextFrom(top);
+    const TerminalSelection& selection = mViewport.Selection();
+    const std::string marked = selection.TextFrom(top);
     mParser.Write(bytes);
     if (mParser.Bells() != bells) Beep();
-    if (mFollowOutput) mView.reset();
+    if (mFollowOutput) mViewport.ScrollToNewest();
     Changed(Property::Value);
-    const bool dropped = mSelection.To().line < mScreen.FirstLine();
-    if (!mSelection.Empty() && (dropped || mSelection.TextFrom(top) != marked)) Select({}, {});
+    const bool dropped = selection.To().line < mScreen.FirstLine();
+    if (!selection.Empty() && (dropped || selection.TextFrom(top) != marked)) Select({}, {});
 }
 
 void TerminalControl::Beep() {
@@ -129,36 +99,10 @@ void TerminalControl::Beep() {
     mPlatform.boxes.Beep();
 }
 
-void TerminalControl::Capture(std::string_view bytes) {
-    if (!mCapture.file) return;
-    Trapped("TerminalControl.Capture", [&] {
-        // Moved out during the write: a failed write must end the capture before the error box
-        // opens, because more text arrives while that box is open.
-        CaptureTarget target = std::exchange(mCapture, {});
-        target.file->Write(bytes);
-        mCapture = std::move(target);
-    });
-}
-
-void TerminalControl::CaptureFile(const std::string& path) {
-    const std::shared_ptr<void> keepAlive = KeepParent();
-    TakeInput(kAll);
-    // An open capture file must be closed before it can be created again.
-    if (path.empty() || path == mCapture.path) mCapture = {};
-    if (!path.empty()) mCapture = {path, mPlatform.files.Create(path)};
-}
-
 void TerminalControl::Send(std::string_view bytes) {
     if (!PortOpen()) return;
-    mPort.Output(bytes);
-    KeepSending();
+    mSession.Send(bytes);
     if (LocalEcho) Show(WithLineEnds(bytes, "\r\n"));
-}
-
-/// Sends the remainder in parts when the driver does not accept everything at once.
-/// No timer runs while idle.
-void TerminalControl::KeepSending() {
-    mSendTimer.Enabled(!mPort.FlushPending());
 }
 
 void TerminalControl::Output(std::string_view line) {
@@ -188,9 +132,9 @@ void TerminalControl::PerformCommand(TerminalCommand command) {
         case TerminalCommand::SelectAll:
             return SelectAll();
         case TerminalCommand::Open:
-            return Open();
+            return mSession.Open();
         case TerminalCommand::Close:
-            return Close();
+            return mSession.Close();
         case TerminalCommand::Clear:
             mScreen.NewPage();
             return Clear();
@@ -205,7 +149,7 @@ void TerminalControl::PerformCommand(TerminalCommand command) {
 /// Also resets what depends on the screen: a partial escape sequence and the scroll position.
 void TerminalControl::Clear() {
     mParser.Reset();
-    mView.reset();
+    mViewport.ScrollToNewest();
     Changed(Property::Repaint);
 }
 
@@ -234,7 +178,7 @@ bool TerminalControl::Offered(TerminalCommand command) const {
     if (mOfferedAlways.test(static_cast<std::size_t>(command))) return true;
     if (command == TerminalCommand::Open) return !PortOpen();
     if (command == TerminalCommand::Close || command == TerminalCommand::Paste) return PortOpen();
-    return command != TerminalCommand::Copy || !mSelection.Empty();
+    return command != TerminalCommand::Copy || !mViewport.Selection().Empty();
 }
 
 std::vector<OfferedCommand> TerminalControl::ContextMenu() const {
@@ -248,17 +192,17 @@ std::vector<OfferedCommand> TerminalControl::ContextMenu() const {
 // --- selection and view ----------------------------------------------------------------------
 
 void TerminalControl::SelectAll() {
-    mSelection.SetAll();
+    mViewport.Selection().SetAll();
     Changed(Property::Repaint);
 }
 
 void TerminalControl::Select(TextPosition anchor, TextPosition end) {
-    mSelection.Set(anchor, end);
+    mViewport.Selection().Set(anchor, end);
     Changed(Property::Repaint);
 }
 
 std::string TerminalControl::SelectedText() const {
-    return mPlatform.codePage.FromAnsi(mSelection.Text());
+    return mPlatform.codePage.FromAnsi(mViewport.Selection().Text());
 }
 
 void TerminalControl::Copy() {
@@ -291,16 +235,8 @@ bool TerminalControl::RefusePaste(const std::string& text) {
     return false;
 }
 
-std::int64_t TerminalControl::FirstShownLine() const {
-    if (!mView) return mScreen.TopLine();
-    return std::clamp(*mView, mScreen.FirstLine(), mScreen.TopLine());
-}
-
 void TerminalControl::ScrollTo(std::int64_t firstLine) {
-    const std::int64_t before = FirstShownLine();
-    mView = firstLine;
-    if (firstLine >= mScreen.TopLine()) mView.reset();
-    if (FirstShownLine() != before) Changed(Property::Repaint);
+    if (mViewport.ScrollTo(firstLine)) Changed(Property::Repaint);
 }
 
 void TerminalControl::ScreenSize(int columns, int rows) {

@@ -11,15 +11,13 @@
 #include <string_view>
 #include <vector>
 
-#include "controls/BufferedPort.hpp"
 #include "controls/Control.hpp"
 #include "controls/Event.hpp"
-#include "platform/Files.hpp"
 #include "platform/Platform.hpp"
-#include "support/Timer.hpp"
 #include "terminal/TerminalParser.hpp"
 #include "terminal/TerminalScreen.hpp"
-#include "terminal/TerminalSelection.hpp"
+#include "terminal/TerminalSession.hpp"
+#include "terminal/TerminalViewport.hpp"
 
 namespace vantor {
 
@@ -51,14 +49,14 @@ struct OfferedCommand {
 ///
 /// Peers get `Property::Value` when text has arrived (see `TerminalScreen::Dirty`; a peer calls
 /// `Clean` after painting) and `Property::Repaint` when everything must be repainted.
-class TerminalControl : public Control {
+class TerminalControl : public Control, private SessionOwner {
 public:
     TerminalControl(Form& parent, std::string name, Platform& platform);
 
     /// Its `settings` is member 1, its `name` member 28. Opened and closed by commands only.
-    BufferedPort& Port() { return mPort; }
+    BufferedPort& Port() { return mSession.Port(); }
     /// Member 88: the port is open.
-    bool PortOpen() const { return mPort.IsOpen(); }
+    bool PortOpen() const { return mSession.PortOpen(); }
 
     /// Member 116: performs a command without raising `Command`. Opening an open port does nothing.
     /// Closing first shows and captures the input received so far.
@@ -66,14 +64,11 @@ public:
 
     /// Waits at most 2 seconds until all queued output is on the line, before the user's close.
     /// Does not pump messages, because the windows may be about to be destroyed.
-    void DrainOutput();
+    void DrainOutput() { mSession.DrainOutput(); }
 
-    /// Member 16: the capture file for received data; empty when none. Setting a name starts a
-    /// capture and overwrites the file; an empty name ends the capture. Input received so far goes
-    /// to the running capture, which continues if another file cannot be created.
-    /// Raises what Files::Create does.
-    const std::string& CaptureFile() const { return mCapture.path; }
-    void CaptureFile(const std::string& path);
+    /// Member 16: see TerminalSession::CaptureFile.
+    const std::string& CaptureFile() const { return mSession.CaptureFile(); }
+    void CaptureFile(const std::string& path) { mSession.CaptureFile(path); }
 
     /// Member 84: transmits one line unchanged, followed by a CR.
     void Output(std::string_view line);
@@ -128,42 +123,31 @@ public:
 
     /// Its modes `autoWrap` and `returnFeeds` are members 6 and 113.
     TerminalScreen& Screen() { return mScreen; }
-    const TerminalSelection& Selection() const { return mSelection; }
+    const TerminalSelection& Selection() const { return mViewport.Selection(); }
 
-    /// The line in the first row of the view: that of the screen unless the view is scrolled up.
-    std::int64_t FirstShownLine() const;
+    std::int64_t FirstShownLine() const { return mViewport.FirstShownLine(); }
     void ScrollTo(std::int64_t firstLine);
 
     /// Sets the size in characters that fits into the control.
     void ScreenSize(int columns, int rows);
 
 private:
-    struct CaptureTarget {
-        std::string path;  // empty when there is no capture
-        std::unique_ptr<OutputFile> file;
-    };
+    void Received(std::string_view bytes) override;
+    std::shared_ptr<void> KeepAlive() const override { return KeepParent(); }
 
-    void Open();
-    void Close();
-    void TakeInput(std::size_t most);
     void Show(std::string_view bytes);
-    void Capture(std::string_view bytes);
     void Send(std::string_view bytes);
-    void KeepSending();
     void Clear();
     void Beep();
     bool RefusePaste(const std::string& text);
     bool Offered(TerminalCommand command) const;
 
     Platform& mPlatform;
-    BufferedPort mPort;
+    TerminalSession mSession;
     TerminalScreen mScreen;
     TerminalParser mParser{mScreen};
-    TerminalSelection mSelection{mScreen};
-    std::optional<std::int64_t> mView;  // the first line of a view that is scrolled up
-    CaptureTarget mCapture;
-    std::bitset<12> mOfferedAlways;  // by command
-    Timer mSendTimer;
+    TerminalViewport mViewport{mScreen};
+    std::bitset<12> mOfferedAlways;          // by command
     std::optional<std::uint32_t> mBeepedAt;  // milliseconds of the clock
     bool mFollowOutput = false;
 };

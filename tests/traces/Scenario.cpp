@@ -1,6 +1,7 @@
 #include "tests/traces/Scenario.hpp"
 
 #include <algorithm>
+#include <array>
 #include <functional>
 #include <list>
 #include <map>
@@ -50,6 +51,12 @@ struct Waiting {
     std::string line;
 };
 
+// In the order of FlashOutcome.
+constexpr std::array<const char*, 12> kOutcomes = {
+    "none",          "declined",  "port not open",    "not in boot monitor", "load refused",
+    "line refused",  "aborted",   "nothing accepted", "awaiting verdict",    "done",
+    "verify failed", "no verdict"};
+
 class Scenario {
 public:
     explicit Scenario(const std::string& script) {
@@ -62,7 +69,7 @@ public:
 
     // A window that is left open closes here: its way out is no part of the scenario.
     ~Scenario() {
-        const std::shared_ptr<frmMain> main = mStartup ? mStartup->MainWindow() : mMain;
+        const std::shared_ptr<frmMain> main = Main();
         if (main && !main->Gone()) {
             main->Session().Flags().mblnFlashing = false;
             main->Unload();
@@ -89,6 +96,7 @@ public:
 
 private:
     HeadlessPlatform& Headless() { return mRecorder->Headless(); }
+    std::shared_ptr<frmMain> Main() const { return mStartup ? mStartup->MainWindow() : mMain; }
 
     void Perform(const Words& words, const std::string& line) {
         if (words[0] == "when" || words[0] == "in") {
@@ -141,7 +149,8 @@ private:
     void Modal(Form& form) {
         for (;;) {
             const auto waiting = std::ranges::find(mModal, form.Name(), &Waiting::text);
-            if (waiting == mModal.end() || form.Gone()) return;
+            if (form.Gone()) return;
+            if (waiting == mModal.end()) return mRecorder->Note(form.Name() + " stays open");
             const Waiting due = *waiting;
             mModal.erase(waiting);
             Perform(due.action, due.line);
@@ -198,6 +207,11 @@ private:
             for (const std::string& violation : mIndicator->Violations())
                 mRecorder->Note("indicator: " + violation);
         }
+        const std::shared_ptr<frmMain> main = Main();
+        if (const auto outcome = main ? main->Session().Outcome() : FlashOutcome::None;
+            outcome != FlashOutcome::None)
+            mRecorder->Note("outcome " +
+                            std::string(kOutcomes.at(static_cast<std::size_t>(outcome))));
         std::string open;
         for (const std::string& name : Headless().peers.open) open += " " + name;
         mRecorder->Note("open windows:" + (open.empty() ? " none" : open));
@@ -250,7 +264,7 @@ const std::map<std::string, Scenario::Verb>& Scenario::Verbs() {
         {"homeless",  // the system names no folders
          [](S& s, W&) { s.Headless().folders.home.clear(); }},
         {"another",  // instance of the program runs
-         [](S& s, W&) { s.Headless().process.anotherRuns = true; }},
+         [](S& s, W&) { s.Headless().process.running = "Tessmar Vantor Update"; }},
         {"slow",  // driver: it accepts so many bytes a write
          [](S& s, W& w) { s.Headless().ports.LimitWrites(Number(w.at(1))); }},
         {"ports",  // beside COM1

@@ -100,12 +100,12 @@ public:
         if (executable.empty()) throw RuntimeError(ErrorNumber::FileNotFound);
         return executable;
     }
-    bool AnotherInstanceRuns(const std::string&) override { return anotherRuns; }
+    bool AnotherInstanceRuns(const std::string& title) override { return title == running; }
     void InstallUnhandledExceptionFilter(const std::string&) override { ++filters; }
 
     std::vector<std::string> arguments;
     std::string executable = "/opt/vantor/tsupdate";  ///< empty: the system does not report it
-    bool anotherRuns = false;
+    std::string running;  ///< title of another program of this user
     int filters = 0;
 };
 

@@ -40,6 +40,8 @@ std::string PictureHeader(const Words& words) {
     HeadlessFiles files;
     files.Add("/p", bytes);
     CImageInfo info(files);
+    files.Add("/first", "GIF89a\x05\x01\x04\x01\x07");
+    info.ReadImageInfo("/first");  // none of its values may remain
     info.ReadImageInfo("/p");
     return Row(static_cast<int>(info.ImageType()), info.Width(), info.Height(), int{info.Depth()});
 }

@@ -59,4 +59,8 @@ void MakeNative(Subject& subject) {
     subject.farEnd = std::move(terminal);
 }
 
+ProcessServices MakeProcessServices() {
+    return {MakePosixProcess(0, nullptr), MakePosixChildProcesses(), MakePosixSharedFiles()};
+}
+
 }  // namespace vantor::contract

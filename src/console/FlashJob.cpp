@@ -108,6 +108,8 @@ ExitStatus FlashJob::RunSeveral() {
             throw Refusal(mStrings, Str::PortNamedTwice, port);
         names.push_back(name);
     }
+    if (mOptions.practice && !mOptions.quiet && !mOptions.json)
+        mNative.console->Write(mStrings.Text(Str::PracticeNotice) + "\n");
     if (!mOptions.yes) {
         ProgressLine progress(*mNative.console, *mNative.clock, mStrings);
         ConsoleView view(*mNative.console, mStrings, progress, mOptions);

@@ -58,6 +58,7 @@ struct ProcessServices {
     std::unique_ptr<Process> process;  ///< this one
     std::unique_ptr<ChildProcesses> children;
     std::unique_ptr<SharedFiles> sharedFiles;
+    std::unique_ptr<Clock> clock;
 };
 ProcessServices MakeProcessServices();
 

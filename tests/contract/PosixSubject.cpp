@@ -60,7 +60,8 @@ void MakeNative(Subject& subject) {
 }
 
 ProcessServices MakeProcessServices() {
-    return {MakePosixProcess(0, nullptr), MakePosixChildProcesses(), MakePosixSharedFiles()};
+    return {MakePosixProcess(0, nullptr), MakePosixChildProcesses(), MakePosixSharedFiles(),
+            MakePosixClock()};
 }
 
 }  // namespace vantor::contract

@@ -6,7 +6,6 @@
 #include <iterator>
 #include <map>
 #include <optional>
-#include <thread>
 
 #include "tests/contract/Contract.hpp"
 
@@ -39,9 +38,9 @@ protected:
         words.insert(words.begin(), "child");
         return services.children->Start(services.process->ExecutablePath(), words);
     }
-    static std::string Ended(ChildProcess& child) {
+    std::string Ended(ChildProcess& child) const {
         std::string output;
-        while (child.Read(output)) std::this_thread::yield();
+        while (child.Read(output)) services.clock->Sleep(1);
         EXPECT_EQ(child.ExitStatus(), kStatusOfChild);
         return output;
     }

@@ -62,7 +62,8 @@ void MakeNative(Subject& subject) {
 }
 
 ProcessServices MakeProcessServices() {
-    return {MakeWin32Process(), MakeWin32ChildProcesses(), MakeWin32SharedFiles()};
+    return {MakeWin32Process(), MakeWin32ChildProcesses(), MakeWin32SharedFiles(),
+            MakeWin32Clock()};
 }
 
 }  // namespace vantor::contract

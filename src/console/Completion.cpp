@@ -45,6 +45,12 @@ std::string Bash() {
            "_tsflash() {\n"
            "    local word=${COMP_WORDS[COMP_CWORD]} before=${COMP_WORDS[COMP_CWORD - 1]}\n"
            "    COMPREPLY=()\n"
+           "    # --baud=9600 is three words.\n"
+           "    if [[ $word == = ]]; then\n"
+           "        word=\n"
+           "    elif [[ $before == = ]]; then\n"
+           "        before=${COMP_WORDS[COMP_CWORD - 2]}\n"
+           "    fi\n"
            "    case $before in\n" +
            cases +
            "    esac\n"
@@ -76,9 +82,10 @@ std::string ZshText(std::string_view text) {
 }
 
 std::string ZshRow(const OptionRow& row, const StringTable& strings) {
-    const std::string name(row.name);
+    std::string name(row.name);
     std::string value;
     if (!row.value.empty()) {
+        name += '=';  // in the same word or the next one
         value = ":" + std::string(row.value) + ":";
         if (row.completion == Completed::Files) value += "_files";
         if (row.completion == Completed::Ports) value += "_tsflash_ports";

@@ -2,10 +2,14 @@
 #pragma once
 
 #include <cstdint>
+#include <string>
+#include <string_view>
 
 #include "flash/FlashSession.hpp"
 
 namespace vantor {
+
+class StringTable;
 
 enum class ExitStatus : std::uint8_t {
     Done = 0,  ///< the indicator reported DONE
@@ -22,5 +26,11 @@ ExitStatus StatusOf(FlashOutcome outcome);
 
 /// The name of `outcome` in records and JSON: the same in every language and version.
 const char* CodeOf(FlashOutcome outcome);
+
+/// The outcome with this code for people: "done", else with its exit status.
+std::string OutcomeText(std::string_view code, ExitStatus status, const StringTable& strings);
+
+/// The worse of two exit statuses, from the worst: 5, 1, 6, 4, 3, 2, 0.
+ExitStatus Worse(ExitStatus a, ExitStatus b);
 
 }  // namespace vantor

@@ -72,15 +72,16 @@ void FlashJob::CheckBefore() {
 void FlashJob::CheckImageToSend() {
     if (mReport.lines == mReport.blankLines)
         throw Refusal(mStrings, Str::ImageHasNoLine, mOptions.image);
+    const bool refused = mOptions.strict && !mReport.findings.empty();
     if (mOptions.json) {
-        WriteFindings(mEvents, mReport, mStrings);
+        // The processes of several ports write them themselves, each with its port.
+        if (refused || !mOptions.Several()) WriteFindings(mEvents, mReport, mStrings);
     } else {
         for (const ImageFinding& finding : mReport.findings)
             mNative.console->WriteError(
                 Filled(mStrings.Text(Str::Suspicious), Described(finding, mStrings)) + "\n");
     }
-    if (mOptions.strict && !mReport.findings.empty())
-        throw Refusal(mStrings, Str::ImageRefused, mOptions.image);
+    if (refused) throw Refusal(mStrings, Str::ImageRefused, mOptions.image);
 }
 
 /// An unwritable record is refused before anything is sent.
@@ -107,6 +108,8 @@ ExitStatus FlashJob::RunSeveral() {
             throw Refusal(mStrings, Str::PortNamedTwice, port);
         names.push_back(name);
     }
+    if (mOptions.practice && !mOptions.quiet && !mOptions.json)
+        mNative.console->Write(mStrings.Text(Str::PracticeNotice) + "\n");
     if (!mOptions.yes) {
         ProgressLine progress(*mNative.console, *mNative.clock, mStrings);
         ConsoleView view(*mNative.console, mStrings, progress, mOptions);
@@ -146,7 +149,7 @@ FlashJob::Unit FlashJob::FlashOne(bool wait, Limit limit) {
     Unit unit;
     const std::optional<Options> options = WithPort(wait, limit, unit);
     if (options) return FlashAt(*options, wait, limit);
-    if (mOptions.json) WriteEnd(mEvents, unit.end);
+    Keep(FactsAt(*mOptions.port), unit);
     return unit;
 }
 
@@ -180,58 +183,70 @@ std::optional<Options> FlashJob::WithPort(bool wait, Limit limit, Unit& unit) {
 FlashJob::Unit FlashJob::FlashAt(const Options& options, bool wait, Limit limit) {
     FlashRun run(mNative, options, mImage, options.json ? &mEvents : nullptr);
     const bool kept = options.json || !options.record.empty();
-    const SessionFacts facts = kept ? Facts(options, run) : SessionFacts();
+    SessionFacts facts = kept ? FactsAt(mOptions.port.value_or(run.PortName())) : SessionFacts();
     mEvents.SetPort(facts.port);
+    if (kept) facts.adapter = run.AdapterSerial();
     if (options.json) WriteStart(mEvents, facts, run.Line(), mReport);
     Unit unit;
-    unit.end = WaitAndFlash(run, wait, limit, unit.stopped);
-    Keep(facts, unit.end);
+    const IndicatorWait::Result result = wait ? Await(run, limit) : IndicatorWait::Result::Ready;
+    if (result == IndicatorWait::Result::Ready) {
+        if (wait && kept) {  // it may have been long, for an adapter that was not there
+            facts.start = Time();
+            facts.adapter = run.AdapterSerial();
+        }
+        unit.end = run.Flash();
+    } else {
+        EndOfWait(result, unit);
+    }
+    Keep(facts, unit);
     if (!options.repeat || unit.stopped) return unit;
     TellEnd(unit.end);
     unit.stopped = !run.AwaitGone();
     return unit;
 }
 
-SessionEnd FlashJob::WaitAndFlash(FlashRun& run, bool wait, Limit limit, bool& stopped) {
-    using Result = IndicatorWait::Result;
-    Result result = Result::Ready;
-    if (wait)
-        result = run.AwaitIndicator(limit, [&](IndicatorWait::Stage stage) {
-            if (stage == IndicatorWait::Stage::Port)
-                ShowWaiting("waiting-for-port", Filled(mStrings.Text(Str::WaitingForPort),
-                                                       mOptions.port.value_or(run.PortName())));
-            else
-                ShowWaiting("waiting-for-indicator", mStrings.Text(Str::WaitingForIndicator));
-        });
-    if (result == Result::Ready) return run.Flash();
-    SessionEnd end;
-    stopped = result == Result::Interrupted;
-    if (stopped) {
-        end.outcome = FlashOutcome::Aborted;
-        return end;
-    }
-    end.outcome =
-        result == Result::NoPort ? FlashOutcome::PortNotOpen : FlashOutcome::NotInBootMonitor;
-    end.why = mStrings.Text(Str::WaitEnded);
-    mNative.console->WriteError(end.why + "\n");
-    return end;
+IndicatorWait::Result FlashJob::Await(FlashRun& run, Limit limit) {
+    return run.AwaitIndicator(limit, [&](IndicatorWait::Stage stage) {
+        if (stage == IndicatorWait::Stage::Port)
+            ShowWaiting("waiting-for-port", Filled(mStrings.Text(Str::WaitingForPort),
+                                                   mOptions.port.value_or(run.PortName())));
+        else
+            ShowWaiting("waiting-for-indicator", mStrings.Text(Str::WaitingForIndicator));
+    });
 }
 
-SessionFacts FlashJob::Facts(const Options& options, const FlashRun& run) const {
-    return {.start = IsoTime(mNative.clock->Now(), mNative.machine->UtcOffsetMinutes()),
+void FlashJob::EndOfWait(IndicatorWait::Result result, Unit& unit) {
+    unit.stopped = result == IndicatorWait::Result::Interrupted;
+    if (unit.stopped) {
+        unit.end.outcome = FlashOutcome::Aborted;
+        return;
+    }
+    unit.end.outcome = result == IndicatorWait::Result::NoPort ? FlashOutcome::PortNotOpen
+                                                               : FlashOutcome::NotInBootMonitor;
+    unit.end.why = mStrings.Text(Str::WaitEnded);
+    mNative.console->WriteError(unit.end.why + "\n");
+}
+
+std::string FlashJob::Time() const {
+    return IsoTime(mNative.clock->Now(), mNative.machine->UtcOffsetMinutes());
+}
+
+SessionFacts FlashJob::FactsAt(const std::string& port) const {
+    return {.start = Time(),
             .host = mNative.machine->HostName(),
             .user = mNative.machine->UserName(),
-            .port = mOptions.port.value_or(run.PortName()),
-            .adapter = run.AdapterSerial(),
-            .image = std::string(FileNameOf(options.image)),
-            .note = options.note,
-            .practice = options.practice};
+            .port = port,
+            .adapter = {},
+            .image = std::string(FileNameOf(mOptions.image)),
+            .note = mOptions.note,
+            .practice = mOptions.practice};
 }
 
 /// The update has happened: a record that fails now must not hide its result.
-void FlashJob::Keep(const SessionFacts& facts, SessionEnd& end) {
+void FlashJob::Keep(const SessionFacts& facts, Unit& unit) {
+    SessionEnd& end = unit.end;
     const std::string& record = mOptions.record;
-    if (!record.empty() && !Ignoring([&] {
+    if (!record.empty() && !unit.stopped && !Ignoring([&] {
             mNative.sharedFiles->Append(record, RecordHeader(), RecordLine(facts, mReport, end));
         })) {
         end.recordLost = true;
@@ -249,11 +264,7 @@ void FlashJob::ShowWaiting(const char* stage, const std::string& text) {
 }
 
 void FlashJob::TellEnd(const SessionEnd& end) {
-    const ExitStatus status = StatusOf(end);
-    const std::string result =
-        status == ExitStatus::Done
-            ? mStrings.Text(Str::OutcomeDone)
-            : Filled(mStrings.Text(Str::OutcomeFailed), std::to_string(static_cast<int>(status)));
+    const std::string result = OutcomeText(CodeOf(end.outcome), StatusOf(end), mStrings);
     if (!mOptions.json)
         mNative.console->Write(
             Filled(mStrings.Text(Str::UnitEnded), std::to_string(++mUnits), result) + "\n");

@@ -45,9 +45,12 @@ private:
     /// The options with the name of their port, once it is present; nothing when the wait has
     /// ended, with the reason in `unit`.
     std::optional<Options> WithPort(bool wait, Limit limit, Unit& unit);
-    SessionEnd WaitAndFlash(FlashRun& run, bool wait, Limit limit, bool& stopped);
-    SessionFacts Facts(const Options& options, const FlashRun& run) const;
-    void Keep(const SessionFacts& facts, SessionEnd& end);
+    IndicatorWait::Result Await(FlashRun& run, Limit limit);
+    void EndOfWait(IndicatorWait::Result result, Unit& unit);
+    std::string Time() const;  // ISO 8601
+    SessionFacts FactsAt(const std::string& port) const;
+    /// Writes the record, except of an update that was only waited for, and the JSON end.
+    void Keep(const SessionFacts& facts, Unit& unit);
     void ShowWaiting(const char* stage, const std::string& text);
     void TellEnd(const SessionEnd& end);
     Limit WaitLimit() const;

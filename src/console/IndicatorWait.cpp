@@ -11,6 +11,7 @@ constexpr std::uint32_t kReplyMs = 1500;
 // command.
 constexpr std::uint32_t kQuietMs = 500;
 constexpr std::uint32_t kPauseMs = 500;
+constexpr std::uint32_t kRestMs = 10;
 constexpr int kSilencesOfOneGone = 2;
 
 }  // namespace
@@ -65,7 +66,7 @@ IndicatorWait::Found IndicatorWait::Call() {
     std::string reply;
     const std::uint32_t start = mClock.Milliseconds();
     while (!ReplyIn(reply) && mPort.IsOpen() && mClock.Milliseconds() - start < kReplyMs) {
-        DoEventsNice(mPump);
+        Rest();
         reply += mPort.Input();
         if (mConsole.TakeInterrupt()) {
             mPort.Close();
@@ -89,10 +90,16 @@ IndicatorWait::Found IndicatorWait::Call() {
 bool IndicatorWait::Pause(std::uint32_t ms) {
     const std::uint32_t start = mClock.Milliseconds();
     while (mClock.Milliseconds() - start < ms) {
-        DoEventsNice(mPump);
+        Rest();
         if (mConsole.TakeInterrupt()) return false;
     }
     return true;
+}
+
+// It may wait for hours, and not every pump sleeps.
+void IndicatorWait::Rest() {
+    DoEventsNice(mPump);
+    mClock.Sleep(kRestMs);
 }
 
 }  // namespace vantor

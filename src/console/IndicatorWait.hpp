@@ -38,6 +38,7 @@ private:
     Found Call();
     /// Pumps for `ms`; false after the interrupt key.
     bool Pause(std::uint32_t ms);
+    void Rest();
 
     MessagePump& mPump;
     Clock& mClock;

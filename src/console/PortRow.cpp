@@ -53,8 +53,10 @@ std::string PortRow::Read(std::uint32_t nowMs) {
 }
 
 void PortRow::Close() {
+    constexpr int kInterrupted = 128 + 2;  // before it was ready to take the signal
     mEnded = true;
-    const ExitStatus status = StatusOf(mProcess->ExitStatus());
+    const int exit = mProcess->ExitStatus();
+    const ExitStatus status = exit == kInterrupted ? ExitStatus::Aborted : StatusOf(exit);
     mLost = !mTold;
     mStatus = mLost && status == ExitStatus::Done ? ExitStatus::UpdateFailure : status;
     if (mLost) mState = mStrings.Text(Str::ProcessEnded);
@@ -86,12 +88,12 @@ void PortRow::Take(std::map<std::string, std::string>& event, std::uint32_t nowM
 void PortRow::TakeEnd(std::map<std::string, std::string>& event) {
     mTold = true;
     mStreaming = false;
-    const bool done = event["outcome"] == "done";
-    if (done) mPercent = 100;
-    mState =
-        done ? mStrings.Text(Str::OutcomeDone)
-             : event["outcome"] + ", " + Filled(mStrings.Text(Str::OutcomeFailed), event["exit"]);
-    if (event["outcome"] == "refused" || event["outcome"] == "error")
+    mStatus = StatusOf(Number(event["exit"]));
+    if (mStatus == ExitStatus::Done) mPercent = 100;
+    const std::string& outcome = event["outcome"];
+    mState = OutcomeText(outcome, mStatus, mStrings);
+    const bool lostRecord = outcome == "done" && mStatus != ExitStatus::Done;
+    if (outcome == "refused" || outcome == "error" || lostRecord)
         mMessages += mPort + ": " + event["reason"] + "\n";
 }
 

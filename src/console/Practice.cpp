@@ -1,5 +1,8 @@
 #include "console/Practice.hpp"
 
+#include <algorithm>
+#include <cstdint>
+#include <optional>
 #include <stdexcept>
 
 #include "settings/CAppSettings.hpp"
@@ -29,11 +32,21 @@ IndicatorOptions OptionsFor(const CAppSettings& settings, const std::vector<std:
 
 }  // namespace
 
+void PracticePump::AwaitInput() {
+    constexpr Micros kMicrosPerMs = 1000;
+    constexpr Micros kMostMs = 10;
+    Micros ms = kMostMs;
+    if (const std::optional<Micros> due = mIndicator.NextDue())
+        ms = (*due + kMicrosPerMs - 1) / kMicrosPerMs - Micros{mClock.Milliseconds()};
+    // At least 1: what is due already was not enough to end the wait.
+    mClock.Sleep(static_cast<std::uint32_t>(std::clamp(ms, Micros{1}, kMostMs)));
+}
+
 Practice::Practice(Clock& clock, const CAppSettings& settings,
                    const std::vector<std::string>& faults, const std::string& image)
-    : mPump(clock),
+    : mIndicator(OptionsFor(settings, faults, image)),
+      mPump(clock, mIndicator),
       mPorts(mPump),
-      mIndicator(OptionsFor(settings, faults, image)),
       mFarEnd(mIndicator, clock) {
     for (int n = 1; n <= kHighestPort; ++n) mPorts.Plug("COM" + std::to_string(n), mFarEnd);
 }

@@ -13,6 +13,19 @@ namespace vantor {
 
 class CAppSettings;
 
+/// Sleeps in waits until the indicator has something to say.
+class PracticePump : public PolledPump {
+public:
+    /// Both outlive the pump.
+    PracticePump(Clock& clock, const VirtualIndicator& indicator)
+        : PolledPump(clock), mIndicator(indicator) {}
+
+    void AwaitInput() override;
+
+private:
+    const VirtualIndicator& mIndicator;
+};
+
 class Practice {
 public:
     /// An indicator that starts at the speed of the settings, expects `image`, paces its line like
@@ -24,9 +37,9 @@ public:
     SerialPorts& Ports() { return mPorts; }
 
 private:
-    PolledPump mPump;
-    HeadlessSerialPorts mPorts;
     VirtualIndicator mIndicator;
+    PracticePump mPump;
+    HeadlessSerialPorts mPorts;
     IndicatorFarEnd mFarEnd;
 };
 

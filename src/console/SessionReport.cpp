@@ -132,8 +132,9 @@ std::string RecordLine(const SessionFacts& facts, const ImageReport& report,
                        const SessionEnd& end) {
     std::string line;
     for (const std::string& field :
-         {facts.start, facts.host, facts.user, facts.port, facts.adapter, facts.image,
-          report.sha256, std::to_string(end.counts.lines), std::to_string(end.counts.resends),
+         {facts.start, facts.host, facts.user, facts.port,
+          facts.practice ? "practice" : facts.adapter, facts.image, report.sha256,
+          std::to_string(end.counts.lines), std::to_string(end.counts.resends),
           std::to_string(end.counts.lateReplies), std::string(CodeOf(end.outcome)),
           std::to_string(static_cast<int>(StatusOf(end.outcome))), SecondsOf(end.ms), facts.note})
         line += (line.empty() ? "" : ",") + Quoted(field);

@@ -45,7 +45,8 @@ void WriteSummary(const JsonEvents& events, std::int64_t done, std::int64_t fail
 
 /// The first line of a record file, with its line end.
 std::string_view RecordHeader();
-/// A line of a record file by RFC 4180, with its line end.
+/// A line of a record file by RFC 4180, with its line end. A practice has the adapter "practice":
+/// it must not prove the update of a unit.
 std::string RecordLine(const SessionFacts& facts, const ImageReport& report, const SessionEnd& end);
 
 }  // namespace vantor

@@ -1,7 +1,6 @@
 #include "console/SeveralPorts.hpp"
 
 #include <algorithm>
-#include <array>
 
 #include "console/PortRow.hpp"
 #include "console/SessionReport.hpp"
@@ -44,6 +43,8 @@ public:
         : mNative(native), mOptions(options), mEvents(events), mRows(rows) {
         for (const PortRow& row : rows)
             mNameWidth = std::max(mNameWidth, CharacterCount(row.Port()));
+        for (const PortRow& row : rows)
+            if (row.Ended()) ShowEnd(row);  // not started
         mStates.resize(rows.size());
     }
 
@@ -139,14 +140,6 @@ void Board::Conclude(ExitStatus status) {
 }
 
 }  // namespace
-
-ExitStatus Worse(ExitStatus a, ExitStatus b) {
-    constexpr std::array kFromWorst = {ExitStatus::VerifyFailed, ExitStatus::UpdateFailure,
-                                       ExitStatus::Aborted,      ExitStatus::NotReady,
-                                       ExitStatus::PortNotOpen,  ExitStatus::Usage,
-                                       ExitStatus::Done};
-    return *std::ranges::find_if(kFromWorst, [&](ExitStatus s) { return s == a || s == b; });
-}
 
 ExitStatus FlashSeveral(NativePlatform& native, const Options& options,
                         const std::vector<std::string>& ports, const JsonEvents& events) {

@@ -12,9 +12,6 @@
 
 namespace vantor {
 
-/// The worse of two exit statuses, from the worst: 5, 1, 6, 4, 3, 2, 0.
-ExitStatus Worse(ExitStatus a, ExitStatus b);
-
 /// Starts this program once for each of `ports` and shows what the processes tell: a row a port on
 /// a terminal, else lines; their JSON with `--json`. The interrupt key goes to all. Returns the
 /// worst exit status. `ports` are not empty. Raises nothing: a process that cannot be started has

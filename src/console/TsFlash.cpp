@@ -76,7 +76,7 @@ ExitStatus RunTsFlash(NativePlatform& native) {
     JsonEvents events(*native.console, *native.clock, {});
     try {
         const Options options = ParseOptions(arguments, strings);
-        if (options.port) events.SetPort(*options.port);
+        if (options.port && !options.Several()) events.SetPort(*options.port);
         return Act(native, options, events);
     } catch (...) {
         const RuntimeError error = PendingError();

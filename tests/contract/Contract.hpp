@@ -9,12 +9,15 @@
 #include <string>
 #include <string_view>
 
+#include "platform/ChildProcesses.hpp"
 #include "platform/Clock.hpp"
 #include "platform/CodePage.hpp"
 #include "platform/Files.hpp"
 #include "platform/MessagePump.hpp"
+#include "platform/Process.hpp"
 #include "platform/Registry.hpp"
 #include "platform/SerialPort.hpp"
+#include "platform/SharedFiles.hpp"
 #include "platform/portable/CompiledStrings.hpp"
 #include "tests/TemporaryFolder.hpp"
 #include "tests/faults/ReportingPlatform.hpp"
@@ -49,6 +52,15 @@ struct Subject {
     std::string portName = "COM1";
     std::unique_ptr<WireEnd> farEnd;  ///< of `portName`; null if nothing is connected to it
 };
+
+/// The services that concern other processes; only systems have them.
+struct ProcessServices {
+    std::unique_ptr<Process> process;  ///< this one
+    std::unique_ptr<ChildProcesses> children;
+    std::unique_ptr<SharedFiles> sharedFiles;
+    std::unique_ptr<Clock> clock;
+};
+ProcessServices MakeProcessServices();
 
 void MakeHeadless(Subject& subject, Language language);
 void MakeNative(Subject& subject);

@@ -59,4 +59,9 @@ void MakeNative(Subject& subject) {
     subject.farEnd = std::move(terminal);
 }
 
+ProcessServices MakeProcessServices() {
+    return {MakePosixProcess(0, nullptr), MakePosixChildProcesses(), MakePosixSharedFiles(),
+            MakePosixClock()};
+}
+
 }  // namespace vantor::contract

@@ -61,4 +61,9 @@ void MakeNative(Subject& subject) {
     if (missing.Number() != 0 && !missing.Is(ErrorNumber::DeviceUnavailable)) throw missing;
 }
 
+ProcessServices MakeProcessServices() {
+    return {MakeWin32Process(), MakeWin32ChildProcesses(), MakeWin32SharedFiles(),
+            MakeWin32Clock()};
+}
+
 }  // namespace vantor::contract

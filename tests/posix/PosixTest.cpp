@@ -212,6 +212,62 @@ TEST_F(PosixPort, InputIsCountedAndReadHoweverShortlyAfterTheLastCount) {
     }
 }
 
+/// A system with an on-board port, an FTDI adapter and an adapter without a serial number.
+class PosixPortList : public InFolder {
+protected:
+    PosixPortList() {
+        Terminal("ttyS0", "platform/serial0");
+        Terminal("ttyS1", "platform/serial1");
+        Put("sys/class/tty/ttyS0/type", "4\n");
+        Put("sys/class/tty/ttyS1/type", "0\n");
+        Terminal("ttyUSB0", "1-1/1-1:1.0/ttyUSB0");
+        Put("sys/devices/1-1/1-1:1.0/ttyUSB0/latency_timer", "16\n");
+        Usb("1-1", "0403", "6001", "FTDI", "FT232R");
+        Put("sys/devices/1-1/serial", "A50285BI\n");
+        Terminal("ttyACM0", "1-2/1-2:1.0");
+        Usb("1-2", "2341", "0043", "Acme", "Acme Modem");
+        fs::create_directories(folder / "dev/serial/by-id");
+        fs::create_symlink("../../ttyUSB0", folder / "dev/serial/by-id/usb-FTDI_A50285BI-if00");
+    }
+
+    /// The terminal `name`, whose device is the folder `device`.
+    void Terminal(const std::string& name, const std::string& device) const {
+        Put("dev/" + name, "");
+        fs::create_directories(folder / ("sys/devices/" + device));
+        fs::create_directories(folder / "sys/drivers/some_driver");
+        fs::create_directories(folder / ("sys/class/tty/" + name));
+        fs::create_symlink(folder / ("sys/devices/" + device),
+                           folder / ("sys/class/tty/" + name + "/device"));
+        fs::create_symlink(folder / "sys/drivers/some_driver",
+                           folder / ("sys/devices/" + device + "/driver"));
+    }
+    void Usb(const std::string& device, const char* vendor, const char* product, const char* maker,
+             const char* description) const {
+        const std::string at = "sys/devices/" + device;
+        Put(at + "/idVendor", vendor);
+        Put(at + "/idProduct", product);
+        Put(at + "/manufacturer", maker);
+        Put(at + "/product", description);
+    }
+};
+
+TEST_F(PosixPortList, HasWhatTheSystemKnowsOfEachPort) {
+    const std::unique_ptr<Clock> clock = MakePosixClock();
+    PosixMessagePump pump(*clock);
+    const auto ports = MakePosixSerialPorts(pump, {}, folder.Path().string());
+    std::string list;
+    for (const SerialPortInfo& port : ports->List()) {
+        list += port.name + '|' + port.description + '|' + port.usbId + '|' + port.serialNumber;
+        for (const std::string& name : port.otherNames) list += '|' + name;
+        list += port.latencyMs ? '|' + std::to_string(*port.latencyMs) + "\n" : "\n";
+    }
+    EXPECT_EQ(list,
+              "COM1|some_driver||\n"
+              "COM9|FTDI FT232R|0403:6001|A50285BI|usb-FTDI_A50285BI-if00|16\n"
+              "COM21|Acme Modem|2341:0043|\n");
+    EXPECT_EQ(ports->NameOf(folder / "dev/serial/by-id/usb-FTDI_A50285BI-if00"), "COM9");
+}
+
 TEST_F(PosixPort, OfAGroupIsToldWithTheGroup) {
     if (geteuid() != 0) GTEST_SKIP() << "only root can make such a device";
     constexpr uid_t kNobody = 65534;

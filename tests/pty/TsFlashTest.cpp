@@ -349,7 +349,8 @@ TEST_F(TsFlashOnPty, RecordsOfParallelSessionsAreAllWhole) {
 TEST_F(TsFlashOnPty, SeveralPortsHaveAProcessEachAndTheWorstResultCounts) {
     const Ended lines = Flash("--practice=3 --fault no-trav --record " + records);
     EXPECT_EQ(lines.status, 4);
-    for (const char* const row : {"COM1: not-in-", "COM3: not-in-", "Done: 0 of 3\n"})
+    for (const char* const row : {"Practice: ", "COM1: not in boot monitor (exit status 4)\n",
+                                  "COM3: not in ", "Done: 0 of 3\n"})
         EXPECT_THAT(lines.out, HasSubstr(row));
     const std::string text = Read(records);
     EXPECT_EQ(std::count(text.begin(), text.end(), '\n'), 4);

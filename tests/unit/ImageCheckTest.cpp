@@ -56,6 +56,7 @@ TEST(ImageCheck, NamesEachDamageAndTheFirstLineThatHasIt) {
         {Changed(whole, 16 * 6 + 3, "6"), "wrong-length@7"},
         {Changed(whole, 16 * 6 + 14, " \n"), "mixed-line-ends@7 not-a-record@7"},
         {"S5030003F9\r\n" + std::string(kEndRecord) + "\r\n", "wrong-record-count@1"},
+        {"S10500000102F8\nS5030001FB\nS9030000FC\n", "wrong-checksum@1"},
         {"S105FFFF0102F9\nS9030000FC\n", "wrong-address@1"},
         {hex, "no-end-record@0"},
         {hex + hex + hexEnd, "wrong-address@5"},

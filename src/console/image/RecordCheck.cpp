@@ -80,6 +80,7 @@ bool RecordCheck::Take(std::string_view line, std::uint64_t number) {
             noRecord.Note(number);
             return false;
         }
+        if (type >= '1' && type <= '3') ++mCounted;
     }
     if (!Decode(line.size() < 2 ? std::string_view() : line.substr(motorola ? 2 : 1))) {
         noRecord.Note(number);
@@ -99,7 +100,7 @@ bool RecordCheck::TakeMotorola(char type, std::uint64_t number) {
     const std::uint64_t value = Number(1, address);
     if (type >= '1' && type <= '3')
         TakeData(value, mCount - address - 2, std::uint64_t{1} << (8 * address), number);
-    else if ((type == '5' || type == '6') && value != mDataRecords)
+    else if ((type == '5' || type == '6') && value != mCounted)
         wrongCount.Note(number);
     else if (type >= '7')
         mHasEnd = true;

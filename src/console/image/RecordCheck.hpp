@@ -17,8 +17,9 @@ struct FaultyLines {
     std::uint64_t count = 0;
     std::uint64_t first = 0;
 
-    void Note(std::uint64_t line) {
-        if (count++ == 0) first = line;
+    void Note(std::uint64_t line, std::uint64_t times = 1) {
+        if (count == 0 && times > 0) first = line;
+        count += times;
     }
 };
 
@@ -73,7 +74,8 @@ private:
     std::uint8_t mSum = 0;
     std::uint64_t mAlike = 0;
     std::uint64_t mDataRecords = 0;
-    std::uint64_t mBase = 0;  // of Intel HEX addresses
+    std::uint64_t mCounted = 0;  // lines of data that a count record counts, damaged ones too
+    std::uint64_t mBase = 0;     // of Intel HEX addresses
     bool mHasEnd = false;
     AddressRanges mAddresses;
 };

@@ -27,13 +27,14 @@ using Devices = std::map<std::string, std::string>;  // COM name to device file
 constexpr unsigned kLastComNumber = 32;
 constexpr const char* kDeviceClass = "/sys/class/tty";  // the terminals in sysfs
 constexpr const char* kNamesById = "/dev/serial/by-id";
+constexpr const char* kOnBoard = "/dev/ttyS";
 
 std::string ComName(unsigned number) {
     return "COM" + std::to_string(number);
 }
 
 std::string TableDevice(unsigned comNumber) {
-    if (comNumber <= 8) return "/dev/ttyS" + std::to_string(comNumber - 1);
+    if (comNumber <= 8) return kOnBoard + std::to_string(comNumber - 1);
     if (comNumber <= 20) return "/dev/ttyUSB" + std::to_string(comNumber - 9);
     return "/dev/ttyACM" + std::to_string(comNumber - 21);
 }
@@ -122,20 +123,21 @@ std::string Description(const fs::path& entry, const fs::path& usb) {
     return fs::exists(driver, failed) ? Resolved(driver).filename().string() : std::string();
 }
 
-/// The names in /dev/serial/by-id of `device`.
-std::vector<std::string> NamesById(const std::string& device) {
+/// The names in the folder `links` of `device`.
+std::vector<std::string> NamesById(const std::string& links, const std::string& device) {
     std::vector<std::string> names;
     std::error_code failed;
-    for (fs::directory_iterator link(kNamesById, failed), end; !failed && link != end;
+    for (fs::directory_iterator link(links, failed), end; !failed && link != end;
          link.increment(failed))
         if (Resolved(link->path()) == Resolved(device)) names.push_back(link->path().filename());
     std::sort(names.begin(), names.end());
     return names;
 }
 
-SerialPortInfo Described(const std::string& name, const std::string& device) {
+SerialPortInfo Described(const std::string& root, const std::string& name,
+                         const std::string& device) {
     SerialPortInfo port{name, device, {}};
-    const fs::path entry = fs::path(kDeviceClass) / Resolved(device).filename() / "device";
+    const fs::path entry = fs::path(root + kDeviceClass) / Resolved(device).filename() / "device";
     std::error_code failed;
     if (!fs::exists(entry, failed)) return port;
     const fs::path usb = UsbDevice(entry);
@@ -143,7 +145,7 @@ SerialPortInfo Described(const std::string& name, const std::string& device) {
     if (usb.empty()) return port;
     port.usbId = FirstLine(usb / "idVendor") + ":" + FirstLine(usb / "idProduct");
     port.serialNumber = FirstLine(usb / "serial");
-    port.otherNames = NamesById(device);
+    port.otherNames = NamesById(root + kNamesById, device);
     // Only some drivers have such a timer.
     if (const auto latency = ParseInteger(FirstLine(entry / "latency_timer")); latency)
         port.latencyMs = static_cast<std::uint32_t>(*latency);
@@ -152,9 +154,10 @@ SerialPortInfo Described(const std::string& name, const std::string& device) {
 
 class PosixSerialPorts : public SerialPorts {
 public:
-    PosixSerialPorts(PosixMessagePump& pump, const Devices& extra) : mPump(pump) {
+    PosixSerialPorts(PosixMessagePump& pump, const Devices& extra, std::string root)
+        : mPump(pump), mRoot(std::move(root)) {
         for (unsigned number = 1; number <= kLastComNumber; ++number)
-            mDevices[ComName(number)] = TableDevice(number);
+            mDevices[ComName(number)] = mRoot + TableDevice(number);
         for (const auto& [name, device] : extra) Add(UpperCase(name), device);
     }
 
@@ -174,7 +177,7 @@ public:
     std::vector<SerialPortInfo> List() const override {
         std::vector<SerialPortInfo> ports;
         for (const auto& [name, device] : mDevices)
-            if (IsPresent(name)) ports.push_back(Described(name, device));
+            if (IsPresent(name)) ports.push_back(Described(mRoot, name, device));
         std::sort(ports.begin(), ports.end(), InNumericOrder);
         return ports;
     }
@@ -204,13 +207,14 @@ private:
         const std::string& device = mDevices.at(name);
         std::error_code failed;  // an inaccessible entry counts as missing
         if (mExtra.contains(name)) return fs::is_character_file(device, failed);
-        const fs::path entry = fs::path(kDeviceClass) / fs::path(device).filename();
+        const fs::path entry = fs::path(mRoot + kDeviceClass) / fs::path(device).filename();
         if (!fs::exists(entry, failed)) return false;
         // The kernel keeps entries for on-board ports that do not exist; their type is 0.
-        return !device.starts_with("/dev/ttyS") || FirstLine(entry / "type") != "0";
+        return !device.starts_with(mRoot + kOnBoard) || FirstLine(entry / "type") != "0";
     }
 
     PosixMessagePump& mPump;
+    std::string mRoot;
     Devices mDevices;              // all assigned names
     std::set<std::string> mExtra;  // those that deviate from the table
 };
@@ -218,8 +222,9 @@ private:
 }  // namespace
 
 std::unique_ptr<SerialPorts> MakePosixSerialPorts(PosixMessagePump& pump,
-                                                  const std::map<std::string, std::string>& extra) {
-    return std::make_unique<PosixSerialPorts>(pump, extra);
+                                                  const std::map<std::string, std::string>& extra,
+                                                  const std::string& root) {
+    return std::make_unique<PosixSerialPorts>(pump, extra, root);
 }
 
 }  // namespace vantor

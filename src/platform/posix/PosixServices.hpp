@@ -60,8 +60,10 @@ std::unique_ptr<SerialPort> OpenPosixSerialPort(PosixMessagePump& pump, const st
 
 /// COM1 to COM8 are the on-board ports (/dev/ttyS0 ...), COM9 to COM20 USB adapters (/dev/ttyUSB0
 /// ...), COM21 to COM32 USB modems (/dev/ttyACM0 ...). `extra`, COM names to device files, adds to
-/// this table or overrides it. `pump` must outlive the opened ports.
+/// this table or overrides it. `pump` must outlive the opened ports. `root` is the folder that
+/// holds /dev and /sys.
 std::unique_ptr<SerialPorts> MakePosixSerialPorts(
-    PosixMessagePump& pump, const std::map<std::string, std::string>& extra = {});
+    PosixMessagePump& pump, const std::map<std::string, std::string>& extra = {},
+    const std::string& root = {});
 
 }  // namespace vantor

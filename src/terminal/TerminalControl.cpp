@@ -20,21 +20,6 @@ namespace {
 
 constexpr std::uint32_t kBeepIntervalMs = 250;
 
-struct MenuRow {
-    TerminalCommand command;
-    Str text;
-    bool startsGroup;
-};
-
-constexpr std::array kMenu = {MenuRow{TerminalCommand::Open, Str::TerminalOpenPort, false},
-                              MenuRow{TerminalCommand::Close, Str::TerminalClosePort, false},
-                              MenuRow{TerminalCommand::Settings, Str::TerminalPortSettings, false},
-                              MenuRow{TerminalCommand::Copy, Str::TerminalCopy, true},
-                              MenuRow{TerminalCommand::Paste, Str::TerminalPaste, false},
-                              MenuRow{TerminalCommand::SelectAll, Str::TerminalSelectAll, false},
-                              MenuRow{TerminalCommand::Clear, Str::TerminalClearScreen, true},
-                              MenuRow{TerminalCommand::Reset, Str::TerminalReset, false}};
-
 /// `text` with every CR, LF and CR LF replaced by `lineEnd`.
 std::string WithLineEnds(std::string_view text, std::string_view lineEnd) {
     std::string result;
@@ -141,7 +126,7 @@ void TerminalControl::PerformCommand(TerminalCommand command) {
         case TerminalCommand::Reset:
             mScreen.Reset();
             return Clear();
-        case TerminalCommand::Settings:
+        default:  // performed by the owner
             return;
     }
 }
@@ -165,6 +150,12 @@ void TerminalControl::Handshake(int kind) {
     if (kind != 0) throw RuntimeError(ErrorNumber::InvalidPropertyValue);
 }
 
+void TerminalControl::Options(const TerminalOptions& options) {
+    mOptions = options;
+    LocalEcho = options.localEcho;
+    mScreen.modes.returnFeeds = options.returnFeeds;
+}
+
 void TerminalControl::FollowOutput(bool follow) {
     mFollowOutput = follow;
     if (follow) ScrollTo(mScreen.TopLine());
@@ -174,19 +165,14 @@ void TerminalControl::OfferAlways(TerminalCommand command) {
     mOfferedAlways.set(static_cast<std::size_t>(command));
 }
 
-bool TerminalControl::Offered(TerminalCommand command) const {
-    if (mOfferedAlways.test(static_cast<std::size_t>(command))) return true;
-    if (command == TerminalCommand::Open) return !PortOpen();
-    if (command == TerminalCommand::Close || command == TerminalCommand::Paste) return PortOpen();
-    return command != TerminalCommand::Copy || !mViewport.Selection().Empty();
-}
-
-std::vector<OfferedCommand> TerminalControl::ContextMenu() const {
-    std::vector<OfferedCommand> menu;
-    menu.reserve(kMenu.size());
-    for (const auto& [command, text, startsGroup] : kMenu)
-        menu.push_back({command, mPlatform.strings.Text(text), Offered(command), startsGroup});
-    return menu;
+std::vector<OfferedCommand> TerminalControl::ContextMenu() {
+    return MakeTerminalMenu(mPlatform.strings, {.portOpen = PortOpen(),
+                                                .selected = !mViewport.Selection().Empty(),
+                                                .always = mOfferedAlways,
+                                                .options = mOptions,
+                                                .lines = Port().Lines(),
+                                                .errors = Port().Errors(),
+                                                .captureFile = CaptureFile()});
 }
 
 // --- selection and view ----------------------------------------------------------------------

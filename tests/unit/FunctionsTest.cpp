@@ -17,6 +17,7 @@
 #include "support/LineSettings.hpp"
 #include "support/text/Text.hpp"
 #include "support/text/Unicode.hpp"
+#include "terminal/TimeStamp.hpp"
 #include "tests/unit/Table.hpp"
 
 namespace vantor {
@@ -120,6 +121,9 @@ const std::map<std::string, std::function<std::string(const Words&)>> kFunctions
     {"Pictures", Pictures},
     {"Fault", [](const Words& w) { return FaultOf(w.at(1)); }},
     {"Typed", Typed},
+    {"Stamp", [](const Words& w) {
+        const auto kind = static_cast<TimeStamps>(Whole(w.at(1)));
+        return StampText(kind, std::stoll(w.at(2)), std::stoll(w.at(3))) + "|"; }},
 };
 // clang-format on
 

@@ -46,6 +46,11 @@ public:
     void NotifyOnInput(std::function<void()> notify) override {
         mInner->NotifyOnInput(std::move(notify));
     }
+    void Break(bool on) override { mInner->Break(on); }
+    void Dtr(bool asserted) override { mInner->Dtr(asserted); }
+    void Rts(bool asserted) override { mInner->Rts(asserted); }
+    std::optional<ModemLines> Lines() override { return mInner->Lines(); }
+    LineErrors Errors() override { return mInner->Errors(); }
 
 private:
     std::unique_ptr<SerialPort> mInner;

@@ -23,7 +23,9 @@ void BufferedPort::Open(std::function<void()> notify) {
     mOpenError.reset();
     // A port that cannot be opened stays closed; callers check IsOpen and report it.
     try {
-        mPort = mPorts.Open(PortName(name), ParseLineSettings(settings));
+        LineSettings line = ParseLineSettings(settings);
+        line.flowControl = flowControl;
+        mPort = mPorts.Open(PortName(name), line);
         Notify(std::move(notify));
     } catch (const PortOpenError& error) {
         mOpenError = error;
@@ -99,6 +101,30 @@ std::string BufferedPort::Input(std::size_t most) {
 
 void BufferedPort::ClearInput() {
     OnPort([](SerialPort& port) { port.DiscardInput(); });
+}
+
+void BufferedPort::Break(bool on) {
+    OnPort([on](SerialPort& port) { port.Break(on); });
+}
+
+void BufferedPort::Dtr(bool asserted) {
+    OnPort([asserted](SerialPort& port) { port.Dtr(asserted); });
+}
+
+void BufferedPort::Rts(bool asserted) {
+    OnPort([asserted](SerialPort& port) { port.Rts(asserted); });
+}
+
+std::optional<ModemLines> BufferedPort::Lines() {
+    std::optional<ModemLines> lines;
+    OnPort([&lines](SerialPort& port) { lines = port.Lines(); });
+    return lines;
+}
+
+LineErrors BufferedPort::Errors() {
+    LineErrors errors;
+    OnPort([&errors](SerialPort& port) { errors = port.Errors(); });
+    return errors;
 }
 
 }  // namespace vantor

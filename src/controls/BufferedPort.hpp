@@ -21,6 +21,8 @@ public:
     std::string name;      ///< "COM1" style, or only the number; used at the next open
     std::string settings;  ///< see ParseLineSettings; checked and used at the next open
 
+    FlowControl flowControl = FlowControl::None;  ///< used at the next open
+
     /// Opens the port, closing it first when it is open. `notify`, if set, is called at each pump
     /// that finds input, and once when the device is lost.
     void Open(std::function<void()> notify);
@@ -38,6 +40,8 @@ public:
     bool FlushPending();
     /// Discards pending output, except the rest of a partly sent line.
     void DropPendingLines();
+    /// Discards all pending output. What the driver has accepted is still sent.
+    void DropPending() { mPending.clear(); }
     /// Bytes queued and not yet sent; 0 on a closed port. Also calls `FlushPending`.
     std::size_t OutBufferCount();
 
@@ -46,6 +50,15 @@ public:
     /// Reads all waiting bytes, or about `most` of them: stops after the chunk that reaches `most`.
     std::string Input(std::size_t most = static_cast<std::size_t>(-1));
     void ClearInput();
+
+    // As in SerialPort; no effect on a closed port.
+    void Break(bool on);
+    void Dtr(bool asserted);
+    void Rts(bool asserted);
+    /// Empty on a closed port and when the device has no modem lines.
+    std::optional<ModemLines> Lines();
+    /// Zeros on a closed port.
+    LineErrors Errors();
 
 private:
     /// Runs one operation on the open port; a lost device closes it.

@@ -18,12 +18,20 @@ namespace vantor {
 
 enum class Parity : std::uint8_t { None, Odd, Even };
 
-/// Line parameters of an asynchronous serial frame.
+/// What stops and resumes the transmission. The driver handles it in both directions.
+enum class FlowControl : std::uint8_t {
+    None,
+    Hardware,  ///< RTS/CTS
+    Software,  ///< XON (0x11) and XOFF (0x13), which are then no data
+};
+
+/// Line parameters of an asynchronous serial frame, and the flow control.
 struct LineSettings {
     std::uint32_t bitsPerSecond = 38400;
     Parity parity = Parity::None;
     std::uint8_t dataBits = 8;  ///< 7 or 8
     std::uint8_t stopBits = 1;  ///< 1 or 2
+    FlowControl flowControl = FlowControl::None;
 
     friend bool operator==(const LineSettings&, const LineSettings&) = default;
 };
@@ -33,8 +41,27 @@ constexpr unsigned BitsPerCharacter(const LineSettings& line) {
     return 1u + line.dataBits + (line.parity == Parity::None ? 0u : 1u) + line.stopBits;
 }
 
+/// The modem status lines; true is asserted.
+struct ModemLines {
+    bool cts = false;
+    bool dsr = false;
+    bool dcd = false;
+    bool ri = false;
+
+    friend bool operator==(const ModemLines&, const ModemLines&) = default;
+};
+
+/// Counts of reception errors since the port was opened.
+struct LineErrors {
+    std::uint64_t framing = 0;
+    std::uint64_t parity = 0;
+    std::uint64_t overrun = 0;  ///< of the device and of the driver's queue
+
+    friend bool operator==(const LineErrors&, const LineErrors&) = default;
+};
+
 /// An open serial port, used from one thread and exclusive to this process until destroyed.
-/// Raw in both directions, no flow control, DTR and RTS asserted while it is open.
+/// Raw in both directions; DTR and RTS are asserted when it opens.
 /// Every operation raises RuntimeError 57 when the device is lost (an unplugged adapter,
 /// a closed pseudo-terminal peer); after that the only useful operation is destruction.
 class SerialPort {
@@ -63,6 +90,28 @@ public:
     /// unread bytes, and once when the device is found lost. An empty function cancels it.
     /// `notify` may read, write, and destroy this port.
     virtual void NotifyOnInput(std::function<void()> notify) = 0;
+
+    // What the device does not have (a pseudo-terminal has none of it) has no effect.
+
+    /// Starts or ends a break condition, which also ends when the port closes. Can destroy output
+    /// that the device has not sent yet: wait for `OutputCount` 0 first. (Windows: SetCommBreak,
+    /// ClearCommBreak; POSIX: TIOCSBRK, TIOCCBRK.)
+    virtual void Break(bool on) = 0;
+
+    /// Sets or clears DTR. (EscapeCommFunction; TIOCMBIS, TIOCMBIC.)
+    virtual void Dtr(bool asserted) = 0;
+
+    /// Sets or clears RTS, in the same way. No effect with hardware flow control, which controls
+    /// that line.
+    virtual void Rts(bool asserted) = 0;
+
+    /// The modem status lines now; empty when the device has none. (GetCommModemStatus; TIOCMGET.)
+    virtual std::optional<ModemLines> Lines() = 0;
+
+    /// The errors so far; zeros when the driver does not count them. Windows reports only that
+    /// errors of a kind have occurred since the last call to the driver: they count as one.
+    /// (ClearCommError; TIOCGICOUNT.)
+    virtual LineErrors Errors() = 0;
 };
 
 /// A serial port of the machine.

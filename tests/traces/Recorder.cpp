@@ -18,11 +18,13 @@ namespace {
 
 constexpr const char* kIcons[] = {"none", "stop", "question", "warning", "information"};
 constexpr const char* kButtons[] = {"OK", "YesNo", "YesNoCancel"};
+constexpr const char* kFlowControls[] = {"", " RTS/CTS", " XON/XOFF"};
 constexpr const char* kAnswers[] = {"OK", "Yes", "No", "Cancel"};
 
 std::string Line(const LineSettings& line) {
     return std::to_string(line.bitsPerSecond) + "," + "NOE"[static_cast<std::size_t>(line.parity)] +
-           "," + std::to_string(line.dataBits) + "," + std::to_string(line.stopBits);
+           "," + std::to_string(line.dataBits) + "," + std::to_string(line.stopBits) +
+           kFlowControls[static_cast<std::size_t>(line.flowControl)];
 }
 
 std::string Point(float x, float y) {
@@ -221,6 +223,23 @@ struct RecordedPort : Recorded<SerialPort, std::unique_ptr<SerialPort>> {
         mListens = static_cast<bool>(notify);
         mInner->NotifyOnInput(std::move(notify));
     }
+
+    void Break(bool on) override {
+        NoteSignal("break", on);
+        mInner->Break(on);
+    }
+    void Dtr(bool asserted) override {
+        NoteSignal("DTR", asserted);
+        mInner->Dtr(asserted);
+    }
+    void Rts(bool asserted) override {
+        NoteSignal("RTS", asserted);
+        mInner->Rts(asserted);
+    }
+    std::optional<ModemLines> Lines() override { return mInner->Lines(); }
+    LineErrors Errors() override { return mInner->Errors(); }
+
+    void NoteSignal(const std::string& signal, bool on) { Note(signal + (on ? " on" : " off")); }
 
     std::string mName;
     bool mListens = false;

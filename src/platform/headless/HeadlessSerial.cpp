@@ -10,15 +10,17 @@ namespace vantor {
 
 class HeadlessSerialPort : public SerialPort {
 public:
-    HeadlessSerialPort(HeadlessSerialPorts& ports, std::string name)
-        : mPorts(ports), mName(std::move(name)) {}
+    HeadlessSerialPort(HeadlessSerialPorts& ports, std::string name, FlowControl flowControl)
+        : mPorts(ports), mName(std::move(name)), mFlowControl(flowControl) {}
 
     ~HeadlessSerialPort() override {
         NotifyOnInput({});
         const auto socket = mPorts.mSockets.find(mName);
         if (socket == mPorts.mSockets.end()) return;
         socket->second.open = false;
-        if (socket->second.farEnd) socket->second.farEnd->Closed();
+        FarEnd* const device = socket->second.farEnd;
+        if (mBreaks && device) device->Break(false);
+        if (device) device->Closed();
     }
     HeadlessSerialPort(const HeadlessSerialPort&) = delete;
     HeadlessSerialPort& operator=(const HeadlessSerialPort&) = delete;
@@ -32,6 +34,7 @@ public:
     }
 
     std::size_t Write(std::string_view bytes) override {
+        if (mFlowControl != FlowControl::None && IsHeld()) return 0;
         const std::string_view taken = bytes.substr(0, mPorts.mWriteLimit);
         Device().Receive(taken);
         return taken.size();
@@ -62,6 +65,18 @@ public:
         });
     }
 
+    void Break(bool on) override {
+        Device().Break(on);
+        mBreaks = on;
+    }
+    void Dtr(bool asserted) override { Device().Dtr(asserted); }
+    void Rts(bool asserted) override {
+        FarEnd& device = Device();
+        if (mFlowControl != FlowControl::Hardware) device.Rts(asserted);
+    }
+    std::optional<ModemLines> Lines() override { return Device().Lines(); }
+    LineErrors Errors() override { return Device().Errors(); }
+
 private:
     /// The far end; raises when the device is lost.
     FarEnd& Device() {
@@ -72,7 +87,22 @@ private:
         return *socket->second.farEnd;
     }
 
-    void Arrive() { mArrived += Device().Transmit(); }
+    void Arrive() {
+        for (const char byte : Device().Transmit()) {
+            const bool isOff = byte == kXoff;
+            if (mFlowControl == FlowControl::Software && (isOff || byte == kXon))
+                mStopped = isOff;
+            else
+                mArrived += byte;
+        }
+    }
+
+    /// True when flow control stops the transmission.
+    bool IsHeld() {
+        Arrive();
+        const auto lines = Device().Lines();
+        return mStopped || (mFlowControl == FlowControl::Hardware && lines && !lines->cts);
+    }
 
     bool HasNews() {
         try {
@@ -82,11 +112,17 @@ private:
         }
     }
 
+    static constexpr char kXon = 0x11;
+    static constexpr char kXoff = 0x13;
+
     HeadlessSerialPorts& mPorts;
     std::string mName;
+    FlowControl mFlowControl;
     std::string mArrived;
     SourceId mSource = 0;
     bool mGoneTold = false;
+    bool mStopped = false;  // by XOFF
+    bool mBreaks = false;
 };
 
 bool HeadlessSerialPorts::IsOpen(const std::string& name) const {
@@ -104,7 +140,7 @@ std::unique_ptr<SerialPort> HeadlessSerialPorts::Open(const std::string& name,
     if (line.bitsPerSecond == 0) throw PortOpenError(LineRefused, name);
     socket->second.open = true;
     socket->second.farEnd->Opened(line);
-    return std::make_unique<HeadlessSerialPort>(*this, name);
+    return std::make_unique<HeadlessSerialPort>(*this, name, line.flowControl);
 }
 
 std::vector<SerialPortInfo> HeadlessSerialPorts::List() const {

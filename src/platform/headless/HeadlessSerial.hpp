@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <map>
 #include <memory>
+#include <optional>
 #include <string>
 #include <string_view>
 
@@ -26,6 +27,15 @@ public:
     virtual std::string Transmit() = 0;
     /// True when the device is lost.
     virtual bool HungUp() const = 0;
+
+    // A device without these lines ignores them. Each opening asserts DTR and RTS and is not told
+    // by a call.
+    virtual void Break(bool /*on*/) {}
+    virtual void Dtr(bool /*asserted*/) {}
+    virtual void Rts(bool /*asserted*/) {}
+    virtual std::optional<ModemLines> Lines() const { return std::nullopt; }
+    /// Of what the host has received since it opened the port.
+    virtual LineErrors Errors() const { return {}; }
 };
 
 /// Connects a virtual indicator as far end, with the time of `clock`.

@@ -1,6 +1,7 @@
 // One open serial port on POSIX: raw termios, non-blocking. It does not handle names and lists of
 // ports.
 #include <fcntl.h>
+#include <linux/serial.h>
 #include <sys/file.h>
 #include <sys/ioctl.h>
 #include <sys/stat.h>
@@ -9,8 +10,10 @@
 
 #include <array>
 #include <cerrno>
+#include <optional>
 #include <utility>
 
+#include "platform/posix/PosixAnySpeed.hpp"
 #include "platform/posix/PosixHandle.hpp"
 #include "platform/posix/PosixMessagePump.hpp"
 #include "platform/posix/PosixServices.hpp"
@@ -31,10 +34,11 @@ constexpr std::array kSpeeds = {
     Speed{9600, B9600},     Speed{19200, B19200},   Speed{38400, B38400},   Speed{57600, B57600},
     Speed{115200, B115200}, Speed{230400, B230400}, Speed{460800, B460800}, Speed{921600, B921600}};
 
-speed_t SpeedCode(std::uint32_t bitsPerSecond) {
+/// The code of a standard speed.
+std::optional<speed_t> SpeedCode(std::uint32_t bitsPerSecond) {
     for (const Speed& speed : kSpeeds)
         if (speed.bitsPerSecond == bitsPerSecond) return speed.code;
-    throw RuntimeError(ErrorNumber::InvalidCall);
+    return std::nullopt;
 }
 
 [[noreturn]] void RaiseOpenError(int systemError) {
@@ -53,6 +57,16 @@ tcflag_t FrameFlags(const LineSettings& line) {
     return flags;
 }
 
+constexpr auto kRtsCts = static_cast<tcflag_t>(CRTSCTS);
+
+void SetFlowControl(FlowControl flowControl, termios& settings) {
+    if (flowControl == FlowControl::Hardware) settings.c_cflag |= kRtsCts;
+    if (flowControl != FlowControl::Software) return;
+    settings.c_iflag |= IXON | IXOFF;
+    settings.c_cc[VSTART] = 0x11;
+    settings.c_cc[VSTOP] = 0x13;
+}
+
 // A pseudo-terminal carries characters, not bits: it always has 8 data bits and no parity,
 // whatever is requested. This is no reason to refuse it.
 bool IsPseudoTerminal(int descriptor) {
@@ -67,7 +81,7 @@ bool IsPseudoTerminal(int descriptor) {
 class PosixSerialPort : public SerialPort {
 public:
     PosixSerialPort(PosixMessagePump& pump, const std::string& device, const LineSettings& line)
-        : mPump(pump) {
+        : mPump(pump), mRtsIsOurs(line.flowControl != FlowControl::Hardware) {
         constexpr int kFlags = O_RDWR | O_NOCTTY | O_NONBLOCK | O_CLOEXEC;
         mDevice = PosixHandle(Uninterrupted([&] { return open(device.c_str(), kFlags); }));
         if (!mDevice.IsOpen()) RaiseOpenError(errno);
@@ -84,12 +98,14 @@ public:
         TakeInput();
         mInput.clear();
         tcflush(mDevice.Get(), TCIFLUSH);  // a lost device shows later
+        mErrorsBefore = CountErrors();
         mPump.Watch(mDevice.Get());
     }
 
     ~PosixSerialPort() override {
         StopNotifying();
         mPump.Unwatch(mDevice.Get());
+        if (mBreaks) ioctl(mDevice.Get(), TIOCCBRK);
         // TIOCEXCL persists while another program has the device open, such as the other side of
         // a pseudo-terminal; the next open would fail.
         ioctl(mDevice.Get(), TIOCNXCL);
@@ -143,28 +159,91 @@ public:
         if (mNotify) mSource = mPump.AddSource([this] { PollInput(); });
     }
 
+    // TIOCSBRK waits until the output is sent, for ever when flow control holds it: what is left is
+    // discarded.
+    void Break(bool on) override {
+        if (on && OutputCount() > 0) tcflush(mDevice.Get(), TCOFLUSH);
+        Control(on ? TIOCSBRK : TIOCCBRK);
+        mBreaks = on;
+    }
+
+    void Dtr(bool asserted) override {
+        const int line = TIOCM_DTR;
+        Control(asserted ? TIOCMBIS : TIOCMBIC, &line);
+    }
+
+    void Rts(bool asserted) override {
+        const int line = mRtsIsOurs ? TIOCM_RTS : 0;
+        Control(asserted ? TIOCMBIS : TIOCMBIC, &line);
+    }
+
+    std::optional<ModemLines> Lines() override {
+        int lines = 0;
+        if (!Control(TIOCMGET, &lines)) return std::nullopt;
+        const auto isOn = [lines](int line) { return (lines & line) != 0; };
+        return ModemLines{.cts = isOn(TIOCM_CTS),
+                          .dsr = isOn(TIOCM_DSR),
+                          .dcd = isOn(TIOCM_CD),
+                          .ri = isOn(TIOCM_RI)};
+    }
+
+    LineErrors Errors() override {
+        TakeInput();
+        if (mGone) RaiseGone();
+        const LineErrors now = CountErrors();
+        return {.framing = now.framing - mErrorsBefore.framing,
+                .parity = now.parity - mErrorsBefore.parity,
+                .overrun = now.overrun - mErrorsBefore.overrun};
+    }
+
 private:
+    /// A request that not every device supports. False when it fails, which alone does not mean
+    /// that the device is lost: drivers report an unsupported request by various errors.
+    template <typename... Argument>
+    bool Control(unsigned long request, Argument... argument) {
+        const int result =
+            Uninterrupted([&] { return ioctl(mDevice.Get(), request, argument...); });
+        TakeInput();
+        if (mGone) RaiseGone();
+        return result == 0;
+    }
+
+    /// Since the driver was loaded; zeros when it does not count.
+    LineErrors CountErrors() const {
+        serial_icounter_struct counts{};
+        if (ioctl(mDevice.Get(), TIOCGICOUNT, &counts) != 0) return {};
+        const auto number = [](int count) { return static_cast<std::uint32_t>(count); };
+        return {.framing = number(counts.frame),
+                .parity = number(counts.parity),
+                .overrun = std::uint64_t{number(counts.overrun)} + number(counts.buf_overrun)};
+    }
+
     void SetLine(const LineSettings& line) const {
         const int descriptor = mDevice.Get();
-        const speed_t speed = SpeedCode(line.bitsPerSecond);
+        const std::optional<speed_t> speed = SpeedCode(line.bitsPerSecond);
         termios wanted{};
         if (tcgetattr(descriptor, &wanted) != 0) RaiseOpenError(errno);
         cfmakeraw(&wanted);
         wanted.c_iflag = IGNBRK;  // a break is no byte: an indicator is switched off
         const tcflag_t frameBits = CSIZE | CSTOPB | PARENB | PARODD;
-        wanted.c_cflag &= ~(frameBits | static_cast<tcflag_t>(CRTSCTS));
+        wanted.c_cflag &= ~(frameBits | kRtsCts);
+        SetFlowControl(line.flowControl, wanted);
         wanted.c_cflag |= FrameFlags(line) | CLOCAL | CREAD | HUPCL;
         wanted.c_cc[VMIN] = 1;  // with 0, "no input" and "device lost" are indistinguishable
         wanted.c_cc[VTIME] = 0;
-        if (cfsetispeed(&wanted, speed) != 0 || cfsetospeed(&wanted, speed) != 0 ||
-            tcsetattr(descriptor, TCSANOW, &wanted) != 0)
+        if (speed && (cfsetispeed(&wanted, *speed) != 0 || cfsetospeed(&wanted, *speed) != 0))
+            throw RuntimeError(ErrorNumber::InvalidCall);
+        if (tcsetattr(descriptor, TCSANOW, &wanted) != 0 ||
+            (!speed && !SetAnySpeed(descriptor, line.bitsPerSecond)))
             throw RuntimeError(ErrorNumber::InvalidCall);
 
         // tcsetattr succeeds when any part of the request did, so the settings are read back.
         termios got{};
         if (tcgetattr(descriptor, &got) != 0) RaiseOpenError(errno);
         const bool frameHolds = (got.c_cflag & frameBits) == (wanted.c_cflag & frameBits);
-        if (cfgetospeed(&got) != speed || (!frameHolds && !IsPseudoTerminal(descriptor)))
+        const bool speedHolds = !speed || cfgetospeed(&got) == *speed;
+        const bool flowHolds = (~got.c_cflag & wanted.c_cflag & kRtsCts) == 0;
+        if (!speedHolds || !flowHolds || (!frameHolds && !IsPseudoTerminal(descriptor)))
             throw RuntimeError(ErrorNumber::InvalidCall);
     }
 
@@ -212,6 +291,9 @@ private:
     SourceId mSource = 0;
     std::string mInput;  // read from the device, but not yet by the caller
     bool mGone = false;
+    bool mRtsIsOurs;
+    bool mBreaks = false;
+    LineErrors mErrorsBefore;  // counted before this port was opened
 };
 
 }  // namespace

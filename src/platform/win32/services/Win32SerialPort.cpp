@@ -1,5 +1,6 @@
 // One open serial port: overlapped I/O, non-blocking. It does not handle names and lists of ports.
 #include <algorithm>
+#include <optional>
 #include <utility>
 
 #include "platform/win32/services/Win32InputWatch.hpp"
@@ -66,7 +67,23 @@ BYTE ParityCode(Parity parity) {
     return NOPARITY;
 }
 
-/// `line`, raw, without flow control, DTR and RTS asserted.
+void SetFlowControl(FlowControl flowControl, DCB& block) {
+    if (flowControl == FlowControl::None) return;
+    if (flowControl == FlowControl::Hardware) {
+        block.fOutxCtsFlow = TRUE;
+        block.fRtsControl = RTS_CONTROL_HANDSHAKE;
+    } else {
+        block.fOutX = TRUE;
+        block.fInX = TRUE;
+        block.fTXContinueOnXoff = TRUE;
+    }
+    // In bytes, of received data and of free space; drivers reject limits above the size of their
+    // queue, which is 4096 at first.
+    block.XonLim = 2048;
+    block.XoffLim = 512;
+}
+
+/// `line`, raw, DTR and RTS asserted.
 DCB ControlBlock(const LineSettings& line) {
     DCB block{};
     block.DCBlength = sizeof block;
@@ -78,9 +95,10 @@ DCB ControlBlock(const LineSettings& line) {
     block.StopBits = line.stopBits == 2 ? TWOSTOPBITS : ONESTOPBIT;
     block.fDtrControl = DTR_CONTROL_ENABLE;
     block.fRtsControl = RTS_CONTROL_ENABLE;
-    // Unused without flow control, but drivers reject two equal characters.
+    // Drivers reject two equal characters even without flow control.
     block.XonChar = 0x11;
     block.XoffChar = 0x13;
+    SetFlowControl(line.flowControl, block);
     // Adapters hold back short replies for some 16 ms unless one contains the event character,
     // and every acknowledgement ends with this one.
     block.EvtChar = '\r';
@@ -92,9 +110,12 @@ public:
     Win32SerialPort(Win32MessagePump& pump, const std::wstring& name, const LineSettings& line)
         : mPump(pump), mLine(line), mClaim(Claim(name)), mDevice(OpenDevice(name)) {
         Configure(name);
+        Look();
+        mErrors = {};  // from before
     }
     ~Win32SerialPort() override {
         StopNotifying();
+        if (mBreaks) ClearCommBreak(mDevice.Get());
         if (mWriting) EndWrite();
     }
 
@@ -155,6 +176,38 @@ public:
         mWatch->Arm();
     }
 
+    void Break(bool on) override {
+        static_cast<void>(on ? SetCommBreak(mDevice.Get()) : ClearCommBreak(mDevice.Get()));
+        Queues();
+        mBreaks = on;
+    }
+
+    void Dtr(bool asserted) override {
+        EscapeCommFunction(mDevice.Get(), asserted ? SETDTR : CLRDTR);
+        Queues();
+    }
+
+    void Rts(bool asserted) override {
+        if (mLine.flowControl != FlowControl::Hardware)
+            EscapeCommFunction(mDevice.Get(), asserted ? SETRTS : CLRRTS);
+        Queues();
+    }
+
+    std::optional<ModemLines> Lines() override {
+        Queues();
+        DWORD lines = 0;
+        if (GetCommModemStatus(mDevice.Get(), &lines) == 0) return std::nullopt;
+        return ModemLines{.cts = (lines & MS_CTS_ON) != 0,
+                          .dsr = (lines & MS_DSR_ON) != 0,
+                          .dcd = (lines & MS_RLSD_ON) != 0,
+                          .ri = (lines & MS_RING_ON) != 0};
+    }
+
+    LineErrors Errors() override {
+        Queues();
+        return mErrors;
+    }
+
 private:
     void Configure(const std::wstring& name) const {
         if (!IsPossible(mLine)) Raise(LineRefused, name);
@@ -197,12 +250,12 @@ private:
     // The callback may destroy this port: a copy is called, and no member is used after it.
     void PollInput() {
         mWatch->Arm();  // before the check, so that no byte arrives unnoticed in between
-        COMSTAT queues{};
-        const bool gone = mGone || !Look(queues);
-        if (!gone && queues.cbInQue == 0) return;
+        const std::optional<COMSTAT> queues = mGone ? std::nullopt : Look();
+        const bool gone = !queues;
+        if (!gone && queues->cbInQue == 0) return;
         mPump.Attend();
         constexpr DWORD kPlenty = 1024;
-        if (queues.cbInQue >= kPlenty) mPump.PollAgain();
+        if (!gone && queues->cbInQue >= kPlenty) mPump.PollAgain();
         const std::function<void()> notify = mNotify;
         if (gone) {
             mGone = true;
@@ -217,16 +270,22 @@ private:
         mNotify = nullptr;
     }
 
-    /// One system call, since wait loops call this; false when the device is lost.
-    bool Look(COMSTAT& queues) const {
-        DWORD lineErrors = 0;  // the protocol detects damaged replies itself
-        return ClearCommError(mDevice.Get(), &lineErrors, &queues) != 0;
+    /// One system call, since wait loops call this; empty when the device is lost. The call clears
+    /// the flags of errors, so each is counted here.
+    std::optional<COMSTAT> Look() {
+        COMSTAT queues{};
+        DWORD flags = 0;
+        if (ClearCommError(mDevice.Get(), &flags, &queues) == 0) return std::nullopt;
+        if ((flags & CE_FRAME) != 0) ++mErrors.framing;
+        if ((flags & CE_RXPARITY) != 0) ++mErrors.parity;
+        if ((flags & (CE_OVERRUN | CE_RXOVER)) != 0) ++mErrors.overrun;
+        return queues;
     }
 
     COMSTAT Queues() {
-        COMSTAT queues{};
-        if (mGone || !Look(queues)) RaiseGone();
-        return queues;
+        const std::optional<COMSTAT> queues = mGone ? std::nullopt : Look();
+        if (!queues) RaiseGone();
+        return *queues;
     }
 
     [[noreturn]] void RaiseGone() {
@@ -245,6 +304,8 @@ private:
     Win32MessagePump::SourceId mSource = 0;
     std::unique_ptr<Win32InputWatch> mWatch;
     bool mGone = false;
+    bool mBreaks = false;
+    LineErrors mErrors;
 };
 
 }  // namespace

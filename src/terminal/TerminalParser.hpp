@@ -5,6 +5,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string_view>
 
 #include "terminal/TerminalScreen.hpp"
@@ -25,6 +26,10 @@ public:
 
     /// What received bytes mean from now on. Code page 1252 at first.
     void Encoding(const TextEncoding& encoding) { mDecoder.Encoding(encoding); }
+
+    /// Sends the answer to a request for a report, during Write. Without it, which is the default,
+    /// requests are not answered: the terminal sends only what was typed.
+    std::function<void(std::string_view)> Reply;
 
     /// Discards a partial sequence.
     void Reset() {

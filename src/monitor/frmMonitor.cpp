@@ -390,7 +390,7 @@ bool frmMonitor::SendLines(const std::string& text, frmSend& progress) {
         if (Gone()) return false;
         sent = !MustStop(progress);
         if (sent) continue;
-        comMonitor.Port().DropPendingLines();
+        comMonitor.DropPendingLines();
         break;
     }
     comMonitor.FollowOutput(false);
@@ -400,8 +400,7 @@ bool frmMonitor::SendLines(const std::string& text, frmSend& progress) {
 
 /// Keeps the progress in step with a slow line. Cancel could not stop lines already queued.
 void frmMonitor::AwaitDriver(CDelay& delay, const frmSend& progress) {
-    while (!Gone() && !comMonitor.Port().FlushPending() && !MustStop(progress))
-        delay.Delay(kDriverPollMs);
+    while (!Gone() && !comMonitor.FlushPending() && !MustStop(progress)) delay.Delay(kDriverPollMs);
 }
 
 /// An update started during a send runs nested inside it and is not delayed by it. If the send

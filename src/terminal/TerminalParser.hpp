@@ -5,9 +5,11 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <string_view>
 
 #include "terminal/TerminalScreen.hpp"
+#include "terminal/TextEncoding.hpp"
 
 namespace vantor {
 
@@ -22,8 +24,18 @@ public:
 
     void Write(std::string_view bytes);
 
+    /// What received bytes mean from now on. Code page 1252 at first.
+    void Encoding(const TextEncoding& encoding) { mDecoder.Encoding(encoding); }
+
+    /// Sends the answer to a request for a report, during Write. Without it, which is the default,
+    /// requests are not answered: the terminal sends only what was typed.
+    std::function<void(std::string_view)> Reply;
+
     /// Discards a partial sequence.
-    void Reset() { mState = State::Ground; }
+    void Reset() {
+        mState = State::Ground;
+        mDecoder.Reset();
+    }
 
     /// Number of BEL characters received.
     std::uint64_t Bells() const { return mBells; }
@@ -38,6 +50,7 @@ private:
         Text,         ///< a string for the terminal itself, such as a window title
     };
 
+    std::size_t TakeCharacters(std::string_view bytes);
     void Take(unsigned char byte);
     void TakeControl(unsigned char byte);
     void TakeEscape(unsigned char byte);
@@ -55,6 +68,7 @@ private:
     int Parameter(std::size_t at, int missing) const;
 
     TerminalScreen& mScreen;
+    TextDecoder mDecoder;
     State mState = State::Ground;
     std::array<int, 16> mParameters{};
     std::size_t mParameterCount = 0;  // includes the current one; excess ones are dropped

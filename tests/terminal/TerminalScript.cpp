@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "controls/Form.hpp"
+#include "support/text/Unicode.hpp"
 #include "terminal/TerminalControl.hpp"
 #include "tests/Words.hpp"
 #include "tests/faults/ReportingPlatform.hpp"
@@ -47,13 +48,18 @@ struct Window : Form {
 
 /// The looks of `cell` as the parameters that set them; "0" for none.
 std::string LooksOf(const Cell& cell) {
-    constexpr std::array kCodes = {1, 4, 5, 7, 8};  // in the order of the flags
+    constexpr std::array kCodes = {1, 4, 5, 7, 8, 2, 3, 9};  // in the order of the flags
     std::string codes;
     for (std::size_t bit = 0; bit < kCodes.size(); ++bit)
         if (cell.flags >> bit & 1) codes += ";" + to_string(kCodes[bit]);
-    for (const auto& [colour, base] : {std::pair{cell.foreground, 30}, {cell.background, 40}})
-        if (colour != kDefaultColour)
+    for (const auto& [number, base] :
+         {std::pair<std::uint32_t, int>{cell.foreground, 30}, {cell.background, 40}}) {
+        const int colour = static_cast<int>(number);
+        if (colour >= 16 && number != kDefaultColour)
+            codes += ";" + to_string(base + 8) + ";5;" + to_string(colour);
+        else if (number != kDefaultColour)
             codes += ";" + to_string(base + colour + (colour < 8 ? 0 : 52));
+    }
     return codes.empty() ? "0" : codes.substr(1);
 }
 
@@ -65,9 +71,9 @@ std::string TextOf(const TerminalScreen& screen) {
     for (std::int64_t line = first; line < screen.EndLine(); ++line) {
         if (line == screen.TopLine() && line > screen.FirstLine()) text += '^';
         std::string characters;
-        for (const Cell& cell : screen.Line(line)) characters += cell.character;
+        for (const Cell& cell : screen.Line(line)) AppendUtf8(characters, cell.character);
         characters.resize(characters.find_last_not_of(' ') + 1);
-        const std::string quoted = Quoted(characters, Quoting::Bytes);
+        const std::string quoted = Quoted(characters);
         text += quoted.substr(1, quoted.size() - 2) + (screen.Continues(line) ? '~' : '|');
     }
     for (const std::int64_t none : {screen.FirstLine() - 1, screen.EndLine()})
@@ -125,13 +131,18 @@ struct Subject {
         now["clipboard"] = Quoted(platform.clipboard.Text());
         events["sent"] = Quoted(std::exchange(wire.received, {}), Quoting::Bytes);
         events["beeps"] = to_string(std::exchange(platform.boxes.beeps, 0));
+        events["line"] = std::exchange(wire.signals, {});
         for (const std::string& box : Told(platform)) events["box"] += Quoted(box);
+        for (const MessageBoxRequest& box : platform.boxes.shown)
+            if (box.icon == BoxIcon::Question)
+                events["question"] = Quoted(box.text) + (box.declinesByDefault ? " No" : " Yes");
         platform.boxes.shown.clear();
         std::string text;
         for (const auto& [kind, value] : now)
             if (value != before[kind]) text += "    " + kind + " " + value + "\n";
         for (const auto& [kind, value] : std::exchange(events, {}))
-            if (value != "\"\"" && value != "0") text += "    " + kind + " " + value + "\n";
+            if (value != "\"\"" && value != "0" && !value.empty())
+                text += "    " + kind + " " + value + "\n";
         before = std::move(now);
         return text;
     }
@@ -142,6 +153,8 @@ struct Subject {
         now["selected"] = com.Selection().Empty() ? "nothing" : Quoted(com.SelectedText());
         now["looks"] = "0";
         now["capture"] = Quoted(com.CaptureFile());
+        now["pasting"] = com.Pasting() ? "yes" : "no";
+        now["asserted"] = std::string(com.Dtr() ? " DTR" : "") + (com.Rts() ? " RTS" : "");
         const bool newest = com.FirstShownLine() == screen.TopLine();
         now["view"] = newest ? "newest" : "from " + to_string(com.FirstShownLine());
         for (int row = 0; row < screen.Rows(); ++row) {
@@ -152,7 +165,8 @@ struct Subject {
                 const Cell cell = column < cells.size() ? cells[column] : Cell{};
                 if (LooksOf(cell) != std::exchange(looks, LooksOf(cell)))
                     now["looks"] += " " + to_string(row) + "," + to_string(column) + ":" + looks;
-                picture += cell.character + looks;
+                AppendUtf8(picture, cell.character);
+                picture += looks;
             }
             if (screen.Cursor().row == row && screen.modes.cursorVisible)
                 picture += to_string(screen.Cursor().column);
@@ -185,6 +199,22 @@ int Number(const Words& words, std::size_t at = 1) {
     return std::stoi(words.at(at));
 }
 
+/// Sets an option of `choose` to a number.
+using Choice = void (*)(TerminalOptions&, int);
+const std::map<std::string, Choice> kChoices = {
+    {"answers", [](auto& o, int n) { o.answersQueries = n != 0; }},
+    {"asks", [](auto& o, int n) { o.askBeforeLongPaste = n != 0; }},
+    {"echo", [](auto& o, int n) { o.localEcho = n != 0; }},
+    {"encoding", [](auto& o, int n) { o.encoding = LineEncoding(n); }},
+    {"enter", [](auto& o, int n) { o.enterKey = EnterKey(n); }},
+    {"flow", [](auto& o, int n) { o.flowControl = FlowControl(n); }},
+    {"pace", [](auto& o, int n) { o.pastePace = PastePace(n); }},
+    {"reopens", [](auto& o, int n) { o.reopens = n != 0; }},
+    {"returnfeeds", [](auto& o, int n) { o.returnFeeds = n != 0; }},
+    {"stamps", [](auto& o, int n) { o.timeStamps = TimeStamps(n); }},
+    {"capturestamps", [](auto& o, int n) { o.captureTimeStamps = n != 0; }},
+};
+
 using Verb = void (*)(Subject&, const Words&);
 const std::map<std::string, Verb> kVerbs = {
     {"+", [](auto& s, auto& w) { s.Receive(w.at(1)); }},
@@ -204,6 +234,18 @@ const std::map<std::string, Verb> kVerbs = {
     {"type", [](auto& s, auto& w) { s.com.Type(w.at(1)); }},
     {"output", [](auto& s, auto& w) { s.com.Output(w.at(1)); }},
     {"echo", [](auto& s, auto&) { s.com.LocalEcho = true; }},
+    {"choose",
+     [](auto& s, auto& w) {
+         TerminalOptions options = s.com.Options();
+         kChoices.at(w.at(1))(options, Number(w, 2));
+         s.com.Options(options);
+     }},
+    {"bytes", [](auto& s, auto& w) { s.com.SendBytes(w.at(1)); }},
+    {"break", [](auto& s, auto&) { s.com.SendBreak(); }},
+    {"dtr", [](auto& s, auto& w) { s.com.Dtr(w.at(1) == "on"); }},
+    {"rts", [](auto& s, auto& w) { s.com.Rts(w.at(1) == "on"); }},
+    {"cancel", [](auto& s, auto&) { s.com.DropPendingLines(); }},
+    {"declines", [](auto& s, auto&) { s.platform.boxes.answers = {BoxAnswer::No}; }},
     {"endless", [](auto& s, auto&) { s.com.EndLines = false; }},
     {"returnfeeds", [](auto& s, auto&) { s.com.Screen().modes.returnFeeds = true; }},
     {"clipboard", [](auto& s, auto& w) { s.platform.clipboard.Text(w.at(1)); }},

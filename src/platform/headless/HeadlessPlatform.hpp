@@ -38,9 +38,12 @@ public:
     std::uint32_t Milliseconds() const override { return mNow; }
     void Sleep(std::uint32_t ms) override { mNow += ms; }
     DateTime Now() const override { return {2026, 11, 24, 21, 18, 5}; }
+    std::int64_t LocalMilliseconds() const override { return kStartMs + mNow; }
     void Set(std::uint32_t ms) { mNow = ms; }
 
 private:
+    static constexpr std::int64_t kStartMs = 1'795'555'084'000;  // a second before that `Now`
+
     std::uint32_t mNow = 1000;
 };
 

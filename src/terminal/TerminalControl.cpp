@@ -75,6 +75,7 @@ TerminalControl::TerminalControl(Form& parent, std::string name, Platform& platf
       mPlatform(platform),
       mPort(platform.ports),
       mSendTimer(platform.pump, kSendIntervalMs, [this] { KeepSending(); }) {
+    mParser.Encoding({LineEncoding::System, platform.codePage});
     mPort.name = "COM1";
     mPort.settings = "9600,N,8,1";
 }
@@ -258,7 +259,7 @@ void TerminalControl::Select(TextPosition anchor, TextPosition end) {
 }
 
 std::string TerminalControl::SelectedText() const {
-    return mPlatform.codePage.FromAnsi(mSelection.Text());
+    return mSelection.Text();
 }
 
 void TerminalControl::Copy() {

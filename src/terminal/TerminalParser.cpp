@@ -22,13 +22,6 @@ bool IsIntermediate(unsigned char byte) {
     return byte >= ' ' && byte <= '/';
 }
 
-std::size_t PrintableLength(std::string_view bytes) {
-    const auto end = std::find_if(bytes.begin(), bytes.end(), [](char byte) {
-        return IsControl(static_cast<unsigned char>(byte));
-    });
-    return static_cast<std::size_t>(end - bytes.begin());
-}
-
 /// What the control characters do.
 constexpr auto kControls = [] {
     std::array<void (TerminalScreen::*)(), ' '> controls{};
@@ -85,15 +78,21 @@ constexpr std::array kEdits = {
 
 void TerminalParser::Write(std::string_view bytes) {
     while (!bytes.empty()) {
-        std::size_t taken = mState == State::Ground ? PrintableLength(bytes) : 0;
-        if (taken > 0) {
-            mScreen.Print(bytes.substr(0, taken));
-        } else {
+        std::size_t taken = mState == State::Ground ? TakeCharacters(bytes) : 0;
+        if (taken == 0) {
+            if (mDecoder.Interrupt()) mScreen.Print({&kReplacementCharacter, 1});
             Take(static_cast<unsigned char>(bytes.front()));
             taken = 1;
         }
         bytes.remove_prefix(taken);
     }
+}
+
+std::size_t TerminalParser::TakeCharacters(std::string_view bytes) {
+    std::array<char32_t, 256> characters;  // NOLINT(*-member-init): written by Decode
+    const auto [taken, count] = mDecoder.Decode(bytes, characters);
+    mScreen.Print({characters.data(), count});
+    return taken;
 }
 
 void TerminalParser::Take(unsigned char byte) {
@@ -109,7 +108,7 @@ void TerminalParser::Take(unsigned char byte) {
         // No sequence contains such a byte: this one is incomplete, and text follows.
         mState = State::Ground;
         const char character = static_cast<char>(byte);
-        mScreen.Print({&character, 1});
+        TakeCharacters({&character, 1});
     } else if (mState == State::Escape) {
         TakeEscape(byte);
     } else if (mState == State::EscapeRest) {
@@ -294,7 +293,10 @@ std::size_t TerminalParser::SetExtendedColour(std::size_t at) {
     const int colour = parameter(at + 2);
     if (at + 2 >= mParameters.size() || colour >= kDefaultColour) return at + 2;
     Cell& pen = mScreen.pen;
-    (mParameters[at] == 38 ? pen.foreground : pen.background) = static_cast<std::uint8_t>(colour);
+    if (mParameters[at] == 38)
+        pen.foreground = static_cast<std::uint8_t>(colour);
+    else
+        pen.background = static_cast<std::uint8_t>(colour);
     return at + 2;
 }
 

@@ -8,6 +8,7 @@
 #include <string_view>
 
 #include "terminal/TerminalScreen.hpp"
+#include "terminal/TextEncoding.hpp"
 
 namespace vantor {
 
@@ -22,8 +23,14 @@ public:
 
     void Write(std::string_view bytes);
 
+    /// What received bytes mean from now on. Code page 1252 at first.
+    void Encoding(const TextEncoding& encoding) { mDecoder.Encoding(encoding); }
+
     /// Discards a partial sequence.
-    void Reset() { mState = State::Ground; }
+    void Reset() {
+        mState = State::Ground;
+        mDecoder.Reset();
+    }
 
     /// Number of BEL characters received.
     std::uint64_t Bells() const { return mBells; }
@@ -38,6 +45,7 @@ private:
         Text,         ///< a string for the terminal itself, such as a window title
     };
 
+    std::size_t TakeCharacters(std::string_view bytes);
     void Take(unsigned char byte);
     void TakeControl(unsigned char byte);
     void TakeEscape(unsigned char byte);
@@ -55,6 +63,7 @@ private:
     int Parameter(std::size_t at, int missing) const;
 
     TerminalScreen& mScreen;
+    TextDecoder mDecoder;
     State mState = State::Ground;
     std::array<int, 16> mParameters{};
     std::size_t mParameterCount = 0;  // includes the current one; excess ones are dropped

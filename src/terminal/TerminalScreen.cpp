@@ -99,11 +99,11 @@ void TerminalScreen::Clean() {
 
 // --- characters ------------------------------------------------------------------------------
 
-void TerminalScreen::Print(std::string_view characters) {
+void TerminalScreen::Print(std::u32string_view characters) {
     while (!characters.empty()) {
         WrapIfPending();
         const std::size_t room = Index(mColumns - mCursor.column);
-        const std::string_view part = characters.substr(0, room);
+        const std::u32string_view part = characters.substr(0, room);
         Put(part);
         characters.remove_prefix(part.size());
         if (part.size() < room) return;
@@ -122,7 +122,7 @@ void TerminalScreen::WrapIfPending() {
 }
 
 /// Writes what fits into the cursor's row; moves the cursor past it, or to the last column.
-void TerminalScreen::Put(std::string_view characters) {
+void TerminalScreen::Put(std::u32string_view characters) {
     if (modes.insert) InsertCharacters(static_cast<int>(characters.size()));
     std::vector<Cell>& cells = CellsToChange();
     const std::size_t from = Index(mCursor.column);

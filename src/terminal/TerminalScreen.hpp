@@ -10,30 +10,9 @@
 #include <string_view>
 #include <vector>
 
+#include "terminal/Cell.hpp"
+
 namespace vantor {
-
-/// The default colour of the view, instead of one of the sixteen: 0 to 7 black, red, green, yellow,
-/// blue, magenta, cyan, white; 8 to 15 the bright ones in the same order.
-inline constexpr std::uint8_t kDefaultColour = 16;
-
-/// Attributes of a cell besides its colours; combined in a cell's `flags`.
-enum CellFlag : std::uint8_t {
-    kBold = 1,
-    kUnderlined = 2,
-    kBlinking = 4,
-    kReversed = 8,
-    kConcealed = 16,
-};
-
-/// One character of the ANSI code page.
-struct Cell {
-    char character = ' ';
-    std::uint8_t foreground = kDefaultColour;
-    std::uint8_t background = kDefaultColour;
-    std::uint8_t flags = 0;
-
-    friend bool operator==(const Cell&, const Cell&) = default;
-};
 
 /// A position in the text. Line numbers count from the first line ever written and do not change
 /// while the text scrolls, until the line drops out of the history.
@@ -62,6 +41,9 @@ struct ScreenModes {
     bool lineFeedReturns = false;  ///< LF also moves to the first column
     bool returnFeeds = false;      ///< CR also moves to the next row
     bool cursorVisible = true;
+    bool reverseScreen = false;          ///< default colours are exchanged on the whole screen
+    bool applicationCursorKeys = false;  ///< cursor keys send ESC O instead of ESC [
+    bool applicationKeypad = false;      ///< the numeric keypad sends sequences
 };
 
 /// Rows and columns count from 0. Every operation clamps out-of-range numbers; nothing fails.
@@ -104,7 +86,7 @@ public:
     // --- operations of the parser -----------------------------------------------------------
 
     /// Writes characters at the cursor.
-    void Print(std::string_view characters);
+    void Print(std::u32string_view characters);
     void CarriageReturn();
     /// Moves down a row. At the bottom of the region the region scrolls; rows that leave the top of
     /// the screen go to the history.
@@ -166,7 +148,7 @@ private:
     void AddLine();
     void DropBlankLines(int most);
 
-    void Put(std::string_view characters);
+    void Put(std::u32string_view characters);
     void WrapIfPending();
     void PlaceCursor(int row, int column);
     /// Moves the rows from `top` to the bottom of the region by `count`, up when positive.

@@ -68,6 +68,7 @@ TerminalControl::TerminalControl(Form& parent, std::string name, Platform& platf
     : Control(parent, ControlKind::Terminal, std::move(name)),
       mPlatform(platform),
       mSession(*this, platform) {
+    mParser.Encoding({LineEncoding::System, platform.codePage});
     Port().name = "COM1";
     Port().settings = "9600,N,8,1";
 }
@@ -202,7 +203,7 @@ void TerminalControl::Select(TextPosition anchor, TextPosition end) {
 }
 
 std::string TerminalControl::SelectedText() const {
-    return mPlatform.codePage.FromAnsi(mViewport.Selection().Text());
+    return mViewport.Selection().Text();
 }
 
 void TerminalControl::Copy() {

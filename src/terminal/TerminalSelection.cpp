@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "support/text/Unicode.hpp"
+
 namespace vantor {
 namespace {
 
@@ -10,7 +12,7 @@ std::string Characters(std::span<const Cell> cells, int from, int to) {
     const int end = std::clamp(to, 0, size);
     std::string text;
     for (int column = std::clamp(from, 0, end); column < end; ++column)
-        text += cells[static_cast<std::size_t>(column)].character;
+        AppendUtf8(text, cells[static_cast<std::size_t>(column)].character);
     return text;
 }
 

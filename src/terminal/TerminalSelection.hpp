@@ -25,8 +25,8 @@ public:
     bool Contains(TextPosition position) const { return mFrom <= position && position < mTo; }
     TextPosition To() const { return mTo; }
 
-    /// The selected characters, with CR LF between lines and without trailing blanks. A wrapped
-    /// line is returned as one line.
+    /// The selected characters in UTF-8, with CR LF between lines and without trailing blanks. A
+    /// wrapped line is returned as one line.
     std::string Text() const { return TextFrom(mFrom.line); }
     /// The selected text from line `first` on, in the same form.
     std::string TextFrom(std::int64_t first) const;

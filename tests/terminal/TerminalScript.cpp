@@ -10,6 +10,7 @@
 #include <utility>
 
 #include "controls/Form.hpp"
+#include "support/text/Unicode.hpp"
 #include "terminal/TerminalControl.hpp"
 #include "tests/Words.hpp"
 #include "tests/faults/ReportingPlatform.hpp"
@@ -47,13 +48,18 @@ struct Window : Form {
 
 /// The looks of `cell` as the parameters that set them; "0" for none.
 std::string LooksOf(const Cell& cell) {
-    constexpr std::array kCodes = {1, 4, 5, 7, 8};  // in the order of the flags
+    constexpr std::array kCodes = {1, 4, 5, 7, 8, 2, 3, 9};  // in the order of the flags
     std::string codes;
     for (std::size_t bit = 0; bit < kCodes.size(); ++bit)
         if (cell.flags >> bit & 1) codes += ";" + to_string(kCodes[bit]);
-    for (const auto& [colour, base] : {std::pair{cell.foreground, 30}, {cell.background, 40}})
-        if (colour != kDefaultColour)
+    for (const auto& [number, base] :
+         {std::pair<std::uint32_t, int>{cell.foreground, 30}, {cell.background, 40}}) {
+        const int colour = static_cast<int>(number);
+        if (colour >= 16 && number != kDefaultColour)
+            codes += ";" + to_string(base + 8) + ";5;" + to_string(colour);
+        else if (number != kDefaultColour)
             codes += ";" + to_string(base + colour + (colour < 8 ? 0 : 52));
+    }
     return codes.empty() ? "0" : codes.substr(1);
 }
 
@@ -65,9 +71,9 @@ std::string TextOf(const TerminalScreen& screen) {
     for (std::int64_t line = first; line < screen.EndLine(); ++line) {
         if (line == screen.TopLine() && line > screen.FirstLine()) text += '^';
         std::string characters;
-        for (const Cell& cell : screen.Line(line)) characters += cell.character;
+        for (const Cell& cell : screen.Line(line)) AppendUtf8(characters, cell.character);
         characters.resize(characters.find_last_not_of(' ') + 1);
-        const std::string quoted = Quoted(characters, Quoting::Bytes);
+        const std::string quoted = Quoted(characters);
         text += quoted.substr(1, quoted.size() - 2) + (screen.Continues(line) ? '~' : '|');
     }
     for (const std::int64_t none : {screen.FirstLine() - 1, screen.EndLine()})
@@ -152,7 +158,8 @@ struct Subject {
                 const Cell cell = column < cells.size() ? cells[column] : Cell{};
                 if (LooksOf(cell) != std::exchange(looks, LooksOf(cell)))
                     now["looks"] += " " + to_string(row) + "," + to_string(column) + ":" + looks;
-                picture += cell.character + looks;
+                AppendUtf8(picture, cell.character);
+                picture += looks;
             }
             if (screen.Cursor().row == row && screen.modes.cursorVisible)
                 picture += to_string(screen.Cursor().column);

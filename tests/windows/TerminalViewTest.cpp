@@ -36,9 +36,7 @@ protected:
         monitor->Show();
         view = GetDlgItem(WindowOf(*monitor), kFirstChildId);
         for (int i = 10; i < 99; ++i) {
-            screen.Print("line " + std::to_string(i));
-            screen.CarriageReturn();
-            screen.LineFeed();
+            TerminalParser(screen).Write("line " + std::to_string(i) + "\r\n");
         }
         terminal.Refresh();
         RECT client{};
@@ -167,7 +165,7 @@ TEST_F(TerminalView, EveryKeyDoesItsWork) {
 TEST_F(TerminalView, AUserWhoChoseHighContrastSeesNoColoursOfTheFarEnd) {
     screen.MoveTo(0, 0);
     screen.pen.background = 1;
-    screen.Print("  ");
+    screen.Print(U"  ");
     for (const bool chosen : {false, true}) {
         gHighContrast = chosen;
         terminal.Refresh();
@@ -175,7 +173,7 @@ TEST_F(TerminalView, AUserWhoChoseHighContrastSeesNoColoursOfTheFarEnd) {
                   chosen ? GetSysColor(COLOR_WINDOW) : RGB(170, 0, 0));
     }
     gHighContrast = false;
-    const CellColours colours = ColoursOf(Cell{'x', 1, 2, kReversed}, {.highContrast = true});
+    const CellColours colours = ColoursOf(Cell{U'x', 1, 2, kReversed}, {.highContrast = true});
     EXPECT_EQ(colours.ink, GetSysColor(COLOR_WINDOW));
     EXPECT_EQ(colours.ground, GetSysColor(COLOR_WINDOWTEXT));
 }
@@ -185,14 +183,15 @@ TEST_F(TerminalView, LettersShowWhereOnlyOneColourWasChosen) {
         return std::abs(GetRValue(a) - GetRValue(b)) + std::abs(GetGValue(a) - GetGValue(b)) +
                std::abs(GetBValue(a) - GetBValue(b));
     };
-    for (std::uint8_t colour = 0; colour < kDefaultColour; ++colour) {
-        for (const Cell& cell : {Cell{'x', colour}, Cell{'x', kDefaultColour, colour},
-                                 Cell{'x', colour, kDefaultColour, kReversed}}) {
+    for (int colour = 0; colour < kDefaultColour; ++colour) {
+        const auto chosen = static_cast<std::uint8_t>(colour);
+        for (const Cell& cell : {Cell{U'x', chosen}, Cell{U'x', kDefaultColour, chosen},
+                                 Cell{U'x', chosen, kDefaultColour, kReversed}}) {
             const CellColours colours = ColoursOf(cell);
-            EXPECT_GT(difference(colours.ink, colours.ground), 100) << int{colour};
+            EXPECT_GT(difference(colours.ink, colours.ground), 100) << colour;
         }
     }
-    EXPECT_EQ(ColoursOf(Cell{'x', 1}).ink, RGB(170, 0, 0)) << "as it was chosen";
+    EXPECT_EQ(ColoursOf(Cell{U'x', 1}).ink, RGB(170, 0, 0)) << "as it was chosen";
 }
 
 TEST_F(TerminalView, WheelAndScrollBarShowWhatHasLeftTheScreen) {

@@ -11,10 +11,10 @@ namespace {
 /// Letters of both languages, and symbols that an indicator displays.
 constexpr std::wstring_view kSample = L"Az09\x00c1\x00d1\x00e1\x00e9\x00ed\x00f1\x00f3\x00fa\x00b0";
 
-HFONT Make(const wchar_t* face, int height, int weight) {
+HFONT Make(const wchar_t* face, int height, int weight, DWORD italic = FALSE) {
     // The one OEM face is only found with its character set.
     const bool isTerminal = std::wstring_view(face) == L"Terminal";
-    return CreateFontW(-height, 0, 0, 0, weight, FALSE, FALSE, FALSE,
+    return CreateFontW(-height, 0, 0, 0, weight, italic, FALSE, FALSE,
                        isTerminal ? OEM_CHARSET : DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
                        CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY, DWORD{FIXED_PITCH} | DWORD{FF_MODERN},
                        face);
@@ -60,6 +60,8 @@ Win32TerminalFont::Win32TerminalFont(Win32Context& context, const ControlStyle& 
     const wchar_t* const face = ChosenFace(target.get(), wanted.c_str(), pixels);
     plain = Hold(Make(face, pixels, FW_NORMAL), context.held.fonts);
     bold = Hold(Make(face, pixels, FW_BOLD), context.held.fonts);
+    italic = Hold(Make(face, pixels, FW_NORMAL, TRUE), context.held.fonts);
+    boldItalic = Hold(Make(face, pixels, FW_BOLD, TRUE), context.held.fonts);
     const Win32Selected selected(target.get(), plain.get());
     TEXTMETRICW metrics{};
     if (GetTextMetricsW(target.get(), &metrics) == 0) return;

@@ -13,6 +13,8 @@ struct Win32TerminalFont {
 
     Win32Object<HFONT> plain;
     Win32Object<HFONT> bold;
+    Win32Object<HFONT> italic;
+    Win32Object<HFONT> boldItalic;
     int width = 8;  ///< of one character, in pixels
     int height = 16;
 };

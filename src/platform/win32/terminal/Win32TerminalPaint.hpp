@@ -1,6 +1,8 @@
 // Paints the contents of a terminal: its cells and their colours.
 #pragma once
 
+#include <string>
+
 #include "platform/win32/terminal/Win32TerminalFont.hpp"
 #include "terminal/TerminalControl.hpp"
 
@@ -20,9 +22,8 @@ struct CellState {
 /// contrast.
 CellColours ColoursOf(const Cell& cell, CellState state = {});
 
-/// The character of one byte in the system's code page. In a double-byte code page, too, each byte
-/// is a cell.
-wchar_t LetterOf(char character);
+/// Appends `character` in UTF-16.
+void AppendLetter(std::wstring& text, char32_t character);
 
 /// Paints the rows of `control` that `area` touches, and the margins of the client area `client`
 /// that are too narrow for another column and too low for another row.

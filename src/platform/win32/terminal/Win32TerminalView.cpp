@@ -371,7 +371,7 @@ private:
         for (int row = 0; row < mScreen.Rows(); ++row) {
             if (row > 0) text += L"\r\n";
             for (const Cell& cell : mScreen.Line(mControl.FirstShownLine() + row))
-                text += LetterOf(cell.character);
+                AppendLetter(text, cell.character);
             text.resize(text.find_last_not_of(L' ') + 1);
         }
         return text;

@@ -22,21 +22,6 @@ constexpr std::int64_t kMostUnasked = 20;  // lines of a paste
 // By EnterKey.
 constexpr std::array<std::string_view, 3> kEnters = {"\r", "\n", "\r\n"};
 
-struct MenuRow {
-    TerminalCommand command;
-    Str text;
-    bool startsGroup;
-};
-
-constexpr std::array kMenu = {MenuRow{TerminalCommand::Open, Str::TerminalOpenPort, false},
-                              MenuRow{TerminalCommand::Close, Str::TerminalClosePort, false},
-                              MenuRow{TerminalCommand::Settings, Str::TerminalPortSettings, false},
-                              MenuRow{TerminalCommand::Copy, Str::TerminalCopy, true},
-                              MenuRow{TerminalCommand::Paste, Str::TerminalPaste, false},
-                              MenuRow{TerminalCommand::SelectAll, Str::TerminalSelectAll, false},
-                              MenuRow{TerminalCommand::Clear, Str::TerminalClearScreen, true},
-                              MenuRow{TerminalCommand::Reset, Str::TerminalReset, false}};
-
 /// `text` with every CR, LF and CR LF replaced by `lineEnd`.
 std::string WithLineEnds(std::string_view text, std::string_view lineEnd) {
     std::string result;
@@ -183,7 +168,13 @@ void TerminalControl::PerformCommand(TerminalCommand command) {
         case TerminalCommand::Reset:
             mScreen.Reset();
             return Clear();
-        case TerminalCommand::Settings:
+        case TerminalCommand::SendBreak:
+            return SendBreak();
+        case TerminalCommand::Dtr:
+            return Dtr(!Dtr());
+        case TerminalCommand::Rts:
+            return Rts(!Rts());
+        default:  // performed by the owner
             return;
     }
 }
@@ -216,19 +207,16 @@ void TerminalControl::OfferAlways(TerminalCommand command) {
     mOfferedAlways.set(static_cast<std::size_t>(command));
 }
 
-bool TerminalControl::Offered(TerminalCommand command) const {
-    if (mOfferedAlways.test(static_cast<std::size_t>(command))) return true;
-    if (command == TerminalCommand::Open) return !PortOpen();
-    if (command == TerminalCommand::Close || command == TerminalCommand::Paste) return PortOpen();
-    return command != TerminalCommand::Copy || !mViewport.Selection().Empty();
-}
-
-std::vector<OfferedCommand> TerminalControl::ContextMenu() const {
-    std::vector<OfferedCommand> menu;
-    menu.reserve(kMenu.size());
-    for (const auto& [command, text, startsGroup] : kMenu)
-        menu.push_back({command, mPlatform.strings.Text(text), Offered(command), startsGroup});
-    return menu;
+std::vector<OfferedCommand> TerminalControl::ContextMenu() {
+    return MakeTerminalMenu(mPlatform.strings, {.portOpen = PortOpen(),
+                                                .selected = !mViewport.Selection().Empty(),
+                                                .always = mOfferedAlways,
+                                                .options = mOptions,
+                                                .dtr = Dtr(),
+                                                .rts = Rts(),
+                                                .lines = Lines(),
+                                                .errors = Errors(),
+                                                .captureFile = CaptureFile()});
 }
 
 // --- selection and view ----------------------------------------------------------------------

@@ -2,7 +2,6 @@
 // a context menu. It works without a peer, which only paints the screen and forwards user input.
 #pragma once
 
-#include <bitset>
 #include <cstddef>
 #include <cstdint>
 #include <functional>
@@ -16,6 +15,7 @@
 #include "controls/Event.hpp"
 #include "platform/Platform.hpp"
 #include "terminal/TerminalEcho.hpp"
+#include "terminal/TerminalMenu.hpp"
 #include "terminal/TerminalOptions.hpp"
 #include "terminal/TerminalParser.hpp"
 #include "terminal/TerminalScreen.hpp"
@@ -24,26 +24,6 @@
 #include "terminal/TextEncoding.hpp"
 
 namespace vantor {
-
-/// The terminal's commands, with the numbers of its interface.
-enum class TerminalCommand : std::uint8_t {
-    Copy = 1,       ///< the selection to the clipboard
-    Paste = 2,      ///< types the clipboard's text
-    SelectAll = 3,  ///< selects the whole text
-    Open = 7,       ///< opens the port
-    Close = 8,      ///< closes the port
-    Clear = 9,      ///< clears the screen; its text stays in the history
-    Reset = 10,     ///< resets colours, scroll region and modes, and clears the screen
-    Settings = 11,  ///< shows the port settings; performed by the owner of the terminal
-};
-
-/// One entry of the context menu.
-struct OfferedCommand {
-    TerminalCommand command;
-    std::string caption;  ///< UTF-8
-    bool enabled;
-    bool startsGroup;  ///< preceded by a separator
-};
 
 /// Member numbers are those of the interface of the vendor's terminal. Bytes in both directions
 /// pass unchanged; the screen shows them as characters of the line's encoding.
@@ -121,7 +101,7 @@ public:
     // --- user input ---------------------------------------------------------------------------
 
     /// The current context menu, top to bottom.
-    std::vector<OfferedCommand> ContextMenu() const;
+    std::vector<OfferedCommand> ContextMenu();
     /// Invokes an entry of the context menu.
     void Invoke(TerminalCommand command);
 
@@ -176,7 +156,6 @@ private:
     void Beep();
     bool RefusePaste(const std::string& text);
     bool DeclinesPaste(const std::string& text);
-    bool Offered(TerminalCommand command) const;
 
     Platform& mPlatform;
     TerminalSession mSession;
@@ -187,7 +166,7 @@ private:
     TerminalOptions mOptions;
     std::string mReplies;  // of the parser, sent after it
     TerminalViewport mViewport{mScreen};
-    std::bitset<12> mOfferedAlways;          // by command
+    TerminalCommands mOfferedAlways;
     std::optional<std::uint32_t> mBeepedAt;  // milliseconds of the clock
     bool mFollowOutput = false;
 };

@@ -33,6 +33,10 @@ enum class PastePace : std::uint8_t {
     Line,  ///< a line every 50 ms, as a text file is sent
 };
 
+/// Limits of the font size, in points.
+inline constexpr int kSmallestPoints = 6;
+inline constexpr int kLargestPoints = 36;
+
 struct TerminalOptions {
     // Shown
     ViewMode view = ViewMode::Text;
@@ -40,7 +44,7 @@ struct TerminalOptions {
     TimeStamps timeStamps = TimeStamps::Off;
     bool captureTimeStamps = false;  ///< in captures too; times of day if the view has none
     bool darkScheme = false;
-    int fontPoints = 0;  ///< 0: as designed
+    int fontPoints = 0;  ///< 0: as designed; otherwise within the limits above
 
     // Sent
     bool localEcho = false;

@@ -264,10 +264,10 @@ const std::map<std::string, Verb> kVerbs = {
      }},
     {"menu",
      [](auto& s, auto&) {
-         for (const auto& [command, caption, enabled, startsGroup] : s.com.ContextMenu())
-             s.events["menu"] += (startsGroup ? " -- " : " ") +
-                                 to_string(static_cast<int>(command)) + " " + caption +
-                                 (enabled ? ";" : " (grey);");
+         for (const OfferedCommand& entry : s.com.ContextMenu())
+             s.events["menu"] += (entry.startsGroup ? " -- " : " ") +
+                                 to_string(static_cast<int>(entry.command)) + " " + entry.caption +
+                                 (entry.enabled ? ";" : " (grey);");
      }},
     {"owner",  // performs or leaves commands, after an ACTION
      [](auto& s, auto& w) {

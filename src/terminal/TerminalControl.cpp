@@ -14,6 +14,7 @@
 #include "support/Traps.hpp"
 #include "support/errors/RuntimeError.hpp"
 #include "support/text/Unicode.hpp"
+#include "terminal/TextFile.hpp"
 
 namespace vantor {
 namespace {
@@ -68,7 +69,9 @@ TerminalControl::TerminalControl(Form& parent, std::string name, Platform& platf
     : Control(parent, ControlKind::Terminal, std::move(name)),
       mPlatform(platform),
       mSession(*this, platform) {
-    mParser.Encoding({LineEncoding::System, platform.codePage});
+    const TextEncoding encoding(LineEncoding::System, platform.codePage);
+    mParser.Encoding(encoding);
+    mViewport.Decode(ByteDecoder(encoding));
     Port().name = "COM1";
     Port().settings = "9600,N,8,1";
 }
@@ -76,21 +79,23 @@ TerminalControl::TerminalControl(Form& parent, std::string name, Platform& platf
 // --- received and sent -----------------------------------------------------------------------
 
 void TerminalControl::Received(std::string_view bytes) {
+    const std::int64_t now = mPlatform.clock.LocalMilliseconds();
+    mScreen.Now(now);
+    mViewport.Received(bytes, now);
     Show(bytes);
 }
 
 void TerminalControl::Show(std::string_view bytes) {
     const std::uint64_t bells = mParser.Bells();
-    // Only text on the screen can be overwritten; lines in the history cannot change.
-    const std::int64_t top = mScreen.TopLine();
-    const TerminalSelection& selection = mViewport.Selection();
-    const std::string marked = selection.TextFrom(top);
+    mViewport.BeforeChange();
     mParser.Write(bytes);
+    mViewport.Shown();
     if (mParser.Bells() != bells) Beep();
     if (mFollowOutput) mViewport.ScrollToNewest();
     Changed(Property::Value);
-    const bool dropped = selection.To().line < mScreen.FirstLine();
-    if (!selection.Empty() && (dropped || selection.TextFrom(top) != marked)) Select({}, {});
+    if (!mViewport.SelectionLost()) return;
+    mViewport.Selection().Lose();
+    Repaint();
 }
 
 void TerminalControl::Beep() {
@@ -112,7 +117,7 @@ void TerminalControl::Output(std::string_view line) {
 
 void TerminalControl::Key(std::string_view bytes) {
     if (!PortOpen()) return Beep();
-    ScrollTo(mScreen.TopLine());
+    Scroll(ScrollStep::End);
     Send(bytes);
     if (!PortOpen()) Beep();  // a lost device is detected only on use
 }
@@ -168,7 +173,7 @@ void TerminalControl::Handshake(int kind) {
 
 void TerminalControl::FollowOutput(bool follow) {
     mFollowOutput = follow;
-    if (follow) ScrollTo(mScreen.TopLine());
+    if (follow) Scroll(ScrollStep::End);
 }
 
 void TerminalControl::OfferAlways(TerminalCommand command) {
@@ -194,12 +199,28 @@ std::vector<OfferedCommand> TerminalControl::ContextMenu() const {
 
 void TerminalControl::SelectAll() {
     mViewport.Selection().SetAll();
-    Changed(Property::Repaint);
+    Repaint();
 }
 
 void TerminalControl::Select(TextPosition anchor, TextPosition end) {
     mViewport.Selection().Set(anchor, end);
-    Changed(Property::Repaint);
+    Repaint();
+}
+
+void TerminalControl::BeginSelecting(MouseCell at, SelectBy by, bool rectangular) {
+    mViewport.Selection().Begin(mViewport.PointAt(at), by, rectangular);
+    Repaint();
+}
+
+void TerminalControl::ExtendSelection(MouseCell at) {
+    mViewport.Selection().ExtendTo(mViewport.PointAt(at));
+    Repaint();
+}
+
+void TerminalControl::Unselect() {
+    const bool selected = !mViewport.Selection().Empty();
+    mViewport.Selection().Clear();
+    Repaint(selected);
 }
 
 std::string TerminalControl::SelectedText() const {
@@ -236,12 +257,54 @@ bool TerminalControl::RefusePaste(const std::string& text) {
     return false;
 }
 
+// --- the view --------------------------------------------------------------------------------
+
+void TerminalControl::Repaint(bool all) {
+    if (all) Changed(Property::Repaint);
+}
+
+void TerminalControl::ChooseView(const TerminalOptions& options) {
+    Repaint(mViewport.Choose(options));
+}
+
 void TerminalControl::ScrollTo(std::int64_t firstLine) {
-    if (mViewport.ScrollTo(firstLine)) Changed(Property::Repaint);
+    Repaint(mViewport.ScrollTo(firstLine));
+}
+
+void TerminalControl::Scroll(ScrollStep step) {
+    Repaint(mViewport.Scroll(step));
+}
+
+void TerminalControl::ScrollBy(std::int64_t lines) {
+    Repaint(mViewport.ScrollBy(lines));
+}
+
+void TerminalControl::Wheel(int movement, int linesPerNotch) {
+    Repaint(mViewport.Wheel(movement, linesPerNotch));
+}
+
+Found TerminalControl::Find(std::string_view text, FindOptions options) {
+    const Found found = mViewport.Find(text, options);
+    Repaint();
+    return found;
+}
+
+void TerminalControl::EndFind() {
+    mViewport.EndFind();
+    Repaint();
+}
+
+void TerminalControl::SaveScrollback(const std::string& path) {
+    WriteText(mViewport.Text(), *mPlatform.files.Create(path));
+}
+
+void TerminalControl::ClearScrollback() {
+    mViewport.ClearScrollback();
+    Repaint();
 }
 
 void TerminalControl::ScreenSize(int columns, int rows) {
-    mScreen.Resize(columns, rows);
+    mViewport.Size(columns, rows);
     Changed(Property::Value);
 }
 

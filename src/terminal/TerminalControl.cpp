@@ -62,7 +62,8 @@ TerminalControl::TerminalControl(Form& parent, std::string name, Platform& platf
 
 // --- received and sent -----------------------------------------------------------------------
 
-void TerminalControl::Received(std::string_view bytes, std::int64_t /*timeMs*/) {
+void TerminalControl::Received(std::string_view bytes, std::int64_t timeMs) {
+    mScreen.Now(timeMs);
     const std::uint64_t bells = mParser.Bells();
     Change([&] { mParser.Write(bytes); });
     if (mParser.Bells() != bells) Beep();

@@ -22,6 +22,8 @@ constexpr std::string_view kNotations[] = {"Pictures", "Numbers"};
 constexpr std::string_view kTimeStamps[] = {"Off", "TimeOfDay", "SincePrevious"};
 constexpr std::string_view kEnterKeys[] = {"CR", "LF", "CRLF"};
 constexpr std::string_view kBackspaceKeys[] = {"BS", "DEL"};
+constexpr std::string_view kEncodings[] = {"System", "437", "1252", "Latin1", "UTF8"};
+constexpr std::string_view kFlowControls[] = {"None", "Hardware", "Software"};
 constexpr std::string_view kPaces[] = {"None", "Line"};
 
 /// Calls `visit(name, value, words)` for each option of `options`.
@@ -41,6 +43,8 @@ void ForEachOption(Options& options, Visit&& visit) {
     visit("BreakKey", options.breakKey, Words(kSwitch));
     visit("ReturnFeeds", options.returnFeeds, Words(kSwitch));
     visit("AnswersQueries", options.answersQueries, Words(kSwitch));
+    visit("Encoding", options.encoding, Words(kEncodings));
+    visit("FlowControl", options.flowControl, Words(kFlowControls));
     visit("Reopens", options.reopens, Words(kSwitch));
 }
 

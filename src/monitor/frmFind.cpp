@@ -33,9 +33,9 @@ void frmFind::Form_Unload() {
 void frmFind::Look(bool forward) {
     if (cboText.Text().empty()) return;
     Remember(cboText, mHistory);
-    bool found = false;
-    Search.Raise({cboText.Text(), cboMatchCase.ListIndex() == 1, forward}, found);
-    if (!Gone()) lblResult.Caption(found ? "" : mStrings.Text(Str::NotFound));
+    Str result = Str::None;
+    Search.Raise({cboText.Text(), cboMatchCase.ListIndex() == 1, forward}, result);
+    if (!Gone()) lblResult.Caption(result == Str::None ? "" : mStrings.Text(result));
 }
 
 }  // namespace vantor

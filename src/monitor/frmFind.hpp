@@ -7,6 +7,7 @@
 
 #include "controls/Controls.hpp"
 #include "controls/Form.hpp"
+#include "resources/texts/Str.hpp"
 
 namespace vantor {
 
@@ -23,9 +24,9 @@ public:
         bool matchCase = false;
         bool forward = true;
     };
-    /// The user asks for the next or the previous occurrence of a text, which is not empty.
-    /// The handler sets `found`.
-    Event<const Request&, bool&> Search{[this] { return weak_from_this().lock(); }};
+    /// The user asks for the next or the previous occurrence of a text, which is not empty. The
+    /// handler sets the text that tells the result; None shows nothing.
+    Event<const Request&, Str&> Search{[this] { return weak_from_this().lock(); }};
     /// The box has closed.
     Event<> Closed{[this] { return weak_from_this().lock(); }};
 

@@ -9,6 +9,7 @@
 #include "app/base/modSupport.hpp"
 #include "monitor/frmPortSettings.hpp"
 #include "monitor/frmSend.hpp"
+#include "monitor/frmSendBytes.hpp"
 #include "monitor/frmTerminalSettings.hpp"
 #include "platform/MessageBoxes.hpp"
 #include "platform/StringTable.hpp"
@@ -161,6 +162,7 @@ void frmMonitor::Form_Unload() {
         mobjFormPos.SaveForm();
         comMonitor.CaptureFile("");
         // Before this window closes: Windows destroys owned windows with their owner.
+        if (mSendBytes) mSendBytes->Unload();
         const std::vector<std::shared_ptr<frmSend>> shown = mProgress;
         for (const std::shared_ptr<frmSend>& progress : shown) progress->Unload();
         if (mOwner.CloseIsWaiting()) mOwner.ResumeClose();
@@ -228,7 +230,11 @@ void frmMonitor::mnuCommClose_Click() {
 void frmMonitor::mnuCommSettings_Click() {
     Trapped("frmMonitor.mnuCommSettings_Click", [this] {
         ShowPortSettings();
-        if (!Gone()) UpdatePort();
+        if (Gone()) return;
+        UpdatePort();
+        TerminalOptions options = mOptions;
+        options.flowControl = comMonitor.Port().flowControl;
+        TakeOptions(options);
     });
 }
 
@@ -253,6 +259,7 @@ void frmMonitor::TellPortTrouble() {
 /// The commands from ViewText to TerminalSettings.
 void frmMonitor::PerformOnTerminal(TerminalCommand command) {
     using enum TerminalCommand;
+    if (command == SendBytes) return ShowSendBytes();
     if (command == TerminalSettings) return ShowTerminalSettings();
     TerminalOptions options = mOptions;
     if (ChooseOption(command, options, DesignedPoints())) TakeOptions(options);
@@ -266,6 +273,7 @@ int frmMonitor::DesignedPoints() const {
 }
 
 void frmMonitor::TakeOptions(const TerminalOptions& options) {
+    if (options == mOptions) return;
     const TerminalOptions before = std::exchange(mOptions, options);
     comMonitor.Options(mOptions);
     mOptionsStore.Save(before, mOptions);
@@ -279,6 +287,17 @@ void frmMonitor::ShowTerminalSettings() {
     dialog->Show(ShowMode::Modal, this);
     dialog->Unload();
     if (dialog->Chosen() && !Gone()) TakeOptions(*dialog->Chosen());
+}
+
+void frmMonitor::ShowSendBytes() {
+    if (!mSendBytes) {
+        mSendBytes =
+            std::make_shared<frmSendBytes>(Manager(), mPlatform, comMonitor, mBytesHistory);
+        mSendBytes->Closed.Connect([this] { mSendBytes.reset(); });
+        mSendBytes->Load();
+        mSendBytes->CenterOn(*this);
+    }
+    mSendBytes->Show(ShowMode::Modeless, this);
 }
 
 void frmMonitor::mnuFileExit_Click() {

@@ -19,6 +19,7 @@ namespace vantor {
 class CAppSettings;
 class CDelay;
 class frmSend;
+class frmSendBytes;
 
 /// What the monitor window needs from the main window.
 class MonitorOwner {
@@ -90,6 +91,7 @@ private:
     int DesignedPoints() const;
     void TakeOptions(const TerminalOptions& options);
     void ShowTerminalSettings();
+    void ShowSendBytes();
     enum class FileUse : std::uint8_t { Capture, Send, Scrollback };
     static Str TitleOf(FileUse use);
     std::string AskForFile(FileUse use);
@@ -107,6 +109,8 @@ private:
     TerminalOptions mOptions;
     const CAppSettings* mobjSettings = nullptr;
     std::vector<std::shared_ptr<frmSend>> mProgress;  // of the running transmissions
+    std::shared_ptr<frmSendBytes> mSendBytes;         // while it is open
+    std::vector<std::string> mBytesHistory;           // the last one first
     bool mblnPortOpen = false;                        // as shown in the status bar
 };
 

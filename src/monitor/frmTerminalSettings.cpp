@@ -35,6 +35,8 @@ void frmTerminalSettings::ForEachList(Visit&& visit) {
     visit(cboLocalEcho, mOptions.localEcho, Texts{OptionOff, OptionOn});
     visit(cboPastePace, mOptions.pastePace, Texts{PasteAtOnce, PasteByLine});
     visit(cboLongPaste, mOptions.askBeforeLongPaste, Texts{OptionOff, OptionOn});
+    visit(cboEncoding, mOptions.encoding,
+          Texts{EncodingSystem, EncodingCp437, EncodingCp1252, EncodingLatin1, EncodingUtf8});
     visit(cboReturnFeeds, mOptions.returnFeeds, Texts{OptionOff, OptionOn});
     visit(cboAnswers, mOptions.answersQueries, Texts{OptionOff, OptionOn});
     visit(cboNotation, mOptions.controlNotation, Texts{NotationPictures, NotationNumbers});

@@ -73,10 +73,12 @@ void TerminalControl::Received(std::string_view bytes, std::int64_t timeMs) {
 }
 
 void TerminalControl::Sent(std::string_view bytes) {
+    mScreen.Now(mPlatform.clock.LocalMilliseconds());
     if (LocalEcho) Change([&] { mEcho.Show(bytes); });
 }
 
 void TerminalControl::Notice(const std::string& text) {
+    mScreen.Now(mPlatform.clock.LocalMilliseconds());
     Change([&] { mEcho.ShowLine(text); });
 }
 

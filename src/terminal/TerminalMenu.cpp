@@ -37,7 +37,7 @@ public:
                                             Group(Submenu(Str::TerminalLine, Line())),
                                             Entry(SendBytes, Str::TerminalSendBytes)};
         if (!mState.captureFile.empty()) menu.push_back(Capturing());
-        menu.push_back(Entry(TerminalSettings, Str::TerminalSettingsEntry));
+        menu.push_back(Group(Entry(TerminalSettings, Str::TerminalSettingsEntry)));
         return menu;
     }
 
@@ -111,7 +111,7 @@ private:
         std::string name;
         for (const char c : FileNameOf(mState.captureFile))
             name += c == '&' ? "&&" : std::string(1, c);
-        return Group({.caption = Filled(Str::TerminalCapturing, name)});
+        return {.caption = Filled(Str::TerminalCapturing, name)};
     }
 
     std::string Filled(Str text, const std::string& value) const {
@@ -132,8 +132,9 @@ private:
             case Copy:
                 return mState.selected;
             case Dtr:
-            case Rts:
                 return mState.lines.has_value();
+            case Rts:  // which hardware flow control sets
+                return mState.lines && mState.options.flowControl != FlowControl::Hardware;
             case Close:
             case Paste:
             case SendBreak:

@@ -366,6 +366,15 @@ const std::map<std::string, Scenario::Verb>& Scenario::Verbs() {
                  s.Headless().clock.Sleep(ms);
              });
          }},
+        {"modem",  // the lines that are asserted, of a port that has them
+         [](S& s, W& w) {
+             const auto on = [&w](const char* line) { return std::ranges::count(w, line) > 0; };
+             s.mWire->modem = {on("cts"), on("dsr"), on("dcd"), on("ri")};
+         }},
+        {"errors",  // FRAMING PARITY
+         [](S& s, W& w) {
+             s.mWire->errors = {Number(w.at(1)), Number(w.at(2)), 0};
+         }},
         {"receive", [](S& s, W& w) { s.mWire->sent += w.at(1); }},
         {"unplug", [](S& s, W&) { s.Headless().ports.Unplug("COM1"); }},
         {"busy", [](S& s, W& w) { s.Headless().ports.Hold(w.at(1), true); }},

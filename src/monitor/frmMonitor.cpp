@@ -3,11 +3,14 @@
 #include <algorithm>
 #include <cmath>
 #include <string_view>
+#include <utility>
 
 #include "app/base/LoadResources.hpp"
 #include "app/base/modSupport.hpp"
 #include "monitor/frmPortSettings.hpp"
 #include "monitor/frmSend.hpp"
+#include "monitor/frmSendBytes.hpp"
+#include "monitor/frmTerminalSettings.hpp"
 #include "platform/MessageBoxes.hpp"
 #include "platform/StringTable.hpp"
 #include "resources/Designs.hpp"
@@ -45,7 +48,8 @@ frmMonitor::frmMonitor(WindowManager& manager, Platform& platform, MonitorOwner&
       comMonitor(*this, "comMonitor", platform),
       mPlatform(platform),
       mOwner(owner),
-      mobjFormPos(platform.registry, platform.codePage) {
+      mobjFormPos(platform.registry, platform.codePage),
+      mOptionsStore(platform.registry, platform.codePage) {
     comMonitor.Command.Connect(
         [this](TerminalCommand command, bool& handled) { comMonitor_Command(command, handled); });
     mnuFileExit.Click.Connect([this] { mnuFileExit_Click(); });
@@ -65,9 +69,9 @@ std::string frmMonitor::Text(Str text) const {
 
 void frmMonitor::Form_Load() {
     Trapped("frmMonitor.Form_Load", [this] {
-        RestorePosition();
-        LoadResources(*this, mPlatform.strings);
         ConfigureTerminal();
+        RestorePosition();  // the first size depends on the font size
+        LoadResources(*this, mPlatform.strings);
         UpdateStatus();
         UpdatePort();
         UpdateSettings();
@@ -76,7 +80,10 @@ void frmMonitor::Form_Load() {
 
 void frmMonitor::RestorePosition() {
     mobjFormPos.Form = this;
-    if (!mobjFormPos.RestoreForm(false)) mobjFormPos.CenterForm();
+    if (!mobjFormPos.RestoreForm(false)) {
+        FitTerminal();
+        mobjFormPos.CenterForm();
+    }
     const Size screen = Manager().GetPeers().ScreenSize();
     while (CoversAnother()) {
         vantor::Place place = Place();
@@ -86,6 +93,21 @@ void frmMonitor::RestorePosition() {
             return;
         Place(place);
     }
+}
+
+/// Makes room for exactly 80 x 24 cells: full-screen programs of the far end expect them.
+void frmMonitor::FitTerminal() {
+    constexpr int kColumns = 80;
+    constexpr int kRows = 24;
+    const Size wanted = comMonitor.SizeFor(kColumns, kRows);
+    if (wanted == Size{}) return;
+    vantor::Place place = Place();
+    place.width += wanted.width - InnerSize().width;
+    place.height += wanted.height + sbStatusBar.Place().height - InnerSize().height;
+    const vantor::Place area = Manager().GetPeers().WorkArea(place);
+    place.width = std::min(place.width, area.width);
+    place.height = std::min(place.height, area.height);
+    Place(place);
 }
 
 /// True when another monitor window would be hidden behind this one.
@@ -105,6 +127,8 @@ void frmMonitor::ConfigureTerminal() {
     comMonitor.LocalEcho = false;
     for (const TerminalCommand command : {Copy, SelectAll, Paste, Settings, Clear, Reset})
         comMonitor.OfferAlways(command);
+    mOptions = mOptionsStore.Load();
+    comMonitor.Options(mOptions);
 }
 
 void frmMonitor::Initialize(const CAppSettings& settings) {
@@ -138,6 +162,7 @@ void frmMonitor::Form_Unload() {
         mobjFormPos.SaveForm();
         comMonitor.CaptureFile("");
         // Before this window closes: Windows destroys owned windows with their owner.
+        if (mSendBytes) mSendBytes->Unload();
         const std::vector<std::shared_ptr<frmSend>> shown = mProgress;
         for (const std::shared_ptr<frmSend>& progress : shown) progress->Unload();
         if (mOwner.CloseIsWaiting()) mOwner.ResumeClose();
@@ -170,7 +195,9 @@ void frmMonitor::UpdateSettings() {
 void frmMonitor::comMonitor_Command(TerminalCommand command, bool& handled) {
     Trapped("frmMonitor.comMonitor_Command", [&] {
         using enum TerminalCommand;
-        handled = command == Open || command == Close || command == Settings;
+        const bool ofTheTerminal = command >= ViewText && command <= TerminalSettings;
+        handled = ofTheTerminal || command == Open || command == Close || command == Settings;
+        if (ofTheTerminal) return PerformOnTerminal(command);
         if (command == Open) mnuCommOpen_Click();
         if (command == Close) mnuCommClose_Click();
         if (command == Settings) mnuCommSettings_Click();
@@ -203,7 +230,11 @@ void frmMonitor::mnuCommClose_Click() {
 void frmMonitor::mnuCommSettings_Click() {
     Trapped("frmMonitor.mnuCommSettings_Click", [this] {
         ShowPortSettings();
-        if (!Gone()) UpdatePort();
+        if (Gone()) return;
+        UpdatePort();
+        TerminalOptions options = mOptions;
+        options.flowControl = comMonitor.Port().flowControl;
+        TakeOptions(options);
     });
 }
 
@@ -223,6 +254,52 @@ void frmMonitor::TellPortTrouble() {
                           .owner = WindowHandle()});
 }
 
+// --- options and boxes of the terminal -------------------------------------------------------
+
+/// The commands from ViewText to TerminalSettings.
+void frmMonitor::PerformOnTerminal(TerminalCommand command) {
+    using enum TerminalCommand;
+    if (command == SendBytes) return ShowSendBytes();
+    if (command == TerminalSettings) return ShowTerminalSettings();
+    TerminalOptions options = mOptions;
+    if (ChooseOption(command, options, DesignedPoints())) TakeOptions(options);
+}
+
+/// The font size of the terminal in this window's design.
+int frmMonitor::DesignedPoints() const {
+    const auto row =
+        std::ranges::find(Design().controls, ControlKind::Terminal, &ControlDesign::kind);
+    return static_cast<int>(row->style.points);
+}
+
+void frmMonitor::TakeOptions(const TerminalOptions& options) {
+    if (options == mOptions) return;
+    const TerminalOptions before = std::exchange(mOptions, options);
+    comMonitor.Options(mOptions);
+    mOptionsStore.Save(before, mOptions);
+}
+
+void frmMonitor::ShowTerminalSettings() {
+    const auto dialog =
+        std::make_shared<frmTerminalSettings>(Manager(), mPlatform.strings, mOptions);
+    dialog->Load();
+    dialog->CenterOn(*this);
+    dialog->Show(ShowMode::Modal, this);
+    dialog->Unload();
+    if (dialog->Chosen() && !Gone()) TakeOptions(*dialog->Chosen());
+}
+
+void frmMonitor::ShowSendBytes() {
+    if (!mSendBytes) {
+        mSendBytes =
+            std::make_shared<frmSendBytes>(Manager(), mPlatform, comMonitor, mBytesHistory);
+        mSendBytes->Closed.Connect([this] { mSendBytes.reset(); });
+        mSendBytes->Load();
+        mSendBytes->CenterOn(*this);
+    }
+    mSendBytes->Show(ShowMode::Modeless, this);
+}
+
 void frmMonitor::mnuFileExit_Click() {
     Trapped("frmMonitor.mnuFileExit_Click", [this] {
         if (mblnPortOpen) mnuCommClose_Click();
@@ -232,10 +309,15 @@ void frmMonitor::mnuFileExit_Click() {
 
 // --- capture ---------------------------------------------------------------------------------
 
+Str frmMonitor::TitleOf(FileUse use) {
+    if (use == FileUse::Send) return Str::SendFileTitle;
+    return use == FileUse::Capture ? Str::CaptureFileTitle : Str::SaveScrollbackTitle;
+}
+
 /// The file confirmed by the user; empty on cancel, and when the window was closed meanwhile.
 std::string frmMonitor::AskForFile(FileUse use) {
     CFileDialog dialog(mPlatform.dialogs);
-    dialog.DialogTitle = Text(use == FileUse::Capture ? Str::CaptureFileTitle : Str::SendFileTitle);
+    dialog.DialogTitle = Text(TitleOf(use));
     dialog.DefaultExt = ".txt";
     dialog.Flags = kFileDialogFlags;
     dialog.Filter = Text(Str::TextFiles) + " (*.txt)|*.txt|" + Text(Str::AllFiles) + " (*.*)|*.*";
@@ -327,7 +409,7 @@ bool frmMonitor::SendLines(const std::string& text, frmSend& progress) {
         if (Gone()) return false;
         sent = !MustStop(progress);
         if (sent) continue;
-        comMonitor.Port().DropPendingLines();
+        comMonitor.DropPendingLines();
         break;
     }
     comMonitor.FollowOutput(false);
@@ -337,8 +419,7 @@ bool frmMonitor::SendLines(const std::string& text, frmSend& progress) {
 
 /// Keeps the progress in step with a slow line. Cancel could not stop lines already queued.
 void frmMonitor::AwaitDriver(CDelay& delay, const frmSend& progress) {
-    while (!Gone() && !comMonitor.Port().FlushPending() && !MustStop(progress))
-        delay.Delay(kDriverPollMs);
+    while (!Gone() && !comMonitor.FlushPending() && !MustStop(progress)) delay.Delay(kDriverPollMs);
 }
 
 /// An update started during a send runs nested inside it and is not delayed by it. If the send

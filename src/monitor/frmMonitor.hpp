@@ -9,6 +9,7 @@
 #include "app/base/CFormPos.hpp"
 #include "controls/Controls.hpp"
 #include "controls/Form.hpp"
+#include "monitor/TerminalOptionsStore.hpp"
 #include "platform/Platform.hpp"
 #include "resources/texts/Str.hpp"
 #include "terminal/TerminalControl.hpp"
@@ -18,6 +19,7 @@ namespace vantor {
 class CAppSettings;
 class CDelay;
 class frmSend;
+class frmSendBytes;
 
 /// What the monitor window needs from the main window.
 class MonitorOwner {
@@ -72,6 +74,7 @@ protected:
 
 private:
     void RestorePosition();
+    void FitTerminal();
     bool CoversAnother() const;
     void ConfigureTerminal();
     void comMonitor_Command(TerminalCommand command, bool& handled);
@@ -84,7 +87,13 @@ private:
     void mnuCaptureSend_Click();
     void ShowPortSettings();
     void TellPortTrouble();
-    enum class FileUse : std::uint8_t { Capture, Send };
+    void PerformOnTerminal(TerminalCommand command);
+    int DesignedPoints() const;
+    void TakeOptions(const TerminalOptions& options);
+    void ShowTerminalSettings();
+    void ShowSendBytes();
+    enum class FileUse : std::uint8_t { Capture, Send, Scrollback };
+    static Str TitleOf(FileUse use);
     std::string AskForFile(FileUse use);
     std::string GetFile(const std::string& fileName);
     bool SendLines(const std::string& text, frmSend& progress);
@@ -96,8 +105,12 @@ private:
     Platform& mPlatform;
     MonitorOwner& mOwner;
     CFormPos mobjFormPos;
+    TerminalOptionsStore mOptionsStore;
+    TerminalOptions mOptions;
     const CAppSettings* mobjSettings = nullptr;
     std::vector<std::shared_ptr<frmSend>> mProgress;  // of the running transmissions
+    std::shared_ptr<frmSendBytes> mSendBytes;         // while it is open
+    std::vector<std::string> mBytesHistory;           // the last one first
     bool mblnPortOpen = false;                        // as shown in the status bar
 };
 

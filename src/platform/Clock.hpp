@@ -30,6 +30,10 @@ public:
     /// The local date and time of day.
     virtual DateTime Now() const = 0;
 
+    /// The same time in milliseconds since the local midnight at the start of 1 January 1970. It
+    /// jumps when the clock is set and when daylight saving time begins or ends.
+    virtual std::int64_t LocalMilliseconds() const = 0;
+
     /// The clock as the 32-bit signed number that intervals are computed with. It turns negative
     /// 24.8 days after system start; interval arithmetic checks for that overflow.
     std::int32_t Ticks() const { return static_cast<std::int32_t>(Milliseconds()); }

@@ -2,14 +2,18 @@
 #include <algorithm>
 #include <array>
 #include <functional>
+#include <initializer_list>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <span>
 #include <sstream>
+#include <string_view>
 #include <utility>
 
 #include "controls/Form.hpp"
+#include "support/text/Unicode.hpp"
 #include "terminal/TerminalControl.hpp"
 #include "tests/Words.hpp"
 #include "tests/faults/ReportingPlatform.hpp"
@@ -47,13 +51,18 @@ struct Window : Form {
 
 /// The looks of `cell` as the parameters that set them; "0" for none.
 std::string LooksOf(const Cell& cell) {
-    constexpr std::array kCodes = {1, 4, 5, 7, 8};  // in the order of the flags
+    constexpr std::array kCodes = {1, 4, 5, 7, 8, 2, 3, 9};  // in the order of the flags
     std::string codes;
     for (std::size_t bit = 0; bit < kCodes.size(); ++bit)
         if (cell.flags >> bit & 1) codes += ";" + to_string(kCodes[bit]);
-    for (const auto& [colour, base] : {std::pair{cell.foreground, 30}, {cell.background, 40}})
-        if (colour != kDefaultColour)
+    for (const auto& [number, base] :
+         {std::pair<std::uint32_t, int>{cell.foreground, 30}, {cell.background, 40}}) {
+        const int colour = static_cast<int>(number);
+        if (colour >= 16 && number != kDefaultColour)
+            codes += ";" + to_string(base + 8) + ";5;" + to_string(colour);
+        else if (number != kDefaultColour)
             codes += ";" + to_string(base + colour + (colour < 8 ? 0 : 52));
+    }
     return codes.empty() ? "0" : codes.substr(1);
 }
 
@@ -65,9 +74,9 @@ std::string TextOf(const TerminalScreen& screen) {
     for (std::int64_t line = first; line < screen.EndLine(); ++line) {
         if (line == screen.TopLine() && line > screen.FirstLine()) text += '^';
         std::string characters;
-        for (const Cell& cell : screen.Line(line)) characters += cell.character;
+        for (const Cell& cell : screen.Line(line)) AppendUtf8(characters, cell.character);
         characters.resize(characters.find_last_not_of(' ') + 1);
-        const std::string quoted = Quoted(characters, Quoting::Bytes);
+        const std::string quoted = Quoted(characters);
         text += quoted.substr(1, quoted.size() - 2) + (screen.Continues(line) ? '~' : '|');
     }
     for (const std::int64_t none : {screen.FirstLine() - 1, screen.EndLine()})
@@ -105,6 +114,12 @@ struct Subject {
         }
     }
 
+    /// What is received next arrives at the same time as the last.
+    void StopTime() {
+        platform.clock.Set(platform.clock.Milliseconds() - 1);
+        --platform.pump.pumps;
+    }
+
     void Receive(std::string bytes) {
         wire.sent = std::move(bytes);
         Pump();
@@ -125,13 +140,18 @@ struct Subject {
         now["clipboard"] = Quoted(platform.clipboard.Text());
         events["sent"] = Quoted(std::exchange(wire.received, {}), Quoting::Bytes);
         events["beeps"] = to_string(std::exchange(platform.boxes.beeps, 0));
+        events["line"] = std::exchange(wire.signals, {});
         for (const std::string& box : Told(platform)) events["box"] += Quoted(box);
+        for (const MessageBoxRequest& box : platform.boxes.shown)
+            if (box.icon == BoxIcon::Question)
+                events["question"] = Quoted(box.text) + (box.declinesByDefault ? " No" : " Yes");
         platform.boxes.shown.clear();
         std::string text;
         for (const auto& [kind, value] : now)
             if (value != before[kind]) text += "    " + kind + " " + value + "\n";
         for (const auto& [kind, value] : std::exchange(events, {}))
-            if (value != "\"\"" && value != "0") text += "    " + kind + " " + value + "\n";
+            if (value != "\"\"" && value != "0" && !value.empty())
+                text += "    " + kind + " " + value + "\n";
         before = std::move(now);
         return text;
     }
@@ -142,7 +162,9 @@ struct Subject {
         now["selected"] = com.Selection().Empty() ? "nothing" : Quoted(com.SelectedText());
         now["looks"] = "0";
         now["capture"] = Quoted(com.CaptureFile());
-        const bool newest = com.FirstShownLine() == screen.TopLine();
+        now["pasting"] = com.Pasting() ? "yes" : "no";
+        now["asserted"] = std::string(com.Dtr() ? " DTR" : "") + (com.Rts() ? " RTS" : "");
+        const bool newest = com.FirstShownLine() == com.View().TopLine();
         now["view"] = newest ? "newest" : "from " + to_string(com.FirstShownLine());
         for (int row = 0; row < screen.Rows(); ++row) {
             const std::span<const Cell> cells = screen.Line(screen.TopLine() + row);
@@ -152,7 +174,8 @@ struct Subject {
                 const Cell cell = column < cells.size() ? cells[column] : Cell{};
                 if (LooksOf(cell) != std::exchange(looks, LooksOf(cell)))
                     now["looks"] += " " + to_string(row) + "," + to_string(column) + ":" + looks;
-                picture += cell.character + looks;
+                AppendUtf8(picture, cell.character);
+                picture += looks;
             }
             if (screen.Cursor().row == row && screen.modes.cursorVisible)
                 picture += to_string(screen.Cursor().column);
@@ -161,7 +184,31 @@ struct Subject {
             if (paints && screen.Dirty(row)) events["redrawn"] += to_string(row);
         }
         if (screen.AnyDirty() && !std::exchange(told, false)) events["VIEW"] = "not told";
-        screen.Clean();
+        if (shows) now["window"] = LookAtWindow();
+        com.View().Clean();
+    }
+
+    /// The rows of the window, their marks behind them ("h" a hit, "H" the current one, "s"
+    /// selected), and the cursor.
+    std::string LookAtWindow() {
+        const TerminalViewport& view = com.View();
+        const std::optional<ScreenCursor> cursor = view.Cursor();
+        std::string text = cursor ? to_string(cursor->row) + "," + to_string(cursor->column) : "-";
+        for (int row = 0; row < view.Rows(); ++row) {
+            const auto [cells, marks] = view.Row(row);
+            std::string picture;
+            for (const Cell& cell : cells) AppendUtf8(picture, cell.character);
+            picture.resize(picture.find_last_not_of(' ') + 1);
+            std::string marked;
+            for (const Mark mark : marks) marked += ".hHs"[static_cast<int>(mark)];
+            picture += "|" + marked.substr(0, marked.find_last_not_of('.') + 1);
+            text += "\n        " + picture;
+            if (cursor && cursor->row == row) picture += to_string(cursor->column);
+            const bool same = picture == std::exchange(windowRows[row], picture);
+            if (!same && !view.Dirty(row) && !events.contains("repaint"))
+                events["WINDOW NOT REDRAWN"] += to_string(row);
+        }
+        return text;
     }
 
     Wire wire;  // outlives the window
@@ -173,7 +220,10 @@ struct Subject {
     Notes before;  // the last stated state
     Notes events;
     std::map<int, std::string> pictures;  // of the rows as last seen
+    std::map<int, std::string> windowRows;
+    TerminalOptions options;
     std::function<void()> onCommand;
+    bool shows = false;
     bool handles = false;
     bool told = false;
     bool paints = false;
@@ -183,6 +233,49 @@ void Perform(Subject& subject, const Words& words);
 
 int Number(const Words& words, std::size_t at = 1) {
     return std::stoi(words.at(at));
+}
+
+/// Sets an option of `choose` to a number.
+using Choice = void (*)(TerminalOptions&, int);
+const std::map<std::string, Choice> kChoices = {
+    {"answers", [](auto& o, int n) { o.answersQueries = n != 0; }},
+    {"asks", [](auto& o, int n) { o.askBeforeLongPaste = n != 0; }},
+    {"echo", [](auto& o, int n) { o.localEcho = n != 0; }},
+    {"encoding", [](auto& o, int n) { o.encoding = LineEncoding(n); }},
+    {"enter", [](auto& o, int n) { o.enterKey = EnterKey(n); }},
+    {"flow", [](auto& o, int n) { o.flowControl = FlowControl(n); }},
+    {"pace", [](auto& o, int n) { o.pastePace = PastePace(n); }},
+    {"reopens", [](auto& o, int n) { o.reopens = n != 0; }},
+    {"returnfeeds", [](auto& o, int n) { o.returnFeeds = n != 0; }},
+    {"stamps", [](auto& o, int n) { o.timeStamps = TimeStamps(n); }},
+    {"capturestamps", [](auto& o, int n) { o.captureTimeStamps = n != 0; }},
+};
+
+bool Says(const Words& words, std::string_view word) {
+    return std::ranges::find(words, word) != words.end();
+}
+
+/// The index of the word that `words` contain.
+template <typename Choice>
+Choice OneOf(const Words& words, std::initializer_list<std::string_view> choices) {
+    int index = 0;
+    while (!Says(words, choices.begin()[index])) ++index;
+    return static_cast<Choice>(index);
+}
+
+void Press(Subject& subject, const Words& words) {
+    const SelectBy by = Says(words, "word")   ? SelectBy::Word
+                        : Says(words, "line") ? SelectBy::Line
+                                              : SelectBy::Character;
+    subject.com.BeginSelecting({Number(words), Number(words, 2), Says(words, "right")}, by,
+                               Says(words, "rectangle"));
+}
+
+void Find(Subject& subject, const Words& words) {
+    const Found found = subject.com.Find(
+        words.at(1), {.matchCase = Says(words, "case"), .backwards = Says(words, "backwards")});
+    constexpr std::array kFound = {"nothing", "hit", "hit after wrapping"};
+    subject.events["found"] = kFound.at(static_cast<std::size_t>(found));
 }
 
 using Verb = void (*)(Subject&, const Words&);
@@ -204,6 +297,18 @@ const std::map<std::string, Verb> kVerbs = {
     {"type", [](auto& s, auto& w) { s.com.Type(w.at(1)); }},
     {"output", [](auto& s, auto& w) { s.com.Output(w.at(1)); }},
     {"echo", [](auto& s, auto&) { s.com.LocalEcho = true; }},
+    {"choose",
+     [](auto& s, auto& w) {
+         TerminalOptions options = s.com.Options();
+         kChoices.at(w.at(1))(options, Number(w, 2));
+         s.com.Options(options);
+     }},
+    {"bytes", [](auto& s, auto& w) { s.com.SendBytes(w.at(1)); }},
+    {"break", [](auto& s, auto&) { s.com.SendBreak(); }},
+    {"dtr", [](auto& s, auto& w) { s.com.Dtr(w.at(1) == "on"); }},
+    {"rts", [](auto& s, auto& w) { s.com.Rts(w.at(1) == "on"); }},
+    {"cancel", [](auto& s, auto&) { s.com.DropPendingLines(); }},
+    {"declines", [](auto& s, auto&) { s.platform.boxes.answers = {BoxAnswer::No}; }},
     {"endless", [](auto& s, auto&) { s.com.EndLines = false; }},
     {"returnfeeds", [](auto& s, auto&) { s.com.Screen().modes.returnFeeds = true; }},
     {"clipboard", [](auto& s, auto& w) { s.platform.clipboard.Text(w.at(1)); }},
@@ -222,10 +327,10 @@ const std::map<std::string, Verb> kVerbs = {
      }},
     {"menu",
      [](auto& s, auto&) {
-         for (const auto& [command, caption, enabled, startsGroup] : s.com.ContextMenu())
-             s.events["menu"] += (startsGroup ? " -- " : " ") +
-                                 to_string(static_cast<int>(command)) + " " + caption +
-                                 (enabled ? ";" : " (grey);");
+         for (const OfferedCommand& entry : s.com.ContextMenu())
+             s.events["menu"] += (entry.startsGroup ? " -- " : " ") +
+                                 to_string(static_cast<int>(entry.command)) + " " + entry.caption +
+                                 (entry.enabled ? ";" : " (grey);");
      }},
     {"owner",  // performs or leaves commands, after an ACTION
      [](auto& s, auto& w) {
@@ -248,6 +353,41 @@ const std::map<std::string, Verb> kVerbs = {
          s.events["file"] =
              to_string(bytes.size()) + " bytes " + Quoted(bytes.substr(0, 60), Quoting::Bytes);
      }},
+    {"shows",
+     [](auto& s, auto&) {
+         s.shows = true;
+         s.events["repaint"] = "all";  // the first picture
+     }},
+    {"view",
+     [](auto& s, auto& w) {
+         s.options.view = OneOf<ViewMode>(w, {"text", "controls", "hex"});
+         s.options.controlNotation =
+             Says(w, "numbers") ? ControlNotation::Numbers : ControlNotation::Pictures;
+         s.com.ChooseView(s.options);
+     }},
+    {"stamps",
+     [](auto& s, auto& w) {
+         s.options.timeStamps = OneOf<TimeStamps>(w, {"off", "time", "since"});
+         s.com.ChooseView(s.options);
+     }},
+    {"step",
+     [](auto& s, auto& w) {
+         s.com.Scroll(OneOf<ScrollStep>(w, {"up", "down", "pageup", "pagedown", "start", "end"}));
+     }},
+    {"wheel", [](auto& s, auto& w) { s.com.Wheel(Number(w), Number(w, 2)); }},
+    {"press", Press},
+    {"drag",
+     [](auto& s, auto& w) {
+         s.com.ExtendSelection({Number(w), Number(w, 2), Says(w, "right")});
+     }},
+    {"unselect", [](auto& s, auto&) { s.com.Unselect(); }},
+    {"find", Find},
+    {"endfind", [](auto& s, auto&) { s.com.EndFind(); }},
+    {"save",
+     [](auto& s, auto& w) {
+         s.events["error"] = to_string(Raised([&] { s.com.SaveScrollback(w.at(1)); }).Number());
+     }},
+    {"forget", [](auto& s, auto&) { s.com.ClearScrollback(); }},
     {"box",  // during which ACTION takes place
      [](auto& s, auto& w) {
          s.platform.boxes.whileOpen = [&s, w](const MessageBoxRequest&) {
@@ -277,7 +417,10 @@ std::string RunTerminal(const std::string& script, bool inPieces) {
             words.insert(words.begin(), "+");
         }
         if (words.at(0) == "+" && inPieces && !words.at(1).empty())
-            for (const char byte : words[1]) subject->Receive({byte});
+            for (std::size_t i = 0; i < words[1].size(); ++i) {
+                if (i > 0) subject->StopTime();
+                subject->Receive({words[1][i]});
+            }
         else
             Perform(*subject, words);
         result += subject->Changes();

@@ -120,6 +120,9 @@ struct RecordedPeer : Recorded<FormPeer, std::unique_ptr<FormPeer>> {
                   const std::string& text) const override {
         return mInner->TextSize(control, face, text);
     }
+    Size TerminalSize(const Control& control, int columns, int rows) const override {
+        return mInner->TerminalSize(control, columns, rows);
+    }
     NativeWindow WindowHandle() const override { return mInner->WindowHandle(); }
 
     Form& mForm;
@@ -477,6 +480,7 @@ std::string StyleOf(const ControlStyle& style) {
           std::pair(style.verbatim, "verbatim"), std::pair(style.defaultButton, "default button"),
           std::pair(style.cancelButton, "cancel button"),
           std::pair(style.holdsFocus, "holds the focus"), std::pair(style.clickable, "clickable"),
+          std::pair(style.editable, "editable"),
           std::pair(style.ground == Ground::Banner, "banner"),
           std::pair(style.ground == Ground::CaptionBar, "caption bar")})
         if (holds) text += std::string(", ") + name;

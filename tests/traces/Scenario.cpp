@@ -183,6 +183,16 @@ private:
         throw std::runtime_error("no window " + name);
     }
 
+    void NoteMenu(const std::vector<OfferedCommand>& menu, const std::string& indent) {
+        for (const OfferedCommand& entry : menu) {
+            const int number = static_cast<int>(entry.command);
+            mRecorder->Note(indent + (entry.startsGroup ? "-- " : "") +
+                            (number == 0 ? "" : std::to_string(number) + " ") + entry.caption +
+                            (entry.checked ? ", checked" : "") + (entry.enabled ? "" : ", grey"));
+            NoteMenu(entry.children, indent + "    ");
+        }
+    }
+
     void Connect() {
         Headless().ports.Plug("COM1", mWire ? static_cast<FarEnd&>(*mWire) : *mFarEnd);
     }
@@ -265,6 +275,11 @@ const std::map<std::string, Scenario::Verb>& Scenario::Verbs() {
          [](S& s, W&) { s.Headless().folders.home.clear(); }},
         {"another",  // instance of the program runs
          [](S& s, W&) { s.Headless().process.running = "Tessmar Vantor Update"; }},
+        {"cells",  // of a terminal are so large
+         [](S& s, W& w) {
+             s.Headless().peers.terminalCell = {static_cast<float>(Number(w.at(1))),
+                                                static_cast<float>(Number(w.at(2)))};
+         }},
         {"slow",  // driver: it accepts so many bytes a write
          [](S& s, W& w) { s.Headless().ports.LimitWrites(Number(w.at(1))); }},
         {"ports",  // beside COM1
@@ -314,6 +329,11 @@ const std::map<std::string, Scenario::Verb>& Scenario::Verbs() {
              auto& combo = s.Find<ComboBox>(w.at(1));
              combo.Choose(FindStringComboBox(combo, w.at(2)));
          }},
+        {"enters", [](S& s, W& w) { s.Find<ComboBox>(w.at(1)).Text(w.at(2)); }},
+        {"offers",  // the terminal's context menu
+         [](S& s, W&) {
+             s.NoteMenu(s.Find<TerminalControl>("comMonitor").ContextMenu(), "menu ");
+         }},
         {"selects",
          [](S& s, W& w) {
              auto& tree = s.Find<TreeView>(w.at(1));
@@ -359,6 +379,15 @@ const std::map<std::string, Scenario::Verb>& Scenario::Verbs() {
                  s.Headless().pump.RemoveSource(*source);
                  s.Headless().clock.Sleep(ms);
              });
+         }},
+        {"modem",  // the lines that are asserted, of a port that has them
+         [](S& s, W& w) {
+             const auto on = [&w](const char* line) { return std::ranges::count(w, line) > 0; };
+             s.mWire->modem = {on("cts"), on("dsr"), on("dcd"), on("ri")};
+         }},
+        {"errors",  // FRAMING PARITY
+         [](S& s, W& w) {
+             s.mWire->errors = {Number(w.at(1)), Number(w.at(2)), 0};
          }},
         {"receive", [](S& s, W& w) { s.mWire->sent += w.at(1); }},
         {"unplug", [](S& s, W&) { s.Headless().ports.Unplug("COM1"); }},

@@ -38,9 +38,12 @@ public:
     std::uint32_t Milliseconds() const override { return mNow; }
     void Sleep(std::uint32_t ms) override { mNow += ms; }
     DateTime Now() const override { return {2026, 11, 24, 21, 18, 5}; }
+    std::int64_t LocalMilliseconds() const override { return kStartMs + mNow; }
     void Set(std::uint32_t ms) { mNow = ms; }
 
 private:
+    static constexpr std::int64_t kStartMs = 1'795'555'084'000;  // a second before that `Now`
+
     std::uint32_t mNow = 1000;
 };
 
@@ -127,8 +130,9 @@ public:
     std::vector<ThinLine> lines;  ///< drawn on forms
     std::string held;             ///< reason that blocks shutdown; empty when none does
     MousePointer pointer = MousePointer::Default;
-    std::vector<std::string> open;  ///< names of the forms that have a peer now
-    bool refuse = false;            ///< windows cannot be created
+    std::vector<std::string> open;   ///< names of the forms that have a peer now
+    bool refuse = false;             ///< windows cannot be created
+    Size terminalCell = {120, 270};  ///< of a terminal's font
     /// Called on every change of a control's property.
     std::function<void(const Control&, Property)> onChange;
 

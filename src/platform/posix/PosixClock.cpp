@@ -33,6 +33,15 @@ public:
         return {local.tm_year + 1900, local.tm_mon + 1, local.tm_mday,
                 local.tm_hour,        local.tm_min,     local.tm_sec};
     }
+
+    std::int64_t LocalMilliseconds() const override {
+        timespec now{};
+        clock_gettime(CLOCK_REALTIME, &now);
+        tm local{};
+        const bool known = localtime_r(&now.tv_sec, &local) != nullptr;
+        return (std::int64_t{now.tv_sec} + (known ? local.tm_gmtoff : 0)) * 1000 +
+               now.tv_nsec / 1000000;
+    }
 };
 
 }  // namespace

@@ -8,6 +8,9 @@ namespace vantor {
 namespace {
 
 constexpr UINT kStepMs = 1;
+// A FILETIME counts 100 ns since 1 January 1601.
+constexpr std::int64_t kTicksPerMs = 10'000;
+constexpr std::int64_t kTicksBefore1970 = 116'444'736'000'000'000;
 
 class Win32Clock : public Clock {
 public:
@@ -21,6 +24,15 @@ public:
         SYSTEMTIME now{};
         GetLocalTime(&now);
         return {now.wYear, now.wMonth, now.wDay, now.wHour, now.wMinute, now.wSecond};
+    }
+    std::int64_t LocalMilliseconds() const override {
+        SYSTEMTIME now{};
+        GetLocalTime(&now);
+        FILETIME time{};
+        SystemTimeToFileTime(&now, &time);
+        const std::int64_t ticks =
+            static_cast<std::int64_t>(time.dwHighDateTime) << 32 | time.dwLowDateTime;
+        return (ticks - kTicksBefore1970) / kTicksPerMs;
     }
 };
 

@@ -32,6 +32,14 @@ MENUS = {
     "vt102": (8, "inserting and deleting", []),
 }
 
+DIFFERENCES = {
+    "cursor": ["# tmux differs in the wrapping screens: BS after the last column leaves its cursor",
+               "# in that column."],
+    "screen": ["# tmux differs in the first screen of origin mode: a new region sends its cursor to",
+               "# the home of the screen."],
+    "sets": ['# tmux differs: it has no UK set, and shows "_" in the set of special graphics.'],
+}
+
 
 class Session:
     def __init__(self):
@@ -77,6 +85,6 @@ def record(number, keys):
 subprocess.run([FOLDER.parents[1] / "scripts/install", "reference"], check=True)
 for name, (number, title, keys) in MENUS.items():
     lines = [f"# vttest 2.7, menu {number}: {title}. Recorded by record_vttest.py.",
-             "# Reference: tmux 3.3a.", '""', "size 80 24"]
+             "# Reference: tmux 3.3a.", *DIFFERENCES.get(name, []), '""', "size 80 24"]
     lines += [f'+ "{quoted(step)}"' for step in record(number, keys)]
     (FOLDER / f"vttest-{name}.terminal").write_text("\n".join(lines) + "\n")

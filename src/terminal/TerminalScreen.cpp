@@ -62,11 +62,15 @@ void TerminalScreen::Resize(int columns, int rows) {
     rows = std::clamp(rows, 1, kMostRows);
     if (columns == mColumns && rows == mRows) return;
     if (mAlternate) {
-        const ScreenCursor cursor = mCursor;
+        ScreenCursor cursor = mCursor;
         SwapScreens();
         mCursor.row = std::min(mSaved[0].cursor.row, mRows - 1);
         ResizeMain(columns, rows);
         mSaved[0].cursor.row = mCursor.row;
+        // Without history, lines above the cursor go first where it would leave the screen.
+        const int lost = std::max(0, cursor.row + 1 - rows);
+        std::rotate(mOther.begin(), mOther.begin() + lost, mOther.end());
+        cursor.row -= lost;
         for (std::size_t row = Number(rows); row < mOther.size(); ++row)
             mLines.Release(mOther[row]);
         mOther.resize(Number(rows));

@@ -66,13 +66,21 @@ std::string LooksOf(const Cell& cell) {
     return codes.empty() ? "0" : codes.substr(1);
 }
 
+constexpr const char* kIndent = "\n        ";
+
 /// The characters of each line followed by "|", or by "~" where the text continues in the next.
 /// "^" stands between up to 12 lines of history and the screen; the cursor's row and column follow.
 std::string TextOf(const TerminalScreen& screen) {
-    const std::int64_t first = std::max(screen.FirstLine(), screen.TopLine() - 12);
-    std::string text = screen.FirstLine() == first ? "" : "from line " + to_string(first) + " ";
+    const bool large = screen.Rows() == 24;  // one row a line, without history
+    const std::int64_t first =
+        large ? screen.TopLine() : std::max(screen.FirstLine(), screen.TopLine() - 12);
+    std::string text =
+        screen.FirstLine() == first || large ? "" : "from line " + to_string(first) + " ";
     for (std::int64_t line = first; line < screen.EndLine(); ++line) {
-        if (line == screen.TopLine() && line > screen.FirstLine()) text += '^';
+        if (large)
+            text += kIndent;
+        else if (line == screen.TopLine() && line > screen.FirstLine())
+            text += '^';
         std::string characters;
         for (const Cell& cell : screen.Line(line)) AppendUtf8(characters, cell.character);
         characters.resize(characters.find_last_not_of(' ') + 1);
@@ -81,8 +89,12 @@ std::string TextOf(const TerminalScreen& screen) {
     }
     for (const std::int64_t none : {screen.FirstLine() - 1, screen.EndLine()})
         if (!screen.Line(none).empty() || screen.Continues(none)) text += " and a line beyond ";
-    return text + to_string(screen.Cursor().row) + "," + to_string(screen.Cursor().column) +
-           (screen.modes.cursorVisible ? "" : " hidden");
+    const ScreenModes& modes = screen.modes;
+    return text + (large ? kIndent : "") + to_string(screen.Cursor().row) + "," +
+           to_string(screen.Cursor().column) + (modes.cursorVisible ? "" : " hidden") +
+           (modes.reverseScreen ? " reversed" : "") +
+           (modes.applicationCursorKeys ? " cursor-keys" : "") +
+           (modes.applicationKeypad ? " keypad" : "");
 }
 
 /// A terminal in a window, with its line and its system.
@@ -331,6 +343,39 @@ const std::map<std::string, Verb> kVerbs = {
              s.events["menu"] += (entry.startsGroup ? " -- " : " ") +
                                  to_string(static_cast<int>(entry.command)) + " " + entry.caption +
                                  (entry.enabled ? ";" : " (grey);");
+     }},
+    {"asks",  // received where requests are answered
+     [](auto& s, auto& w) {
+         TerminalParser parser(s.com.Screen());
+         parser.Reply = [&s](std::string_view bytes) {
+             s.events["answer"] += Quoted(bytes, Quoting::Bytes);
+         };
+         parser.Write(w.at(1));
+         s.told = true;
+     }},
+    {"decode",  // as a LineEncoding, byte by byte
+     [](auto& s, auto& w) {
+         TerminalParser parser(s.com.Screen());
+         parser.Encoding({LineEncoding(Number(w)), s.platform.codePage});
+         for (const char byte : w.at(2)) parser.Write({&byte, 1});
+         s.told = true;
+     }},
+    {"encode",
+     [](auto& s, auto& w) {
+         const TextEncoding encoding(LineEncoding(Number(w)), s.platform.codePage);
+         const std::optional<std::string> bytes = encoding.Encode(w.at(2));
+         s.events["bytes"] = bytes ? Quoted(*bytes, Quoting::Bytes)
+                                   : "lacks " + std::string(encoding.FirstMissing(w.at(2)));
+     }},
+    {"time",
+     [](auto& s, auto& w) {
+         s.com.Screen().Now(Number(w));
+         TerminalParser(s.com.Screen()).Write(w.at(2));
+         s.told = true;
+     }},
+    {"arrived",
+     [](auto& s, auto& w) {
+         s.events["time"] = "at " + to_string(s.com.Screen().ArrivedAt(Number(w)));
      }},
     {"owner",  // performs or leaves commands, after an ACTION
      [](auto& s, auto& w) {

@@ -27,6 +27,10 @@ Size Control::TextSize(const std::string& face, const std::string& text) const {
     return mParent.mPeer ? mParent.mPeer->TextSize(*this, face, text) : Size{};
 }
 
+Size Control::TerminalSize(int columns, int rows) const {
+    return mParent.mPeer ? mParent.mPeer->TerminalSize(*this, columns, rows) : Size{};
+}
+
 std::shared_ptr<void> Control::KeepParent() const {
     return mParent.weak_from_this().lock();
 }

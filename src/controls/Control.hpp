@@ -91,6 +91,8 @@ protected:
     /// Size of `text` in the control's font, in the typeface `face` if not empty.
     /// All 0 where nothing is drawn.
     Size TextSize(const std::string& face, const std::string& text) const;
+    /// Outer size of a terminal that shows so many cells. All 0 where nothing is drawn.
+    Size TerminalSize(int columns, int rows) const;
     /// Keeps the form alive while one of its handlers runs; for owners of events.
     std::shared_ptr<void> KeepParent() const;
 

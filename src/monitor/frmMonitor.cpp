@@ -80,7 +80,10 @@ void frmMonitor::Form_Load() {
 
 void frmMonitor::RestorePosition() {
     mobjFormPos.Form = this;
-    if (!mobjFormPos.RestoreForm(false)) mobjFormPos.CenterForm();
+    if (!mobjFormPos.RestoreForm(false)) {
+        FitTerminal();
+        mobjFormPos.CenterForm();
+    }
     const Size screen = Manager().GetPeers().ScreenSize();
     while (CoversAnother()) {
         vantor::Place place = Place();
@@ -90,6 +93,21 @@ void frmMonitor::RestorePosition() {
             return;
         Place(place);
     }
+}
+
+/// Makes room for exactly 80 x 24 cells: full-screen programs of the far end expect them.
+void frmMonitor::FitTerminal() {
+    constexpr int kColumns = 80;
+    constexpr int kRows = 24;
+    const Size wanted = comMonitor.SizeFor(kColumns, kRows);
+    if (wanted == Size{}) return;
+    vantor::Place place = Place();
+    place.width += wanted.width - InnerSize().width;
+    place.height += wanted.height + sbStatusBar.Place().height - InnerSize().height;
+    const vantor::Place area = Manager().GetPeers().WorkArea(place);
+    place.width = std::min(place.width, area.width);
+    place.height = std::min(place.height, area.height);
+    Place(place);
 }
 
 /// True when another monitor window would be hidden behind this one.

@@ -74,6 +74,7 @@ protected:
 
 private:
     void RestorePosition();
+    void FitTerminal();
     bool CoversAnother() const;
     void ConfigureTerminal();
     void comMonitor_Command(TerminalCommand command, bool& handled);

@@ -88,6 +88,9 @@ public:
         return {};
     }
 
+    /// Outer size of a terminal that shows so many cells; all 0 where nothing is drawn.
+    virtual Size TerminalSize(const Control&, int /*columns*/, int /*rows*/) const { return {}; }
+
     /// Position and outer size of the window in its normal state, neither minimised nor maximised;
     /// nothing where nothing is drawn.
     virtual std::optional<Place> NormalPlace() const { return std::nullopt; }

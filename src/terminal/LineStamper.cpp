@@ -5,6 +5,10 @@
 namespace vantor {
 
 std::string LineStamper::Stamped(TimeStamps kind, std::string_view bytes, std::int64_t timeMs) {
+    if (kind == TimeStamps::Off) {
+        if (!bytes.empty()) Pass(bytes.back());
+        return std::string(bytes);
+    }
     std::string text;
     text.reserve(bytes.size());
     for (const char byte : bytes) {
@@ -14,10 +18,14 @@ std::string LineStamper::Stamped(TimeStamps kind, std::string_view bytes, std::i
             mStamped = true;
         }
         text += byte;
-        mAtStart = byte == '\n';
-        mAfterReturn = byte == '\r';
+        Pass(byte);
     }
     return text;
+}
+
+void LineStamper::Pass(char byte) {
+    mAtStart = byte == '\n';
+    mAfterReturn = byte == '\r';
 }
 
 }  // namespace vantor

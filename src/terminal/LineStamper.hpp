@@ -16,10 +16,13 @@ public:
     /// The next byte starts a line, the first one of its text.
     void Restart() { *this = {}; }
 
-    /// `bytes`, which have arrived at `timeMs`, with stamps of `kind`. See StampText.
+    /// `bytes`, which have arrived at `timeMs`, with stamps of `kind`, which may change within a
+    /// text. See StampText.
     std::string Stamped(TimeStamps kind, std::string_view bytes, std::int64_t timeMs);
 
 private:
+    void Pass(char byte);
+
     bool mAtStart = true;
     bool mAfterReturn = false;
     bool mStamped = false;         // a line of this text

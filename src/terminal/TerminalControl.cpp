@@ -140,6 +140,7 @@ void TerminalControl::Options(const TerminalOptions& options) {
     mSession.Options(options);
     if (options.flowControl != before.flowControl) Port().flowControl = options.flowControl;
     if (options.encoding != before.encoding) UseEncoding();
+    if (options != before) Changed(Property::Repaint);
 }
 
 void TerminalControl::UseEncoding() {

@@ -140,6 +140,8 @@ public:
     std::int64_t FirstShownLine() const { return mViewport.FirstShownLine(); }
     void ScrollTo(std::int64_t firstLine);
 
+    /// The outer size of a control in which so many characters fit; all 0 where nothing is drawn.
+    Size SizeFor(int columns, int rows) const { return TerminalSize(columns, rows); }
     /// Sets the size in characters that fits into the control.
     void ScreenSize(int columns, int rows);
 

@@ -1,26 +1,197 @@
 #include "terminal/TerminalParser.hpp"
 
-#include <algorithm>
+#include <array>
+#include <utility>
 
 namespace vantor {
 namespace {
 
-constexpr unsigned char kBell = 0x07;
-constexpr unsigned char kCancel = 0x18;
-constexpr unsigned char kSubstitute = 0x1A;
-constexpr unsigned char kEscape = 0x1B;
-constexpr unsigned char kDelete = 0x7F;
-constexpr int kLargestParameter = 9999;
+using State = TerminalParser::State;
+
+constexpr std::size_t kStates = static_cast<std::size_t>(State::OtherString) + 1;
 // An unterminated string must not consume the rest of the session.
-constexpr std::size_t kLongestText = 4096;
+constexpr std::size_t kLongestString = 4096;
 
-bool IsControl(unsigned char byte) {
-    return byte < ' ' || byte == kDelete;
+/// Bytes that mean the same in every state.
+enum class Kind : std::uint8_t {
+    Control,
+    LineEnd,  ///< CR, LF
+    Bell,
+    Cancel,  ///< CAN, SUB
+    Escape,
+    Intermediate,
+    Digit,
+    Separator,
+    Prefix,
+    Final,
+    CsiStart,     ///< [
+    DcsStart,     ///< P
+    OscStart,     ///< ]
+    StringStart,  ///< X ^ _
+    Delete,
+    High,  ///< from 128 up
+};
+constexpr std::size_t kKinds = static_cast<std::size_t>(Kind::High) + 1;
+
+enum class Action : std::uint8_t {
+    Ignore,
+    Text,
+    Execute,
+    Start,
+    Introduce,
+    Collect,
+    Prefix,
+    Digit,
+    Separate,
+    Dispatch
+};
+
+/// What to do in a state with a byte, and the state that follows.
+struct Step {
+    Action action;
+    State next;
+};
+
+constexpr Kind ControlKind(unsigned byte) {
+    switch (byte) {
+        case '\a':
+            return Kind::Bell;
+        case '\n':
+        case '\r':
+            return Kind::LineEnd;
+        case 0x18:
+        case 0x1A:
+            return Kind::Cancel;
+        case 0x1B:
+            return Kind::Escape;
+        default:
+            return Kind::Control;
+    }
 }
 
-bool IsIntermediate(unsigned char byte) {
-    return byte >= ' ' && byte <= '/';
+constexpr Kind FinalKind(unsigned byte) {
+    switch (byte) {
+        case '[':
+            return Kind::CsiStart;
+        case 'P':
+            return Kind::DcsStart;
+        case ']':
+            return Kind::OscStart;
+        case 'X':
+        case '^':
+        case '_':
+            return Kind::StringStart;
+        default:
+            return Kind::Final;
+    }
 }
+
+constexpr Kind KindOf(unsigned byte) {
+    if (byte < ' ') return ControlKind(byte);
+    if (byte < '0') return Kind::Intermediate;
+    if (byte <= '9') return Kind::Digit;
+    if (byte <= ';') return Kind::Separator;
+    if (byte <= '?') return Kind::Prefix;
+    if (byte < 0x7F) return FinalKind(byte);
+    return byte == 0x7F ? Kind::Delete : Kind::High;
+}
+
+constexpr bool IsString(State state) {
+    return state >= State::DcsEntry;
+}
+
+constexpr bool IsFinal(Kind kind) {
+    return kind >= Kind::Final && kind <= Kind::StringStart;
+}
+
+constexpr Step AfterEscape(Kind kind) {
+    switch (kind) {
+        case Kind::Intermediate:
+            return {Action::Collect, State::EscapeIntermediate};
+        case Kind::CsiStart:
+            return {Action::Introduce, State::CsiEntry};
+        case Kind::DcsStart:
+            return {Action::Ignore, State::DcsEntry};
+        case Kind::OscStart:
+            return {Action::Ignore, State::OscString};
+        case Kind::StringStart:
+            return {Action::Ignore, State::OtherString};
+        default:
+            return {Action::Dispatch, State::Ground};
+    }
+}
+
+constexpr Step InControlSequence(State state, Kind kind) {
+    const bool ignored = state == State::CsiIgnore;
+    const bool parameters = state == State::CsiEntry || state == State::CsiParameter;
+    if (IsFinal(kind)) return {ignored ? Action::Ignore : Action::Dispatch, State::Ground};
+    if (ignored) return {Action::Ignore, State::CsiIgnore};
+    if (kind == Kind::Intermediate) return {Action::Collect, State::CsiIntermediate};
+    if (kind == Kind::Digit && parameters) return {Action::Digit, State::CsiParameter};
+    if (kind == Kind::Separator && parameters) return {Action::Separate, State::CsiParameter};
+    if (kind == Kind::Prefix && state == State::CsiEntry)
+        return {Action::Prefix, State::CsiParameter};
+    return {Action::Ignore, State::CsiIgnore};
+}
+
+/// No device control string is known, so that nothing of them is kept.
+constexpr Step InDeviceString(State state, Kind kind) {
+    const bool header =
+        state == State::DcsEntry || state == State::DcsParameter || state == State::DcsIntermediate;
+    if (!header) return {Action::Ignore, state};
+    if (IsFinal(kind)) return {Action::Ignore, State::DcsPassthrough};
+    if (kind == Kind::Intermediate) return {Action::Ignore, State::DcsIntermediate};
+    const bool expected =
+        state == State::DcsEntry || (state == State::DcsParameter && kind != Kind::Prefix);
+    return {Action::Ignore, expected ? State::DcsParameter : State::DcsIgnore};
+}
+
+constexpr Step StepFor(State state, Kind kind) {
+    if (kind == Kind::Cancel) return {Action::Ignore, State::Ground};
+    if (kind == Kind::Escape) return {Action::Start, State::Escape};
+    const bool isString = IsString(state);
+    switch (kind) {
+        case Kind::Bell:
+        case Kind::LineEnd:
+            if (isString && kind == Kind::Bell) return {Action::Ignore, State::Ground};
+            return {Action::Execute, isString ? State::Ground : state};
+        case Kind::Control:
+            return {isString ? Action::Ignore : Action::Execute, state};
+        case Kind::Delete:
+            return {Action::Ignore, state};
+        case Kind::High:
+            // No sequence contains such a byte: this one is incomplete, and text follows.
+            return {isString ? Action::Ignore : Action::Text, isString ? state : State::Ground};
+        default:
+            break;
+    }
+    if (state == State::Escape) return AfterEscape(kind);
+    if (state == State::EscapeIntermediate && kind == Kind::Intermediate)
+        return {Action::Collect, state};
+    if (state == State::EscapeIntermediate) return {Action::Dispatch, State::Ground};
+    if (state >= State::CsiEntry && state <= State::CsiIgnore)
+        return InControlSequence(state, kind);
+    if (state >= State::DcsEntry && state <= State::DcsIgnore) return InDeviceString(state, kind);
+    return {isString ? Action::Ignore : Action::Text, state};
+}
+
+constexpr auto kSteps = [] {
+    std::array<std::array<Step, kKinds>, kStates> steps{};
+    for (std::size_t state = 0; state < kStates; ++state)
+        for (std::size_t kind = 0; kind < kKinds; ++kind)
+            steps[state][kind] = StepFor(static_cast<State>(state), static_cast<Kind>(kind));
+    return steps;
+}();
+
+constexpr auto kKindOfByte = [] {
+    std::array<Kind, 256> kinds{};
+    for (std::size_t byte = 0; byte < kinds.size(); ++byte)
+        kinds[byte] = KindOf(static_cast<unsigned>(byte));
+    return kinds;
+}();
+
+constexpr char kShiftOut = 0x0E;
+constexpr char kShiftIn = 0x0F;
 
 /// What the control characters do.
 constexpr auto kControls = [] {
@@ -34,270 +205,92 @@ constexpr auto kControls = [] {
     return controls;
 }();
 
-/// The final byte of an escape sequence without parameters, and what it does.
-struct Escape {
-    char final;
-    void (TerminalScreen::*apply)();
-};
-constexpr std::array kEscapes = {Escape{'7', &TerminalScreen::SaveCursor},
-                                 Escape{'8', &TerminalScreen::RestoreCursor},
-                                 Escape{'D', &TerminalScreen::LineFeed},
-                                 Escape{'E', &TerminalScreen::LineFeed},
-                                 Escape{'M', &TerminalScreen::ReverseLineFeed},
-                                 Escape{'H', &TerminalScreen::SetTabStop},
-                                 Escape{'c', &TerminalScreen::Reset}};
-
-/// The final byte of a sequence that moves the cursor, and its rows and columns for a count of 1.
-struct Movement {
-    char final;
-    int rows;
-    int columns;
-};
-constexpr int kToFirstColumn = -TerminalScreen::kMostColumns;
-constexpr std::array kMovements = {Movement{'A', -1, 0},
-                                   Movement{'B', 1, 0},
-                                   Movement{'e', 1, 0},
-                                   Movement{'C', 0, 1},
-                                   Movement{'a', 0, 1},
-                                   Movement{'D', 0, -1},
-                                   Movement{'E', 1, kToFirstColumn},
-                                   Movement{'F', -1, kToFirstColumn}};
-
-/// The final byte of a sequence with a count, and what it does.
-struct Edit {
-    char final;
-    void (TerminalScreen::*apply)(int count);
-};
-constexpr std::array kEdits = {
-    Edit{'X', &TerminalScreen::EraseCharacters},  Edit{'@', &TerminalScreen::InsertCharacters},
-    Edit{'P', &TerminalScreen::DeleteCharacters}, Edit{'L', &TerminalScreen::InsertLines},
-    Edit{'M', &TerminalScreen::DeleteLines},      Edit{'S', &TerminalScreen::ScrollUp},
-    Edit{'T', &TerminalScreen::ScrollDown}};
-
 }  // namespace
 
 void TerminalParser::Write(std::string_view bytes) {
     while (!bytes.empty()) {
-        std::size_t taken = mState == State::Ground ? TakeCharacters(bytes) : 0;
-        if (taken == 0) {
-            if (mDecoder.Interrupt()) mScreen.Print({&kReplacementCharacter, 1});
-            Take(static_cast<unsigned char>(bytes.front()));
-            taken = 1;
-        }
+        std::size_t taken = mState == State::Ground ? TakeText(bytes) : 0;
+        if (taken == 0 && Take(bytes.front())) taken = 1;
         bytes.remove_prefix(taken);
     }
 }
 
-std::size_t TerminalParser::TakeCharacters(std::string_view bytes) {
+void TerminalParser::Reset() {
+    mState = State::Ground;
+    mDecoder.Reset();
+}
+
+std::size_t TerminalParser::TakeText(std::string_view bytes) {
     std::array<char32_t, 256> characters;  // NOLINT(*-member-init): written by Decode
     const auto [taken, count] = mDecoder.Decode(bytes, characters);
-    mScreen.Print({characters.data(), count});
+    Show(std::span(characters).first(count));
     return taken;
 }
 
-void TerminalParser::Take(unsigned char byte) {
-    if (byte == kCancel || byte == kSubstitute) {
-        mState = State::Ground;
-    } else if (byte == kEscape) {
-        mState = State::Escape;
-    } else if (mState == State::Text) {
-        TakeText(byte);
-    } else if (IsControl(byte)) {
-        TakeControl(byte);  // also within a sequence, which continues after it
-    } else if (byte > kDelete) {
-        // No sequence contains such a byte: this one is incomplete, and text follows.
-        mState = State::Ground;
-        const char character = static_cast<char>(byte);
-        TakeCharacters({&character, 1});
-    } else if (mState == State::Escape) {
-        TakeEscape(byte);
-    } else if (mState == State::EscapeRest) {
-        if (!IsIntermediate(byte)) mState = State::Ground;
-    } else {
-        TakeSequence(byte);
+void TerminalParser::Show(std::span<char32_t> characters) {
+    if (characters.empty()) return;
+    mScreen.sets.Apply(characters);
+    mScreen.Print({characters.data(), characters.size()});
+    mLastShown = characters.back();
+}
+
+/// False when `byte` ends a sequence as the first byte of text, and is still to be taken.
+bool TerminalParser::Take(char byte) {
+    if (mDecoder.Interrupt()) {
+        std::array broken = {kReplacementCharacter};
+        Show(broken);
     }
-}
-
-void TerminalParser::TakeControl(unsigned char byte) {
-    if (byte == kBell) ++mBells;
-    if (byte < kControls.size() && kControls[byte]) (mScreen.*kControls[byte])();
-}
-
-void TerminalParser::TakeText(unsigned char byte) {
-    if (byte == '\r' || byte == '\n') {
-        mState = State::Ground;
-        TakeControl(byte);
-    } else if (byte == kBell || ++mTextLength > kLongestText) {
-        mState = State::Ground;
-    }
-}
-
-void TerminalParser::TakeEscape(unsigned char byte) {
-    mState = State::Ground;
-    if (IsIntermediate(byte)) {
-        mState = State::EscapeRest;
-    } else if (byte == '[') {
-        mState = State::Sequence;
-        mParameters.fill(0);
-        mParameterCount = 0;
-        mPrivate = false;
-    } else if (std::string_view("]P^_X").find(static_cast<char>(byte)) != std::string_view::npos) {
-        mState = State::Text;
-        mTextLength = 0;
-    } else {
-        FinishEscape(static_cast<char>(byte));
-    }
-}
-
-void TerminalParser::FinishEscape(char final) {
-    if (final == 'E') mScreen.MoveToColumn(0);
-    for (const Escape& escape : kEscapes)
-        if (escape.final == final) (mScreen.*escape.apply)();
-}
-
-void TerminalParser::TakeSequence(unsigned char byte) {
-    const bool ignored = mState == State::IgnoredRest;
-    if (byte >= '@') {
-        mState = State::Ground;
-        if (!ignored) FinishSequence(static_cast<char>(byte));
-    } else if (byte == ';' && !ignored) {
-        mParameterCount =
-            std::min(std::max<std::size_t>(mParameterCount, 1) + 1, mParameters.size() + 1);
-    } else if (byte >= '0' && byte <= '9' && !ignored) {
-        mParameterCount = std::max<std::size_t>(mParameterCount, 1);
-        if (mParameterCount > mParameters.size()) return;
-        int& parameter = mParameters[mParameterCount - 1];
-        parameter = std::min(parameter * 10 + (byte - '0'), kLargestParameter);
-    } else if (byte == '?' && mParameterCount == 0 && !ignored) {
-        mPrivate = true;
-    } else {
-        mState = State::IgnoredRest;
-    }
-}
-
-int TerminalParser::Parameter(std::size_t at, int missing) const {
-    return mParameters[at] == 0 ? missing : mParameters[at];
-}
-
-void TerminalParser::FinishSequence(char final) {
-    if (final == 'h' || final == 'l') {
-        SetModes(final == 'h');
-    } else if (!mPrivate) {
-        const int count = Parameter(0, 1);
-        for (const Movement& by : kMovements)
-            if (by.final == final) mScreen.MoveBy(count * by.rows, count * by.columns);
-        for (const Edit& edit : kEdits)
-            if (edit.final == final) (mScreen.*edit.apply)(count);
-        FinishOther(final, count);
-    }
-}
-
-/// The sequences in neither table.
-void TerminalParser::FinishOther(char final, int count) {
-    const int kind = mParameters[0];
-    switch (final) {
-        case 'G':
-        case '`':
-            mScreen.MoveToColumn(count - 1);
+    const Kind kind = kKindOfByte[static_cast<unsigned char>(byte)];
+    const Step step = kSteps[static_cast<std::size_t>(mState)][static_cast<std::size_t>(kind)];
+    const bool stays = IsString(mState) && IsString(step.next);
+    mStringLength = stays ? mStringLength + 1 : 0;
+    mState = mStringLength > kLongestString ? State::Ground : step.next;
+    switch (step.action) {
+        case Action::Ignore:
             break;
-        case 'd':
-            mScreen.MoveTo(count - 1, mScreen.Cursor().column);
+        case Action::Text:
+            return false;
+        case Action::Execute:
+            Execute(byte);
             break;
-        case 'H':
-        case 'f':
-            mScreen.MoveTo(count - 1, Parameter(1, 1) - 1);
+        case Action::Start:
+            mSequence = {};
             break;
-        case 's':
-            mScreen.SaveCursor();
+        case Action::Introduce:
+            mSequence.introducer = byte;
             break;
-        case 'u':
-            mScreen.RestoreCursor();
+        case Action::Collect:
+            mSequence.Collect(byte);
             break;
-        case 'J':
-            if (kind <= 2) mScreen.EraseDisplay(static_cast<Erase>(kind));
+        case Action::Prefix:
+            mSequence.prefix = byte;
             break;
-        case 'K':
-            if (kind <= 2) mScreen.EraseLine(static_cast<Erase>(kind));
+        case Action::Digit:
+            mSequence.Digit(byte);
             break;
-        case 'g':
-            if (kind == 0) mScreen.ClearTabStop();
-            if (kind == 3) mScreen.ClearAllTabStops();
+        case Action::Separate:
+            mSequence.Separate(byte);
             break;
-        case 'r':
-            mScreen.ScrollRegion(count - 1, Parameter(1, mScreen.Rows()) - 1);
-            break;
-        case 'm':
-            SetLooks();
-            break;
-        default:
+        case Action::Dispatch:
+            Dispatch(byte);
             break;
     }
+    return true;
 }
 
-void TerminalParser::SetModes(bool on) {
-    ScreenModes& modes = mScreen.modes;
-    for (std::size_t i = 0; i < std::min(mParameterCount, mParameters.size()); ++i) {
-        const int mode = mParameters[i];
-        if (!mPrivate && mode == 4) modes.insert = on;
-        if (!mPrivate && mode == 20) modes.lineFeedReturns = on;
-        if (mPrivate && mode == 7) modes.autoWrap = on;
-        if (mPrivate && mode == 25) mScreen.ShowCursor(on);
-        if (mPrivate && mode == 6) {
-            modes.originMode = on;
-            mScreen.MoveTo(0, 0);
-        }
-    }
+void TerminalParser::Execute(char control) {
+    mLastShown = 0;
+    const auto number = static_cast<std::size_t>(control);
+    if (control == '\a') ++mBells;
+    if (control == kShiftOut) mScreen.sets.shift = 1;
+    if (control == kShiftIn) mScreen.sets.shift = 0;
+    if (kControls[number]) (mScreen.*kControls[number])();
 }
 
-void TerminalParser::SetLooks() {
-    const std::size_t count = std::clamp<std::size_t>(mParameterCount, 1, mParameters.size());
-    for (std::size_t i = 0; i < count; ++i) {
-        if (mParameters[i] == 38 || mParameters[i] == 48)
-            i = SetExtendedColour(i);
-        else
-            SetLook(mParameters[i]);
-    }
-}
-
-void TerminalParser::SetLook(int code) {
-    struct Switch {
-        int on;
-        int off;
-        CellFlag flag;
-    };
-    constexpr std::array kSwitches = {Switch{1, 22, kBold}, Switch{4, 24, kUnderlined},
-                                      Switch{5, 25, kBlinking}, Switch{7, 27, kReversed},
-                                      Switch{8, 28, kConcealed}};
-    Cell& pen = mScreen.pen;
-    if (code == 0) pen = {};
-    for (const Switch& entry : kSwitches) {
-        if (code == entry.on) pen.flags = static_cast<std::uint8_t>(pen.flags | entry.flag);
-        if (code == entry.off) pen.flags = static_cast<std::uint8_t>(pen.flags & ~entry.flag);
-    }
-    if (code >= 30 && code <= 37) pen.foreground = static_cast<std::uint8_t>(code - 30);
-    if (code == 39) pen.foreground = kDefaultColour;
-    if (code >= 40 && code <= 47) pen.background = static_cast<std::uint8_t>(code - 40);
-    if (code == 49) pen.background = kDefaultColour;
-    if (code >= 90 && code <= 97) pen.foreground = static_cast<std::uint8_t>(code - 90 + 8);
-    if (code >= 100 && code <= 107) pen.background = static_cast<std::uint8_t>(code - 100 + 8);
-}
-
-/// Handles 256-colour and 24-bit colour parameters: sets those that are among the 16 colours and
-/// ignores others. Returns the index of the last parameter used.
-std::size_t TerminalParser::SetExtendedColour(std::size_t at) {
-    const auto parameter = [this](std::size_t i) {
-        return i < mParameters.size() ? mParameters[i] : 0;
-    };
-    if (parameter(at + 1) == 2) return at + 4;
-    if (parameter(at + 1) != 5) return at + 1;
-    const int colour = parameter(at + 2);
-    if (at + 2 >= mParameters.size() || colour >= kDefaultColour) return at + 2;
-    Cell& pen = mScreen.pen;
-    if (mParameters[at] == 38)
-        pen.foreground = static_cast<std::uint8_t>(colour);
-    else
-        pen.background = static_cast<std::uint8_t>(colour);
-    return at + 2;
+void TerminalParser::Dispatch(char final) {
+    mSequence.final = final;
+    mSequence.preceding = std::exchange(mLastShown, 0);
+    Perform(mSequence, mScreen, Reply);
 }
 
 }  // namespace vantor

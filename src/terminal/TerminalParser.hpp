@@ -2,21 +2,20 @@
 // sequences of VT100 and ANSI terminals.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
-#include <functional>
+#include <span>
 #include <string_view>
 
 #include "terminal/TerminalScreen.hpp"
+#include "terminal/TerminalSequence.hpp"
 #include "terminal/TextEncoding.hpp"
 
 namespace vantor {
 
 /// Accepts any bytes, split anywhere. Unknown sequences are consumed completely,
-/// so that no part of them shows on the screen; an unterminated one consumes no more than its line.
-/// Bytes from 128 up are characters: the code page has letters at the 8-bit (C1) control codes.
-/// Requests for reports are not answered: the terminal sends only what was typed.
+/// so that no part of them shows on the screen; an unterminated string consumes no more than its
+/// line or 4 KB. Bytes from 128 up are characters, never 8-bit (C1) control codes.
 class TerminalParser {
 public:
     /// `screen` outlives the parser.
@@ -29,51 +28,45 @@ public:
 
     /// Sends the answer to a request for a report, during Write. Without it, which is the default,
     /// requests are not answered: the terminal sends only what was typed.
-    std::function<void(std::string_view)> Reply;
+    TerminalReply Reply;
 
-    /// Discards a partial sequence.
-    void Reset() {
-        mState = State::Ground;
-        mDecoder.Reset();
-    }
+    /// Discards a partial sequence and a partial character.
+    void Reset();
 
     /// Number of BEL characters received.
     std::uint64_t Bells() const { return mBells; }
 
-private:
+    /// The states of a DEC terminal's parser.
     enum class State : std::uint8_t {
         Ground,
-        Escape,       ///< after ESC
-        EscapeRest,   ///< after ESC and an intermediate byte; the rest is ignored
-        Sequence,     ///< after ESC [
-        IgnoredRest,  ///< of an unknown sequence
-        Text,         ///< a string for the terminal itself, such as a window title
+        Escape,
+        EscapeIntermediate,
+        CsiEntry,
+        CsiParameter,
+        CsiIntermediate,
+        CsiIgnore,
+        DcsEntry,
+        DcsParameter,
+        DcsIntermediate,
+        DcsPassthrough,
+        DcsIgnore,
+        OscString,
+        OtherString,  ///< start of string, privacy message, application program command
     };
 
-    std::size_t TakeCharacters(std::string_view bytes);
-    void Take(unsigned char byte);
-    void TakeControl(unsigned char byte);
-    void TakeEscape(unsigned char byte);
-    void TakeSequence(unsigned char byte);
-    void TakeText(unsigned char byte);
-    void FinishEscape(char final);
-    void FinishSequence(char final);
-    void FinishOther(char final, int count);
-    void SetModes(bool on);
-    void SetLooks();
-    void SetLook(int code);
-    std::size_t SetExtendedColour(std::size_t at);
-
-    /// A parameter, or `missing` where it is absent or 0.
-    int Parameter(std::size_t at, int missing) const;
+private:
+    bool Take(char byte);
+    std::size_t TakeText(std::string_view bytes);
+    void Show(std::span<char32_t> characters);
+    void Execute(char control);
+    void Dispatch(char final);
 
     TerminalScreen& mScreen;
     TextDecoder mDecoder;
     State mState = State::Ground;
-    std::array<int, 16> mParameters{};
-    std::size_t mParameterCount = 0;  // includes the current one; excess ones are dropped
-    bool mPrivate = false;            // the sequence starts with "?"
-    std::size_t mTextLength = 0;
+    TerminalSequence mSequence;
+    char32_t mLastShown = 0;  // 0 after a control character or a sequence
+    std::size_t mStringLength = 0;
     std::uint64_t mBells = 0;
 };
 

@@ -121,10 +121,7 @@ void TerminalSession::Capture(std::string_view bytes, std::int64_t timeMs) {
         // Moved out during the write: a failed write must end the capture before the error box
         // opens, because more text arrives while that box is open.
         CaptureTarget target = std::exchange(mCapture, {});
-        if (mCaptureStamps == TimeStamps::Off)
-            target.file->Write(bytes);
-        else
-            target.file->Write(mStamper.Stamped(mCaptureStamps, bytes, timeMs));
+        target.file->Write(mStamper.Stamped(mCaptureStamps, bytes, timeMs));
         mCapture = std::move(target);
     });
 }

@@ -120,6 +120,9 @@ struct RecordedPeer : Recorded<FormPeer, std::unique_ptr<FormPeer>> {
                   const std::string& text) const override {
         return mInner->TextSize(control, face, text);
     }
+    Size TerminalSize(const Control& control, int columns, int rows) const override {
+        return mInner->TerminalSize(control, columns, rows);
+    }
     NativeWindow WindowHandle() const override { return mInner->WindowHandle(); }
 
     Form& mForm;

@@ -261,6 +261,11 @@ const std::map<std::string, Scenario::Verb>& Scenario::Verbs() {
          [](S& s, W&) { s.Headless().folders.home.clear(); }},
         {"another",  // instance of the program runs
          [](S& s, W&) { s.Headless().process.anotherRuns = true; }},
+        {"cells",  // of a terminal are so large
+         [](S& s, W& w) {
+             s.Headless().peers.terminalCell = {static_cast<float>(Number(w.at(1))),
+                                                static_cast<float>(Number(w.at(2)))};
+         }},
         {"slow",  // driver: it accepts so many bytes a write
          [](S& s, W& w) { s.Headless().ports.LimitWrites(Number(w.at(1))); }},
         {"ports",  // beside COM1

@@ -35,6 +35,12 @@ public:
         constexpr float kLine = 200;
         return {kLetter * static_cast<float>(text.size()), kLine};
     }
+    Size TerminalSize(const Control&, int columns, int rows) const override {
+        constexpr Size kEdges = {600, 375};
+        const Size& cell = mPeers.terminalCell;
+        return {kEdges.width + cell.width * static_cast<float>(columns),
+                kEdges.height + cell.height * static_cast<float>(rows)};
+    }
     NativeWindow WindowHandle() const override { return mHandle; }
 
 private:

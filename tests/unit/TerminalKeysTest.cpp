@@ -1,0 +1,65 @@
+// What the keys of a terminal send and do.
+#include <gtest/gtest.h>
+
+#include <algorithm>
+#include <array>
+#include <iterator>
+#include <map>
+#include <sstream>
+
+#include "terminal/TerminalKeys.hpp"
+#include "tests/unit/Table.hpp"
+
+namespace vantor {
+namespace {
+
+// Both in the order of their enumeration.
+constexpr std::array kKeys = {
+    "Up",     "Down",  "Right", "Left", "End", "Home", "Insert",  "Delete", "PageUp", "PageDown",
+    "F2",     "F3",    "F4",    "F5",   "F6",  "F7",   "F8",      "F9",     "F10",    "F11",
+    "F12",    "KP0",   "KP1",   "KP2",  "KP3", "KP4",  "KP5",     "KP6",    "KP7",    "KP8",
+    "KP9",    "KP.",   "KPAdd", "KP-",  "KP*", "KP/",  "KPEnter", "Enter",  "Tab",    "Backspace",
+    "Escape", "Space", "C",     "F",    "V",   "0",    "Plus",    "-",      "Pause"};
+constexpr std::array kActions = {"",        "page-up", "page-down",  "line-up", "line-down",
+                                 "oldest",  "newest",  "copy",       "paste",   "find",
+                                 "enlarge", "reduce",  "font-reset", "break"};
+
+std::string Answer(const Words& words) {
+    KeyModes modes;
+    KeyModifiers modifiers;
+    bool breakKey = false;
+    const std::map<std::string, std::function<void()>> kWords = {
+        {"Shift", [&] { modifiers.shift = true; }},
+        {"Alt", [&] { modifiers.alt = true; }},
+        {"Ctrl", [&] { modifiers.control = true; }},
+        {"cursor-keys", [&] { modes.applicationCursorKeys = true; }},
+        {"keypad", [&] { modes.applicationKeypad = true; }},
+        {"new-line", [&] { modes.newLine = true; }},
+        {"lf", [&] { modes.enterKey = EnterKey::Lf; }},
+        {"crlf", [&] { modes.enterKey = EnterKey::CrLf; }},
+        {"del", [&] { modes.backspaceKey = BackspaceKey::Del; }},
+        {"breaks", [&] { breakKey = true; }}};
+    std::for_each(words.begin() + 1, words.end(), [&](const auto& word) { kWords.at(word)(); });
+    std::istringstream keys(words[0]);
+    std::string text;
+    for (std::string name; std::getline(keys, name, '+');) {
+        if (kWords.contains(name)) {
+            kWords.at(name)();
+            continue;
+        }
+        const auto* const found = std::ranges::find(kKeys, name);
+        if (found == kKeys.end()) return "no key " + name;
+        const auto key = static_cast<TerminalKey>(std::distance(kKeys.begin(), found));
+        const KeyAction action = ActionOf(key, modifiers, breakKey);
+        text = action == KeyAction::None ? BytesOf(key, modifiers, modes)
+                                         : kActions.at(static_cast<std::size_t>(action));
+    }
+    return text;
+}
+
+TEST(TerminalKeys, EachKeySendsItsBytesOrWorksOnTheWindow) {
+    ExpectTable("keys", Answer);
+}
+
+}  // namespace
+}  // namespace vantor

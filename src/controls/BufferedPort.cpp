@@ -9,14 +9,11 @@
 #include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
-namespace {
 
 /// The settings may hold only the port number.
-std::string PortName(const std::string& port) {
-    return IsNumeric(port) ? "COM" + std::to_string(ToInt16(port)) : port;
+std::string BufferedPort::SystemName() const {
+    return IsNumeric(name) ? "COM" + std::to_string(ToInt16(name)) : name;
 }
-
-}  // namespace
 
 void BufferedPort::Open(std::function<void()> notify) {
     Close();
@@ -25,7 +22,7 @@ void BufferedPort::Open(std::function<void()> notify) {
     try {
         LineSettings line = ParseLineSettings(settings);
         line.flowControl = flowControl;
-        mPort = mPorts.Open(PortName(name), line);
+        mPort = mPorts.Open(SystemName(), line);
         Notify(std::move(notify));
     } catch (const PortOpenError& error) {
         mOpenError = error;
@@ -48,6 +45,7 @@ void BufferedPort::OnPort(Operation&& operation) {
     } catch (const RuntimeError&) {
         // The device is lost: from now on polls find nothing and sends have no effect.
         Close();
+        if (onLost) onLost();
     }
 }
 

@@ -23,6 +23,13 @@ public:
 
     FlowControl flowControl = FlowControl::None;  ///< used at the next open
 
+    /// Called when the device is found lost, inside any operation, after the port has closed. It
+    /// must not destroy or open the port.
+    std::function<void()> onLost;
+
+    /// `name` as the system has it, "COM1" also for "1".
+    std::string SystemName() const;
+
     /// Opens the port, closing it first when it is open. `notify`, if set, is called at each pump
     /// that finds input, and once when the device is lost.
     void Open(std::function<void()> notify);

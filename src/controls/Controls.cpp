@@ -28,6 +28,7 @@ void PictureBox::Print(const std::string& text) {
 
 void ComboBox::Items(std::vector<std::string> items) {
     mItems = std::move(items);
+    mText.clear();
     mListIndex = kNothing;
     Changed(Property::Value);
 }
@@ -35,11 +36,13 @@ void ComboBox::Items(std::vector<std::string> items) {
 void ComboBox::ListIndex(int index) {
     if (index < -1 || index >= static_cast<int>(mItems.size()))
         throw RuntimeError(ErrorNumber::InvalidPropertyValue);
+    mText = index < 0 ? std::string() : mItems[static_cast<std::size_t>(index)];
     Set(mListIndex, index, Property::Value);
 }
 
-std::string ComboBox::Text() const {
-    return mListIndex < 0 ? std::string() : mItems[static_cast<std::size_t>(mListIndex)];
+void ComboBox::Text(const std::string& text) {
+    mListIndex = kNothing;
+    Set(mText, text, Property::Value);
 }
 
 void ComboBox::Choose(int index) {
@@ -51,6 +54,17 @@ void ComboBox::Choose(int index) {
 void ListView::Choose(int row) {
     mSelectedRow = row;
     Press();
+}
+
+void Remember(ComboBox& combo, std::vector<std::string>& history) {
+    constexpr std::size_t kMost = 20;
+    const std::string text = combo.Text();
+    if (text.empty()) return;
+    std::erase(history, text);
+    history.insert(history.begin(), text);
+    if (history.size() > kMost) history.resize(kMost);
+    combo.Items(history);
+    combo.Text(text);
 }
 
 int FindStringComboBox(const ComboBox& combo, const std::string& text) {

@@ -97,21 +97,24 @@ private:
     std::int16_t mValue = 0;
 };
 
-/// A drop-down list. `Property::Value` reports new items and a changed selection.
+/// A drop-down list. `Property::Value` reports new items and a changed selection or text. Whether
+/// the user can type any other text is part of its design (`ControlStyle::editable`).
 class ComboBox : public OfKind<ControlKind::ComboBox, ClickControl> {
 public:
     using OfKind::OfKind;
 
     const std::vector<std::string>& Items() const { return mItems; }
-    /// Replaces the list and clears the selection.
+    /// Replaces the list and clears the selection and the text.
     void Items(std::vector<std::string> items);
 
     /// The selected item, from 0; kNothing for none.
     int ListIndex() const { return mListIndex; }
     /// Raises RuntimeError 380 when there is no such item.
     void ListIndex(int index);
-    /// The selected text; empty for none.
-    std::string Text() const;
+    /// The text of the selected item, or the one that was typed; empty for neither.
+    const std::string& Text() const { return mText; }
+    /// Of an editable one: sets the text, by code or as the user types it, and selects no item.
+    void Text(const std::string& text);
 
     /// For peers: the user has selected an item. Raises the event after the change.
     /// Ignores negative values, with which systems report no selection.
@@ -119,8 +122,13 @@ public:
 
 private:
     std::vector<std::string> mItems;
+    std::string mText;
     int mListIndex = kNothing;
 };
+
+/// Puts the text of an editable combo box at the top of `history`, which keeps the last 20 texts,
+/// each of them once, and lists it. The text stays.
+void Remember(ComboBox& combo, std::vector<std::string>& history);
 
 /// Index of `text` in the list of `combo`, case-sensitive; kNothing when it is not found.
 int FindStringComboBox(const ComboBox& combo, const std::string& text);

@@ -37,6 +37,7 @@ struct ControlStyle {
     /// Has the initial focus; not a tab stop.
     bool holdsFocus = false;
     bool clickable = false;  ///< of a panel: a button for the mouse and for the keyboard
+    bool editable = false;   ///< of a combo box: takes any text; its list is the history
     Ground ground = Ground::Plain;
     /// The accessible name of a control that shows no text and follows no label.
     Str spokenName = Str::None;

@@ -3,11 +3,13 @@
 #include <algorithm>
 #include <cmath>
 #include <string_view>
+#include <utility>
 
 #include "app/base/LoadResources.hpp"
 #include "app/base/modSupport.hpp"
 #include "monitor/frmPortSettings.hpp"
 #include "monitor/frmSend.hpp"
+#include "monitor/frmTerminalSettings.hpp"
 #include "platform/MessageBoxes.hpp"
 #include "platform/StringTable.hpp"
 #include "resources/Designs.hpp"
@@ -45,7 +47,8 @@ frmMonitor::frmMonitor(WindowManager& manager, Platform& platform, MonitorOwner&
       comMonitor(*this, "comMonitor", platform),
       mPlatform(platform),
       mOwner(owner),
-      mobjFormPos(platform.registry, platform.codePage) {
+      mobjFormPos(platform.registry, platform.codePage),
+      mOptionsStore(platform.registry, platform.codePage) {
     comMonitor.Command.Connect(
         [this](TerminalCommand command, bool& handled) { comMonitor_Command(command, handled); });
     mnuFileExit.Click.Connect([this] { mnuFileExit_Click(); });
@@ -105,6 +108,8 @@ void frmMonitor::ConfigureTerminal() {
     comMonitor.LocalEcho = false;
     for (const TerminalCommand command : {Copy, SelectAll, Paste, Settings, Clear, Reset})
         comMonitor.OfferAlways(command);
+    mOptions = mOptionsStore.Load();
+    comMonitor.Options(mOptions);
 }
 
 void frmMonitor::Initialize(const CAppSettings& settings) {
@@ -170,7 +175,9 @@ void frmMonitor::UpdateSettings() {
 void frmMonitor::comMonitor_Command(TerminalCommand command, bool& handled) {
     Trapped("frmMonitor.comMonitor_Command", [&] {
         using enum TerminalCommand;
-        handled = command == Open || command == Close || command == Settings;
+        const bool ofTheTerminal = command >= ViewText && command <= TerminalSettings;
+        handled = ofTheTerminal || command == Open || command == Close || command == Settings;
+        if (ofTheTerminal) return PerformOnTerminal(command);
         if (command == Open) mnuCommOpen_Click();
         if (command == Close) mnuCommClose_Click();
         if (command == Settings) mnuCommSettings_Click();
@@ -223,6 +230,39 @@ void frmMonitor::TellPortTrouble() {
                           .owner = WindowHandle()});
 }
 
+// --- options and boxes of the terminal -------------------------------------------------------
+
+/// The commands from ViewText to TerminalSettings.
+void frmMonitor::PerformOnTerminal(TerminalCommand command) {
+    using enum TerminalCommand;
+    if (command == TerminalSettings) return ShowTerminalSettings();
+    TerminalOptions options = mOptions;
+    if (ChooseOption(command, options, DesignedPoints())) TakeOptions(options);
+}
+
+/// The font size of the terminal in this window's design.
+int frmMonitor::DesignedPoints() const {
+    const auto row =
+        std::ranges::find(Design().controls, ControlKind::Terminal, &ControlDesign::kind);
+    return static_cast<int>(row->style.points);
+}
+
+void frmMonitor::TakeOptions(const TerminalOptions& options) {
+    const TerminalOptions before = std::exchange(mOptions, options);
+    comMonitor.Options(mOptions);
+    mOptionsStore.Save(before, mOptions);
+}
+
+void frmMonitor::ShowTerminalSettings() {
+    const auto dialog =
+        std::make_shared<frmTerminalSettings>(Manager(), mPlatform.strings, mOptions);
+    dialog->Load();
+    dialog->CenterOn(*this);
+    dialog->Show(ShowMode::Modal, this);
+    dialog->Unload();
+    if (dialog->Chosen() && !Gone()) TakeOptions(*dialog->Chosen());
+}
+
 void frmMonitor::mnuFileExit_Click() {
     Trapped("frmMonitor.mnuFileExit_Click", [this] {
         if (mblnPortOpen) mnuCommClose_Click();
@@ -232,10 +272,15 @@ void frmMonitor::mnuFileExit_Click() {
 
 // --- capture ---------------------------------------------------------------------------------
 
+Str frmMonitor::TitleOf(FileUse use) {
+    if (use == FileUse::Send) return Str::SendFileTitle;
+    return use == FileUse::Capture ? Str::CaptureFileTitle : Str::SaveScrollbackTitle;
+}
+
 /// The file confirmed by the user; empty on cancel, and when the window was closed meanwhile.
 std::string frmMonitor::AskForFile(FileUse use) {
     CFileDialog dialog(mPlatform.dialogs);
-    dialog.DialogTitle = Text(use == FileUse::Capture ? Str::CaptureFileTitle : Str::SendFileTitle);
+    dialog.DialogTitle = Text(TitleOf(use));
     dialog.DefaultExt = ".txt";
     dialog.Flags = kFileDialogFlags;
     dialog.Filter = Text(Str::TextFiles) + " (*.txt)|*.txt|" + Text(Str::AllFiles) + " (*.*)|*.*";
@@ -327,7 +372,7 @@ bool frmMonitor::SendLines(const std::string& text, frmSend& progress) {
         if (Gone()) return false;
         sent = !MustStop(progress);
         if (sent) continue;
-        comMonitor.Port().DropPendingLines();
+        comMonitor.DropPendingLines();
         break;
     }
     comMonitor.FollowOutput(false);
@@ -337,8 +382,7 @@ bool frmMonitor::SendLines(const std::string& text, frmSend& progress) {
 
 /// Keeps the progress in step with a slow line. Cancel could not stop lines already queued.
 void frmMonitor::AwaitDriver(CDelay& delay, const frmSend& progress) {
-    while (!Gone() && !comMonitor.Port().FlushPending() && !MustStop(progress))
-        delay.Delay(kDriverPollMs);
+    while (!Gone() && !comMonitor.FlushPending() && !MustStop(progress)) delay.Delay(kDriverPollMs);
 }
 
 /// An update started during a send runs nested inside it and is not delayed by it. If the send

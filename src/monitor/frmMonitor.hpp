@@ -9,6 +9,7 @@
 #include "app/base/CFormPos.hpp"
 #include "controls/Controls.hpp"
 #include "controls/Form.hpp"
+#include "monitor/TerminalOptionsStore.hpp"
 #include "platform/Platform.hpp"
 #include "resources/texts/Str.hpp"
 #include "terminal/TerminalControl.hpp"
@@ -84,7 +85,12 @@ private:
     void mnuCaptureSend_Click();
     void ShowPortSettings();
     void TellPortTrouble();
-    enum class FileUse : std::uint8_t { Capture, Send };
+    void PerformOnTerminal(TerminalCommand command);
+    int DesignedPoints() const;
+    void TakeOptions(const TerminalOptions& options);
+    void ShowTerminalSettings();
+    enum class FileUse : std::uint8_t { Capture, Send, Scrollback };
+    static Str TitleOf(FileUse use);
     std::string AskForFile(FileUse use);
     std::string GetFile(const std::string& fileName);
     bool SendLines(const std::string& text, frmSend& progress);
@@ -96,6 +102,8 @@ private:
     Platform& mPlatform;
     MonitorOwner& mOwner;
     CFormPos mobjFormPos;
+    TerminalOptionsStore mOptionsStore;
+    TerminalOptions mOptions;
     const CAppSettings* mobjSettings = nullptr;
     std::vector<std::shared_ptr<frmSend>> mProgress;  // of the running transmissions
     bool mblnPortOpen = false;                        // as shown in the status bar

@@ -2,11 +2,14 @@
 #pragma once
 
 #include <array>
+#include <optional>
 #include <string>
+#include <vector>
 
 #include "controls/Controls.hpp"
 #include "controls/Form.hpp"
 #include "platform/Platform.hpp"
+#include "platform/SerialPort.hpp"
 
 namespace vantor {
 
@@ -14,7 +17,8 @@ class TerminalControl;
 
 /// Shows the current settings of `terminal`. OK applies the selection and reopens an open port;
 /// an unchanged selection has no effect. Invalid current settings show as 38400 bit/s, 8 data bits,
-/// no parity, one stop bit. Flow control is shown as none and cannot be changed.
+/// no parity, one stop bit. A speed that is no whole number from 50 to 4000000 is refused with a
+/// box; the dialog stays as it is.
 class frmPortSettings : public Form {
 public:
     frmPortSettings(WindowManager& manager, Platform& platform, TerminalControl& terminal);
@@ -39,13 +43,24 @@ protected:
     void Form_Load() override;
 
 private:
+    /// What the dialog states of the port.
+    struct Choice {
+        std::string port;
+        std::string settings;
+        FlowControl flowControl;
+    };
+
+    void ListPorts();
     void ListLine();
     void cmdOK_Click();
-    bool IsChange(const std::string& port, const std::string& settings) const;
-    void Apply(const std::string& port, const std::string& settings);
+    Choice Chosen(const std::string& speed) const;
+    std::optional<std::string> ChosenSpeed() const;
+    bool IsChange(const Choice& choice) const;
+    void Apply(const Choice& choice);
 
     Platform& mPlatform;
     TerminalControl& mTerminal;
+    std::vector<std::string> mPortNames;  // in the order of the list
     bool mReopenFailed = false;
 };
 

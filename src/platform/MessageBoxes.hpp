@@ -20,6 +20,7 @@ struct MessageBoxRequest {
     /// The owner window, disabled while the box is open. 0, for code that knows no window: the
     /// program's active window, if any; all other windows are then disabled as well.
     NativeWindow owner = 0;
+    bool declinesByDefault = false;  ///< the default button is No, not Yes
 };
 
 class MessageBoxes {

@@ -9,10 +9,13 @@ namespace vantor {
 
 extern const FormDesign kAboutWindowDesign;
 extern const FormDesign kConfigureWindowDesign;
+extern const FormDesign kFindWindowDesign;
 extern const FormDesign kMainWindowDesign;
 extern const FormDesign kMonitorWindowDesign;
 extern const FormDesign kPortSettingsWindowDesign;
+extern const FormDesign kSendBytesWindowDesign;
 extern const FormDesign kSendWindowDesign;
 extern const FormDesign kStatusWindowDesign;
+extern const FormDesign kTerminalSettingsWindowDesign;
 
 }  // namespace vantor

@@ -7,6 +7,7 @@ namespace {
 using enum ControlKind;
 
 constexpr ControlStyle kOk = {.defaultButton = true};
+constexpr ControlStyle kSpeed = {.editable = true};
 constexpr ControlStyle kCancel = {.cancelButton = true};
 
 constexpr float kFirstRow = 180;
@@ -17,7 +18,7 @@ constexpr Place LabelAt(int row) {
 }
 
 constexpr Place ListAt(int row) {
-    return {2190, kFirstRow + kRow * static_cast<float>(row), 1800, 345};
+    return {2190, kFirstRow + kRow * static_cast<float>(row), 3000, 345};
 }
 
 // Each label precedes its list, which gets the focus from the label's accelerator.
@@ -25,7 +26,7 @@ constexpr ControlDesign kControls[] = {
     {Label, "lblLabels", 0, "", LabelAt(0), "&Port:", "2111"},
     {ComboBox, "cboPort", kSingle, "", ListAt(0), "", ""},
     {Label, "lblLabels", 1, "", LabelAt(1), "&Speed (bit/s):", "2112"},
-    {ComboBox, "cboSpeed", kSingle, "", ListAt(1), "", ""},
+    {ComboBox, "cboSpeed", kSingle, "", ListAt(1), "", "", kSpeed},
     {Label, "lblLabels", 2, "", LabelAt(2), "P&arity:", "2113"},
     {ComboBox, "cboParity", kSingle, "", ListAt(2), "", ""},
     {Label, "lblLabels", 3, "", LabelAt(3), "&Data bits:", "2114"},
@@ -34,13 +35,13 @@ constexpr ControlDesign kControls[] = {
     {ComboBox, "cboStopBits", kSingle, "", ListAt(4), "", ""},
     {Label, "lblLabels", 5, "", LabelAt(5), "&Flow control:", "2116"},
     {ComboBox, "cboFlowControl", kSingle, "", ListAt(5), "", ""},
-    {CommandButton, "cmdOK", kSingle, "", {1365, 2835, 1245, 375}, "&OK", "101", kOk},
-    {CommandButton, "cmdCancel", kSingle, "", {2745, 2835, 1245, 375}, "&Cancel", "103", kCancel},
+    {CommandButton, "cmdOK", kSingle, "", {2565, 2835, 1245, 375}, "&OK", "101", kOk},
+    {CommandButton, "cmdCancel", kSingle, "", {3945, 2835, 1245, 375}, "&Cancel", "103", kCancel},
 };
 
 }  // namespace
 
 const FormDesign kPortSettingsWindowDesign = {
-    "frmPortSettings", "Port Settings", "2110", {0, 0, 4260, 3840}, kControls};
+    "frmPortSettings", "Port Settings", "2110", {0, 0, 5460, 3840}, kControls};
 
 }  // namespace vantor

@@ -8,10 +8,8 @@
 #include "controls/Form.hpp"
 #include "platform/Clipboard.hpp"
 #include "platform/Clock.hpp"
-#include "platform/CodePage.hpp"
 #include "platform/MessageBoxes.hpp"
 #include "platform/StringTable.hpp"
-#include "support/Traps.hpp"
 #include "support/errors/RuntimeError.hpp"
 #include "support/text/Unicode.hpp"
 #include "terminal/TextFile.hpp"
@@ -20,21 +18,10 @@ namespace vantor {
 namespace {
 
 constexpr std::uint32_t kBeepIntervalMs = 250;
+constexpr std::int64_t kMostUnasked = 20;  // lines of a paste
 
-struct MenuRow {
-    TerminalCommand command;
-    Str text;
-    bool startsGroup;
-};
-
-constexpr std::array kMenu = {MenuRow{TerminalCommand::Open, Str::TerminalOpenPort, false},
-                              MenuRow{TerminalCommand::Close, Str::TerminalClosePort, false},
-                              MenuRow{TerminalCommand::Settings, Str::TerminalPortSettings, false},
-                              MenuRow{TerminalCommand::Copy, Str::TerminalCopy, true},
-                              MenuRow{TerminalCommand::Paste, Str::TerminalPaste, false},
-                              MenuRow{TerminalCommand::SelectAll, Str::TerminalSelectAll, false},
-                              MenuRow{TerminalCommand::Clear, Str::TerminalClearScreen, true},
-                              MenuRow{TerminalCommand::Reset, Str::TerminalReset, false}};
+// By EnterKey.
+constexpr std::array<std::string_view, 3> kEnters = {"\r", "\n", "\r\n"};
 
 /// `text` with every CR, LF and CR LF replaced by `lineEnd`.
 std::string WithLineEnds(std::string_view text, std::string_view lineEnd) {
@@ -58,9 +45,9 @@ std::string NameOf(std::string_view character) {
     return std::string(character) + std::string(number.data(), static_cast<std::size_t>(length));
 }
 
-/// The code page converts unsupported characters to "?".
-bool LacksAny(const CodePage& codePage, const std::string& utf8) {
-    return std::ranges::count(codePage.ToAnsi(utf8), '?') != std::ranges::count(utf8, '?');
+/// `text` with its `mark` replaced.
+std::string Replaced(std::string text, std::string_view mark, const std::string& value) {
+    return text.replace(text.find(mark), mark.size(), value);
 }
 
 }  // namespace
@@ -69,28 +56,37 @@ TerminalControl::TerminalControl(Form& parent, std::string name, Platform& platf
     : Control(parent, ControlKind::Terminal, std::move(name)),
       mPlatform(platform),
       mSession(*this, platform) {
-    const TextEncoding encoding(LineEncoding::System, platform.codePage);
-    mParser.Encoding(encoding);
-    mViewport.Decode(ByteDecoder(encoding));
+    UseEncoding();
     Port().name = "COM1";
     Port().settings = "9600,N,8,1";
 }
 
 // --- received and sent -----------------------------------------------------------------------
 
-void TerminalControl::Received(std::string_view bytes) {
-    const std::int64_t now = mPlatform.clock.LocalMilliseconds();
-    mScreen.Now(now);
-    mViewport.Received(bytes, now);
-    Show(bytes);
+void TerminalControl::Received(std::string_view bytes, std::int64_t timeMs) {
+    mScreen.Now(timeMs);
+    mViewport.Received(bytes, timeMs);
+    const std::uint64_t bells = mParser.Bells();
+    Change([&] { mParser.Write(bytes); });
+    if (mParser.Bells() != bells) Beep();
+    if (!mReplies.empty()) mSession.Reply(std::exchange(mReplies, {}));
 }
 
-void TerminalControl::Show(std::string_view bytes) {
-    const std::uint64_t bells = mParser.Bells();
+void TerminalControl::Sent(std::string_view bytes) {
+    mScreen.Now(mPlatform.clock.LocalMilliseconds());
+    if (LocalEcho) Change([&] { mEcho.Show(bytes); });
+}
+
+void TerminalControl::Notice(const std::string& text) {
+    mScreen.Now(mPlatform.clock.LocalMilliseconds());
+    Change([&] { mEcho.ShowLine(text); });
+}
+
+/// Runs `write`, which changes the screen.
+void TerminalControl::Change(const std::function<void()>& write) {
     mViewport.BeforeChange();
-    mParser.Write(bytes);
+    write();
     mViewport.Shown();
-    if (mParser.Bells() != bells) Beep();
     if (mFollowOutput) mViewport.ScrollToNewest();
     Changed(Property::Value);
     if (!mViewport.SelectionLost()) return;
@@ -105,26 +101,57 @@ void TerminalControl::Beep() {
     mPlatform.boxes.Beep();
 }
 
-void TerminalControl::Send(std::string_view bytes) {
-    if (!PortOpen()) return;
-    mSession.Send(bytes);
-    if (LocalEcho) Show(WithLineEnds(bytes, "\r\n"));
-}
-
 void TerminalControl::Output(std::string_view line) {
-    Send(std::string(line) + (EndLines ? "\r" : ""));
+    mSession.Send(std::string(line) + (EndLines ? "\r" : ""));
 }
 
 void TerminalControl::Key(std::string_view bytes) {
-    if (!PortOpen()) return Beep();
-    Scroll(ScrollStep::End);
-    Send(bytes);
-    if (!PortOpen()) Beep();  // a lost device is detected only on use
+    if (bytes == "\x1B" && Pasting()) return mSession.AbortPaste();
+    Transmit([&] { mSession.Send(bytes); });
 }
 
 void TerminalControl::Type(const std::string& text) {
-    if (LacksAny(mPlatform.codePage, text)) return Beep();
-    Key(mPlatform.codePage.ToAnsi(text));
+    const std::optional<std::string> bytes = mEncoding.Encode(text);
+    if (!bytes) return Beep();
+    Key(*bytes);
+}
+
+/// Runs `send`, which sends what the user has entered.
+void TerminalControl::Transmit(const std::function<void()>& send) {
+    if (!PortOpen()) return Beep();
+    Scroll(ScrollStep::End);
+    send();
+    if (!PortOpen()) Beep();  // a lost device is detected only on use
+}
+
+void TerminalControl::SendBytes(std::string_view bytes) {
+    Transmit([&] { mSession.Send(bytes); });
+}
+
+void TerminalControl::SendBreak() {
+    Transmit([this] { mSession.SendBreak(); });
+}
+
+// --- options ---------------------------------------------------------------------------------
+
+void TerminalControl::Options(const TerminalOptions& options) {
+    const TerminalOptions before = std::exchange(mOptions, options);
+    LocalEcho = options.localEcho;
+    mScreen.modes.returnFeeds = options.returnFeeds;
+    mParser.Reply = {};
+    if (options.answersQueries)
+        mParser.Reply = [this](std::string_view answer) { mReplies += answer; };
+    mSession.Options(options);
+    if (options.flowControl != before.flowControl) Port().flowControl = options.flowControl;
+    if (options.encoding != before.encoding) UseEncoding();
+    Repaint(mViewport.Choose(options));
+}
+
+void TerminalControl::UseEncoding() {
+    mEncoding = {mOptions.encoding, mPlatform.codePage};
+    mParser.Encoding(mEncoding);
+    mEcho.Encoding(mEncoding);
+    Repaint(mViewport.Decode(ByteDecoder(mEncoding)));
 }
 
 // --- commands --------------------------------------------------------------------------------
@@ -147,7 +174,13 @@ void TerminalControl::PerformCommand(TerminalCommand command) {
         case TerminalCommand::Reset:
             mScreen.Reset();
             return Clear();
-        case TerminalCommand::Settings:
+        case TerminalCommand::SendBreak:
+            return SendBreak();
+        case TerminalCommand::Dtr:
+            return Dtr(!Dtr());
+        case TerminalCommand::Rts:
+            return Rts(!Rts());
+        default:  // performed by the owner
             return;
     }
 }
@@ -180,19 +213,16 @@ void TerminalControl::OfferAlways(TerminalCommand command) {
     mOfferedAlways.set(static_cast<std::size_t>(command));
 }
 
-bool TerminalControl::Offered(TerminalCommand command) const {
-    if (mOfferedAlways.test(static_cast<std::size_t>(command))) return true;
-    if (command == TerminalCommand::Open) return !PortOpen();
-    if (command == TerminalCommand::Close || command == TerminalCommand::Paste) return PortOpen();
-    return command != TerminalCommand::Copy || !mViewport.Selection().Empty();
-}
-
-std::vector<OfferedCommand> TerminalControl::ContextMenu() const {
-    std::vector<OfferedCommand> menu;
-    menu.reserve(kMenu.size());
-    for (const auto& [command, text, startsGroup] : kMenu)
-        menu.push_back({command, mPlatform.strings.Text(text), Offered(command), startsGroup});
-    return menu;
+std::vector<OfferedCommand> TerminalControl::ContextMenu() {
+    return MakeTerminalMenu(mPlatform.strings, {.portOpen = PortOpen(),
+                                                .selected = !mViewport.Selection().Empty(),
+                                                .always = mOfferedAlways,
+                                                .options = mOptions,
+                                                .dtr = Dtr(),
+                                                .rts = Rts(),
+                                                .lines = Lines(),
+                                                .errors = Errors(),
+                                                .captureFile = CaptureFile()});
 }
 
 // --- selection and view ----------------------------------------------------------------------
@@ -233,38 +263,52 @@ void TerminalControl::Copy() {
 }
 
 void TerminalControl::Paste() {
+    if (!PortOpen()) return Beep();
+    const std::shared_ptr<void> keepAlive = KeepParent();
     const std::string text = WithLineEnds(mPlatform.clipboard.Text(), "\r");
-    if (!PortOpen() || !RefusePaste(text)) Type(text);
+    if (RefusePaste(text) || DeclinesPaste(text) || Parent().Gone()) return;
+    // What Enter sends, also after the far end has asked for CR LF.
+    const std::string_view enter = mScreen.modes.lineFeedReturns
+                                       ? "\r\n"
+                                       : kEnters.at(static_cast<std::size_t>(mOptions.enterKey));
+    const std::string bytes = mEncoding.Encode(WithLineEnds(text, enter)).value_or(std::string());
+    Transmit([&] {
+        if (mOptions.pastePace == PastePace::Line)
+            mSession.SendPaced(bytes, enter);
+        else
+            mSession.Send(bytes);
+    });
 }
 
 /// True when `text` cannot be sent; a message box has then given the reason.
 bool TerminalControl::RefusePaste(const std::string& text) {
-    if (!LacksAny(mPlatform.codePage, text)) return false;
-    int line = 1;
-    for (std::string_view rest = text; !rest.empty();) {
-        const std::string character(FirstCharacter(rest));
-        if (LacksAny(mPlatform.codePage, character)) {
-            std::string told = mPlatform.strings.Text(Str::PasteRefused);
-            told.replace(told.find("%1"), 2, NameOf(character));
-            told.replace(told.find("%2"), 2, std::to_string(line));
-            mPlatform.boxes.Show(
-                {.text = told, .icon = BoxIcon::Exclamation, .owner = Parent().WindowHandle()});
-            return true;
-        }
-        if (character == "\r") ++line;
-        rest.remove_prefix(character.size());
-    }
-    return false;
+    const std::string_view missing = mEncoding.FirstMissing(text);
+    if (missing.empty()) return false;
+    const auto line = std::count(text.data(), missing.data(), '\r') + 1;
+    std::string told = mPlatform.strings.Text(Str::PasteRefused);
+    told = Replaced(std::move(told), "%1", NameOf(missing));
+    told = Replaced(std::move(told), "%2", std::to_string(line));
+    mPlatform.boxes.Show(
+        {.text = told, .icon = BoxIcon::Exclamation, .owner = Parent().WindowHandle()});
+    return true;
+}
+
+/// True when the user, asked because `text` is long, does not want to send it.
+bool TerminalControl::DeclinesPaste(const std::string& text) {
+    const auto lines = std::ranges::count(text, '\r') + (text.ends_with('\r') ? 0 : 1);
+    if (!mOptions.askBeforeLongPaste || lines <= kMostUnasked) return false;
+    return mPlatform.boxes.Show({.text = Replaced(mPlatform.strings.Text(Str::LongPaste), "%1",
+                                                  std::to_string(lines)),
+                                 .icon = BoxIcon::Question,
+                                 .buttons = BoxButtons::YesNo,
+                                 .owner = Parent().WindowHandle(),
+                                 .declinesByDefault = true}) != BoxAnswer::Yes;
 }
 
 // --- the view --------------------------------------------------------------------------------
 
 void TerminalControl::Repaint(bool all) {
     if (all) Changed(Property::Repaint);
-}
-
-void TerminalControl::ChooseView(const TerminalOptions& options) {
-    Repaint(mViewport.Choose(options));
 }
 
 void TerminalControl::ScrollTo(std::int64_t firstLine) {

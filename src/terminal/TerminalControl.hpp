@@ -2,9 +2,9 @@
 // a context menu. It works without a peer, which only paints the screen and forwards user input.
 #pragma once
 
-#include <bitset>
 #include <cstddef>
 #include <cstdint>
+#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -14,36 +14,21 @@
 #include "controls/Control.hpp"
 #include "controls/Event.hpp"
 #include "platform/Platform.hpp"
+#include "terminal/TerminalEcho.hpp"
+#include "terminal/TerminalMenu.hpp"
+#include "terminal/TerminalOptions.hpp"
 #include "terminal/TerminalParser.hpp"
 #include "terminal/TerminalScreen.hpp"
 #include "terminal/TerminalSession.hpp"
 #include "terminal/TerminalViewport.hpp"
+#include "terminal/TextEncoding.hpp"
 
 namespace vantor {
 
-/// The terminal's commands, with the numbers of its interface.
-enum class TerminalCommand : std::uint8_t {
-    Copy = 1,       ///< the selection to the clipboard
-    Paste = 2,      ///< types the clipboard's text
-    SelectAll = 3,  ///< selects the whole text
-    Open = 7,       ///< opens the port
-    Close = 8,      ///< closes the port
-    Clear = 9,      ///< clears the screen; its text stays in the history
-    Reset = 10,     ///< resets colours, scroll region and modes, and clears the screen
-    Settings = 11,  ///< shows the port settings; performed by the owner of the terminal
-};
-
-/// One entry of the context menu.
-struct OfferedCommand {
-    TerminalCommand command;
-    std::string caption;  ///< UTF-8
-    bool enabled;
-    bool startsGroup;  ///< preceded by a separator
-};
-
 /// Member numbers are those of the interface of the vendor's terminal. Bytes in both directions
-/// pass unchanged; the screen shows them as characters of the system's 8-bit code page.
-/// Line errors are not raised: a failed open or a lost device shows only in `PortOpen`.
+/// pass unchanged; the screen shows them as characters of the line's encoding.
+/// Line errors are not raised: a failed open shows only in `PortOpen`, a lost device also in a line
+/// of the text.
 /// The terminal beeps when typed input cannot be sent. All beeps together are limited to four per
 /// second.
 ///
@@ -65,6 +50,18 @@ public:
     /// Waits at most 2 seconds until all queued output is on the line, before the user's close.
     /// Does not pump messages, because the windows may be about to be destroyed.
     void DrainOutput() { mSession.DrainOutput(); }
+    /// True when the driver has accepted everything that was sent.
+    bool FlushPending() { return mSession.FlushPending(); }
+    /// Discards what the driver has not accepted, except the rest of a partly sent line.
+    void DropPendingLines() { mSession.DropPendingLines(); }
+
+    /// See TerminalSession. DTR and RTS are asserted after each open.
+    void Dtr(bool asserted) { mSession.Dtr(asserted); }
+    bool Dtr() const { return mSession.Dtr(); }
+    void Rts(bool asserted) { mSession.Rts(asserted); }
+    bool Rts() const { return mSession.Rts(); }
+    std::optional<ModemLines> Lines() { return mSession.Lines(); }
+    LineErrors Errors() { return mSession.Errors(); }
 
     /// Member 16: see TerminalSession::CaptureFile.
     const std::string& CaptureFile() const { return mSession.CaptureFile(); }
@@ -84,9 +81,14 @@ public:
     /// Member 55: the kind of flow control. Raises RuntimeError 380 for any but 0 (none).
     void Handshake(int kind);
 
-    /// Member 112: shows typed and transmitted text at once, instead of when the far end
-    /// echoes it.
+    /// Member 112: shows typed and transmitted text when it is sent, instead of when the far end
+    /// echoes it. Control characters are shown as "^[".
     bool LocalEcho = false;
+
+    /// What the user has chosen. Replaces `LocalEcho`, member 113 and the flow control of the port,
+    /// which is used at its next open.
+    const TerminalOptions& Options() const { return mOptions; }
+    void Options(const TerminalOptions& options);
 
     /// Member 121 with the value 2: the context menu offers `command` at any time. Without it, only
     /// while it has an effect; greyed otherwise.
@@ -99,14 +101,21 @@ public:
     // --- user input ---------------------------------------------------------------------------
 
     /// The current context menu, top to bottom.
-    std::vector<OfferedCommand> ContextMenu() const;
+    std::vector<OfferedCommand> ContextMenu();
     /// Invokes an entry of the context menu.
     void Invoke(TerminalCommand command);
 
-    /// Bytes as typed, in the system's 8-bit code page; Enter is CR. Beeps if the port is closed.
+    /// Bytes as typed, in the line's encoding. Beeps if the port is closed. A lone ESC during a
+    /// paced paste ends that instead, and is not sent.
     void Key(std::string_view bytes);
-    /// UTF-8 text as typed. Beeps and sends nothing when the code page lacks a character of it.
+    /// UTF-8 text as typed. Beeps and sends nothing when the encoding lacks a character of it.
     void Type(const std::string& text);
+    /// Sends `bytes` unchanged. Beeps if the port is closed. See ParseBytes.
+    void SendBytes(std::string_view bytes);
+    /// Sends a break of 250 ms, without waiting for its end. Beeps if the port is closed.
+    void SendBreak();
+    /// The encoding of the line.
+    const TextEncoding& Encoding() const { return mEncoding; }
 
     void SelectAll();
     /// Selects the text between `anchor` and `end`, in either order.
@@ -116,8 +125,11 @@ public:
     /// Copies the selection; leaves the clipboard unchanged when nothing is selected.
     void Copy();
     /// Types the clipboard's text, each of its line ends as Enter. A text with a character that
-    /// the code page lacks is refused as a whole: a box names the character and its line.
+    /// the encoding lacks is refused as a whole: a box names the character and its line. If the
+    /// user has chosen so, a box asks before more than 20 lines, and a line is sent every 50 ms.
     void Paste();
+    /// Lines of a paced paste wait to be sent.
+    bool Pasting() const { return mSession.Pasting(); }
 
     // --- state to paint -----------------------------------------------------------------------
 
@@ -131,9 +143,6 @@ public:
     std::int64_t FirstShownLine() const { return mViewport.FirstShownLine(); }
 
     // --- the view -----------------------------------------------------------------------------
-
-    /// Applies the view mode, the notation and the time stamps.
-    void ChooseView(const TerminalOptions& options);
 
     void ScrollTo(std::int64_t firstLine);
     void Scroll(ScrollStep step);
@@ -163,24 +172,31 @@ public:
     void ScreenSize(int columns, int rows);
 
 private:
-    void Received(std::string_view bytes) override;
+    void Received(std::string_view bytes, std::int64_t timeMs) override;
+    void Sent(std::string_view bytes) override;
+    void Notice(const std::string& text) override;
     std::shared_ptr<void> KeepAlive() const override { return KeepParent(); }
 
-    void Show(std::string_view bytes);
-    void Send(std::string_view bytes);
+    void Change(const std::function<void()>& write);
+    void Transmit(const std::function<void()>& send);
+    void UseEncoding();
     void Clear();
     void Beep();
     /// Repaints when `all` says that the whole window has changed.
     void Repaint(bool all = true);
     bool RefusePaste(const std::string& text);
-    bool Offered(TerminalCommand command) const;
+    bool DeclinesPaste(const std::string& text);
 
     Platform& mPlatform;
     TerminalSession mSession;
     TerminalScreen mScreen;
     TerminalParser mParser{mScreen};
+    TerminalEcho mEcho{mScreen};
+    TextEncoding mEncoding;
+    TerminalOptions mOptions;
+    std::string mReplies;  // of the parser, sent after it
     TerminalViewport mViewport{mScreen};
-    std::bitset<12> mOfferedAlways;          // by command
+    TerminalCommands mOfferedAlways;
     std::optional<std::uint32_t> mBeepedAt;  // milliseconds of the clock
     bool mFollowOutput = false;
 };

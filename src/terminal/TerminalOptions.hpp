@@ -3,6 +3,9 @@
 
 #include <cstdint>
 
+#include "platform/SerialPort.hpp"
+#include "terminal/TextEncoding.hpp"
+
 namespace vantor {
 
 /// How received bytes are shown.
@@ -30,14 +33,18 @@ enum class PastePace : std::uint8_t {
     Line,  ///< a line every 50 ms, as a text file is sent
 };
 
+/// Limits of the font size, in points.
+inline constexpr int kSmallestPoints = 6;
+inline constexpr int kLargestPoints = 36;
+
 struct TerminalOptions {
     // Shown
     ViewMode view = ViewMode::Text;
     ControlNotation controlNotation = ControlNotation::Pictures;
     TimeStamps timeStamps = TimeStamps::Off;
-    bool captureTimeStamps = false;  ///< in the capture file too
+    bool captureTimeStamps = false;  ///< in captures too; times of day if the view has none
     bool darkScheme = false;
-    int fontPoints = 0;  ///< 0: as designed
+    int fontPoints = 0;  ///< 0: as designed; otherwise within the limits above
 
     // Sent
     bool localEcho = false;
@@ -51,8 +58,10 @@ struct TerminalOptions {
     bool returnFeeds = false;     ///< a received CR also moves to the next row
     bool answersQueries = false;  ///< device attributes and status reports
 
-    // The port
-    bool reopens = false;  ///< opens a lost port again when it is back
+    // The line
+    LineEncoding encoding = LineEncoding::System;
+    FlowControl flowControl = FlowControl::None;  ///< from the next open on
+    bool reopens = false;                         ///< opens a lost port again when it is back
 
     friend bool operator==(const TerminalOptions&, const TerminalOptions&) = default;
 };

@@ -40,6 +40,8 @@ protected:
     }
 
     static constexpr int kPatience = 1000;
+    static constexpr char kXon = 0x11;
+    static constexpr char kXoff = 0x13;
 };
 INSTANTIATE_CONTRACT(SerialPortContract);
 
@@ -60,6 +62,58 @@ TEST_P(SerialPortContract, AnOpenPortIsBusyUntilItIsClosedAndARefusedOpenLeavesI
     EXPECT_EQ(ErrorOf([&] { Open(); }), 70);
     port.reset();
     EXPECT_EQ(ErrorOf([&] { Open({9600, Parity::None, 8, 1}); }), 0);
+}
+
+// A pseudo-terminal shows that the port opens with these settings, and XOFF. It does not show the
+// speed (PosixTest reads it back), has no CTS, and never sends XOFF itself.
+TEST_P(SerialPortContract, ALineOfAnySpeedAndFlowControlCarriesBytesBothWays) {
+    NEEDS_FAR_END();
+    using enum FlowControl;
+    for (const LineSettings& line :
+         {LineSettings{12345, Parity::None, 8, 1}, LineSettings{250000, Parity::None, 8, 1},
+          LineSettings{3000000, Parity::None, 8, 1},
+          LineSettings{9600, Parity::None, 8, 1, Hardware},
+          LineSettings{9600, Parity::None, 8, 1, Software}}) {
+        const auto port = Open(line);
+        std::string bytes = AllBytes();
+        if (line.flowControl == Software)
+            std::erase_if(bytes, [](char byte) { return byte == kXon || byte == kXoff; });
+        farEnd->Send(bytes);
+        EXPECT_EQ(Read(*port, bytes.size()), bytes) << line.bitsPerSecond;
+        EXPECT_EQ(port->Write(bytes), bytes.size()) << line.bitsPerSecond;
+        EXPECT_EQ(FarEndReads(bytes.size()), bytes) << line.bitsPerSecond;
+    }
+}
+
+TEST_P(SerialPortContract, XoffHoldsTheOutputUntilXonAndNeitherIsData) {
+    NEEDS_FAR_END();
+    const auto port = Open({9600, Parity::None, 8, 1, FlowControl::Software});
+    farEnd->Send({&kXoff, 1});
+    farEnd->Send("stopped");
+    EXPECT_EQ(Read(*port, 7), "stopped");
+    std::size_t written = port->Write("data");
+    for (int i = 0; i < 50; ++i, clock->Sleep(1)) EXPECT_EQ(farEnd->Receive(), "");
+    farEnd->Send({&kXon, 1});
+    EXPECT_TRUE(Becomes([&] { return written != 0 || (written = port->Write("data")) != 0; }));
+    EXPECT_EQ(FarEndReads(4), "data");
+    EXPECT_EQ(port->InputCount(), 0u);
+}
+
+// As a pseudo-terminal is. It hides whether a port that has the lines sets and reads them: for
+// POSIX and Windows, tests with replaced system calls show that.
+TEST_P(SerialPortContract, APortWithoutModemLinesIgnoresThemAndCarriesBytesOn) {
+    NEEDS_FAR_END();
+    const auto port = Open();
+    for (const bool on : {true, false, true}) {
+        port->Break(on);
+        port->Dtr(!on);
+        port->Rts(!on);
+    }
+    port->Break(false);
+    EXPECT_EQ(port->Lines(), std::nullopt);
+    EXPECT_EQ(port->Errors(), LineErrors{});
+    EXPECT_EQ(port->Write("data"), 4u);
+    EXPECT_EQ(FarEndReads(5), "data");
 }
 
 TEST_P(SerialPortContract, EveryByteArrivesUnchangedAndOnce) {
@@ -153,8 +207,10 @@ TEST_P(SerialPortContract, ADeviceThatGoesAwayIsError57FromEveryOperationAndTold
     EXPECT_EQ(calls, 1);
     std::array<char, 4> buffer{};
     const std::function<void()> kOperations[] = {
-        [&] { port->InputCount(); }, [&] { port->Read(buffer); }, [&] { port->Write("x"); },
-        [&] { port->OutputCount(); }, [&] { port->DiscardInput(); }};
+        [&] { port->InputCount(); },  [&] { port->Read(buffer); },   [&] { port->Write("x"); },
+        [&] { port->OutputCount(); }, [&] { port->DiscardInput(); }, [&] { port->Break(true); },
+        [&] { port->Dtr(false); },    [&] { port->Rts(false); },     [&] { port->Lines(); },
+        [&] { port->Errors(); }};
     for (const auto& operation : kOperations) EXPECT_EQ(ErrorOf(operation), 57);
 }
 

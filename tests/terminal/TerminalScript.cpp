@@ -140,13 +140,18 @@ struct Subject {
         now["clipboard"] = Quoted(platform.clipboard.Text());
         events["sent"] = Quoted(std::exchange(wire.received, {}), Quoting::Bytes);
         events["beeps"] = to_string(std::exchange(platform.boxes.beeps, 0));
+        events["line"] = std::exchange(wire.signals, {});
         for (const std::string& box : Told(platform)) events["box"] += Quoted(box);
+        for (const MessageBoxRequest& box : platform.boxes.shown)
+            if (box.icon == BoxIcon::Question)
+                events["question"] = Quoted(box.text) + (box.declinesByDefault ? " No" : " Yes");
         platform.boxes.shown.clear();
         std::string text;
         for (const auto& [kind, value] : now)
             if (value != before[kind]) text += "    " + kind + " " + value + "\n";
         for (const auto& [kind, value] : std::exchange(events, {}))
-            if (value != "\"\"" && value != "0") text += "    " + kind + " " + value + "\n";
+            if (value != "\"\"" && value != "0" && !value.empty())
+                text += "    " + kind + " " + value + "\n";
         before = std::move(now);
         return text;
     }
@@ -157,6 +162,8 @@ struct Subject {
         now["selected"] = com.Selection().Empty() ? "nothing" : Quoted(com.SelectedText());
         now["looks"] = "0";
         now["capture"] = Quoted(com.CaptureFile());
+        now["pasting"] = com.Pasting() ? "yes" : "no";
+        now["asserted"] = std::string(com.Dtr() ? " DTR" : "") + (com.Rts() ? " RTS" : "");
         const bool newest = com.FirstShownLine() == com.View().TopLine();
         now["view"] = newest ? "newest" : "from " + to_string(com.FirstShownLine());
         for (int row = 0; row < screen.Rows(); ++row) {
@@ -214,7 +221,6 @@ struct Subject {
     Notes events;
     std::map<int, std::string> pictures;  // of the rows as last seen
     std::map<int, std::string> windowRows;
-    TerminalOptions options;
     std::function<void()> onCommand;
     bool shows = false;
     bool handles = false;
@@ -233,11 +239,11 @@ bool Says(const Words& words, std::string_view word) {
 }
 
 /// The index of the word that `words` contain.
-template <typename Choice>
-Choice OneOf(const Words& words, std::initializer_list<std::string_view> choices) {
+template <typename Value>
+Value OneOf(const Words& words, std::initializer_list<std::string_view> choices) {
     int index = 0;
     while (!Says(words, choices.begin()[index])) ++index;
-    return static_cast<Choice>(index);
+    return static_cast<Value>(index);
 }
 
 void Press(Subject& subject, const Words& words) {
@@ -254,6 +260,22 @@ void Find(Subject& subject, const Words& words) {
     constexpr std::array kFound = {"nothing", "hit", "hit after wrapping"};
     subject.events["found"] = kFound.at(static_cast<std::size_t>(found));
 }
+
+/// Sets an option of `choose` to a number.
+using Choice = void (*)(TerminalOptions&, int);
+const std::map<std::string, Choice> kChoices = {
+    {"answers", [](auto& o, int n) { o.answersQueries = n != 0; }},
+    {"asks", [](auto& o, int n) { o.askBeforeLongPaste = n != 0; }},
+    {"echo", [](auto& o, int n) { o.localEcho = n != 0; }},
+    {"encoding", [](auto& o, int n) { o.encoding = LineEncoding(n); }},
+    {"enter", [](auto& o, int n) { o.enterKey = EnterKey(n); }},
+    {"flow", [](auto& o, int n) { o.flowControl = FlowControl(n); }},
+    {"pace", [](auto& o, int n) { o.pastePace = PastePace(n); }},
+    {"reopens", [](auto& o, int n) { o.reopens = n != 0; }},
+    {"returnfeeds", [](auto& o, int n) { o.returnFeeds = n != 0; }},
+    {"stamps", [](auto& o, int n) { o.timeStamps = TimeStamps(n); }},
+    {"capturestamps", [](auto& o, int n) { o.captureTimeStamps = n != 0; }},
+};
 
 using Verb = void (*)(Subject&, const Words&);
 const std::map<std::string, Verb> kVerbs = {
@@ -274,6 +296,18 @@ const std::map<std::string, Verb> kVerbs = {
     {"type", [](auto& s, auto& w) { s.com.Type(w.at(1)); }},
     {"output", [](auto& s, auto& w) { s.com.Output(w.at(1)); }},
     {"echo", [](auto& s, auto&) { s.com.LocalEcho = true; }},
+    {"choose",
+     [](auto& s, auto& w) {
+         TerminalOptions options = s.com.Options();
+         kChoices.at(w.at(1))(options, Number(w, 2));
+         s.com.Options(options);
+     }},
+    {"bytes", [](auto& s, auto& w) { s.com.SendBytes(w.at(1)); }},
+    {"break", [](auto& s, auto&) { s.com.SendBreak(); }},
+    {"dtr", [](auto& s, auto& w) { s.com.Dtr(w.at(1) == "on"); }},
+    {"rts", [](auto& s, auto& w) { s.com.Rts(w.at(1) == "on"); }},
+    {"cancel", [](auto& s, auto&) { s.com.DropPendingLines(); }},
+    {"declines", [](auto& s, auto&) { s.platform.boxes.answers = {BoxAnswer::No}; }},
     {"endless", [](auto& s, auto&) { s.com.EndLines = false; }},
     {"returnfeeds", [](auto& s, auto&) { s.com.Screen().modes.returnFeeds = true; }},
     {"clipboard", [](auto& s, auto& w) { s.platform.clipboard.Text(w.at(1)); }},
@@ -292,10 +326,10 @@ const std::map<std::string, Verb> kVerbs = {
      }},
     {"menu",
      [](auto& s, auto&) {
-         for (const auto& [command, caption, enabled, startsGroup] : s.com.ContextMenu())
-             s.events["menu"] += (startsGroup ? " -- " : " ") +
-                                 to_string(static_cast<int>(command)) + " " + caption +
-                                 (enabled ? ";" : " (grey);");
+         for (const OfferedCommand& entry : s.com.ContextMenu())
+             s.events["menu"] += (entry.startsGroup ? " -- " : " ") +
+                                 to_string(static_cast<int>(entry.command)) + " " + entry.caption +
+                                 (entry.enabled ? ";" : " (grey);");
      }},
     {"owner",  // performs or leaves commands, after an ACTION
      [](auto& s, auto& w) {
@@ -325,15 +359,11 @@ const std::map<std::string, Verb> kVerbs = {
      }},
     {"view",
      [](auto& s, auto& w) {
-         s.options.view = OneOf<ViewMode>(w, {"text", "controls", "hex"});
-         s.options.controlNotation =
+         TerminalOptions options = s.com.Options();
+         options.view = OneOf<ViewMode>(w, {"text", "controls", "hex"});
+         options.controlNotation =
              Says(w, "numbers") ? ControlNotation::Numbers : ControlNotation::Pictures;
-         s.com.ChooseView(s.options);
-     }},
-    {"stamps",
-     [](auto& s, auto& w) {
-         s.options.timeStamps = OneOf<TimeStamps>(w, {"off", "time", "since"});
-         s.com.ChooseView(s.options);
+         s.com.Options(options);
      }},
     {"step",
      [](auto& s, auto& w) {

@@ -477,6 +477,7 @@ std::string StyleOf(const ControlStyle& style) {
           std::pair(style.verbatim, "verbatim"), std::pair(style.defaultButton, "default button"),
           std::pair(style.cancelButton, "cancel button"),
           std::pair(style.holdsFocus, "holds the focus"), std::pair(style.clickable, "clickable"),
+          std::pair(style.editable, "editable"),
           std::pair(style.ground == Ground::Banner, "banner"),
           std::pair(style.ground == Ground::CaptionBar, "caption bar")})
         if (holds) text += std::string(", ") + name;

@@ -174,6 +174,16 @@ private:
         throw std::runtime_error("no window " + name);
     }
 
+    void NoteMenu(const std::vector<OfferedCommand>& menu, const std::string& indent) {
+        for (const OfferedCommand& entry : menu) {
+            const int number = static_cast<int>(entry.command);
+            mRecorder->Note(indent + (entry.startsGroup ? "-- " : "") +
+                            (number == 0 ? "" : std::to_string(number) + " ") + entry.caption +
+                            (entry.checked ? ", checked" : "") + (entry.enabled ? "" : ", grey"));
+            NoteMenu(entry.children, indent + "    ");
+        }
+    }
+
     void Connect() {
         Headless().ports.Plug("COM1", mWire ? static_cast<FarEnd&>(*mWire) : *mFarEnd);
     }
@@ -299,6 +309,11 @@ const std::map<std::string, Scenario::Verb>& Scenario::Verbs() {
          [](S& s, W& w) {
              auto& combo = s.Find<ComboBox>(w.at(1));
              combo.Choose(FindStringComboBox(combo, w.at(2)));
+         }},
+        {"enters", [](S& s, W& w) { s.Find<ComboBox>(w.at(1)).Text(w.at(2)); }},
+        {"offers",  // the terminal's context menu
+         [](S& s, W&) {
+             s.NoteMenu(s.Find<TerminalControl>("comMonitor").ContextMenu(), "menu ");
          }},
         {"selects",
          [](S& s, W& w) {

@@ -1,6 +1,8 @@
 // What a serial driver is asked for. The calls of the port to the system are replaced.
 #include <algorithm>
+#include <array>
 #include <memory>
+#include <string>
 #include <utility>
 
 #include "platform/win32/services/Win32MessagePump.hpp"
@@ -19,6 +21,9 @@ struct Driver {
     DWORD queueBytes = 0;
     OVERLAPPED* wait = nullptr;
     int waits = 0;
+    std::string signals;
+    DWORD modemLines = 0;
+    DWORD errors = 0;
 
     void EndWait() {
         if (wait == nullptr) return;
@@ -31,7 +36,27 @@ struct Driver {
 
 REPLACED(GetCommState, [](HANDLE, DCB*) { return TRUE; });
 REPLACED(PurgeComm, [](HANDLE, DWORD) { return TRUE; });
-REPLACED(ClearCommError, [](HANDLE, DWORD*, COMSTAT*) { return TRUE; });
+REPLACED(ClearCommError, [](HANDLE, DWORD* errors, COMSTAT*) {
+    *errors = std::exchange(gDriver.errors, 0);
+    return TRUE;
+});
+REPLACED(SetCommBreak, [](HANDLE) {
+    gDriver.signals += "break on; ";
+    return TRUE;
+});
+REPLACED(ClearCommBreak, [](HANDLE) {
+    gDriver.signals += "break off; ";
+    return TRUE;
+});
+REPLACED(EscapeCommFunction, [](HANDLE, DWORD function) {
+    constexpr std::array kNames = {"RTS on; ", "RTS off; ", "DTR on; ", "DTR off; "};
+    gDriver.signals += kNames.at(function - SETRTS);
+    return TRUE;
+});
+REPLACED(GetCommModemStatus, [](HANDLE, DWORD* lines) {
+    *lines = gDriver.modemLines;
+    return TRUE;
+});
 REPLACED(SetCommState, [](HANDLE, DCB* block) {
     gDriver.block = *block;
     return TRUE;
@@ -98,6 +123,59 @@ TEST_F(Serial, TheLineIsRawWithBothSignalsOnAndTheWantedFormat) {
         EXPECT_GE(gDriver.queueBytes, 65536u);
         port.reset();
     }
+}
+
+TEST_F(Serial, FlowControlIsTheDriversWithLimitsThatItsFirstQueueHolds) {
+    Open({250000, Parity::None, 8, 1, FlowControl::Hardware});
+    const DCB hardware = gDriver.block;
+    EXPECT_EQ(hardware.BaudRate, 250000u);
+    EXPECT_EQ(hardware.fRtsControl, DWORD{RTS_CONTROL_HANDSHAKE});
+    EXPECT_EQ(hardware.fDtrControl, DWORD{DTR_CONTROL_ENABLE});
+    EXPECT_TRUE(hardware.fOutxCtsFlow && !hardware.fOutX && !hardware.fInX);
+    port.reset();
+    Open({9600, Parity::None, 8, 1, FlowControl::Software});
+    const DCB software = gDriver.block;
+    EXPECT_EQ(software.fRtsControl, DWORD{RTS_CONTROL_ENABLE});
+    EXPECT_TRUE(!software.fOutxCtsFlow && software.fOutX && software.fInX);
+    EXPECT_TRUE(software.fTXContinueOnXoff) << "a full queue here would stop the output";
+    EXPECT_EQ(software.XonChar, 0x11);
+    EXPECT_EQ(software.XoffChar, 0x13);
+    for (const DCB& block : {hardware, software}) {
+        EXPECT_FALSE(block.fAbortOnError) << "an error would end all transfers";
+        EXPECT_TRUE(block.XonLim > 0 && block.XoffLim > 0 && block.XonLim + block.XoffLim < 4096);
+    }
+}
+
+TEST_F(Serial, SignalsAreSetAndABreakEndsWithThePort) {
+    for (const auto& [flowControl, signals] :
+         {std::pair{FlowControl::None, "DTR off; RTS off; DTR on; RTS on; break on; break off; "},
+          std::pair{FlowControl::Hardware, "DTR off; DTR on; break on; break off; "}}) {
+        Open({9600, Parity::None, 8, 1, flowControl});
+        for (const bool on : {false, true}) {
+            port->Dtr(on);
+            port->Rts(on);
+        }
+        port->Break(true);
+        port.reset();
+        EXPECT_EQ(gDriver.signals, signals);
+    }
+}
+
+TEST_F(Serial, EveryModemLineIsReadAndEveryErrorCountedWhicheverCallClearsIt) {
+    Open({});
+    constexpr DWORD kBits[] = {MS_CTS_ON, MS_DSR_ON, MS_RLSD_ON, MS_RING_ON};
+    constexpr ModemLines kLines[] = {{.cts = true}, {.dsr = true}, {.dcd = true}, {.ri = true}};
+    for (std::size_t i = 0; i < 4; ++i) {
+        gDriver.modemLines = kBits[i];
+        EXPECT_EQ(port->Lines(), kLines[i]) << i;
+    }
+    constexpr DWORD kErrors[] = {CE_FRAME, CE_RXPARITY | CE_FRAME, CE_OVERRUN, CE_RXOVER, CE_BREAK};
+    for (const DWORD errors : kErrors) {
+        gDriver.errors = errors;
+        port->InputCount();
+    }
+    EXPECT_EQ(port->Errors(), (LineErrors{.framing = 2, .parity = 1, .overrun = 2}));
+    port.reset();
 }
 
 // An adapter holds back a reply without an event character, or while nobody waits for its event.

@@ -41,9 +41,10 @@ public:
         const auto [buttons, refusal] = kButtonSets[static_cast<std::size_t>(request.buttons)];
         const UINT icon = kIcons[static_cast<std::size_t>(request.icon)];
         const UINT modality = owner == nullptr ? MB_TASKMODAL : MB_APPLMODAL;
+        const UINT preset = request.declinesByDefault ? MB_DEFBUTTON2 : MB_DEFBUTTON1;
         const std::wstring title = ToWide(request.title.empty() ? mDefaultTitle : request.title);
         switch (MessageBoxW(owner, ToWide(request.text).c_str(), title.c_str(),
-                            icon | buttons | modality)) {
+                            icon | buttons | preset | modality)) {
             case IDYES:
                 return BoxAnswer::Yes;
             case IDNO:

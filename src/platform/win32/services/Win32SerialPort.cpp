@@ -110,7 +110,8 @@ public:
     Win32SerialPort(Win32MessagePump& pump, const std::wstring& name, const LineSettings& line)
         : mPump(pump), mLine(line), mClaim(Claim(name)), mDevice(OpenDevice(name)) {
         Configure(name);
-        Look();
+        COMSTAT unused{};
+        Look(unused);
         mErrors = {};  // from before
     }
     ~Win32SerialPort() override {
@@ -250,12 +251,12 @@ private:
     // The callback may destroy this port: a copy is called, and no member is used after it.
     void PollInput() {
         mWatch->Arm();  // before the check, so that no byte arrives unnoticed in between
-        const std::optional<COMSTAT> queues = mGone ? std::nullopt : Look();
-        const bool gone = !queues;
-        if (!gone && queues->cbInQue == 0) return;
+        COMSTAT queues{};
+        const bool gone = mGone || !Look(queues);
+        if (!gone && queues.cbInQue == 0) return;
         mPump.Attend();
         constexpr DWORD kPlenty = 1024;
-        if (!gone && queues->cbInQue >= kPlenty) mPump.PollAgain();
+        if (queues.cbInQue >= kPlenty) mPump.PollAgain();
         const std::function<void()> notify = mNotify;
         if (gone) {
             mGone = true;
@@ -270,22 +271,21 @@ private:
         mNotify = nullptr;
     }
 
-    /// One system call, since wait loops call this; empty when the device is lost. The call clears
+    /// One system call, since wait loops call this; false when the device is lost. The call clears
     /// the flags of errors, so each is counted here.
-    std::optional<COMSTAT> Look() {
-        COMSTAT queues{};
+    bool Look(COMSTAT& queues) {
         DWORD flags = 0;
-        if (ClearCommError(mDevice.Get(), &flags, &queues) == 0) return std::nullopt;
+        if (ClearCommError(mDevice.Get(), &flags, &queues) == 0) return false;
         if ((flags & CE_FRAME) != 0) ++mErrors.framing;
         if ((flags & CE_RXPARITY) != 0) ++mErrors.parity;
         if ((flags & (CE_OVERRUN | CE_RXOVER)) != 0) ++mErrors.overrun;
-        return queues;
+        return true;
     }
 
     COMSTAT Queues() {
-        const std::optional<COMSTAT> queues = mGone ? std::nullopt : Look();
-        if (!queues) RaiseGone();
-        return *queues;
+        COMSTAT queues{};
+        if (mGone || !Look(queues)) RaiseGone();
+        return queues;
     }
 
     [[noreturn]] void RaiseGone() {

@@ -354,14 +354,28 @@ private:
     /// The number of the command that the user chooses; 0 for none.
     int AskForCommand(POINT at) const {
         const Win32Object<HMENU> menu(CreatePopupMenu());
-        for (const OfferedCommand& offered : mControl.ContextMenu()) {
-            if (offered.startsGroup) AppendMenuW(menu.get(), MF_SEPARATOR, 0, nullptr);
-            AppendMenuW(menu.get(), offered.enabled ? MF_STRING : MF_STRING | MF_GRAYED,
-                        static_cast<UINT_PTR>(offered.command), ToWide(offered.caption).c_str());
-        }
+        AppendEntries(menu.get(), mControl.ContextMenu());
         return static_cast<int>(TrackPopupMenu(menu.get(),
                                                TPM_RETURNCMD | TPM_NONOTIFY | TPM_RIGHTBUTTON, at.x,
                                                at.y, 0, mWindow, nullptr));
+    }
+
+    /// Submenus are destroyed with the menu.
+    static void AppendEntries(HMENU menu, const std::vector<OfferedCommand>& entries) {
+        for (const OfferedCommand& entry : entries) {
+            if (entry.startsGroup) AppendMenuW(menu, MF_SEPARATOR, 0, nullptr);
+            UINT flags = MF_STRING;
+            if (!entry.enabled) flags |= MF_GRAYED;
+            if (entry.checked) flags |= MF_CHECKED;
+            auto id = static_cast<UINT_PTR>(entry.command);
+            if (!entry.children.empty()) {
+                const HMENU submenu = CreatePopupMenu();
+                AppendEntries(submenu, entry.children);
+                flags |= MF_POPUP;
+                id = reinterpret_cast<UINT_PTR>(submenu);
+            }
+            AppendMenuW(menu, flags, id, ToWide(entry.caption).c_str());
+        }
     }
 
     // --- text for screen readers ----------------------------------------------------------------

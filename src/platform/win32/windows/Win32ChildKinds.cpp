@@ -36,8 +36,10 @@ public:
 class ComboChild : public Win32ChildControl {
 public:
     explicit ComboChild(const ChildSource& source)
-        : Win32ChildControl(source,
-                            {L"COMBOBOX", WS_TABSTOP | WS_VSCROLL | DWORD{CBS_DROPDOWNLIST}}) {}
+        : Win32ChildControl(source, {L"COMBOBOX", WS_TABSTOP | WS_VSCROLL |
+                                                      (source.style.editable
+                                                           ? DWORD{CBS_DROPDOWN | CBS_AUTOHSCROLL}
+                                                           : DWORD{CBS_DROPDOWNLIST})}) {}
 
     std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM) override {
         if (message == WM_COMMAND) OnNotification(HIWORD(wParam));
@@ -55,6 +57,8 @@ private:
     // a closed one at every arrow key. In both cases several messages can announce one choice.
     void OnNotification(UINT notification) {
         const bool open = Send(CB_GETDROPPEDSTATE) != 0;
+        if (Style().editable && (notification == CBN_EDITCHANGE || notification == CBN_KILLFOCUS))
+            Combo().Text(ShownText());
         if (notification == CBN_SELENDCANCEL) FollowValue();
         if (notification != CBN_SELENDOK && (notification != CBN_SELCHANGE || open)) return;
         if (std::exchange(mChosen, true)) return;
@@ -76,9 +80,34 @@ private:
             mListed = Combo().Items();
             Send(CB_RESETCONTENT);
             for (const std::string& item : mListed) Send(CB_ADDSTRING, 0, ToWide(item).c_str());
+            WidenList();
         }
+        if (Style().editable && Combo().ListIndex() < 0) return FollowText();
         if (Send(CB_GETCURSEL) != Combo().ListIndex())
             Send(CB_SETCURSEL, static_cast<WPARAM>(Combo().ListIndex()));
+    }
+
+    std::string ShownText() const {
+        std::wstring text(static_cast<std::size_t>(GetWindowTextLengthW(Window())), L'\0');
+        const int length = GetWindowTextW(Window(), text.data(), static_cast<int>(text.size()) + 1);
+        text.resize(static_cast<std::size_t>(length));
+        return ToUtf8(text);
+    }
+
+    // What the user types is already there, and setting it again would move the caret.
+    void FollowText() const {
+        if (ShownText() != Combo().Text()) SetWindowTextW(Window(), ToWide(Combo().Text()).c_str());
+    }
+
+    /// Makes the open list as wide as its widest item.
+    void WidenList() const {
+        constexpr float kMarginTwips = 120;
+        LONG widest = 0;
+        for (const std::string& item : mListed)
+            widest = std::max(widest, TextExtent(ToWide(item)).cx);
+        const int scrollBar = GetSystemMetrics(SM_CXVSCROLL);
+        Send(CB_SETDROPPEDWIDTH,
+             static_cast<WPARAM>(widest + scrollBar + mContext.ToPixels(kMarginTwips)));
     }
 
     std::vector<std::string> mListed;  // the items that the window shows

@@ -63,18 +63,17 @@ std::optional<std::int64_t> HexText::ArrivedAt(std::int64_t line) const {
     return mBytes.TimeAt(std::max(OffsetOf(line), mBytes.First()));
 }
 
-std::u32string HexText::Searched(std::int64_t line, SearchIn what) const {
-    std::u32string text;
+void HexText::Searched(std::int64_t line, SearchIn what, std::u32string& seen) const {
+    seen.clear();
     const std::int64_t end = std::min(OffsetOf(line + 1), mBytes.End());
     for (std::int64_t offset = OffsetOf(line); offset < end; ++offset) {
         if (offset < mBytes.First())
-            text += kDropped;
+            seen += kDropped;
         else if (what == SearchIn::Bytes)
-            text += static_cast<unsigned char>(mBytes.At(offset));
+            seen += static_cast<unsigned char>(mBytes.At(offset));
         else
-            text += mDecoder.Shown(mBytes.At(offset));
+            seen += mDecoder.Shown(mBytes.At(offset));
     }
-    return text;
 }
 
 int HexText::SearchIndex(int column) const {

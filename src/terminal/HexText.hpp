@@ -29,7 +29,7 @@ public:
     bool Continues(std::int64_t) const override { return false; }
     std::optional<std::int64_t> ArrivedAt(std::int64_t line) const override;
     /// The bytes or their characters, without a break between lines.
-    std::u32string Searched(std::int64_t line, SearchIn what) const override;
+    void Searched(std::int64_t line, SearchIn what, std::u32string& seen) const override;
     bool SearchContinues(std::int64_t line) const override { return line + 1 < EndLine(); }
     int SearchIndex(int column) const override;
 

@@ -4,12 +4,12 @@
 
 namespace vantor {
 
-std::u32string ShownText::Searched(std::int64_t line, SearchIn what) const {
-    if (what == SearchIn::Bytes) return {};
+void ShownText::Searched(std::int64_t line, SearchIn what, std::u32string& seen) const {
+    seen.clear();
+    if (what == SearchIn::Bytes) return;
     const std::span<const Cell> cells = Line(line);
-    std::u32string text(cells.size(), U' ');
-    std::ranges::transform(cells, text.begin(), &Cell::character);
-    return text;
+    seen.resize(cells.size());
+    std::ranges::transform(cells, seen.begin(), &Cell::character);
 }
 
 std::int64_t ShownText::WrappedFrom(std::int64_t line) const {

@@ -30,8 +30,9 @@ public:
     /// Arrival of the first byte of `line`, in milliseconds; empty when nothing has arrived for it.
     virtual std::optional<std::int64_t> ArrivedAt(std::int64_t line) const = 0;
 
-    /// What a search sees of `line`; empty where the text has nothing of the kind.
-    virtual std::u32string Searched(std::int64_t line, SearchIn what) const;
+    /// Sets `seen` to what a search sees of `line`: to nothing where the text has nothing of the
+    /// kind.
+    virtual void Searched(std::int64_t line, SearchIn what, std::u32string& seen) const;
     /// True when a hit may extend from `line` into the next one.
     virtual bool SearchContinues(std::int64_t line) const { return Continues(line); }
     /// The index into `Searched` of what the cell at `column` shows; -1 for a cell that is not

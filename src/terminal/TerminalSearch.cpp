@@ -87,7 +87,8 @@ private:
         const auto kind = static_cast<std::size_t>(what);
         Known& known = mKnown[kind][static_cast<std::size_t>(line) % mKnown[kind].size()];
         if (known.line != line) {
-            known = {line, mText.Searched(line, what)};
+            known.line = line;
+            mText.Searched(line, what, known.text);
             if (what == SearchIn::Characters && !mSearch.mMatchCase) Fold(known.text);
         }
         return known.text;
@@ -119,21 +120,23 @@ TerminalSearch::TerminalSearch(std::string_view text, bool matchCase)
     if (!matchCase) Fold(mCharacters);
 }
 
-std::optional<TextPosition> TerminalSearch::Next(const ShownText& text, TextPosition from) const {
+std::optional<TextPosition> TerminalSearch::Next(const ShownText& text, TextPosition from,
+                                                 std::int64_t lastLine) const {
     if (Empty()) return {};
     Haystack haystack(*this, text);
-    for (std::int64_t line = std::max(from.line, text.FirstLine()); line < text.EndLine(); ++line)
+    const std::int64_t end = std::min(text.EndLine(), lastLine + 1);
+    for (std::int64_t line = std::max(from.line, text.FirstLine()); line < end; ++line)
         for (const Start& start : haystack.StartsIn(line))
             if (TextPosition{line, start.column} >= from) return TextPosition{line, start.column};
     return {};
 }
 
-std::optional<TextPosition> TerminalSearch::Previous(const ShownText& text,
-                                                     TextPosition from) const {
+std::optional<TextPosition> TerminalSearch::Previous(const ShownText& text, TextPosition from,
+                                                     std::int64_t lastLine) const {
     if (Empty()) return {};
     Haystack haystack(*this, text);
-    for (std::int64_t line = std::min(from.line, text.EndLine() - 1); line >= text.FirstLine();
-         --line) {
+    const std::int64_t end = std::max(text.FirstLine(), lastLine);
+    for (std::int64_t line = std::min(from.line, text.EndLine() - 1); line >= end; --line) {
         std::optional<TextPosition> last;
         for (const Start& start : haystack.StartsIn(line))
             if (TextPosition{line, start.column} < from) last = {line, start.column};

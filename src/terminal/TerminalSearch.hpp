@@ -21,10 +21,12 @@ public:
 
     bool Empty() const { return mCharacters.empty(); }
 
-    /// The first hit that starts at or after `from`, or, backwards, the last one before it. Does
-    /// not wrap around. Columns count as the indices of `ShownText::Searched`.
-    std::optional<TextPosition> Next(const ShownText& text, TextPosition from) const;
-    std::optional<TextPosition> Previous(const ShownText& text, TextPosition from) const;
+    /// The first hit that starts at or after `from`, or, backwards, the last one before it, as far
+    /// as `lastLine`. Does not wrap around. Columns count as the indices of `ShownText::Searched`.
+    std::optional<TextPosition> Next(const ShownText& text, TextPosition from,
+                                     std::int64_t lastLine) const;
+    std::optional<TextPosition> Previous(const ShownText& text, TextPosition from,
+                                         std::int64_t lastLine) const;
 
     /// A hit's part of a line, as indices into `ShownText::Searched`, the end exclusive.
     struct Part {

@@ -260,17 +260,20 @@ Found TerminalViewport::Find(std::string_view text, FindOptions options) {
     const bool again = mSought == text;  // then the current hit does not count
     mSought = text;
     mSearch.emplace(text, options.matchCase);
-    const auto search = [&](TextPosition from) {
-        return options.backwards ? mSearch->Previous(*mText, from) : mSearch->Next(*mText, from);
+    const auto search = [&](TextPosition from, std::int64_t lastLine) {
+        return options.backwards ? mSearch->Previous(*mText, from, lastLine)
+                                 : mSearch->Next(*mText, from, lastLine);
     };
+    const std::int64_t first = FirstLine();
+    const std::int64_t end = EndLine();
     const std::int64_t shown = FirstShownLine();
     TextPosition from = {options.backwards ? shown + Rows() : shown, 0};
     if (mHit) from = {mHit->line, mHit->column + (again != options.backwards ? 1 : 0)};
     Found found = Found::Hit;
-    mHit = search(from);
+    mHit = search(from, options.backwards ? first : end);
     if (!mHit) {
         found = Found::HitAfterWrapping;
-        mHit = search({options.backwards ? EndLine() : FirstLine(), 0});
+        mHit = search({options.backwards ? end : first, 0}, from.line);  // not the same twice
     }
     if (!mHit) return Found::Nothing;
     ScrollIntoView(mHit->line);

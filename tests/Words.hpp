@@ -1,6 +1,8 @@
-// The words of a line of a script or a table.
+// The words of a line of a script or a table, and the scripts of a file.
 #pragma once
 
+#include <fstream>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -39,6 +41,20 @@ inline Words WordsOf(std::string_view line) {
         words.push_back(word);
     }
     return words;
+}
+
+/// The lines of each script in a file, by its name: "== NAME" begins one, and "#" a comment.
+inline std::map<std::string, Words> ScriptsIn(const std::string& path) {
+    std::ifstream file(path);
+    std::map<std::string, Words> scripts;
+    std::string name;
+    for (std::string line; std::getline(file, line);) {
+        if (line.starts_with("== "))
+            name = line.substr(3);
+        else if (!line.empty() && !line.starts_with('#'))
+            scripts[name].push_back(line);
+    }
+    return scripts;
 }
 
 }  // namespace vantor

@@ -234,22 +234,18 @@ bool App::IsFileDialog(HWND dialog) {
     return GetDlgItem(dialog, kFileName) != nullptr;
 }
 
-HWND App::AwaitFileDialog() const {
+void App::ChooseFile(const std::string& path) const {
     HWND dialog = nullptr;
     Await("the file dialog", [&] {
         dialog = Dialog();
-        return dialog != nullptr && IsFileDialog(dialog) && IsWindowEnabled(dialog) != 0;
+        return IsFileDialog(dialog) && IsWindowEnabled(dialog) != 0;
     });
-    return dialog;
+    Fill(dialog, path);
 }
 
-HWND App::AwaitBox() const {
-    HWND box = nullptr;
-    Await("a message box", [&] {
-        box = Dialog();
-        return box != nullptr && GetDlgItem(box, kBoxText) != nullptr;
-    });
-    return box;
+HWND App::Box() const {
+    const HWND dialog = Dialog();
+    return GetDlgItem(dialog, kBoxText) == nullptr ? nullptr : dialog;
 }
 
 std::string App::TextIn(HWND box) {
@@ -257,7 +253,8 @@ std::string App::TextIn(HWND box) {
 }
 
 std::string App::TakeBox(int button) const {
-    const HWND box = AwaitBox();
+    HWND box = nullptr;
+    Await("a message box", [&] { return (box = Box()) != nullptr; });
     std::string text = TextIn(box);
     PressIn(box, button);
     Await("the box to close", [&] { return IsWindow(box) == 0; });
@@ -286,13 +283,6 @@ void App::KeyUntil(WORD key, const std::string& what, const std::function<bool()
     Await(what, condition);
 }
 
-void App::OpenMenu(WORD key) const {
-    Await("the keyboard", [this] { return GetForegroundWindow() == mHandle; });
-    KeyUntil(
-        key, std::string("the menu of Alt+") + static_cast<char>(key), [this] { return InMenu(); },
-        true);
-}
-
 bool App::InMenu() const {
     GUITHREADINFO info{};
     info.cbSize = sizeof info;
@@ -303,10 +293,6 @@ bool App::InMenu() const {
 HWND App::Menu() const {
     const std::vector<HWND> menus = Windows(L"#32768");
     return menus.empty() ? nullptr : menus.front();
-}
-
-void App::AwaitFocus(const Window& window, const char* name) const {
-    Await(std::string("the focus on ") + name, [&] { return Focus() == window.Child(name); });
 }
 
 HWND App::Focus() const {
@@ -349,10 +335,6 @@ HWND Window::Child(const char* name, int index) const {
 void Window::Choose(const char* item) const {
     const int command = kFirstCommand + Number(*mDesign, item, -1, true);
     PostMessageW(mHandle, WM_COMMAND, static_cast<WPARAM>(command), 0);
-}
-
-void Window::AwaitGone() const {
-    Await("the end of the window", [this] { return !IsThere(); });
 }
 
 // The system does not marshal SB_GETTEXTW across processes: the text goes into a buffer in the

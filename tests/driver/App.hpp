@@ -64,7 +64,6 @@ public:
     void Press(const char* button) const { PostMessageW(Child(button), BM_CLICK, 0, 0); }
     void Choose(const char* item) const;
     void Close() const { PostMessageW(mHandle, WM_CLOSE, 0, 0); }
-    void AwaitGone() const;
 
 protected:
     HWND mHandle;
@@ -93,10 +92,10 @@ public:
     /// A message box or file dialog; null if none is open.
     HWND Dialog() const;
     static bool IsFileDialog(HWND dialog);
-    HWND AwaitFileDialog() const;
-    void ChooseFile(const std::string& path) const { Fill(AwaitFileDialog(), path); }
-    /// Waits for a message box; returns its window.
-    HWND AwaitBox() const;
+    /// Waits for a file dialog, and chooses `path` in it.
+    void ChooseFile(const std::string& path) const;
+    /// A message box; null if none is open.
+    HWND Box() const;
     static std::string TextIn(HWND box);
     /// Waits for a message box, presses `button` and waits until it is closed; returns its text.
     std::string TakeBox(int button = IDOK) const;
@@ -110,10 +109,6 @@ public:
     /// all input and the condition is still false: the key was lost.
     void KeyUntil(WORD key, const std::string& what, const std::function<bool()>& condition,
                   bool withAlt = false) const;
-    /// Waits until the main window has the keyboard, presses Alt and `key`, waits for the menu.
-    void OpenMenu(WORD key) const;
-    /// Waits until the control `name` of `window` gets the keys.
-    void AwaitFocus(const Window& window, const char* name) const;
     /// The control that gets the keys; null while no window of the program is in the foreground.
     HWND Focus() const;
     bool IsRunning() const;

@@ -45,18 +45,10 @@ void Workbench::Restart() {
     app.emplace();
 }
 
-void Workbench::AskForFlash() const {
+void Workbench::StartFlash() const {
     app->Press("cmdFlash");
     app->ChooseFile(image);
-}
-
-void Workbench::StartFlash() const {
-    AskForFlash();
     app->TakeBox(IDYES);
-}
-
-void Workbench::AwaitLine(int line) const {
-    Await("line " + std::to_string(line), [&] { return app->Line() >= line; });
 }
 
 // --- monitor mode -------------------------------------------------------------------------------
@@ -64,7 +56,7 @@ void Workbench::AwaitLine(int line) const {
 Window Workbench::OpenMonitor() const {
     app->Choose("mnuToolsMonitor");
     const Window monitor = app->AwaitForm(kMonitorWindowDesign);
-    app->AwaitFocus(monitor, "comMonitor");
+    Await("the terminal", [&] { return app->Focus() == monitor.Child("comMonitor"); });
     return monitor;
 }
 

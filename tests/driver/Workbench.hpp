@@ -24,11 +24,8 @@ public:
     /// Closes the program and starts it again.
     void Restart();
 
-    /// Presses the start button and chooses the image.
-    void AskForFlash() const;
-    /// The same, and answers the warning with Yes.
+    /// Presses the start button, chooses the image and answers the warning with Yes.
     void StartFlash() const;
-    void AwaitLine(int line) const;
 
     // Monitor mode.
     Window OpenMonitor() const;

@@ -6,13 +6,16 @@
 #include <random>
 #include <string>
 
-#include "tests/e2e/EndToEnd.hpp"
+#include "tests/driver/Workbench.hpp"
 
 namespace vantor::driver {
 namespace {
 
-class Monkey : public EndToEnd {
+class Monkey : public testing::Test, protected Workbench {
 protected:
+    void TearDown() override {
+        if (HasFailure()) Ask("keep Monkey");
+    }
     int Below(int limit) { return std::uniform_int_distribution<int>(0, limit - 1)(random); }
     template <class Choices>
     auto OneOf(const Choices& choices) {

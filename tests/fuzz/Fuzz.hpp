@@ -1,20 +1,16 @@
-// Interface and helpers of the fuzz targets. Each target defines `Seeds` and `Fuzz`.
+// Interface and helpers of the fuzz targets.
 #pragma once
 
 #include <cstdlib>
-#include <string>
 #include <string_view>
-#include <vector>
 
 #include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
 
-/// The initial corpus: small inputs that reach every branch worth mutating.
-std::vector<std::string> Seeds();
-
-/// Called once per input in the same process; global state carries over to the next call.
-void Fuzz(std::string_view input);
+/// Called once per input of `target` in the same process; global state carries over to the next
+/// call.
+void Fuzz(std::string_view target, std::string_view input);
 
 /// Asserts an invariant of the code under test; a failure counts as a crash.
 inline void Require(bool holds) {

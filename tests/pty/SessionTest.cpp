@@ -1,0 +1,201 @@
+// Runs the scripts of tsflash.sessions: tsflash against m40sim over a pseudo-terminal, as processes
+// of their own. README.md describes the words of a script.
+#include <gmock/gmock.h>
+#include <stdlib.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
+#include <list>
+#include <map>
+#include <optional>
+#include <sstream>
+#include <stdexcept>
+#include <utility>
+
+#include "console/Json.hpp"
+#include "tests/TemporaryFolder.hpp"
+#include "tests/Words.hpp"
+#include "tests/faults/Images.hpp"
+#include "tests/pty/Child.hpp"
+
+namespace vantor {
+namespace {
+
+namespace fs = std::filesystem;
+
+std::string Read(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
+
+class Session : public testing::Test {
+public:
+    explicit Session(Words lines) : mLines(std::move(lines)) {
+        setenv("XDG_CONFIG_HOME", mFolder.Path().c_str(), 1);
+        setenv("LC_ALL", "C.UTF-8", 1);
+        WriteImage({"40"});
+    }
+
+    void TestBody() override {
+        for (std::string line : mLines) {
+            SCOPED_TRACE(line);
+            for (auto at = line.find("$F"); at != std::string::npos; at = line.find("$F"))
+                line.replace(at, 2, mFolder.Path().string());
+            Perform(WordsOf(line));
+        }
+    }
+
+private:
+    using Verb = void (*)(Session&, const Words&);
+
+    void Perform(const Words& words) {
+        Verbs().at(words.at(0))(*this, Words(words.begin() + 1, words.end()));
+    }
+    static const std::map<std::string, Verb>& Verbs();
+
+    /// "40" stands for 40 data records and an end record, "9*TEXT" for a repetition.
+    void WriteImage(const Words& parts) const {
+        std::ofstream file(mImage, std::ios::binary);
+        for (const std::string& part : parts) {
+            std::size_t end = 0;
+            const int count = isdigit(part[0]) != 0 ? std::stoi(part, &end) : 1;
+            if (end == part.size()) file << ImageOf(static_cast<unsigned>(count));
+            if (end == part.size()) continue;
+            for (int i = 0; i < count; ++i) file << part.substr(end == 0 ? 0 : end + 1);
+        }
+    }
+
+    void StartIndicator(const Words& options) {
+        Words command = {TOOLS_FOLDER "/m40sim", "--image", mImage};
+        command.insert(command.end(), options.begin(), options.end());
+        mIndicator.emplace(command);
+        if (!mIndicator->WaitFor("\n")) throw std::runtime_error("m40sim does not start");
+        mPort = mIndicator->Out().substr(6, mIndicator->Out().find('\n') - 6);
+    }
+
+    void Start(const Words& options, Child::Output output) {
+        Words command = {TOOLS_FOLDER "/tsflash"};
+        if (!mPort.empty()) command.insert(command.end(), {"--port", mPort});
+        command.insert(command.end(), options.begin(), options.end());
+        command.push_back(mImage);
+        mRuns.emplace_back(command, output);
+    }
+
+    /// Waits for the end of the run that was started last. On a busy machine replies may be late
+    /// without a fault, so the hint at late replies becomes a text of its own.
+    void End(int status) {
+        EXPECT_EQ(mRuns.back().Wait(), status);
+        mTexts = {{"out", mRuns.back().Out()}, {"err", mRuns.back().Err()}, {"hint", ""}};
+        mRuns.pop_back();
+        std::string& err = mTexts["err"];
+        const std::size_t at = err.find("The replies arrive");
+        if (at == std::string::npos) return;
+        mTexts["hint"] = err.substr(at, err.find('\n', at) + 1 - at);
+        err.erase(at, mTexts["hint"].size());
+    }
+
+    /// Checks a text as the words "is TEXT", "has TEXT", "lacks TEXT" or "matches TEXT" say.
+    static void Check(const std::string& actual, const std::string& how, const std::string& text) {
+        testing::Matcher<std::string> expected = testing::Eq(text);
+        if (how == "has") expected = testing::HasSubstr(text);
+        if (how == "lacks") expected = testing::Not(testing::HasSubstr(text));
+        if (how == "matches") expected = testing::ContainsRegex(text);
+        EXPECT_THAT(actual, expected);
+    }
+
+    /// Requires that all output is JSON of this port, and of `event` a count and, in the last one,
+    /// values of members.
+    void CheckJson(const Words& words) {
+        std::istringstream out(mTexts["out"]);
+        int count = 0;
+        std::map<std::string, std::string> last;
+        for (std::string line; std::getline(out, line);) {
+            const auto members = JsonMembers(line);
+            ASSERT_TRUE(members) << line;
+            EXPECT_EQ(members->at("port"), mPort);
+            if (members->at("event") != words.at(0)) continue;
+            last = *members;
+            ++count;
+        }
+        EXPECT_EQ(count, std::stoi(words.at(1)));
+        for (std::size_t i = 2; i < words.size(); i += 2)
+            EXPECT_EQ(last[words[i]], words.at(i + 1));
+    }
+
+    const Words mLines;
+    const TemporaryFolder mFolder;
+    const std::string mImage = mFolder / "image.run";
+    std::string mPort;
+    std::optional<Child> mIndicator;
+    std::list<Child> mRuns;  ///< that have not been waited for
+    std::map<std::string, std::string> mTexts;
+};
+
+const std::map<std::string, Session::Verb>& Session::Verbs() {
+    using S = Session;
+    using W = const Words;
+    static const std::map<std::string, Verb> kVerbs = {
+        {"image", [](S& s, W& w) { s.WriteImage(w); }},
+        {"indicator", [](S& s, W& w) { s.StartIndicator(w); }},
+        {"port", [](S& s, W& w) { s.mPort = w.at(0); }},
+        {"flash", [](S& s, W& w) { s.Start(w, Child::Output::Pipes); }},
+        {"terminal", [](S& s, W& w) { s.Start(w, Child::Output::Terminal); }},
+        {"times",
+         [](S& s, W& w) {
+             for (int i = std::stoi(w.at(0)); i > 0; --i) s.Perform({w.begin() + 1, w.end()});
+         }},
+        {"waits",
+         [](S& s, W& w) {
+             if (!s.mRuns.back().WaitFor(w.at(0))) throw std::runtime_error("waits in vain");
+         }},
+        {"signal", [](S& s, W& w) { s.mRuns.back().Signal(std::stoi(w.at(0))); }},
+        {"types", [](S& s, W& w) { s.mRuns.back().Type(w.at(0)); }},
+        {"hangs-up", [](S& s, W&) { s.mRuns.back().HangUp(); }},
+        {"vanishes", [](S& s, W&) { s.mIndicator.reset(); }},
+        {"ends",
+         [](S& s, W& w) {
+             s.End(std::stoi(w.at(0)));
+             if (w.size() > 1) Check(s.mTexts["err"], "has", w[1]);
+         }},
+        {"indicator-ends",
+         [](S& s, W& w) {
+             EXPECT_EQ(s.mIndicator->Wait(), std::stoi(w.at(0)));
+             EXPECT_EQ(s.mIndicator->Err(), w.size() > 1 ? w[1] : "") << "a protocol violation";
+         }},
+        {"out", [](S& s, W& w) { Check(s.mTexts["out"], w.at(0), w.at(1)); }},
+        {"err", [](S& s, W& w) { Check(s.mTexts["err"], w.at(0), w.at(1)); }},
+        {"hint", [](S& s, W& w) { Check(s.mTexts["hint"], w.at(0), w.at(1)); }},
+        {"file", [](S&, W& w) { Check(Read(w.at(0)), w.at(1), w.at(2)); }},
+        {"json", [](S& s, W& w) { s.CheckJson(w); }},
+        {"writes",
+         [](S&, W& w) {
+             fs::create_directories(fs::path(w.at(0)).parent_path());
+             std::ofstream(w[0], std::ios::binary) << w.at(1);
+         }},
+        {"removes", [](S&, W& w) { fs::remove(w.at(0)); }},
+        {"hard-link", [](S& s, W& w) { fs::create_hard_link(s.mImage, w.at(0)); }},
+        {"soft-link", [](S& s, W& w) { fs::create_symlink(s.mImage, w.at(0)); }},
+    };
+    return kVerbs;
+}
+
+}  // namespace
+}  // namespace vantor
+
+int main(int argc, char** argv) {
+    testing::InitGoogleMock(&argc, argv);
+    std::map<std::string, vantor::Words> scripts;
+    std::ifstream file(SESSIONS);
+    std::string name;
+    for (std::string line; std::getline(file, line);) {
+        if (line.starts_with("== "))
+            name = line.substr(3);
+        else if (!line.empty() && !line.starts_with('#'))
+            scripts[name].push_back(line);
+    }
+    for (const auto& [title, lines] : scripts)
+        testing::RegisterTest("TsFlash", title.c_str(), nullptr, nullptr, __FILE__, __LINE__,
+                              [lines]() -> testing::Test* { return new vantor::Session(lines); });
+    return scripts.empty() ? 1 : RUN_ALL_TESTS();
+}

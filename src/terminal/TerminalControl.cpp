@@ -145,7 +145,7 @@ void TerminalControl::Options(const TerminalOptions& options) {
     if (options.flowControl != before.flowControl) Port().flowControl = options.flowControl;
     if (options.encoding != before.encoding) UseEncoding();
     ChooseView(options);
-    if (options != before) Repaint();
+    Repaint(options.darkScheme != before.darkScheme || options.fontPoints != before.fontPoints);
 }
 
 void TerminalControl::UseEncoding() {

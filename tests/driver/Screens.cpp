@@ -17,6 +17,7 @@ public:
     void OfTheOtherBoxes();
     void OfThePictureAndTheMenus();
     void OfMonitorMode();
+    void OfTheTerminalMenu(const Window& monitor);
     void OfTheOptions();
 
 private:
@@ -125,8 +126,37 @@ void Screens::OfMonitorMode() {
     progress.Press("cmdCancel");
     progress.AwaitGone();
     Show("monitor-page", monitor);
-    Command(monitor, Setting("DRIVE_LANGUAGE") == "es" ? 'F' : 'S');
-    Show("monitor-settings", monitor, app->AwaitForm(kPortSettingsWindowDesign).WindowHandle());
+    const bool spanish = Setting("DRIVE_LANGUAGE") == "es";
+    const auto open = [&](const char* stage, WORD key, const FormDesign& design) {
+        Command(monitor, key);
+        const Window window = app->AwaitForm(design);
+        Show(stage, monitor, window.WindowHandle());
+        window.Close();
+        window.AwaitGone();
+    };
+    open("monitor-settings", spanish ? 'F' : 'S', kPortSettingsWindowDesign);
+    open("terminal-settings", 'T', kTerminalSettingsWindowDesign);
+    open("terminal-find", spanish ? 'U' : 'F', kFindWindowDesign);
+    open("terminal-send", spanish ? 'E' : 'D', kSendBytesWindowDesign);
+    OfTheTerminalMenu(monitor);
+}
+
+void Screens::OfTheTerminalMenu(const Window& monitor) {
+    const HWND terminal = monitor.Child("comMonitor");
+    PostMessageW(terminal, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(terminal), -1);
+    Await("the menu", [this] { return app->Menu() != nullptr; });
+    Show("terminal-menu", monitor, app->Menu());
+    const WORD line = Setting("DRIVE_LANGUAGE") == "es" ? 'L' : 'N';
+    for (const auto& [name, key] : {std::pair("view", WORD{'V'}), {"line", line}}) {
+        const HWND before = app->Menu();
+        Key(key);
+        Await("the submenu", [&] { return app->Menu() != before; });
+        Show(std::string("terminal-menu-") + name, monitor, app->Menu());
+        Key(VK_LEFT);
+        Await("its end", [&] { return app->Menu() == before; });
+    }
+    Key(VK_ESCAPE);
+    Await("the end of the menu", [this] { return !app->InMenu(); });
 }
 
 void Screens::OfTheOptions() {

@@ -233,7 +233,6 @@ struct Subject {
     Notes events;
     std::map<int, std::string> pictures;  // of the rows as last seen
     std::map<int, std::string> windowRows;
-    TerminalOptions options;
     std::function<void()> onCommand;
     bool shows = false;
     bool handles = false;
@@ -405,15 +404,11 @@ const std::map<std::string, Verb> kVerbs = {
      }},
     {"view",
      [](auto& s, auto& w) {
-         s.options.view = OneOf<ViewMode>(w, {"text", "controls", "hex"});
-         s.options.controlNotation =
+         TerminalOptions options = s.com.Options();
+         options.view = OneOf<ViewMode>(w, {"text", "controls", "hex"});
+         options.controlNotation =
              Says(w, "numbers") ? ControlNotation::Numbers : ControlNotation::Pictures;
-         s.com.ChooseView(s.options);
-     }},
-    {"stamps",
-     [](auto& s, auto& w) {
-         s.options.timeStamps = OneOf<TimeStamps>(w, {"off", "time", "since"});
-         s.com.ChooseView(s.options);
+         s.com.Options(options);
      }},
     {"step",
      [](auto& s, auto& w) {

@@ -2,7 +2,7 @@
 #pragma once
 
 #include "app/base/StoredValues.hpp"
-#include "terminal/TerminalOptions.hpp"
+#include "terminal/options/TerminalOptions.hpp"
 
 namespace vantor {
 

@@ -6,7 +6,7 @@
 #include "resources/Designs.hpp"
 #include "support/Traps.hpp"
 #include "terminal/TerminalControl.hpp"
-#include "terminal/TypedBytes.hpp"
+#include "terminal/session/TypedBytes.hpp"
 
 namespace vantor {
 

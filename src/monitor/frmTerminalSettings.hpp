@@ -6,7 +6,7 @@
 
 #include "controls/Controls.hpp"
 #include "controls/Form.hpp"
-#include "terminal/TerminalOptions.hpp"
+#include "terminal/options/TerminalOptions.hpp"
 
 namespace vantor {
 

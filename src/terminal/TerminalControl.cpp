@@ -12,7 +12,7 @@
 #include "platform/StringTable.hpp"
 #include "support/errors/RuntimeError.hpp"
 #include "support/text/Unicode.hpp"
-#include "terminal/TextFile.hpp"
+#include "terminal/view/TextFile.hpp"
 
 namespace vantor {
 namespace {

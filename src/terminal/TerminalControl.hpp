@@ -16,12 +16,12 @@
 #include "platform/Platform.hpp"
 #include "terminal/TerminalEcho.hpp"
 #include "terminal/TerminalMenu.hpp"
-#include "terminal/TerminalOptions.hpp"
-#include "terminal/TerminalParser.hpp"
-#include "terminal/TerminalScreen.hpp"
-#include "terminal/TerminalSession.hpp"
-#include "terminal/TerminalViewport.hpp"
-#include "terminal/TextEncoding.hpp"
+#include "terminal/engine/TerminalParser.hpp"
+#include "terminal/engine/TerminalScreen.hpp"
+#include "terminal/engine/TextEncoding.hpp"
+#include "terminal/options/TerminalOptions.hpp"
+#include "terminal/session/TerminalSession.hpp"
+#include "terminal/view/TerminalViewport.hpp"
 
 namespace vantor {
 

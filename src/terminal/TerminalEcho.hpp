@@ -3,8 +3,8 @@
 
 #include <string_view>
 
-#include "terminal/TerminalScreen.hpp"
-#include "terminal/TextEncoding.hpp"
+#include "terminal/engine/TerminalScreen.hpp"
+#include "terminal/engine/TextEncoding.hpp"
 
 namespace vantor {
 

@@ -4,7 +4,7 @@
 #include <cstdint>
 #include <string>
 
-#include "terminal/TerminalOptions.hpp"
+#include "terminal/options/TerminalOptions.hpp"
 
 namespace vantor {
 

@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "platform/SerialPort.hpp"
-#include "terminal/TerminalOptions.hpp"
+#include "terminal/options/TerminalOptions.hpp"
 
 namespace vantor {
 

@@ -24,8 +24,8 @@
 #include "support/Conversions.hpp"
 #include "support/text/Text.hpp"
 #include "support/text/Unicode.hpp"
-#include "terminal/TerminalParser.hpp"
-#include "terminal/TerminalSelection.hpp"
+#include "terminal/engine/TerminalParser.hpp"
+#include "terminal/view/TerminalSelection.hpp"
 #include "tests/faults/ReportingPlatform.hpp"
 
 namespace vantor {

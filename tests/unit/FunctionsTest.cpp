@@ -18,9 +18,9 @@
 #include "support/LineSettings.hpp"
 #include "support/text/Text.hpp"
 #include "support/text/Unicode.hpp"
-#include "terminal/ReceivedBytes.hpp"
-#include "terminal/TimeStamp.hpp"
-#include "terminal/TypedBytes.hpp"
+#include "terminal/options/TimeStamp.hpp"
+#include "terminal/session/TypedBytes.hpp"
+#include "terminal/view/ReceivedBytes.hpp"
 #include "tests/unit/Table.hpp"
 
 namespace vantor {

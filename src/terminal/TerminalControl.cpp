@@ -12,6 +12,7 @@
 #include "platform/StringTable.hpp"
 #include "support/errors/RuntimeError.hpp"
 #include "support/text/Unicode.hpp"
+#include "terminal/TextFile.hpp"
 
 namespace vantor {
 namespace {
@@ -62,7 +63,9 @@ TerminalControl::TerminalControl(Form& parent, std::string name, Platform& platf
 
 // --- received and sent -----------------------------------------------------------------------
 
-void TerminalControl::Received(std::string_view bytes, std::int64_t /*timeMs*/) {
+void TerminalControl::Received(std::string_view bytes, std::int64_t timeMs) {
+    mScreen.Now(timeMs);
+    mViewport.Received(bytes, timeMs);
     const std::uint64_t bells = mParser.Bells();
     Change([&] { mParser.Write(bytes); });
     if (mParser.Bells() != bells) Beep();
@@ -70,24 +73,25 @@ void TerminalControl::Received(std::string_view bytes, std::int64_t /*timeMs*/) 
 }
 
 void TerminalControl::Sent(std::string_view bytes) {
+    mScreen.Now(mPlatform.clock.LocalMilliseconds());
     if (LocalEcho) Change([&] { mEcho.Show(bytes); });
 }
 
 void TerminalControl::Notice(const std::string& text) {
+    mScreen.Now(mPlatform.clock.LocalMilliseconds());
     Change([&] { mEcho.ShowLine(text); });
 }
 
 /// Runs `write`, which changes the screen.
 void TerminalControl::Change(const std::function<void()>& write) {
-    // Only text on the screen can be overwritten; lines in the history cannot change.
-    const std::int64_t top = mScreen.TopLine();
-    const TerminalSelection& selection = mViewport.Selection();
-    const std::string marked = selection.TextFrom(top);
+    mViewport.BeforeChange();
     write();
+    mViewport.Shown();
     if (mFollowOutput) mViewport.ScrollToNewest();
     Changed(Property::Value);
-    const bool dropped = selection.To().line < mScreen.FirstLine();
-    if (!selection.Empty() && (dropped || selection.TextFrom(top) != marked)) Select({}, {});
+    if (!mViewport.SelectionLost()) return;
+    mViewport.Selection().Lose();
+    Repaint();
 }
 
 void TerminalControl::Beep() {
@@ -115,7 +119,7 @@ void TerminalControl::Type(const std::string& text) {
 /// Runs `send`, which sends what the user has entered.
 void TerminalControl::Transmit(const std::function<void()>& send) {
     if (!PortOpen()) return Beep();
-    ScrollTo(mScreen.TopLine());
+    Scroll(ScrollStep::End);
     send();
     if (!PortOpen()) Beep();  // a lost device is detected only on use
 }
@@ -140,13 +144,15 @@ void TerminalControl::Options(const TerminalOptions& options) {
     mSession.Options(options);
     if (options.flowControl != before.flowControl) Port().flowControl = options.flowControl;
     if (options.encoding != before.encoding) UseEncoding();
-    if (options != before) Changed(Property::Repaint);
+    ChooseView(options);
+    if (options != before) Repaint();
 }
 
 void TerminalControl::UseEncoding() {
     mEncoding = {mOptions.encoding, mPlatform.codePage};
     mParser.Encoding(mEncoding);
     mEcho.Encoding(mEncoding);
+    mViewport.Decode(ByteDecoder(mEncoding));
 }
 
 // --- commands --------------------------------------------------------------------------------
@@ -169,6 +175,8 @@ void TerminalControl::PerformCommand(TerminalCommand command) {
         case TerminalCommand::Reset:
             mScreen.Reset();
             return Clear();
+        case TerminalCommand::ClearScrollback:
+            return ClearScrollback();
         case TerminalCommand::SendBreak:
             return SendBreak();
         case TerminalCommand::Dtr:
@@ -201,7 +209,7 @@ void TerminalControl::Handshake(int kind) {
 
 void TerminalControl::FollowOutput(bool follow) {
     mFollowOutput = follow;
-    if (follow) ScrollTo(mScreen.TopLine());
+    if (follow) Scroll(ScrollStep::End);
 }
 
 void TerminalControl::OfferAlways(TerminalCommand command) {
@@ -224,12 +232,28 @@ std::vector<OfferedCommand> TerminalControl::ContextMenu() {
 
 void TerminalControl::SelectAll() {
     mViewport.Selection().SetAll();
-    Changed(Property::Repaint);
+    Repaint();
 }
 
 void TerminalControl::Select(TextPosition anchor, TextPosition end) {
     mViewport.Selection().Set(anchor, end);
-    Changed(Property::Repaint);
+    Repaint();
+}
+
+void TerminalControl::BeginSelecting(MouseCell at, SelectBy by, bool rectangular) {
+    mViewport.Selection().Begin(mViewport.PointAt(at), by, rectangular);
+    Repaint();
+}
+
+void TerminalControl::ExtendSelection(MouseCell at) {
+    mViewport.Selection().ExtendTo(mViewport.PointAt(at));
+    Repaint();
+}
+
+void TerminalControl::Unselect() {
+    const bool selected = !mViewport.Selection().Empty();
+    mViewport.Selection().Clear();
+    Repaint(selected);
 }
 
 std::string TerminalControl::SelectedText() const {
@@ -284,12 +308,54 @@ bool TerminalControl::DeclinesPaste(const std::string& text) {
                                  .declinesByDefault = true}) != BoxAnswer::Yes;
 }
 
+// --- the view --------------------------------------------------------------------------------
+
+void TerminalControl::Repaint(bool all) {
+    if (all) Changed(Property::Repaint);
+}
+
+void TerminalControl::ChooseView(const TerminalOptions& options) {
+    Repaint(mViewport.Choose(options));
+}
+
 void TerminalControl::ScrollTo(std::int64_t firstLine) {
-    if (mViewport.ScrollTo(firstLine)) Changed(Property::Repaint);
+    Repaint(mViewport.ScrollTo(firstLine));
+}
+
+void TerminalControl::Scroll(ScrollStep step) {
+    Repaint(mViewport.Scroll(step));
+}
+
+void TerminalControl::ScrollBy(std::int64_t lines) {
+    Repaint(mViewport.ScrollBy(lines));
+}
+
+void TerminalControl::Wheel(int movement, int linesPerNotch) {
+    Repaint(mViewport.Wheel(movement, linesPerNotch));
+}
+
+Found TerminalControl::Find(std::string_view text, FindOptions options) {
+    const Found found = mViewport.Find(text, options);
+    Repaint();
+    return found;
+}
+
+void TerminalControl::EndFind() {
+    mViewport.EndFind();
+    Repaint();
+}
+
+void TerminalControl::SaveScrollback(const std::string& path) {
+    WriteText(mViewport.Text(), *mPlatform.files.Create(path));
+}
+
+void TerminalControl::ClearScrollback() {
+    mViewport.ClearScrollback();
+    Repaint();
 }
 
 void TerminalControl::ScreenSize(int columns, int rows) {
-    mScreen.Resize(columns, rows);
+    mViewport.Size(columns, rows);
     Changed(Property::Value);
 }
 

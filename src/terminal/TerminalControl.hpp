@@ -32,7 +32,7 @@ namespace vantor {
 /// The terminal beeps when typed input cannot be sent. All beeps together are limited to four per
 /// second.
 ///
-/// Peers get `Property::Value` when text has arrived (see `TerminalScreen::Dirty`; a peer calls
+/// Peers get `Property::Value` when text has arrived (see `TerminalViewport::Dirty`; a peer calls
 /// `Clean` after painting) and `Property::Repaint` when everything must be repainted.
 class TerminalControl : public Control, private SessionOwner {
 public:
@@ -135,14 +135,47 @@ public:
 
     /// Its modes `autoWrap` and `returnFeeds` are members 6 and 113.
     TerminalScreen& Screen() { return mScreen; }
+    /// Rows, cursor, marks and scroll range to paint, the same in every view mode. A peer changes
+    /// it through the functions below, and calls its `Clean`.
+    TerminalViewport& View() { return mViewport; }
+    const TerminalViewport& View() const { return mViewport; }
     const TerminalSelection& Selection() const { return mViewport.Selection(); }
-
     std::int64_t FirstShownLine() const { return mViewport.FirstShownLine(); }
-    void ScrollTo(std::int64_t firstLine);
 
-    /// The outer size of a control in which so many characters fit; all 0 where nothing is drawn.
-    Size SizeFor(int columns, int rows) const { return TerminalSize(columns, rows); }
-    /// Sets the size in characters that fits into the control.
+    // --- the view -----------------------------------------------------------------------------
+
+    /// Applies the view mode, the notation and the time stamps.
+    void ChooseView(const TerminalOptions& options);
+
+    void ScrollTo(std::int64_t firstLine);
+    void Scroll(ScrollStep step);
+    void ScrollBy(std::int64_t lines);
+    /// See TerminalViewport::Wheel.
+    void Wheel(int movement, int linesPerNotch);
+
+    /// The mouse button goes down: ends the selection and begins one by character, word (double
+    /// click) or line (triple click), or a rectangle (Alt).
+    void BeginSelecting(MouseCell at, SelectBy by = SelectBy::Character, bool rectangular = false);
+    /// The mouse moves while its button is down, or clicks with Shift: extends the selection in the
+    /// same units. A peer scrolls while the mouse is above or below its window.
+    void ExtendSelection(MouseCell at);
+    void Unselect();
+
+    /// See TerminalViewport::Find. Repaints.
+    Found Find(std::string_view text, FindOptions options = {});
+    void EndFind();
+
+    /// Writes the whole text of the view mode to a file: UTF-8, CR LF. Raises what Files::Create
+    /// and OutputFile::Write do.
+    void SaveScrollback(const std::string& path);
+    /// Drops the history and the kept bytes; the screen stays.
+    void ClearScrollback();
+
+    /// The outer size of a control with so many characters of text; all 0 where nothing is drawn.
+    Size SizeFor(int columns, int rows) const {
+        return TerminalSize(columns + mViewport.Gutter(), rows);
+    }
+    /// Sets the size of the view in characters, time stamps included.
     void ScreenSize(int columns, int rows);
 
 private:
@@ -156,6 +189,8 @@ private:
     void UseEncoding();
     void Clear();
     void Beep();
+    /// Repaints when `all` says that the whole window has changed.
+    void Repaint(bool all = true);
     bool RefusePaste(const std::string& text);
     bool DeclinesPaste(const std::string& text);
 

@@ -27,7 +27,8 @@ void Fuzz(std::string_view input) {
     Require(screen.EndLine() - screen.FirstLine() <= 8 + TerminalScreen::kMostRows);
     for (std::int64_t line = screen.FirstLine(); line < screen.EndLine(); ++line)
         Require(screen.Line(line).size() <= TerminalScreen::kMostColumns);
-    TerminalSelection selection(screen);
+    const ScreenText text(screen);
+    TerminalSelection selection(text);
     selection.SetAll();
     for (const char c : selection.Text())
         Require(c == '\r' || c == '\n' || (static_cast<unsigned char>(c) >= ' ' && c != 0x7F));

@@ -2,11 +2,14 @@
 #include <algorithm>
 #include <array>
 #include <functional>
+#include <initializer_list>
 #include <map>
 #include <memory>
+#include <optional>
 #include <set>
 #include <span>
 #include <sstream>
+#include <string_view>
 #include <utility>
 
 #include "controls/Form.hpp"
@@ -111,6 +114,12 @@ struct Subject {
         }
     }
 
+    /// What is received next arrives at the same time as the last.
+    void StopTime() {
+        platform.clock.Set(platform.clock.Milliseconds() - 1);
+        --platform.pump.pumps;
+    }
+
     void Receive(std::string bytes) {
         wire.sent = std::move(bytes);
         Pump();
@@ -155,7 +164,7 @@ struct Subject {
         now["capture"] = Quoted(com.CaptureFile());
         now["pasting"] = com.Pasting() ? "yes" : "no";
         now["asserted"] = std::string(com.Dtr() ? " DTR" : "") + (com.Rts() ? " RTS" : "");
-        const bool newest = com.FirstShownLine() == screen.TopLine();
+        const bool newest = com.FirstShownLine() == com.View().TopLine();
         now["view"] = newest ? "newest" : "from " + to_string(com.FirstShownLine());
         for (int row = 0; row < screen.Rows(); ++row) {
             const std::span<const Cell> cells = screen.Line(screen.TopLine() + row);
@@ -175,7 +184,31 @@ struct Subject {
             if (paints && screen.Dirty(row)) events["redrawn"] += to_string(row);
         }
         if (screen.AnyDirty() && !std::exchange(told, false)) events["VIEW"] = "not told";
-        screen.Clean();
+        if (shows) now["window"] = LookAtWindow();
+        com.View().Clean();
+    }
+
+    /// The rows of the window, their marks behind them ("h" a hit, "H" the current one, "s"
+    /// selected), and the cursor.
+    std::string LookAtWindow() {
+        const TerminalViewport& view = com.View();
+        const std::optional<ScreenCursor> cursor = view.Cursor();
+        std::string text = cursor ? to_string(cursor->row) + "," + to_string(cursor->column) : "-";
+        for (int row = 0; row < view.Rows(); ++row) {
+            const auto [cells, marks] = view.Row(row);
+            std::string picture;
+            for (const Cell& cell : cells) AppendUtf8(picture, cell.character);
+            picture.resize(picture.find_last_not_of(' ') + 1);
+            std::string marked;
+            for (const Mark mark : marks) marked += ".hHs"[static_cast<int>(mark)];
+            picture += "|" + marked.substr(0, marked.find_last_not_of('.') + 1);
+            text += "\n        " + picture;
+            if (cursor && cursor->row == row) picture += to_string(cursor->column);
+            const bool same = picture == std::exchange(windowRows[row], picture);
+            if (!same && !view.Dirty(row) && !events.contains("repaint"))
+                events["WINDOW NOT REDRAWN"] += to_string(row);
+        }
+        return text;
     }
 
     Wire wire;  // outlives the window
@@ -187,7 +220,10 @@ struct Subject {
     Notes before;  // the last stated state
     Notes events;
     std::map<int, std::string> pictures;  // of the rows as last seen
+    std::map<int, std::string> windowRows;
+    TerminalOptions options;
     std::function<void()> onCommand;
+    bool shows = false;
     bool handles = false;
     bool told = false;
     bool paints = false;
@@ -214,6 +250,33 @@ const std::map<std::string, Choice> kChoices = {
     {"stamps", [](auto& o, int n) { o.timeStamps = TimeStamps(n); }},
     {"capturestamps", [](auto& o, int n) { o.captureTimeStamps = n != 0; }},
 };
+
+bool Says(const Words& words, std::string_view word) {
+    return std::ranges::find(words, word) != words.end();
+}
+
+/// The index of the word that `words` contain.
+template <typename Choice>
+Choice OneOf(const Words& words, std::initializer_list<std::string_view> choices) {
+    int index = 0;
+    while (!Says(words, choices.begin()[index])) ++index;
+    return static_cast<Choice>(index);
+}
+
+void Press(Subject& subject, const Words& words) {
+    const SelectBy by = Says(words, "word")   ? SelectBy::Word
+                        : Says(words, "line") ? SelectBy::Line
+                                              : SelectBy::Character;
+    subject.com.BeginSelecting({Number(words), Number(words, 2), Says(words, "right")}, by,
+                               Says(words, "rectangle"));
+}
+
+void Find(Subject& subject, const Words& words) {
+    const Found found = subject.com.Find(
+        words.at(1), {.matchCase = Says(words, "case"), .backwards = Says(words, "backwards")});
+    constexpr std::array kFound = {"nothing", "hit", "hit after wrapping"};
+    subject.events["found"] = kFound.at(static_cast<std::size_t>(found));
+}
 
 using Verb = void (*)(Subject&, const Words&);
 const std::map<std::string, Verb> kVerbs = {
@@ -290,6 +353,41 @@ const std::map<std::string, Verb> kVerbs = {
          s.events["file"] =
              to_string(bytes.size()) + " bytes " + Quoted(bytes.substr(0, 60), Quoting::Bytes);
      }},
+    {"shows",
+     [](auto& s, auto&) {
+         s.shows = true;
+         s.events["repaint"] = "all";  // the first picture
+     }},
+    {"view",
+     [](auto& s, auto& w) {
+         s.options.view = OneOf<ViewMode>(w, {"text", "controls", "hex"});
+         s.options.controlNotation =
+             Says(w, "numbers") ? ControlNotation::Numbers : ControlNotation::Pictures;
+         s.com.ChooseView(s.options);
+     }},
+    {"stamps",
+     [](auto& s, auto& w) {
+         s.options.timeStamps = OneOf<TimeStamps>(w, {"off", "time", "since"});
+         s.com.ChooseView(s.options);
+     }},
+    {"step",
+     [](auto& s, auto& w) {
+         s.com.Scroll(OneOf<ScrollStep>(w, {"up", "down", "pageup", "pagedown", "start", "end"}));
+     }},
+    {"wheel", [](auto& s, auto& w) { s.com.Wheel(Number(w), Number(w, 2)); }},
+    {"press", Press},
+    {"drag",
+     [](auto& s, auto& w) {
+         s.com.ExtendSelection({Number(w), Number(w, 2), Says(w, "right")});
+     }},
+    {"unselect", [](auto& s, auto&) { s.com.Unselect(); }},
+    {"find", Find},
+    {"endfind", [](auto& s, auto&) { s.com.EndFind(); }},
+    {"save",
+     [](auto& s, auto& w) {
+         s.events["error"] = to_string(Raised([&] { s.com.SaveScrollback(w.at(1)); }).Number());
+     }},
+    {"forget", [](auto& s, auto&) { s.com.ClearScrollback(); }},
     {"box",  // during which ACTION takes place
      [](auto& s, auto& w) {
          s.platform.boxes.whileOpen = [&s, w](const MessageBoxRequest&) {
@@ -319,7 +417,10 @@ std::string RunTerminal(const std::string& script, bool inPieces) {
             words.insert(words.begin(), "+");
         }
         if (words.at(0) == "+" && inPieces && !words.at(1).empty())
-            for (const char byte : words[1]) subject->Receive({byte});
+            for (std::size_t i = 0; i < words[1].size(); ++i) {
+                if (i > 0) subject->StopTime();
+                subject->Receive({words[1][i]});
+            }
         else
             Perform(*subject, words);
         result += subject->Changes();

@@ -4,6 +4,7 @@
 
 #include <functional>
 #include <map>
+#include <optional>
 #include <stdexcept>
 
 #include "app/base/modSupport.hpp"
@@ -17,6 +18,7 @@
 #include "support/LineSettings.hpp"
 #include "support/text/Text.hpp"
 #include "support/text/Unicode.hpp"
+#include "terminal/ReceivedBytes.hpp"
 #include "terminal/TimeStamp.hpp"
 #include "terminal/TypedBytes.hpp"
 #include "tests/unit/Table.hpp"
@@ -82,6 +84,27 @@ std::string Typed(const Words& words) {
     return seen;
 }
 
+/// Of the last 8 bytes, or of at most 3 times: what is kept, and when each byte arrived. The words
+/// are texts and times; "clear" drops what has arrived before.
+std::string Kept(const Words& words) {
+    ReceivedBytes bytes(8, 3);
+    for (std::size_t i = 1; i < words.size(); ++i) {
+        if (words[i] == "clear") {
+            bytes.Clear();
+        } else {
+            bytes.Append(words[i], std::stoll(words.at(i + 1)));
+            ++i;
+        }
+    }
+    const std::int64_t first = bytes.First();
+    std::string text = Row(first, bytes.Read(first - 1, bytes.End() + 1) + "|");
+    for (std::int64_t offset = first - 1; offset <= bytes.End(); ++offset) {
+        const std::optional<std::int64_t> time = bytes.TimeAt(offset);
+        text += time ? " " + std::to_string(*time) + bytes.At(offset) : " -";
+    }
+    return text;
+}
+
 // clang-format off
 const std::map<std::string, std::function<std::string(const Words&)>> kFunctions = {
     {"LeadingNumber", [](const Words& w) { return Row(LeadingNumber(w.at(1))); }},
@@ -126,6 +149,7 @@ const std::map<std::string, std::function<std::string(const Words&)>> kFunctions
         const TextEncoding encoding(static_cast<LineEncoding>(Whole(w.at(2))), CodePage1252());
         const TypedBytes typed = ParseBytes(w.at(3), static_cast<BytesForm>(Whole(w.at(1))), encoding);
         return typed.wrongAt ? Row("wrong at", *typed.wrongAt) : typed.bytes; }},
+    {"Kept", Kept},
     {"Stamp", [](const Words& w) {
         const auto kind = static_cast<TimeStamps>(Whole(w.at(1)));
         return StampText(kind, std::stoll(w.at(2)), std::stoll(w.at(3))) + "|"; }},

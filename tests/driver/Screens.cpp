@@ -17,9 +17,18 @@ public:
     void OfTheOtherBoxes();
     void OfThePictureAndTheMenus();
     void OfMonitorMode();
+    void OfTheTerminal();
     void OfTheOptions();
 
 private:
+    /// The keys of a menu entry in the language of the program.
+    static std::string Keys(const char* english, const char* spanish) {
+        return Setting("DRIVE_LANGUAGE") == "es" ? spanish : english;
+    }
+    /// Opens the context menu of the terminal and presses `keys` in it, which lead through its
+    /// submenus. Takes a screenshot before the last key if `stage` is given.
+    void ChooseInMenu(const Window& monitor, const std::string& keys,
+                      const std::string& stage = {}) const;
     /// Takes a screenshot of the area of `window` and `above`.
     static void Show(const std::string& stage, HWND window, HWND above = nullptr) {
         constexpr DWORD kDrawnMs = 100;  // drawn pixels reach the display with a delay
@@ -125,8 +134,59 @@ void Screens::OfMonitorMode() {
     progress.Press("cmdCancel");
     progress.AwaitGone();
     Show("monitor-page", monitor);
-    Command(monitor, Setting("DRIVE_LANGUAGE") == "es" ? 'F' : 'S');
+    ChooseInMenu(monitor, Keys("S", "F"));
     Show("monitor-settings", monitor, app->AwaitForm(kPortSettingsWindowDesign).WindowHandle());
+}
+
+void Screens::ChooseInMenu(const Window& monitor, const std::string& keys,
+                           const std::string& stage) const {
+    const HWND terminal = monitor.Child("comMonitor");
+    HWND before = nullptr;
+    PostMessageW(terminal, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(terminal), -1);
+    for (const char key : keys.substr(0, keys.size() - 1)) {
+        Await("the menu", [&] { return app->Menu() != nullptr && app->Menu() != before; });
+        before = app->Menu();
+        Key(static_cast<WORD>(key));
+    }
+    Await("the last menu", [&] { return app->Menu() != nullptr && app->Menu() != before; });
+    if (!stage.empty()) Show(stage, monitor, app->Menu());
+    app->KeyUntil(static_cast<WORD>(keys.back()), "the end of the menu",
+                  [this] { return !app->InMenu(); });
+}
+
+void Screens::OfTheTerminal() {
+    indicator.Start("--terminal");
+    const Window monitor = OpenMonitor();
+    OpenPort(monitor);
+    std::string lines;
+    for (int i = 0; i < 5; ++i) lines += "id\r\ngross\r\ntare\r\nnet\r\nclear\r\n";
+    const Window progress = SendFile(monitor, lines);
+    progress.AwaitGone();
+    ChooseInMenu(monitor, Keys("VST", "VMH"), "terminal-menu");
+    Show("terminal-stamps", monitor);
+    ChooseInMenu(monitor, Keys("VC", "VC"));
+    Show("terminal-controls", monitor);
+    ChooseInMenu(monitor, Keys("VSN", "VMN"));
+    ChooseInMenu(monitor, Keys("VH", "VV"));
+    Show("terminal-hex", monitor);
+    ChooseInMenu(monitor, Keys("VT", "VT"));
+    ChooseInMenu(monitor, Keys("T", "T"));
+    const Window settings = app->AwaitForm(kTerminalSettingsWindowDesign);
+    Show("terminal-settings", settings);
+    settings.Close();
+    settings.AwaitGone();
+    ChooseInMenu(monitor, Keys("D", "E"));
+    const Window bytes = app->AwaitForm(kSendBytesWindowDesign);
+    Show("terminal-bytes", monitor, bytes.WindowHandle());
+    bytes.Close();
+    bytes.AwaitGone();
+    ChooseInMenu(monitor, Keys("F", "U"));
+    const Window find = app->AwaitForm(kFindWindowDesign);
+    app->AwaitFocus(find, "cboText");
+    for (const char key : {'G', 'R', 'O', 'S', 'S'}) Key(static_cast<WORD>(key));
+    Key(VK_RETURN);
+    app->AwaitInputTaken();
+    Show("terminal-find", monitor, find.WindowHandle());
 }
 
 void Screens::OfTheOptions() {
@@ -152,7 +212,7 @@ bool TakeAll() {
     bool all = true;
     for (const auto part :
          {&Screens::OfAFlash, &Screens::OfTheOtherBoxes, &Screens::OfThePictureAndTheMenus,
-          &Screens::OfMonitorMode, &Screens::OfTheOptions}) {
+          &Screens::OfMonitorMode, &Screens::OfTheTerminal, &Screens::OfTheOptions}) {
         try {
             Screens screens;
             (screens.*part)();

@@ -69,9 +69,9 @@ std::string frmMonitor::Text(Str text) const {
 
 void frmMonitor::Form_Load() {
     Trapped("frmMonitor.Form_Load", [this] {
-        RestorePosition();
-        LoadResources(*this, mPlatform.strings);
         ConfigureTerminal();
+        RestorePosition();  // the first size depends on the font size
+        LoadResources(*this, mPlatform.strings);
         UpdateStatus();
         UpdatePort();
         UpdateSettings();

@@ -17,18 +17,11 @@ public:
     void OfTheOtherBoxes();
     void OfThePictureAndTheMenus();
     void OfMonitorMode();
-    void OfTheTerminal();
+    void OfTheTerminalMenu(const Window& monitor);
+    void OfTheViews(const Window& monitor);
     void OfTheOptions();
 
 private:
-    /// The keys of a menu entry in the language of the program.
-    static std::string Keys(const char* english, const char* spanish) {
-        return Setting("DRIVE_LANGUAGE") == "es" ? spanish : english;
-    }
-    /// Opens the context menu of the terminal and presses `keys` in it, which lead through its
-    /// submenus. Takes a screenshot before the last key if `stage` is given.
-    void ChooseInMenu(const Window& monitor, const std::string& keys,
-                      const std::string& stage = {}) const;
     /// Takes a screenshot of the area of `window` and `above`.
     static void Show(const std::string& stage, HWND window, HWND above = nullptr) {
         constexpr DWORD kDrawnMs = 100;  // drawn pixels reach the display with a delay
@@ -134,59 +127,70 @@ void Screens::OfMonitorMode() {
     progress.Press("cmdCancel");
     progress.AwaitGone();
     Show("monitor-page", monitor);
-    ChooseInMenu(monitor, Keys("S", "F"));
-    Show("monitor-settings", monitor, app->AwaitForm(kPortSettingsWindowDesign).WindowHandle());
+    const bool spanish = Setting("DRIVE_LANGUAGE") == "es";
+    const auto open = [&](const char* stage, WORD key, const FormDesign& design) {
+        Command(monitor, key);
+        const Window window = app->AwaitForm(design);
+        Show(stage, monitor, window.WindowHandle());
+        window.Close();
+        window.AwaitGone();
+    };
+    open("monitor-settings", spanish ? 'F' : 'S', kPortSettingsWindowDesign);
+    open("terminal-settings", 'T', kTerminalSettingsWindowDesign);
+    open("terminal-find", spanish ? 'U' : 'F', kFindWindowDesign);
+    open("terminal-send", spanish ? 'E' : 'D', kSendBytesWindowDesign);
+    OfTheTerminalMenu(monitor);
+    OfTheViews(monitor);
 }
 
-void Screens::ChooseInMenu(const Window& monitor, const std::string& keys,
-                           const std::string& stage) const {
+void Screens::OfTheTerminalMenu(const Window& monitor) {
     const HWND terminal = monitor.Child("comMonitor");
-    HWND before = nullptr;
     PostMessageW(terminal, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(terminal), -1);
-    for (const char key : keys.substr(0, keys.size() - 1)) {
-        Await("the menu", [&] { return app->Menu() != nullptr && app->Menu() != before; });
-        before = app->Menu();
-        Key(static_cast<WORD>(key));
+    Await("the menu", [this] { return app->Menu() != nullptr; });
+    Show("terminal-menu", monitor, app->Menu());
+    const WORD line = Setting("DRIVE_LANGUAGE") == "es" ? 'L' : 'N';
+    for (const auto& [name, key] : {std::pair("view", WORD{'V'}), {"line", line}}) {
+        const HWND before = app->Menu();
+        Key(key);
+        Await("the submenu", [&] { return app->Menu() != before; });
+        Show(std::string("terminal-menu-") + name, monitor, app->Menu());
+        Key(VK_LEFT);
+        Await("its end", [&] { return app->Menu() == before; });
     }
-    Await("the last menu", [&] { return app->Menu() != nullptr && app->Menu() != before; });
-    if (!stage.empty()) Show(stage, monitor, app->Menu());
-    app->KeyUntil(static_cast<WORD>(keys.back()), "the end of the menu",
-                  [this] { return !app->InMenu(); });
+    Key(VK_ESCAPE);
+    Await("the end of the menu", [this] { return !app->InMenu(); });
 }
 
-void Screens::OfTheTerminal() {
-    indicator.Start("--terminal");
-    const Window monitor = OpenMonitor();
-    OpenPort(monitor);
-    std::string lines;
-    for (int i = 0; i < 5; ++i) lines += "id\r\ngross\r\ntare\r\nnet\r\nclear\r\n";
-    const Window progress = SendFile(monitor, lines);
-    progress.AwaitGone();
-    ChooseInMenu(monitor, Keys("VST", "VMH"), "terminal-menu");
+void Screens::OfTheViews(const Window& monitor) {
+    const HWND terminal = monitor.Child("comMonitor");
+    // Presses the keys of an entry of the context menu, which lead through its submenus.
+    const auto choose = [&](std::string keys) {
+        const char last = keys.back();
+        keys.pop_back();
+        PostMessageW(terminal, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(terminal), -1);
+        HWND menu = nullptr;
+        const auto awaitMenu = [&] {
+            Await("the menu", [&] { return app->Menu() != nullptr && app->Menu() != menu; });
+            menu = app->Menu();
+        };
+        for (const char key : keys) {
+            awaitMenu();
+            Key(static_cast<WORD>(key));
+        }
+        awaitMenu();
+        app->KeyUntil(static_cast<WORD>(last), "its end", [this] { return !app->InMenu(); });
+    };
+    const bool spanish = Setting("DRIVE_LANGUAGE") == "es";
+    choose(spanish ? "VMH" : "VST");
     Show("terminal-stamps", monitor);
-    ChooseInMenu(monitor, Keys("VC", "VC"));
+    choose("VC");
     Show("terminal-controls", monitor);
-    ChooseInMenu(monitor, Keys("VSN", "VMN"));
-    ChooseInMenu(monitor, Keys("VH", "VV"));
+    choose(spanish ? "VMN" : "VSN");
+    choose(spanish ? "VV" : "VH");
     Show("terminal-hex", monitor);
-    ChooseInMenu(monitor, Keys("VT", "VT"));
-    ChooseInMenu(monitor, Keys("T", "T"));
-    const Window settings = app->AwaitForm(kTerminalSettingsWindowDesign);
-    Show("terminal-settings", settings);
-    settings.Close();
-    settings.AwaitGone();
-    ChooseInMenu(monitor, Keys("D", "E"));
-    const Window bytes = app->AwaitForm(kSendBytesWindowDesign);
-    Show("terminal-bytes", monitor, bytes.WindowHandle());
-    bytes.Close();
-    bytes.AwaitGone();
-    ChooseInMenu(monitor, Keys("F", "U"));
-    const Window find = app->AwaitForm(kFindWindowDesign);
-    app->AwaitFocus(find, "cboText");
-    for (const char key : {'G', 'R', 'O', 'S', 'S'}) Key(static_cast<WORD>(key));
-    Key(VK_RETURN);
-    app->AwaitInputTaken();
-    Show("terminal-find", monitor, find.WindowHandle());
+    choose(spanish ? "VE" : "VD");
+    choose("VT");
+    Show("terminal-dark", monitor);
 }
 
 void Screens::OfTheOptions() {
@@ -212,7 +216,7 @@ bool TakeAll() {
     bool all = true;
     for (const auto part :
          {&Screens::OfAFlash, &Screens::OfTheOtherBoxes, &Screens::OfThePictureAndTheMenus,
-          &Screens::OfMonitorMode, &Screens::OfTheTerminal, &Screens::OfTheOptions}) {
+          &Screens::OfMonitorMode, &Screens::OfTheOptions}) {
         try {
             Screens screens;
             (screens.*part)();

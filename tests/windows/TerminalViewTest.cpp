@@ -1,5 +1,7 @@
-// The terminal's window: what it paints, and the effect of mouse, wheel and keys on its control.
+// The terminal's window: its size, what it paints, and the effect of mouse, wheel and keys on its
+// control.
 #include <cstdlib>
+#include <initializer_list>
 #include <string>
 #include <utility>
 #include <vector>
@@ -35,9 +37,8 @@ protected:
         platform.ports.Plug("COM1", wire);
         monitor->Show();
         view = GetDlgItem(WindowOf(*monitor), kFirstChildId);
-        for (int i = 10; i < 99; ++i) {
+        for (int i = 10; i < 99; ++i)
             TerminalParser(screen).Write("line " + std::to_string(i) + "\r\n");
-        }
         terminal.Refresh();
         RECT client{};
         GetClientRect(view, &client);
@@ -52,6 +53,22 @@ protected:
     void Send(UINT message, WPARAM first, LPARAM second = 0) const {
         SendMessageW(view, message, first, second);
     }
+
+    /// Keys that are held down while it exists.
+    struct Held {
+        explicit Held(const std::vector<int>& held) {
+            BYTE keys[256] = {};
+            for (const int key : held) keys[key] = 0x80;
+            SetKeyboardState(keys);
+        }
+        Held(std::initializer_list<int> held) : Held(std::vector<int>(held)) {}
+        Held(const Held&) = delete;
+        Held& operator=(const Held&) = delete;
+        ~Held() {
+            BYTE none[256] = {};
+            SetKeyboardState(none);
+        }
+    };
 
     Wire wire;
     std::shared_ptr<frmMonitor> monitor =
@@ -68,6 +85,20 @@ private:
     bool FlashIsRunning() const override { return false; }
 };
 
+TEST_F(TerminalView, TheFirstSizeIs80By24AndEachOtherIsShownWhileTheUserSizes) {
+    EXPECT_EQ(screen.Columns(), 80);
+    EXPECT_EQ(screen.Rows(), 24);
+    RECT client{};
+    GetClientRect(view, &client);
+    const int x = static_cast<int>(client.right) / 2;
+    const int edge = static_cast<int>(client.bottom) / 2 - height / 2;
+    const COLORREF before = Pixel(view, x, edge);
+    SendMessageW(WindowOf(*monitor), WM_SIZING, WMSZ_BOTTOM, reinterpret_cast<LPARAM>(&client));
+    EXPECT_EQ(Pixel(view, x, edge), GetSysColor(COLOR_INFOBK));
+    SendMessageW(WindowOf(*monitor), WM_EXITSIZEMOVE, 0, 0);
+    EXPECT_EQ(Pixel(view, x, edge), before);
+}
+
 TEST_F(TerminalView, ADragMarksTextWhichCtrlCCopiesInsteadOfBeingSent) {
     terminal.PerformCommand(TerminalCommand::Open);
     terminal.ScrollTo(0);
@@ -82,6 +113,24 @@ TEST_F(TerminalView, ADragMarksTextWhichCtrlCCopiesInsteadOfBeingSent) {
     Send(WM_CHAR, 3);  // nothing is selected any more
     platform.queue.PumpPending();
     EXPECT_EQ(wire.received, "\x03");
+}
+
+TEST_F(TerminalView, EachFurtherClickSelectsALargerPart) {
+    screen.MoveTo(0, 0);
+    TerminalParser(screen).Write("one two\r\nthree four");
+    for (const char* const selected : {"", "two", "one two"}) {
+        Send(WM_LBUTTONDOWN, MK_LBUTTON, At(0, 5));
+        Send(WM_LBUTTONUP, 0, At(0, 5));
+        EXPECT_EQ(terminal.SelectedText(), selected);
+    }
+    Send(WM_LBUTTONDOWN, MK_LBUTTON | MK_SHIFT, At(1, 2));
+    Send(WM_LBUTTONUP, 0, At(1, 2));
+    EXPECT_EQ(terminal.SelectedText(), "one two\r\nthree four") << "by line, as it was begun";
+    const Held alt{VK_MENU};
+    Send(WM_LBUTTONDOWN, MK_LBUTTON, At(0, 1));
+    Send(WM_MOUSEMOVE, MK_LBUTTON, At(1, 3));
+    Send(WM_LBUTTONUP, 0, At(1, 3));
+    EXPECT_EQ(terminal.SelectedText(), "ne\r\nhr");
 }
 
 TEST_F(TerminalView, TheTwoHalvesOfACharacterAreOne) {
@@ -115,7 +164,6 @@ TEST_F(TerminalView, NewTextIsAnnouncedNowAndThen) {
 
 TEST_F(TerminalView, EveryKeyDoesItsWork) {
     terminal.PerformCommand(TerminalCommand::Open);
-    platform.clipboard.Text("pasted");
     const std::int64_t bottom = screen.TopLine();
     const int page = screen.Rows() - 1;
     const struct {
@@ -128,38 +176,105 @@ TEST_F(TerminalView, EveryKeyDoesItsWork) {
                  {VK_DOWN, {}, "\x1b[B"},
                  {VK_RIGHT, {}, "\x1b[C"},
                  {VK_LEFT, {}, "\x1b[D"},
+                 {VK_HOME, {VK_SHIFT}, "\x1b[1;2H"},
+                 {VK_END, {VK_CONTROL}, "\x1b[1;5F"},
+                 {VK_DELETE, {}, "\x1b[3~"},
+                 {VK_F2, {}, "\x1bOQ"},
+                 {VK_F12, {}, "\x1b[24~"},
                  {VK_TAB, {}, "\t"},
+                 {VK_TAB, {VK_SHIFT}, "\x1b[Z"},
                  {VK_RETURN, {}, "\r"},
+                 {VK_RETURN, {VK_CONTROL}, "\n"},
                  {VK_ESCAPE, {}, "\x1b"},
                  {VK_BACK, {}, "\b"},
+                 {VK_BACK, {VK_CONTROL}, "\x7f"},
+                 {VK_SPACE, {}, " "},
+                 {VK_SPACE, {VK_CONTROL}, std::string(1, '\0')},
+                 {VK_ADD, {}, "+"},
                  {'A', {}, "a"},
                  {'V', {VK_CONTROL}, "\x16"},
+                 {'V', {VK_CONTROL, VK_SHIFT}, "pasted"},
+                 {'C', {VK_CONTROL, VK_SHIFT}, "", 0, "line"},
                  {VK_INSERT, {VK_SHIFT}, "pasted"},
-                 {VK_INSERT, {VK_SHIFT, VK_CONTROL}, ""},
-                 {VK_INSERT, {}, ""},
+                 {VK_INSERT, {VK_SHIFT, VK_CONTROL}, "\x1b[2;6~"},
+                 {VK_INSERT, {}, "\x1b[2~"},
                  {VK_INSERT, {VK_CONTROL}, "", 0, "line"},
-                 {VK_PRIOR, {}, ""},
+                 {VK_PAUSE, {}, ""},
+                 {VK_PRIOR, {}, "\x1b[5~"},
                  {VK_PRIOR, {VK_SHIFT}, "", -page},
-                 {VK_NEXT, {VK_SHIFT}, "", page}};
+                 {VK_NEXT, {VK_SHIFT}, "", page},
+                 {VK_UP, {VK_SHIFT, VK_CONTROL}, "", -1},
+                 {VK_HOME, {VK_SHIFT, VK_CONTROL}, "", -page}};
     for (const auto& row : kRows) {
         SCOPED_TRACE(row.key);
         wire.received.clear();
         platform.clipboard.Text("pasted");
         terminal.ScrollTo(page);
         terminal.Select({page, 0}, {page, 4});
-        BYTE keys[256] = {};
-        for (const int key : row.held) keys[key] = 0x80;
-        SetKeyboardState(keys);
+        const Held keys(row.held);
         Type(row.key);
         for (int i = 0; i < 5; ++i) platform.queue.PumpPending();
         EXPECT_EQ(wire.received, row.sent);
         EXPECT_EQ(platform.clipboard.Text(), row.clipboard);
-        const bool typed = !row.sent.empty() && row.key != VK_INSERT;
+        const bool typed = !row.sent.empty() && row.sent != "pasted";
         EXPECT_EQ(terminal.SelectedText(), typed ? "" : "line");
         EXPECT_EQ(terminal.FirstShownLine(), row.sent.empty() ? page + row.scrolled : bottom);
     }
-    BYTE none[256] = {};
-    SetKeyboardState(none);
+}
+
+// As a Spanish or a German layout reports them: AltGr is Ctrl and Alt, and a dead key has
+// no character of its own.
+TEST_F(TerminalView, CharactersOfAltGrAndDeadKeysAreTyped) {
+    terminal.PerformCommand(TerminalCommand::Open);
+    const struct {
+        std::vector<int> held;
+        WPARAM key;
+        std::wstring characters;
+        std::string sent;
+    } kRows[] = {{{VK_CONTROL, VK_MENU}, 'Q', L"@", "@"},
+                 {{VK_CONTROL, VK_MENU}, 'E', L"\x20ac", "\x80"},
+                 {{VK_CONTROL, VK_MENU}, '0', L"}", "}"},
+                 {{VK_CONTROL, VK_MENU}, VK_OEM_PLUS, L"]", "]"},
+                 {{VK_CONTROL, VK_MENU}, 'V', L"\xf6", "\xf6"},
+                 {{}, 'E', L"\xe9", "\xe9"},
+                 {{}, VK_SPACE, L"\xb4", "\xb4"},
+                 {{}, VK_RETURN, L"\xb4\r", "\xb4\r"},
+                 {{VK_CONTROL}, 'M', L"\r", "\r"}};
+    for (const auto& row : kRows) {
+        wire.received.clear();
+        const Held keys(row.held);
+        Send(WM_KEYDOWN, row.key);
+        for (const wchar_t character : row.characters) Send(WM_CHAR, character);
+        EXPECT_EQ(wire.received, row.sent) << row.key;
+    }
+}
+
+TEST_F(TerminalView, ModesOfTheFarEndAndTheKeypadDecideWhatIsSent) {
+    terminal.PerformCommand(TerminalCommand::Open);
+    constexpr LPARAM kExtended = LPARAM{KF_EXTENDED} << 16;
+    screen.modes.applicationCursorKeys = true;
+    screen.modes.applicationKeypad = true;
+    Send(WM_KEYDOWN, VK_UP, kExtended);
+    Send(WM_KEYDOWN, VK_UP);  // 8, without NumLock
+    Send(WM_KEYDOWN, VK_NUMPAD8);
+    Send(WM_CHAR, '8');
+    Send(WM_KEYDOWN, VK_RETURN, kExtended);
+    Send(WM_CHAR, '\r');
+    Send(WM_SYSKEYDOWN, VK_F10);
+    Send(WM_SYSKEYUP, VK_F10);  // opens no menu, which would wait for the user
+    EXPECT_EQ(wire.received, "\x1bOA\x1bOx\x1bOx\x1bOM\x1b[21~");
+}
+
+TEST_F(TerminalView, LinesOfNeighbouringCellsJoin) {
+    screen.MoveTo(0, 0);
+    TerminalParser(screen).Write("\x1b(0lx\r\nxqq");
+    terminal.Refresh();
+    const auto isInk = [this](int x, int y) {
+        return Pixel(view, x, y) == GetSysColor(COLOR_WINDOWTEXT);
+    };
+    const int middle = (width - 1) / 2;
+    for (int y = height * 3 / 4; y < 2 * height; ++y) EXPECT_TRUE(isInk(middle, y)) << y;
+    for (int x = width; x < 3 * width; ++x) EXPECT_TRUE(isInk(x, height + (height - 1) / 2)) << x;
 }
 
 TEST_F(TerminalView, AUserWhoChoseHighContrastSeesNoColoursOfTheFarEnd) {
@@ -171,6 +286,11 @@ TEST_F(TerminalView, AUserWhoChoseHighContrastSeesNoColoursOfTheFarEnd) {
         terminal.Refresh();
         EXPECT_EQ(Pixel(view, width, height / 2),
                   chosen ? GetSysColor(COLOR_WINDOW) : RGB(170, 0, 0));
+        terminal.Options({.darkScheme = true});
+        terminal.Refresh();
+        EXPECT_EQ(Pixel(view, 40 * width, height / 2),
+                  chosen ? GetSysColor(COLOR_WINDOW) : RGB(16, 16, 16));
+        terminal.Options({});
     }
     gHighContrast = false;
     const CellColours colours = ColoursOf(Cell{U'x', 1, 2, kReversed}, {.highContrast = true});
@@ -187,8 +307,10 @@ TEST_F(TerminalView, LettersShowWhereOnlyOneColourWasChosen) {
         const auto chosen = static_cast<std::uint8_t>(colour);
         for (const Cell& cell : {Cell{U'x', chosen}, Cell{U'x', kDefaultColour, chosen},
                                  Cell{U'x', chosen, kDefaultColour, kReversed}}) {
-            const CellColours colours = ColoursOf(cell);
-            EXPECT_GT(difference(colours.ink, colours.ground), 100) << colour;
+            for (const bool dark : {false, true}) {
+                const CellColours colours = ColoursOf(cell, {.dark = dark});
+                EXPECT_GT(difference(colours.ink, colours.ground), 100) << colour;
+            }
         }
     }
     EXPECT_EQ(ColoursOf(Cell{U'x', 1}).ink, RGB(170, 0, 0)) << "as it was chosen";
@@ -219,6 +341,17 @@ TEST_F(TerminalView, WheelAndScrollBarShowWhatHasLeftTheScreen) {
     terminal.ScrollTo(bottom);
     Send(WM_VSCROLL, SB_THUMBTRACK);
     EXPECT_EQ(terminal.FirstShownLine(), screen.FirstLine()) << "where the thumb is drawn";
+}
+
+TEST_F(TerminalView, TheFontSizeFollowsWheelAndKeys) {
+    for (int i = 0; i < 4; ++i) Send(WM_MOUSEWHEEL, MAKEWPARAM(MK_CONTROL, WHEEL_DELTA / 2));
+    const int rows = screen.Rows();
+    EXPECT_LT(rows, 24);
+    const Held control{VK_CONTROL};
+    Type(VK_OEM_MINUS);
+    EXPECT_GT(screen.Rows(), rows);
+    Type('0');
+    EXPECT_EQ(screen.Rows(), 24);
 }
 
 TEST_F(TerminalView, AMouseAboveTheTextScrollsWhileItSelects) {

@@ -11,11 +11,11 @@ namespace {
 /// Letters of both languages, and symbols that an indicator displays.
 constexpr std::wstring_view kSample = L"Az09\x00c1\x00d1\x00e1\x00e9\x00ed\x00f1\x00f3\x00fa\x00b0";
 
-HFONT Make(const wchar_t* face, int height, int weight, DWORD italic = FALSE) {
+HFONT Make(const wchar_t* face, int height, bool bold = false, bool italic = false) {
     // The one OEM face is only found with its character set.
     const bool isTerminal = std::wstring_view(face) == L"Terminal";
-    return CreateFontW(-height, 0, 0, 0, weight, italic, FALSE, FALSE,
-                       isTerminal ? OEM_CHARSET : DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
+    return CreateFontW(-height, 0, 0, 0, bold ? FW_BOLD : FW_NORMAL, italic ? TRUE : FALSE, FALSE,
+                       FALSE, isTerminal ? OEM_CHARSET : DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
                        CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY, DWORD{FIXED_PITCH} | DWORD{FF_MODERN},
                        face);
 }
@@ -43,7 +43,7 @@ bool IsWhole(HDC target, const wchar_t* face) {
 const wchar_t* ChosenFace(HDC target, const wchar_t* wanted, int height) {
     for (const wchar_t* const face : {wanted, L"Consolas", L"Lucida Console", L"Courier New",
                                       L"Liberation Mono", L"DejaVu Sans Mono"}) {
-        const Win32Object<HFONT> font(Make(face, height, FW_NORMAL));
+        const Win32Object<HFONT> font(Make(face, height));
         const Win32Selected selected(target, font.get());
         if (IsWhole(target, face)) return face;
     }
@@ -52,17 +52,19 @@ const wchar_t* ChosenFace(HDC target, const wchar_t* wanted, int height) {
 
 }  // namespace
 
-Win32TerminalFont::Win32TerminalFont(Win32Context& context, const ControlStyle& style) {
+Win32TerminalFont::Win32TerminalFont(Win32Context& context, const ControlStyle& style, int wanted)
+    : points(wanted) {
     constexpr float kTwipsPerPoint = 20;
-    const int pixels = context.ToPixels(style.points * kTwipsPerPoint);
+    const float size = wanted > 0 ? static_cast<float>(wanted) : style.points;
+    const int pixels = context.ToPixels(size * kTwipsPerPoint);
     const Win32Object<HDC> target(Made(CreateCompatibleDC(nullptr)));
-    const std::wstring wanted = ToWide(style.face);
-    const wchar_t* const face = ChosenFace(target.get(), wanted.c_str(), pixels);
-    plain = Hold(Make(face, pixels, FW_NORMAL), context.held.fonts);
-    bold = Hold(Make(face, pixels, FW_BOLD), context.held.fonts);
-    italic = Hold(Make(face, pixels, FW_NORMAL, TRUE), context.held.fonts);
-    boldItalic = Hold(Make(face, pixels, FW_BOLD, TRUE), context.held.fonts);
-    const Win32Selected selected(target.get(), plain.get());
+    const std::wstring named = ToWide(style.face);
+    const wchar_t* const face = ChosenFace(target.get(), named.c_str(), pixels);
+    for (std::size_t look = 0; look < looks.size(); ++look)
+        looks[look] =
+            Hold(Make(face, pixels, (look & 1) != 0, (look & 2) != 0), context.held.fonts);
+    small = Hold(Make(face, pixels * 3 / 5), context.held.fonts);
+    const Win32Selected selected(target.get(), Look(false, false));
     TEXTMETRICW metrics{};
     if (GetTextMetricsW(target.get(), &metrics) == 0) return;
     width = std::max<int>(metrics.tmAveCharWidth, 1);

@@ -5,31 +5,20 @@
 #include <algorithm>
 #include <optional>
 #include <string>
-#include <string_view>
 #include <utility>
+#include <vector>
 
+#include "platform/win32/terminal/Win32TerminalKeyboard.hpp"
+#include "platform/win32/terminal/Win32TerminalMouse.hpp"
 #include "platform/win32/terminal/Win32TerminalPaint.hpp"
+#include "platform/win32/terminal/Win32TerminalScrollBar.hpp"
+#include "platform/win32/terminal/Win32TerminalSpeech.hpp"
 #include "support/Traps.hpp"
 
 namespace vantor {
 namespace {
 
-enum : UINT_PTR { kScrollTimer = 1, kAnnounceTimer };
-constexpr UINT kScrollIntervalMs = 50;
-constexpr UINT kAnnounceIntervalMs = 300;
 constexpr int kCaretPixels = 2;
-
-bool IsDown(int key) {
-    return GetKeyState(key) < 0;
-}
-
-std::string_view SequenceOf(WPARAM key) {
-    constexpr std::pair<WPARAM, std::string_view> kSequences[] = {
-        {VK_UP, "\x1b[A"}, {VK_DOWN, "\x1b[B"}, {VK_RIGHT, "\x1b[C"}, {VK_LEFT, "\x1b[D"}};
-    for (const auto& [each, sequence] : kSequences)
-        if (each == key) return sequence;
-    return {};
-}
 
 }  // namespace
 
@@ -39,8 +28,11 @@ class Win32TerminalView : public std::enable_shared_from_this<Win32TerminalView>
 public:
     Win32TerminalView(Win32Context& context, TerminalControl& control, const ControlStyle& style,
                       HWND window)
-        : mControl(control), mScreen(control.Screen()), mWindow(window), mFont(context, style) {
-        SetWindowLongPtrW(mWindow, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
+        : mStyle(style),
+          mShared{context, control, window,
+                  Win32TerminalFont(context, style, control.Options().fontPoints)},
+          mScheme(SchemeOf(control)) {
+        SetWindowLongPtrW(window, GWLP_USERDATA, reinterpret_cast<LONG_PTR>(this));
     }
 
     static LRESULT CALLBACK OnMessage(HWND window, UINT message, WPARAM wParam, LPARAM lParam) {
@@ -50,7 +42,7 @@ public:
         const std::shared_ptr<Win32TerminalView> keepAlive = view->shared_from_this();
         if (message == WM_NCDESTROY) {
             SetWindowLongPtrW(window, GWLP_USERDATA, 0);
-            view->mWindow = nullptr;
+            view->mShared.handle = nullptr;
             return DefWindowProcW(window, message, wParam, lParam);
         }
         LRESULT answer = 0;
@@ -62,15 +54,32 @@ public:
     }
 
     void Follow(Property property) {
-        if (mWindow == nullptr) return;
-        const bool dirty = mScreen.AnyDirty();
-        if (property == Property::Repaint || mControl.FirstShownLine() != mShownFirst)
-            InvalidateRect(mWindow, nullptr, FALSE);
+        if (mShared.handle == nullptr) return;
+        TerminalViewport& view = mShared.control.View();
+        FollowFont();
+        const bool dirty = view.AnyDirty();
+        // The high contrast of the system is read with each paint.
+        const ColourScheme scheme = {.dark = mShared.control.Options().darkScheme,
+                                     .reversed = mShared.control.Screen().modes.reverseScreen,
+                                     .highContrast = mScheme.highContrast};
+        if (property == Property::Repaint || scheme != mScheme)
+            InvalidateAll();
         else if (dirty)
             InvalidateDirty();
-        if (property == Property::Value && dirty) AnnounceSoon();
-        mShownFirst = mControl.FirstShownLine();
-        mScreen.Clean();
+        if (property == Property::Value && dirty) mSpeech.AnnounceSoon();
+        view.Clean();
+    }
+
+    void ShowSize(bool shown) {
+        if (std::exchange(mShowsSize, shown) != shown && mShared.handle != nullptr) InvalidateAll();
+    }
+
+    SIZE OuterSize(int columns, int rows) const {
+        RECT area = {0, 0, columns * mShared.font.width, rows * mShared.font.height};
+        const auto style = static_cast<DWORD>(GetWindowLongPtrW(mShared.handle, GWL_STYLE));
+        const auto extended = static_cast<DWORD>(GetWindowLongPtrW(mShared.handle, GWL_EXSTYLE));
+        AdjustWindowRectEx(&area, style, FALSE, extended);
+        return {area.right - area.left + GetSystemMetrics(SM_CXVSCROLL), area.bottom - area.top};
     }
 
 private:
@@ -86,18 +95,10 @@ private:
                 OnSize();
                 return 0;
             case WM_VSCROLL:
-                OnScrollBar(LOWORD(wParam));
-                return 0;
-            case WM_MOUSEWHEEL:
-                OnWheel(GET_WHEEL_DELTA_WPARAM(wParam));
-                return 0;
-            case WM_TIMER:
-                wParam == kScrollTimer ? OnScrollTimer() : Announce();
+                OnScrollBar(mShared, LOWORD(wParam));
                 return 0;
             case WM_SETFOCUS:
-                CreateCaret(mWindow, nullptr, mFont.width, kCaretPixels);
-                PlaceCaret();
-                ShowCaret(mWindow);
+                MakeCaret();
                 return 0;
             case WM_KILLFOCUS:
                 DestroyCaret();
@@ -106,228 +107,90 @@ private:
                 return OnContextMenu(lParam);
             // Screen readers get the text here.
             case WM_GETTEXTLENGTH:
-                return static_cast<LRESULT>(ShownText().size());
+                return static_cast<LRESULT>(mSpeech.ShownText().size());
             case WM_GETTEXT:
-                return GiveText(wParam, reinterpret_cast<wchar_t*>(lParam));
+                return mSpeech.GiveText(wParam, reinterpret_cast<wchar_t*>(lParam));
             default:
-                return OnInput(message, wParam, {GET_X_LPARAM(lParam), GET_Y_LPARAM(lParam)});
+                return OnInput(message, wParam, lParam);
         }
     }
 
-    /// Keyboard, and mouse at `at`.
-    std::optional<LRESULT> OnInput(UINT message, WPARAM wParam, POINT at) {
-        switch (message) {
-            case WM_GETDLGCODE:  // Tab, Enter, Esc and the arrows are sent to the line
-                return DLGC_WANTALLKEYS | DLGC_WANTCHARS | DLGC_WANTARROWS | DLGC_WANTTAB;
-            case WM_KEYDOWN:
-                return OnKeyDown(wParam);
-            case WM_CHAR:
-                OnCharacter(static_cast<wchar_t>(wParam));
-                return 0;
-            case WM_LBUTTONDOWN:
-                BeginSelecting(at);
-                return 0;
-            case WM_MOUSEMOVE:
-                Extend(at);
-                return 0;
-            case WM_LBUTTONUP:
-                if (mAnchor) ReleaseCapture();
-                return 0;
-            case WM_CAPTURECHANGED:
-                mAnchor.reset();
-                ScrollWhileSelecting(false);
-                return 0;
-            default:
-                return std::nullopt;
+    /// Keyboard, mouse and timers.
+    std::optional<LRESULT> OnInput(UINT message, WPARAM wParam, LPARAM lParam) {
+        if (message == WM_GETDLGCODE)  // Tab, Enter, Esc and the arrows are sent to the line
+            return DLGC_WANTALLKEYS | DLGC_WANTCHARS | DLGC_WANTARROWS | DLGC_WANTTAB;
+        if (message == WM_TIMER && wParam == kTerminalAnnounceTimer) {
+            mSpeech.OnAnnounceTimer();
+            return 0;
         }
-    }
-
-    RECT ClientArea() const {
-        RECT area{};
-        GetClientRect(mWindow, &area);
-        return area;
+        if (message >= WM_KEYFIRST && message <= WM_KEYLAST)
+            return mKeyboard.OnMessage(message, wParam, lParam);
+        return mMouse.OnMessage(message, wParam, lParam);
     }
 
     // --- painting -------------------------------------------------------------------------------
 
+    void InvalidateAll() const { InvalidateRect(mShared.handle, nullptr, FALSE); }
+
     // One rectangle for all dirty rows: however much arrives, there is one call.
-    void InvalidateDirty() {
-        const auto below = static_cast<int>(mScreen.TopLine() - mShownFirst);
-        int first = mScreen.Rows();
+    void InvalidateDirty() const {
+        const TerminalViewport& view = mShared.control.View();
+        int first = view.Rows();
         int last = -1;
-        for (int row = 0; row + below < mScreen.Rows(); ++row) {
-            if (!mScreen.Dirty(row)) continue;
-            first = std::min(first, row + below);
-            last = row + below;
+        for (int row = 0; row < view.Rows(); ++row) {
+            if (!view.Dirty(row)) continue;
+            first = std::min(first, row);
+            last = row;
         }
-        if (last < first) return ShowScrollBar();  // no paint follows that would do it
-        RECT area = ClientArea();
-        area.top = first * mFont.height;
-        area.bottom = (last + 1) * mFont.height;
-        InvalidateRect(mWindow, &area, FALSE);
+        if (last < first) return ShowScrollBar(mShared);  // no paint follows that would do it
+        RECT area = mShared.Client();
+        area.top = first * mShared.font.height;
+        area.bottom = (last + 1) * mShared.font.height;
+        InvalidateRect(mShared.handle, &area, FALSE);
     }
 
     void OnPaint() {
         PAINTSTRUCT paint{};
-        const HDC target = BeginPaint(mWindow, &paint);
-        PaintTerminal(mControl, mFont, target, paint.rcPaint, ClientArea());
-        EndPaint(mWindow, &paint);
+        mScheme = SchemeOf(mShared.control);
+        const HDC target = BeginPaint(mShared.handle, &paint);
+        PaintTerminal(mShared, mScheme, target, paint.rcPaint);
+        if (mShowsSize) PaintTerminalSize(mShared, target);
+        EndPaint(mShared.handle, &paint);
         PlaceCaret();
-        ShowScrollBar();
+        ShowScrollBar(mShared);
+    }
+
+    void MakeCaret() const {
+        CreateCaret(mShared.handle, nullptr, mShared.font.width, kCaretPixels);
+        PlaceCaret();
+        ShowCaret(mShared.handle);
     }
 
     void PlaceCaret() const {
-        if (GetFocus() != mWindow) return;
-        const ScreenCursor cursor = mScreen.Cursor();
-        const int row =
-            static_cast<int>(mScreen.TopLine() - mControl.FirstShownLine()) + cursor.row;
-        const bool shown = mScreen.modes.cursorVisible && row < mScreen.Rows();
-        const int left = shown ? cursor.column * mFont.width : -2 * mFont.width;
-        SetCaretPos(left, (row + 1) * mFont.height - kCaretPixels);
-    }
-
-    // --- size and scrolling ---------------------------------------------------------------------
-
-    void OnSize() {
-        const RECT client = ClientArea();
-        if (client.right <= 0 || client.bottom <= 0) return;
-        mControl.ScreenSize(static_cast<int>(client.right) / mFont.width,
-                            static_cast<int>(client.bottom) / mFont.height);
-        InvalidateRect(mWindow, nullptr, FALSE);
-    }
-
-    // Always shown; otherwise the first line that scrolls off would change the width of the text.
-    void ShowScrollBar() const {
-        SCROLLINFO info{};
-        info.cbSize = sizeof info;
-        info.fMask = SIF_ALL | SIF_DISABLENOSCROLL;
-        info.nMax = static_cast<int>(mScreen.EndLine() - mScreen.FirstLine()) - 1;
-        info.nPage = static_cast<UINT>(mScreen.Rows());
-        info.nPos = static_cast<int>(mControl.FirstShownLine() - mScreen.FirstLine());
-        SetScrollInfo(mWindow, SB_VERT, &info, TRUE);
-    }
-
-    void OnScrollBar(WORD request) {
-        SCROLLINFO info{};
-        info.cbSize = sizeof info;
-        info.fMask = SIF_TRACKPOS;
-        switch (request) {
-            case SB_LINEUP:
-                return ScrollBy(-1);
-            case SB_LINEDOWN:
-                return ScrollBy(1);
-            case SB_PAGEUP:
-                return ScrollBy(-PageRows());
-            case SB_PAGEDOWN:
-                return ScrollBy(PageRows());
-            case SB_TOP:
-                return mControl.ScrollTo(mScreen.FirstLine());
-            case SB_BOTTOM:
-                return mControl.ScrollTo(mScreen.TopLine());
-            case SB_THUMBTRACK:
-                if (GetScrollInfo(mWindow, SB_VERT, &info) != 0)
-                    mControl.ScrollTo(mScreen.FirstLine() + info.nTrackPos);
-                return;
-            default:
-                return;
-        }
-    }
-
-    void OnWheel(int delta) {
-        UINT lines = 3;
-        SystemParametersInfoW(SPI_GETWHEELSCROLLLINES, 0, &lines, 0);
-        mWheel += delta;
-        const int notches = mWheel / WHEEL_DELTA;
-        mWheel -= notches * WHEEL_DELTA;
-        ScrollBy(-notches * static_cast<int>(std::min(lines, static_cast<UINT>(PageRows()))));
-    }
-
-    int PageRows() const { return std::max(mScreen.Rows() - 1, 1); }
-
-    void ScrollBy(int lines) { mControl.ScrollTo(mControl.FirstShownLine() + lines); }
-
-    // --- keys -----------------------------------------------------------------------------------
-
-    /// Keys without a character. Empty for keys that the terminal does not handle.
-    std::optional<LRESULT> OnKeyDown(WPARAM key) {
-        const bool shift = IsDown(VK_SHIFT);
-        const bool control = IsDown(VK_CONTROL);
-        const std::string_view sequence = SequenceOf(key);
-        if (key == VK_INSERT && control != shift) {
-            mControl.Invoke(control ? TerminalCommand::Copy : TerminalCommand::Paste);
-        } else if (shift && (key == VK_PRIOR || key == VK_NEXT)) {
-            ScrollBy(key == VK_PRIOR ? -PageRows() : PageRows());
-        } else if (!sequence.empty()) {
-            Unselect();
-            mControl.Key(sequence);
-        } else {
-            return std::nullopt;
-        }
-        return 0;
-    }
-
-    // Ctrl+C and Ctrl+V are characters for the line; only while text is selected, Ctrl+C copies.
-    void OnCharacter(wchar_t character) {
-        constexpr wchar_t kCtrlC = 3;
-        if (character == kCtrlC && !mControl.Selection().Empty()) {
-            mControl.Invoke(TerminalCommand::Copy);
-            if (mWindow != nullptr) Unselect();  // the next one is for the line
-            return;
-        }
-        if (IS_HIGH_SURROGATE(character)) {
-            mHighSurrogate = character;
-            return;
-        }
-        std::wstring typed(1, character);
-        const wchar_t high = std::exchange(mHighSurrogate, L'\0');
-        if (IS_SURROGATE_PAIR(high, character)) typed.insert(0, 1, high);
-        Unselect();
-        mControl.Type(ToUtf8(typed));
-    }
-
-    // --- selecting ------------------------------------------------------------------------------
-
-    void Unselect() {
-        if (!mControl.Selection().Empty()) mControl.Select({}, {});
-    }
-
-    TextPosition PositionAt(POINT at) const {
-        const int row = std::clamp(static_cast<int>(at.y) / mFont.height, 0, mScreen.Rows() - 1);
-        const int column = (static_cast<int>(at.x) + mFont.width / 2) / mFont.width;
-        return {mControl.FirstShownLine() + row, std::clamp(column, 0, mScreen.Columns())};
-    }
-
-    void BeginSelecting(POINT at) {
-        SetFocus(mWindow);
-        Unselect();
-        SetCapture(mWindow);
-        mAnchor = PositionAt(at);
-    }
-
-    void Extend(POINT at) {
-        if (!mAnchor) return;
-        ScrollWhileSelecting(at.y < 0 || at.y >= ClientArea().bottom);
-        mControl.Select(*mAnchor, PositionAt(at));
-    }
-
-    void ScrollWhileSelecting(bool on) {
-        if (std::exchange(mScrolling, on) == on) return;
-        if (on)
-            SetTimer(mWindow, kScrollTimer, kScrollIntervalMs, nullptr);
+        if (GetFocus() != mShared.handle) return;
+        const auto& [width, height] = std::pair{mShared.font.width, mShared.font.height};
+        if (const std::optional<ScreenCursor> cursor = mShared.control.View().Cursor())
+            SetCaretPos(cursor->column * width, (cursor->row + 1) * height - kCaretPixels);
         else
-            KillTimer(mWindow, kScrollTimer);
+            SetCaretPos(-2 * width, 0);
     }
 
-    /// The further the mouse is outside, the faster it scrolls.
-    void OnScrollTimer() {
-        POINT at{};
-        if (!mAnchor || GetCursorPos(&at) == 0 || ScreenToClient(mWindow, &at) == 0) return;
-        const LONG bottom = ClientArea().bottom;
-        if (at.y < 0)
-            ScrollBy(static_cast<int>(at.y) / mFont.height - 1);
-        else if (at.y >= bottom)
-            ScrollBy(static_cast<int>(at.y - bottom) / mFont.height + 1);
-        Extend(at);
+    // --- size -----------------------------------------------------------------------------------
+
+    void FollowFont() {
+        const int points = mShared.control.Options().fontPoints;
+        if (points == mShared.font.points) return;
+        mShared.font = Win32TerminalFont(mShared.context, mStyle, points);
+        if (GetFocus() == mShared.handle) MakeCaret();
+        OnSize();
+    }
+
+    void OnSize() const {
+        const RECT client = mShared.Client();
+        if (client.right <= 0 || client.bottom <= 0) return;
+        mShared.control.ScreenSize(static_cast<int>(client.right) / mShared.font.width,
+                                   static_cast<int>(client.bottom) / mShared.font.height);
+        InvalidateAll();
     }
 
     // --- the context menu -----------------------------------------------------------------------
@@ -337,27 +200,27 @@ private:
         POINT at = {GET_X_LPARAM(where), GET_Y_LPARAM(where)};
         if (where == -1) {  // opened by the keyboard
             at = {0, 0};
-            ClientToScreen(mWindow, &at);
+            ClientToScreen(mShared.handle, &at);
         } else {
-            const RECT client = ClientArea();
+            const RECT client = mShared.Client();
             POINT inside = at;
-            ScreenToClient(mWindow, &inside);
+            ScreenToClient(mShared.handle, &inside);
             if (PtInRect(&client, inside) == 0) return std::nullopt;
         }
         const int command = AskForCommand(at);
         // The window may have been destroyed while the menu was open.
-        if (command != 0 && mWindow != nullptr)
-            mControl.Invoke(static_cast<TerminalCommand>(command));
+        if (command != 0 && mShared.handle != nullptr)
+            mShared.control.Invoke(static_cast<TerminalCommand>(command));
         return 0;
     }
 
     /// The number of the command that the user chooses; 0 for none.
     int AskForCommand(POINT at) const {
         const Win32Object<HMENU> menu(CreatePopupMenu());
-        AppendEntries(menu.get(), mControl.ContextMenu());
+        AppendEntries(menu.get(), mShared.control.ContextMenu());
         return static_cast<int>(TrackPopupMenu(menu.get(),
                                                TPM_RETURNCMD | TPM_NONOTIFY | TPM_RIGHTBUTTON, at.x,
-                                               at.y, 0, mWindow, nullptr));
+                                               at.y, 0, mShared.handle, nullptr));
     }
 
     /// Submenus are destroyed with the menu.
@@ -378,49 +241,13 @@ private:
         }
     }
 
-    // --- text for screen readers ----------------------------------------------------------------
-
-    std::wstring ShownText() const {
-        std::wstring text;
-        for (int row = 0; row < mScreen.Rows(); ++row) {
-            if (row > 0) text += L"\r\n";
-            for (const Cell& cell : mScreen.Line(mControl.FirstShownLine() + row))
-                AppendLetter(text, cell.character);
-            text.resize(text.find_last_not_of(L' ') + 1);
-        }
-        return text;
-    }
-
-    LRESULT GiveText(std::size_t room, wchar_t* into) const {
-        if (room == 0 || into == nullptr) return 0;
-        const std::wstring text = ShownText().substr(0, room - 1);
-        *std::copy(text.begin(), text.end(), into) = L'\0';
-        return static_cast<LRESULT>(text.size());
-    }
-
-    // Screen readers speak at each event, so text that arrives in pieces raises one for many.
-    void AnnounceSoon() {
-        if (!mAnnouncing)
-            mAnnouncing = SetTimer(mWindow, kAnnounceTimer, kAnnounceIntervalMs, nullptr) != 0;
-    }
-
-    void Announce() {
-        KillTimer(mWindow, kAnnounceTimer);
-        mAnnouncing = false;
-        NotifyWinEvent(EVENT_OBJECT_VALUECHANGE, mWindow, OBJID_CLIENT, CHILDID_SELF);
-        NotifyWinEvent(EVENT_OBJECT_LIVEREGIONCHANGED, mWindow, OBJID_CLIENT, CHILDID_SELF);
-    }
-
-    TerminalControl& mControl;
-    TerminalScreen& mScreen;
-    HWND mWindow;  // null once it is destroyed
-    Win32TerminalFont mFont;
-    std::int64_t mShownFirst = 0;         // the first line of the view as last invalidated
-    std::optional<TextPosition> mAnchor;  // set while the mouse selects
-    bool mScrolling = false;              // the mouse is above or below the text meanwhile
-    bool mAnnouncing = false;             // an announcement to screen readers is due
-    wchar_t mHighSurrogate = L'\0';       // the first half of a character that is being typed
-    int mWheel = 0;                       // accumulated wheel movement below one notch
+    const ControlStyle& mStyle;
+    Win32TerminalWindow mShared;
+    ColourScheme mScheme;     // as last painted
+    bool mShowsSize = false;  // the user is sizing the window
+    Win32TerminalKeyboard mKeyboard{mShared};
+    Win32TerminalMouse mMouse{mShared};
+    Win32TerminalSpeech mSpeech{mShared};
 };
 
 void RegisterTerminalClass(HINSTANCE instance) {
@@ -439,6 +266,14 @@ std::shared_ptr<Win32TerminalView> MakeTerminalView(Win32Context& context, Termi
 
 void FollowTerminal(Win32TerminalView& view, Property property) {
     view.Follow(property);
+}
+
+void ShowTerminalSize(Win32TerminalView& view, bool shown) {
+    view.ShowSize(shown);
+}
+
+SIZE TerminalOuterSize(const Win32TerminalView& view, int columns, int rows) {
+    return view.OuterSize(columns, rows);
 }
 
 }  // namespace vantor

@@ -26,4 +26,10 @@ std::shared_ptr<Win32TerminalView> MakeTerminalView(Win32Context& context, Termi
 /// rows are.
 void FollowTerminal(Win32TerminalView& view, Property property);
 
+/// Shows the number of cells in the middle of the window, or no longer.
+void ShowTerminalSize(Win32TerminalView& view, bool shown);
+
+/// Outer size in pixels of a window that shows `columns` x `rows` cells.
+SIZE TerminalOuterSize(const Win32TerminalView& view, int columns, int rows);
+
 }  // namespace vantor

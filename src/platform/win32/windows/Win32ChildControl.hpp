@@ -64,6 +64,8 @@ public:
 
     /// The size of the parent has changed.
     virtual void ParentResized() {}
+    /// The user begins or ends sizing the parent.
+    virtual void ParentSizing(bool /*sizing*/) {}
     /// Handles a message of a panel, or one that the form passes on: notifications of the window
     /// (WM_COMMAND, WM_NOTIFY), and `kChoiceMade`. Empty for messages that DefWindowProc has to
     /// handle. The handler of the model's event may unload the form and destroy this object.
@@ -73,6 +75,8 @@ public:
 
     /// Size of a text in the control's font, in the typeface `face` if not empty.
     SIZE TextExtent(const std::wstring& text, const std::string& face = {}) const;
+    /// Outer size in pixels of a terminal with so many cells; all 0 for other kinds.
+    virtual SIZE TerminalSize(int /*columns*/, int /*rows*/) const { return {}; }
 
 protected:
     /// The model as the class that the kind of control has.

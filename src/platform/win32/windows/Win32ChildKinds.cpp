@@ -227,6 +227,11 @@ public:
             Win32ChildControl::Follow(property);
     }
 
+    void ParentSizing(bool sizing) override { ShowTerminalSize(*mView, sizing); }
+    SIZE TerminalSize(int columns, int rows) const override {
+        return TerminalOuterSize(*mView, columns, rows);
+    }
+
 private:
     TerminalControl& Terminal() const { return ModelAs<TerminalControl>(); }
     void Created() override { mView = MakeTerminalView(mContext, Terminal(), Style(), Window()); }

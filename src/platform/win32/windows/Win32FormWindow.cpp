@@ -138,6 +138,15 @@ public:
         return {mContext.ToTwips(size.cx), mContext.ToTwips(size.cy)};
     }
 
+    Size TerminalSize(const Control& control, int columns, int rows) const {
+        const Win32ChildControl* const child = Find(control);
+        if (child == nullptr) return {};
+        const SIZE size = child->TerminalSize(columns, rows);
+        // The edges of a window are rounded to pixels one by one: no pixel may be missing.
+        const float slack = mContext.ToTwips(1) / 2;
+        return {mContext.ToTwips(size.cx) + slack, mContext.ToTwips(size.cy) + slack};
+    }
+
 private:
     // --- creation -------------------------------------------------------------------------------
 
@@ -339,6 +348,12 @@ private:
             case WM_SYSCOLORCHANGE:  // sent to top-level windows only
                 for (const auto& child : mChildren) SendMessageW(child->Window(), message, 0, 0);
                 return 0;
+            case WM_SIZING:
+                ShowSizing(true);
+                break;
+            case WM_EXITSIZEMOVE:
+                ShowSizing(false);
+                break;
             case WM_SETCURSOR:
                 if (mContext.cursor == nullptr || LOWORD(lParam) != HTCLIENT) break;
                 SetCursor(mContext.cursor);
@@ -411,6 +426,10 @@ private:
             KeepFocusUsable();
     }
 
+    void ShowSizing(bool sizing) const {
+        for (const auto& child : mChildren) child->ParentSizing(sizing);
+    }
+
     void OnSmallest(MINMAXINFO& limits) const {
         const Size& smallest = mForm->Design().smallest;
         if (smallest.width > 0)
@@ -477,6 +496,9 @@ public:
     Size TextSize(const Control& control, const std::string& face,
                   const std::string& text) const override {
         return mWindow->TextSize(control, face, text);
+    }
+    Size TerminalSize(const Control& control, int columns, int rows) const override {
+        return mWindow->TerminalSize(control, columns, rows);
     }
     std::optional<Place> NormalPlace() const override { return mWindow->NormalPlace(); }
     NativeWindow WindowHandle() const override {

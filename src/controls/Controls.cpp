@@ -59,7 +59,7 @@ void ListView::Choose(int row) {
 void Remember(ComboBox& combo, std::vector<std::string>& history) {
     constexpr std::size_t kMost = 20;
     const std::string text = combo.Text();
-    if (text.empty()) return;
+    if (text.empty() || (!history.empty() && history.front() == text)) return;
     std::erase(history, text);
     history.insert(history.begin(), text);
     if (history.size() > kMost) history.resize(kMost);

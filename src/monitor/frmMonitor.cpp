@@ -162,6 +162,7 @@ void frmMonitor::Form_Unload() {
         mobjFormPos.SaveForm();
         comMonitor.CaptureFile("");
         // Before this window closes: Windows destroys owned windows with their owner.
+        if (mFind) mFind->Unload();
         if (mSendBytes) mSendBytes->Unload();
         const std::vector<std::shared_ptr<frmSend>> shown = mProgress;
         for (const std::shared_ptr<frmSend>& progress : shown) progress->Unload();
@@ -259,7 +260,9 @@ void frmMonitor::TellPortTrouble() {
 /// The commands from ViewText to TerminalSettings.
 void frmMonitor::PerformOnTerminal(TerminalCommand command) {
     using enum TerminalCommand;
+    if (command == Find) return ShowFind();
     if (command == SendBytes) return ShowSendBytes();
+    if (command == SaveScrollback) return AskAndSaveScrollback();
     if (command == TerminalSettings) return ShowTerminalSettings();
     TerminalOptions options = mOptions;
     if (ChooseOption(command, options, DesignedPoints())) TakeOptions(options);
@@ -289,6 +292,29 @@ void frmMonitor::ShowTerminalSettings() {
     if (dialog->Chosen() && !Gone()) TakeOptions(*dialog->Chosen());
 }
 
+void frmMonitor::ShowFind() {
+    if (!mFind) {
+        mFind = std::make_shared<frmFind>(Manager(), mPlatform.strings, mFindHistory);
+        mFind->Search.Connect(
+            [this](const frmFind::Request& request, Str& result) { result = Search(request); });
+        mFind->Closed.Connect([this] {
+            mFind.reset();
+            comMonitor.EndFind();
+        });
+        mFind->Load();
+        mFind->CenterOn(*this);
+    }
+    mFind->Show(ShowMode::Modeless, this);
+}
+
+/// The text that tells the result; None for an ordinary hit.
+Str frmMonitor::Search(const frmFind::Request& request) {
+    const Found found = comMonitor.Find(
+        request.text, {.matchCase = request.matchCase, .backwards = !request.forward});
+    if (found == Found::Nothing) return Str::NotFound;
+    return found == Found::HitAfterWrapping ? Str::FoundAfterWrapping : Str::None;
+}
+
 void frmMonitor::ShowSendBytes() {
     if (!mSendBytes) {
         mSendBytes =
@@ -298,6 +324,11 @@ void frmMonitor::ShowSendBytes() {
         mSendBytes->CenterOn(*this);
     }
     mSendBytes->Show(ShowMode::Modeless, this);
+}
+
+void frmMonitor::AskAndSaveScrollback() {
+    const std::string fileName = AskForFile(FileUse::Scrollback);
+    if (!fileName.empty()) comMonitor.SaveScrollback(fileName);
 }
 
 void frmMonitor::mnuFileExit_Click() {

@@ -10,6 +10,7 @@
 #include "controls/Controls.hpp"
 #include "controls/Form.hpp"
 #include "monitor/TerminalOptionsStore.hpp"
+#include "monitor/frmFind.hpp"
 #include "platform/Platform.hpp"
 #include "resources/texts/Str.hpp"
 #include "terminal/TerminalControl.hpp"
@@ -91,7 +92,10 @@ private:
     int DesignedPoints() const;
     void TakeOptions(const TerminalOptions& options);
     void ShowTerminalSettings();
+    void ShowFind();
+    Str Search(const frmFind::Request& request);
     void ShowSendBytes();
+    void AskAndSaveScrollback();
     enum class FileUse : std::uint8_t { Capture, Send, Scrollback };
     static Str TitleOf(FileUse use);
     std::string AskForFile(FileUse use);
@@ -109,9 +113,11 @@ private:
     TerminalOptions mOptions;
     const CAppSettings* mobjSettings = nullptr;
     std::vector<std::shared_ptr<frmSend>> mProgress;  // of the running transmissions
+    std::shared_ptr<frmFind> mFind;                   // while it is open
     std::shared_ptr<frmSendBytes> mSendBytes;         // while it is open
-    std::vector<std::string> mBytesHistory;           // the last one first
-    bool mblnPortOpen = false;                        // as shown in the status bar
+    std::vector<std::string> mFindHistory;            // the last one first
+    std::vector<std::string> mBytesHistory;
+    bool mblnPortOpen = false;  // as shown in the status bar
 };
 
 }  // namespace vantor

@@ -144,15 +144,14 @@ void TerminalControl::Options(const TerminalOptions& options) {
     mSession.Options(options);
     if (options.flowControl != before.flowControl) Port().flowControl = options.flowControl;
     if (options.encoding != before.encoding) UseEncoding();
-    ChooseView(options);
-    if (options != before) Repaint();
+    Repaint(mViewport.Choose(options) || options != before);
 }
 
 void TerminalControl::UseEncoding() {
     mEncoding = {mOptions.encoding, mPlatform.codePage};
     mParser.Encoding(mEncoding);
     mEcho.Encoding(mEncoding);
-    mViewport.Decode(ByteDecoder(mEncoding));
+    Repaint(mViewport.Decode(ByteDecoder(mEncoding)));
 }
 
 // --- commands --------------------------------------------------------------------------------
@@ -312,10 +311,6 @@ bool TerminalControl::DeclinesPaste(const std::string& text) {
 
 void TerminalControl::Repaint(bool all) {
     if (all) Changed(Property::Repaint);
-}
-
-void TerminalControl::ChooseView(const TerminalOptions& options) {
-    Repaint(mViewport.Choose(options));
 }
 
 void TerminalControl::ScrollTo(std::int64_t firstLine) {

@@ -144,9 +144,6 @@ public:
 
     // --- the view -----------------------------------------------------------------------------
 
-    /// Applies the view mode, the notation and the time stamps.
-    void ChooseView(const TerminalOptions& options);
-
     void ScrollTo(std::int64_t firstLine);
     void Scroll(ScrollStep step);
     void ScrollBy(std::int64_t lines);

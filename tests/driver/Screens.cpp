@@ -3,6 +3,7 @@
 #include <exception>
 #include <iostream>
 #include <string>
+#include <string_view>
 #include <utility>
 
 #include "resources/Designs.hpp"
@@ -131,7 +132,9 @@ void Screens::OfMonitorMode() {
     const auto open = [&](const char* stage, WORD key, const FormDesign& design) {
         Command(monitor, key);
         const Window window = app->AwaitForm(design);
-        Show(stage, monitor, window.WindowHandle());
+        // The settings are wider than the terminal.
+        const bool alone = &design == &kTerminalSettingsWindowDesign;
+        Show(stage, alone ? window : monitor, window.WindowHandle());
         window.Close();
         window.AwaitGone();
     };
@@ -164,21 +167,15 @@ void Screens::OfTheTerminalMenu(const Window& monitor) {
 void Screens::OfTheViews(const Window& monitor) {
     const HWND terminal = monitor.Child("comMonitor");
     // Presses the keys of an entry of the context menu, which lead through its submenus.
-    const auto choose = [&](std::string keys) {
-        const char last = keys.back();
-        keys.pop_back();
+    const auto choose = [&](std::string_view keys) {
         PostMessageW(terminal, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(terminal), -1);
-        HWND menu = nullptr;
-        const auto awaitMenu = [&] {
-            Await("the menu", [&] { return app->Menu() != nullptr && app->Menu() != menu; });
-            menu = app->Menu();
-        };
+        Await("the menu", [this] { return app->Menu() != nullptr; });
         for (const char key : keys) {
-            awaitMenu();
-            Key(static_cast<WORD>(key));
+            const HWND menu = app->Menu();
+            app->KeyUntil(static_cast<WORD>(key), "the next menu",
+                          [&] { return app->Menu() != menu; });
         }
-        awaitMenu();
-        app->KeyUntil(static_cast<WORD>(last), "its end", [this] { return !app->InMenu(); });
+        Await("the end of the menu", [this] { return !app->InMenu(); });
     };
     const bool spanish = Setting("DRIVE_LANGUAGE") == "es";
     choose(spanish ? "VMH" : "VST");

@@ -221,7 +221,6 @@ struct Subject {
     Notes events;
     std::map<int, std::string> pictures;  // of the rows as last seen
     std::map<int, std::string> windowRows;
-    TerminalOptions options;
     std::function<void()> onCommand;
     bool shows = false;
     bool handles = false;
@@ -233,6 +232,33 @@ void Perform(Subject& subject, const Words& words);
 
 int Number(const Words& words, std::size_t at = 1) {
     return std::stoi(words.at(at));
+}
+
+bool Says(const Words& words, std::string_view word) {
+    return std::ranges::find(words, word) != words.end();
+}
+
+/// The index of the word that `words` contain.
+template <typename Value>
+Value OneOf(const Words& words, std::initializer_list<std::string_view> choices) {
+    int index = 0;
+    while (!Says(words, choices.begin()[index])) ++index;
+    return static_cast<Value>(index);
+}
+
+void Press(Subject& subject, const Words& words) {
+    const SelectBy by = Says(words, "word")   ? SelectBy::Word
+                        : Says(words, "line") ? SelectBy::Line
+                                              : SelectBy::Character;
+    subject.com.BeginSelecting({Number(words), Number(words, 2), Says(words, "right")}, by,
+                               Says(words, "rectangle"));
+}
+
+void Find(Subject& subject, const Words& words) {
+    const Found found = subject.com.Find(
+        words.at(1), {.matchCase = Says(words, "case"), .backwards = Says(words, "backwards")});
+    constexpr std::array kFound = {"nothing", "hit", "hit after wrapping"};
+    subject.events["found"] = kFound.at(static_cast<std::size_t>(found));
 }
 
 /// Sets an option of `choose` to a number.
@@ -250,33 +276,6 @@ const std::map<std::string, Choice> kChoices = {
     {"stamps", [](auto& o, int n) { o.timeStamps = TimeStamps(n); }},
     {"capturestamps", [](auto& o, int n) { o.captureTimeStamps = n != 0; }},
 };
-
-bool Says(const Words& words, std::string_view word) {
-    return std::ranges::find(words, word) != words.end();
-}
-
-/// The index of the word that `words` contain.
-template <typename Choice>
-Choice OneOf(const Words& words, std::initializer_list<std::string_view> choices) {
-    int index = 0;
-    while (!Says(words, choices.begin()[index])) ++index;
-    return static_cast<Choice>(index);
-}
-
-void Press(Subject& subject, const Words& words) {
-    const SelectBy by = Says(words, "word")   ? SelectBy::Word
-                        : Says(words, "line") ? SelectBy::Line
-                                              : SelectBy::Character;
-    subject.com.BeginSelecting({Number(words), Number(words, 2), Says(words, "right")}, by,
-                               Says(words, "rectangle"));
-}
-
-void Find(Subject& subject, const Words& words) {
-    const Found found = subject.com.Find(
-        words.at(1), {.matchCase = Says(words, "case"), .backwards = Says(words, "backwards")});
-    constexpr std::array kFound = {"nothing", "hit", "hit after wrapping"};
-    subject.events["found"] = kFound.at(static_cast<std::size_t>(found));
-}
 
 using Verb = void (*)(Subject&, const Words&);
 const std::map<std::string, Verb> kVerbs = {
@@ -360,15 +359,11 @@ const std::map<std::string, Verb> kVerbs = {
      }},
     {"view",
      [](auto& s, auto& w) {
-         s.options.view = OneOf<ViewMode>(w, {"text", "controls", "hex"});
-         s.options.controlNotation =
+         TerminalOptions options = s.com.Options();
+         options.view = OneOf<ViewMode>(w, {"text", "controls", "hex"});
+         options.controlNotation =
              Says(w, "numbers") ? ControlNotation::Numbers : ControlNotation::Pictures;
-         s.com.ChooseView(s.options);
-     }},
-    {"stamps",
-     [](auto& s, auto& w) {
-         s.options.timeStamps = OneOf<TimeStamps>(w, {"off", "time", "since"});
-         s.com.ChooseView(s.options);
+         s.com.Options(options);
      }},
     {"step",
      [](auto& s, auto& w) {

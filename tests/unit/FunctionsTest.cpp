@@ -145,11 +145,11 @@ const std::map<std::string, std::function<std::string(const Words&)>> kFunctions
     {"Pictures", Pictures},
     {"Fault", [](const Words& w) { return FaultOf(w.at(1)); }},
     {"Typed", Typed},
+    {"Kept", Kept},
     {"Bytes", [](const Words& w) {
         const TextEncoding encoding(static_cast<LineEncoding>(Whole(w.at(2))), CodePage1252());
         const TypedBytes typed = ParseBytes(w.at(3), static_cast<BytesForm>(Whole(w.at(1))), encoding);
         return typed.wrongAt ? Row("wrong at", *typed.wrongAt) : typed.bytes; }},
-    {"Kept", Kept},
     {"Stamp", [](const Words& w) {
         const auto kind = static_cast<TimeStamps>(Whole(w.at(1)));
         return StampText(kind, std::stoll(w.at(2)), std::stoll(w.at(3))) + "|"; }},

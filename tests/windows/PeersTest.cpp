@@ -9,6 +9,7 @@
 #include "app/frmMain.hpp"
 #include "dialogs/frmAbout.hpp"
 #include "dialogs/frmStatus.hpp"
+#include "monitor/frmFind.hpp"
 #include "monitor/frmMonitor.hpp"
 #include "platform/win32/windows/Win32ChildControl.hpp"
 #include "settings/frmConfigure.hpp"
@@ -131,7 +132,13 @@ TEST_F(RealPeers, EachWindowGivesBackWhatItTookAndHasNamesToReadAloud) {
         main->mnuToolsMonitor.Press();
         auto& monitor = dynamic_cast<frmMonitor&>(*platform.manager.OpenForms().back());
         ExpectNames(monitor);
-        monitor.comMonitor.Invoke(TerminalCommand::Settings);
+        using enum TerminalCommand;
+        for (const TerminalCommand command : {Settings, TerminalSettings, Find, SendBytes})
+            monitor.comMonitor.Invoke(command);
+        for (const auto& form : platform.manager.OpenForms()) {
+            names.insert(form->Name());
+            ExpectNames(*form);
+        }
         monitor.mnuCommOpen.Press();
         platform.dialogs.choices = {"lines.txt"};
         monitor.mnuCaptureSend.Press();
@@ -146,8 +153,9 @@ TEST_F(RealPeers, EachWindowGivesBackWhatItTookAndHasNamesToReadAloud) {
     for (int i = 0; i < 20; ++i) openAll();
     ExpectNoMoreThan(before);
     EXPECT_EQ(Told(platform), Texts{});
-    EXPECT_EQ(names,
-              (std::set<std::string>{"frmAbout", "frmConfigure", "frmPortSettings", "frmSend"}));
+    EXPECT_EQ(names, (std::set<std::string>{"frmAbout", "frmConfigure", "frmFind", "frmMain",
+                                            "frmMonitor", "frmPortSettings", "frmSend",
+                                            "frmSendBytes", "frmTerminalSettings"}));
 }
 
 class PeersOfTheOptions : public RealPeers {
@@ -238,6 +246,40 @@ TEST_F(PeersOfTheOptions, OpenNothingAgainWhileItCloses) {
     Notify(TVN_ITEMEXPANDEDW);
     EXPECT_FALSE(IsOpen());
     ExpectTheHeading();
+}
+
+TEST_F(RealPeers, AnEditableListTakesTypedTextStepsThroughItsHistoryAndLeavesEnterAndEscToTheBox) {
+    std::vector<std::string> history = {"newer", "older"};
+    const auto box = std::make_shared<frmFind>(platform.manager, platform.strings, history);
+    std::string searched;
+    box->Search.Connect([&](const frmFind::Request& request, Str& result) {
+        searched += request.text + " ";
+        if (request.text != "older") result = Str::NotFound;
+    });
+    box->Show();
+    const HWND edit = GetWindow(ChildOf(*box, "cboText"), GW_CHILD);
+    SetFocus(edit);
+    SendMessageW(edit, EM_SETSEL, 0, -1);
+    Post(edit, WM_CHAR, 'x');
+    Post(edit, WM_CHAR, L'ñ');
+    EXPECT_EQ(box->cboText.Text(), "xñ");
+    Post(edit, WM_KEYDOWN, VK_RETURN);
+    EXPECT_EQ(box->lblResult.Caption(), "Not found.");
+    for (int i = 0; i < 4 && box->cboText.Text() != "older"; ++i) {
+        Post(edit, WM_KEYDOWN, VK_DOWN);
+        platform.queue.PumpPending();  // the choice
+    }
+    Post(edit, WM_KEYDOWN, VK_RETURN);
+    EXPECT_EQ(searched, "xñ older ");
+    EXPECT_EQ(driver::TextOf(edit), "older");
+    EXPECT_EQ(box->lblResult.Caption(), "");
+    EXPECT_EQ(history, (std::vector<std::string>{"older", "xñ", "newer"}));
+    window->Show();
+    ASSERT_EQ(GetActiveWindow(), WindowOf(*window));
+    box->Show();  // again
+    EXPECT_EQ(GetFocus(), edit);
+    Post(edit, WM_KEYDOWN, VK_ESCAPE);
+    EXPECT_TRUE(box->Gone());
 }
 
 class PeersInAFlash : public RealPeers {

@@ -134,8 +134,8 @@ void FillArea(HDC target, const RECT& area, COLORREF colour) {
 }
 
 bool IsDrawn(char32_t character) {
-    if (character < kFirstScanLine) return IsName(character);
-    return character <= kLastScanLine || character == kDiamond ||
+    if (character < kFirstScanLine) return false;  // nearly always
+    return character <= kLastScanLine || IsName(character) || character == kDiamond ||
            Find(kLines, character) != kLines.end() || Find(kBlocks, character) != kBlocks.end();
 }
 

@@ -4,6 +4,17 @@
 
 namespace vantor {
 
+bool IsUsable(HWND window) {
+    if (window == nullptr || IsWindowVisible(window) == 0) return false;
+    // A child of a disabled panel gets no input, but IsWindowEnabled still returns true for it.
+    HWND each = window;
+    while (IsWindowEnabled(each) != 0) {
+        if ((GetWindowLongPtrW(each, GWL_STYLE) & WS_CHILD) == 0) return true;
+        each = GetParent(each);
+    }
+    return false;
+}
+
 Win32ChildControl::Win32ChildControl(const ChildSource& source, const NativeKind& native)
     : mContext(source.context),
       mControl(source.control),

@@ -75,8 +75,8 @@ public:
 
     /// Size of a text in the control's font, in the typeface `face` if not empty.
     SIZE TextExtent(const std::wstring& text, const std::string& face = {}) const;
-    /// Outer size in pixels of a terminal with so many cells; all 0 for other kinds.
-    virtual SIZE TerminalSize(int /*columns*/, int /*rows*/) const { return {}; }
+    /// Outer size in twips of a terminal with so many cells; all 0 for other kinds.
+    virtual Size TerminalSize(int /*columns*/, int /*rows*/) const { return {}; }
 
 protected:
     /// The model as the class that the kind of control has.
@@ -111,6 +111,9 @@ private:
     std::string mShownCaption;
     bool mLate = false;  // caption or value may differ from what is shown
 };
+
+/// True when `window` is visible and enabled, as are the panels around it.
+bool IsUsable(HWND window);
 
 /// The child window of any control except a menu entry, in `parent` with `id`. Raises RuntimeError
 /// 7 when the system cannot create it.

@@ -228,8 +228,11 @@ public:
     }
 
     void ParentSizing(bool sizing) override { ShowTerminalSize(*mView, sizing); }
-    SIZE TerminalSize(int columns, int rows) const override {
-        return TerminalOuterSize(*mView, columns, rows);
+    Size TerminalSize(int columns, int rows) const override {
+        const SIZE size = TerminalOuterSize(*mView, columns, rows);
+        // The edges of a window are rounded to pixels one by one: no pixel may be missing.
+        const float slack = mContext.ToTwips(1) / 2;
+        return {mContext.ToTwips(size.cx) + slack, mContext.ToTwips(size.cy) + slack};
     }
 
 private:

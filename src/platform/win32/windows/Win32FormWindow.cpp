@@ -20,17 +20,6 @@ namespace {
 constexpr wchar_t kFormClass[] = L"VantorForm";
 constexpr UINT kCatchUp = WM_APP;
 
-bool IsUsable(HWND window) {
-    if (window == nullptr || IsWindowVisible(window) == 0) return false;
-    // A child of a disabled panel gets no input, but IsWindowEnabled still returns true for it.
-    HWND each = window;
-    while (IsWindowEnabled(each) != 0) {
-        if ((GetWindowLongPtrW(each, GWL_STYLE) & WS_CHILD) == 0) return true;
-        each = GetParent(each);
-    }
-    return false;
-}
-
 /// The window of one form. Handlers may unload the form; the object then outlives its current
 /// message, without a window and without access to the model.
 class Win32FormWindow : public std::enable_shared_from_this<Win32FormWindow> {
@@ -140,11 +129,7 @@ public:
 
     Size TerminalSize(const Control& control, int columns, int rows) const {
         const Win32ChildControl* const child = Find(control);
-        if (child == nullptr) return {};
-        const SIZE size = child->TerminalSize(columns, rows);
-        // The edges of a window are rounded to pixels one by one: no pixel may be missing.
-        const float slack = mContext.ToTwips(1) / 2;
-        return {mContext.ToTwips(size.cx) + slack, mContext.ToTwips(size.cy) + slack};
+        return child == nullptr ? Size{} : child->TerminalSize(columns, rows);
     }
 
 private:
@@ -349,10 +334,8 @@ private:
                 for (const auto& child : mChildren) SendMessageW(child->Window(), message, 0, 0);
                 return 0;
             case WM_SIZING:
-                ShowSizing(true);
-                break;
             case WM_EXITSIZEMOVE:
-                ShowSizing(false);
+                for (const auto& child : mChildren) child->ParentSizing(message == WM_SIZING);
                 break;
             case WM_SETCURSOR:
                 if (mContext.cursor == nullptr || LOWORD(lParam) != HTCLIENT) break;
@@ -424,10 +407,6 @@ private:
             SetFocus(mFocus);
         else
             KeepFocusUsable();
-    }
-
-    void ShowSizing(bool sizing) const {
-        for (const auto& child : mChildren) child->ParentSizing(sizing);
     }
 
     void OnSmallest(MINMAXINFO& limits) const {

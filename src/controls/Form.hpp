@@ -39,7 +39,8 @@ struct ControlStyle {
     bool clickable = false;  ///< of a panel: a button for the mouse and for the keyboard
     bool editable = false;   ///< of a combo box: takes any text; its list is the history
     Ground ground = Ground::Plain;
-    /// The accessible name of a control that shows no text and follows no label.
+    /// The accessible name of a control that shows no text and follows no label, or whose text is
+    /// its value.
     Str spokenName = Str::None;
 };
 

@@ -7,7 +7,7 @@ namespace {
 
 using enum ControlKind;
 
-constexpr ControlStyle kHistory = {.editable = true};
+constexpr ControlStyle kHistory = {.editable = true, .spokenName = Str::FindTextName};
 constexpr ControlStyle kNext = {.defaultButton = true};
 constexpr ControlStyle kClose = {.cancelButton = true};
 

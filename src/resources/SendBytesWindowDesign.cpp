@@ -7,7 +7,7 @@ namespace {
 
 using enum ControlKind;
 
-constexpr ControlStyle kHistory = {.editable = true};
+constexpr ControlStyle kHistory = {.editable = true, .spokenName = Str::BytesName};
 constexpr ControlStyle kSend = {.defaultButton = true};
 constexpr ControlStyle kClose = {.cancelButton = true};
 

@@ -41,6 +41,13 @@ public:
                                                            ? DWORD{CBS_DROPDOWN | CBS_AUTOHSCROLL}
                                                            : DWORD{CBS_DROPDOWNLIST})}) {}
 
+    void Follow(Property property) override {
+        if (property == Property::SpokenName)  // its window text is its value
+            mContext.spokenNames.Set(Window(), ToWide(Combo().SpokenName()));
+        else
+            Win32ChildControl::Follow(property);
+    }
+
     std::optional<LRESULT> OnMessage(UINT message, WPARAM wParam, LPARAM) override {
         if (message == WM_COMMAND) OnNotification(HIWORD(wParam));
         if (message != kChoiceMade) return 0;

@@ -72,6 +72,7 @@ public:
         if (mForm->State() == WindowState::Maximised) how = SW_SHOWMAXIMIZED;
         if (mForm->State() == WindowState::Minimised) how = SW_SHOWMINIMIZED;
         ShowWindow(mWindow, how);
+        if (how == SW_SHOW) SetActiveWindow(mWindow);  // also one that was visible before
         UpdateWindow(mWindow);
         KeepFocusUsable();
     }

@@ -49,12 +49,6 @@ std::wstring ClassOf(HWND window) {
                              GetClassNameW(window, name.data(), static_cast<int>(name.size())))};
 }
 
-LRESULT Send(HWND window, UINT message, WPARAM first, LPARAM second) {
-    DWORD_PTR result = 0;
-    SendMessageTimeoutW(window, message, first, second, SMTO_NORMAL, kAnswerMs, &result);
-    return static_cast<LRESULT>(result);
-}
-
 /// The system kills the processes in this job when the driver ends, even by a crash.
 HANDLE Job() {
     static const HANDLE job = [] {
@@ -138,6 +132,12 @@ void ClickAt(POINT at, int times) {
             inputs.push_back(input);
         }
     SendInput(static_cast<UINT>(inputs.size()), inputs.data(), sizeof(INPUT));
+}
+
+LRESULT Send(HWND window, UINT message, WPARAM first, LPARAM second) {
+    DWORD_PTR result = 0;
+    SendMessageTimeoutW(window, message, first, second, SMTO_NORMAL, kAnswerMs, &result);
+    return static_cast<LRESULT>(result);
 }
 
 std::string TextOf(HWND window) {

@@ -36,6 +36,9 @@ void Key(WORD key, bool withAlt = false);
 /// Moves the mouse to a point of the screen and clicks there, `times` in quick succession.
 void ClickAt(POINT at, int times = 1);
 
+/// Sends a message to a window of another process; 0 if it is not answered within 30 s.
+LRESULT Send(HWND window, UINT message, WPARAM first, LPARAM second);
+
 /// The text of a window of another process.
 std::string TextOf(HWND window);
 

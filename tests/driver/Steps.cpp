@@ -113,7 +113,7 @@ const std::map<std::string, Condition>& Conditions() {
          }},
         {"percent",
          [](S& s, W& w) {
-             return SendMessageW(s.app->Child("pbarStatus"), PBM_GETPOS, 0, 0) >= Number(w[1]);
+             return Send(s.app->Child("pbarStatus"), PBM_GETPOS, 0, 0) >= Number(w[1]);
          }},
         {"menu", [](S& s, W&) { return s.app->InMenu(); }},
         {"next-menu", [](S& s, W&) { return s.app->Menu() != nullptr && s.app->Menu() != s.menu; }},

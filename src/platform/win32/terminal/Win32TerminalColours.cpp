@@ -26,8 +26,8 @@ COLORREF IndexedColour(int index) {
     constexpr int kCube = 16;
     constexpr int kGreys = 232;
     if (index >= kGreys) {
-        const int level = 8 + 10 * (index - kGreys);
-        return RGB(level, level, level);
+        const COLORREF level = 10 * static_cast<COLORREF>(index) - (10 * kGreys - 8);
+        return level * RGB(1, 1, 1);
     }
     const auto step = [&kSteps](int number) {
         return kSteps[static_cast<std::size_t>(number % 6)];

@@ -70,9 +70,11 @@ std::string frmMonitor::Text(Str text) const {
 
 void frmMonitor::Form_Load() {
     Trapped("frmMonitor.Form_Load", [this] {
-        ConfigureTerminal();
-        RestorePosition();  // the first size depends on the font size
+        mOptions = mOptionsStore.Load();
+        comMonitor.Options(mOptions);  // the first size depends on the font size
+        RestorePosition();
         LoadResources(*this, mPlatform.strings);
+        ConfigureTerminal();
         UpdateStatus();
         UpdatePort();
         UpdateSettings();
@@ -128,8 +130,7 @@ void frmMonitor::ConfigureTerminal() {
     comMonitor.LocalEcho = false;
     for (const TerminalCommand command : {Copy, SelectAll, Paste, Settings, Clear, Reset})
         comMonitor.OfferAlways(command);
-    mOptions = mOptionsStore.Load();
-    comMonitor.Options(mOptions);
+    comMonitor.Options(mOptions);  // replaces the echo and the handling of CR set above
 }
 
 void frmMonitor::Initialize(const CAppSettings& settings) {

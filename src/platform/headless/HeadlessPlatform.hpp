@@ -108,7 +108,7 @@ public:
 
     std::vector<std::string> arguments;
     std::string executable = "/opt/vantor/tsupdate";  ///< empty: the system does not report it
-    std::string running;  ///< title of another program of this user
+    std::string running;                              ///< title of another program of this user
     int filters = 0;
 };
 

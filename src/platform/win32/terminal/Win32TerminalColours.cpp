@@ -26,8 +26,8 @@ COLORREF IndexedColour(int index) {
     constexpr int kCube = 16;
     constexpr int kGreys = 232;
     if (index >= kGreys) {
-        const auto level = static_cast<COLORREF>(8 + 10 * (index - kGreys));
-        return level * RGB(1, 1, 1);
+        const int level = 8 + 10 * (index - kGreys);
+        return RGB(level, level, level);
     }
     const auto step = [&kSteps](int number) {
         return kSteps[static_cast<std::size_t>(number % 6)];

@@ -82,6 +82,10 @@ void TerminalControl::Notice(const std::string& text) {
     Change([&] { mEcho.ShowLine(text); });
 }
 
+void TerminalControl::PortReopened() {
+    Reopened.Raise();
+}
+
 /// Runs `write`, which changes the screen.
 void TerminalControl::Change(const std::function<void()>& write) {
     mViewport.BeforeChange();
@@ -169,10 +173,10 @@ void TerminalControl::PerformCommand(TerminalCommand command) {
         case TerminalCommand::Close:
             return mSession.Close();
         case TerminalCommand::Clear:
-            mScreen.NewPage();
+            Change([this] { mScreen.NewPage(); });
             return Clear();
         case TerminalCommand::Reset:
-            mScreen.Reset();
+            Change([this] { mScreen.Reset(); });
             return Clear();
         case TerminalCommand::ClearScrollback:
             return ClearScrollback();

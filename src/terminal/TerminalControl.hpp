@@ -98,6 +98,9 @@ public:
     /// otherwise the terminal does.
     Event<TerminalCommand, bool&> Command{[this] { return KeepParent(); }};
 
+    /// The port is open again after a loss, without a command.
+    Event<> Reopened{[this] { return KeepParent(); }};
+
     // --- user input ---------------------------------------------------------------------------
 
     /// The current context menu, top to bottom.
@@ -179,6 +182,7 @@ private:
     void Received(std::string_view bytes, std::int64_t timeMs) override;
     void Sent(std::string_view bytes) override;
     void Notice(const std::string& text) override;
+    void PortReopened() override;
     std::shared_ptr<void> KeepAlive() const override { return KeepParent(); }
 
     void Change(const std::function<void()>& write);

@@ -20,7 +20,8 @@ const std::map<std::string, const FormDesign*> kDesigns = {
     {"main", &kMainWindowDesign},         {"about", &kAboutWindowDesign},
     {"options", &kConfigureWindowDesign}, {"status", &kStatusWindowDesign},
     {"monitor", &kMonitorWindowDesign},   {"settings", &kPortSettingsWindowDesign},
-    {"send", &kSendWindowDesign}};
+    {"send", &kSendWindowDesign},         {"terminal-settings", &kTerminalSettingsWindowDesign},
+    {"find", &kFindWindowDesign},         {"send-bytes", &kSendBytesWindowDesign}};
 
 const std::map<std::string, WORD> kKeys = {
     {"TAB", VK_TAB},     {"RETURN", VK_RETURN}, {"ESCAPE", VK_ESCAPE},
@@ -67,7 +68,7 @@ struct Steps : Workbench {
 
     std::optional<Window> form;  ///< other than the main window
     std::string remembered;
-    HWND menu = nullptr;  ///< the last one shown
+    HWND menuBefore = nullptr;  ///< the open one when keys were last pressed
 };
 
 using Condition = bool (*)(Steps&, const Words&);
@@ -105,7 +106,8 @@ const std::map<std::string, Condition>& Conditions() {
         {"line", [](S& s, W& w) { return s.app->Line() >= Number(w[1]); }},
         {"percent", [](S& s, W& w) { return s.app->Percent() >= Number(w[1]); }},
         {"menu", [](S& s, W&) { return s.app->InMenu(); }},
-        {"next-menu", [](S& s, W&) { return s.app->Menu() != nullptr && s.app->Menu() != s.menu; }},
+        {"next-menu",
+         [](S& s, W&) { return s.app->Menu() != nullptr && s.app->Menu() != s.menuBefore; }},
         {"large", [](S& s, W&) { return IsZoomed(s.app->WindowHandle()) != 0; }},
         {"small", [](S& s, W&) { return IsIconic(s.app->WindowHandle()) != 0; }},
         {"place",
@@ -173,7 +175,8 @@ const std::map<std::string, Action>& Actions() {
         {"chooses", [](S& s, W& w) { s.Now().Choose(w[1].c_str()); }},
         {"presses", [](S& s, W& w) { s.Now().Press(w[1].c_str()); }},
         {"keys",
-         [](S&, W& w) {
+         [](S& s, W& w) {
+             s.menuBefore = s.app->Menu();
              for (const std::string& key : From(w, 1)) Key(KeyOf(key));
          }},
         {"key", [](S& s, W& w) { s.PressUntil(w); }},
@@ -217,9 +220,9 @@ const std::map<std::string, Action>& Actions() {
         {"vanishes", [](S& s, W&) { s.indicator.Stop(); }},
         {"opens-monitor", [](S& s, W&) { s.Open(s.OpenMonitor()); }},
         {"opens-port", [](S& s, W&) { s.OpenPort(s.Now()); }},
-        {"command",  // its key in English, and in Spanish
+        {"command",  // its keys in English, and in Spanish
          [](S& s, W& w) {
-             s.Command(s.Now(), KeyOf(Setting("DRIVE_LANGUAGE") == "es" ? w.back() : w[1]));
+             s.Command(s.Now(), Setting("DRIVE_LANGUAGE") == "es" ? w.back() : w.at(1));
          }},
         {"sends",
          [](S& s, W& w) {
@@ -296,7 +299,7 @@ std::string Steps::Stored(const std::string& name) const {
 // show STAGE [WINDOW]: the window, with another one and with the menu or dialog that is open
 void Steps::Show(const Words& words) {
     constexpr DWORD kDrawnMs = 100;  // drawn pixels reach the display with a delay
-    menu = app->Menu();
+    const HWND menu = app->Menu();
     std::vector<HWND> windows = {Now().WindowHandle(), menu != nullptr ? menu : app->Dialog()};
     if (words.size() > 2)
         windows.push_back(words[2] == "main"

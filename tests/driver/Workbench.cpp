@@ -71,11 +71,15 @@ void Workbench::AwaitShown(const Window& monitor, const std::string& text) {
           [&] { return monitor.Text("comMonitor").find(text) != std::string::npos; });
 }
 
-void Workbench::Command(const Window& monitor, WORD key) const {
+void Workbench::Command(const Window& monitor, const std::string& keys) const {
     const HWND terminal = monitor.Child("comMonitor");
     PostMessageW(terminal, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(terminal), -1);
-    Await("the menu", [this] { return app->InMenu(); });
-    app->KeyUntil(key, "the end of the menu", [this] { return !app->InMenu(); });
+    Await("the menu", [this] { return app->Menu() != nullptr; });
+    for (const char key : keys) {
+        const HWND menu = app->Menu();
+        app->KeyUntil(static_cast<WORD>(key), "the next menu", [&] { return app->Menu() != menu; });
+    }
+    Await("the end of the menu", [&] { return keys.empty() || !app->InMenu(); });
 }
 
 Window Workbench::SendFile(const Window& monitor, const std::string& bytes) const {

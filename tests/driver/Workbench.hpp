@@ -31,8 +31,9 @@ public:
     Window OpenMonitor() const;
     static void OpenPort(const Window& monitor);
     static void AwaitShown(const Window& monitor, const std::string& text);
-    /// Opens the context menu and presses `key` in it.
-    void Command(const Window& monitor, WORD key) const;
+    /// Opens the context menu and presses the keys of an entry, which lead through its submenus.
+    /// Without keys the menu stays open.
+    void Command(const Window& monitor, const std::string& keys) const;
     /// Starts sending a file with these bytes; returns the progress window.
     Window SendFile(const Window& monitor, const std::string& bytes) const;
 

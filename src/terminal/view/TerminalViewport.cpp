@@ -271,9 +271,9 @@ Found TerminalViewport::Find(std::string_view text, FindOptions options) {
         EndFind();
         return Found::Nothing;
     }
-    const bool again = mSought == text;  // then the current hit does not count
-    mSought = text;
-    mSearch.emplace(text, options.matchCase);
+    const TerminalSearch wanted(text, options.matchCase);
+    const bool again = mSearch == wanted;  // then the current hit does not count
+    mSearch = wanted;
     const auto search = [&](TextPosition from, std::int64_t lastLine) {
         return options.backwards ? mSearch->Previous(*mText, from, lastLine)
                                  : mSearch->Next(*mText, from, lastLine);
@@ -296,7 +296,6 @@ Found TerminalViewport::Find(std::string_view text, FindOptions options) {
 
 void TerminalViewport::EndFind() {
     mSearch.reset();
-    mSought.clear();
     mHit.reset();
 }
 

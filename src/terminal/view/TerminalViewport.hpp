@@ -167,7 +167,6 @@ private:
     std::string mOverwritable;
 
     std::optional<TerminalSearch> mSearch;
-    std::string mSought;
     std::optional<TextPosition> mHit;  // the current one
 
     // As last painted:

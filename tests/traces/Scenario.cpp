@@ -1,7 +1,6 @@
 #include "tests/traces/Scenario.hpp"
 
 #include <algorithm>
-#include <array>
 #include <functional>
 #include <list>
 #include <map>
@@ -18,6 +17,7 @@
 #include "monitor/frmMonitor.hpp"
 #include "simulator/VirtualIndicator.hpp"
 #include "tests/Words.hpp"
+#include "tests/faults/FaultySession.hpp"
 #include "tests/faults/Images.hpp"
 #include "tests/faults/ReportingPlatform.hpp"
 #include "tests/traces/Recorder.hpp"
@@ -50,12 +50,6 @@ struct Waiting {
     Words action;
     std::string line;
 };
-
-// In the order of FlashOutcome.
-constexpr std::array<const char*, 12> kOutcomes = {
-    "none",          "declined",  "port not open",    "not in boot monitor", "load refused",
-    "line refused",  "aborted",   "nothing accepted", "awaiting verdict",    "done",
-    "verify failed", "no verdict"};
 
 class Scenario {
 public:
@@ -220,8 +214,7 @@ private:
         const std::shared_ptr<frmMain> main = Main();
         if (const auto outcome = main ? main->Session().Outcome() : FlashOutcome::None;
             outcome != FlashOutcome::None)
-            mRecorder->Note("outcome " +
-                            std::string(kOutcomes.at(static_cast<std::size_t>(outcome))));
+            mRecorder->Note("outcome " + OutcomeName(outcome));
         std::string open;
         for (const std::string& name : Headless().peers.open) open += " " + name;
         mRecorder->Note("open windows:" + (open.empty() ? " none" : open));
@@ -253,11 +246,7 @@ const std::map<std::string, Scenario::Verb>& Scenario::Verbs() {
         {"fault", [](S& s, W& w) { s.mOptions.faults.push_back(ParseFault(w.at(1))); }},
         {"speed", [](S& s, W& w) { s.mOptions.bitsPerSecond = Number(w.at(1)); }},
         {"writes", [](S& s, W& w) { s.mOptions.writeFlash = Micros{Number(w.at(1))} * 1000; }},
-        {"image",
-         [](S& s, W& w) {
-             const bool number = w.at(1).find_first_not_of("0123456789") == std::string::npos;
-             s.MakeIndicator(number && !w[1].empty() ? ImageOf(Number(w[1])) : w[1]);
-         }},
+        {"image", [](S& s, W& w) { s.MakeIndicator(ImageFrom({w.at(1)})); }},
         {"verdict",  // the bytes that the indicator sends instead of DONE
          [](S& s, W& w) { s.mFarEnd->verdict = w.at(1); }},
         {"hides", [](S& s, W& w) { s.Headless().files.SetHidden(w.at(1)); }},

@@ -11,6 +11,7 @@
 #include <utility>
 #include <vector>
 
+#include "app/base/modSupport.hpp"
 #include "app/frmMain.hpp"
 #include "app/modStartup.hpp"
 #include "controls/TreeView.hpp"
@@ -249,6 +250,11 @@ const std::map<std::string, Scenario::Verb>& Scenario::Verbs() {
         {"image", [](S& s, W& w) { s.MakeIndicator(ImageFrom({w.at(1)})); }},
         {"verdict",  // the bytes that the indicator sends instead of DONE
          [](S& s, W& w) { s.mFarEnd->verdict = w.at(1); }},
+        {"version",  // of a program file: BLOCK, NAME of the text, TEXT
+         [](S& s, W& w) {
+             s.Headless().versions.resources[AppPath(s.Headless().process) + w.at(1)] = {
+                 0x0409, 0x04B0, {{"\\StringFileInfo\\" + w.at(2) + "\\" + w.at(3), w.at(4)}}};
+         }},
         {"hides", [](S& s, W& w) { s.Headless().files.SetHidden(w.at(1)); }},
         {"eager",  // lists: they report a selection while they are filled
          [](S& s, W&) {

@@ -100,13 +100,24 @@ void StartAgainstNotepad() {
                 seconds.ours * 1e3, seconds.theirs * 1e3, seconds.ours / seconds.theirs);
 }
 
+/// Options of the terminal, as they are stored.
+struct Shown {
+    const char* name;
+    const wchar_t* option = nullptr;  // null: as delivered
+    std::wstring value{};
+};
+
 // With capture on, while a menu is opened repeatedly.
-void FloodOfTheTerminal() {
+void Flood(const Shown& shown) {
     constexpr double kWireBytesPerSecond = 115200 / 10.0;  // at 8N1
     const std::string flood = Lines(10'000'000);
     std::ofstream(FileOfRun("flood.txt"), std::ios::binary) << flood;
     Ask("flood");
     const Workbench table;
+    if (shown.option != nullptr)
+        RegSetKeyValueW(HKEY_CURRENT_USER, (Workbench::ProgramKey() + L"\\Terminal").c_str(),
+                        shown.option, REG_SZ, shown.value.c_str(),
+                        static_cast<DWORD>((shown.value.size() + 1) * sizeof(wchar_t)));
     const Window monitor = table.OpenMonitor();
     monitor.Choose("mnuCaptureStart");
     table.app->ChooseFile(FileOfRun("capture.txt"));
@@ -125,13 +136,21 @@ void FloodOfTheTerminal() {
     monitor.Choose("mnuCaptureEnd");
     if (Content("capture.txt") != flood) throw std::runtime_error("captured is not what was sent");
     const std::string end = flood.substr(flood.size() - 200);
-    Await("the end of the flood on the screen",
-          [&] { return monitor.Text("comMonitor").find(end) != std::string::npos; });
+    Await("the end of the flood on the screen", [&] {
+        return shown.option != nullptr || monitor.Text("comMonitor").find(end) != std::string::npos;
+    });
     std::printf(
-        "flood of the terminal: %.1f MB in %.2f s, %.0f times a line at 115200 bit/s; slowest of "
-        "%d menus %.0f ms\n",
-        static_cast<double>(flood.size()) / 1e6, seconds,
+        "flood of the terminal, %s: %.1f MB in %.2f s, %.0f times a line at 115200 bit/s; slowest "
+        "of %d menus %.0f ms\n",
+        shown.name, static_cast<double>(flood.size()) / 1e6, seconds,
         static_cast<double>(flood.size()) / seconds / kWireBytesPerSecond, menus, slowest);
+}
+
+void FloodOfTheTerminal() {
+    Flood({.name = "as delivered"});
+    Flood({.name = "with time stamps", .option = L"TimeStamps", .value = L"TimeOfDay"});
+    Flood({.name = "as hex dump", .option = L"View", .value = L"Hex"});
+    Flood({.name = "with control characters", .option = L"View", .value = L"ControlCharacters"});
 }
 
 }  // namespace

@@ -52,6 +52,7 @@ frmMonitor::frmMonitor(WindowManager& manager, Platform& platform, MonitorOwner&
       mOptionsStore(platform.registry, platform.codePage) {
     comMonitor.Command.Connect(
         [this](TerminalCommand command, bool& handled) { comMonitor_Command(command, handled); });
+    comMonitor.Reopened.Connect([this] { UpdateStatus(); });
     mnuFileExit.Click.Connect([this] { mnuFileExit_Click(); });
     mnuCommOpen.Click.Connect([this] { mnuCommOpen_Click(); });
     mnuCommClose.Click.Connect([this] { mnuCommClose_Click(); });
@@ -162,6 +163,7 @@ void frmMonitor::Form_Unload() {
     Trapped("frmMonitor.Form_Unload", [this] {
         mobjFormPos.SaveForm();
         comMonitor.CaptureFile("");
+        comMonitor.PerformCommand(TerminalCommand::Close);  // a lost port is no longer waited for
         // Before this window closes: Windows destroys owned windows with their owner.
         if (mFind) mFind->Unload();
         if (mSendBytes) mSendBytes->Unload();

@@ -82,8 +82,12 @@ void TerminalControl::Notice(const std::string& text) {
     Change([&] { mEcho.ShowLine(text); });
 }
 
+void TerminalControl::PortReopened() {
+    Reopened.Raise();
+}
+
 /// Runs `write`, which changes the screen.
-void TerminalControl::Change(const std::function<void()>& write) {
+void TerminalControl::Change(FunctionRef<void()> write) {
     mViewport.BeforeChange();
     write();
     mViewport.Shown();
@@ -117,7 +121,7 @@ void TerminalControl::Type(const std::string& text) {
 }
 
 /// Runs `send`, which sends what the user has entered.
-void TerminalControl::Transmit(const std::function<void()>& send) {
+void TerminalControl::Transmit(FunctionRef<void()> send) {
     if (!PortOpen()) return Beep();
     Scroll(ScrollStep::End);
     send();
@@ -169,10 +173,10 @@ void TerminalControl::PerformCommand(TerminalCommand command) {
         case TerminalCommand::Close:
             return mSession.Close();
         case TerminalCommand::Clear:
-            mScreen.NewPage();
+            Change([this] { mScreen.NewPage(); });
             return Clear();
         case TerminalCommand::Reset:
-            mScreen.Reset();
+            Change([this] { mScreen.Reset(); });
             return Clear();
         case TerminalCommand::ClearScrollback:
             return ClearScrollback();

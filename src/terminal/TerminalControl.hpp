@@ -4,7 +4,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -14,6 +13,7 @@
 #include "controls/Control.hpp"
 #include "controls/Event.hpp"
 #include "platform/Platform.hpp"
+#include "support/FunctionRef.hpp"
 #include "terminal/TerminalEcho.hpp"
 #include "terminal/TerminalMenu.hpp"
 #include "terminal/engine/TerminalParser.hpp"
@@ -98,6 +98,9 @@ public:
     /// otherwise the terminal does.
     Event<TerminalCommand, bool&> Command{[this] { return KeepParent(); }};
 
+    /// The port is open again after a loss, without a command.
+    Event<> Reopened{[this] { return KeepParent(); }};
+
     // --- user input ---------------------------------------------------------------------------
 
     /// The current context menu, top to bottom.
@@ -179,10 +182,11 @@ private:
     void Received(std::string_view bytes, std::int64_t timeMs) override;
     void Sent(std::string_view bytes) override;
     void Notice(const std::string& text) override;
+    void PortReopened() override;
     std::shared_ptr<void> KeepAlive() const override { return KeepParent(); }
 
-    void Change(const std::function<void()>& write);
-    void Transmit(const std::function<void()>& send);
+    void Change(FunctionRef<void()> write);
+    void Transmit(FunctionRef<void()> send);
     void UseEncoding();
     void Clear();
     void Beep();

@@ -134,7 +134,7 @@ std::string BytesOf(TerminalKey key, KeyModifiers modifiers, const KeyModes& mod
     if (IsBetween(key, F2, F12)) return FunctionKey(key, modifiers);
     if (modifiers.alt) return {};  // menus, and codes typed on the keypad
     if (IsBetween(key, Keypad0, KeypadEnter)) {
-        const std::string bytes = KeypadKey(key, modifiers, modes);
+        std::string bytes = KeypadKey(key, modifiers, modes);
         if (!bytes.empty()) return bytes;
     }
     return ControlKey(key, modifiers, modes);

@@ -23,7 +23,8 @@ const std::map<std::string, const FormDesign*> kDesigns = {
     {"main", &kMainWindowDesign},         {"about", &kAboutWindowDesign},
     {"options", &kConfigureWindowDesign}, {"status", &kStatusWindowDesign},
     {"monitor", &kMonitorWindowDesign},   {"settings", &kPortSettingsWindowDesign},
-    {"send", &kSendWindowDesign}};
+    {"send", &kSendWindowDesign},         {"terminal-settings", &kTerminalSettingsWindowDesign},
+    {"find", &kFindWindowDesign},         {"send-bytes", &kSendBytesWindowDesign}};
 
 const std::map<std::string, WORD> kKeys = {
     {"TAB", VK_TAB},     {"RETURN", VK_RETURN}, {"ESCAPE", VK_ESCAPE},
@@ -64,7 +65,7 @@ struct Steps : Workbench {
         SetWindowPos(app->WindowHandle(), nullptr, left, top, width, height,
                      SWP_NOZORDER | SWP_NOACTIVATE);
     }
-    void Command(WORD key) const;
+    void Command(const std::string& keys) const;
     void ClickUntil(const std::string& name, const Words& condition);
     void DoubleClick(POINT at);
     void System(WPARAM command) const {
@@ -75,7 +76,7 @@ struct Steps : Workbench {
 
     std::optional<Window> form;  ///< other than the main window
     std::string remembered;
-    HWND menu = nullptr;  ///< the last one shown
+    HWND menuBefore = nullptr;  ///< the open one when keys were last pressed
 };
 
 using Condition = bool (*)(Steps&, const Words&);
@@ -116,7 +117,8 @@ const std::map<std::string, Condition>& Conditions() {
              return Send(s.app->Child("pbarStatus"), PBM_GETPOS, 0, 0) >= Number(w[1]);
          }},
         {"menu", [](S& s, W&) { return s.app->InMenu(); }},
-        {"next-menu", [](S& s, W&) { return s.app->Menu() != nullptr && s.app->Menu() != s.menu; }},
+        {"next-menu",
+         [](S& s, W&) { return s.app->Menu() != nullptr && s.app->Menu() != s.menuBefore; }},
         {"large", [](S& s, W&) { return IsZoomed(s.app->WindowHandle()) != 0; }},
         {"small", [](S& s, W&) { return IsIconic(s.app->WindowHandle()) != 0; }},
         {"place",
@@ -180,7 +182,8 @@ const std::map<std::string, Action>& Actions() {
         {"chooses", [](S& s, W& w) { s.Now().Choose(w[1].c_str()); }},
         {"presses", [](S& s, W& w) { s.Now().Press(w[1].c_str()); }},
         {"keys",
-         [](S&, W& w) {
+         [](S& s, W& w) {
+             s.menuBefore = s.app->Menu();
              for (const std::string& key : From(w, 1)) Key(KeyOf(key));
          }},
         {"key", [](S& s, W& w) { s.PressUntil(w); }},
@@ -224,8 +227,8 @@ const std::map<std::string, Action>& Actions() {
         {"vanishes", [](S& s, W&) { s.indicator.Stop(); }},
         {"opens-monitor", [](S& s, W&) { s.Open(s.OpenMonitor()); }},
         {"opens-port", [](S& s, W&) { s.OpenPort(s.Now()); }},
-        {"command",  // its key in English, and in Spanish
-         [](S& s, W& w) { s.Command(KeyOf(Setting("DRIVE_LANGUAGE") == "es" ? w.back() : w[1])); }},
+        {"command",  // its keys in English, and in Spanish
+         [](S& s, W& w) { s.Command(Setting("DRIVE_LANGUAGE") == "es" ? w.back() : w.at(1)); }},
         {"sends",
          [](S& s, W& w) {
              std::string lines;
@@ -278,12 +281,17 @@ void Steps::PressUntil(const Words& words) {
         withAlt);
 }
 
-// Opens the context menu and presses `key` in it.
-void Steps::Command(WORD key) const {
+// Opens the context menu and presses the keys of an entry, which lead through its submenus. Without
+// keys the menu stays open.
+void Steps::Command(const std::string& keys) const {
     const HWND terminal = Child("comMonitor");
     PostMessageW(terminal, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(terminal), -1);
-    Await("the menu", [this] { return app->InMenu(); });
-    app->KeyUntil(key, "the end of the menu", [this] { return !app->InMenu(); });
+    Await("the menu", [this] { return app->Menu() != nullptr; });
+    for (const char key : keys) {
+        const HWND open = app->Menu();
+        app->KeyUntil(static_cast<WORD>(key), "the next menu", [&] { return app->Menu() != open; });
+    }
+    Await("the end of the menu", [&] { return keys.empty() || !app->InMenu(); });
 }
 
 void Steps::ClickUntil(const std::string& name, const Words& condition) {
@@ -316,7 +324,7 @@ std::string Steps::Stored(const std::string& name) const {
 // show STAGE [WINDOW]: the window, with another one and with the menu or dialog that is open
 void Steps::Show(const Words& words) {
     constexpr DWORD kDrawnMs = 100;  // drawn pixels reach the display with a delay
-    menu = app->Menu();
+    const HWND menu = app->Menu();
     std::vector<HWND> windows = {Now().WindowHandle(), menu != nullptr ? menu : app->Dialog()};
     if (words.size() > 2)
         windows.push_back(words[2] == "main"

@@ -18,6 +18,6 @@ int main(int argc, char** argv) {
     for (const auto& [name, lines] : ScriptsIn(STEPS))
         testing::RegisterTest(
             "TsUpdate", name.c_str(), nullptr, nullptr, __FILE__, __LINE__,
-            [name, lines]() -> testing::Test* { return new Scripted(name, lines); });
+            [name = name, lines = lines]() -> testing::Test* { return new Scripted(name, lines); });
     return RUN_ALL_TESTS();
 }

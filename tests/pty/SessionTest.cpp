@@ -179,7 +179,8 @@ int main(int argc, char** argv) {
     testing::InitGoogleMock(&argc, argv);
     const auto scripts = vantor::ScriptsIn(SESSIONS);
     for (const auto& [title, lines] : scripts)
-        testing::RegisterTest("TsFlash", title.c_str(), nullptr, nullptr, __FILE__, __LINE__,
-                              [lines]() -> testing::Test* { return new vantor::Session(lines); });
+        testing::RegisterTest(
+            "TsFlash", title.c_str(), nullptr, nullptr, __FILE__, __LINE__,
+            [lines = lines]() -> testing::Test* { return new vantor::Session(lines); });
     return scripts.empty() ? 1 : RUN_ALL_TESTS();
 }

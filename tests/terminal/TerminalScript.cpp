@@ -13,6 +13,7 @@
 #include <utility>
 
 #include "controls/Form.hpp"
+#include "support/errors/RuntimeError.hpp"
 #include "support/text/Unicode.hpp"
 #include "terminal/TerminalControl.hpp"
 #include "tests/Words.hpp"
@@ -31,6 +32,7 @@ class CountedPump : public PolledPump {
 public:
     using PolledPump::PolledPump;
     TimerId StartTimer(std::uint32_t intervalMs, std::function<void()> tick) override {
+        if (refuses) throw RuntimeError(ErrorNumber::OutOfMemory);
         return *running.insert(PolledPump::StartTimer(intervalMs, std::move(tick))).first;
     }
     void StopTimer(TimerId id) override {
@@ -38,6 +40,7 @@ public:
         PolledPump::StopTimer(id);
     }
     std::set<TimerId> running;
+    bool refuses = false;
 };
 
 constexpr std::array kRows = {ControlDesign{ControlKind::Terminal, "com", -1, "", {}, "", ""}};
@@ -315,7 +318,11 @@ const std::map<std::string, Verb> kVerbs = {
          s.com.Options(options);
      }},
     {"bytes", [](auto& s, auto& w) { s.com.SendBytes(w.at(1)); }},
-    {"break", [](auto& s, auto&) { s.com.SendBreak(); }},
+    {"break",
+     [](auto& s, auto&) {
+         s.events["error"] = to_string(Raised([&] { s.com.SendBreak(); }).Number());
+     }},
+    {"timerless", [](auto& s, auto&) { s.pump.refuses = true; }},
     {"dtr", [](auto& s, auto& w) { s.com.Dtr(w.at(1) == "on"); }},
     {"rts", [](auto& s, auto& w) { s.com.Rts(w.at(1) == "on"); }},
     {"cancel", [](auto& s, auto&) { s.com.DropPendingLines(); }},

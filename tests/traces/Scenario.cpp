@@ -386,6 +386,7 @@ const std::map<std::string, Scenario::Verb>& Scenario::Verbs() {
          }},
         {"receive", [](S& s, W& w) { s.mWire->sent += w.at(1); }},
         {"unplug", [](S& s, W&) { s.Headless().ports.Unplug("COM1"); }},
+        {"plug", [](S& s, W&) { s.Headless().ports.Plug("COM1", static_cast<FarEnd&>(*s.mWire)); }},
         {"busy", [](S& s, W& w) { s.Headless().ports.Hold(w.at(1), true); }},
         {"delete", [](S& s, W& w) { s.Headless().files.Delete(w.at(1)); }},
         {"shell",  // returns this code from now on

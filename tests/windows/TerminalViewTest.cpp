@@ -126,11 +126,18 @@ TEST_F(TerminalView, EachFurtherClickSelectsALargerPart) {
     Send(WM_LBUTTONDOWN, MK_LBUTTON | MK_SHIFT, At(1, 2));
     Send(WM_LBUTTONUP, 0, At(1, 2));
     EXPECT_EQ(terminal.SelectedText(), "one two\r\nthree four") << "by line, as it was begun";
-    const Held alt{VK_MENU};
-    Send(WM_LBUTTONDOWN, MK_LBUTTON, At(0, 1));
-    Send(WM_MOUSEMOVE, MK_LBUTTON, At(1, 3));
-    Send(WM_LBUTTONUP, 0, At(1, 3));
+    {
+        const Held alt{VK_MENU};
+        Send(WM_LBUTTONDOWN, MK_LBUTTON, At(0, 1));
+        Send(WM_MOUSEMOVE, MK_LBUTTON, At(1, 3));
+        Send(WM_LBUTTONUP, 0, At(1, 3));
+    }
     EXPECT_EQ(terminal.SelectedText(), "ne\r\nhr");
+    Send(WM_LBUTTONDOWN, MK_LBUTTON, At(0, 4));
+    Send(WM_LBUTTONUP, 0, At(0, 4));
+    Send(WM_LBUTTONDOWN, MK_LBUTTON | MK_SHIFT, At(1, 5));
+    Send(WM_LBUTTONUP, 0, At(1, 5));
+    EXPECT_EQ(terminal.SelectedText(), "two\r\nthree") << "from the click before";
 }
 
 TEST_F(TerminalView, TheTwoHalvesOfACharacterAreOne) {

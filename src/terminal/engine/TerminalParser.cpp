@@ -280,7 +280,7 @@ bool TerminalParser::Take(char byte) {
 
 void TerminalParser::Execute(char control) {
     mLastShown = 0;
-    const auto number = static_cast<std::size_t>(control);
+    const auto number = static_cast<unsigned char>(control);
     if (control == '\a') ++mBells;
     if (control == kShiftOut) mScreen.sets.shift = 1;
     if (control == kShiftIn) mScreen.sets.shift = 0;

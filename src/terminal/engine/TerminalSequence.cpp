@@ -40,8 +40,9 @@ constexpr bool IsIntermediate(char c) {
     return c >= ' ' && c <= '/';
 }
 
-/// `text` is the sequence without ESC and parameters.
-consteval Entry On(std::string_view text, Handler perform) {
+/// `text` is the sequence without ESC and parameters. Not consteval: clang 14 compiles a lambda in
+/// the arguments of such a call wrongly.
+constexpr Entry On(std::string_view text, Handler perform) {
     const char final = text.back();
     text.remove_suffix(1);
     const auto take = [&text](bool present) {

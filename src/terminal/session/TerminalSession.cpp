@@ -80,7 +80,9 @@ void TerminalSession::TellLoss() {
 void TerminalSession::TryReopen() {
     if (PortOpen() || mPort.name != mLostName) return mReopenTimer.Enabled(false);
     Connect();
-    if (PortOpen()) Tell(Str::PortIsOpenAgain);
+    if (!PortOpen()) return;
+    Tell(Str::PortIsOpenAgain);
+    mOwner.PortReopened();
 }
 
 void TerminalSession::Tell(Str text) {
@@ -182,6 +184,7 @@ void TerminalSession::DrainOutput() {
 
 void TerminalSession::SendBreak() {
     if (!PortOpen()) return;
+    mSendTimer.Enabled(true);  // without a timer the break would not end
     mBreak.Start();
     KeepSending();
 }

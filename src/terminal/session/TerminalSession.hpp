@@ -32,6 +32,8 @@ public:
     virtual void Sent(std::string_view bytes) = 0;
     /// Shows a notice about the connection, UTF-8.
     virtual void Notice(const std::string& text) = 0;
+    /// The lost port is open again, and the notice of that has been shown.
+    virtual void PortReopened() = 0;
     /// Keeps the session alive while one of its functions runs: a box can close its window.
     virtual std::shared_ptr<void> KeepAlive() const = 0;
 };

@@ -28,6 +28,8 @@ ByteDecoder::Character ByteDecoder::First(std::string_view bytes) const {
         return {kReplacementCharacter, 0};
     const std::size_t available = sequence.size();
     const char32_t codePoint = TakeCodePoint(sequence);
+    // Of U+0080 to U+009F both bytes are shown.
+    if (codePoint >= 0x80 && codePoint < 0xA0) return {kReplacementCharacter, 1};
     return {codePoint, available - sequence.size()};
 }
 

@@ -18,8 +18,8 @@ public:
         char32_t codePoint;
         std::size_t bytes;  ///< 0 for the start of a sequence whose end is missing
     };
-    /// The first character of `bytes`, which is not empty. A byte that is no character gives
-    /// U+FFFD.
+    /// The first character of `bytes`, which is not empty. A byte that is no character, or in UTF-8
+    /// a part of a control character, gives U+FFFD.
     Character First(std::string_view bytes) const;
 
     /// The character of a byte by itself, 0 when it has none that can be shown.

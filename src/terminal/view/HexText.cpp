@@ -22,9 +22,8 @@ constexpr int FirstCharacterColumn(int perLine) {
 }
 
 void PutHex(std::vector<Cell>& cells, int column, std::uint64_t number, int digits) {
-    for (int i = digits - 1; i >= 0; --i, number >>= 4U)
-        cells[static_cast<std::size_t>(column + i)].character =
-            static_cast<char32_t>(kDigits[number & 0xFU]);
+    for (auto at = cells.begin() + column + digits; digits > 0; --digits, number >>= 4U)
+        (--at)->character = static_cast<char32_t>(kDigits[number & 0xFU]);
 }
 
 }  // namespace

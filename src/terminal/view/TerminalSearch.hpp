@@ -19,6 +19,9 @@ public:
     /// `text` is UTF-8; an empty one is found nowhere.
     TerminalSearch(std::string_view text, bool matchCase);
 
+    /// The same search: case counts only if it must match.
+    bool operator==(const TerminalSearch&) const = default;
+
     bool Empty() const { return mCharacters.empty(); }
 
     /// The first hit that starts at or after `from`, or, backwards, the last one before it, as far

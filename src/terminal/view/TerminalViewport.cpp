@@ -29,6 +29,7 @@ void TerminalViewport::Size(int columns, int rows) {
     const bool sameWidth = mColumns - mGutter == mScreen.Columns();
     const std::int64_t place = OffsetOf(FirstShownLine());
     mScreen.Resize(std::max(mColumns - mGutter, 1), rows);
+    FollowAtEnd();
     if (mMode == ViewMode::Text) return;
     mPaintedFirst = kNothingPainted;
     if (sameWidth) return;
@@ -112,14 +113,22 @@ ShownRow TerminalViewport::Row(int row) const {
 void TerminalViewport::AppendStamp(std::int64_t line) const {
     std::string stamp;
     const std::optional<std::int64_t> time = mText->ArrivedAt(line);
-    if (time && !mText->Continues(line - 1)) {
-        const std::int64_t previous = mText->WrappedFrom(line - 1);
-        stamp = StampText(mStamps, *time, mText->ArrivedAt(previous).value_or(*time));
-    }
+    if (time && !mText->Continues(line - 1))
+        stamp = StampText(mStamps, *time, ArrivedBefore(line).value_or(*time));
     const auto width = static_cast<std::size_t>(mGutter);
     if (stamp.size() < width) stamp.insert(0, width - stamp.size(), ' ');
     for (const char c : stamp.substr(stamp.size() - width))
         mCells.push_back({.character = static_cast<unsigned char>(c), .foreground = kStampColour});
+}
+
+/// When the last line above `line` arrived that has a time: blank ones have none.
+std::optional<std::int64_t> TerminalViewport::ArrivedBefore(std::int64_t line) const {
+    std::optional<std::int64_t> time;
+    while (!time && line > FirstLine()) {
+        line = mText->WrappedFrom(line - 1);
+        time = mText->ArrivedAt(line);
+    }
+    return time;
 }
 
 /// Fills `mMarks` with the marks of the window's row that shows `line`; with none if it has none.
@@ -187,6 +196,11 @@ std::int64_t TerminalViewport::TopLine() const {
 std::int64_t TerminalViewport::FirstShownLine() const {
     if (!mFirst) return TopLine();
     return std::clamp(*mFirst, FirstLine(), TopLine());
+}
+
+/// Ends a scroll position above the newest text when nothing is left of it.
+void TerminalViewport::FollowAtEnd() {
+    if (FirstShownLine() == TopLine()) mFirst.reset();
 }
 
 bool TerminalViewport::ScrollTo(std::int64_t firstLine) {
@@ -257,9 +271,9 @@ Found TerminalViewport::Find(std::string_view text, FindOptions options) {
         EndFind();
         return Found::Nothing;
     }
-    const bool again = mSought == text;  // then the current hit does not count
-    mSought = text;
-    mSearch.emplace(text, options.matchCase);
+    const TerminalSearch wanted(text, options.matchCase);
+    const bool again = mSearch == wanted;  // then the current hit does not count
+    mSearch = wanted;
     const auto search = [&](TextPosition from, std::int64_t lastLine) {
         return options.backwards ? mSearch->Previous(*mText, from, lastLine)
                                  : mSearch->Next(*mText, from, lastLine);
@@ -282,7 +296,6 @@ Found TerminalViewport::Find(std::string_view text, FindOptions options) {
 
 void TerminalViewport::EndFind() {
     mSearch.reset();
-    mSought.clear();
     mHit.reset();
 }
 
@@ -295,6 +308,7 @@ void TerminalViewport::Received(std::string_view bytes, std::int64_t timeMs) {
 }
 
 void TerminalViewport::Shown() {
+    FollowAtEnd();
     mPlaces.Add(mScreen.TopLine() + mScreen.Cursor().row, mBytes.End());
 }
 

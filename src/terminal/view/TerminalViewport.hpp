@@ -137,10 +137,12 @@ private:
     std::int64_t OffsetOf(std::int64_t line) const;
     std::int64_t LineOf(std::int64_t offset) const;
     void Layout();
+    void FollowAtEnd();
     void ScrollIntoView(std::int64_t line);
     void MarkLine(std::int64_t line) const;
     void MarkHits(std::int64_t line, std::span<Mark> marks) const;
     void AppendStamp(std::int64_t line) const;
+    std::optional<std::int64_t> ArrivedBefore(std::int64_t line) const;
 
     TerminalScreen& mScreen;
     int mColumns;
@@ -165,7 +167,6 @@ private:
     std::string mOverwritable;
 
     std::optional<TerminalSearch> mSearch;
-    std::string mSought;
     std::optional<TextPosition> mHit;  // the current one
 
     // As last painted:

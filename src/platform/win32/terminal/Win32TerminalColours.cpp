@@ -26,7 +26,7 @@ COLORREF IndexedColour(int index) {
     constexpr int kCube = 16;
     constexpr int kGreys = 232;
     if (index >= kGreys) {
-        const auto level = static_cast<COLORREF>(8 + 10 * (index - kGreys));
+        const COLORREF level = 10 * static_cast<COLORREF>(index) - (10 * kGreys - 8);
         return level * RGB(1, 1, 1);
     }
     const auto step = [&kSteps](int number) {

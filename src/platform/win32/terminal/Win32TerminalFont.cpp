@@ -11,13 +11,13 @@ namespace {
 /// Letters of both languages, and symbols that an indicator displays.
 constexpr std::wstring_view kSample = L"Az09\x00c1\x00d1\x00e1\x00e9\x00ed\x00f1\x00f3\x00fa\x00b0";
 
-HFONT Make(const wchar_t* face, int height, bool bold = false, bool italic = false) {
+HFONT Make(const wchar_t* face, int height, bool bold = false, bool italic = false,
+           DWORD quality = DEFAULT_QUALITY) {
     // The one OEM face is only found with its character set.
     const bool isTerminal = std::wstring_view(face) == L"Terminal";
     return CreateFontW(-height, 0, 0, 0, bold ? FW_BOLD : FW_NORMAL, italic ? TRUE : FALSE, FALSE,
                        FALSE, isTerminal ? OEM_CHARSET : DEFAULT_CHARSET, OUT_DEFAULT_PRECIS,
-                       CLIP_DEFAULT_PRECIS, DEFAULT_QUALITY, DWORD{FIXED_PITCH} | DWORD{FF_MODERN},
-                       face);
+                       CLIP_DEFAULT_PRECIS, quality, DWORD{FIXED_PITCH} | DWORD{FF_MODERN}, face);
 }
 
 /// True when the selected typeface is the requested one, monospaced, and has all letters.
@@ -63,7 +63,9 @@ Win32TerminalFont::Win32TerminalFont(Win32Context& context, const ControlStyle& 
     for (std::size_t look = 0; look < looks.size(); ++look)
         looks[look] =
             Hold(Make(face, pixels, (look & 1) != 0, (look & 2) != 0), context.held.fonts);
-    small = Hold(Make(face, pixels * 3 / 5), context.held.fonts);
+    // Anti-aliasing makes letters of this size too pale to read.
+    small =
+        Hold(Make(face, pixels * 7 / 10, false, false, NONANTIALIASED_QUALITY), context.held.fonts);
     const Win32Selected selected(target.get(), Look(false, false));
     TEXTMETRICW metrics{};
     if (GetTextMetricsW(target.get(), &metrics) == 0) return;

@@ -69,8 +69,7 @@ void Win32TerminalMouse::Press(POINT at, bool extends) {
     SetFocus(mWindow.handle);
     SetCapture(mWindow.handle);
     mSelecting = true;
-    if (extends && !mWindow.control.Selection().Empty())
-        return mWindow.control.ExtendSelection(CellAt(at));
+    if (extends) return mWindow.control.ExtendSelection(CellAt(at));
     mWindow.control.BeginSelecting(CellAt(at), CountClick(at), GetKeyState(VK_MENU) < 0);
 }
 

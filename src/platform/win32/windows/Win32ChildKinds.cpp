@@ -112,9 +112,8 @@ private:
         LONG widest = 0;
         for (const std::string& item : mListed)
             widest = std::max(widest, TextExtent(ToWide(item)).cx);
-        const int scrollBar = GetSystemMetrics(SM_CXVSCROLL);
-        Send(CB_SETDROPPEDWIDTH,
-             static_cast<WPARAM>(widest + scrollBar + mContext.ToPixels(kMarginTwips)));
+        widest += GetSystemMetrics(SM_CXVSCROLL) + mContext.ToPixels(kMarginTwips);
+        Send(CB_SETDROPPEDWIDTH, static_cast<WPARAM>(widest));
     }
 
     std::vector<std::string> mListed;  // the items that the window shows

@@ -1,7 +1,8 @@
-// The words of a line of a script or a table, and the scripts of a file.
+// The words of a line of a script or a table, and the scripts and the bytes of a file.
 #pragma once
 
 #include <fstream>
+#include <iterator>
 #include <map>
 #include <string>
 #include <string_view>
@@ -10,6 +11,12 @@
 namespace vantor {
 
 using Words = std::vector<std::string>;
+
+/// The bytes of a file; empty if it cannot be read.
+inline std::string ContentOf(const std::string& path) {
+    std::ifstream file(path, std::ios::binary);
+    return {std::istreambuf_iterator<char>(file), {}};
+}
 
 inline char Unescaped(char c) {
     return c == 'r' ? '\r' : c == 'n' ? '\n' : c == 'e' ? '\x1b' : c == 't' ? '\t' : c;

@@ -3,10 +3,10 @@
 #include <filesystem>
 #include <fstream>
 #include <iostream>
-#include <iterator>
 #include <map>
 #include <optional>
 
+#include "tests/Words.hpp"
 #include "tests/contract/Contract.hpp"
 
 namespace vantor::contract {
@@ -14,7 +14,6 @@ namespace {
 
 constexpr int kStatusOfChild = 7;
 constexpr int kRecordsOfEach = 25;
-using Words = std::vector<std::string>;
 
 std::string RecordOf(const std::string& name) {
     return name + std::string(200, 'x') + "\r\n";
@@ -45,10 +44,6 @@ protected:
         return output;
     }
     void Put(const std::string& text) const { std::ofstream(file, std::ios::binary) << text; }
-    std::string Contents() const {
-        std::ifstream stream(file, std::ios::binary);
-        return {std::istreambuf_iterator<char>(stream), {}};
-    }
 
     const ProcessServices services = MakeProcessServices();
     const TemporaryFolder folder;
@@ -89,7 +84,7 @@ TEST_F(ProcessesContract, ARecordBeginsALineAndTheHeaderIsThatOfAnEmptyFile) {
         std::filesystem::remove(file);
         if (before) Put(*before);
         services.sharedFiles->Append(file, "head\n", record);
-        EXPECT_EQ(Contents(), after);
+        EXPECT_EQ(ContentOf(file), after);
     }
     for (const std::string& path : {folder.Path().string(), folder / "none/records.csv"})
         EXPECT_NE(Raised([&] { services.sharedFiles->Append(path, "", "r"); }).Number(), 0) << path;

@@ -6,7 +6,7 @@ namespace vantor::contract {
 class StringTableContract : public Contract {};
 INSTANTIATE_CONTRACT(StringTableContract);
 
-TEST_P(StringTableContract, TextsComeInTheLanguageOfTheInterface) {
+TEST_P(StringTableContract, TextsComeWholeInTheLanguageOfTheInterface) {
     struct Text {
         std::int32_t id;
         const char* english;
@@ -16,12 +16,8 @@ TEST_P(StringTableContract, TextsComeInTheLanguageOfTheInterface) {
     for (const Text& text : {Text{101, "&OK", "&OK"}, Text{103, "&Cancel", "&Cancelar"},
                              Text{711, "Flash Update Successful", "Actualización flash correcta"}})
         EXPECT_EQ(strings->LoadResString(text.id), spanish ? text.spanish : text.english);
-}
-
-TEST_P(StringTableContract, LongAndNonAsciiTextsComeWhole) {
-    const std::string text = strings->LoadResString(403);
-    EXPECT_NE(text.find("©"), std::string::npos);
-    EXPECT_GT(strings->LoadResString(1016).size(), 250u);
+    EXPECT_NE(strings->LoadResString(403).find("©"), std::string::npos);
+    EXPECT_GT(strings->LoadResString(1016).size(), 250u) << "cut off";
 }
 
 TEST_P(StringTableContract, ANumberOutsideTheTableIsError326) {

@@ -3,7 +3,6 @@
 #include <cstdlib>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <sstream>
 #include <stdexcept>
 
@@ -36,11 +35,6 @@ std::string Setting(const char* name) {
 
 std::string FileOfRun(const char* name) {
     return Setting("DRIVE_FOLDER") + "\\" + name;
-}
-
-std::string Content(const char* name) {
-    std::ifstream file(FileOfRun(name), std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
 }
 
 void Ask(const std::string& words) {

@@ -5,6 +5,8 @@
 #include <functional>
 #include <string>
 
+#include "tests/Words.hpp"
+
 namespace vantor::driver {
 
 /// Waits up to `patienceMs` for `condition`; false on a time-out.
@@ -20,7 +22,9 @@ std::string Setting(const char* name);
 std::string FileOfRun(const char* name);
 
 /// The bytes of such a file; empty if it cannot be read.
-std::string Content(const char* name);
+inline std::string Content(const char* name) {
+    return ContentOf(FileOfRun(name));
+}
 
 /// Sends the request `words` to the script and waits until it is done.
 void Ask(const std::string& words);

@@ -55,11 +55,6 @@ public:
     void Receive(std::string_view bytes) override;
     std::string Transmit() override;
     bool HungUp() const override { return mUnplugged || mDevice.HungUp(); }
-    void Break(bool on) override { mDevice.Break(on); }
-    void Dtr(bool asserted) override { mDevice.Dtr(asserted); }
-    void Rts(bool asserted) override { mDevice.Rts(asserted); }
-    std::optional<ModemLines> Lines() const override { return mDevice.Lines(); }
-    LineErrors Errors() const override { return mDevice.Errors(); }
 
 private:
     struct Underway {

@@ -262,16 +262,12 @@ void RegistryText(std::string_view input) {
     Require(other.Import(written) == 0 && other.Export() == written);
 }
 
-std::string Told(const CAppSettings& settings) {
-    std::string told;
-    for (const std::string& text :
-         {settings.CommPort(), settings.BaudRate(), settings.DataBits(), settings.StopBits(),
-          settings.Parity(), FromBool(settings.AutoUnZip()), FromBool(settings.PassiveFTP()),
-          FromBool(settings.ProxyEnable()), std::to_string(settings.ProxyType()),
-          settings.ProxyHostname(), settings.ProxyUsername(), settings.ProxyPassword()})
-        told += text + '\n';
-    // An empty proxy port is saved as an empty value, which loads as the default.
-    return told + (settings.ProxyPort().empty() ? "8080" : settings.ProxyPort());
+/// All that an edit of `settings` without a change stores.
+std::string Saved(CAppSettings& settings, const RegistryHive& registry) {
+    settings.BeginEdit();
+    settings.AutoUnZip(settings.AutoUnZip());
+    settings.ApplyEdit();
+    return registry.Export();
 }
 
 void Store(Registry& registry, std::string_view input) {
@@ -316,17 +312,14 @@ void Settings(std::string_view input) {
     Store(headless.registry, input);
     CAppSettings settings(headless.registry, headless.codePage, headless.files);
     if (!Accepts([&] { settings.Initialize(); })) return;
+    const std::string before = Saved(settings, headless.registry);
     settings.BeginEdit();
-    const std::string before = Told(settings);
     Edit(settings, property, value);
     settings.CancelEdit();
-    Require(Told(settings) == before);
-    settings.BeginEdit();
-    settings.AutoUnZip(settings.AutoUnZip());
-    settings.ApplyEdit();
+    Require(Saved(settings, headless.registry) == before);
     CAppSettings other(headless.registry, headless.codePage, headless.files);
     other.Initialize();
-    Require(Told(other) == before);
+    Require(Saved(other, headless.registry) == before);
 }
 
 /// Random bytes in chunks of random size on a small terminal screen that is resized in between. The

@@ -34,10 +34,7 @@ protected:
         fs::create_directories(fs::path(folder / name).parent_path());
         std::ofstream(folder / name) << text;
     }
-    std::string Text(const std::string& name) const {
-        std::ifstream file(folder / name);
-        return {std::istreambuf_iterator<char>(file), {}};
-    }
+    std::string Text(const std::string& name) const { return ContentOf(folder / name); }
 
     const TemporaryFolder folder;
 };

@@ -5,7 +5,6 @@
 
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <list>
 #include <map>
 #include <optional>
@@ -23,11 +22,6 @@ namespace vantor {
 namespace {
 
 namespace fs = std::filesystem;
-
-std::string Read(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
 
 class Session : public testing::Test {
 public:
@@ -158,7 +152,7 @@ const std::map<std::string, Session::Verb>& Session::Verbs() {
         {"out", [](S& s, W& w) { Check(s.mTexts["out"], w.at(0), w.at(1)); }},
         {"err", [](S& s, W& w) { Check(s.mTexts["err"], w.at(0), w.at(1)); }},
         {"hint", [](S& s, W& w) { Check(s.mTexts["hint"], w.at(0), w.at(1)); }},
-        {"file", [](S&, W& w) { Check(Read(w.at(0)), w.at(1), w.at(2)); }},
+        {"file", [](S&, W& w) { Check(ContentOf(w.at(0)), w.at(1), w.at(2)); }},
         {"json", [](S& s, W& w) { s.CheckJson(w); }},
         {"writes",
          [](S&, W& w) {

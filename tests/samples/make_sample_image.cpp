@@ -1,7 +1,6 @@
 // Writes a firmware image of realistic size with deterministic, made-up contents. For tests and
 // demonstrations; no indicator would start it.
 #include <cstdint>
-#include <fstream>
 #include <iostream>
 #include <string>
 #include <string_view>
@@ -57,16 +56,6 @@ std::string SampleImage() {
 }  // namespace
 }  // namespace vantor
 
-int main(int argc, char** argv) {
-    if (argc != 2) {
-        std::cerr << "Usage: make_sample_image FILE\n";
-        return 2;
-    }
-    std::ofstream file(argv[1], std::ios::binary | std::ios::trunc);
-    file << vantor::SampleImage();
-    if (!file.flush()) {
-        std::cerr << "make_sample_image: " << argv[1] << " cannot be written.\n";
-        return 1;
-    }
-    return 0;
+int main() {
+    return std::cout << vantor::SampleImage() << std::flush ? 0 : 1;
 }

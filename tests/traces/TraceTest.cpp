@@ -6,10 +6,10 @@
 #include <algorithm>
 #include <filesystem>
 #include <fstream>
-#include <iterator>
 #include <string>
 #include <vector>
 
+#include "tests/Words.hpp"
 #include "tests/traces/Scenario.hpp"
 
 namespace vantor::traces {
@@ -21,17 +21,12 @@ constexpr const char* kSeparator = "---\n";
 
 bool accept = false;
 
-std::string ReadText(const fs::path& path) {
-    std::ifstream file(path, std::ios::binary);
-    return {std::istreambuf_iterator<char>(file), {}};
-}
-
 class TraceTest : public testing::Test {
 public:
     explicit TraceTest(fs::path file) : mFile(std::move(file)) {}
 
     void TestBody() override {
-        const std::string text = ReadText(mFile);
+        const std::string text = ContentOf(mFile.string());
         const std::string now = Rerun(text);
         if (accept)
             std::ofstream(mFile, std::ios::binary) << now;

@@ -3,24 +3,13 @@
 // the window remains usable.
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <iterator>
 #include <set>
 
+#include "tests/Words.hpp"
 #include "tests/faults/Matrix.hpp"
 
 namespace vantor {
 namespace {
-
-/// The outcome of each fault in each stage, as scripts/reliability wrote it. Detects a check that
-/// accepts everything, and a line that injects nothing.
-const std::string& Outcomes() {
-    static const std::string text = [] {
-        std::ifstream file(TABLES "/../../../docs/reliability.md");
-        return std::string(std::istreambuf_iterator<char>(file), {});
-    }();
-    return text;
-}
 
 class FaultMatrixRows : public testing::TestWithParam<std::size_t> {};
 
@@ -38,7 +27,11 @@ TEST_P(FaultMatrixRows, InAnyStageEndsAsTheBytesSayAndLeavesTheWindowReady) {
                         (row.unseen && !compares))
                 << row.name << ", " << kStageNames.at(stage);
         }
-    EXPECT_NE(Outcomes().find(outcomes + "\n"), std::string::npos) << outcomes;
+    // As scripts/reliability wrote them. Detects a check that accepts everything, and a line that
+    // injects nothing.
+    EXPECT_NE(ContentOf(TABLES "/../../../docs/reliability.md").find(outcomes + "\n"),
+              std::string::npos)
+        << outcomes;
 }
 
 INSTANTIATE_TEST_SUITE_P(Session, FaultMatrixRows,

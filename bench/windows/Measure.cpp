@@ -135,7 +135,10 @@ void Flood(const Shown& shown) {
     const double seconds = SecondsSince(start);
     monitor.Choose("mnuCaptureEnd");
     if (Content("capture.txt") != flood) throw std::runtime_error("captured is not what was sent");
-    if (shown.option == nullptr) table.AwaitShown(monitor, flood.substr(flood.size() - 200));
+    const std::string end = flood.substr(flood.size() - 200);
+    Await("the end of the flood on the screen", [&] {
+        return shown.option != nullptr || monitor.Text("comMonitor").find(end) != std::string::npos;
+    });
     std::printf(
         "flood of the terminal, %s: %.1f MB in %.2f s, %.0f times a line at 115200 bit/s; slowest "
         "of %d menus %.0f ms\n",

@@ -139,7 +139,8 @@ std::unique_ptr<Transcript> FlashRun::MakeTranscript() {
     if (mOptions.log.empty()) return nullptr;
     std::unique_ptr<Transcript> transcript;
     if (!Ignoring([&] {
-            transcript = std::make_unique<Transcript>(mOptions.log, *mNative.clock, mRoundTrips);
+            transcript = std::make_unique<Transcript>(mOptions.log, *mNative.files, *mNative.clock,
+                                                      mRoundTrips);
         }))
         throw Refusal(*mNative.strings, Str::TranscriptNotWritable, mOptions.log);
     return transcript;

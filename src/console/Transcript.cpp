@@ -2,20 +2,18 @@
 
 #include <array>
 #include <cstdio>
-#include <filesystem>
 
 #include "support/LineSettings.hpp"
-#include "support/errors/RuntimeError.hpp"
+#include "support/Traps.hpp"
 
 namespace vantor {
 
-Transcript::Transcript(const std::string& path, const Clock& clock, const RoundTrips& roundTrips)
-    : mFile(std::filesystem::path(std::u8string(path.begin(), path.end())), std::ios::binary),
+Transcript::Transcript(const std::string& path, Files& files, const Clock& clock,
+                       const RoundTrips& roundTrips)
+    : mFile(files.Create(path)),
       mClock(clock),
       mRoundTrips(roundTrips),
-      mStart(clock.Milliseconds()) {
-    if (!mFile) throw RuntimeError(ErrorNumber::PathFileAccess);
-}
+      mStart(clock.Milliseconds()) {}
 
 Transcript::~Transcript() {
     for (const std::string& line : mRoundTrips.Summary()) Note("--", line);
@@ -23,11 +21,11 @@ Transcript::~Transcript() {
 
 void Transcript::Note(std::string_view mark, std::string_view text) {
     std::array<char, 16> time{};
-    const int length = std::snprintf(time.data(), time.size(), "%8lu",
-                                     static_cast<unsigned long>(mClock.Milliseconds() - mStart));
-    mFile.write(time.data(), length);
-    // Flushed after each line, so that the transcript survives a crash.
-    mFile << ' ' << mark << ' ' << text << std::endl;
+    std::snprintf(time.data(), time.size(), "%8lu ",
+                  static_cast<unsigned long>(mClock.Milliseconds() - mStart));
+    const std::string line = time.data() + std::string(mark) + " " + std::string(text) + "\n";
+    // A transcript that cannot be written, as on a full disk, must not end the session.
+    Ignoring([&] { mFile->Write(line); });
 }
 
 void Transcript::Opened(const std::string& name, const LineSettings& line) {

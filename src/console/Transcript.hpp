@@ -2,13 +2,14 @@
 #pragma once
 
 #include <cstdint>
-#include <fstream>
+#include <memory>
 #include <string>
 #include <string_view>
 
 #include "console/RoundTrips.hpp"
 #include "console/Traffic.hpp"
 #include "platform/Clock.hpp"
+#include "platform/Files.hpp"
 #include "support/text/Text.hpp"
 
 namespace vantor {
@@ -18,9 +19,9 @@ namespace vantor {
 /// session.
 class Transcript : public TrafficListener {
 public:
-    /// Raises RuntimeError 75 when `path` (UTF-8) cannot be written. `clock` and `roundTrips`
-    /// outlive the transcript.
-    Transcript(const std::string& path, const Clock& clock, const RoundTrips& roundTrips);
+    /// Creates `path` and raises the errors of `Files`. All services outlive the transcript.
+    Transcript(const std::string& path, Files& files, const Clock& clock,
+               const RoundTrips& roundTrips);
     ~Transcript() override;
     Transcript(const Transcript&) = delete;
     Transcript& operator=(const Transcript&) = delete;
@@ -39,7 +40,7 @@ private:
     static std::string Readable(std::string_view bytes) { return Escaped(bytes, "\r\n\t"); }
     void Note(std::string_view mark, std::string_view text);
 
-    std::ofstream mFile;
+    std::unique_ptr<OutputFile> mFile;
     const Clock& mClock;
     const RoundTrips& mRoundTrips;
     std::uint32_t mStart;

@@ -61,7 +61,7 @@ std::int32_t CShellExecute::Start(const char* member, const ShellRequest& reques
     return Run(member, [&] { return mShell.Start(request, mProcess); });
 }
 
-std::int32_t CShellExecute::Run(const char* member, const std::function<std::int32_t()>& launch) {
+std::int32_t CShellExecute::Run(const char* member, FunctionRef<std::int32_t()> launch) {
     constexpr std::int32_t kTaken = -1;
     std::int32_t result = 0;
     Trapped(member, [&] {

@@ -2,10 +2,10 @@
 #pragma once
 
 #include <cstdint>
-#include <functional>
 #include <string>
 
 #include "platform/Shell.hpp"
+#include "support/FunctionRef.hpp"
 
 namespace vantor {
 
@@ -40,7 +40,7 @@ public:
 private:
     std::int32_t Launch(const char* member, const ShellRequest& request);
     std::int32_t Start(const char* member, const ShellRequest& request);
-    std::int32_t Run(const char* member, const std::function<std::int32_t()>& launch);
+    std::int32_t Run(const char* member, FunctionRef<std::int32_t()> launch);
 
     Shell& mShell;
     ShellProcess mProcess = 0;

@@ -136,8 +136,7 @@ const SettingsRecord& CAppSettings::Record(std::string_view property) const {
     return mRecord;
 }
 
-void CAppSettings::During(Edit required, std::string_view procedure,
-                          const std::function<void()>& body) {
+void CAppSettings::During(Edit required, std::string_view procedure, FunctionRef<void()> body) {
     Raising(SourceOf(procedure), [&] {
         if (!mInitialised) throw RuntimeError(kNotInitialised);
         if (mEdit != required) throw RuntimeError(ErrorNumber::ActionNotSupported);

@@ -11,6 +11,7 @@
 
 #include "settings/CBrokenRules.hpp"
 #include "support/Conversions.hpp"
+#include "support/FunctionRef.hpp"
 #include "support/errors/RuntimeError.hpp"
 #include "support/text/Text.hpp"
 #include "support/text/Unicode.hpp"
@@ -143,7 +144,7 @@ private:
     /// The record, for the guarded getter `property`.
     const SettingsRecord& Record(std::string_view property) const;
     /// Runs `body` as `procedure` in an initialised object, in the state `required` only.
-    void During(Edit required, std::string_view procedure, const std::function<void()>& body);
+    void During(Edit required, std::string_view procedure, FunctionRef<void()> body);
     /// The setters: store `value` in `field` if `rule` accepts it.
     template <typename Field, typename Value>
     void Set(std::string_view property, Field& field, const Value& value,

@@ -21,20 +21,13 @@ struct Decimal {
 /// The decimal number at the start of `text`. An exponent, marked by "e" or "d", counts only when
 /// digits follow it.
 Decimal ParseDecimal(std::string_view text) {
-    std::string plain(text);
+    // std::strtod also reads blanks, "inf", "nan" and "0x1F".
+    std::string plain(text.substr(0, text.find_first_not_of("0123456789.+-eEdD")));
     std::ranges::replace_if(
         plain, [](char c) { return c == 'd' || c == 'D'; }, 'e');
-    const std::size_t plus = plain.starts_with('+') ? 1 : 0;
-    const std::size_t sign = plain.starts_with('-') ? 1 : plus;
-    // The library also reads "inf" and "nan".
-    if (plain.find_first_of("0123456789.") != sign) return {};
-    const char* const start = plain.data();
-    double value = 0;
-    const auto [end, error] = std::from_chars(start + plus, start + plain.size(), value);
-    if (error == std::errc::invalid_argument) return {};
-    // A number that is too small is no error, and gives 0 or a subnormal number.
-    if (error == std::errc::result_out_of_range) value = std::strtod(start, nullptr);
-    return {value, static_cast<std::size_t>(end - start)};
+    char* end = nullptr;
+    const double value = std::strtod(plain.c_str(), &end);
+    return {value, static_cast<std::size_t>(end - plain.c_str())};
 }
 
 double Finite(double value) {

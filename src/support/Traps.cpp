@@ -10,8 +10,8 @@ namespace {
 ErrorSink* gSink = nullptr;
 
 /// Runs `body`. An error is shown in a box with the text that `describe` makes of it.
-bool ShownInBox(std::string_view title, const std::function<void()>& body,
-                const std::function<std::string(const RuntimeError&)>& describe) {
+bool ShownInBox(std::string_view title, FunctionRef<void()> body,
+                FunctionRef<std::string(const RuntimeError&)> describe) {
     try {
         body();
         return true;
@@ -28,11 +28,14 @@ ErrorSink* SetErrorSink(ErrorSink* sink) noexcept {
     return std::exchange(gSink, sink);
 }
 
-bool Trapped(std::string_view name, const std::function<void()>& body,
-             const std::function<void()>& exit) {
+bool Trapped(std::string_view name, FunctionRef<void()> body) {
+    return Trapped(name, body, [] {});
+}
+
+bool Trapped(std::string_view name, FunctionRef<void()> body, FunctionRef<void()> exit) {
     ErrorSink* const sink = gSink;
     if (sink) sink->Push(name);
-    const auto run = [sink](const std::function<void()>& step) {
+    const auto run = [sink](FunctionRef<void()> step) {
         try {
             step();
             return true;
@@ -41,19 +44,19 @@ bool Trapped(std::string_view name, const std::function<void()>& body,
             return false;
         }
     };
-    bool clean = run(body);
-    if (exit) clean = run(exit) && clean;
+    const bool clean = run(body);
+    const bool left = run(exit);
     if (sink) sink->Pop();
-    return clean;
+    return clean && left;
 }
 
-bool Boxed(std::string_view name, const std::function<void()>& body) {
+bool Boxed(std::string_view name, FunctionRef<void()> body) {
     return ShownInBox(name, body, [](const RuntimeError& error) {
         return "Error: " + std::to_string(error.Number()) + ". " + error.Description();
     });
 }
 
-void BoxedSetup(std::string_view where, const std::function<void()>& body) {
+void BoxedSetup(std::string_view where, FunctionRef<void()> body) {
     ShownInBox({}, body, [where](const RuntimeError& error) {
         // "occured" is misspelt in all of these boxes; kept for compatibility.
         return "An error has occured in " + std::string(where) +
@@ -63,7 +66,7 @@ void BoxedSetup(std::string_view where, const std::function<void()>& body) {
     });
 }
 
-bool Ignoring(const std::function<void()>& step) noexcept {
+bool Ignoring(FunctionRef<void()> step) noexcept {
     try {
         step();
         return true;

@@ -3,9 +3,9 @@
 // is for callbacks from the system.
 #pragma once
 
-#include <functional>
 #include <string_view>
 
+#include "support/FunctionRef.hpp"
 #include "support/errors/RuntimeError.hpp"
 
 namespace vantor {
@@ -31,8 +31,8 @@ ErrorSink* SetErrorSink(ErrorSink* sink) noexcept;
 /// Runs `body` as the procedure `name`. An error is passed to the sink and ends the procedure.
 /// `exit`, if given, runs in either case, after the report and before the name is popped;
 /// its own error is reported too. Returns true when no error was reported.
-bool Trapped(std::string_view name, const std::function<void()>& body,
-             const std::function<void()>& exit = {});
+bool Trapped(std::string_view name, FunctionRef<void()> body);
+bool Trapped(std::string_view name, FunctionRef<void()> body, FunctionRef<void()> exit);
 
 /// Runs `body`; rethrows an error with `source` as its source.
 template <typename Body>
@@ -46,15 +46,15 @@ auto Raising(std::string_view source, Body&& body) {
 
 /// Runs `body`. An error is shown in a box "Error: number. description", titled `name`,
 /// and ends the procedure. Returns true when there was none.
-bool Boxed(std::string_view name, const std::function<void()>& body);
+bool Boxed(std::string_view name, FunctionRef<void()> body);
 
 /// Runs the initialisation of a class, or a procedure of the support module. An error is shown
 /// as "An error has occured in `where` " with its number, description and line.
-void BoxedSetup(std::string_view where, const std::function<void()>& body);
+void BoxedSetup(std::string_view where, FunctionRef<void()> body);
 
 /// Runs one statement and ignores its error, so that the next one still runs.
 /// Returns true when there was none, for callers that treat all errors alike.
-bool Ignoring(const std::function<void()>& step) noexcept;
+bool Ignoring(FunctionRef<void()> step) noexcept;
 
 /// Passes the current exception to the sink as an error of the procedure `name`. Without a sink the
 /// program terminates as on any unhandled exception.

@@ -87,7 +87,7 @@ void TerminalControl::PortReopened() {
 }
 
 /// Runs `write`, which changes the screen.
-void TerminalControl::Change(const std::function<void()>& write) {
+void TerminalControl::Change(FunctionRef<void()> write) {
     mViewport.BeforeChange();
     write();
     mViewport.Shown();
@@ -121,7 +121,7 @@ void TerminalControl::Type(const std::string& text) {
 }
 
 /// Runs `send`, which sends what the user has entered.
-void TerminalControl::Transmit(const std::function<void()>& send) {
+void TerminalControl::Transmit(FunctionRef<void()> send) {
     if (!PortOpen()) return Beep();
     Scroll(ScrollStep::End);
     send();

@@ -4,7 +4,6 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <functional>
 #include <memory>
 #include <optional>
 #include <string>
@@ -14,6 +13,7 @@
 #include "controls/Control.hpp"
 #include "controls/Event.hpp"
 #include "platform/Platform.hpp"
+#include "support/FunctionRef.hpp"
 #include "terminal/TerminalEcho.hpp"
 #include "terminal/TerminalMenu.hpp"
 #include "terminal/engine/TerminalParser.hpp"
@@ -185,8 +185,8 @@ private:
     void PortReopened() override;
     std::shared_ptr<void> KeepAlive() const override { return KeepParent(); }
 
-    void Change(const std::function<void()>& write);
-    void Transmit(const std::function<void()>& send);
+    void Change(FunctionRef<void()> write);
+    void Transmit(FunctionRef<void()> send);
     void UseEncoding();
     void Clear();
     void Beep();

@@ -66,14 +66,15 @@ TEST_P(SerialPortContract, AnOpenPortIsBusyUntilItIsClosedAndARefusedOpenLeavesI
 
 // A pseudo-terminal shows that the port opens with these settings, and XOFF. It does not show the
 // speed (PosixTest reads it back), has no CTS, and never sends XOFF itself.
-TEST_P(SerialPortContract, ALineOfAnySpeedAndFlowControlCarriesBytesBothWays) {
+TEST_P(SerialPortContract, ALineOfAnySpeedAndFlowControlCarriesEachByteBothWaysOnce) {
     NEEDS_FAR_END();
     using enum FlowControl;
     for (const LineSettings& line :
          {LineSettings{12345, Parity::None, 8, 1}, LineSettings{250000, Parity::None, 8, 1},
           LineSettings{3000000, Parity::None, 8, 1},
           LineSettings{9600, Parity::None, 8, 1, Hardware},
-          LineSettings{9600, Parity::None, 8, 1, Software}}) {
+          LineSettings{9600, Parity::None, 8, 1, Software},
+          LineSettings{115200, Parity::None, 8, 2}}) {
         const auto port = Open(line);
         std::string bytes = AllBytes();
         if (line.flowControl == Software)
@@ -81,7 +82,10 @@ TEST_P(SerialPortContract, ALineOfAnySpeedAndFlowControlCarriesBytesBothWays) {
         farEnd->Send(bytes);
         EXPECT_EQ(Read(*port, bytes.size()), bytes) << line.bitsPerSecond;
         EXPECT_EQ(port->Write(bytes), bytes.size()) << line.bitsPerSecond;
-        EXPECT_EQ(FarEndReads(bytes.size()), bytes) << line.bitsPerSecond;
+        // One more is waited for where the next line would not see it.
+        const std::size_t beyond = line.bitsPerSecond == 115200 ? 1 : 0;
+        EXPECT_EQ(FarEndReads(bytes.size() + beyond), bytes) << line.bitsPerSecond;
+        EXPECT_EQ(port->InputCount(), 0u) << "an echo";
     }
 }
 
@@ -114,17 +118,6 @@ TEST_P(SerialPortContract, APortWithoutModemLinesIgnoresThemAndCarriesBytesOn) {
     EXPECT_EQ(port->Errors(), LineErrors{});
     EXPECT_EQ(port->Write("data"), 4u);
     EXPECT_EQ(FarEndReads(5), "data");
-}
-
-TEST_P(SerialPortContract, EveryByteArrivesUnchangedAndOnce) {
-    NEEDS_FAR_END();
-    const auto port = Open();
-    const std::string bytes = AllBytes();
-    farEnd->Send(bytes);
-    EXPECT_EQ(Read(*port, bytes.size()), bytes);
-    EXPECT_EQ(port->Write(bytes), bytes.size());
-    EXPECT_EQ(FarEndReads(bytes.size() + 1), bytes) << "changed, or more than was written";
-    EXPECT_EQ(port->InputCount(), 0u) << "an echo";
 }
 
 TEST_P(SerialPortContract, WhatWaitsIsCountedAndDiscardedAndNeverWaitedFor) {

@@ -4,7 +4,6 @@
 
 #include <algorithm>
 #include <array>
-#include <cstdio>
 #include <stdexcept>
 
 #include "resources/Designs.hpp"
@@ -16,7 +15,6 @@ constexpr ULONGLONG kPatienceMs = 100'000;
 constexpr UINT kAnswerMs = 30'000;
 constexpr int kFirstChild = 1000;
 constexpr int kFirstCommand = 2000;
-constexpr int kBoxText = 0xffff;
 constexpr int kFileName = 1148;
 
 std::wstring& DesktopName() {
@@ -199,16 +197,6 @@ std::vector<HWND> App::Windows(const wchar_t* windowClass, bool hiddenToo) const
     return search.found;
 }
 
-int App::Percent() const {
-    return static_cast<int>(Send(Child("pbarStatus"), PBM_GETPOS, 0, 0));
-}
-
-int App::Line() const {
-    int line = -1;
-    std::sscanf(Text("lblStatus").c_str(), "Line %d of", &line);
-    return line;
-}
-
 std::vector<Window> App::Forms(const FormDesign& design) const {
     std::vector<Window> found;
     for (const HWND form : Windows(L"VantorForm"))
@@ -225,31 +213,23 @@ Window App::AwaitForm(const FormDesign& design, std::size_t count) const {
     return forms.front();
 }
 
-HWND App::Dialog() const {
-    const std::vector<HWND> dialogs = Windows(L"#32770");
-    return dialogs.empty() ? nullptr : dialogs.front();
+HWND App::First(const wchar_t* windowClass) const {
+    const std::vector<HWND> windows = Windows(windowClass);
+    return windows.empty() ? nullptr : windows.front();
 }
 
 bool App::IsFileDialog(HWND dialog) {
-    return GetDlgItem(dialog, kFileName) != nullptr;
+    return GetDlgItem(dialog, kFileName) != nullptr && IsWindowEnabled(dialog) != 0;
 }
 
 void App::ChooseFile(const std::string& path) const {
-    HWND dialog = nullptr;
-    Await("the file dialog", [&] {
-        dialog = Dialog();
-        return IsFileDialog(dialog) && IsWindowEnabled(dialog) != 0;
-    });
-    Fill(dialog, path);
+    Await("the file dialog", [this] { return IsFileDialog(Dialog()); });
+    Fill(Dialog(), path);
 }
 
 HWND App::Box() const {
     const HWND dialog = Dialog();
     return GetDlgItem(dialog, kBoxText) == nullptr ? nullptr : dialog;
-}
-
-std::string App::TextIn(HWND box) {
-    return TextOf(GetDlgItem(box, kBoxText));
 }
 
 std::string App::TakeBox(int button) const {
@@ -283,22 +263,15 @@ void App::KeyUntil(WORD key, const std::string& what, const std::function<bool()
     Await(what, condition);
 }
 
-bool App::InMenu() const {
+GUITHREADINFO App::Input() const {
     GUITHREADINFO info{};
     info.cbSize = sizeof info;
     GetGUIThreadInfo(GetWindowThreadProcessId(mHandle, nullptr), &info);
-    return (info.flags & GUI_INMENUMODE) != 0;
-}
-
-HWND App::Menu() const {
-    const std::vector<HWND> menus = Windows(L"#32768");
-    return menus.empty() ? nullptr : menus.front();
+    return info;
 }
 
 HWND App::Focus() const {
-    GUITHREADINFO info{};
-    info.cbSize = sizeof info;
-    GetGUIThreadInfo(GetWindowThreadProcessId(mHandle, nullptr), &info);
+    const GUITHREADINFO info = Input();
     return info.hwndActive == GetForegroundWindow() ? info.hwndFocus : nullptr;
 }
 

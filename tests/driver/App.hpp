@@ -81,28 +81,25 @@ public:
     App(const App&) = delete;
     App& operator=(const App&) = delete;
 
-    int Percent() const;
-    /// The line being sent; -1 if none.
-    int Line() const;
-
     /// The other windows made from `design`, topmost first.
     std::vector<Window> Forms(const FormDesign& design) const;
     /// Waits until `count` of them are open; returns the topmost.
     Window AwaitForm(const FormDesign& design, std::size_t count = 1) const;
     /// A message box or file dialog; null if none is open.
-    HWND Dialog() const;
+    HWND Dialog() const { return First(L"#32770"); }
+    /// A file dialog that takes input.
     static bool IsFileDialog(HWND dialog);
     /// Waits for a file dialog, and chooses `path` in it.
     void ChooseFile(const std::string& path) const;
     /// A message box; null if none is open.
     HWND Box() const;
-    static std::string TextIn(HWND box);
+    static std::string TextIn(HWND box) { return TextOf(GetDlgItem(box, kBoxText)); }
     /// Waits for a message box, presses `button` and waits until it is closed; returns its text.
     std::string TakeBox(int button = IDOK) const;
 
-    bool InMenu() const;
+    bool InMenu() const { return (Input().flags & GUI_INMENUMODE) != 0; }
     /// The open menu; null if none.
-    HWND Menu() const;
+    HWND Menu() const { return First(L"#32768"); }
     /// Waits until the program has processed all input injected so far.
     void AwaitInputTaken() const;
     /// Presses `key` and waits for `condition`. Presses it again when the program has processed
@@ -117,7 +114,11 @@ public:
     bool Answers() const;
 
 private:
+    static constexpr int kBoxText = 0xffff;
+
     std::vector<HWND> Windows(const wchar_t* windowClass, bool hiddenToo = false) const;
+    HWND First(const wchar_t* windowClass) const;
+    GUITHREADINFO Input() const;
 
     Win32Handle mProcess;
     DWORD mId = 0;

@@ -50,22 +50,10 @@ void Ask(const std::string& words) {
     Await("the script to: " + words, [&] { return !std::filesystem::exists(request); });
 }
 
-void Indicator::Start(const std::string& options) {
-    Ask("start " + options);
-}
-
-void Indicator::Stop() {
-    Ask("stop");
-}
-
 int Indicator::Wait() {
     Await("the end of the indicator",
           [] { return std::filesystem::exists(FileOfRun("indicator.status")); });
     return std::stoi(Content("indicator.status"));
-}
-
-std::string Indicator::Complaints() const {
-    return Content("indicator.err");
 }
 
 std::string Indicator::Passed(char direction) {

@@ -33,12 +33,12 @@ public:
     Indicator(const Indicator&) = delete;
     Indicator& operator=(const Indicator&) = delete;
 
-    void Start(const std::string& options);
-    void Stop();
+    static void Start(const std::string& options) { Ask("start " + options); }
+    static void Stop() { Ask("stop"); }
     /// Waits for the process to end; returns its exit status.
-    int Wait();
+    static int Wait();
     /// Its standard error output: protocol violations of the program.
-    std::string Complaints() const;
+    static std::string Complaints() { return Content("indicator.err"); }
 
     /// The bytes transferred in one direction, with the escapes of the transcript:
     /// '>' to the indicator, '<' from it.

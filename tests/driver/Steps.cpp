@@ -9,7 +9,10 @@
 
 #include "platform/win32/services/Win32Services.hpp"
 #include "resources/Designs.hpp"
+#include "tests/driver/Bitmap.hpp"
 #include "tests/driver/Workbench.hpp"
+
+#include <commctrl.h>
 
 namespace vantor::driver {
 namespace {
@@ -31,6 +34,10 @@ const std::map<std::string, WORD> kKeys = {
 WORD KeyOf(const std::string& name) {
     const auto key = kKeys.find(name);
     return key == kKeys.end() ? static_cast<WORD>(name.at(0)) : key->second;
+}
+
+void MustBeZero(DWORD status) {
+    if (status != 0) throw std::runtime_error("ends with an error");
 }
 
 int Number(const std::string& word) {
@@ -58,6 +65,7 @@ struct Steps : Workbench {
         SetWindowPos(app->WindowHandle(), nullptr, left, top, width, height,
                      SWP_NOZORDER | SWP_NOACTIVATE);
     }
+    void Command(const std::string& keys) const;
     void ClickUntil(const std::string& name, const Words& condition);
     void DoubleClick(POINT at);
     void System(WPARAM command) const {
@@ -78,11 +86,7 @@ const std::map<std::string, Condition>& Conditions() {
     using W = const Words;
     static const std::map<std::string, Condition> kConditions = {
         {"dialog", [](S& s, W&) { return s.app->Dialog() != nullptr; }},
-        {"file-dialog",
-         [](S& s, W&) {
-             const HWND dialog = s.app->Dialog();
-             return App::IsFileDialog(dialog) && IsWindowEnabled(dialog) != 0;
-         }},
+        {"file-dialog", [](S& s, W&) { return App::IsFileDialog(s.app->Dialog()); }},
         {"box", [](S& s, W&) { return s.app->Box() != nullptr; }},
         {"box-says",
          [](S& s, W& w) { return App::TextIn(s.app->Box()).find(w[1]) != std::string::npos; }},
@@ -103,8 +107,15 @@ const std::map<std::string, Condition>& Conditions() {
              return s.app->IsShown("picStartup") && !s.app->IsShown("picFlash") &&
                     s.app->IsEnabled("cmdFlash") && s.app->Dialog() == nullptr;
          }},
-        {"line", [](S& s, W& w) { return s.app->Line() >= Number(w[1]); }},
-        {"percent", [](S& s, W& w) { return s.app->Percent() >= Number(w[1]); }},
+        {"line",
+         [](S& s, W& w) {
+             const std::string text = s.app->Text("lblStatus");  // "Line 5 of 61"
+             return text.starts_with("Line ") && Number(text.substr(5)) >= Number(w[1]);
+         }},
+        {"percent",
+         [](S& s, W& w) {
+             return SendMessageW(s.app->Child("pbarStatus"), PBM_GETPOS, 0, 0) >= Number(w[1]);
+         }},
         {"menu", [](S& s, W&) { return s.app->InMenu(); }},
         {"next-menu",
          [](S& s, W&) { return s.app->Menu() != nullptr && s.app->Menu() != s.menuBefore; }},
@@ -155,20 +166,16 @@ const std::map<std::string, Action>& Actions() {
              if (!s.Holds(From(w, 1))) throw std::runtime_error("does not hold");
          }},
         {"starts", [](S& s, W&) { s.app.emplace(); }},
-        {"ends",
-         [](S& s, W&) {
-             if (s.app->Wait() != 0) throw std::runtime_error("ends with an error");
-         }},
+        {"ends", [](S& s, W&) { MustBeZero(s.app->Wait()); }},
         {"restarts",
          [](S& s, W&) {
              s.form.reset();
-             s.Restart();
+             s.app->Close();
+             MustBeZero(s.app->Wait());
+             s.app.emplace();
          }},
         {"second-ends",
-         [](S&, W&) {
-             if (WaitForEnd(StartProgram(Setting("DRIVE_PROGRAM")).Get()) != 0)
-                 throw std::runtime_error("ends with an error");
-         }},
+         [](S&, W&) { MustBeZero(WaitForEnd(StartProgram(Setting("DRIVE_PROGRAM")).Get())); }},
         {"main", [](S& s, W&) { s.form.reset(); }},
         {"form", [](S& s, W& w) { s.Open(s.app->AwaitForm(*kDesigns.at(w[1]))); }},
         {"closes", [](S& s, W&) { s.Now().Close(); }},
@@ -221,14 +228,15 @@ const std::map<std::string, Action>& Actions() {
         {"opens-monitor", [](S& s, W&) { s.Open(s.OpenMonitor()); }},
         {"opens-port", [](S& s, W&) { s.OpenPort(s.Now()); }},
         {"command",  // its keys in English, and in Spanish
-         [](S& s, W& w) {
-             s.Command(s.Now(), Setting("DRIVE_LANGUAGE") == "es" ? w.back() : w.at(1));
-         }},
+         [](S& s, W& w) { s.Command(Setting("DRIVE_LANGUAGE") == "es" ? w.back() : w.at(1)); }},
         {"sends",
          [](S& s, W& w) {
              std::string lines;
              for (int i = Number(w[1]); i > 0; --i) lines += w.at(2);
-             s.Open(s.SendFile(s.Now(), lines));
+             std::ofstream(FileOfRun("sent.txt"), std::ios::binary) << lines;
+             s.Now().Choose("mnuCaptureSend");
+             s.app->ChooseFile(FileOfRun("sent.txt"));
+             s.Open(s.app->AwaitForm(kSendWindowDesign));
          }},
         {"copies", [](S&, W& w) { MakeWin32Clipboard()->Text(w[1]); }},
         {"stores",
@@ -238,7 +246,11 @@ const std::map<std::string, Action>& Actions() {
                              ToWide(w[1]).c_str(), REG_SZ, value.c_str(),
                              static_cast<DWORD>((value.size() + 1) * sizeof(wchar_t)));
          }},
-        {"picture", [](S& s, W&) { s.CachePicture(); }},
+        {"picture",  // in the cache, without an index of addresses
+         [](S&, W&) {
+             std::filesystem::create_directories(Workbench::Cache());
+             std::ofstream(Workbench::Cache() / "a.bmp", std::ios::binary) << Bitmap(300, 200);
+         }},
         {"remembers", [](S& s, W& w) { s.remembered = s.Text(w[1]); }},
         {"hides", [](S& s, W& w) { ShowWindow(s.Child(w[1]), SW_HIDE); }},
         {"unhides", [](S& s, W& w) { ShowWindow(s.Child(w[1]), SW_SHOW); }},
@@ -267,6 +279,19 @@ void Steps::PressUntil(const Words& words) {
     app->KeyUntil(
         KeyOf(withAlt ? key.substr(4) : key), words.back(), [&] { return Holds(From(words, 3)); },
         withAlt);
+}
+
+// Opens the context menu and presses the keys of an entry, which lead through its submenus. Without
+// keys the menu stays open.
+void Steps::Command(const std::string& keys) const {
+    const HWND terminal = Child("comMonitor");
+    PostMessageW(terminal, WM_CONTEXTMENU, reinterpret_cast<WPARAM>(terminal), -1);
+    Await("the menu", [this] { return app->Menu() != nullptr; });
+    for (const char key : keys) {
+        const HWND open = app->Menu();
+        app->KeyUntil(static_cast<WORD>(key), "the next menu", [&] { return app->Menu() != open; });
+    }
+    Await("the end of the menu", [&] { return keys.empty() || !app->InMenu(); });
 }
 
 void Steps::ClickUntil(const std::string& name, const Words& condition) {

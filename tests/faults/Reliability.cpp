@@ -11,26 +11,6 @@ using namespace vantor;
 
 namespace {
 
-constexpr const char* kIntroduction =
-    R"(# Reliability
-
-Written by `scripts/reliability`. Each session runs in one process on virtual time: the whole
-program without its screen, the virtual indicator, and a line that can be told to fail. After
-each the following is checked, and any breach stops the run:
-
-- The outcome, the boxes and every send are those that the bytes received so far call for.
-- No reply is waited for longer than 20 s, no line sent more than four times, no verdict waited
-  for longer than 60 s. The wait of an image of which nothing was accepted has no end of its
-  own; closing the window ends it.
-- An answer is followed by the next line at once, and a press of Abort or a close by the end.
-- Both opens of the port take the stored settings; while it is in use, the system must not sleep.
-- Success is reported only after "DONE" in the final stage; an indicator that compares then
-  holds exactly the image.
-- The port is closed, the buttons are enabled, the first panel shows, the settings are
-  untouched, and an undisturbed session that follows on the same window succeeds.
-
-)";
-
 [[noreturn]] void Breach(const std::string& where, const std::string& violation) {
     std::cerr << where << ":\n" << violation;
     std::exit(EXIT_FAILURE);
@@ -93,7 +73,6 @@ int main(int argc, char** argv) {
         std::cerr << "usage: reliability SEED COUNT\n";
         return 2;
     }
-    std::cout << kIntroduction;
     Matrix();
     Walk(std::strtoull(argv[1], nullptr, 10), std::strtoull(argv[2], nullptr, 10));
 }

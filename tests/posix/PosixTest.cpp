@@ -20,6 +20,7 @@
 #include "platform/posix/PosixMessagePump.hpp"
 #include "platform/posix/PosixServices.hpp"
 #include "tests/TemporaryFolder.hpp"
+#include "tests/Words.hpp"
 
 namespace vantor {
 namespace {
@@ -212,42 +213,18 @@ TEST_F(PosixPort, InputIsCountedAndReadHoweverShortlyAfterTheLastCount) {
     }
 }
 
-/// A system with an on-board port, an FTDI adapter and an adapter without a serial number.
+/// The files of posix/system.txt: "PATH TEXT", or "PATH -> TARGET" for a link.
 class PosixPortList : public InFolder {
 protected:
     PosixPortList() {
-        Terminal("ttyS0", "platform/serial0");
-        Terminal("ttyS1", "platform/serial1");
-        Put("sys/class/tty/ttyS0/type", "4\n");
-        Put("sys/class/tty/ttyS1/type", "0\n");
-        Terminal("ttyUSB0", "1-1/1-1:1.0/ttyUSB0");
-        Put("sys/devices/1-1/1-1:1.0/ttyUSB0/latency_timer", "16\n");
-        Usb("1-1", "0403", "6001", "FTDI", "FT232R");
-        Put("sys/devices/1-1/serial", "A50285BI\n");
-        Terminal("ttyACM0", "1-2/1-2:1.0");
-        Usb("1-2", "2341", "0043", "Acme", "Acme Modem");
-        fs::create_directories(folder / "dev/serial/by-id");
-        fs::create_symlink("../../ttyUSB0", folder / "dev/serial/by-id/usb-FTDI_A50285BI-if00");
-    }
-
-    /// The terminal `name`, whose device is the folder `device`.
-    void Terminal(const std::string& name, const std::string& device) const {
-        Put("dev/" + name, "");
-        fs::create_directories(folder / ("sys/devices/" + device));
-        fs::create_directories(folder / "sys/drivers/some_driver");
-        fs::create_directories(folder / ("sys/class/tty/" + name));
-        fs::create_symlink(folder / ("sys/devices/" + device),
-                           folder / ("sys/class/tty/" + name + "/device"));
-        fs::create_symlink(folder / "sys/drivers/some_driver",
-                           folder / ("sys/devices/" + device + "/driver"));
-    }
-    void Usb(const std::string& device, const char* vendor, const char* product, const char* maker,
-             const char* description) const {
-        const std::string at = "sys/devices/" + device;
-        Put(at + "/idVendor", vendor);
-        Put(at + "/idProduct", product);
-        Put(at + "/manufacturer", maker);
-        Put(at + "/product", description);
+        const auto system = ScriptsIn(TESTS "/posix/system.txt");
+        for (const std::string& line : system.at("")) {
+            const Words words = WordsOf(line);
+            if (words.size() == 2) Put(words[0], words[1]);
+            if (words.size() == 2) continue;
+            fs::create_directories(fs::path(folder / words.at(0)).parent_path());
+            fs::create_symlink(words.at(2), folder / words[0]);
+        }
     }
 };
 

@@ -54,16 +54,8 @@ private:
     }
     static const std::map<std::string, Verb>& Verbs();
 
-    /// "40" stands for 40 data records and an end record, "9*TEXT" for a repetition.
     void WriteImage(const Words& parts) const {
-        std::ofstream file(mImage, std::ios::binary);
-        for (const std::string& part : parts) {
-            std::size_t end = 0;
-            const int count = isdigit(part[0]) != 0 ? std::stoi(part, &end) : 1;
-            if (end == part.size()) file << ImageOf(static_cast<unsigned>(count));
-            if (end == part.size()) continue;
-            for (int i = 0; i < count; ++i) file << part.substr(end == 0 ? 0 : end + 1);
-        }
+        std::ofstream(mImage, std::ios::binary) << ImageFrom(parts);
     }
 
     void StartIndicator(const Words& options) {
@@ -185,15 +177,7 @@ const std::map<std::string, Session::Verb>& Session::Verbs() {
 
 int main(int argc, char** argv) {
     testing::InitGoogleMock(&argc, argv);
-    std::map<std::string, vantor::Words> scripts;
-    std::ifstream file(SESSIONS);
-    std::string name;
-    for (std::string line; std::getline(file, line);) {
-        if (line.starts_with("== "))
-            name = line.substr(3);
-        else if (!line.empty() && !line.starts_with('#'))
-            scripts[name].push_back(line);
-    }
+    const auto scripts = vantor::ScriptsIn(SESSIONS);
     for (const auto& [title, lines] : scripts)
         testing::RegisterTest(
             "TsFlash", title.c_str(), nullptr, nullptr, __FILE__, __LINE__,

@@ -355,39 +355,24 @@ struct RecordedFiles : Recorded<Files, HeadlessFiles&> {
 }  // namespace
 
 struct Recorder::Wrappers {
-    explicit Wrappers(Recorder& recorder)
-        : peers(recorder, recorder.mHeadless.peers),
-          boxes(recorder, recorder.mHeadless.boxes),
-          dialogs(recorder, recorder.mHeadless.dialogs),
-          ports(recorder, recorder.mHeadless.ports),
-          pump(recorder, recorder.mHeadless.pump),
-          shell(recorder, recorder.mHeadless.shell),
-          files(recorder, recorder.mHeadless.files),
-          platform{.clipboard = recorder.mHeadless.clipboard,
-                   .clock = recorder.mHeadless.clock,
-                   .codePage = recorder.mHeadless.codePage,
-                   .dialogs = dialogs,
-                   .files = files,
-                   .versions = recorder.mHeadless.versions,
-                   .folders = recorder.mHeadless.folders,
-                   .boxes = boxes,
-                   .pump = pump,
-                   .peers = peers,
-                   .pictures = recorder.mHeadless.pictures,
-                   .process = recorder.mHeadless.process,
-                   .registry = recorder.mHeadless.registry,
-                   .ports = ports,
-                   .shell = shell,
-                   .strings = recorder.mHeadless.strings} {}
+    explicit Wrappers(Recorder& recorder) : mRecorder(recorder) {}
 
-    RecordedPeers peers;
-    RecordedBoxes boxes;
-    RecordedDialogs dialogs;
-    RecordedPorts ports;
-    RecordedPump pump;
-    RecordedShell shell;
-    RecordedFiles files;
-    Platform platform;
+    Recorder& mRecorder;
+    HeadlessPlatform& headless = mRecorder.mHeadless;
+    RecordedPeers peers{mRecorder, headless.peers};
+    RecordedBoxes boxes{mRecorder, headless.boxes};
+    RecordedDialogs dialogs{mRecorder, headless.dialogs};
+    RecordedPorts ports{mRecorder, headless.ports};
+    RecordedPump pump{mRecorder, headless.pump};
+    RecordedShell shell{mRecorder, headless.shell};
+    RecordedFiles files{mRecorder, headless.files};
+    Platform platform = headless.With({.boxes = &boxes,
+                                       .dialogs = &dialogs,
+                                       .files = &files,
+                                       .pump = &pump,
+                                       .peers = &peers,
+                                       .ports = &ports,
+                                       .shell = &shell});
     WindowManager manager{peers, pump};
 };
 

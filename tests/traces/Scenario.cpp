@@ -1,7 +1,6 @@
 #include "tests/traces/Scenario.hpp"
 
 #include <algorithm>
-#include <array>
 #include <functional>
 #include <list>
 #include <map>
@@ -12,12 +11,14 @@
 #include <utility>
 #include <vector>
 
+#include "app/base/modSupport.hpp"
 #include "app/frmMain.hpp"
 #include "app/modStartup.hpp"
 #include "controls/TreeView.hpp"
 #include "monitor/frmMonitor.hpp"
 #include "simulator/VirtualIndicator.hpp"
 #include "tests/Words.hpp"
+#include "tests/faults/FaultySession.hpp"
 #include "tests/faults/Images.hpp"
 #include "tests/faults/ReportingPlatform.hpp"
 #include "tests/traces/Recorder.hpp"
@@ -50,12 +51,6 @@ struct Waiting {
     Words action;
     std::string line;
 };
-
-// In the order of FlashOutcome.
-constexpr std::array<const char*, 12> kOutcomes = {
-    "none",          "declined",  "port not open",    "not in boot monitor", "load refused",
-    "line refused",  "aborted",   "nothing accepted", "awaiting verdict",    "done",
-    "verify failed", "no verdict"};
 
 class Scenario {
 public:
@@ -220,8 +215,7 @@ private:
         const std::shared_ptr<frmMain> main = Main();
         if (const auto outcome = main ? main->Session().Outcome() : FlashOutcome::None;
             outcome != FlashOutcome::None)
-            mRecorder->Note("outcome " +
-                            std::string(kOutcomes.at(static_cast<std::size_t>(outcome))));
+            mRecorder->Note("outcome " + OutcomeName(outcome));
         std::string open;
         for (const std::string& name : Headless().peers.open) open += " " + name;
         mRecorder->Note("open windows:" + (open.empty() ? " none" : open));
@@ -253,13 +247,14 @@ const std::map<std::string, Scenario::Verb>& Scenario::Verbs() {
         {"fault", [](S& s, W& w) { s.mOptions.faults.push_back(ParseFault(w.at(1))); }},
         {"speed", [](S& s, W& w) { s.mOptions.bitsPerSecond = Number(w.at(1)); }},
         {"writes", [](S& s, W& w) { s.mOptions.writeFlash = Micros{Number(w.at(1))} * 1000; }},
-        {"image",
-         [](S& s, W& w) {
-             const bool number = w.at(1).find_first_not_of("0123456789") == std::string::npos;
-             s.MakeIndicator(number && !w[1].empty() ? ImageOf(Number(w[1])) : w[1]);
-         }},
+        {"image", [](S& s, W& w) { s.MakeIndicator(ImageFrom({w.at(1)})); }},
         {"verdict",  // the bytes that the indicator sends instead of DONE
          [](S& s, W& w) { s.mFarEnd->verdict = w.at(1); }},
+        {"version",  // of a program file: BLOCK, NAME of the text, TEXT
+         [](S& s, W& w) {
+             s.Headless().versions.resources[AppPath(s.Headless().process) + w.at(1)] = {
+                 0x0409, 0x04B0, {{"\\StringFileInfo\\" + w.at(2) + "\\" + w.at(3), w.at(4)}}};
+         }},
         {"hides", [](S& s, W& w) { s.Headless().files.SetHidden(w.at(1)); }},
         {"eager",  // lists: they report a selection while they are filled
          [](S& s, W&) {

@@ -13,43 +13,40 @@ namespace vantor {
 namespace {
 
 using S = CAppSettings;
-using Value = const std::string&;
-using Getter = std::pair<std::string, std::function<std::string(S&)>>;
+using V = const std::string&;
+struct Field {
+    std::string name;
+    std::string (*get)(S&);
+    void (*set)(S&, V);
+};
 
 // clang-format off
-const std::vector<Getter> kGetters = {
-    {"CommPort", [](S& s) { return s.CommPort(); }},
-    {"BaudRate", [](S& s) { return s.BaudRate(); }},
-    {"Parity", [](S& s) { return s.Parity(); }},
-    {"DataBits", [](S& s) { return s.DataBits(); }},
-    {"StopBits", [](S& s) { return s.StopBits(); }},
-    {"AutoUnZip", [](S& s) { return FromBool(s.AutoUnZip()); }},
-    {"PassiveFTP", [](S& s) { return FromBool(s.PassiveFTP()); }},
-    {"ProxyEnable", [](S& s) { return FromBool(s.ProxyEnable()); }},
-    {"ProxyType", [](S& s) { return std::to_string(s.ProxyType()); }},
-    {"ProxyHostname", [](S& s) { return s.ProxyHostname(); }},
-    {"ProxyPort", [](S& s) { return s.ProxyPort(); }},
-    {"ProxyUsername", [](S& s) { return s.ProxyUsername(); }},
-    {"ProxyPassword", [](S& s) { return s.ProxyPassword(); }}};
-const std::map<std::string, std::function<void(S&, Value)>> kSetters = {
-    {"CommPort", [](S& s, Value v) { s.CommPort(v); }},
-    {"BaudRate", [](S& s, Value v) { s.BaudRate(v); }},
-    {"Parity", [](S& s, Value v) { s.Parity(v); }},
-    {"DataBits", [](S& s, Value v) { s.DataBits(v); }},
-    {"StopBits", [](S& s, Value v) { s.StopBits(v); }},
-    {"AutoUnZip", [](S& s, Value v) { s.AutoUnZip(v == "True"); }},
-    {"PassiveFTP", [](S& s, Value v) { s.PassiveFTP(v == "True"); }},
-    {"ProxyEnable", [](S& s, Value v) { s.ProxyEnable(v == "True"); }},
-    {"ProxyType", [](S& s, Value v) { s.ProxyType(v.empty() ? 0 : std::stoi(v)); }},
-    {"ProxyHostname", [](S& s, Value v) { s.ProxyHostname(v); }},
-    {"ProxyPort", [](S& s, Value v) { s.ProxyPort(v); }},
-    {"ProxyUsername", [](S& s, Value v) { s.ProxyUsername(v); }},
-    {"ProxyPassword", [](S& s, Value v) { s.ProxyPassword(v); }}};
+const std::vector<Field> kFields = {
+    {"CommPort", [](S& s) { return s.CommPort(); }, [](S& s, V v) { s.CommPort(v); }},
+    {"BaudRate", [](S& s) { return s.BaudRate(); }, [](S& s, V v) { s.BaudRate(v); }},
+    {"Parity", [](S& s) { return s.Parity(); }, [](S& s, V v) { s.Parity(v); }},
+    {"DataBits", [](S& s) { return s.DataBits(); }, [](S& s, V v) { s.DataBits(v); }},
+    {"StopBits", [](S& s) { return s.StopBits(); }, [](S& s, V v) { s.StopBits(v); }},
+    {"AutoUnZip", [](S& s) { return FromBool(s.AutoUnZip()); },
+     [](S& s, V v) { s.AutoUnZip(v == "True"); }},
+    {"PassiveFTP", [](S& s) { return FromBool(s.PassiveFTP()); },
+     [](S& s, V v) { s.PassiveFTP(v == "True"); }},
+    {"ProxyEnable", [](S& s) { return FromBool(s.ProxyEnable()); },
+     [](S& s, V v) { s.ProxyEnable(v == "True"); }},
+    {"ProxyType", [](S& s) { return std::to_string(s.ProxyType()); },
+     [](S& s, V v) { s.ProxyType(v.empty() ? 0 : std::stoi(v)); }},
+    {"ProxyHostname", [](S& s) { return s.ProxyHostname(); },
+     [](S& s, V v) { s.ProxyHostname(v); }},
+    {"ProxyPort", [](S& s) { return s.ProxyPort(); }, [](S& s, V v) { s.ProxyPort(v); }},
+    {"ProxyUsername", [](S& s) { return s.ProxyUsername(); },
+     [](S& s, V v) { s.ProxyUsername(v); }},
+    {"ProxyPassword", [](S& s) { return s.ProxyPassword(); },
+     [](S& s, V v) { s.ProxyPassword(v); }}};
 // clang-format on
 
 std::string FieldsOf(S& settings) {
     std::string fields;
-    for (const auto& [name, get] : kGetters) fields += get(settings) + ",";
+    for (const Field& field : kFields) fields += field.get(settings) + ",";
     return fields;
 }
 
@@ -75,12 +72,13 @@ std::string Steps(const Words& steps) {
             if (name.starts_with("stored:"))
                 platform.registry.Import(
                     RegistryWith("Settings", '"' + name.substr(7) + "\"=\"" + value + "\"\n"));
-            else if (end < step.size())
-                kSetters.at(name)(settings, value);
             else if (verbs.contains(step))
                 result += verbs.at(step)();
+            else if (const Field& field = *std::ranges::find(kFields, name, &Field::name);
+                     end < step.size())
+                field.set(settings, value);
             else
-                result += std::ranges::find(kGetters, step, &Getter::first)->second(settings);
+                result += field.get(settings);
         });
         if (error.Number() == 0) continue;
         EXPECT_TRUE(error.Source().starts_with("Morvane.CAppSettings.")) << error.Source();

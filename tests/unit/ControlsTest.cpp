@@ -173,6 +173,8 @@ struct Line {
         platform.ports.Plug("COM3", wire);
         comm.name = "COM3";
         comm.settings = "9600,E,7,1";
+        port.name = "3";
+        port.settings = "250000,E,7,1";
         comm.Receive.Connect([this] { out += "<" + comm.Input() + "> "; });
     }
     ~Line() { comm.Close(); }
@@ -180,6 +182,7 @@ struct Line {
     ReportingPlatform platform;
     Wire wire;
     SerialControl comm{platform.ports, {}};
+    BufferedPort port{platform.ports};  // for what the control does not have
     std::string out;
 };
 using Argument = const std::string&;
@@ -214,6 +217,48 @@ const Verbs<Line> kVerbs = {
     {"threshold", [](Line& l, Argument n) { l.comm.ReceiveThreshold(std::stoul(n)); }},
     {"input", [](Line& l, Argument) { l.out += l.comm.Input() + "| "; }},
     {"clear", [](Line& l, Argument) { l.comm.ClearInput(); }},
+    {"why",  // the open failed
+     [](Line& l, Argument) {
+         const auto& error = l.comm.OpenError();
+         l.out += error ? Row(static_cast<int>(error->Why()), error->Device(), "") : "no error ";
+     }},
+    // The port alone.
+    {"port-open",  // with flow control 0, 1 or 2
+     [](Line& l, Argument flow) {
+         l.port.flowControl = static_cast<FlowControl>(std::stoi(flow));
+         l.port.Open({});
+         const LineSettings& line = l.wire.line;
+         l.out += Row(FormatLineSettings(line), static_cast<int>(line.flowControl), "");
+     }},
+    {"port-close", [](Line& l, Argument) { l.port.Close(); }},
+    {"port-is-open", [](Line& l, Argument) { l.out += Row(l.port.IsOpen(), ""); }},
+    {"port-output", [](Line& l, Argument text) { l.port.Output(text); }},
+    {"pending", [](Line& l, Argument) { l.out += Row(l.port.OutBufferCount(), ""); }},
+    {"flush", [](Line& l, Argument) { l.out += Row(l.port.FlushPending(), ""); }},
+    {"drop-lines", [](Line& l, Argument) { l.port.DropPendingLines(); }},
+    {"drop", [](Line& l, Argument) { l.port.DropPending(); }},
+    {"dtr", [](Line& l, Argument on) { l.port.Dtr(on == "on"); }},
+    {"rts", [](Line& l, Argument on) { l.port.Rts(on == "on"); }},
+    {"break", [](Line& l, Argument on) { l.port.Break(on == "on"); }},
+    {"signals", [](Line& l, Argument) { l.out += std::exchange(l.wire.signals, {}) + "| "; }},
+    {"modem",  // of the device: "cts" and "ri" are asserted
+     [](Line& l, Argument lines) {
+         l.wire.modem = ModemLines{.cts = lines.starts_with("cts"), .ri = lines.ends_with("ri")};
+     }},
+    {"lines",
+     [](Line& l, Argument) {
+         const auto lines = l.port.Lines();
+         l.out += lines ? Row(lines->cts, lines->dsr, lines->dcd, lines->ri, "") : "none ";
+     }},
+    {"noise",
+     [](Line& l, Argument) {
+         l.wire.errors = {1, 2, 3};
+     }},
+    {"errors",
+     [](Line& l, Argument) {
+         const LineErrors errors = l.port.Errors();
+         l.out += Row(errors.framing, errors.parity, errors.overrun, "");
+     }},
 };
 
 TEST(SerialControl, DoesWhatTheTableSays) {

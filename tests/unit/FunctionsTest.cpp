@@ -8,6 +8,10 @@
 #include <stdexcept>
 
 #include "app/base/modSupport.hpp"
+#include "console/PortChoice.hpp"
+#include "console/SessionReport.hpp"
+#include "console/image/ImageCheck.hpp"
+#include "console/image/Sha256.hpp"
 #include "content/CImageInfo.hpp"
 #include "content/PictureFiles.hpp"
 #include "flash/FirmwareImage.hpp"
@@ -21,6 +25,7 @@
 #include "terminal/options/TimeStamp.hpp"
 #include "terminal/session/TypedBytes.hpp"
 #include "terminal/view/ReceivedBytes.hpp"
+#include "tests/faults/Images.hpp"
 #include "tests/unit/Table.hpp"
 
 namespace vantor {
@@ -107,6 +112,67 @@ std::string Kept(const Words& words) {
     return text;
 }
 
+/// The image of the words, as `ImageFrom` takes them; "@N" ends it at byte N, and "@N=TEXT" writes
+/// over it there.
+std::string ImageOfRow(const Words& words) {
+    std::string image;
+    for (std::size_t i = 1; i < words.size(); ++i) {
+        const std::string& word = words[i];
+        const std::size_t equals = word.find('=');
+        if (!word.starts_with('@'))
+            image += ImageFrom({word});
+        else if (equals == std::string::npos)
+            image.resize(std::stoul(word.substr(1)));
+        else
+            image.replace(std::stoul(word.substr(1)), word.size() - equals - 1,
+                          word.substr(equals + 1));
+    }
+    return image;
+}
+
+/// "code@line" of each finding.
+std::string Findings(const Words& words) {
+    std::string codes;
+    for (const ImageFinding& finding : CheckImage(ImageOfRow(words)).findings)
+        codes +=
+            std::string(codes.empty() ? "" : " ") + Row(finding.code) + "@" + Row(finding.line);
+    return codes;
+}
+
+std::string Measures(const Words& words) {
+    const ImageReport report = CheckImage(ImageOfRow(words));
+    return Row(report.lines, report.blankLines, report.longest, report.longestLine,
+               report.dataRecords, report.lastAddress);
+}
+
+std::string Digest(const std::string& message) {
+    Sha256 inPieces;
+    for (std::size_t at = 0; at < message.size(); at += 77)
+        inPieces.Add(std::string_view(message).substr(at, 77));
+    const std::string digest = inPieces.Finish();
+    return digest == Sha256Of(message) ? digest : "differs in pieces";
+}
+
+/// The port that a name, serial number or link names, of one on board and three adapters; the table
+/// of them all for no name.
+std::string ChosenOf(const Words& words) {
+    const auto adapter = [](const char* name, const char* device, const char* serial,
+                            const char* link) {
+        return SerialPortInfo{name, device, "USB Serial", "0403:6001", serial, {link}, 16};
+    };
+    const std::vector<SerialPortInfo> ports = {{"COM1", "/dev/ttyS0", "port"},
+                                               adapter("COM9", "/dev/ttyUSB0", "A50X", "usb-A"),
+                                               adapter("COM10", "/dev/ttyUSB1", "Q7", "usb-Q-if0"),
+                                               adapter("COM11", "/dev/ttyUSB2", "Q7", "usb-Q-if1")};
+    const CompiledStrings strings(Language::English);
+    if (words.size() == 1) return PortTable(ports, strings);
+    try {
+        return ChosenPort(ports, words[1], strings).value_or("none");
+    } catch (const RuntimeError& error) {
+        return error.Description();
+    }
+}
+
 // clang-format off
 const std::map<std::string, std::function<std::string(const Words&)>> kFunctions = {
     {"LeadingNumber", [](const Words& w) { return Row(LeadingNumber(w.at(1))); }},
@@ -145,6 +211,14 @@ const std::map<std::string, std::function<std::string(const Words&)>> kFunctions
     {"Description", [](const Words& w) { return StandardDescription(Whole(w.at(1))); }},
     {"Picture", PictureHeader},
     {"Pictures", Pictures},
+    {"Findings", Findings},
+    {"Measures", Measures},
+    {"Sha256", [](const Words& w) { return Digest(ImageFrom({w.at(1)})); }},
+    {"Port", ChosenOf},
+    {"Worse", [](const Words& w) {
+        const auto a = static_cast<ExitStatus>(Whole(w.at(1)));
+        const auto b = static_cast<ExitStatus>(Whole(w.at(2)));
+        return Row(static_cast<int>(Worse(a, b)), static_cast<int>(Worse(b, a))); }},
     {"Fault", [](const Words& w) { return FaultOf(w.at(1)); }},
     {"Typed", Typed},
     {"Bytes", [](const Words& w) {

@@ -4,16 +4,13 @@
 
 #include <gtest/gtest.h>
 
-#include <fstream>
-#include <sstream>
-#include <tuple>
+#include <string>
 #include <utility>
 
 #include "console/TsFlash.hpp"
 #include "platform/headless/HeadlessPlatform.hpp"
 #include "simulator/LatencyTimer.hpp"
 #include "support/LineSettings.hpp"
-#include "tests/TemporaryFolder.hpp"
 #include "tests/faults/Images.hpp"
 #include "tests/unit/Table.hpp"
 
@@ -75,10 +72,16 @@ struct Adapter : IndicatorFarEnd {
     LatencyTimer timer;
 };
 
+struct Flashed {
+    ExitStatus status;
+    std::string errors;  // standard error and requests to the system
+    std::uint32_t tookMs;
+    std::string transcript;  // the file "log.txt"
+};
+
 /// Runs tsflash on virtual time with `arguments` for the image "m40.run" behind COM1, an adapter of
-/// `latency` and an indicator with `fault`. Returns its exit status, its standard error and
-/// requests to the system, and its duration.
-std::tuple<ExitStatus, std::string, std::uint32_t> Flash(
+/// `latency` and an indicator with `fault`.
+Flashed Flash(
     Micros latency, const std::string& fault, std::vector<std::string> arguments,
     std::unique_ptr<StringTable> strings = std::make_unique<CompiledStrings>(Language::English)) {
     IndicatorOptions options;
@@ -100,6 +103,7 @@ std::tuple<ExitStatus, std::string, std::uint32_t> Flash(
     native.ports = std::move(ports);
     auto files = std::make_unique<HeadlessFiles>();
     files->Add("m40.run", ImageOf(40));
+    files->Add("log.txt", "");
     native.files = std::move(files);
     native.folders = std::make_unique<HeadlessFolders>();
     native.registry = std::make_unique<RegistryHive>();
@@ -110,7 +114,8 @@ std::tuple<ExitStatus, std::string, std::uint32_t> Flash(
     native.console = std::move(console);
     const std::uint32_t start = native.clock->Milliseconds();
     const ExitStatus status = RunTsFlash(native);
-    return {status, shown.errors, native.clock->Milliseconds() - start};
+    return {status, shown.errors, native.clock->Milliseconds() - start,
+            native.files->ReadAll("log.txt")};
 }
 
 TEST(TsFlash, AnErrorInMidStreamIsToldByTheErrorHandlerAndIsNoneOfUsage) {
@@ -121,7 +126,7 @@ TEST(TsFlash, AnErrorInMidStreamIsToldByTheErrorHandlerAndIsNoneOfUsage) {
             return CompiledStrings::LoadResString(id);
         }
     };
-    const auto [status, errors, tookMs] =
+    const auto [status, errors, tookMs, transcript] =
         Flash(0, "nak@7x3", {"--yes", "m40.run"}, std::make_unique<WithoutLine>(Language::English));
     EXPECT_EQ(status, ExitStatus::UpdateFailure);
     EXPECT_EQ(errors,
@@ -132,14 +137,10 @@ TEST(TsFlash, AnErrorInMidStreamIsToldByTheErrorHandlerAndIsNoneOfUsage) {
 
 TEST(TsFlash, ATranscriptEndsWithASummaryHoweverTheSessionEnds) {
     ExpectTable("transcripts", [](const Words& words) {
-        const TemporaryFolder folder;
-        Words arguments = {"--yes", "--log", folder / "log.txt", "m40.run"};
+        Words arguments = {"--yes", "--log", "log.txt", "m40.run"};
         arguments.insert(arguments.end(), words.begin() + 2, words.end());
-        const auto [status, errors, tookMs] =
+        const auto [status, errors, tookMs, text] =
             Flash(std::stoi(words.at(0)) * 1000, words.at(1), arguments);
-        std::stringstream log;
-        log << std::ifstream(folder / "log.txt").rdbuf();
-        const std::string text = log.str();
         const std::size_t hint = errors.find("The replies arrive ");
         return Row(static_cast<int>(status), tookMs) + "\n" +
                (hint == std::string::npos ? "" : errors.substr(hint, 24) + "\n") +

@@ -1,8 +1,6 @@
 // Tests the texts that other programs read: JSON, CSV and times.
 #include <gmock/gmock.h>
 
-#include <tuple>
-
 #include "console/Json.hpp"
 #include "console/SessionReport.hpp"
 
@@ -26,17 +24,6 @@ TEST(Json, EveryTextIsWrittenInAsciiEscapesOrUtf8AndReadsBack) {
     EXPECT_EQ(JsonMembers(line), members);
     for (std::size_t cut = 0; cut + 2 < line.size(); ++cut)
         EXPECT_FALSE(JsonMembers(line.substr(0, cut))) << cut;
-}
-
-TEST(ExitStatus, OfSeveralPortsIsTheWorst) {
-    const std::tuple<int, int, int> rows[] = {{0, 0, 0}, {0, 2, 2}, {2, 3, 3}, {3, 4, 4},
-                                              {4, 6, 6}, {6, 1, 1}, {1, 5, 5}, {0, 5, 5}};
-    for (const auto& [better, worse, worst] : rows) {
-        const auto a = static_cast<ExitStatus>(better);
-        const auto b = static_cast<ExitStatus>(worse);
-        EXPECT_EQ(static_cast<int>(Worse(a, b)), worst);
-        EXPECT_EQ(static_cast<int>(Worse(b, a)), worst);
-    }
 }
 
 TEST(SessionReport, ARecordQuotesWhatTheSeparatorsWouldDivide) {

@@ -102,18 +102,18 @@ Platform HeadlessPlatform::With(const Replacements& replacements) {
     return {.clipboard = clipboard,
             .clock = oneOf(replacements.clock, clock),
             .codePage = codePage,
-            .dialogs = dialogs,
+            .dialogs = oneOf(replacements.dialogs, dialogs),
             .files = oneOf(replacements.files, files),
             .versions = versions,
             .folders = folders,
-            .boxes = boxes,
+            .boxes = oneOf(replacements.boxes, boxes),
             .pump = oneOf(replacements.pump, pump),
             .peers = oneOf(replacements.peers, peers),
             .pictures = oneOf(replacements.pictures, pictures),
             .process = process,
             .registry = registry,
             .ports = oneOf(replacements.ports, ports),
-            .shell = shell,
+            .shell = oneOf(replacements.shell, shell),
             .strings = strings};
 }
 

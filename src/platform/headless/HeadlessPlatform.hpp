@@ -230,12 +230,15 @@ private:
 
 /// Services that replace headless ones; those that are null do not.
 struct Replacements {
+    MessageBoxes* boxes = nullptr;
     Clock* clock = nullptr;
+    CommonDialogs* dialogs = nullptr;
     Files* files = nullptr;
     MessagePump* pump = nullptr;
     Peers* peers = nullptr;
     Pictures* pictures = nullptr;
     SerialPorts* ports = nullptr;
+    Shell* shell = nullptr;
 };
 
 struct HeadlessPlatform {

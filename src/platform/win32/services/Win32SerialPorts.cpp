@@ -17,7 +17,7 @@ namespace {
 constexpr unsigned kLastComNumber = 32;
 
 std::wstring ComName(unsigned number) {
-    return L"COM" + std::to_wstring(number);
+    return ToWide("COM" + std::to_string(number));
 }
 
 /// The number of "com7"; 0 when it is not a port name.

@@ -136,7 +136,7 @@ void PaintTerminalSize(const Win32TerminalWindow& window, HDC target) {
     constexpr float kPoints = 9;
     const TerminalScreen& screen = window.control.Screen();
     const std::wstring text =
-        std::to_wstring(screen.Columns()) + L" x " + std::to_wstring(screen.Rows());
+        ToWide(std::to_string(screen.Columns()) + " x " + std::to_string(screen.Rows()));
     const Win32Selected selected(target, window.context.Font(kPoints, false));
     SIZE size{};
     GetTextExtentPoint32W(target, text.c_str(), static_cast<int>(text.size()), &size);

@@ -1,10 +1,8 @@
-// Requests to the shell, the start, and the file versions read for the report of installed
-// versions.
+// Requests to the shell, and the start.
 #include <gtest/gtest.h>
 
 #include <optional>
 
-#include "app/base/modSupport.hpp"
 #include "app/frmMain.hpp"
 #include "app/modStartup.hpp"
 #include "dialogs/CShellExecute.hpp"
@@ -12,8 +10,6 @@
 
 namespace vantor {
 namespace {
-
-using namespace std::string_literals;
 
 struct Subject {
     ReportingPlatform platform;
@@ -61,25 +57,6 @@ TEST(Startup, TheFilterForUnhandledErrorsIsInstalledOnce) {
         startup.MainWindow()->Unload();
     }
     EXPECT_EQ(filters, 1);
-}
-
-TEST(Versions, TheReportTellsOnlyTheFileVersionInTheLanguageThatIsNamed) {
-    ReportingPlatform platform(Language::Spanish);
-    const auto install = [&](const std::string& program, const std::string& language,
-                             const std::string& name, const std::string& text) {
-        platform.versions.resources[AppPath(platform.process) + program] = {
-            0x0409, 0x04B0, {{"\\StringFileInfo\\" + language + "\\" + name, text}}};
-    };
-    install("caldor.exe", "040904B0", "FileVersion", " 3.1 \0x"s);
-    install("caldoredit.exe", "0C0A04E4", "FileVersion", " 3.1 \0x"s);
-    install("pellin.exe", "040904B0", "ProductVersion", "9");
-    const auto window = std::make_shared<frmMain>(platform.manager, platform.platform);
-    window->Load();
-    window->mnuToolsCurrentVersions.Press();
-    EXPECT_EQ(Told(platform),
-              Texts{"i|Installed Software Version Information|Caldor Version: 3.1\r\n"
-                    "Caldor Editor Version: Unknown\r\nPellin Version: Unknown\r\n"
-                    "Web Update Version: Unknown\r\n"});
 }
 
 }  // namespace

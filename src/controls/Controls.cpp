@@ -64,7 +64,7 @@ void Remember(ComboBox& combo, std::vector<std::string>& history) {
     history.insert(history.begin(), text);
     if (history.size() > kMost) history.resize(kMost);
     combo.Items(history);
-    combo.Text(text);
+    combo.ListIndex(0);  // selects the text, so that typing replaces it
 }
 
 int FindStringComboBox(const ComboBox& combo, const std::string& text) {

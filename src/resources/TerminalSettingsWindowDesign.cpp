@@ -16,12 +16,12 @@ constexpr float kGroup = 5340;  // distance of the two groups
 
 constexpr Place LabelAt(int group, int row) {
     return {180 + kGroup * static_cast<float>(group),
-            kFirstRow + 45 + kRow * static_cast<float>(row), 3000, 255};
+            kFirstRow + 45 + kRow * static_cast<float>(row), 2700, 255};
 }
 
 constexpr Place ListAt(int group, int row) {
-    return {3240 + kGroup * static_cast<float>(group), kFirstRow + kRow * static_cast<float>(row),
-            1950, 345};
+    return {2940 + kGroup * static_cast<float>(group), kFirstRow + kRow * static_cast<float>(row),
+            2250, 345};
 }
 
 constexpr Place ButtonAt(int column) {

@@ -118,11 +118,12 @@ void Flood(const Shown& shown) {
         RegSetKeyValueW(HKEY_CURRENT_USER, (Workbench::ProgramKey() + L"\\Terminal").c_str(),
                         shown.option, REG_SZ, shown.value.c_str(),
                         static_cast<DWORD>((shown.value.size() + 1) * sizeof(wchar_t)));
+    const std::filesystem::path capture(FileOfRun("capture.txt"));
+    std::filesystem::remove(capture);
     const Window monitor = table.OpenMonitor();
     monitor.Choose("mnuCaptureStart");
     table.app->ChooseFile(FileOfRun("capture.txt"));
     table.OpenPort(monitor);
-    const std::filesystem::path capture(FileOfRun("capture.txt"));
     const auto start = SteadyClock::now();
     Key(VK_RETURN);
     Await("the first bytes", [&] { return std::filesystem::file_size(capture) > 0; });

@@ -7,17 +7,26 @@
 #include "tests/driver/App.hpp"
 #include "tests/driver/Steps.hpp"
 
+namespace {
+
+/// Returns whether `part` succeeded; its error is printed.
+bool Done(const auto& part) {
+    try {
+        part();
+        return true;
+    } catch (const std::exception& error) {
+        std::cerr << "A part of the pictures is missing: " << error.what() << std::endl;
+        return false;
+    }
+}
+
+}  // namespace
+
 int main() {
     using namespace vantor;
-    driver::EnterDesktop();
+    if (!Done([] { driver::EnterDesktop(); })) return 1;
     int status = 0;
-    for (const auto& [name, lines] : ScriptsIn(STEPS)) {
-        try {
-            driver::RunSteps(name, lines);
-        } catch (const std::exception& error) {
-            std::cerr << "A part of the pictures is missing: " << error.what() << std::endl;
-            status = 1;
-        }
-    }
+    for (const auto& [name, lines] : ScriptsIn(STEPS))
+        if (!Done([&] { driver::RunSteps(name, lines); })) status = 1;
     return status;
 }

@@ -6,9 +6,15 @@ root=$(cd "$(dirname "$0")/../.." && pwd)
 . "$root/tests/driver/drive.sh"
 
 status=0
+take_language() {
+    DRIVE_LANGUAGE=$1 drive "$2" screens.exe || {
+        status=$?
+        tail -n 20 "$folder/wine.log" >&2
+    }
+}
 take_screens() {
-    DRIVE_LANGUAGE=en drive C.UTF-8 screens.exe || status=1
-    DRIVE_LANGUAGE=es drive es_ES.UTF-8 screens.exe || status=1
+    take_language en C.UTF-8
+    take_language es es_ES.UTF-8
 }
 use_desktop 1024x768
 take_screens

@@ -106,6 +106,13 @@ class Copy:
             path.write_text(original)
 
 
+def key_of(file, lines, number, text):
+    """How equivalent.txt names a fault: with its function, since a line may occur in several."""
+    heads = (re.search(r"(\w+)\(", line) for line in reversed(lines[:number]) if line[:1].isalpha())
+    head = next(filter(None, heads), None)
+    return f"{file} {head.group(1) if head else '-'}: {lines[number].strip()} => {text.strip()}"
+
+
 def all_faults(root, folders):
     faults = []
     for folder in folders:
@@ -139,7 +146,7 @@ def main():
                 return
             file, number, text = fault
             lines = original.setdefault(file, (copies[0].source / file).read_text().split("\n"))
-            if f"{file}: {lines[number].strip()} => {text.strip()}" in equivalent:
+            if key_of(file, lines, number, text) in equivalent:
                 continue
             noticed = copy.judge(fault)
             if noticed is None:

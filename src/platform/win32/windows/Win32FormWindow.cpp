@@ -411,10 +411,9 @@ private:
     }
 
     void OnSmallest(MINMAXINFO& limits) const {
-        const Size& smallest = mForm->Design().smallest;
-        if (smallest.width > 0)
-            limits.ptMinTrackSize = {mContext.ToPixels(smallest.width),
-                                     mContext.ToPixels(smallest.height)};
+        const auto [width, height] = mForm->Design().smallest;
+        if (width > 0)
+            limits.ptMinTrackSize = {mContext.ToPixels(width), mContext.ToPixels(height)};
     }
 
     Win32ChildControl* Find(const Control& control) const {

@@ -71,7 +71,7 @@ class Copy:
                                  stdout=subprocess.PIPE).stdout
         subprocess.run(["tar", "-x", "-C", self.source, "-m"], input=archive, check=True)
         subprocess.run(["cmake", "-S", self.source, "-B", self.build, "-G", "Ninja",
-                        "-DCMAKE_BUILD_TYPE=", "-DCMAKE_CXX_FLAGS=-O1 -w"],
+                        "-DCMAKE_BUILD_TYPE=", "-DCMAKE_CXX_FLAGS=-O1 -w -D_GLIBCXX_ASSERTIONS"],
                        check=True, stdout=subprocess.DEVNULL)
         if not self.compile():
             sys.exit("The sources do not build.")

@@ -148,14 +148,15 @@ void TerminalControl::Options(const TerminalOptions& options) {
     mSession.Options(options);
     if (options.flowControl != before.flowControl) Port().flowControl = options.flowControl;
     if (options.encoding != before.encoding) UseEncoding();
-    Repaint(mViewport.Choose(options) || options != before);
+    mViewport.Choose(options);
+    Repaint(options != before);
 }
 
 void TerminalControl::UseEncoding() {
     mEncoding = {mOptions.encoding, mPlatform.codePage};
     mParser.Encoding(mEncoding);
     mEcho.Encoding(mEncoding);
-    Repaint(mViewport.Decode(ByteDecoder(mEncoding)));
+    mViewport.Decode(ByteDecoder(mEncoding));
 }
 
 // --- commands --------------------------------------------------------------------------------

@@ -37,10 +37,10 @@ void TerminalViewport::Size(int columns, int rows) {
     if (mFirst) ScrollTo(LineOf(place));
 }
 
-bool TerminalViewport::Choose(const TerminalOptions& options) {
+void TerminalViewport::Choose(const TerminalOptions& options) {
     if (options.view == mMode && options.controlNotation == mNotation &&
         options.timeStamps == mStamps)
-        return false;
+        return;
     const std::int64_t place = OffsetOf(FirstShownLine());
     const bool staysText = options.view == ViewMode::Text && mMode == ViewMode::Text;
     mMode = options.view;
@@ -50,17 +50,15 @@ bool TerminalViewport::Choose(const TerminalOptions& options) {
     mScreen.Resize(std::max(mColumns - mGutter, 1), mScreen.Rows());
     Layout();
     if (mFirst && !staysText) ScrollTo(LineOf(place));
-    return true;
 }
 
-bool TerminalViewport::Decode(const ByteDecoder& decoder) {
-    if (decoder.SameAs(mDecoder)) return false;
+void TerminalViewport::Decode(const ByteDecoder& decoder) {
+    if (decoder.SameAs(mDecoder)) return;
     const std::int64_t place = OffsetOf(FirstShownLine());
     mDecoder = decoder;
-    if (mMode == ViewMode::Text) return false;
+    if (mMode == ViewMode::Text) return;
     Layout();
     if (mFirst) ScrollTo(LineOf(place));
-    return true;
 }
 
 /// Divides the bytes into lines for the mode; what is selected and found was in other lines.

@@ -67,10 +67,10 @@ public:
 
     /// Sets the view mode, the notation and the time stamps. A changed mode keeps the place
     /// roughly and ends the selection.
-    bool Choose(const TerminalOptions& options);
+    void Choose(const TerminalOptions& options);
     ViewMode Mode() const { return mMode; }
     /// Sets how received bytes are shown as characters.
-    bool Decode(const ByteDecoder& decoder);
+    void Decode(const ByteDecoder& decoder);
 
     // --- rows to paint -------------------------------------------------------------------------
 

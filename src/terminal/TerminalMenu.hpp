@@ -66,12 +66,12 @@ using TerminalCommands = std::bitset<256>;
 
 /// What the context menu shows.
 struct TerminalMenuState {
-    bool portOpen = false;
-    bool selected = false;    ///< text is selected
+    bool portOpen;
+    bool selected;            ///< text is selected
     TerminalCommands always;  ///< offered also while they have no effect
     TerminalOptions options{};
-    bool dtr = true;  ///< as the terminal set it last
-    bool rts = true;
+    bool dtr;  ///< as the terminal set it last
+    bool rts;
     std::optional<ModemLines> lines{};  ///< empty when the port is closed or has none
     LineErrors errors{};
     std::string captureFile{};  ///< empty without a capture

@@ -198,7 +198,7 @@ struct Subject {
             if (!same && !screen.Dirty(row)) events["NOT REDRAWN"] += to_string(row);
             if (paints && screen.Dirty(row)) events["redrawn"] += to_string(row);
         }
-        if (screen.AnyDirty() && !std::exchange(told, false)) events["VIEW"] = "not told";
+        if (com.View().AnyDirty() && !std::exchange(told, false)) events["VIEW"] = "not told";
         if (shows) now["window"] = LookAtWindow();
         com.View().Clean();
     }
@@ -220,7 +220,8 @@ struct Subject {
             text += "\n        " + picture;
             if (cursor && cursor->row == row) picture += to_string(cursor->column);
             const bool same = picture == std::exchange(windowRows[row], picture);
-            if (!same && !view.Dirty(row) && !events.contains("repaint"))
+            const bool redrawn = view.AnyDirty() && view.Dirty(row);
+            if (!same && !redrawn && !events.contains("repaint"))
                 events["WINDOW NOT REDRAWN"] += to_string(row);
         }
         return text;

@@ -123,6 +123,7 @@ struct RecordedPeer : Recorded<FormPeer, std::unique_ptr<FormPeer>> {
     Size TerminalSize(const Control& control, int columns, int rows) const override {
         return mInner->TerminalSize(control, columns, rows);
     }
+    std::optional<Place> NormalPlace() const override { return mInner->NormalPlace(); }
     NativeWindow WindowHandle() const override { return mInner->WindowHandle(); }
 
     Form& mForm;

@@ -350,8 +350,11 @@ const std::map<std::string, Scenario::Verb>& Scenario::Verbs() {
         {"resizes",  // WINDOW WIDTH HEIGHT, or WINDOW minimised
          [](S& s, W& w) {
              Form& form = s.Window(w.at(1));
-             const Place& at = form.Place();
-             if (w.at(2) == "minimised") return form.Placed(at, WindowState::Minimised, {});
+             std::optional<Place>& normal = s.Headless().peers.normalPlace;
+             const Place at = normal.value_or(form.Place());
+             normal = at;
+             if (w.at(2) == "minimised")
+                 return form.Placed({-480'000, -480'000, 2400, 600}, WindowState::Minimised, {});
              const Size size{std::stof(w.at(2)), std::stof(w.at(3))};
              form.Placed({at.left, at.top, size.width, size.height}, WindowState::Normal, size);
          }},

@@ -41,6 +41,7 @@ public:
         return {kEdges.width + cell.width * static_cast<float>(columns),
                 kEdges.height + cell.height * static_cast<float>(rows)};
     }
+    std::optional<Place> NormalPlace() const override { return mPeers.normalPlace; }
     NativeWindow WindowHandle() const override { return mHandle; }
 
 private:

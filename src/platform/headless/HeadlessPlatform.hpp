@@ -130,9 +130,10 @@ public:
     std::vector<ThinLine> lines;  ///< drawn on forms
     std::string held;             ///< reason that blocks shutdown; empty when none does
     MousePointer pointer = MousePointer::Default;
-    std::vector<std::string> open;   ///< names of the forms that have a peer now
-    bool refuse = false;             ///< windows cannot be created
-    Size terminalCell = {120, 270};  ///< of a terminal's font
+    std::vector<std::string> open;     ///< names of the forms that have a peer now
+    bool refuse = false;               ///< windows cannot be created
+    Size terminalCell = {120, 270};    ///< of a terminal's font
+    std::optional<Place> normalPlace;  ///< of a minimised form
     /// Called on every change of a control's property.
     std::function<void(const Control&, Property)> onChange;
 

@@ -8,7 +8,7 @@ namespace {
 
 using State = TerminalParser::State;
 
-constexpr std::size_t kStates = static_cast<std::size_t>(State::OtherString) + 1;
+constexpr std::size_t kStates = static_cast<std::size_t>(State::String) + 1;
 // An unterminated string must not consume the rest of the session.
 constexpr std::size_t kLongestString = 4096;
 
@@ -25,9 +25,7 @@ enum class Kind : std::uint8_t {
     Prefix,
     Final,
     CsiStart,     ///< [
-    DcsStart,     ///< P
-    OscStart,     ///< ]
-    StringStart,  ///< X ^ _
+    StringStart,  ///< P ] X ^ _
     Delete,
     High,  ///< from 128 up
 };
@@ -74,9 +72,7 @@ constexpr Kind FinalKind(unsigned byte) {
         case '[':
             return Kind::CsiStart;
         case 'P':
-            return Kind::DcsStart;
         case ']':
-            return Kind::OscStart;
         case 'X':
         case '^':
         case '_':
@@ -96,10 +92,6 @@ constexpr Kind KindOf(unsigned byte) {
     return byte == 0x7F ? Kind::Delete : Kind::High;
 }
 
-constexpr bool IsString(State state) {
-    return state >= State::DcsEntry;
-}
-
 constexpr bool IsFinal(Kind kind) {
     return kind >= Kind::Final && kind <= Kind::StringStart;
 }
@@ -110,12 +102,8 @@ constexpr Step AfterEscape(Kind kind) {
             return {Action::Collect, State::EscapeIntermediate};
         case Kind::CsiStart:
             return {Action::Introduce, State::CsiEntry};
-        case Kind::DcsStart:
-            return {Action::Ignore, State::DcsEntry};
-        case Kind::OscStart:
-            return {Action::Ignore, State::OscString};
         case Kind::StringStart:
-            return {Action::Ignore, State::OtherString};
+            return {Action::Ignore, State::String};
         default:
             return {Action::Dispatch, State::Ground};
     }
@@ -134,22 +122,10 @@ constexpr Step InControlSequence(State state, Kind kind) {
     return {Action::Ignore, State::CsiIgnore};
 }
 
-/// No device control string is known, so that nothing of them is kept.
-constexpr Step InDeviceString(State state, Kind kind) {
-    const bool header =
-        state == State::DcsEntry || state == State::DcsParameter || state == State::DcsIntermediate;
-    if (!header) return {Action::Ignore, state};
-    if (IsFinal(kind)) return {Action::Ignore, State::DcsPassthrough};
-    if (kind == Kind::Intermediate) return {Action::Ignore, State::DcsIntermediate};
-    const bool expected =
-        state == State::DcsEntry || (state == State::DcsParameter && kind != Kind::Prefix);
-    return {Action::Ignore, expected ? State::DcsParameter : State::DcsIgnore};
-}
-
 constexpr Step StepFor(State state, Kind kind) {
     if (kind == Kind::Cancel) return {Action::Ignore, State::Ground};
     if (kind == Kind::Escape) return {Action::Start, State::Escape};
-    const bool isString = IsString(state);
+    const bool isString = state == State::String;
     switch (kind) {
         case Kind::Bell:
         case Kind::LineEnd:
@@ -171,7 +147,6 @@ constexpr Step StepFor(State state, Kind kind) {
     if (state == State::EscapeIntermediate) return {Action::Dispatch, State::Ground};
     if (state >= State::CsiEntry && state <= State::CsiIgnore)
         return InControlSequence(state, kind);
-    if (state >= State::DcsEntry && state <= State::DcsIgnore) return InDeviceString(state, kind);
     return {isString ? Action::Ignore : Action::Text, state};
 }
 
@@ -242,7 +217,7 @@ bool TerminalParser::Take(char byte) {
     }
     const Kind kind = kKindOfByte[static_cast<unsigned char>(byte)];
     const Step step = kSteps[static_cast<std::size_t>(mState)][static_cast<std::size_t>(kind)];
-    const bool stays = IsString(mState) && IsString(step.next);
+    const bool stays = mState == State::String && step.next == State::String;
     mStringLength = stays ? mStringLength + 1 : 0;
     mState = mStringLength > kLongestString ? State::Ground : step.next;
     switch (step.action) {

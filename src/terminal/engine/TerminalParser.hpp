@@ -45,13 +45,7 @@ public:
         CsiParameter,
         CsiIntermediate,
         CsiIgnore,
-        DcsEntry,
-        DcsParameter,
-        DcsIntermediate,
-        DcsPassthrough,
-        DcsIgnore,
-        OscString,
-        OtherString,  ///< start of string, privacy message, application program command
+        String,  ///< device control, operating system command and the like: ignored
     };
 
 private:

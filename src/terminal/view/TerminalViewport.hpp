@@ -32,9 +32,9 @@ struct ShownRow {
 
 /// A cell of the window, counted from its upper left corner; the mouse may be outside of it.
 struct MouseCell {
-    int row = 0;
-    int column = 0;
-    bool rightHalf = false;  ///< the mouse is in the right half of the cell
+    int row;
+    int column;
+    bool rightHalf;  ///< the mouse is in the right half of the cell
 };
 
 enum class ScrollStep : std::uint8_t { LineUp, LineDown, PageUp, PageDown, Start, End };

@@ -1,15 +1,9 @@
-// Windows, events, timers and the serial control without a screen.
+// Windows and events without a screen.
 #include <gtest/gtest.h>
 
-#include <optional>
 #include <stdexcept>
 
-#include "Wire.hpp"
-#include "app/base/modSupport.hpp"
 #include "controls/Controls.hpp"
-#include "flash/SerialControl.hpp"
-#include "support/LineSettings.hpp"
-#include "support/Timer.hpp"
 #include "tests/unit/Table.hpp"
 
 namespace vantor {
@@ -94,27 +88,6 @@ TEST_F(ControlsTest, AnEventIsNotRaisedWithinItsOwnHandler) {
     EXPECT_EQ(clicks, 4) << "a disabled button was pressed";
 }
 
-TEST_F(ControlsTest, ATimerTicksAtItsIntervalOnlyWhileEnabled) {
-    int ticks = 0;
-    std::optional<Timer> timer(std::in_place, mPlatform.pump, 10, [&ticks] { ++ticks; });
-    const auto ticksAfter = [this, &ticks](int pumps) {
-        for (int i = 0; i < pumps; ++i) mPlatform.pump.PumpPending();
-        return ticks;
-    };
-    EXPECT_EQ(ticksAfter(30), 0) << "it is made disabled";
-    timer->Enabled(true);
-    EXPECT_EQ(ticksAfter(9), 0);
-    timer->Enabled(true);
-    EXPECT_EQ(ticksAfter(1), 1) << "enabling it again must not start the interval anew";
-    EXPECT_EQ(ticksAfter(20), 3);
-    mPlatform.clock.Sleep(10);
-    timer->Enabled(false);
-    EXPECT_EQ(ticksAfter(30), 3) << "a tick that was due when it was disabled";
-    timer->Enabled(true);
-    timer.reset();
-    EXPECT_EQ(ticksAfter(20), 3) << "a tick of a timer that is no more";
-}
-
 TEST_F(ControlsTest, TheLastWindowEndsTheProgramAndNoOther) {
     const auto other = std::make_shared<Window>(mPlatform);
     mWindow->Load();
@@ -123,14 +96,6 @@ TEST_F(ControlsTest, TheLastWindowEndsTheProgramAndNoOther) {
     mPlatform.pump.StartTimer(50, [&other] { other->Unload(); });
     mPlatform.pump.Run();
     EXPECT_TRUE(other->Gone());
-}
-
-TEST_F(ControlsTest, EverySecondCallOfTheNicePumpPumpsAndItsErrorsAreIgnored) {
-    for (int round = 1; round <= 3; ++round) {
-        for (int i = 0; i < 10; ++i) DoEventsNice(mPlatform.pump);
-        EXPECT_EQ(mPlatform.pump.pumps, 5u * static_cast<unsigned>(round));
-        if (round == 2) mPlatform.pump.AddSource([] { throw RuntimeError(6); });
-    }
 }
 
 TEST_F(ControlsTest, ValuesOutOfRangeAreRefused) {
@@ -164,105 +129,6 @@ TEST_F(ControlsTest, ValuesOutOfRangeAreRefused) {
     EXPECT_EQ(form->picture.CurrentX, 0);
     form->picture.Cls();
     EXPECT_TRUE(form->picture.PrintedTexts().empty());
-}
-
-// --- the serial control ------------------------------------------------------------------------
-
-struct Line {
-    Line() {
-        platform.ports.Plug("COM3", wire);
-        comm.name = "COM3";
-        comm.settings = "9600,E,7,1";
-        port.name = "3";
-        port.settings = "250000,E,7,1";
-        comm.Receive.Connect([this] { out += "<" + comm.Input() + "> "; });
-    }
-    ~Line() { comm.Close(); }
-
-    ReportingPlatform platform;
-    Wire wire;
-    SerialControl comm{platform.ports, {}};
-    BufferedPort port{platform.ports};  // for what the control does not have
-    std::string out;
-};
-using Argument = const std::string&;
-
-const Verbs<Line> kVerbs = {
-    {"port", [](Line& l, Argument name) { l.comm.name = name; }},
-    {"settings", [](Line& l, Argument settings) { l.comm.settings = settings; }},
-    {"open",
-     [](Line& l, Argument) {
-         l.comm.Open();
-         l.out += l.comm.IsOpen() ? FormatLineSettings(l.wire.line) + " " : "not ";
-     }},
-    {"close", [](Line& l, Argument) { l.comm.Close(); }},
-    {"is-open",  // the control, the port "COM3"
-     [](Line& l, Argument) {
-         l.out += Row(l.comm.IsOpen(), l.platform.ports.IsOpen("COM3")) + " ";
-     }},
-    {"held", [](Line& l, Argument port) { l.platform.ports.Hold(port, true); }},
-    {"lost", [](Line& l, Argument) { l.wire.gone = true; }},
-    {"driver-takes", [](Line& l, Argument n) { l.platform.ports.LimitWrites(std::stoul(n)); }},
-    {"output", [](Line& l, Argument text) { l.comm.Output(text); }},
-    {"counts",
-     [](Line& l, Argument) {
-         l.out += Row(l.comm.InBufferCount(), "");
-         l.out += Row(l.comm.OutBufferCount(), "");
-     }},
-    {"received", [](Line& l, Argument) { l.out += std::exchange(l.wire.received, {}) + "| "; }},
-    {"arrives", [](Line& l, Argument text) { l.wire.sent = text; }},
-    {"arrive", [](Line& l, Argument n) { l.wire.sent = std::string(std::stoul(n), 'x'); }},
-    {"input-size", [](Line& l, Argument) { l.out += Row(l.comm.Input().size(), ""); }},
-    {"pump", [](Line& l, Argument) { l.platform.pump.PumpPending(); }},
-    {"threshold", [](Line& l, Argument n) { l.comm.ReceiveThreshold(std::stoul(n)); }},
-    {"input", [](Line& l, Argument) { l.out += l.comm.Input() + "| "; }},
-    {"clear", [](Line& l, Argument) { l.comm.ClearInput(); }},
-    {"why",  // the open failed
-     [](Line& l, Argument) {
-         const auto& error = l.comm.OpenError();
-         l.out += error ? Row(static_cast<int>(error->Why()), error->Device(), "") : "no error ";
-     }},
-    // The port alone.
-    {"port-open",  // with flow control 0, 1 or 2
-     [](Line& l, Argument flow) {
-         l.port.flowControl = static_cast<FlowControl>(std::stoi(flow));
-         l.port.Open({});
-         const LineSettings& line = l.wire.line;
-         l.out += Row(FormatLineSettings(line), static_cast<int>(line.flowControl), "");
-     }},
-    {"port-close", [](Line& l, Argument) { l.port.Close(); }},
-    {"port-is-open", [](Line& l, Argument) { l.out += Row(l.port.IsOpen(), ""); }},
-    {"port-output", [](Line& l, Argument text) { l.port.Output(text); }},
-    {"pending", [](Line& l, Argument) { l.out += Row(l.port.OutBufferCount(), ""); }},
-    {"flush", [](Line& l, Argument) { l.out += Row(l.port.FlushPending(), ""); }},
-    {"drop-lines", [](Line& l, Argument) { l.port.DropPendingLines(); }},
-    {"drop", [](Line& l, Argument) { l.port.DropPending(); }},
-    {"dtr", [](Line& l, Argument on) { l.port.Dtr(on == "on"); }},
-    {"rts", [](Line& l, Argument on) { l.port.Rts(on == "on"); }},
-    {"break", [](Line& l, Argument on) { l.port.Break(on == "on"); }},
-    {"signals", [](Line& l, Argument) { l.out += std::exchange(l.wire.signals, {}) + "| "; }},
-    {"modem",  // of the device: "cts" and "ri" are asserted
-     [](Line& l, Argument lines) {
-         l.wire.modem = ModemLines{.cts = lines.starts_with("cts"), .ri = lines.ends_with("ri")};
-     }},
-    {"lines",
-     [](Line& l, Argument) {
-         const auto lines = l.port.Lines();
-         l.out += lines ? Row(lines->cts, lines->dsr, lines->dcd, lines->ri, "") : "none ";
-     }},
-    {"noise",
-     [](Line& l, Argument) {
-         l.wire.errors = {1, 2, 3};
-     }},
-    {"errors",
-     [](Line& l, Argument) {
-         const LineErrors errors = l.port.Errors();
-         l.out += Row(errors.framing, errors.parity, errors.overrun, "");
-     }},
-};
-
-TEST(SerialControl, DoesWhatTheTableSays) {
-    ExpectTable("serial", [](const Words& steps) { return Perform(Line(), kVerbs, steps); });
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 #include "app/base/modSupport.hpp"
+#include "console/Json.hpp"
 #include "console/PortChoice.hpp"
 #include "console/SessionReport.hpp"
 #include "console/image/ImageCheck.hpp"
@@ -18,6 +19,7 @@
 #include "platform/headless/HeadlessPlatform.hpp"
 #include "simulator/Fault.hpp"
 #include "simulator/RunningMode.hpp"
+#include "simulator/UartPacing.hpp"
 #include "support/Conversions.hpp"
 #include "support/LineSettings.hpp"
 #include "support/text/Text.hpp"
@@ -68,9 +70,11 @@ std::string Pictures(const Words& words) {
 
 std::string LinesOf(const std::string& text) {
     std::string lines;
-    const ImageLines image(text);
+    ImageLines first(text);
+    const ImageLines image = std::move(first);
     for (std::size_t i = 0; i <= image.UBound(); ++i) lines += "[" + std::string(image[i]) + "]";
-    return lines;
+    const bool ends = Raised([&] { static_cast<void>(image[image.UBound() + 1]); }).Number() == 9;
+    return ends ? lines : "no end";
 }
 
 std::string FaultOf(const std::string& text) {
@@ -173,6 +177,56 @@ std::string ChosenOf(const Words& words) {
     }
 }
 
+/// An object with the text, and its members as they are read back. A part of it is no object.
+std::string Json(const std::string& text) {
+    const std::string line = JsonObject()
+                                 .Text("t", text)
+                                 .Number("n", -5)
+                                 .Seconds("s", 61007)
+                                 .TextOrNull("z", "")
+                                 .Flag("f", true)
+                                 .Line();
+    for (std::size_t cut = 0; cut + 2 < line.size(); ++cut)
+        if (JsonMembers(line.substr(0, cut))) return Row("read at", cut);
+    std::string result = line;
+    const auto members = JsonMembers(line).value();
+    for (const auto& [name, value] : members) result += "|" + name + "=" + value;
+    return result;
+}
+
+/// The record of an update with the image and the note.
+std::string Record(const Words& words) {
+    const SessionFacts facts{.start = IsoTime({2026, 1, 2, 3, 4, 5}, -210),
+                             .host = "bench",
+                             .user = "x",
+                             .port = "COM3",
+                             .adapter = {},
+                             .image = words.at(1),
+                             .note = words.at(2)};
+    SessionEnd end;
+    end.outcome = FlashOutcome::VerifyFailed;
+    end.counts.lines = 41;
+    end.counts.resends = 2;
+    end.ms = 9050;
+    ImageReport report;
+    report.sha256 = "00ff";
+    return RecordLine(facts, report, end);
+}
+
+/// When the last character of each run is complete: READY BITS SPEED COUNT, and so on.
+std::string Paced(const Words& words) {
+    UartPacing pacing;
+    std::string ends;
+    for (std::size_t i = 1; i < words.size(); i += 4) {
+        Nanos end = 0;
+        for (int count = Whole(words.at(i + 3)); count > 0; --count)
+            end = pacing.Next(std::stoll(words[i]), static_cast<std::uint32_t>(Whole(words[i + 1])),
+                              static_cast<std::uint32_t>(Whole(words[i + 2])));
+        ends += Row(end, "");
+    }
+    return ends;
+}
+
 // clang-format off
 const std::map<std::string, std::function<std::string(const Words&)>> kFunctions = {
     {"LeadingNumber", [](const Words& w) { return Row(LeadingNumber(w.at(1))); }},
@@ -208,6 +262,8 @@ const std::map<std::string, std::function<std::string(const Words&)>> kFunctions
         const Language language = LanguageOfLocale(w.at(1), w.at(2), w.at(3));
         return std::string(language == Language::Spanish ? "Spanish" : "English"); }},
     {"Lines", [](const Words& w) { return LinesOf(w.at(1)); }},
+    {"NoLines", [](const Words&) { return Row(ImageLines().UBound()); }},
+    {"DigestOfLines", [](const Words& w) { return Sha256Of(LinesOf(ImageFrom({w.at(1)}))); }},
     {"Description", [](const Words& w) { return StandardDescription(Whole(w.at(1))); }},
     {"Picture", PictureHeader},
     {"Pictures", Pictures},
@@ -226,6 +282,9 @@ const std::map<std::string, std::function<std::string(const Words&)>> kFunctions
         const TypedBytes typed = ParseBytes(w.at(3), static_cast<BytesForm>(Whole(w.at(1))), encoding);
         return typed.wrongAt ? Row("wrong at", *typed.wrongAt) : typed.bytes; }},
     {"Kept", Kept},
+    {"Paced", Paced},
+    {"Json", [](const Words& w) { return Json(w.at(1)); }},
+    {"Record", Record},
     {"Stamp", [](const Words& w) {
         const auto kind = static_cast<TimeStamps>(Whole(w.at(1)));
         return StampText(kind, std::stoll(w.at(2)), std::stoll(w.at(3))) + "|"; }},
@@ -234,20 +293,6 @@ const std::map<std::string, std::function<std::string(const Words&)>> kFunctions
 
 TEST(Functions, ReturnWhatTheTableSays) {
     ExpectTable("functions", [](const Words& words) { return kFunctions.at(words[0])(words); });
-}
-
-TEST(FirmwareImage, ALongImageLosesNoLineAndHasNoMore) {
-    constexpr std::size_t kCount = 25001;
-    std::string text;
-    for (std::size_t i = 0; i < kCount; ++i) text += "S2" + std::to_string(i) + "\r\n";
-    ImageLines first(std::move(text));
-    const ImageLines image = std::move(first);
-    ASSERT_EQ(image.UBound(), kCount - 1);
-    std::size_t wrong = 0;
-    for (std::size_t i = 0; i < kCount; ++i) wrong += image[i] != "S2" + std::to_string(i);
-    EXPECT_EQ(wrong, 0u);
-    EXPECT_THROW(static_cast<void>(image[kCount]), RuntimeError);
-    EXPECT_THROW(static_cast<void>(ImageLines().UBound()), RuntimeError);
 }
 
 }  // namespace

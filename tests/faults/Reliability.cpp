@@ -11,8 +11,8 @@ using namespace vantor;
 
 namespace {
 
-[[noreturn]] void Breach(const std::string& where, const std::string& violation) {
-    std::cerr << where << ":\n" << violation;
+[[noreturn]] void Breach(const std::string& violation) {
+    std::cerr << violation;
     std::exit(EXIT_FAILURE);
 }
 
@@ -26,14 +26,9 @@ void Matrix() {
     for (std::size_t i = 0; i < kStageNames.size(); ++i) std::cout << "---|";
     std::cout << '\n';
     for (const MatrixRow& row : MatrixRows()) {
-        std::cout << "| " << row.name << " |";
-        for (std::size_t stage = 0; stage < kStageNames.size(); ++stage) {
-            const Judgement judgement = RunSession(CellOf(row, stage, true));
-            if (!judgement.violation.empty())
-                Breach(row.name + ", " + kStageNames.at(stage), judgement.violation);
-            std::cout << ' ' << OutcomeName(judgement.outcome) << " |";
-        }
-        std::cout << '\n';
+        const auto [outcomes, violation] = RunRow(row, true);
+        if (!violation.empty()) Breach(violation);
+        std::cout << outcomes << '\n';
     }
 }
 
@@ -46,7 +41,7 @@ void Walk(std::uint64_t seed, std::uint64_t count) {
         const Plan plan = RandomPlan(seed, number);
         const Judgement judgement = RunSession(plan);
         if (!judgement.violation.empty())
-            Breach("seed " + std::to_string(seed) + ", session " + std::to_string(number),
+            Breach("seed " + std::to_string(seed) + ", session " + std::to_string(number) + ":\n" +
                    judgement.violation);
         ++tally[judgement.outcome];
         if (judgement.gone) ++closed;

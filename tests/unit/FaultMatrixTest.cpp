@@ -11,21 +11,16 @@
 namespace vantor {
 namespace {
 
-class FaultMatrixRows : public testing::TestWithParam<std::size_t> {};
-
-TEST_P(FaultMatrixRows, InAnyStageEndsAsTheBytesSayAndLeavesTheWindowReady) {
-    const MatrixRow& row = MatrixRows().at(GetParam());
-    const RowResult compared = RunRow(row, true);
-    EXPECT_EQ(compared.violation + RunRow(row, false).violation, "");
-    // As scripts/reliability wrote them. Detects a check that accepts everything, and a line that
-    // injects nothing.
-    EXPECT_NE(ContentOf(TABLES "/../../../docs/reliability.md").find(compared.outcomes + "\n"),
-              std::string::npos)
-        << compared.outcomes;
+TEST(FaultMatrix, AFaultInAnyStageEndsAsTheBytesSayAndLeavesTheWindowReady) {
+    const std::string report = ContentOf(TABLES "/../../../docs/reliability.md");
+    for (const MatrixRow& row : MatrixRows()) {
+        const RowResult compared = RunRow(row, true);
+        EXPECT_EQ(compared.violation + RunRow(row, false).violation, "");
+        // As scripts/reliability wrote them. Detects a check that accepts everything, and a line
+        // that injects nothing.
+        EXPECT_NE(report.find(compared.outcomes + "\n"), std::string::npos) << compared.outcomes;
+    }
 }
-
-INSTANTIATE_TEST_SUITE_P(Session, FaultMatrixRows,
-                         testing::Range<std::size_t>(0, MatrixRows().size()));
 
 TEST(FaultWalk, TwoThousandSessionsHoldWhateverStrikesThem) {
     constexpr std::uint64_t kSeed = 20261125;

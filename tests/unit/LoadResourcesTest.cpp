@@ -10,45 +10,30 @@
 namespace vantor {
 namespace {
 
-/// A window with the captions and tags that a row names.
-class Annotated : public Form {
-public:
-    /// `marks`: the caption of the menu, the tags of label, button, picture and window.
-    Annotated(ReportingPlatform& platform, Words marks)
-        : Form(platform.manager, mDesign),
-          mMarks(std::move(marks)),
-          mRows{ControlDesign{ControlKind::MenuItem, "mnu", -1, "", {}, mMarks.at(0).c_str(), ""},
-                ControlDesign{ControlKind::Label, "lbl", -1, "", {}, "label", mMarks.at(1).c_str()},
-                ControlDesign{
-                    ControlKind::PictureBox, "pic", -1, "", {}, "pic", mMarks.at(3).c_str()},
-                ControlDesign{
-                    ControlKind::CommandButton, "cmd", -1, "", {}, "button", mMarks.at(2).c_str()}},
-          mDesign{"frmTest", "title", mMarks.at(4).c_str(), {}, mRows} {}
-
-    std::string Captions() const {
-        return mnu.Caption() + "|" + lbl.Caption() + "|" + pic.Caption() + "|" + cmd.Caption() +
-               "|" + Caption();
-    }
-
-    MenuItem mnu{*this, "mnu"};
-    Label lbl{*this, "lbl"};
-    PictureBox pic{*this, "pic"};
-    CommandButton cmd{*this, "cmd"};
-
-private:
-    Words mMarks;
-    std::array<ControlDesign, 4> mRows;
-    FormDesign mDesign;
-};
-
+// A row names the caption of the menu, the tags of label, button, picture and window.
 TEST(LoadResources, MistakesEndItWhereTheyStandAndAreReportedUnderTheWindow) {
     ExpectTable("translation", [](const Words& words) {
+        const auto row = [](ControlKind kind, const char* caption, const std::string& tag) {
+            return ControlDesign{kind, caption, -1, "", {}, caption, tag.c_str()};
+        };
+        const std::array rows = {row(ControlKind::MenuItem, words.at(0).c_str(), ""),
+                                 row(ControlKind::Label, "label", words.at(1)),
+                                 row(ControlKind::PictureBox, "pic", words.at(3)),
+                                 row(ControlKind::CommandButton, "button", words.at(2))};
+        const FormDesign design = {"frmTest", "title", words.at(4).c_str(), {}, rows};
         ReportingPlatform platform;
-        const auto window = std::make_shared<Annotated>(platform, words);
+        const auto window = std::make_shared<Form>(platform.manager, design);
+        const MenuItem menu{*window, words[0]};
+        const Label label{*window, "label"};
+        const PictureBox picture{*window, "pic"};
+        const CommandButton button{*window, "button"};
         window->Load();
         LoadResources(*window, platform.strings,
                       words.size() > 5 ? Translate::WithoutMenusAndTitle : Translate::All);
-        std::string shown = window->Captions();
+        std::string shown;
+        for (const Control* control : window->Controls()) shown += control->Caption() + "|";
+        shown += window->Caption();
+        window->Unload();
         for (const std::string& box : Told(platform)) shown += "|" + box.substr(box.find('\n') + 1);
         return shown;
     });

@@ -296,14 +296,14 @@ private:
         return held + mHeadless.peers.held;
     }
 
-    /// What a session has to leave as it was. The abort button stays as the last lines set it.
+    /// What a session has to leave as it was, with two letters a control: enabled or disabled,
+    /// visible or hidden. The abort button stays as the last lines set it.
     std::string State() const {
         std::string state = mHeadless.registry.Export();
         if (mWindow->Session().AwaitsVerdict()) state += "awaits the verdict\n";
         for (const Control* control : mWindow->Controls())
             if (control != &mWindow->cmdFlashAbort)
-                state += control->Name() + (control->Enabled() ? "" : " disabled") +
-                         (control->Visible() ? "\n" : " hidden\n");
+                state += {control->Enabled() ? 'e' : 'd', control->Visible() ? 'v' : 'h'};
         return state;
     }
 

@@ -133,12 +133,7 @@ struct FormPositionBench {
     }
     std::string Saved() {
         position.SaveForm();
-        std::string record(256, '\0');
-        auto size = static_cast<std::uint32_t>(record.size());
-        std::uint32_t type = 0;
-        Require(headless.registry.QueryValue(key, window->Name(), type, record.data(), size) ==
-                kRegistrySuccess);
-        return record.substr(0, size);
+        return headless.registry.Export();
     }
 };
 

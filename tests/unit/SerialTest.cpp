@@ -1,4 +1,5 @@
-// The serial control, the port below it, and the exchange of a line for its reply.
+// The serial control, and the exchange of a line for its reply. The scripts of tests/terminal have
+// the rest of the port below the control.
 #include <gtest/gtest.h>
 
 #include "app/frmMain.hpp"
@@ -16,8 +17,6 @@ struct Line {
         platform.ports.Plug("COM3", wire);
         comm.name = "COM3";
         comm.settings = "9600,E,7,1";
-        port.name = "3";
-        port.settings = "250000,E,7,1";
         comm.Receive.Connect([this] { out += "<" + comm.Input() + "> "; });
         wire.onReceive = [this] {
             if (wire.received.ends_with('\r')) wire.sent += reply;
@@ -36,7 +35,6 @@ struct Line {
     ReportingPlatform platform;
     Wire wire;
     SerialControl comm{platform.ports, {}};
-    BufferedPort port{platform.ports};  // for what the control does not have
     std::shared_ptr<frmMain> window =
         std::make_shared<frmMain>(platform.manager, platform.platform);
     FlashFlags flags;
@@ -76,11 +74,6 @@ const Verbs<Line> kVerbs = {
     {"threshold", [](Line& l, Argument n) { l.comm.ReceiveThreshold(std::stoul(n)); }},
     {"input", [](Line& l, Argument) { l.out += l.comm.Input() + "| "; }},
     {"clear", [](Line& l, Argument) { l.comm.ClearInput(); }},
-    {"why",  // the open failed
-     [](Line& l, Argument) {
-         const auto& error = l.comm.OpenError();
-         l.out += error ? Row(static_cast<int>(error->Why()), error->Device(), "") : "no error ";
-     }},
     // A line and its reply.
     {"replies", [](Line& l, Argument text) { l.reply = text; }},
     {"sends", [](Line& l, Argument text) { l.Send(text, false); }},
@@ -91,46 +84,9 @@ const Verbs<Line> kVerbs = {
          l.platform.clock.Set(static_cast<std::uint32_t>(std::stoul(ms)));
      }},
     {"took", [](Line& l, Argument) { l.out += Row(l.took, ""); }},
-    // The port alone.
-    {"port-open",  // with flow control 0, 1 or 2
-     [](Line& l, Argument flow) {
-         l.port.flowControl = static_cast<FlowControl>(std::stoi(flow));
-         l.port.Open({});
-         const LineSettings& line = l.wire.line;
-         l.out += Row(FormatLineSettings(line), static_cast<int>(line.flowControl), "");
-     }},
-    {"port-close", [](Line& l, Argument) { l.port.Close(); }},
-    {"port-is-open", [](Line& l, Argument) { l.out += Row(l.port.IsOpen(), ""); }},
-    {"port-output", [](Line& l, Argument text) { l.port.Output(text); }},
-    {"pending", [](Line& l, Argument) { l.out += Row(l.port.OutBufferCount(), ""); }},
-    {"flush", [](Line& l, Argument) { l.out += Row(l.port.FlushPending(), ""); }},
-    {"drop-lines", [](Line& l, Argument) { l.port.DropPendingLines(); }},
-    {"drop", [](Line& l, Argument) { l.port.DropPending(); }},
-    {"dtr", [](Line& l, Argument on) { l.port.Dtr(on == "on"); }},
-    {"rts", [](Line& l, Argument on) { l.port.Rts(on == "on"); }},
-    {"break", [](Line& l, Argument on) { l.port.Break(on == "on"); }},
-    {"signals", [](Line& l, Argument) { l.out += std::exchange(l.wire.signals, {}) + "| "; }},
-    {"modem",  // of the device: "cts" and "ri" are asserted
-     [](Line& l, Argument lines) {
-         l.wire.modem = ModemLines{.cts = lines.starts_with("cts"), .ri = lines.ends_with("ri")};
-     }},
-    {"lines",
-     [](Line& l, Argument) {
-         const auto lines = l.port.Lines();
-         l.out += lines ? Row(lines->cts, lines->dsr, lines->dcd, lines->ri, "") : "none ";
-     }},
-    {"noise",
-     [](Line& l, Argument) {
-         l.wire.errors = {1, 2, 3};
-     }},
-    {"errors",
-     [](Line& l, Argument) {
-         const LineErrors errors = l.port.Errors();
-         l.out += Row(errors.framing, errors.parity, errors.overrun, "");
-     }},
 };
 
-TEST(Serial, TheControlAndItsPortDoWhatTheTableSays) {
+TEST(Serial, TheControlDoesWhatTheTableSays) {
     ExpectTable("serial", kVerbs);
 }
 

@@ -12,7 +12,7 @@ constexpr std::uint32_t kEndOfTime = std::numeric_limits<std::uint32_t>::max();
 }  // namespace
 
 void FaultyLine::Add(const LineFault& fault) {
-    std::vector<LineFault>& faults = LaneOf(fault.direction).faults;
+    std::vector<LineFault>& faults = mLanes.at(fault.direction).faults;
     faults.push_back(fault);
     if (fault.kind == LineFaultKind::Split)
         for (std::size_t i = 1; i <= kSplitBytes; ++i)
@@ -22,7 +22,7 @@ void FaultyLine::Add(const LineFault& fault) {
 
 void FaultyLine::Opened(const LineSettings& line) {
     mOpen = true;
-    LaneOf(Direction::ToHost).bytes.clear();
+    mLanes.at(Direction::ToHost).bytes.clear();
     mDevice.Opened(line);
 }
 
@@ -51,7 +51,7 @@ std::string FaultyLine::Transmit() {
 }
 
 void FaultyLine::Pass(Direction direction, std::string_view bytes) {
-    Lane& lane = LaneOf(direction);
+    Lane& lane = mLanes.at(direction);
     for (const char byte : bytes) {
         if (mUnplugged) return;
         PassByte(lane, byte);
@@ -76,7 +76,7 @@ void FaultyLine::PassByte(Lane& lane, char byte) {
 
 // Bytes still in transit are lost with the connection.
 void FaultyLine::UnplugIfDue() {
-    for (const Lane& lane : mLanes)
+    for (const auto& [direction, lane] : mLanes)
         for (const LineFault& fault : lane.faults)
             if (fault.kind == LineFaultKind::Unplug && fault.byte <= lane.passed) mUnplugged = true;
     if (!mUnplugged || !mOpen) return;
@@ -85,7 +85,7 @@ void FaultyLine::UnplugIfDue() {
 }
 
 std::string FaultyLine::Arrived(Direction direction, std::uint32_t by) {
-    std::deque<Underway>& bytes = LaneOf(direction).bytes;
+    std::deque<Underway>& bytes = mLanes.at(direction).bytes;
     std::string arrived;
     while (!bytes.empty() && bytes.front().at <= by) {
         arrived += bytes.front().byte;

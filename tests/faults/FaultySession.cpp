@@ -269,8 +269,7 @@ private:
         mWindow->cmdFlash.Press();
         mHeadless.pump.StopTimer(watch);
         mHeadless.peers.onChange = {};
-        for (const TimerId act : mActs) mHeadless.pump.StopTimer(act);
-        mActs.clear();
+        for (const TimerId act : std::exchange(mActs, {})) mHeadless.pump.StopTimer(act);
 
         Judgement judgement;
         judgement.outcome = mWindow->Session().Outcome();

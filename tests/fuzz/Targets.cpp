@@ -111,9 +111,8 @@ void FirmwareImage(std::string_view input) {
     Require(!Accepts([&] { static_cast<void>(lines[lines.UBound() + 1]); }));
     // Joined again, the lines equal the text except for line ends.
     if (!text.ends_with('\n')) text += '\n';
-    for (std::size_t at = 0; (at = text.find("\r\n", at)) != std::string::npos; ++at)
-        // A CR at the end of the file without a line feed is part of the line.
-        if (at + 2 != text.size() || input.ends_with('\n')) text.erase(at, 1);
+    std::erase(text, '\r');
+    std::erase(again, '\r');
     Require(again == text);
 }
 
@@ -262,19 +261,14 @@ void Store(Registry& registry, std::string_view input) {
     registry.CloseKey(key);
 }
 
-/// Sets one property, which accepts the value or rejects it.
-void Edit(CAppSettings& settings, unsigned property, const std::string& value) {
-    using S = CAppSettings;
-    constexpr void (S::*kProperties[])(const std::string&) = {
-        &S::CommPort, &S::BaudRate,  &S::Parity,       &S::DataBits,
-        &S::StopBits, &S::ProxyPort, &S::ProxyPassword};
-    Accepts([&] { (settings.*kProperties[property % std::size(kProperties)])(value); });
-}
-
 /// Stored settings. The first byte of the input selects a property, the rest of the first line is
 /// its new value, which the property rejects or stores. The following lines are the stored values
 /// in loading order. Loaded settings must equal saved ones.
 void Settings(std::string_view input) {
+    constexpr void (CAppSettings::*kProperties[])(const std::string&) = {
+        &CAppSettings::CommPort,     &CAppSettings::BaudRate, &CAppSettings::Parity,
+        &CAppSettings::DataBits,     &CAppSettings::StopBits, &CAppSettings::ProxyPort,
+        &CAppSettings::ProxyPassword};
     static HeadlessPlatform headless;
     headless.registry.Clear();
     const unsigned property = TakeByte(input);
@@ -284,7 +278,7 @@ void Settings(std::string_view input) {
     if (!Accepts([&] { settings.Initialize(); })) return;
     const std::string before = Saved(settings, headless.registry);
     settings.BeginEdit();
-    Edit(settings, property, value);
+    Accepts([&] { (settings.*kProperties[property % std::size(kProperties)])(value); });
     settings.CancelEdit();
     Require(Saved(settings, headless.registry) == before);
     CAppSettings other(headless.registry, headless.codePage, headless.files);

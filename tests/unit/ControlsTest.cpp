@@ -1,8 +1,9 @@
-// Windows and events without a screen.
+// Windows, their translation and events, without a screen. The translated windows are scenarios.
 #include <gtest/gtest.h>
 
 #include <stdexcept>
 
+#include "app/base/LoadResources.hpp"
 #include "controls/Controls.hpp"
 #include "tests/unit/Table.hpp"
 
@@ -13,6 +14,7 @@ constexpr std::array kRows = {
     ControlDesign{ControlKind::CommandButton, "cmdGo", -1, "", {}, "Go", ""},
     ControlDesign{ControlKind::CommandButton, "cmdStop", -1, "", {}, "Stop", ""}};
 const FormDesign kDesign = {"frmTest", "", "", {}, kRows};
+const FormDesign kEmpty = {"frmEmpty", "", "", {}, {}};
 const FormDesign kRowMissing = {"frmTest", "", "", {}, std::span(kRows).first(1)};
 
 class Window : public Form {
@@ -42,7 +44,6 @@ TEST_F(ControlsTest, AWindowThatFailsToLoadLeavesNothingOpen) {
         using Form::Form;
         void Form_Load() override { throw RuntimeError(ErrorNumber::DiskFull); }
     };
-    static constexpr FormDesign kEmpty = {"frmFailing", "", "", {}, {}};
     for (const bool refused : {false, true}) {
         mPlatform.peers.refuse = refused;
         const auto window = std::make_shared<Failing>(mPlatform.manager, kEmpty);
@@ -106,8 +107,7 @@ TEST_F(ControlsTest, ValuesOutOfRangeAreRefused) {
         StatusBar status{*this, "status", {"port"}};
         PictureBox picture{*this, "picture"};
     };
-    static constexpr FormDesign kNone = {"frmAll", "", "", {}, {}};
-    const auto form = std::make_shared<All>(mPlatform.manager, kNone);
+    const auto form = std::make_shared<All>(mPlatform.manager, kEmpty);
     ComboBox& combo = form->combo;
     const auto refused = [](std::int32_t error, const std::function<void()>& call) {
         EXPECT_EQ(Raised(call).Number(), error);
@@ -126,6 +126,35 @@ TEST_F(ControlsTest, ValuesOutOfRangeAreRefused) {
     form->picture.CurrentX = 5;
     form->picture.Print("a");
     EXPECT_EQ(form->picture.CurrentX, 0) << "the next line does not start at the left";
+}
+
+// A row names the caption of the menu, the tags of label, button, picture and window.
+TEST(LoadResources, MistakesEndItWhereTheyStandAndAreReportedUnderTheWindow) {
+    ExpectTable("translation", [](const Words& words) {
+        const auto row = [](ControlKind kind, const char* caption, const std::string& tag) {
+            return ControlDesign{kind, caption, -1, "", {}, caption, tag.c_str()};
+        };
+        const std::array rows = {row(ControlKind::MenuItem, words.at(0).c_str(), ""),
+                                 row(ControlKind::Label, "label", words.at(1)),
+                                 row(ControlKind::PictureBox, "pic", words.at(3)),
+                                 row(ControlKind::CommandButton, "button", words.at(2))};
+        const FormDesign design = {"frmTest", "title", words.at(4).c_str(), {}, rows};
+        ReportingPlatform platform;
+        const auto window = std::make_shared<Form>(platform.manager, design);
+        const MenuItem menu{*window, words[0]};
+        const Label label{*window, "label"};
+        const PictureBox picture{*window, "pic"};
+        const CommandButton button{*window, "button"};
+        window->Load();
+        LoadResources(*window, platform.strings,
+                      words.size() > 5 ? Translate::WithoutMenusAndTitle : Translate::All);
+        std::string shown;
+        for (const Control* control : window->Controls()) shown += control->Caption() + "|";
+        shown += window->Caption();
+        window->Unload();
+        for (const std::string& box : Told(platform)) shown += "|" + box.substr(box.find('\n') + 1);
+        return shown;
+    });
 }
 
 }  // namespace

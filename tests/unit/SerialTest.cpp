@@ -53,10 +53,7 @@ const Verbs<Line> kVerbs = {
          l.out += l.comm.IsOpen() ? FormatLineSettings(l.wire.line) + " " : "not ";
      }},
     {"close", [](Line& l, Argument) { l.comm.Close(); }},
-    {"is-open",  // the control, the port "COM3"
-     [](Line& l, Argument) {
-         l.out += Row(l.comm.IsOpen(), l.platform.ports.IsOpen("COM3")) + " ";
-     }},
+    {"is-open", [](Line& l, Argument) { l.out += Row(l.comm.IsOpen(), ""); }},
     {"held", [](Line& l, Argument port) { l.platform.ports.Hold(port, true); }},
     {"lost", [](Line& l, Argument) { l.wire.gone = true; }},
     {"driver-takes", [](Line& l, Argument n) { l.platform.ports.LimitWrites(std::stoul(n)); }},

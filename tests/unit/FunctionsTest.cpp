@@ -260,8 +260,6 @@ std::string Exported(const std::string& file) {
     const std::string text = hive.Export();
     // Anything that the next write would lose counts as damage: the file must not be changed.
     if (damagedLine != 0) return Row(text == "REGEDIT4\n" ? "damaged" : "half taken", damagedLine);
-    RegistryHive again;
-    if (again.Import(text) != 0 || again.Export() != text) return "not read back: " + text;
     return text.starts_with(kRegistryHead) ? text.substr(kRegistryHead.size()) : text;
 }
 

@@ -71,6 +71,11 @@ const Verbs<Line> kVerbs = {
     {"threshold", [](Line& l, Argument n) { l.comm.ReceiveThreshold(std::stoul(n)); }},
     {"input", [](Line& l, Argument) { l.out += l.comm.Input() + "| "; }},
     {"clear", [](Line& l, Argument) { l.comm.ClearInput(); }},
+    {"why",  // the open failed
+     [](Line& l, Argument) {
+         const auto& error = l.comm.OpenError();
+         l.out += error ? Row(static_cast<int>(error->Why()), error->Device(), "") : "no error ";
+     }},
     // A line and its reply.
     {"replies", [](Line& l, Argument text) { l.reply = text; }},
     {"sends", [](Line& l, Argument text) { l.Send(text, false); }},

@@ -17,10 +17,6 @@ struct Subject {
     Subject() {
         delay.Waiting = [this](bool& cancel) { cancel = ++passes == cancelAt; };
     }
-    template <typename... Items>
-    void Note(const Items&... items) {
-        out += Row(items..., "");
-    }
 
     ReportingPlatform platform;
     CMMTimer watch{platform.clock};
@@ -41,19 +37,19 @@ const Verbs<Subject> kVerbs = {
     {"stop", [](Subject& s, Argument) { s.watch.StopTimer(); }},
     {"resume", [](Subject& s, Argument) { s.watch.ResumeTimer(); }},
     {"scale", [](Subject& s, Argument factor) { s.watch.ScaleFactor = std::stoi(factor); }},
-    {"elapsed", [](Subject& s, Argument) { s.Note(s.watch.ElapsedTime()); }},
+    {"elapsed", [](Subject& s, Argument) { s.out += Row(s.watch.ElapsedTime(), ""); }},
     {"delay", [](Subject& s, Argument ms) { s.delay.Delay(ToInt16(ms)); }},
     {"cancel-at", [](Subject& s, Argument pass) { s.cancelAt = std::stoi(pass); }},
     {"counts",  // milliseconds, pumps and passes of the wait loop
      [](Subject& s, Argument) {
-         s.Note(s.platform.clock.Milliseconds(), s.platform.pump.pumps, s.passes);
+         s.out += Row(s.platform.clock.Milliseconds(), s.platform.pump.pumps, s.passes, "");
      }},
     {"timer", [](Subject& s, Argument on) { s.timer->Enabled(on == "on"); }},
     {"timer-gone", [](Subject& s, Argument) { s.timer.reset(); }},
     {"ticks",  // after so many pumps
      [](Subject& s, Argument pumps) {
          for (int i = std::stoi(pumps); i > 0; --i) s.platform.pump.PumpPending();
-         s.Note(s.ticks);
+         s.out += Row(s.ticks, "");
      }},
     {"nice-pumps",
      [](Subject& s, Argument count) {

@@ -47,8 +47,6 @@ public:
     bool FlushPending();
     /// Discards pending output, except the rest of a partly sent line.
     void DropPendingLines();
-    /// Discards all pending output. What the driver has accepted is still sent.
-    void DropPending() { mPending.clear(); }
     /// Bytes queued and not yet sent; 0 on a closed port. Also calls `FlushPending`.
     std::size_t OutBufferCount();
 

@@ -1,5 +1,5 @@
-// Fixture of all contract suites. Each suite runs on the services of the headless platform, in both
-// languages, and on those of the system.
+// Fixture of all contract suites. Each suite runs on the services of the headless platform and on
+// those of the system.
 #pragma once
 
 #include <gtest/gtest.h>
@@ -62,7 +62,7 @@ struct ProcessServices {
 };
 ProcessServices MakeProcessServices();
 
-void MakeHeadless(Subject& subject, Language language);
+void MakeHeadless(Subject& subject);
 void MakeNative(Subject& subject);
 
 /// A platform by name, which is part of the names of the tests.
@@ -72,11 +72,7 @@ struct Maker {
 };
 
 inline auto Platforms() {
-    return testing::Values(
-        Maker{"Headless", [](Subject& subject) { MakeHeadless(subject, Language::English); }},
-        Maker{"HeadlessSpanish",
-              [](Subject& subject) { MakeHeadless(subject, Language::Spanish); }},
-        Maker{"Native", MakeNative});
+    return testing::Values(Maker{"Headless", MakeHeadless}, Maker{"Native", MakeNative});
 }
 
 class Contract : public testing::TestWithParam<Maker>, protected Subject {

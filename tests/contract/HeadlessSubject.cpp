@@ -25,7 +25,7 @@ std::unique_ptr<Registry> Restarted(Registry& old) {
 
 }  // namespace
 
-void MakeHeadless(Subject& subject, Language language) {
+void MakeHeadless(Subject& subject) {
     auto clock = std::make_unique<HeadlessClock>();
     auto pump = std::make_unique<HeadlessPump>(*clock);
     auto ports = std::make_unique<HeadlessSerialPorts>(*pump);
@@ -34,8 +34,7 @@ void MakeHeadless(Subject& subject, Language language) {
     ports->LimitWrites(1000);
     subject.clock = std::move(clock);
     subject.codePage = std::make_unique<CodePage1252>();
-    subject.strings = std::make_unique<CompiledStrings>(language);
-    subject.language = language;
+    subject.strings = std::make_unique<CompiledStrings>(Language::English);
     subject.files = std::make_unique<HeadlessFiles>();
     subject.folder = "C:\\Test";
     subject.files->CreateFolders(subject.folder);

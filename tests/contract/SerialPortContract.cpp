@@ -65,7 +65,7 @@ TEST_P(SerialPortContract, AnOpenPortIsBusyUntilItIsClosedAndARefusedOpenLeavesI
 }
 
 // A pseudo-terminal shows that the port opens with these settings, and XOFF. It does not show the
-// speed (PosixTest reads it back), has no CTS, and never sends XOFF itself.
+// speed (PortTest reads it back), has no CTS, and never sends XOFF itself.
 TEST_P(SerialPortContract, ALineOfAnySpeedAndFlowControlCarriesEachByteBothWaysOnce) {
     NEEDS_FAR_END();
     using enum FlowControl;

@@ -12,13 +12,17 @@ constexpr std::uint32_t kEndOfTime = std::numeric_limits<std::uint32_t>::max();
 }  // namespace
 
 void FaultyLine::Add(const LineFault& fault) {
-    LaneOf(fault.direction).faults.push_back(fault);
+    std::vector<LineFault>& faults = mLanes.at(fault.direction).faults;
+    faults.push_back(fault);
+    if (fault.kind == LineFaultKind::Split)
+        for (std::size_t i = 1; i <= kSplitBytes; ++i)
+            faults.push_back({LineFaultKind::Delay, fault.direction, fault.byte + i, fault.ms});
     UnplugIfDue();
 }
 
 void FaultyLine::Opened(const LineSettings& line) {
     mOpen = true;
-    LaneOf(Direction::ToHost).bytes.clear();
+    mLanes.at(Direction::ToHost).bytes.clear();
     mDevice.Opened(line);
 }
 
@@ -47,7 +51,7 @@ std::string FaultyLine::Transmit() {
 }
 
 void FaultyLine::Pass(Direction direction, std::string_view bytes) {
-    Lane& lane = LaneOf(direction);
+    Lane& lane = mLanes.at(direction);
     for (const char byte : bytes) {
         if (mUnplugged) return;
         PassByte(lane, byte);
@@ -66,19 +70,13 @@ void FaultyLine::PassByte(Lane& lane, char byte) {
         if (fault.kind == Double) copies *= 2;
         if (fault.kind == Garble) byte = static_cast<char>(byte ^ 1);
         if (fault.kind == Delay) lane.freeAt += fault.ms;
-        if (fault.kind != Split) continue;
-        lane.splitBytes = kSplitBytes;
-        lane.splitMs = fault.ms;
     }
     lane.bytes.insert(lane.bytes.end(), static_cast<std::size_t>(copies), {lane.freeAt, byte});
-    if (lane.splitBytes == 0) return;
-    --lane.splitBytes;
-    lane.freeAt += lane.splitMs;
 }
 
 // Bytes still in transit are lost with the connection.
 void FaultyLine::UnplugIfDue() {
-    for (const Lane& lane : mLanes)
+    for (const auto& [direction, lane] : mLanes)
         for (const LineFault& fault : lane.faults)
             if (fault.kind == LineFaultKind::Unplug && fault.byte <= lane.passed) mUnplugged = true;
     if (!mUnplugged || !mOpen) return;
@@ -87,7 +85,7 @@ void FaultyLine::UnplugIfDue() {
 }
 
 std::string FaultyLine::Arrived(Direction direction, std::uint32_t by) {
-    std::deque<Underway>& bytes = LaneOf(direction).bytes;
+    std::deque<Underway>& bytes = mLanes.at(direction).bytes;
     std::string arrived;
     while (!bytes.empty() && bytes.front().at <= by) {
         arrived += bytes.front().byte;

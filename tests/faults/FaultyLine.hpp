@@ -2,10 +2,10 @@
 // end, and injects faults at given bytes. It does not interpret the bytes.
 #pragma once
 
-#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
+#include <map>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -48,7 +48,7 @@ public:
 
     void Add(const LineFault& fault);
     /// Bytes sent in `direction` so far.
-    std::size_t Passed(Direction direction) const { return LaneOf(direction).passed; }
+    std::size_t Passed(Direction direction) const { return mLanes.at(direction).passed; }
 
     void Opened(const LineSettings& line) override;
     void Closed() override;
@@ -66,14 +66,8 @@ private:
         std::vector<LineFault> faults;
         std::deque<Underway> bytes;
         std::uint32_t freeAt = 0;  // earliest arrival of the next byte
-        std::size_t splitBytes = 0;
-        std::uint32_t splitMs = 0;
     };
 
-    const Lane& LaneOf(Direction direction) const {
-        return mLanes[static_cast<std::size_t>(direction)];
-    }
-    Lane& LaneOf(Direction direction) { return mLanes[static_cast<std::size_t>(direction)]; }
     void Pass(Direction direction, std::string_view bytes);
     void PassByte(Lane& lane, char byte);
     void UnplugIfDue();
@@ -82,7 +76,7 @@ private:
 
     FarEnd& mDevice;
     const Clock& mClock;
-    std::array<Lane, 2> mLanes;
+    std::map<Direction, Lane> mLanes = {{Direction::ToDevice, {}}, {Direction::ToHost, {}}};
     bool mOpen = false;
     bool mUnplugged = false;
 };

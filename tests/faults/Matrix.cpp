@@ -6,27 +6,24 @@ namespace vantor {
 namespace {
 
 void AddLineFaults(std::vector<MatrixRow>& rows) {
-    struct Kind {
-        const char* name;
-        LineFaultKind kind;
-        std::size_t byte;
-        std::uint32_t ms;
-    };
     using enum LineFaultKind;
-    struct Way {
-        const char* name;
-        Direction direction;
-        std::size_t byte;  // in the middle of a command, in a record's length, or in "OK"
+    const auto addFor = [&rows](const std::string& way, Direction direction, std::size_t middle) {
+        const auto add = [&](const char* name, LineFaultKind kind, std::size_t byte,
+                             std::uint32_t ms = 0) {
+            rows.push_back({name + way, LineFault{kind, direction, byte, ms}});
+        };
+        add("dropped", Drop, middle);
+        add("doubled", Double, middle);
+        add("garbled", Garble, middle);
+        add("0.5 s late", Delay, middle, 500);
+        add("25 s late", Delay, middle, 25000);
+        add("split", Split, 0, 30);
+        add("unplugged at once", Unplug, 0);
+        add("unplugged", Unplug, middle);
     };
-    for (const Way& way : {Way{" to the indicator", Direction::ToDevice, 3},
-                           Way{" to the program", Direction::ToHost, 1}})
-        for (const Kind& kind :
-             {Kind{"dropped", Drop, way.byte, 0}, Kind{"doubled", Double, way.byte, 0},
-              Kind{"garbled", Garble, way.byte, 0}, Kind{"0.5 s late", Delay, way.byte, 500},
-              Kind{"25 s late", Delay, way.byte, 25000}, Kind{"split", Split, 0, 30},
-              Kind{"unplugged at once", Unplug, 0, 0}, Kind{"unplugged", Unplug, way.byte, 0}})
-            rows.push_back({std::string(kind.name) + way.name,
-                            LineFault{kind.kind, way.direction, kind.byte, kind.ms}});
+    // In the middle of a command and in a record's length; in "OK".
+    addFor(" to the indicator", Direction::ToDevice, 3);
+    addFor(" to the program", Direction::ToHost, 1);
     // The type digit after the S: an S1 data record becomes an S0 header.
     rows.push_back({"record type garbled", LineFault{Garble, Direction::ToDevice, 1}, true});
 }
@@ -95,6 +92,22 @@ const std::vector<MatrixRow>& MatrixRows() {
         return rows;
     }();
     return kRows;
+}
+
+RowResult RunRow(const MatrixRow& row, bool compares) {
+    RowResult result{.outcomes = "| " + row.name + " |", .violation = {}};
+    for (std::size_t stage = 0; stage < kStageNames.size(); ++stage) {
+        const Judgement judgement =
+            RunSession({.mishaps = {{static_cast<Stage>(stage), row.what}}, .compares = compares});
+        result.outcomes += " " + OutcomeName(judgement.outcome) + " |";
+        std::string violation = judgement.violation;
+        if (judgement.outcome == FlashOutcome::Done && !judgement.memoryWhole &&
+            (compares || !row.unseen))
+            violation += "an acknowledged line is lost\n";
+        if (!violation.empty())
+            result.violation += row.name + ", " + kStageNames.at(stage) + ":\n" + violation;
+    }
+    return result;
 }
 
 Plan RandomPlan(std::uint64_t seed, std::uint64_t number) {

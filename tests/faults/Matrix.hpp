@@ -21,12 +21,17 @@ struct MatrixRow {
 
 const std::vector<MatrixRow>& MatrixRows();
 
+struct RowResult {
+    std::string outcomes;   ///< a row of the report
+    std::string violation;  ///< the rules broken, with the stage of each; empty when none
+};
+
+/// Runs `row` in every stage, with an indicator that compares its memory or does not. A single
+/// fault never loses a line that was acknowledged.
+RowResult RunRow(const MatrixRow& row, bool compares);
+
 /// The plan of session `number` for `seed`, with several faults, aborts and closes; deterministic
 /// on every platform.
 Plan RandomPlan(std::uint64_t seed, std::uint64_t number);
-
-inline Plan CellOf(const MatrixRow& row, std::size_t stage, bool compares) {
-    return {.mishaps = {{static_cast<Stage>(stage), row.what}}, .compares = compares};
-}
 
 }  // namespace vantor

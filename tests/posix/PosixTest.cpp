@@ -1,10 +1,8 @@
 // Behaviour of the POSIX services beyond their contracts: concurrent processes on one registry
-// file, crashes and their messages, single instance, exclusive ports.
+// file, crashes and their messages, single instance, the list of ports.
 #include <fcntl.h>
-#include <grp.h>
 #include <gtest/gtest.h>
 #include <signal.h>
-#include <sys/ioctl.h>
 #include <sys/resource.h>
 #include <sys/stat.h>
 #include <sys/wait.h>
@@ -16,7 +14,6 @@
 #include <utility>
 #include <vector>
 
-#include "platform/posix/PosixHandle.hpp"
 #include "platform/posix/PosixMessagePump.hpp"
 #include "platform/posix/PosixServices.hpp"
 #include "tests/TemporaryFolder.hpp"
@@ -37,20 +34,6 @@ protected:
     std::string Text(const std::string& name) const { return ContentOf(folder / name); }
 
     const TemporaryFolder folder;
-};
-
-/// A pseudo-terminal and a port at it.
-class PosixPort : public testing::Test {
-protected:
-    void SetUp() override { ASSERT_EQ(grantpt(master.Get()) + unlockpt(master.Get()), 0); }
-    std::unique_ptr<SerialPort> Open() {
-        return MakePosixSerialPorts(pump, {{"COM5", Device()}})->Open("COM5", {});
-    }
-    std::string Device() const { return ptsname(master.Get()); }
-
-    const std::unique_ptr<Clock> clock = MakePosixClock();
-    PosixMessagePump pump{*clock};
-    const PosixHandle master{posix_openpt(O_RDWR | O_NOCTTY)};
 };
 
 class PosixRegistryFile : public InFolder {
@@ -197,19 +180,6 @@ TEST_F(InFolder, TheSecondInstanceOfATitleIsTold) {
     unsetenv("XDG_RUNTIME_DIR");
 }
 
-// A read makes the driver deliver, so what the other side has written is available at once.
-TEST_F(PosixPort, InputIsCountedAndReadHoweverShortlyAfterTheLastCount) {
-    const auto port = Open();
-    std::array<char, 8> bytes{};
-    for (int i = 0; i < 100; ++i) {
-        ASSERT_EQ(port->InputCount(), 0u);
-        ASSERT_EQ(write(master.Get(), "OK", 2), 2);
-        ASSERT_EQ(port->InputCount(), 2u) << i;
-        ASSERT_EQ(write(master.Get(), "\r\n", 2), 2);
-        ASSERT_EQ(port->Read(bytes), 4u) << i;
-    }
-}
-
 /// The files of posix/system.txt: "PATH TEXT", or "PATH -> TARGET" for a link.
 class PosixPortList : public InFolder {
 protected:
@@ -240,36 +210,6 @@ TEST_F(PosixPortList, HasWhatTheSystemKnowsOfEachPort) {
               "COM9|FTDI FT232R|0403:6001|A50285BI|usb-FTDI_A50285BI-if00|16\n"
               "COM21|Acme Modem|2341:0043|\n");
     EXPECT_EQ(ports->NameOf(folder / "dev/serial/by-id/usb-FTDI_A50285BI-if00"), "COM9");
-}
-
-TEST_F(PosixPort, OfAGroupIsToldWithTheGroup) {
-    if (geteuid() != 0) GTEST_SKIP() << "only root can make such a device";
-    constexpr uid_t kNobody = 65534;
-    const std::string device = Device();
-    ASSERT_EQ(chown(device.c_str(), 0, getgrnam("dialout")->gr_gid), 0);
-    for (const auto& [mode, group] : {std::pair{0660u, "dialout"}, std::pair{0600u, ""}}) {
-        ASSERT_EQ(chmod(device.c_str(), mode) + seteuid(kNobody), 0);
-        try {
-            Open();
-            ADD_FAILURE() << "opened";
-        } catch (const PortOpenError& error) {
-            EXPECT_EQ(error.Why(), PortOpenError::Reason::NotPermitted);
-            EXPECT_EQ(error.Who(), group);
-        }
-        ASSERT_EQ(seteuid(0), 0);
-    }
-}
-
-TEST_F(PosixPort, OnceClosedIsNotMarkedAsTakenWhileOthersHoldTheDevice) {
-    const PosixHandle other(open(Device().c_str(), O_RDWR | O_NOCTTY));
-    const auto taken = [&other] {
-        int answer = -1;
-        return ioctl(other.Get(), TIOCGEXCL, &answer) == 0 ? answer : -1;
-    };
-    auto port = Open();
-    EXPECT_EQ(taken(), 1);
-    port.reset();
-    EXPECT_EQ(taken(), 0);
 }
 
 }  // namespace

@@ -17,7 +17,6 @@ namespace vantor {
 namespace {
 
 constexpr Micros kMilli = 1000;
-constexpr Micros kSecond = 1000 * kMilli;
 const std::vector<std::string> kImage{
     SerialRecord{'0', 0, {'M', '4', '0'}}.Format(),
     SerialRecord{'2', 0x1000, {0x01, 0x02, 0x03, 0x04}}.Format(),
@@ -30,10 +29,14 @@ const std::vector<std::string> kImage{
 /// exactly when it is sent.
 class Host {
 public:
-    explicit Host(const std::string& fault = {}, Micros pacedThink = 0)
-        : indicator(OptionsFor(fault, pacedThink)) {}
+    /// `trait` is "-", "think=" with microseconds, or a fault.
+    explicit Host(const std::string& trait) : indicator(OptionsFor(trait)) {}
 
-    void Send(std::string_view bytes) { indicator.Receive(bytes, now); }
+    void Send(std::string_view bytes) {
+        indicator.Receive(bytes, now);
+        sentAt = now;
+        heardAt.clear();
+    }
 
     /// Bytes received in the next `time`.
     std::string Hear(Micros time) {
@@ -53,7 +56,8 @@ public:
     /// without line ends; "-" for nothing. "@9600,N,8,2" opens the port, without a frame so, and
     /// "@" closes it;
     /// "#1" is a line of the image, "~500" listens for that many milliseconds, "!TEXT" only sends;
-    /// "state" returns what the indicator knows; any other word is a line.
+    /// "state" returns what the indicator knows, "times" the microseconds from the last send to
+    /// each byte received; any other word is a line.
     std::string Talk(const Words& script) {
         std::string heard;
         for (const std::string& word : script) {
@@ -67,6 +71,8 @@ public:
                 Send(word.substr(1));
             } else if (word == "state") {
                 heard += State() + " ";
+            } else if (word == "times") {
+                for (const Micros at : heardAt) heard += Row(at - sentAt, "");
             } else {
                 if (word[0] != '~') Send((word[0] == '#' ? kImage.at(number) : word) + "\r");
                 const std::string answer = Hear((word[0] == '~' ? number : 100) * kMilli);
@@ -77,7 +83,8 @@ public:
     }
 
     VirtualIndicator indicator;
-    Micros now = 5 * kSecond;
+    Micros now = 5'000 * kMilli;
+    Micros sentAt = 0;
     std::vector<Micros> heardAt;
 
 private:
@@ -96,12 +103,14 @@ private:
         return FlashMemory::FromRecords(text);
     }
 
-    static IndicatorOptions OptionsFor(const std::string& fault, Micros pacedThink) {
+    static IndicatorOptions OptionsFor(const std::string& trait) {
         IndicatorOptions options;
         options.expected = ImageMemory();
-        options.paced = pacedThink != 0;
-        options.think = pacedThink;
-        if (!fault.empty()) options.faults.push_back(ParseFault(fault));
+        options.paced = trait.starts_with("think=");
+        if (options.paced)
+            options.think = std::stoll(trait.substr(6));
+        else if (trait != "-")
+            options.faults.push_back(ParseFault(trait));
         return options;
     }
 };
@@ -109,7 +118,7 @@ private:
 TEST(BootMonitor, AnswersAsTheTableSays) {
     const Words load = WordsOf("@38400 TRAV \"BAUD 115200\" @ @115200 SYSLOAD");
     ExpectTable("boot-monitor", [&load](const Words& words) {
-        Host host(words.at(0) == "-" ? "" : words.at(0));
+        Host host(words.at(0));
         Words script(words.begin() + 1, words.end());
         if (script.at(0) == "load") {
             EXPECT_EQ(host.Talk(load), "OK OK OK");
@@ -119,49 +128,6 @@ TEST(BootMonitor, AnswersAsTheTableSays) {
         EXPECT_LE(host.indicator.Verdicts(), 1U);
         return heard;
     });
-}
-
-// ---- Pacing ----
-
-constexpr Nanos Characters(std::int64_t count, std::int64_t bitsPerSecond) {
-    return (count * 11 * Nanos{1'000'000'000} + bitsPerSecond - 1) / bitsPerSecond;
-}
-
-TEST(Pacing, ALongRunDoesNotDriftAndIdleTimeEarnsNoCredit) {
-    constexpr std::int64_t count = 153'000;  // a whole image
-    UartPacing run;
-    Nanos end = 0;
-    for (std::int64_t i = 0; i < count; ++i) end = run.Next(7, 11, 115200);
-    EXPECT_EQ(end, 7 + Characters(count, 115200));
-
-    UartPacing pacing;
-    EXPECT_EQ(pacing.Next(0, 10, 10'000), 1'000'000);
-    EXPECT_EQ(pacing.Next(5'000'000, 10, 10'000), 6'000'000);
-    EXPECT_EQ(pacing.Next(5'000'000, 10, 10'000), 7'000'000);
-    EXPECT_EQ(pacing.Next(6'500'000, 10, 100'000), 7'100'000) << "a change of speed waits";
-}
-
-TEST(Pacing, TheAnswerComesWhenLineAndThinkingAndItsOwnBytesHavePassed) {
-    Host host("", 700);
-    host.Talk({"@38400", "TRAV"});
-    Micros start = host.now;
-    host.Talk({"BAUD 115200"});
-    EXPECT_EQ(host.heardAt.back(), start + (Characters(12 + 4, 38400) + 700'999) / 1000)
-        << "at the speed before it";
-    host.Talk({"@115200", "SYSLOAD"});
-    host.heardAt.clear();
-    start = host.now;
-    const std::string line = kImage[1] + "\r";
-    // In two parts, the second during the transmission of the first: there is no gap between them.
-    host.Send(line.substr(0, 10));
-    host.Hear(300);
-    host.Send(line.substr(10));
-    EXPECT_EQ(host.Hear(kSecond), "OK\r\n");
-    std::vector<Micros> expected;
-    const Nanos heard = Characters(static_cast<std::int64_t>(line.size()), 115200);
-    for (int i = 1; i <= 4; ++i)
-        expected.push_back(start + (heard + Characters(i, 115200) + 700'999) / 1000);
-    EXPECT_EQ(host.heardAt, expected);
 }
 
 }  // namespace

@@ -1,6 +1,4 @@
-// The error handler's box, report file, record set and trace.
-#include "app/base/CErrHandler.hpp"
-
+// The error handler's box, report file, record set and trace; the filter for unhandled errors.
 #include <gtest/gtest.h>
 
 #include <map>
@@ -8,7 +6,8 @@
 #include <stdexcept>
 #include <system_error>
 
-#include "tests/faults/ReportingPlatform.hpp"
+#include "app/frmMain.hpp"
+#include "app/modStartup.hpp"
 #include "tests/unit/Table.hpp"
 
 namespace vantor {
@@ -40,7 +39,6 @@ struct Handler {
 };
 
 using H = Handler;
-using Argument = const std::string&;
 
 std::function<void()> Raise(std::int32_t number) {
     return [number] { throw RuntimeError(number); };
@@ -52,11 +50,25 @@ void NoteEvent(H& h, const char* event) {
     h.out += " ";
 }
 
+const std::map<std::string, void (*)()> kThrown = {
+    {"bad_alloc", [] { throw std::bad_alloc(); }},
+    {"length_error", [] { throw std::length_error("x"); }},
+    {"out_of_range", [] { static_cast<void>(std::vector<int>().at(1)); }},
+    {"overflow_error", [] { throw std::overflow_error("x"); }},
+    {"invalid_argument", [] { throw std::invalid_argument("x"); }},
+    {"logic_error", [] { throw std::logic_error("Told"); }},
+    {"int", [] { throw 1; }}};
+
 const std::string kTrace = "/opt/vantor/trace.log";
 
 const Verbs<Handler> kVerbs = {
     {"fails", [](H&, Argument procedure) { Trapped(procedure, Raise(6)); }},
     {"raises", [](H&, Argument number) { Trapped("a.b", Raise(std::stoi(number))); }},
+    {"throws", [](H&, Argument type) { Trapped("a.b", kThrown.at(type)); }},
+    {"throws-system-error",
+     [](H&, Argument code) {
+         Trapped("a.b", [&] { throw std::system_error(std::stoi(code), std::generic_category()); });
+     }},
     {"fails-nested",
      [](H&, Argument) {
          const auto inner = [] { Trapped("a.Inner", Raise(70)); };
@@ -105,36 +117,25 @@ const Verbs<Handler> kVerbs = {
          };
          h.errors.AfterHandlerCalled = [&h] { NoteEvent(h, "after"); };
      }},
-    {"last", [](H& h, Argument) { h.out += std::to_string(h.errors.LastError().Number()); }},
+    {"last", [](H& h, Argument) { h.out += Row(h.errors.LastError().Number()); }},
     {"beeps", [](H& h, Argument) { h.out += Row(h.platform.boxes.beeps, ""); }},
 };
 
 TEST(CErrHandler, ReportsAsTheTableSays) {
-    ExpectTable("errors", [](const Words& steps) { return Perform(Handler(), kVerbs, steps); });
+    ExpectTable("errors", kVerbs);
 }
 
-TEST(CErrHandler, ErrorsOfTheStandardLibraryKeepTheirMeaning) {
-    const auto refused = [](std::errc code) {
-        return [code] { throw std::system_error(std::make_error_code(code)); };
-    };
-    const std::pair<std::int32_t, std::function<void()>> kCases[] = {
-        {7, [] { throw std::bad_alloc(); }},
-        {7, [] { throw std::length_error("x"); }},
-        {9, [] { static_cast<void>(std::vector<int>().at(1)); }},
-        {6, [] { throw std::overflow_error("x"); }},
-        {5, [] { throw std::invalid_argument("x"); }},
-        {53, refused(std::errc::no_such_file_or_directory)},
-        {70, refused(std::errc::permission_denied)},
-        {61, refused(std::errc::no_space_on_device)},
-        {75, refused(std::errc::io_error)},
-        {51, [] { throw std::logic_error("Told"); }},
-        {51, [] { throw 1; }}};
-    ReportingPlatform platform;
-    for (const auto& [number, raise] : kCases) {
-        Trapped("a.b", raise);
-        EXPECT_EQ(platform.errors.LastError().Number(), number);
+// The system has one filter for each process, however often the program starts in it.
+TEST(Startup, TheFilterForUnhandledErrorsIsInstalledOnce) {
+    int filters = 0;
+    for (int start = 0; start < 2; ++start) {
+        HeadlessPlatform platform;
+        modStartup startup(platform.platform);
+        ASSERT_TRUE(startup.Main());
+        filters += platform.process.filters;
+        startup.MainWindow()->Unload();
     }
-    EXPECT_EQ(Told(platform).at(9), ReportBox("a.b", "(51) Told"));
+    EXPECT_EQ(filters, 1);
 }
 
 }  // namespace

@@ -1,15 +1,10 @@
-// Windows, events, timers and the serial control without a screen.
+// Windows, their translation and events, without a screen. The translated windows are scenarios.
 #include <gtest/gtest.h>
 
-#include <optional>
 #include <stdexcept>
 
-#include "Wire.hpp"
-#include "app/base/modSupport.hpp"
+#include "app/base/LoadResources.hpp"
 #include "controls/Controls.hpp"
-#include "flash/SerialControl.hpp"
-#include "support/LineSettings.hpp"
-#include "support/Timer.hpp"
 #include "tests/unit/Table.hpp"
 
 namespace vantor {
@@ -19,6 +14,7 @@ constexpr std::array kRows = {
     ControlDesign{ControlKind::CommandButton, "cmdGo", -1, "", {}, "Go", ""},
     ControlDesign{ControlKind::CommandButton, "cmdStop", -1, "", {}, "Stop", ""}};
 const FormDesign kDesign = {"frmTest", "", "", {}, kRows};
+const FormDesign kEmpty = {"frmEmpty", "", "", {}, {}};
 const FormDesign kRowMissing = {"frmTest", "", "", {}, std::span(kRows).first(1)};
 
 class Window : public Form {
@@ -48,7 +44,6 @@ TEST_F(ControlsTest, AWindowThatFailsToLoadLeavesNothingOpen) {
         using Form::Form;
         void Form_Load() override { throw RuntimeError(ErrorNumber::DiskFull); }
     };
-    static constexpr FormDesign kEmpty = {"frmFailing", "", "", {}, {}};
     for (const bool refused : {false, true}) {
         mPlatform.peers.refuse = refused;
         const auto window = std::make_shared<Failing>(mPlatform.manager, kEmpty);
@@ -94,27 +89,6 @@ TEST_F(ControlsTest, AnEventIsNotRaisedWithinItsOwnHandler) {
     EXPECT_EQ(clicks, 4) << "a disabled button was pressed";
 }
 
-TEST_F(ControlsTest, ATimerTicksAtItsIntervalOnlyWhileEnabled) {
-    int ticks = 0;
-    std::optional<Timer> timer(std::in_place, mPlatform.pump, 10, [&ticks] { ++ticks; });
-    const auto ticksAfter = [this, &ticks](int pumps) {
-        for (int i = 0; i < pumps; ++i) mPlatform.pump.PumpPending();
-        return ticks;
-    };
-    EXPECT_EQ(ticksAfter(30), 0) << "it is made disabled";
-    timer->Enabled(true);
-    EXPECT_EQ(ticksAfter(9), 0);
-    timer->Enabled(true);
-    EXPECT_EQ(ticksAfter(1), 1) << "enabling it again must not start the interval anew";
-    EXPECT_EQ(ticksAfter(20), 3);
-    mPlatform.clock.Sleep(10);
-    timer->Enabled(false);
-    EXPECT_EQ(ticksAfter(30), 3) << "a tick that was due when it was disabled";
-    timer->Enabled(true);
-    timer.reset();
-    EXPECT_EQ(ticksAfter(20), 3) << "a tick of a timer that is no more";
-}
-
 TEST_F(ControlsTest, TheLastWindowEndsTheProgramAndNoOther) {
     const auto other = std::make_shared<Window>(mPlatform);
     mWindow->Load();
@@ -125,14 +99,6 @@ TEST_F(ControlsTest, TheLastWindowEndsTheProgramAndNoOther) {
     EXPECT_TRUE(other->Gone());
 }
 
-TEST_F(ControlsTest, EverySecondCallOfTheNicePumpPumpsAndItsErrorsAreIgnored) {
-    for (int round = 1; round <= 3; ++round) {
-        for (int i = 0; i < 10; ++i) DoEventsNice(mPlatform.pump);
-        EXPECT_EQ(mPlatform.pump.pumps, 5u * static_cast<unsigned>(round));
-        if (round == 2) mPlatform.pump.AddSource([] { throw RuntimeError(6); });
-    }
-}
-
 TEST_F(ControlsTest, ValuesOutOfRangeAreRefused) {
     struct All : Form {
         using Form::Form;
@@ -141,8 +107,7 @@ TEST_F(ControlsTest, ValuesOutOfRangeAreRefused) {
         StatusBar status{*this, "status", {"port"}};
         PictureBox picture{*this, "picture"};
     };
-    static constexpr FormDesign kNone = {"frmAll", "", "", {}, {}};
-    const auto form = std::make_shared<All>(mPlatform.manager, kNone);
+    const auto form = std::make_shared<All>(mPlatform.manager, kEmpty);
     ComboBox& combo = form->combo;
     const auto refused = [](std::int32_t error, const std::function<void()>& call) {
         EXPECT_EQ(Raised(call).Number(), error);
@@ -160,109 +125,36 @@ TEST_F(ControlsTest, ValuesOutOfRangeAreRefused) {
     refused(9, [&] { form->status.PanelText("none", ""); });
     form->picture.CurrentX = 5;
     form->picture.Print("a");
-    EXPECT_EQ(form->picture.PrintedTexts().at(0).left, 5);
-    EXPECT_EQ(form->picture.CurrentX, 0);
-    form->picture.Cls();
-    EXPECT_TRUE(form->picture.PrintedTexts().empty());
+    EXPECT_EQ(form->picture.CurrentX, 0) << "the next line does not start at the left";
 }
 
-// --- the serial control ------------------------------------------------------------------------
-
-struct Line {
-    Line() {
-        platform.ports.Plug("COM3", wire);
-        comm.name = "COM3";
-        comm.settings = "9600,E,7,1";
-        port.name = "3";
-        port.settings = "250000,E,7,1";
-        comm.Receive.Connect([this] { out += "<" + comm.Input() + "> "; });
-    }
-    ~Line() { comm.Close(); }
-
-    ReportingPlatform platform;
-    Wire wire;
-    SerialControl comm{platform.ports, {}};
-    BufferedPort port{platform.ports};  // for what the control does not have
-    std::string out;
-};
-using Argument = const std::string&;
-
-const Verbs<Line> kVerbs = {
-    {"port", [](Line& l, Argument name) { l.comm.name = name; }},
-    {"settings", [](Line& l, Argument settings) { l.comm.settings = settings; }},
-    {"open",
-     [](Line& l, Argument) {
-         l.comm.Open();
-         l.out += l.comm.IsOpen() ? FormatLineSettings(l.wire.line) + " " : "not ";
-     }},
-    {"close", [](Line& l, Argument) { l.comm.Close(); }},
-    {"is-open",  // the control, the port "COM3"
-     [](Line& l, Argument) {
-         l.out += Row(l.comm.IsOpen(), l.platform.ports.IsOpen("COM3")) + " ";
-     }},
-    {"held", [](Line& l, Argument port) { l.platform.ports.Hold(port, true); }},
-    {"lost", [](Line& l, Argument) { l.wire.gone = true; }},
-    {"driver-takes", [](Line& l, Argument n) { l.platform.ports.LimitWrites(std::stoul(n)); }},
-    {"output", [](Line& l, Argument text) { l.comm.Output(text); }},
-    {"counts",
-     [](Line& l, Argument) {
-         l.out += Row(l.comm.InBufferCount(), "");
-         l.out += Row(l.comm.OutBufferCount(), "");
-     }},
-    {"received", [](Line& l, Argument) { l.out += std::exchange(l.wire.received, {}) + "| "; }},
-    {"arrives", [](Line& l, Argument text) { l.wire.sent = text; }},
-    {"arrive", [](Line& l, Argument n) { l.wire.sent = std::string(std::stoul(n), 'x'); }},
-    {"input-size", [](Line& l, Argument) { l.out += Row(l.comm.Input().size(), ""); }},
-    {"pump", [](Line& l, Argument) { l.platform.pump.PumpPending(); }},
-    {"threshold", [](Line& l, Argument n) { l.comm.ReceiveThreshold(std::stoul(n)); }},
-    {"input", [](Line& l, Argument) { l.out += l.comm.Input() + "| "; }},
-    {"clear", [](Line& l, Argument) { l.comm.ClearInput(); }},
-    {"why",  // the open failed
-     [](Line& l, Argument) {
-         const auto& error = l.comm.OpenError();
-         l.out += error ? Row(static_cast<int>(error->Why()), error->Device(), "") : "no error ";
-     }},
-    // The port alone.
-    {"port-open",  // with flow control 0, 1 or 2
-     [](Line& l, Argument flow) {
-         l.port.flowControl = static_cast<FlowControl>(std::stoi(flow));
-         l.port.Open({});
-         const LineSettings& line = l.wire.line;
-         l.out += Row(FormatLineSettings(line), static_cast<int>(line.flowControl), "");
-     }},
-    {"port-close", [](Line& l, Argument) { l.port.Close(); }},
-    {"port-is-open", [](Line& l, Argument) { l.out += Row(l.port.IsOpen(), ""); }},
-    {"port-output", [](Line& l, Argument text) { l.port.Output(text); }},
-    {"pending", [](Line& l, Argument) { l.out += Row(l.port.OutBufferCount(), ""); }},
-    {"flush", [](Line& l, Argument) { l.out += Row(l.port.FlushPending(), ""); }},
-    {"drop-lines", [](Line& l, Argument) { l.port.DropPendingLines(); }},
-    {"drop", [](Line& l, Argument) { l.port.DropPending(); }},
-    {"dtr", [](Line& l, Argument on) { l.port.Dtr(on == "on"); }},
-    {"rts", [](Line& l, Argument on) { l.port.Rts(on == "on"); }},
-    {"break", [](Line& l, Argument on) { l.port.Break(on == "on"); }},
-    {"signals", [](Line& l, Argument) { l.out += std::exchange(l.wire.signals, {}) + "| "; }},
-    {"modem",  // of the device: "cts" and "ri" are asserted
-     [](Line& l, Argument lines) {
-         l.wire.modem = ModemLines{.cts = lines.starts_with("cts"), .ri = lines.ends_with("ri")};
-     }},
-    {"lines",
-     [](Line& l, Argument) {
-         const auto lines = l.port.Lines();
-         l.out += lines ? Row(lines->cts, lines->dsr, lines->dcd, lines->ri, "") : "none ";
-     }},
-    {"noise",
-     [](Line& l, Argument) {
-         l.wire.errors = {1, 2, 3};
-     }},
-    {"errors",
-     [](Line& l, Argument) {
-         const LineErrors errors = l.port.Errors();
-         l.out += Row(errors.framing, errors.parity, errors.overrun, "");
-     }},
-};
-
-TEST(SerialControl, DoesWhatTheTableSays) {
-    ExpectTable("serial", [](const Words& steps) { return Perform(Line(), kVerbs, steps); });
+// A row names the caption of the menu, the tags of label, button, picture and window.
+TEST(LoadResources, MistakesEndItWhereTheyStandAndAreReportedUnderTheWindow) {
+    ExpectTable("translation", [](const Words& words) {
+        const auto row = [](ControlKind kind, const char* caption, const std::string& tag) {
+            return ControlDesign{kind, caption, -1, "", {}, caption, tag.c_str()};
+        };
+        const std::array rows = {row(ControlKind::MenuItem, words.at(0).c_str(), ""),
+                                 row(ControlKind::Label, "label", words.at(1)),
+                                 row(ControlKind::PictureBox, "pic", words.at(3)),
+                                 row(ControlKind::CommandButton, "button", words.at(2))};
+        const FormDesign design = {"frmTest", "title", words.at(4).c_str(), {}, rows};
+        ReportingPlatform platform;
+        const auto window = std::make_shared<Form>(platform.manager, design);
+        const MenuItem menu{*window, words[0]};
+        const Label label{*window, "label"};
+        const PictureBox picture{*window, "pic"};
+        const CommandButton button{*window, "button"};
+        window->Load();
+        LoadResources(*window, platform.strings,
+                      words.size() > 5 ? Translate::WithoutMenusAndTitle : Translate::All);
+        std::string shown;
+        for (const Control* control : window->Controls()) shown += control->Caption() + "|";
+        shown += window->Caption();
+        window->Unload();
+        for (const std::string& box : Told(platform)) shown += "|" + box.substr(box.find('\n') + 1);
+        return shown;
+    });
 }
 
 }  // namespace

@@ -8,6 +8,7 @@
 #include <stdexcept>
 
 #include "app/base/modSupport.hpp"
+#include "console/Json.hpp"
 #include "console/PortChoice.hpp"
 #include "console/SessionReport.hpp"
 #include "console/image/ImageCheck.hpp"
@@ -16,8 +17,10 @@
 #include "content/PictureFiles.hpp"
 #include "flash/FirmwareImage.hpp"
 #include "platform/headless/HeadlessPlatform.hpp"
+#include "platform/portable/RegistryHive.hpp"
 #include "simulator/Fault.hpp"
 #include "simulator/RunningMode.hpp"
+#include "simulator/UartPacing.hpp"
 #include "support/Conversions.hpp"
 #include "support/LineSettings.hpp"
 #include "support/text/Text.hpp"
@@ -68,9 +71,11 @@ std::string Pictures(const Words& words) {
 
 std::string LinesOf(const std::string& text) {
     std::string lines;
-    const ImageLines image(text);
+    ImageLines first(text);
+    const ImageLines image = std::move(first);
     for (std::size_t i = 0; i <= image.UBound(); ++i) lines += "[" + std::string(image[i]) + "]";
-    return lines;
+    const bool ends = Raised([&] { static_cast<void>(image[image.UBound() + 1]); }).Number() == 9;
+    return ends ? lines : "no end";
 }
 
 std::string FaultOf(const std::string& text) {
@@ -173,6 +178,91 @@ std::string ChosenOf(const Words& words) {
     }
 }
 
+/// An object with the text, and its members as they are read back. A part of it is no object.
+std::string Json(const std::string& text) {
+    const std::string line = JsonObject()
+                                 .Text("t", text)
+                                 .Number("n", -5)
+                                 .Seconds("s", 61007)
+                                 .TextOrNull("z", "")
+                                 .Flag("f", true)
+                                 .Line();
+    for (std::size_t cut = 0; cut + 2 < line.size(); ++cut)
+        if (JsonMembers(line.substr(0, cut))) return Row("read at", cut);
+    std::string result = line;
+    const auto members = JsonMembers(line).value();
+    for (const auto& [name, value] : members) result += "|" + name + "=" + value;
+    return result;
+}
+
+/// The record of an update with the image and the note.
+std::string Record(const Words& words) {
+    const SessionFacts facts{.start = IsoTime({2026, 1, 2, 3, 4, 5}, -210),
+                             .host = "bench",
+                             .user = "x",
+                             .port = "COM3",
+                             .adapter = {},
+                             .image = words.at(1),
+                             .note = words.at(2)};
+    SessionEnd end;
+    end.outcome = FlashOutcome::VerifyFailed;
+    end.counts.lines = 41;
+    end.counts.resends = 2;
+    end.ms = 9050;
+    ImageReport report;
+    report.sha256 = "00ff";
+    return RecordLine(facts, report, end);
+}
+
+/// When the last character of each run is complete: READY BITS SPEED COUNT, and so on.
+std::string Paced(const Words& words) {
+    UartPacing pacing;
+    std::string ends;
+    for (std::size_t i = 1; i < words.size(); i += 4) {
+        Nanos end = 0;
+        for (int count = Whole(words.at(i + 3)); count > 0; --count)
+            end = pacing.Next(std::stoll(words[i]), static_cast<std::uint32_t>(Whole(words[i + 1])),
+                              static_cast<std::uint32_t>(Whole(words[i + 2])));
+        ends += Row(end, "");
+    }
+    return ends;
+}
+
+const std::string kRegistryHead = "REGEDIT4\n\n[HKEY_CURRENT_USER\\Software\\Vantor]\n";
+
+std::string Utf16(const std::string& text, bool highFirst) {
+    std::string bytes;
+    for (const char16_t unit : Utf16FromUtf8(text)) {
+        const auto low = static_cast<char>(unit & 0xffu);
+        const auto high = static_cast<char>(unit >> 8u);
+        bytes += highFirst ? std::string{high, low} : std::string{low, high};
+    }
+    return bytes;
+}
+
+/// The file of a `form`: "file" is `lines` alone; else a version, "4" or "5", then the order of the
+/// bytes in UTF-16, "-low" or "-high" first, and "-mark" for a byte order mark.
+std::string FileOf(const std::string& form, const std::string& lines) {
+    if (form == "file") return lines;
+    std::string text = form.ends_with("-mark") ? "\uFEFF" : "";
+    text += form.starts_with('5')
+                ? "Windows Registry Editor Version 5.00\r\n" + kRegistryHead.substr(9)
+                : kRegistryHead;
+    text += lines;
+    const bool highFirst = form.find("-high") != std::string::npos;
+    return highFirst || form.find("-low") != std::string::npos ? Utf16(text, highFirst) : text;
+}
+
+/// What is written after `file` has been read, without the head if it is the usual one.
+std::string Exported(const std::string& file) {
+    RegistryHive hive;
+    const std::size_t damagedLine = hive.Import(file);
+    const std::string text = hive.Export();
+    // Anything that the next write would lose counts as damage: the file must not be changed.
+    if (damagedLine != 0) return Row(text == "REGEDIT4\n" ? "damaged" : "half taken", damagedLine);
+    return text.starts_with(kRegistryHead) ? text.substr(kRegistryHead.size()) : text;
+}
+
 // clang-format off
 const std::map<std::string, std::function<std::string(const Words&)>> kFunctions = {
     {"LeadingNumber", [](const Words& w) { return Row(LeadingNumber(w.at(1))); }},
@@ -208,6 +298,8 @@ const std::map<std::string, std::function<std::string(const Words&)>> kFunctions
         const Language language = LanguageOfLocale(w.at(1), w.at(2), w.at(3));
         return std::string(language == Language::Spanish ? "Spanish" : "English"); }},
     {"Lines", [](const Words& w) { return LinesOf(w.at(1)); }},
+    {"NoLines", [](const Words&) { return Row(ImageLines().UBound()); }},
+    {"DigestOfLines", [](const Words& w) { return Sha256Of(LinesOf(ImageFrom({w.at(1)}))); }},
     {"Description", [](const Words& w) { return StandardDescription(Whole(w.at(1))); }},
     {"Picture", PictureHeader},
     {"Pictures", Pictures},
@@ -226,6 +318,9 @@ const std::map<std::string, std::function<std::string(const Words&)>> kFunctions
         const TypedBytes typed = ParseBytes(w.at(3), static_cast<BytesForm>(Whole(w.at(1))), encoding);
         return typed.wrongAt ? Row("wrong at", *typed.wrongAt) : typed.bytes; }},
     {"Kept", Kept},
+    {"Paced", Paced},
+    {"Json", [](const Words& w) { return Json(w.at(1)); }},
+    {"Record", Record},
     {"Stamp", [](const Words& w) {
         const auto kind = static_cast<TimeStamps>(Whole(w.at(1)));
         return StampText(kind, std::stoll(w.at(2)), std::stoll(w.at(3))) + "|"; }},
@@ -236,18 +331,18 @@ TEST(Functions, ReturnWhatTheTableSays) {
     ExpectTable("functions", [](const Words& words) { return kFunctions.at(words[0])(words); });
 }
 
-TEST(FirmwareImage, ALongImageLosesNoLineAndHasNoMore) {
-    constexpr std::size_t kCount = 25001;
-    std::string text;
-    for (std::size_t i = 0; i < kCount; ++i) text += "S2" + std::to_string(i) + "\r\n";
-    ImageLines first(std::move(text));
-    const ImageLines image = std::move(first);
-    ASSERT_EQ(image.UBound(), kCount - 1);
-    std::size_t wrong = 0;
-    for (std::size_t i = 0; i < kCount; ++i) wrong += image[i] != "S2" + std::to_string(i);
-    EXPECT_EQ(wrong, 0u);
-    EXPECT_THROW(static_cast<void>(image[kCount]), RuntimeError);
-    EXPECT_THROW(static_cast<void>(ImageLines().UBound()), RuntimeError);
+TEST(RegistryText, IsReadAndWrittenAsTheTableSays) {
+    ExpectTable("registry", [](const Words& words) {
+        std::string result;
+        for (std::size_t i = 0; i + 1 < words.size(); ++i) {
+            const std::string each = Exported(FileOf(words[i], words.back()));
+            if (each != result) result += each;
+        }
+        return result;
+    });
+    std::string deep = "REGEDIT4\n[HKEY_CURRENT_USER";
+    for (int i = 0; i < 200000; ++i) deep += "\\a";
+    EXPECT_EQ(Exported(deep + "]\n"), "damaged 2");
 }
 
 }  // namespace

@@ -72,80 +72,58 @@ struct Adapter : IndicatorFarEnd {
     LatencyTimer timer;
 };
 
-struct Flashed {
-    ExitStatus status;
-    std::string errors;  // standard error and requests to the system
-    std::uint32_t tookMs;
-    std::string transcript;  // the file "log.txt"
+/// All texts but one.
+struct Incomplete : CompiledStrings {
+    explicit Incomplete(std::int32_t without)
+        : CompiledStrings(Language::English), mWithout(without) {}
+    std::string LoadResString(std::int32_t id) const override {
+        if (id == mWithout) throw RuntimeError(ErrorNumber::ResourceNotFound);
+        return CompiledStrings::LoadResString(id);
+    }
+    const std::int32_t mWithout;
 };
 
-/// Runs tsflash on virtual time with `arguments` for the image "m40.run" behind COM1, an adapter of
-/// `latency` and an indicator with `fault`.
-Flashed Flash(
-    Micros latency, const std::string& fault, std::vector<std::string> arguments,
-    std::unique_ptr<StringTable> strings = std::make_unique<CompiledStrings>(Language::English)) {
+/// Runs tsflash on virtual time: the latency of the adapter, a fault of the indicator, the number
+/// of a missing text, options. Returns the exit status, the duration, standard error with the
+/// requests to the system, and the end of the transcript.
+std::string Flash(const Words& words) {
     IndicatorOptions options;
     options.paced = true;
-    options.faults = {ParseFault(fault)};
+    options.faults = {ParseFault(words.at(1))};
     options.expected = FlashMemory::FromRecords(ImageOf(40));
     VirtualIndicator indicator(std::move(options));
     NativePlatform native;
     auto process = std::make_unique<HeadlessProcess>();
-    process->arguments = std::move(arguments);
+    process->arguments = {"--yes", "--log", "log.txt", "m40.run"};
+    process->arguments.insert(process->arguments.end(), words.begin() + 3, words.end());
     native.process = std::move(process);
     auto clock = std::make_unique<HeadlessClock>();
     auto pump = std::make_unique<HeadlessPump>(*clock);
     auto ports = std::make_unique<HeadlessSerialPorts>(*pump);
-    Adapter adapter(indicator, *clock, latency);
+    Adapter adapter(indicator, *clock, std::stoll(words.at(0)) * 1000);
     ports->Plug("COM1", adapter);
     native.clock = std::move(clock);
     native.pump = std::move(pump);
     native.ports = std::move(ports);
     auto files = std::make_unique<HeadlessFiles>();
     files->Add("m40.run", ImageOf(40));
-    files->Add("log.txt", "");
     native.files = std::move(files);
     native.folders = std::make_unique<HeadlessFolders>();
     native.registry = std::make_unique<RegistryHive>();
     native.codePage = std::make_unique<CodePage1252>();
-    native.strings = std::move(strings);
+    native.strings = std::make_unique<Incomplete>(std::stoi(words.at(2)));
     auto console = std::make_unique<PipedConsole>();
     const PipedConsole& shown = *console;
     native.console = std::move(console);
     const std::uint32_t start = native.clock->Milliseconds();
-    const ExitStatus status = RunTsFlash(native);
-    return {status, shown.errors, native.clock->Milliseconds() - start,
-            native.files->ReadAll("log.txt")};
+    const auto status = static_cast<int>(RunTsFlash(native));
+    const std::string log = native.files->ReadAll("log.txt");
+    return Row(status, native.clock->Milliseconds() - start) + "\n" + shown.errors +
+           log.substr(log.rfind('\n', log.rfind(" -- closed")) + 1);
 }
 
-TEST(TsFlash, AnErrorInMidStreamIsToldByTheErrorHandlerAndIsNoneOfUsage) {
-    struct WithoutLine : CompiledStrings {
-        using CompiledStrings::CompiledStrings;
-        std::string LoadResString(std::int32_t id) const override {
-            if (id == 816) throw RuntimeError(ErrorNumber::ResourceNotFound);
-            return CompiledStrings::LoadResString(id);
-        }
-    };
-    const auto [status, errors, tookMs, transcript] =
-        Flash(0, "nak@7x3", {"--yes", "m40.run"}, std::make_unique<WithoutLine>(Language::English));
-    EXPECT_EQ(status, ExitStatus::UpdateFailure);
-    EXPECT_EQ(errors,
-              "held: Updating Indicator\n\aTessmar Vantor Update\nThe following error has occurred "
-              "in procedure:\nfrmMain.FlashIndicator on line 0\nError (326) Resource not found\n"
-              "held: \n");
-}
-
-TEST(TsFlash, ATranscriptEndsWithASummaryHoweverTheSessionEnds) {
-    ExpectTable("transcripts", [](const Words& words) {
-        Words arguments = {"--yes", "--log", "log.txt", "m40.run"};
-        arguments.insert(arguments.end(), words.begin() + 2, words.end());
-        const auto [status, errors, tookMs, text] =
-            Flash(std::stoi(words.at(0)) * 1000, words.at(1), arguments);
-        const std::size_t hint = errors.find("The replies arrive ");
-        return Row(static_cast<int>(status), tookMs) + "\n" +
-               (hint == std::string::npos ? "" : errors.substr(hint, 24) + "\n") +
-               text.substr(text.rfind('\n', text.rfind(" -- closed")) + 1);
-    });
+TEST(TsFlash, EndsWithAStatusAMessageAndASummaryOfTheTranscript) {
+    ExpectTable("transcripts", Flash);
 }
 
 }  // namespace

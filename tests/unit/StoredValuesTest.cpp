@@ -92,8 +92,6 @@ struct Stored {
     std::string out;
 };
 
-using Argument = const std::string&;
-
 const Verbs<Stored> kVerbs = {
     {"put",  // TYPE and, behind a space, the bytes of the value "Port" of the store
      [](Stored& s, Argument typeAndBytes) {
@@ -158,7 +156,7 @@ const Verbs<Stored> kVerbs = {
 };
 
 TEST(StoredValues, AreWhatTheTableSays) {
-    ExpectTable("stored", [](const Words& steps) { return Perform(Stored(), kVerbs, steps); });
+    ExpectTable("stored", kVerbs);
 }
 
 }  // namespace

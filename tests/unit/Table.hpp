@@ -29,23 +29,6 @@ std::string Row(const Items&... items) {
     return text.str();
 }
 
-/// What the words "NAME" and "NAME=ARGUMENT" of a row do with a subject.
-template <typename Subject>
-using Verbs = std::map<std::string, void (*)(Subject&, const std::string& argument)>;
-
-/// Performs `steps` one after the other and returns what they have appended to `subject.out`, and
-/// then the message boxes of its platform.
-template <typename Subject>
-std::string Perform(Subject&& subject, const Verbs<std::decay_t<Subject>>& verbs,
-                    const Words& steps) {
-    for (const std::string& step : steps) {
-        const std::size_t end = std::min(step.find('='), step.size());
-        verbs.at(step.substr(0, end))(subject, step.substr(std::min(end + 1, step.size())));
-    }
-    for (const std::string& box : Told(subject.platform)) subject.out += "[" + box + "]";
-    return subject.out;
-}
-
 /// Expects of each row of `table` that `answer` returns its result for its words. An error that it
 /// raises is the result "error NUMBER SOURCE".
 inline void ExpectTable(const std::string& table,
@@ -70,6 +53,27 @@ inline void ExpectTable(const std::string& table,
         ++rows;
     }
     EXPECT_GT(rows, 0) << table;
+}
+
+using Argument = const std::string&;
+
+/// What the words "NAME" and "NAME=ARGUMENT" of a row do with a subject.
+template <typename Subject>
+using Verbs = std::map<std::string, void (*)(Subject&, Argument)>;
+
+/// Expects of each row of `table` that its words, performed one after the other on a new `Subject`,
+/// append its result to `Subject::out`, followed by the message boxes of `Subject::platform`.
+template <typename Subject>
+void ExpectTable(const std::string& table, const Verbs<Subject>& verbs) {
+    ExpectTable(table, [&verbs](const Words& steps) {
+        Subject subject;
+        for (const std::string& step : steps) {
+            const std::size_t end = std::min(step.find('='), step.size());
+            verbs.at(step.substr(0, end))(subject, step.substr(std::min(end + 1, step.size())));
+        }
+        for (const std::string& box : Told(subject.platform)) subject.out += "[" + box + "]";
+        return subject.out;
+    });
 }
 
 }  // namespace vantor

@@ -1,14 +1,19 @@
-// What a driver with modem lines and error counters is asked for, and how its answers are read. A
-// pseudo-terminal has neither, so the requests are answered here.
+// Behaviour of a port beyond its contract: what its driver is asked for, exclusive use,
+// permissions. A pseudo-terminal has no modem lines and error counters, so their requests are
+// answered here.
 #include <fcntl.h>
+#include <grp.h>
 #include <gtest/gtest.h>
 #include <linux/serial.h>
 #include <stdlib.h>
 #include <sys/ioctl.h>
+#include <sys/stat.h>
 #include <sys/syscall.h>
 #include <termios.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <cstdarg>
 #include <iterator>
 #include <string>
@@ -76,23 +81,24 @@ struct termios2 {
     speed_t c_ispeed, c_ospeed;
 };
 
-class PosixModemLines : public testing::Test {
+class PosixPort : public testing::Test {
 protected:
-    PosixModemLines() {
+    PosixPort() {
         EXPECT_EQ(grantpt(master.Get()) + unlockpt(master.Get()), 0);
         gDriver.replaced = true;
     }
-    ~PosixModemLines() override { gDriver = {}; }
+    ~PosixPort() override { gDriver = {}; }
     std::unique_ptr<SerialPort> Open(const LineSettings& line) {
-        return OpenPosixSerialPort(pump, ptsname(master.Get()), line);
+        return MakePosixSerialPorts(pump, {{"COM5", Device()}})->Open("COM5", line);
     }
+    std::string Device() const { return ptsname(master.Get()); }
 
     const std::unique_ptr<Clock> clock = MakePosixClock();
     PosixMessagePump pump{*clock};
     const PosixHandle master{posix_openpt(O_RDWR | O_NOCTTY)};
 };
 
-TEST_F(PosixModemLines, AreSetAndABreakEndsWithThePort) {
+TEST_F(PosixPort, SignalsAreSetAndABreakEndsWithThePort) {
     for (const auto& [flowControl, signals] :
          {std::pair{FlowControl::None, "DTR off; RTS off; DTR on; RTS on; break on; break off; "},
           std::pair{FlowControl::Hardware, "DTR off; DTR on; break on; break off; "}}) {
@@ -108,7 +114,7 @@ TEST_F(PosixModemLines, AreSetAndABreakEndsWithThePort) {
     }
 }
 
-TEST_F(PosixModemLines, AndErrorsSinceTheOpenAreRead) {
+TEST_F(PosixPort, ModemLinesAndErrorsSinceTheOpenAreRead) {
     gDriver.errors.frame = gDriver.errors.parity = gDriver.errors.overrun = 100;
     const auto port = Open({});
     constexpr int kBits[] = {TIOCM_CTS, TIOCM_DSR, TIOCM_CD, TIOCM_RI};
@@ -125,7 +131,7 @@ TEST_F(PosixModemLines, AndErrorsSinceTheOpenAreRead) {
 }
 
 // The request for a break waits for the output, for ever if flow control holds it.
-TEST_F(PosixModemLines, ABreakDiscardsOutputThatWouldHoldItUp) {
+TEST_F(PosixPort, ABreakDiscardsOutputThatWouldHoldItUp) {
     const auto port = Open({});
     for (const auto& [output, signals] :
          {std::pair{0, "break on; "}, std::pair{3, "output discarded; break on; "}}) {
@@ -136,7 +142,7 @@ TEST_F(PosixModemLines, ABreakDiscardsOutputThatWouldHoldItUp) {
     }
 }
 
-TEST_F(PosixModemLines, SpeedAndFlowControlAreThoseOfTheSettings) {
+TEST_F(PosixPort, SpeedAndFlowControlAreThoseOfTheSettings) {
     using enum FlowControl;
     constexpr tcflag_t kXonXoff = IXON | IXOFF;
     constexpr auto kRtsCts = static_cast<tcflag_t>(CRTSCTS);
@@ -160,6 +166,49 @@ TEST_F(PosixModemLines, SpeedAndFlowControlAreThoseOfTheSettings) {
         EXPECT_EQ(got.c_cc[VSTART], 0x11);
         EXPECT_EQ(got.c_cc[VSTOP], 0x13);
     }
+}
+
+// A read makes the driver deliver, so what the other side has written is available at once.
+TEST_F(PosixPort, InputIsCountedAndReadHoweverShortlyAfterTheLastCount) {
+    const auto port = Open({});
+    std::array<char, 8> bytes{};
+    for (int i = 0; i < 100; ++i) {
+        ASSERT_EQ(port->InputCount(), 0u);
+        ASSERT_EQ(write(master.Get(), "OK", 2), 2);
+        ASSERT_EQ(port->InputCount(), 2u) << i;
+        ASSERT_EQ(write(master.Get(), "\r\n", 2), 2);
+        ASSERT_EQ(port->Read(bytes), 4u) << i;
+    }
+}
+
+TEST_F(PosixPort, OfAGroupIsToldWithTheGroup) {
+    if (geteuid() != 0) GTEST_SKIP() << "only root can make such a device";
+    constexpr uid_t kNobody = 65534;
+    const std::string device = Device();
+    ASSERT_EQ(chown(device.c_str(), 0, getgrnam("dialout")->gr_gid), 0);
+    for (const auto& [mode, group] : {std::pair{0660u, "dialout"}, std::pair{0600u, ""}}) {
+        ASSERT_EQ(chmod(device.c_str(), mode) + seteuid(kNobody), 0);
+        try {
+            Open({});
+            ADD_FAILURE() << "opened";
+        } catch (const PortOpenError& error) {
+            EXPECT_EQ(error.Why(), PortOpenError::Reason::NotPermitted);
+            EXPECT_EQ(error.Who(), group);
+        }
+        ASSERT_EQ(seteuid(0), 0);
+    }
+}
+
+TEST_F(PosixPort, OnceClosedIsNotMarkedAsTakenWhileOthersHoldTheDevice) {
+    const PosixHandle other(open(Device().c_str(), O_RDWR | O_NOCTTY));
+    const auto taken = [&other] {
+        int answer = -1;
+        return ioctl(other.Get(), TIOCGEXCL, &answer) == 0 ? answer : -1;
+    };
+    auto port = Open({});
+    EXPECT_EQ(taken(), 1);
+    port.reset();
+    EXPECT_EQ(taken(), 0);
 }
 
 }  // namespace

@@ -1,10 +1,11 @@
-// The contents of the common dialogs' record, and the results read from it. The traces have the
-// dialogs of the program.
-#include "support/CFileDialog.hpp"
-
+// Requests to the shell and to the common dialogs, and what is read from their answers. The
+// scenarios have the dialogs of the program.
 #include <gtest/gtest.h>
 
-#include "tests/faults/ReportingPlatform.hpp"
+#include <optional>
+
+#include "dialogs/CShellExecute.hpp"
+#include "support/CFileDialog.hpp"
 #include "tests/unit/Table.hpp"
 
 namespace vantor {
@@ -32,13 +33,35 @@ struct ScriptedDialogs : CommonDialogs {
 
 struct Subject {
     ReportingPlatform platform;
+    HeadlessShell& shell = platform.shell;
+    std::optional<CShellExecute> execute{std::in_place, shell};
     ScriptedDialogs dialogs;
     CFileDialog dialog{dialogs};
     std::string out;
+    void Note(std::int32_t result) { out += Row(result, ""); }
 };
-using Argument = const std::string&;
 
 const Verbs<Subject> kVerbs = {
+    {"url", [](Subject& s, Argument url) { s.Note(s.execute->LaunchURL(7, url)); }},
+    {"explore", [](Subject& s, Argument folder) { s.Note(s.execute->Explore(7, folder)); }},
+    {"folder", [](Subject& s, Argument folder) { s.Note(s.execute->LaunchFolder(7, folder)); }},
+    {"email", [](Subject& s, Argument whom) { s.Note(s.execute->LaunchEmail(7, whom)); }},
+    {"print", [](Subject& s, Argument file) { s.Note(s.execute->PrintDocument(7, file)); }},
+    {"program",
+     [](Subject& s, Argument file) { s.Note(s.execute->LaunchProgram(7, file, "-x", "C:\\")); }},
+    {"document",
+     [](Subject& s, Argument file) { s.Note(s.execute->LaunchDocument(7, file, "-y", "D:\\")); }},
+    {"code", [](Subject& s, Argument code) { s.shell.code = std::stoi(code); }},
+    {"ends", [](Subject& s, Argument) { s.shell.running = false; }},
+    {"active", [](Subject& s, Argument) { s.out += FromBool(s.execute->StillExecuting()) + " "; }},
+    {"gone", [](Subject& s, Argument) { s.execute.reset(); }},
+    {"released", [](Subject& s, Argument) { s.Note(s.shell.released); }},
+    {"asked",
+     [](Subject& s, Argument) {
+         const ShellRequest& last = s.shell.asked.back();
+         s.out += Row(last.owner, last.verb, last.file, last.parameters, last.folder, last.show);
+     }},
+    // A file dialog.
     {"size", [](Subject& s, Argument size) { s.dialog.MaxFileSize = std::stoi(size); }},
     {"name", [](Subject& s, Argument name) { s.dialog.FileName = name; }},
     {"title", [](Subject& s, Argument title) { s.dialog.FileTitle = title; }},
@@ -63,9 +86,12 @@ const Verbs<Subject> kVerbs = {
     {"shown", [](Subject& s, Argument) { s.out += s.dialogs.shown; }},
 };
 
-TEST(CFileDialog, GivesAndTakesWhatTheTableSays) {
-    ExpectTable("file-dialog",
-                [](const Words& steps) { return Perform(Subject(), kVerbs, steps); });
+TEST(Requests, ToTheShellAreThoseOfTheTable) {
+    ExpectTable("shell", kVerbs);
+}
+
+TEST(Requests, ToTheFileDialogAreThoseOfTheTable) {
+    ExpectTable("file-dialog", kVerbs);
 }
 
 }  // namespace

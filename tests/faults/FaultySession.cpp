@@ -318,6 +318,7 @@ private:
         mTap.emplace(*mLine, mHeadless.clock, [this](Stage stage) { Begin(stage); });
         mHeadless.ports.Plug("COM1", *mTap);
         mHeadless.boxes.shown.clear();
+        mHeadless.boxes.beeps = 0;
         mHeadless.boxes.whileOpen = [this](const MessageBoxRequest& request) { Read(request); };
         mBegun = {};
         mEndWanted = false;
@@ -333,7 +334,10 @@ private:
     }
 
     void Begin(Stage stage) {
-        Require(stage == Stage::Opening || !mHeadless.peers.held.empty(), "the system may sleep");
+        if (stage != Stage::Opening) {
+            Require(!mHeadless.peers.held.empty(), "the system may sleep");
+            Require(stage == Stage::Reopened || Waits() != mTap->armed, "wrong pointer");
+        }
         if (std::exchange(mBegun.at(static_cast<std::size_t>(stage)), true)) return;
         for (const Mishap& mishap : mPlan.mishaps)
             if (mishap.stage == stage)
@@ -364,8 +368,13 @@ private:
         mActs.push_back(*timer);
     }
 
+    bool Waits() const { return mHeadless.peers.pointer == MousePointer::Hourglass; }
+
     /// The user reads a report for a while. Whatever arrives meanwhile, nothing is sent.
     void Read(const MessageBoxRequest& request) {
+        // Only the report of a refused line opens under the wait pointer.
+        Require(Waits() == (request.title == "Update Failure" && !mTap->armed), "wrong pointer");
+        Require(mHeadless.peers.open == Texts{"frmMain"}, "a box over another window");
         if (request.icon == BoxIcon::Question) return;
         for (const TimerId act : std::exchange(mActs, {})) mHeadless.pump.StopTimer(act);
         const std::size_t sent = mTap->exchanges.size();
@@ -408,14 +417,19 @@ private:
         return due.outcome;
     }
 
-    /// Two opens exactly when BAUD was accepted, the second one at the new speed.
+    /// Two opens exactly when BAUD was accepted, the second one at the new speed; a beep for each
+    /// image line that was answered by a verdict.
     void CheckLine() {
         std::vector<LineSettings> due = {mPlan.line};
         LineSettings fast = mPlan.line;
         fast.bitsPerSecond = 115200;
-        for (const Exchange& exchange : mTap->exchanges)
+        int beeps = 0;
+        for (const Exchange& exchange : mTap->exchanges) {
             if (exchange.ChangesSpeed() && !(mClosedInHandshake && mTap->opened.size() == 1))
                 due.push_back(fast);
+            if (exchange.OfImage() && exchange.HasVerdict()) ++beeps;
+        }
+        Require(mHeadless.boxes.beeps == beeps, std::to_string(mHeadless.boxes.beeps) + " beeps");
         if (mTap->opened.empty()) due.clear();
         // An adapter that is lost while the port is closed cannot be opened again.
         if (mTap->HungUp() && mTap->opened.size() + 1 == due.size()) due.pop_back();

@@ -38,9 +38,9 @@ void Append(std::string& text, std::span<const Cell> cells, int from, int to) {
         AppendUtf8(text, cells[static_cast<std::size_t>(column)].character);
 }
 
-/// Drops blanks at the end of `text`, but none before `lineStart`.
-void TrimEnd(std::string& text, std::size_t lineStart) {
-    text.resize(std::max(text.find_last_not_of(' ') + 1, lineStart));
+/// Drops blanks at the end of the last line.
+void TrimEnd(std::string& text) {
+    text.resize(text.find_last_not_of(' ') + 1);
 }
 
 int LengthOf(const ShownText& text, std::int64_t line) {
@@ -176,18 +176,16 @@ std::string TerminalSelection::TextFrom(std::int64_t first) const {
     std::string text;
     first = std::max({first, mFrom.line, mShown->FirstLine()});
     const std::int64_t last = std::min(mTo.line, mShown->EndLine() - 1);
-    std::size_t lineStart = 0;  // of the last line in `text`
     for (std::int64_t line = first; line <= last; ++line) {
         const bool starts = mRectangular || line == mFrom.line;
         const bool ends = mRectangular || line == mTo.line;
         Append(text, mShown->Line(line), starts ? mFrom.column : 0,
                ends ? mTo.column : TerminalScreen::kMostColumns);
         if (line == last || (!mRectangular && mShown->Continues(line))) continue;
-        TrimEnd(text, lineStart);
+        TrimEnd(text);
         text += "\r\n";
-        lineStart = text.size();
     }
-    TrimEnd(text, lineStart);
+    TrimEnd(text);
     return text;
 }
 

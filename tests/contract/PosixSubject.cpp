@@ -61,7 +61,7 @@ void MakeNative(Subject& subject) {
 
 ProcessServices MakeProcessServices() {
     return {MakePosixProcess(0, nullptr), MakePosixChildProcesses(), MakePosixSharedFiles(),
-            MakePosixClock()};
+            MakePosixClock(), MakePosixMachine()};
 }
 
 }  // namespace vantor::contract

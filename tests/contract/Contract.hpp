@@ -13,6 +13,7 @@
 #include "platform/Clock.hpp"
 #include "platform/CodePage.hpp"
 #include "platform/Files.hpp"
+#include "platform/Machine.hpp"
 #include "platform/MessagePump.hpp"
 #include "platform/Process.hpp"
 #include "platform/Registry.hpp"
@@ -59,6 +60,7 @@ struct ProcessServices {
     std::unique_ptr<ChildProcesses> children;
     std::unique_ptr<SharedFiles> sharedFiles;
     std::unique_ptr<Clock> clock;
+    std::unique_ptr<Machine> machine;
 };
 ProcessServices MakeProcessServices();
 

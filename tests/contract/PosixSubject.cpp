@@ -60,8 +60,9 @@ void MakeNative(Subject& subject) {
 }
 
 ProcessServices MakeProcessServices() {
+    setenv("TZ", "IST-5:30", 1);  // a time zone whose sign and minutes count
     return {MakePosixProcess(0, nullptr), MakePosixChildProcesses(), MakePosixSharedFiles(),
-            MakePosixClock()};
+            MakePosixClock(), MakePosixMachine()};
 }
 
 }  // namespace vantor::contract

@@ -90,6 +90,12 @@ TEST_F(ProcessesContract, ARecordBeginsALineAndTheHeaderIsThatOfAnEmptyFile) {
         EXPECT_NE(Raised([&] { services.sharedFiles->Append(path, "", "r"); }).Number(), 0) << path;
 }
 
+// PosixSubject.cpp and run_under_wine.sh set the time zone.
+TEST_F(ProcessesContract, TheMachineIsNamedAndKnowsItsTimeZone) {
+    EXPECT_EQ(services.machine->UtcOffsetMinutes(), 330);
+    EXPECT_FALSE(services.machine->HostName().empty() || services.machine->UserName().empty());
+}
+
 }  // namespace
 }  // namespace vantor::contract
 

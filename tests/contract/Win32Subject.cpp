@@ -62,8 +62,8 @@ void MakeNative(Subject& subject) {
 }
 
 ProcessServices MakeProcessServices() {
-    return {MakeWin32Process(), MakeWin32ChildProcesses(), MakeWin32SharedFiles(),
-            MakeWin32Clock()};
+    return {MakeWin32Process(), MakeWin32ChildProcesses(), MakeWin32SharedFiles(), MakeWin32Clock(),
+            MakeWin32Machine()};
 }
 
 }  // namespace vantor::contract

@@ -56,6 +56,7 @@ run() {
 export VANTOR_COM1="$folder/line1" VANTOR_COM2="$folder/line2"
 CONTRACT_PULL=$(printf 'Z:%s' "$folder/pull" | tr / '\134')
 export CONTRACT_PULL
+export TZ=IST-5:30  # a time zone whose sign and minutes count
 lay_wire
 status=0
 LC_ALL=C.UTF-8 run || status=1

@@ -123,7 +123,7 @@ const std::map<std::string, Condition>& Conditions() {
         {"small", [](S& s, W&) { return IsIconic(s.app->WindowHandle()) != 0; }},
         {"place",
          [](S& s, W& w) {
-             const RECT at = s.app->Area();
+             const RECT at = s.Now().Area();
              return at.left == Number(w[1]) && at.top == Number(w.at(2)) &&
                     at.right == at.left + Number(w.at(3)) && at.bottom == at.top + Number(w.at(4));
          }},
@@ -199,6 +199,7 @@ const std::map<std::string, Action>& Actions() {
         {"input-taken", [](S& s, W&) { s.app->AwaitInputTaken(); }},
         {"minimises", [](S& s, W&) { s.System(SC_MINIMIZE); }},
         {"maximises", [](S& s, W&) { s.System(SC_MAXIMIZE); }},
+        {"restores", [](S& s, W&) { s.System(SC_RESTORE); }},
         {"menu-bar", [](S& s, W&) { s.System(SC_KEYMENU); }},
         {"moves",
          [](S& s, W& w) {

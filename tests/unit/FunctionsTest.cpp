@@ -18,6 +18,7 @@
 #include "flash/FirmwareImage.hpp"
 #include "platform/headless/HeadlessPlatform.hpp"
 #include "platform/portable/RegistryHive.hpp"
+#include "platform/portable/UsbNames.hpp"
 #include "simulator/Fault.hpp"
 #include "simulator/RunningMode.hpp"
 #include "simulator/UartPacing.hpp"
@@ -307,6 +308,10 @@ const std::map<std::string, std::function<std::string(const Words&)>> kFunctions
     {"Measures", Measures},
     {"Sha256", [](const Words& w) { return Digest(ImageFrom({w.at(1)})); }},
     {"Port", ChosenOf},
+    {"UsbNames", [](const Words& w) {
+        SerialPortInfo port;
+        TakeUsbNames(w.at(1), port);
+        return Row(port.usbId, port.serialNumber) + "|"; }},
     {"Worse", [](const Words& w) {
         const auto a = static_cast<ExitStatus>(Whole(w.at(1)));
         const auto b = static_cast<ExitStatus>(Whole(w.at(2)));

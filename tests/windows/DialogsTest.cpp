@@ -11,6 +11,8 @@
 #include "platform/win32/services/Win32Services.hpp"
 #include "tests/windows/RealWindows.hpp"
 
+#include <dlgs.h>
+
 namespace vantor {
 namespace {
 
@@ -75,6 +77,8 @@ TEST_F(Dialogs, EachBelongsToItsOwnerAndDisablesItAndEveryOtherWindow) {
         });
         EXPECT_TRUE(IsWindowEnabled(WindowOf(*owner)) && IsWindowEnabled(WindowOf(*other)));
     }
+    other->Show();  // again
+    EXPECT_EQ(GetActiveWindow(), WindowOf(*other));
 }
 
 TEST_F(Dialogs, ABoxHasTheWantedTextIconAndButtonsAndReturnsTheAnswer) {
@@ -84,42 +88,37 @@ TEST_F(Dialogs, ABoxHasTheWantedTextIconAndButtonsAndReturnsTheAnswer) {
         BoxIcon icon;
         const wchar_t* system;
         BoxButtons buttons;
-        std::vector<int> ids;
         int press;
         BoxAnswer answer;
-    } kRows[] = {
-        {BoxIcon::None, nullptr, BoxButtons::Ok, {IDOK}, IDOK, BoxAnswer::Ok},
-        {BoxIcon::Critical, IDI_ERROR, BoxButtons::YesNo, {IDYES, IDNO}, IDYES, BoxAnswer::Yes},
-        {BoxIcon::Question, IDI_QUESTION, BoxButtons::YesNo, {IDYES, IDNO}, IDNO, BoxAnswer::No},
-        {BoxIcon::Exclamation, IDI_WARNING, BoxButtons::Ok, {IDOK}, IDOK, BoxAnswer::Ok},
-        {BoxIcon::Information,
-         IDI_INFORMATION,
-         BoxButtons::YesNoCancel,
-         {IDCANCEL, IDYES, IDNO},
-         IDCANCEL,
-         BoxAnswer::Cancel}};
+    } kRows[] = {{BoxIcon::None, nullptr, BoxButtons::Ok, IDOK, BoxAnswer::Ok},
+                 {BoxIcon::Critical, IDI_ERROR, BoxButtons::YesNo, IDYES, BoxAnswer::Yes},
+                 {BoxIcon::Question, IDI_QUESTION, BoxButtons::YesNo, IDNO, BoxAnswer::No},
+                 {BoxIcon::Exclamation, IDI_WARNING, BoxButtons::Ok, IDOK, BoxAnswer::Ok},
+                 {BoxIcon::Information, IDI_INFORMATION, BoxButtons::YesNoCancel, IDCANCEL,
+                  BoxAnswer::Cancel}};
     for (const auto& row : kRows) {
         BoxAnswer answer{};
         Run(
             [&] {
-                answer = boxes->Show({.text = "Año", .icon = row.icon, .buttons = row.buttons});
+                answer = boxes->Show({.text = "Año",
+                                      .icon = row.icon,
+                                      .buttons = row.buttons,
+                                      .declinesByDefault = row.press == IDNO});
             },
             [&](HWND box) {
                 EXPECT_EQ(driver::TextOf(GetDlgItem(box, kText)), "Año");
                 EXPECT_EQ(SendDlgItemMessageW(box, kIcon, STM_GETICON, 0, 0),
                           reinterpret_cast<LRESULT>(
                               row.system == nullptr ? nullptr : LoadIconW(nullptr, row.system)));
-                std::vector<int> ids;
-                for (const int id : {IDOK, IDCANCEL, IDYES, IDNO})
-                    if (GetDlgItem(box, id) != nullptr) ids.push_back(id);
-                EXPECT_EQ(ids, row.ids);
+                EXPECT_EQ(GetDlgItem(box, IDCANCEL) != nullptr, row.press == IDCANCEL);
+                EXPECT_EQ(GetDlgCtrlID(GetFocus()), row.press == IDCANCEL ? IDYES : row.press);
                 driver::PressIn(box, row.press);
             });
         EXPECT_EQ(answer, row.answer);
     }
 }
 
-TEST_F(Dialogs, AFileDialogStartsInItsFolderAndASavedNameGetsTheExtension) {
+TEST_F(Dialogs, AFileDialogStartsInItsFolderWithItsFilterAndASavedNameGetsTheExtension) {
     const std::string folder = std::filesystem::temp_directory_path().string();
     const std::wstring current = CurrentFolder();
     for (const bool save : {false, true}) {
@@ -127,9 +126,14 @@ TEST_F(Dialogs, AFileDialogStartsInItsFolderAndASavedNameGetsTheExtension) {
         record.title = kTitle;
         record.initialFolder = folder;
         record.defaultExtension = ".txt";
+        record.filter = std::string("Texts\0*.txt\0All\0*.*\0", 20);
+        record.filterIndex = 2;
         bool chosen = false;
         Run([&] { chosen = save ? dialogs->SaveFile(record) : dialogs->OpenFile(record); },
-            [&](HWND dialog) { driver::Fill(dialog, save ? "año" : "año.txt"); });
+            [&](HWND dialog) {
+                EXPECT_EQ(driver::TextOf(GetDlgItem(dialog, cmb1)), "All");
+                driver::Fill(dialog, save ? "año" : "año.txt");
+            });
         EXPECT_TRUE(chosen);
         EXPECT_EQ(record.file.c_str(), folder + "año.txt");
         EXPECT_STREQ(record.fileTitle.c_str(), "año.txt");

@@ -9,20 +9,31 @@
 #include "app/frmMain.hpp"
 #include "dialogs/frmAbout.hpp"
 #include "dialogs/frmStatus.hpp"
-#include "monitor/frmFind.hpp"
 #include "monitor/frmMonitor.hpp"
 #include "platform/win32/windows/Win32ChildControl.hpp"
+#include "platform/win32/windows/Win32MenuBar.hpp"
 #include "settings/frmConfigure.hpp"
 #include "simulator/VirtualIndicator.hpp"
 #include "tests/driver/Bitmap.hpp"
 #include "tests/faults/Images.hpp"
 #include "tests/unit/Wire.hpp"
 #include "tests/windows/RealWindows.hpp"
+#include "tests/windows/Replaced.hpp"
 
 #include <commctrl.h>
 #include <oleacc.h>
 
 namespace vantor {
+namespace {
+
+std::wstring gBlockReason;
+
+}  // namespace
+
+REPLACED(ShutdownBlockReasonCreate,
+         [](HWND, const wchar_t* reason) -> BOOL { return gBlockReason = reason, TRUE; });
+REPLACED(ShutdownBlockReasonDestroy, [](HWND) -> BOOL { return gBlockReason.clear(), TRUE; });
+
 namespace {
 
 BOOL CALLBACK CountWindow(HWND, LPARAM total) {
@@ -174,10 +185,9 @@ protected:
     }
     ~PeersOfTheOptions() override { options->Unload(); }
 
-    bool IsOpen() const {
-        const LRESULT state =
-            SendMessageW(tree, TVM_GETITEMSTATE, reinterpret_cast<WPARAM>(heading), TVIS_EXPANDED);
-        return (state & TVIS_EXPANDED) != 0;
+    bool HeadingIs(UINT state) const {
+        const auto item = reinterpret_cast<WPARAM>(heading);
+        return (SendMessageW(tree, TVM_GETITEMSTATE, item, LPARAM{state}) & state) != 0;
     }
     void Notify(UINT code) const {
         NMTREEVIEWW told{};
@@ -187,6 +197,7 @@ protected:
     }
     void ExpectTheHeading() const {
         EXPECT_FALSE(options->picHolder[0].Enabled());
+        EXPECT_EQ(Pixel(ChildOf(*options, "picSelection"), 1, 1), GetSysColor(COLOR_ACTIVECAPTION));
         EXPECT_EQ(options->picSelection.PrintedTexts().at(0).text, "Communications");
         RECT page{};
         GetWindowRect(ChildOf(*options, "picDetails"), &page);
@@ -208,23 +219,24 @@ protected:
 };
 
 TEST_F(PeersOfTheOptions, ShowTheHeadingWhenItIsClosedOverThePage) {
-    ASSERT_TRUE(IsOpen() && options->picHolder[0].Enabled());
+    ASSERT_TRUE(HeadingIs(TVIS_EXPANDED) && options->picHolder[0].Enabled());
+    EXPECT_TRUE(HeadingIs(TVIS_BOLD));
     TVHITTESTINFO button{};
     button.pt.y = 8;
     while ((button.flags & TVHT_ONITEMBUTTON) == 0 && ++button.pt.x < 40)
         SendMessageW(tree, TVM_HITTEST, 0, reinterpret_cast<LPARAM>(&button));
     SendMessageW(tree, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(button.pt.x, button.pt.y));
     SendMessageW(tree, WM_LBUTTONUP, 0, MAKELPARAM(button.pt.x, button.pt.y));
-    EXPECT_FALSE(IsOpen());
+    EXPECT_FALSE(HeadingIs(TVIS_EXPANDED));
     ExpectTheHeading();
 }
 
 TEST_F(PeersOfTheOptions, TheLeftKeyShowsTheHeadingAndThenClosesIt) {
     TypeInto("tvwOptions", {VK_LEFT});
-    EXPECT_TRUE(IsOpen());
+    EXPECT_TRUE(HeadingIs(TVIS_EXPANDED));
     ExpectTheHeading();
     TypeInto("tvwOptions", {VK_LEFT});
-    EXPECT_FALSE(IsOpen());
+    EXPECT_FALSE(HeadingIs(TVIS_EXPANDED));
 }
 
 // In an open list the arrow keys do not select; only the item at closing counts.
@@ -246,44 +258,10 @@ TEST_F(PeersOfTheOptions, AListReportsItsItemOnceWhenItClosesTheSameOneTooAndNon
 TEST_F(PeersOfTheOptions, OpenNothingAgainWhileItCloses) {
     SendMessageW(tree, TVM_EXPAND, TVE_COLLAPSE, reinterpret_cast<LPARAM>(heading));
     Notify(TVN_SELCHANGEDW);
-    EXPECT_FALSE(IsOpen());
+    EXPECT_FALSE(HeadingIs(TVIS_EXPANDED));
     Notify(TVN_ITEMEXPANDEDW);
-    EXPECT_FALSE(IsOpen());
+    EXPECT_FALSE(HeadingIs(TVIS_EXPANDED));
     ExpectTheHeading();
-}
-
-TEST_F(RealPeers, AnEditableListTakesTypedTextStepsThroughItsHistoryAndLeavesEnterAndEscToTheBox) {
-    std::vector<std::string> history = {"newer", "older"};
-    const auto box = std::make_shared<frmFind>(platform.manager, platform.strings, history);
-    std::string searched;
-    box->Search.Connect([&](const frmFind::Request& request, Str& result) {
-        searched += request.text + " ";
-        if (request.text != "older") result = Str::NotFound;
-    });
-    box->Show();
-    const HWND edit = GetWindow(ChildOf(*box, "cboText"), GW_CHILD);
-    SetFocus(edit);
-    SendMessageW(edit, EM_SETSEL, 0, -1);
-    Post(edit, WM_CHAR, 'x');
-    Post(edit, WM_CHAR, L'ñ');
-    EXPECT_EQ(box->cboText.Text(), "xñ");
-    Post(edit, WM_KEYDOWN, VK_RETURN);
-    EXPECT_EQ(box->lblResult.Caption(), "Not found.");
-    for (int i = 0; i < 4 && box->cboText.Text() != "older"; ++i) {
-        Post(edit, WM_KEYDOWN, VK_DOWN);
-        platform.queue.PumpPending();  // the choice
-    }
-    Post(edit, WM_KEYDOWN, VK_RETURN);
-    EXPECT_EQ(searched, "xñ older ");
-    EXPECT_EQ(driver::TextOf(edit), "older");
-    EXPECT_EQ(box->lblResult.Caption(), "");
-    EXPECT_EQ(history, (std::vector<std::string>{"older", "xñ", "newer"}));
-    window->Show();
-    ASSERT_EQ(GetActiveWindow(), WindowOf(*window));
-    box->Show();  // again
-    EXPECT_EQ(GetFocus(), edit);
-    Post(edit, WM_KEYDOWN, VK_ESCAPE);
-    EXPECT_TRUE(box->Gone());
 }
 
 class PeersInAFlash : public RealPeers {
@@ -328,6 +306,7 @@ TEST_F(PeersInAFlash, RefuseShutdownAndSleepAndHonourBothWhenIdle) {
     platform.boxes.whileOpen = [&](const MessageBoxRequest& box) {
         ++boxes;
         EXPECT_FALSE(mayEnd()) << box.text;
+        EXPECT_EQ(gBlockReason, L"Updating Indicator");
         EXPECT_EQ(wake(), ES_CONTINUOUS | ES_SYSTEM_REQUIRED) << box.text;
     };
     Flash();
@@ -336,7 +315,10 @@ TEST_F(PeersInAFlash, RefuseShutdownAndSleepAndHonourBothWhenIdle) {
                  window->Session().Flags().mblnAbortFlash);
     EXPECT_TRUE(mayEnd());
     EXPECT_EQ(wake(), ES_CONTINUOUS);
+    EXPECT_EQ(gBlockReason, L"");
     EXPECT_EQ(GetCursor(), LoadCursorW(nullptr, IDC_ARROW));
+    SendMessageW(WindowOf(*window), WM_ENDSESSION, FALSE, 0);
+    EXPECT_FALSE(window->Gone()) << "another program has refused";
     SendMessageW(WindowOf(*window), WM_ENDSESSION, TRUE, 0);
     EXPECT_TRUE(window->Gone());
 }
@@ -379,13 +361,10 @@ TEST_F(PeersOfTheMainWindow, ThePictureIsClickedAsAButtonIs) {
          0},
         {"Space", {{WM_KEYDOWN, VK_SPACE}, {WM_KEYDOWN, VK_SPACE, kHeldDown}}, 1},
         {"Enter", {{WM_KEYDOWN, VK_RETURN}, {WM_KEYDOWN, VK_RETURN, kHeldDown}}, 1}};
-    for (const bool flashing : {false, true}) {
-        window->EnableButtons(!flashing);
-        for (const auto& row : kRows) {
-            for (const Message& each : row.messages)
-                Post(picture, each.number, each.first, each.second);
-            EXPECT_EQ(Opened(), flashing ? 0 : row.opened) << row.what;
-        }
+    for (const auto& row : kRows) {
+        for (const Message& each : row.messages)
+            Post(picture, each.number, each.first, each.second);
+        EXPECT_EQ(Opened(), row.opened) << row.what;
     }
     EXPECT_EQ(platform.dialogs.shown.size(), 0u) << "Enter pressed the default button";
 }
@@ -404,12 +383,19 @@ TEST_F(PeersOfTheMainWindow, TabLeadsToThePictureWhichShowsItAndNothingElseDoes)
     Type(VK_TAB);
     EXPECT_EQ(GetFocus(), button);
     EXPECT_NE(edge(0), GetSysColor(COLOR_WINDOWTEXT));
+    const HMENU menu = GetMenu(WindowOf(*window));
+    constexpr UINT kFlashItem = Win32MenuBar::kFirstCommand + 1;
+    wchar_t caption[64] = {};
+    GetMenuStringW(menu, kFlashItem, caption, 64, MF_BYCOMMAND);
+    EXPECT_STREQ(caption, L"&Update Indicator...") << "translated";
+    const auto isGrey = [&] { return (GetMenuState(menu, kFlashItem, 0) & MF_GRAYED) != 0; };
     window->EnableButtons(false);
+    EXPECT_TRUE(isGrey());
     EXPECT_EQ(GetFocus(), WindowOf(*window)) << "not to a picture, nor to a disabled button";
     window->EnableButtons(true);
+    EXPECT_FALSE(isGrey());
     EXPECT_EQ(GetFocus(), button);
     window->ShowFunction(MainPanel::Flash);
-    EXPECT_EQ(GetFocus(), ChildOf(*window, "cmdFlashAbort")) << "not to a hidden button";
     SetForegroundWindow(GetDesktopWindow());
     SetActiveWindow(nullptr);
     window->ShowFunction(MainPanel::Startup);
@@ -435,11 +421,17 @@ TEST_F(PeersOfTheMainWindow, TheWaitCursorIsThatOfEveryControlUntilItIsTakenBack
     }
 }
 
-TEST_F(PeersOfTheMainWindow, NoUserMakesItSmallerThanItsDesignAllows) {
+TEST_F(PeersOfTheMainWindow, TheDesignDecidesFontAndBorder) {
     window->Show();
-    SetWindowPos(WindowOf(*window), nullptr, 0, 0, 9, 9, SWP_NOMOVE | SWP_NOZORDER);
-    EXPECT_EQ(window->Place().width, window->Design().smallest.width);
-    EXPECT_EQ(window->Place().height, window->Design().smallest.height);
+    const auto fontOf = [this](const char* name) {
+        LOGFONTW font{};
+        const LRESULT used = SendMessageW(ChildOf(*window, name), WM_GETFONT, 0, 0);
+        GetObjectW(reinterpret_cast<HFONT>(used), sizeof font, &font);
+        return std::pair(font.lfHeight, font.lfWeight > FW_NORMAL);
+    };
+    EXPECT_EQ(fontOf("lblStatus"), (std::pair(LONG{-19}, true))) << "14 points";
+    EXPECT_EQ(fontOf("lblUpdateStatus"), (std::pair(LONG{-12}, false)));
+    EXPECT_NE(GetWindowLongPtrW(ChildOf(*window, "pbarStatus"), GWL_EXSTYLE) & WS_EX_STATICEDGE, 0);
 }
 
 TEST_F(PeersOfTheMainWindow, ThePictureHasAToolTipThatChangesAndGoes) {
@@ -503,52 +495,13 @@ TEST_F(PeersOfTheMainWindow, APictureIsShownWholeInTheMiddleAndUndistorted) {
             Pixel(place, fillsHeight ? middle + x + 4 : middle, fillsHeight ? half : half - y - 4),
             ground);
     }
+    window->picPicture.Loaded(nullptr);
+    EXPECT_NE(Pixel(place, 4, 4), ground) << "the banner";
     using namespace std::string_literals;
     for (const std::string& bytes : {"Not a picture\r\n"s, "\xFF\xD8\xFF\xC0\0\x11\x08\0\x10\0"s}) {
         platform.files.Add("a.bmp", bytes);
         EXPECT_EQ(Raised([this] { platform.images.Load("a.bmp"); }).Number(), 481);
     }
-}
-
-/// To a pixel.
-void ExpectInTheMiddle(const Place& place, const Place& of) {
-    constexpr float kPixel = 15;
-    EXPECT_NEAR(place.left + place.width / 2, of.left + of.width / 2, kPixel);
-    EXPECT_NEAR(place.top + place.height / 2, of.top + of.height / 2, kPixel);
-}
-
-TEST_F(PeersOfTheMainWindow, ADialogOfAMinimisedWindowOpensWhereThatWindowWasAndOnTheScreen) {
-    window->Show();
-    const Place screen = platform.windows.WorkArea({});
-    const Place sound = {1500, 1500, 8400, 6600};
-    const Place overhanging = {screen.width - 600, -3000, 8400, 6600};
-    for (const Place& place : {sound, overhanging}) {
-        window->Place(place);
-        window->State(WindowState::Minimised);
-        EXPECT_TRUE(IsIconic(WindowOf(*window)));
-        const auto dialog = std::make_shared<frmStatus>(platform.manager, platform.strings);
-        dialog->Load();
-        dialog->CenterOn(*window);
-        const Place& at = dialog->Place();
-        if (place == sound) ExpectInTheMiddle(at, place);
-        EXPECT_TRUE(at.left >= 0 && at.left + at.width <= screen.width && at.top >= 0)
-            << at.left << ',' << at.top;
-        dialog->Unload();
-        window->State(WindowState::Normal);
-        EXPECT_EQ(window->Place(), place);
-    }
-}
-
-TEST_F(PeersOfTheMainWindow, AWindowThatReopensMaximisedIsRestoredToItsDesignSizeInTheMiddle) {
-    platform.registry.Import(
-        RegistryWith("Positions", "\"frmMain\"=\"L=-60;T=-60;W=15480;H=11640;S=2;\"\n"));
-    window->Show();
-    EXPECT_EQ(window->State(), WindowState::Maximised);
-    window->State(WindowState::Normal);
-    EXPECT_EQ(window->State(), WindowState::Normal);
-    EXPECT_EQ(window->Place().width, window->Design().place.width);
-    EXPECT_EQ(window->Place().height, window->Design().place.height);
-    ExpectInTheMiddle(window->Place(), platform.windows.WorkArea({}));
 }
 
 TEST_F(PeersOfTheMainWindow, AnErrorInWhatTheSystemCallsIsReportedAndGoesNoFurther) {
@@ -594,6 +547,9 @@ TEST_F(RealPeers, TheAboutWindowOpensWithNoButtonThatLooksChosen) {
     const auto about = std::make_shared<frmAbout>(platform.manager, platform.strings);
     about->Show();
     const HWND ok = ChildOf(*about, "cmdOK");
+    EXPECT_EQ(GetWindowLongPtrW(WindowOf(*about), GWL_STYLE) & WS_THICKFRAME, 0);
+    EXPECT_NE(GetClassLongPtrW(WindowOf(*about), GCLP_HICON), 0u);
+    EXPECT_NE(SendMessageW(ChildOf(*about, "imgLogo"), STM_GETICON, 0, 0), 0);
     EXPECT_EQ(GetFocus(), ChildOf(*about, "cmdFocus"));
     EXPECT_EQ(GetWindowLongPtrW(ok, GWL_STYLE) & BS_TYPEMASK, BS_PUSHBUTTON);
     for (int i = 0; i < 2; ++i) {

@@ -7,11 +7,8 @@
 #include <stdexcept>
 #include <string>
 
-#include "dialogs/CVersionInfo.hpp"
-#include "platform/portable/CompiledStrings.hpp"
 #include "platform/win32/services/Win32Handle.hpp"
 #include "platform/win32/services/Win32Services.hpp"
-#include "resources/Version.h"
 #include "tests/driver/App.hpp"
 
 namespace vantor {
@@ -22,6 +19,10 @@ constexpr int kInterrupted = 6;
 constexpr const wchar_t* kSignal = L"Vantor signal of a test";
 constexpr const char* kTitle = "Last words \\ of a test";
 
+bool SignalTest() {
+    return SetEvent(OpenEventW(EVENT_MODIFY_STATE, FALSE, kSignal)) != 0;
+}
+
 int DoJob(Process& process) {
     const std::string& job = process.Arguments().front();
     process.InstallUnhandledExceptionFilter(kTitle);
@@ -29,11 +30,23 @@ int DoJob(Process& process) {
     if (job == "crash") RaiseException(EXCEPTION_ACCESS_VIOLATION, 0, 0, nullptr);
     const auto console = MakeWin32Console();
     if (job == "flash") {
-        console->HoldSystem("Updating Indicator");
+        for (const char* const reason : {"An update before", "", "Updating Indicator"}) {
+            console->HoldSystem(reason);
+            const bool held = *reason != '\0';
+            HWND window = nullptr;
+            while (window == nullptr) window = FindWindowW(L"VantorEndOfSession", nullptr);
+            if ((SendMessageW(window, WM_QUERYENDSESSION, 0, 0) == FALSE) != held ||
+                SetThreadExecutionState(ES_SYSTEM_REQUIRED) !=
+                    (held ? ES_CONTINUOUS | ES_SYSTEM_REQUIRED : ES_CONTINUOUS))
+                return 1;
+        }
+        SignalTest();
         while (!console->TakeInterrupt()) Sleep(1);
+        Sleep(100);  // the last stage
+        SignalTest();
         return kInterrupted;
     }
-    if (job == "signal") return SetEvent(OpenEventW(EVENT_MODIFY_STATE, FALSE, kSignal)) ? 0 : 1;
+    if (job == "signal") return SignalTest() ? 0 : 1;
     // "echo"
     for (const std::string& argument : process.Arguments()) console->Write(argument + "|");
     for (auto line = console->ReadLine(); line; line = console->ReadLine())
@@ -52,17 +65,6 @@ PROCESS_INFORMATION Start(const std::wstring& job) {
         throw std::runtime_error("this program does not start again");
     CloseHandle(started.hThread);
     return started;
-}
-
-TEST(Process, OnlyOneHoldsThePlaceAndGivesItBackAtItsEnd) {
-    std::unique_ptr<Process> first = MakeWin32Process();
-    EXPECT_FALSE(first->AnotherInstanceRuns(kTitle));
-    EXPECT_FALSE(first->AnotherInstanceRuns(kTitle));
-    EXPECT_TRUE(MakeWin32Process()->AnotherInstanceRuns(kTitle));
-    EXPECT_TRUE(MakeWin32Process()->AnotherInstanceRuns(kTitle));
-    EXPECT_FALSE(MakeWin32Process()->AnotherInstanceRuns("Another title"));
-    first.reset();
-    EXPECT_FALSE(MakeWin32Process()->AnotherInstanceRuns(kTitle));
 }
 
 TEST(Process, AnUnhandledErrorIsNamedInABoxAndEndsTheProgram) {
@@ -90,13 +92,15 @@ TEST(Process, AnUnhandledErrorIsNamedInABoxAndEndsTheProgram) {
 }
 
 TEST(Console, TheEndOfTheUsersSessionIsRefusedDuringAFlashAndComesAsTheInterruptKey) {
+    const Win32Handle signal(CreateEventW(nullptr, FALSE, FALSE, kSignal));
     const Win32Handle process(Start(L"flash").hProcess);
-    const auto window = [] { return FindWindowW(L"VantorEndOfSession", nullptr); };
-    const auto refuses = [&] { return SendMessageW(window(), WM_QUERYENDSESSION, 0, 0) == FALSE; };
-    while ((window() == nullptr || !refuses()) &&
-           WaitForSingleObject(process.Get(), 10) == WAIT_TIMEOUT)
-        continue;
-    SendNotifyMessageW(window(), WM_ENDSESSION, TRUE, 0);
+    const HANDLE either[] = {signal.Get(), process.Get()};
+    ASSERT_EQ(WaitForMultipleObjects(2, either, FALSE, 60'000), WAIT_OBJECT_0);
+    const HWND window = FindWindowW(L"VantorEndOfSession", nullptr);
+    SendMessageW(window, WM_ENDSESSION, FALSE, 0);  // another program has refused
+    EXPECT_EQ(WaitForSingleObject(signal.Get(), 200), DWORD{WAIT_TIMEOUT});
+    SendMessageW(window, WM_ENDSESSION, TRUE, 0);
+    EXPECT_EQ(WaitForSingleObject(signal.Get(), 0), WAIT_OBJECT_0) << "ended before the last stage";
     DWORD ended = 0;
     WaitForSingleObject(process.Get(), INFINITE);
     GetExitCodeProcess(process.Get(), &ended);
@@ -119,15 +123,6 @@ TEST(Shell, OpensWhatItIsGivenAndFollowsWhatItStarts) {
     EXPECT_LT(shell->Execute({.file = "C:\\no\\such.exe"}), kFirstShellSuccess);
     EXPECT_LT(shell->Start({}, process), kFirstShellSuccess);
     EXPECT_EQ(process, 0u);
-}
-
-TEST(Versions, OfAProgramFileAreReadFromItsResource) {
-    const auto files = MakeWin32FileVersions();
-    const CompiledStrings strings(Language::English);
-    CVersionInfo info(*files, strings);
-    EXPECT_EQ(info.FileVersion(MakeWin32Process()->ExecutablePath()), VANTOR_VERSION);
-    EXPECT_EQ(info.GetInfoBlock("FileVersion").substr(0, 1), std::string(VANTOR_VERSION, 1));
-    EXPECT_EQ(info.FileVersion("C:\\no\\such.exe"), "Unknown");
 }
 
 }  // namespace

@@ -100,6 +100,16 @@ TEST_F(Pump, InputIsSeenBeforeATickThatIsInTheQueueAndMayStopItsTimer) {
     EXPECT_EQ(ticks, 0);
 }
 
+TEST_F(Pump, ATimerTicksThoughMessagesNeverEnd) {
+    Win32MessagePump own;  // without sources, whose timer would come first
+    int ticks = 0;
+    own.StartTimer(10, [&] { ++ticks; });
+    Sleep(100);
+    for (int i = 0; i < 2000; ++i) PostMessageW(WindowOf(*window), WM_NULL, 0, 0);
+    own.PumpPending();
+    EXPECT_EQ(ticks, 1);
+}
+
 TEST_F(Pump, QuitInsideAModalWindowEndsItsLoopAndTheOneAround) {
     bool entered = false;
     bool quit = false;

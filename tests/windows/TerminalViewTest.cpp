@@ -1,7 +1,7 @@
 // The terminal's window: its size, what it paints, and the effect of mouse, wheel and keys on its
 // control.
 #include <cstdlib>
-#include <initializer_list>
+#include <set>
 #include <string>
 #include <utility>
 #include <vector>
@@ -24,6 +24,7 @@ REPLACED(SystemParametersInfoW, [](UINT action, UINT number, void* value, UINT f
     static const auto system =
         reinterpret_cast<decltype(&SystemParametersInfoW)>(reinterpret_cast<void*>(
             GetProcAddress(GetModuleHandleW(L"user32"), "SystemParametersInfoW")));
+    if (action == SPI_GETWHEELSCROLLLINES) return *static_cast<UINT*>(value) = 2, TRUE;
     if (action != SPI_GETHIGHCONTRAST) return system(action, number, value, flags);
     static_cast<HIGHCONTRASTW*>(value)->dwFlags = gHighContrast ? HCF_HIGHCONTRASTON : 0;
     return TRUE;
@@ -61,7 +62,6 @@ protected:
             for (const int key : held) keys[key] = 0x80;
             SetKeyboardState(keys);
         }
-        Held(std::initializer_list<int> held) : Held(std::vector<int>(held)) {}
         Held(const Held&) = delete;
         Held& operator=(const Held&) = delete;
         ~Held() {
@@ -102,8 +102,11 @@ TEST_F(TerminalView, TheFirstSizeIs80By24AndEachOtherIsShownWhileTheUserSizes) {
 TEST_F(TerminalView, ADragMarksTextWhichCtrlCCopiesInsteadOfBeingSent) {
     terminal.PerformCommand(TerminalCommand::Open);
     terminal.ScrollTo(0);
+    SetFocus(nullptr);
     Send(WM_LBUTTONDOWN, MK_LBUTTON, At(1, 5));
+    EXPECT_EQ(GetFocus(), view);
     Send(WM_MOUSEMOVE, MK_LBUTTON, At(2, 6));
+    EXPECT_EQ(Pixel(view, 5 * width, height), GetSysColor(COLOR_HIGHLIGHT));
     Send(WM_LBUTTONUP, 0, At(2, 6));
     Send(WM_MOUSEMOVE, 0, At(4, 0));
     EXPECT_EQ(terminal.SelectedText(), "11\r\nline 1");
@@ -127,17 +130,12 @@ TEST_F(TerminalView, EachFurtherClickSelectsALargerPart) {
     Send(WM_LBUTTONUP, 0, At(1, 2));
     EXPECT_EQ(terminal.SelectedText(), "one two\r\nthree four") << "by line, as it was begun";
     {
-        const Held alt{VK_MENU};
+        const Held alt({VK_MENU});
         Send(WM_LBUTTONDOWN, MK_LBUTTON, At(0, 1));
         Send(WM_MOUSEMOVE, MK_LBUTTON, At(1, 3));
         Send(WM_LBUTTONUP, 0, At(1, 3));
     }
     EXPECT_EQ(terminal.SelectedText(), "ne\r\nhr");
-    Send(WM_LBUTTONDOWN, MK_LBUTTON, At(0, 4));
-    Send(WM_LBUTTONUP, 0, At(0, 4));
-    Send(WM_LBUTTONDOWN, MK_LBUTTON | MK_SHIFT, At(1, 5));
-    Send(WM_LBUTTONUP, 0, At(1, 5));
-    EXPECT_EQ(terminal.SelectedText(), "two\r\nthree") << "from the click before";
 }
 
 TEST_F(TerminalView, TheTwoHalvesOfACharacterAreOne) {
@@ -171,8 +169,10 @@ TEST_F(TerminalView, NewTextIsAnnouncedNowAndThen) {
 
 TEST_F(TerminalView, EveryKeyDoesItsWork) {
     terminal.PerformCommand(TerminalCommand::Open);
+    terminal.Options({.breakKey = true});
     const std::int64_t bottom = screen.TopLine();
     const int page = screen.Rows() - 1;
+    const int toBottom = static_cast<int>(bottom) - page;  // as a break does
     const struct {
         WPARAM key;
         std::vector<int> held;
@@ -206,12 +206,17 @@ TEST_F(TerminalView, EveryKeyDoesItsWork) {
                  {VK_INSERT, {VK_SHIFT, VK_CONTROL}, "\x1b[2;6~"},
                  {VK_INSERT, {}, "\x1b[2~"},
                  {VK_INSERT, {VK_CONTROL}, "", 0, "line"},
-                 {VK_PAUSE, {}, ""},
+                 {VK_F10, {VK_SHIFT}, ""},
+                 {VK_F4, {VK_MENU}, ""},
+                 {VK_UP, {VK_MENU}, ""},
                  {VK_PRIOR, {}, "\x1b[5~"},
                  {VK_PRIOR, {VK_SHIFT}, "", -page},
                  {VK_NEXT, {VK_SHIFT}, "", page},
                  {VK_UP, {VK_SHIFT, VK_CONTROL}, "", -1},
-                 {VK_HOME, {VK_SHIFT, VK_CONTROL}, "", -page}};
+                 {VK_HOME, {VK_SHIFT, VK_CONTROL}, "", -page},
+                 {VK_CANCEL, {VK_CONTROL}, "", toBottom},
+                 {VK_PAUSE, {}, "", toBottom},
+                 {'F', {VK_SHIFT, VK_CONTROL}, ""}};
     for (const auto& row : kRows) {
         SCOPED_TRACE(row.key);
         wire.received.clear();
@@ -262,14 +267,22 @@ TEST_F(TerminalView, ModesOfTheFarEndAndTheKeypadDecideWhatIsSent) {
     screen.modes.applicationCursorKeys = true;
     screen.modes.applicationKeypad = true;
     Send(WM_KEYDOWN, VK_UP, kExtended);
-    Send(WM_KEYDOWN, VK_UP);  // 8, without NumLock
     Send(WM_KEYDOWN, VK_NUMPAD8);
     Send(WM_CHAR, '8');
     Send(WM_KEYDOWN, VK_RETURN, kExtended);
     Send(WM_CHAR, '\r');
     Send(WM_SYSKEYDOWN, VK_F10);
     Send(WM_SYSKEYUP, VK_F10);  // opens no menu, which would wait for the user
-    EXPECT_EQ(wire.received, "\x1bOA\x1bOx\x1bOx\x1bOM\x1b[21~");
+    EXPECT_EQ(wire.received, "\x1bOA\x1bOx\x1bOM\x1b[21~");
+    constexpr WPARAM kKeys[] = {VK_INSERT,  VK_END,      VK_DOWN,     VK_NEXT,  VK_LEFT,   VK_CLEAR,
+                                VK_RIGHT,   VK_HOME,     VK_UP,       VK_PRIOR, VK_DELETE, VK_ADD,
+                                VK_DECIMAL, VK_SUBTRACT, VK_MULTIPLY, VK_DIVIDE};
+    std::string last;
+    for (const WPARAM key : kKeys) {  // those with two meanings without NumLock
+        Send(WM_KEYDOWN, key);
+        last += wire.received.back();
+    }
+    EXPECT_EQ(last, "pqrstuvwxynknmjo");
 }
 
 TEST_F(TerminalView, LinesOfNeighbouringCellsJoin) {
@@ -282,6 +295,40 @@ TEST_F(TerminalView, LinesOfNeighbouringCellsJoin) {
     const int middle = (width - 1) / 2;
     for (int y = height * 3 / 4; y < 2 * height; ++y) EXPECT_TRUE(isInk(middle, y)) << y;
     for (int x = width; x < 3 * width; ++x) EXPECT_TRUE(isInk(x, height + (height - 1) / 2)) << x;
+    screen.MoveTo(2, 0);
+    screen.Print(U"\u23BA\u23BB\u2500\u23BC\u23BD\u25C6\u2400\u258C");
+    TerminalParser(screen).Write("\x1b[9m \x1b[0;4m ");
+    terminal.Refresh();
+    // The first row of ink in the middle, or anywhere, of a cell.
+    const auto top = [&](int column, int from, int to) {
+        for (int y = 0; y < height; ++y)
+            for (int x = column * width + from; x < column * width + to; ++x)
+                if (isInk(x, 2 * height + y)) return y;
+        return height;
+    };
+    std::vector<int> tops;
+    for (int column = 0; column < 10; ++column) tops.push_back(top(column, middle, middle + 1));
+    EXPECT_TRUE(tops[0] == 0 && tops[1] < tops[2] && tops[2] < tops[3] && tops[3] < tops[4]);
+    EXPECT_LT(tops[5], top(5, 0, 1)) << "a diamond";
+    EXPECT_LT(top(6, 0, width), height) << "letters of a control character";
+    EXPECT_TRUE(top(7, 0, 1) == 0 && top(7, width - 1, width) == height) << "the left half";
+    EXPECT_EQ(tops[8], height / 2) << "struck out";
+    EXPECT_EQ(tops[9], tops[4]) << "underlined";
+}
+
+TEST_F(TerminalView, TheContextMenuShowsWhatIsPossibleAndChosen) {
+    const TimerId timer = platform.queue.StartTimer(10, [&] {
+        const HWND open = FindWindowW(L"#32768", nullptr);
+        const auto menu = reinterpret_cast<HMENU>(SendMessageW(open, MN_GETHMENU, 0, 0));
+        const auto has = [menu](TerminalCommand command, UINT flag) {
+            return (GetMenuState(menu, static_cast<UINT>(command), MF_BYCOMMAND) & flag) != 0;
+        };
+        EXPECT_TRUE(has(TerminalCommand::Dtr, MF_GRAYED)) << "the port is closed";
+        EXPECT_TRUE(has(TerminalCommand::ViewText, MF_CHECKED));
+        EndMenu();
+    });
+    Send(WM_CONTEXTMENU, 0, -1);
+    platform.queue.StopTimer(timer);
 }
 
 TEST_F(TerminalView, AUserWhoChoseHighContrastSeesNoColoursOfTheFarEnd) {
@@ -320,17 +367,25 @@ TEST_F(TerminalView, LettersShowWhereOnlyOneColourWasChosen) {
             }
         }
     }
-    EXPECT_EQ(ColoursOf(Cell{U'x', 1}).ink, RGB(170, 0, 0)) << "as it was chosen";
+    const Cell plain{U'x', 1};
+    EXPECT_EQ(ColoursOf(plain).ink, RGB(170, 0, 0)) << "as it was chosen";
+    EXPECT_NE(ColoursOf(Cell{U'x', 1, kDefaultColour, kFaint}).ink, ColoursOf(plain).ink);
+    const CellColours concealed = ColoursOf(Cell{U'x', 1, kDefaultColour, kConcealed});
+    EXPECT_EQ(concealed.ink, concealed.ground);
+    std::set<COLORREF> grounds;
+    for (const Mark mark : {Mark::None, Mark::Hit, Mark::CurrentHit, Mark::Selected})
+        grounds.insert(ColoursOf(plain, {}, mark).ground);
+    EXPECT_EQ(grounds.size(), 4u);
 }
 
 TEST_F(TerminalView, WheelAndScrollBarShowWhatHasLeftTheScreen) {
     const std::int64_t bottom = screen.TopLine();
     const int page = screen.Rows() - 1;
     for (int i = 0; i < 3; ++i) Send(WM_MOUSEWHEEL, MAKEWPARAM(0, WHEEL_DELTA / 2));
-    EXPECT_EQ(terminal.FirstShownLine(), bottom - 3);
+    EXPECT_EQ(terminal.FirstShownLine(), bottom - 2);
     const std::pair<WPARAM, std::int64_t> kRows[] = {
-        {SB_PAGEUP, bottom - 3 - page}, {SB_LINEUP, bottom - 4 - page}, {SB_PAGEDOWN, bottom - 4},
-        {SB_LINEDOWN, bottom - 3},      {SB_TOP, screen.FirstLine()},   {SB_BOTTOM, bottom}};
+        {SB_PAGEUP, bottom - 2 - page}, {SB_LINEUP, bottom - 3 - page}, {SB_PAGEDOWN, bottom - 3},
+        {SB_LINEDOWN, bottom - 2},      {SB_TOP, screen.FirstLine()},   {SB_BOTTOM, bottom}};
     for (const auto& [request, first] : kRows) {
         Send(WM_VSCROLL, request);
         EXPECT_EQ(terminal.FirstShownLine(), first) << request;
@@ -354,9 +409,11 @@ TEST_F(TerminalView, TheFontSizeFollowsWheelAndKeys) {
     for (int i = 0; i < 4; ++i) Send(WM_MOUSEWHEEL, MAKEWPARAM(MK_CONTROL, WHEEL_DELTA / 2));
     const int rows = screen.Rows();
     EXPECT_LT(rows, 24);
-    const Held control{VK_CONTROL};
+    const Held control({VK_CONTROL});
     Type(VK_OEM_MINUS);
     EXPECT_GT(screen.Rows(), rows);
+    Type(VK_OEM_PLUS);
+    EXPECT_EQ(screen.Rows(), rows);
     Type('0');
     EXPECT_EQ(screen.Rows(), 24);
 }
@@ -375,7 +432,7 @@ TEST_F(TerminalView, AMouseAboveTheTextScrollsWhileItSelects) {
     Send(WM_LBUTTONUP, 0, At(0, 0));
 }
 
-TEST_F(TerminalView, ACharacterThatArrivesHasItsRowPaintedAlone) {
+TEST_F(TerminalView, ACharacterThatArrivesHasItsRowPaintedAloneAndTheCaretBehindIt) {
     terminal.PerformCommand(TerminalCommand::Open);
     terminal.LocalEcho = true;
     UpdateWindow(view);
@@ -384,6 +441,13 @@ TEST_F(TerminalView, ACharacterThatArrivesHasItsRowPaintedAlone) {
     GetUpdateRect(view, &dirty, FALSE);
     EXPECT_EQ(dirty.top, screen.Cursor().row * height);
     EXPECT_EQ(dirty.bottom - dirty.top, height);
+    UpdateWindow(view);
+    POINT caret{};
+    GetCaretPos(&caret);
+    EXPECT_EQ(caret.x, width);
+    EXPECT_EQ(caret.y / height, screen.Cursor().row);
+    SetFocus(nullptr);
+    EXPECT_EQ(ShowCaret(view), 0) << "left behind";
 }
 
 }  // namespace

@@ -3,9 +3,9 @@
 #include <array>
 #include <cstddef>
 #include <map>
-#include <string_view>
 #include <utility>
 
+#include "platform/portable/UsbNames.hpp"
 #include "platform/win32/services/Win32Handle.hpp"
 #include "platform/win32/services/Win32Services.hpp"
 // Requires the types of <windows.h>.
@@ -69,22 +69,6 @@ std::string PropertyOf(HDEVINFO devices, SP_DEVINFO_DATA& device, DWORD property
             static_cast<DWORD>(sizeof text - sizeof text[0]), nullptr) == 0)
         return {};
     return ToUtf8(text.data());
-}
-
-/// Takes vendor, product and serial number from an instance such as
-/// "USB\\VID_0403&PID_6001\\A50X" or "FTDIBUS\\VID_0403+PID_6001+A50XA\\0000".
-void TakeUsbNames(std::string_view instance, SerialPortInfo& port) {
-    constexpr std::size_t kDigits = 4;
-    const std::size_t vendor = instance.find("VID_");
-    const std::size_t product = instance.find("PID_");
-    if (vendor == std::string_view::npos || product == std::string_view::npos) return;
-    port.usbId = std::string(instance.substr(vendor + 4, kDigits)) + ":" +
-                 std::string(instance.substr(product + 4, kDigits));
-    std::string_view rest = instance.substr(std::min(product + 4 + kDigits, instance.size()));
-    // A serial number that Windows has made up contains "&".
-    if (rest.empty() || rest.find('&') != std::string_view::npos) return;
-    rest.remove_prefix(1);
-    port.serialNumber = rest.substr(0, rest.find('\\'));
 }
 
 /// The name of the port and the latency timer of its driver, from the device's registry key.

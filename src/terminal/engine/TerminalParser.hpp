@@ -23,7 +23,7 @@ public:
 
     void Write(std::string_view bytes);
 
-    /// What received bytes mean from now on. Code page 1252 at first.
+    /// What received bytes mean from now on. Latin-1 at first.
     void Encoding(const TextEncoding& encoding) { mDecoder.Encoding(encoding); }
 
     /// Sends the answer to a request for a report, during Write. Without it, which is the default,

@@ -41,11 +41,10 @@ char32_t SystemCharacter(const CodePage& system, char byte) {
 
 TextEncoding::TextEncoding() {
     std::iota(mCharacters.begin(), mCharacters.end(), char32_t{0});
-    std::ranges::copy(k1252, mCharacters.begin() + kUpperHalf);
 }
 
-TextEncoding::TextEncoding(LineEncoding encoding, const CodePage& system) : mKind(encoding) {
-    std::iota(mCharacters.begin(), mCharacters.end(), char32_t{0});
+TextEncoding::TextEncoding(LineEncoding encoding, const CodePage& system) : TextEncoding() {
+    mKind = encoding;
     if (encoding == LineEncoding::Cp437) std::ranges::copy(k437, mCharacters.begin() + kUpperHalf);
     if (encoding == LineEncoding::Windows1252)
         std::ranges::copy(k1252, mCharacters.begin() + kUpperHalf);

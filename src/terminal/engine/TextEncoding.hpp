@@ -28,7 +28,7 @@ inline constexpr char32_t kReplacementCharacter = 0xFFFD;
 /// 128 to 159 are characters, not controls.
 class TextEncoding {
 public:
-    /// Code page 1252, which needs no system.
+    /// Latin-1, which needs no system.
     TextEncoding();
     /// Reads the table of `system` if `encoding` is System; keeps no reference to it.
     TextEncoding(LineEncoding encoding, const CodePage& system);
@@ -46,7 +46,7 @@ public:
 private:
     std::optional<char> Byte(char32_t character) const;
 
-    LineEncoding mKind = LineEncoding::Windows1252;
+    LineEncoding mKind = LineEncoding::Latin1;
     std::array<char32_t, 256> mCharacters{};
 };
 

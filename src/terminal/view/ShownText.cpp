@@ -5,9 +5,8 @@
 namespace vantor {
 
 void ShownText::Searched(std::int64_t line, SearchIn what, std::u32string& seen) const {
-    seen.clear();
-    if (what == SearchIn::Bytes) return;
-    const std::span<const Cell> cells = Line(line);
+    std::span<const Cell> cells;
+    if (what == SearchIn::Characters) cells = Line(line);
     seen.resize(cells.size());
     std::ranges::transform(cells, seen.begin(), &Cell::character);
 }

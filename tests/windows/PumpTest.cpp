@@ -107,7 +107,7 @@ TEST_F(Pump, ATimerTicksThoughMessagesNeverEnd) {
     Sleep(100);
     for (int i = 0; i < 2000; ++i) PostMessageW(WindowOf(*window), WM_NULL, 0, 0);
     own.PumpPending();
-    EXPECT_EQ(ticks, 1);
+    EXPECT_GE(ticks, 1);
 }
 
 TEST_F(Pump, QuitInsideAModalWindowEndsItsLoopAndTheOneAround) {

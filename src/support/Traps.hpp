@@ -63,15 +63,12 @@ void ReportPending(std::string_view name) noexcept;
 /// Runs the body of a callback from the system (such as a window procedure): no exception may
 /// unwind the system's stack frames. An error is passed to the sink. Unlike `Trapped`, `name` is on
 /// the procedure stack only during the report, so that any procedure can be nested inside.
-/// Returns true when there was no error.
 template <typename Body>
-bool Guarded(std::string_view name, Body&& body) noexcept {
+void Guarded(std::string_view name, Body&& body) noexcept {
     try {
         body();
-        return true;
     } catch (...) {
         ReportPending(name);
-        return false;
     }
 }
 

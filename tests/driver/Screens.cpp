@@ -26,7 +26,7 @@ int main() {
     using namespace vantor;
     if (!Done([] { driver::EnterDesktop(); })) return 1;
     int status = 0;
-    for (const auto& [name, lines] : ScriptsIn(STEPS))
-        if (!Done([&] { driver::RunSteps(name, lines); })) status = 1;
+    for (const auto& script : ScriptsIn(STEPS))
+        if (!Done([&] { driver::RunSteps(script.first, script.second); })) status = 1;
     return status;
 }

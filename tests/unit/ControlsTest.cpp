@@ -131,13 +131,13 @@ TEST_F(ControlsTest, ValuesOutOfRangeAreRefused) {
 // A row names the caption of the menu, the tags of label, button, picture and window.
 TEST(LoadResources, MistakesEndItWhereTheyStandAndAreReportedUnderTheWindow) {
     ExpectTable("translation", [](const Words& words) {
-        const auto row = [](ControlKind kind, const char* caption, const std::string& tag) {
-            return ControlDesign{kind, caption, -1, "", {}, caption, tag.c_str()};
+        const auto row = [](ControlKind kind, const char* caption, const char* tag) {
+            return ControlDesign{kind, caption, -1, "", {}, caption, tag};
         };
         const std::array rows = {row(ControlKind::MenuItem, words.at(0).c_str(), ""),
-                                 row(ControlKind::Label, "label", words.at(1)),
-                                 row(ControlKind::PictureBox, "pic", words.at(3)),
-                                 row(ControlKind::CommandButton, "button", words.at(2))};
+                                 row(ControlKind::Label, "label", words.at(1).c_str()),
+                                 row(ControlKind::PictureBox, "pic", words.at(3).c_str()),
+                                 row(ControlKind::CommandButton, "button", words.at(2).c_str())};
         const FormDesign design = {"frmTest", "title", words.at(4).c_str(), {}, rows};
         ReportingPlatform platform;
         const auto window = std::make_shared<Form>(platform.manager, design);

@@ -117,11 +117,11 @@ TEST(CBrokenRules, OnlyTheLastRuleToBeKeptAgainMakesTheObjectValid) {
     CBrokenRules rules;
     std::string events;
     rules.BrokenRule = [&events] { events += "B"; };
-    rules.NoBrokenRules = [&events] { events += "N"; };
+    rules.NoBrokenRules = [&] { events += "N" + std::to_string(rules.Count()); };
     for (const auto& [rule, broken] :
          {std::pair("a", true), {"b", true}, {"a", false}, {"b", false}})
         rules.RuleBroken(rule, broken);
-    EXPECT_EQ(events, "BBN");
+    EXPECT_EQ(events, "BBN0");
     EXPECT_EQ(Raised([&] { rules.RuleBroken("b", false); }).Number(), 5);
     rules.RuleBroken("b", true);
     EXPECT_EQ(Raised([&] { rules.RuleBroken("b", true); }).Number(), 457);

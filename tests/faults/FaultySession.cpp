@@ -236,6 +236,7 @@ public:
         mHeadless.files.Add(kPath, ImageOf(kDataLines));
         mWindow->Load();
         mWindow->Show();
+        mOwner = mHeadless.peers.Active();
         mIdle = State();
     }
     ~SessionRun() {
@@ -374,7 +375,8 @@ private:
     void Read(const MessageBoxRequest& request) {
         // Only the report of a refused line opens under the wait pointer.
         Require(Waits() == (request.title == "Update Failure" && !mTap->armed), "wrong pointer");
-        Require(mHeadless.peers.open == Texts{"frmMain"}, "a box over another window");
+        Require(request.owner == mOwner && mHeadless.peers.open == Texts{"frmMain"},
+                "a box over another window");
         if (request.icon == BoxIcon::Question) return;
         for (const TimerId act : std::exchange(mActs, {})) mHeadless.pump.StopTimer(act);
         const std::size_t sent = mTap->exchanges.size();
@@ -521,6 +523,7 @@ private:
     bool mClosedInHandshake = false;
     std::size_t mSentBeforeEnd = 0;
     std::int32_t mEndWantedAt = 0;
+    NativeWindow mOwner = 0;
     std::string mIdle;  ///< `State` before the first session
     std::string mViolation;
 };

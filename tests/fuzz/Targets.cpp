@@ -276,6 +276,8 @@ void Settings(std::string_view input) {
     Store(headless.registry, input);
     CAppSettings settings(headless.registry, headless.codePage, headless.files);
     if (!Accepts([&] { settings.Initialize(); })) return;
+    // A blank port is stored empty, which the next load replaces with the default.
+    if (settings.ProxyPort().empty()) return;
     const std::string before = Saved(settings, headless.registry);
     settings.BeginEdit();
     Accepts([&] { (settings.*kProperties[property % std::size(kProperties)])(value); });

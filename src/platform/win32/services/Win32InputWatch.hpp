@@ -39,7 +39,7 @@ public:
     /// a wait is pending, when the device is lost, and within some milliseconds of the last call,
     /// so that continuous input does not cause continuous reports.
     void Arm() {
-        constexpr ULONGLONG kLeastMs = 8;  // below the interval of the pump, whose next poll arms
+        constexpr ULONGLONG kLeastMs = 8;  // the tick count advances by 10 to 16 ms
         const ULONGLONG now = GetTickCount64();
         if (!mUsable || !mWait->HasEnded() || now - mArmedAt < kLeastMs) return;
         // On a line without modem signals, as under a compatibility layer, every wait may fail at
@@ -50,8 +50,12 @@ public:
         if (!mUsable) return;
         mArmedAt = now;
         // A wait that ends at once sets the event like any other.
-        if (WaitCommEvent(mDevice, &mWait->events, mWait->Fresh()) == 0)
-            mUsable = GetLastError() == ERROR_IO_PENDING;
+        if (WaitCommEvent(mDevice, &mWait->events, mWait->Fresh()) != 0 ||
+            GetLastError() == ERROR_IO_PENDING)
+            return;
+        // The system may leave the status of a wait that it refuses as "pending".
+        mWait->overlapped = {};
+        mUsable = false;
     }
 
 private:

@@ -32,8 +32,8 @@ public:
     /// empty at end of file, or when the interrupt key was pressed meanwhile.
     virtual std::optional<std::string> ReadLine() = 0;
 
-    /// True when the Enter key was pressed on a terminal, or input has ended, so that `ReadLine`
-    /// returns at once. Always false when the input is no terminal. Does not wait.
+    /// True when the Enter key was pressed on a terminal, on POSIX also its end-of-file key, so
+    /// that `ReadLine` returns at once. Always false when the input is no terminal. Does not wait.
     virtual bool LineWaits() { return false; }
 
     /// True once for each interrupt since the last call: the user has pressed the interrupt key

@@ -156,11 +156,12 @@ public:
     bool LineWaits() override {
         if (!InputIsTerminal()) return false;
         if (mUnread.find('\n') != std::string::npos) return true;
-        std::array<INPUT_RECORD, 128> records{};
+        // Mouse movements and switches between windows are records too, before the key.
+        const HANDLE console = GetStdHandle(STD_INPUT_HANDLE);
         DWORD count = 0;
-        if (PeekConsoleInputW(GetStdHandle(STD_INPUT_HANDLE), records.data(),
-                              static_cast<DWORD>(records.size()), &count) == 0)
-            return false;
+        if (GetNumberOfConsoleInputEvents(console, &count) == 0 || count == 0) return false;
+        std::vector<INPUT_RECORD> records(count);
+        if (PeekConsoleInputW(console, records.data(), count, &count) == 0) return false;
         return std::any_of(records.begin(), records.begin() + count, [](const INPUT_RECORD& input) {
             return input.EventType == KEY_EVENT && input.Event.KeyEvent.bKeyDown != 0 &&
                    input.Event.KeyEvent.wVirtualKeyCode == VK_RETURN;

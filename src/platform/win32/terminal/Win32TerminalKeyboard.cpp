@@ -133,8 +133,14 @@ std::optional<LRESULT> Win32TerminalKeyboard::OnMessage(UINT message, WPARAM wPa
                                                         LPARAM lParam) {
     switch (message) {
         case WM_KEYDOWN:
-        case WM_SYSKEYDOWN:
             return OnKeyDown(wParam, (HIWORD(lParam) & KF_EXTENDED) != 0);
+        case WM_SYSKEYDOWN: {
+            constexpr WPARAM kNoKey = 0xff;
+            const auto result = OnKeyDown(wParam, (HIWORD(lParam) & KF_EXTENDED) != 0);
+            // Unless the system sees a key with Alt, the release of Alt opens the menu bar.
+            if (result) DefWindowProcW(mWindow.handle, WM_SYSKEYDOWN, kNoKey, lParam);
+            return result;
+        }
         case WM_SYSKEYUP:  // F10 would open the menu bar
             if (wParam != VK_F10 || IsOfTheSystem(wParam, false, HeldModifiers())) break;
             return 0;

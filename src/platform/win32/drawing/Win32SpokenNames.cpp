@@ -2,6 +2,8 @@
 
 #include <oleacc.h>
 
+#include <array>
+
 namespace vantor {
 namespace {
 
@@ -18,17 +20,26 @@ Win32SpokenNames::~Win32SpokenNames() {
 }
 
 void Win32SpokenNames::Set(HWND window, const std::wstring& name) {
+    SetProperty(window, PROPID_ACC_NAME, name);
+}
+
+void Win32SpokenNames::SetValue(HWND window, const std::wstring& value) {
+    SetProperty(window, PROPID_ACC_VALUE, value);
+}
+
+void Win32SpokenNames::SetProperty(HWND window, const GUID& property, const std::wstring& text) {
     if (mService == nullptr &&
         FAILED(CoCreateInstance(CLSID_AccPropServices, nullptr, CLSCTX_INPROC_SERVER,
                                 IID_IAccPropServices, reinterpret_cast<void**>(&mService))))
         return;
-    mService->SetHwndPropStr(window, kClient, CHILDID_SELF, PROPID_ACC_NAME, name.c_str());
+    mService->SetHwndPropStr(window, kClient, CHILDID_SELF, property, text.c_str());
 }
 
 void Win32SpokenNames::Forget(HWND window) {
     if (mService == nullptr) return;
-    MSAAPROPID name = PROPID_ACC_NAME;
-    mService->ClearHwndProps(window, kClient, CHILDID_SELF, &name, 1);
+    std::array<MSAAPROPID, 2> properties = {PROPID_ACC_NAME, PROPID_ACC_VALUE};
+    mService->ClearHwndProps(window, kClient, CHILDID_SELF, properties.data(),
+                             static_cast<int>(properties.size()));
 }
 
 }  // namespace vantor

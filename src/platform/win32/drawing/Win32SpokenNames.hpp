@@ -1,4 +1,4 @@
-// Accessible names for windows whose text does not provide one.
+// Accessible names and values for windows whose text does not provide them.
 #pragma once
 
 #include <string>
@@ -20,11 +20,15 @@ public:
     /// Sets the accessible name of `window` (IAccPropServices::SetHwndPropStr); call `Forget`
     /// before it is destroyed. Without the service, screen readers use the window text.
     void Set(HWND window, const std::wstring& name);
+    /// Sets the accessible value likewise: the text of a window whose name is another.
+    void SetValue(HWND window, const std::wstring& value);
     void Forget(HWND window);
 
 private:
+    void SetProperty(HWND window, const GUID& property, const std::wstring& text);
+
     bool mPrepared;
-    IAccPropServices* mService = nullptr;  // created with the first name
+    IAccPropServices* mService = nullptr;  // created with the first text
 };
 
 }  // namespace vantor

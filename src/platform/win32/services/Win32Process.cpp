@@ -69,14 +69,24 @@ void WriteLastWords(const wchar_t* words) {
               nullptr);
 }
 
-/// `what` must be short: the buffer is fixed.
+DWORD WINAPI ShowBox(void* words) noexcept {
+    return static_cast<DWORD>(MessageBoxW(nullptr, static_cast<const wchar_t*>(words),
+                                          gTitle.data(),
+                                          MB_OK | MB_ICONERROR | MB_TASKMODAL | MB_SETFOREGROUND));
+}
+
+/// `what` must be short: the buffer is fixed. The box runs on a thread of its own: the caller's
+/// stack may be used up, and the box would dispatch the messages of the caller's thread, so that
+/// timers and ports went on in a damaged program.
 void SayLastWords(const wchar_t* what) {
     std::array<wchar_t, 512> words{};
     std::size_t length = 0;
     for (const wchar_t* part : {L"Unhandled Exception: ", what})
         for (; *part != L'\0' && length + 1 < words.size(); ++part) words[length++] = *part;
-    if (MessageBoxW(nullptr, words.data(), gTitle.data(),
-                    MB_OK | MB_ICONERROR | MB_TASKMODAL | MB_SETFOREGROUND) != IDOK)
+    const Win32Handle box(CreateThread(nullptr, 0, ShowBox, words.data(), 0, nullptr));
+    DWORD answer = 0;
+    if (!box.IsOpen() || WaitForSingleObject(box.Get(), INFINITE) != WAIT_OBJECT_0 ||
+        GetExitCodeThread(box.Get(), &answer) == 0 || answer != IDOK)
         WriteLastWords(words.data());
 }
 
@@ -143,6 +153,9 @@ public:
         const std::wstring wide = ToWide(title);
         const std::size_t length = wide.copy(gTitle.data(), gTitle.size() - 1);
         gTitle[length] = L'\0';
+        // The handlers also run after a stack overflow. On failure the system's own report remains.
+        ULONG handlerBytes = 65536;
+        SetThreadStackGuarantee(&handlerBytes);
         std::set_terminate(OnTerminate);
         SetUnhandledExceptionFilter(OnUnhandledException);
     }

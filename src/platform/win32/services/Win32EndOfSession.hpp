@@ -32,17 +32,25 @@ public:
     void Refuse(std::wstring reason) {
         const std::lock_guard lock(mMutex);
         mReason = std::move(reason);
+        // Only the window's thread can withdraw a reason that the system shows.
+        if (mReason.empty() && mWindow != nullptr) PostMessageW(mWindow, kWithdraw, 0, 0);
     }
 
 private:
+    static constexpr UINT kWithdraw = WM_APP;
+
     static DWORD WINAPI Run(void* self) noexcept {
         // Top-level: message-only windows receive no broadcast messages.
         const auto window = MakeHiddenWindow(L"VantorEndOfSession", OnMessage, nullptr, self);
-        if (window) static_cast<const Win32EndOfSession*>(self)->Listen();
+        if (window) static_cast<Win32EndOfSession*>(self)->Listen(window.get());
         return 0;
     }
 
-    void Listen() const {
+    void Listen(HWND window) {
+        {
+            const std::lock_guard lock(mMutex);
+            mWindow = window;
+        }
         const HANDLE leave = mLeave.Get();
         while (MsgWaitForMultipleObjects(1, &leave, FALSE, INFINITE, QS_ALLINPUT) ==
                WAIT_OBJECT_0 + 1) {
@@ -57,10 +65,10 @@ private:
         auto* const self =
             reinterpret_cast<Win32EndOfSession*>(GetWindowLongPtrW(window, GWLP_USERDATA));
         if (self != nullptr && message == WM_QUERYENDSESSION) return self->MayEnd(window);
-        if (self == nullptr || message != WM_ENDSESSION)
+        if (self == nullptr || (message != WM_ENDSESSION && message != kWithdraw))
             return DefWindowProcW(window, message, wParam, lParam);
         ShutdownBlockReasonDestroy(window);  // fails when there is none
-        const bool ends = wParam != 0;
+        const bool ends = message == WM_ENDSESSION && wParam != 0;
         if (ends) self->Hold();
         return 0;
     }
@@ -80,6 +88,7 @@ private:
     void (*mEnding)();
     std::mutex mMutex;
     std::wstring mReason;                                             // under the mutex
+    HWND mWindow = nullptr;                                           // under the mutex
     Win32Handle mLeave{CreateEventW(nullptr, TRUE, FALSE, nullptr)};  // set to end the thread
     Win32Handle mThread;
 };

@@ -15,18 +15,17 @@ namespace {
 
 constexpr DWORD kShareAll = FILE_SHARE_READ | FILE_SHARE_WRITE | FILE_SHARE_DELETE;
 
-std::wstring HostPath(std::string_view path) {
-    std::wstring wide = ToWide(path);
-    std::replace(wide.begin(), wide.end(), L'/', L'\\');
-    return wide;
-}
-
 /// "NUL" and similar names are devices in every folder; only Windows knows all of them.
 bool IsDevice(const std::wstring& hostPath) {
-    const DWORD needed = GetFullPathNameW(hostPath.c_str(), 0, nullptr, nullptr);
-    std::wstring full(needed, L'\0');
-    if (GetFullPathNameW(hostPath.c_str(), needed, full.data(), nullptr) == 0) return false;
-    return full.starts_with(L"\\\\.\\");
+    return FullPath(hostPath).starts_with(L"\\\\.\\");
+}
+
+/// The attributes with which a file can be created over `hostPath`: the system refuses to replace a
+/// hidden or system file by one that is neither.
+DWORD AttributesToReplace(const std::wstring& hostPath) {
+    constexpr DWORD kKept = FILE_ATTRIBUTE_HIDDEN | FILE_ATTRIBUTE_SYSTEM;
+    const DWORD present = GetFileAttributesW(hostPath.c_str());
+    return present == INVALID_FILE_ATTRIBUTES ? 0 : present & kKept;
 }
 
 struct Status {
@@ -52,8 +51,9 @@ std::uint64_t SizeOf(const std::wstring& hostPath) {
 }
 
 Win32Handle Open(const std::wstring& hostPath, DWORD access, DWORD share, DWORD disposition) {
+    const DWORD attributes = disposition == CREATE_ALWAYS ? AttributesToReplace(hostPath) : 0;
     Win32Handle file(CreateFileW(hostPath.c_str(), access, share, nullptr, disposition,
-                                 FILE_ATTRIBUTE_NORMAL | FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
+                                 attributes | FILE_FLAG_SEQUENTIAL_SCAN, nullptr));
     if (!file.IsOpen()) RaiseFileError(GetLastError());
     // Reading a device such as COM1 would block for ever.
     if (GetFileType(file.Get()) != FILE_TYPE_DISK) throw RuntimeError(ErrorNumber::PathFileAccess);
@@ -174,10 +174,10 @@ public:
     }
 
     void CreateFolders(const std::string& path) override {
-        const std::wstring hostPath = HostPath(path);
-        for (std::size_t end = 0; end < hostPath.size();) {
-            end = std::min(hostPath.find(L'\\', end + 1), hostPath.size());
-            const std::wstring folder = hostPath.substr(0, end);
+        const std::size_t last = path.size();
+        for (std::size_t end = 0; end < last;) {
+            end = std::min(path.find_first_of("/\\", end + 1), last);
+            const std::wstring folder = HostPath(std::string_view(path).substr(0, end));
             if (IsRoot(folder) || CreateDirectoryW(folder.c_str(), nullptr) != 0) continue;
             const DWORD systemError = GetLastError();  // overwritten by the check below
             const DWORD attributes = GetFileAttributesW(folder.c_str());
@@ -192,7 +192,7 @@ public:
                                   ListFilter filter) const override {
         std::vector<std::string> names;
         WIN32_FIND_DATAW entry{};
-        const std::wstring all = HostPath(folder.empty() ? "." : folder) + L"\\*";
+        const std::wstring all = HostPath((folder.empty() ? "." : folder) + "\\*");
         const HANDLE first = FindFirstFileW(all.c_str(), &entry);
         if (first == INVALID_HANDLE_VALUE) return names;
         const Owned<HANDLE, FindClose> search(first);

@@ -1,6 +1,4 @@
 // Files to which several processes append, on Windows.
-#include <algorithm>
-
 #include "platform/win32/services/Win32Handle.hpp"
 #include "platform/win32/services/Win32Services.hpp"
 
@@ -10,9 +8,7 @@ namespace {
 /// Opens the file and locks one byte far behind its end, which hinders no reader. Closing it
 /// releases the lock.
 Win32Handle Locked(const std::string& path) {
-    std::wstring wide = ToWide(path);
-    std::replace(wide.begin(), wide.end(), L'/', L'\\');
-    Win32Handle file(CreateFileW(wide.c_str(), GENERIC_READ | GENERIC_WRITE,
+    Win32Handle file(CreateFileW(HostPath(path).c_str(), GENERIC_READ | GENERIC_WRITE,
                                  FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS,
                                  FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file.IsOpen()) RaiseFileError(GetLastError());

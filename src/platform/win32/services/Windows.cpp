@@ -28,6 +28,23 @@ std::string FromWide(std::wstring_view wide, UINT codePage, DWORD flags, const c
     return text;
 }
 
+std::wstring FullPath(const std::wstring& path) {
+    std::wstring full(GetFullPathNameW(path.c_str(), 0, nullptr, nullptr), L'\0');
+    const DWORD length =
+        GetFullPathNameW(path.c_str(), static_cast<DWORD>(full.size()), full.data(), nullptr);
+    full.resize(length < full.size() ? length : 0);
+    return full;
+}
+
+std::wstring HostPath(std::string_view path) {
+    constexpr std::size_t kLongest = MAX_PATH - 13;  // of a folder: room for a short file name
+    std::wstring wide = ToWide(path);
+    std::replace(wide.begin(), wide.end(), L'/', L'\\');
+    const std::wstring full = FullPath(wide);
+    if (full.size() <= kLongest || full.starts_with(L"\\\\?\\")) return wide;
+    return full.starts_with(L"\\\\") ? L"\\\\?\\UNC" + full.substr(1) : L"\\\\?\\" + full;
+}
+
 std::wstring CurrentFolder() {
     std::wstring path(GetCurrentDirectoryW(0, nullptr), L'\0');  // includes the NUL
     const DWORD length = GetCurrentDirectoryW(static_cast<DWORD>(path.size()), path.data());

@@ -30,6 +30,13 @@ inline const wchar_t* OrNull(const std::wstring& text) {
     return text.empty() ? nullptr : text.c_str();
 }
 
+/// The absolute form of `path` (GetFullPathName); empty when there is none.
+std::wstring FullPath(const std::wstring& path);
+
+/// `path`, with slashes or backslashes, as a path for the system. Longer ones than it accepts by
+/// default become absolute with the prefix for long paths.
+std::wstring HostPath(std::string_view path);
+
 /// The current folder of the process; empty when the system does not report it.
 std::wstring CurrentFolder();
 

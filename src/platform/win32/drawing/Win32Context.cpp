@@ -47,6 +47,20 @@ MONITORINFO Win32Context::MonitorAt(const RECT& place) {
     return info;
 }
 
+RECT Win32Context::Centred(RECT place) {
+    const RECT area = MonitorAt(place).rcWork;
+    const LONG right = std::max(area.right - area.left - (place.right - place.left), LONG{0});
+    const LONG down = std::max(area.bottom - area.top - (place.bottom - place.top), LONG{0});
+    OffsetRect(&place, static_cast<int>(area.left + right / 2 - place.left),
+               static_cast<int>(area.top + down / 2 - place.top));
+    return place;
+}
+
+int Win32Context::CaptionExcess() const {
+    constexpr float kDesignedTwips = 345;
+    return std::max(GetSystemMetrics(SM_CYCAPTION) - ToPixels(kDesignedTwips), 0);
+}
+
 HFONT Win32Context::Font(float points, bool bold, const std::string& face) {
     for (const CachedFont& each : mFonts)
         if (each.points == points && each.bold == bold && each.face == face) return each.font.get();

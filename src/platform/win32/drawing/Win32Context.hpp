@@ -24,6 +24,11 @@ public:
 
     /// The monitor that contains `place` (screen pixels) or is nearest to it.
     static MONITORINFO MonitorAt(const RECT& place);
+    /// `place`, moved to the middle of its monitor's work area, or to its corner when too large.
+    static RECT Centred(RECT place);
+
+    /// The pixels by which the user's title bars are higher than the designs of windows assume.
+    int CaptionExcess() const;
 
     /// The system's message font in another size, and in the typeface `face` if given; cached for
     /// all windows. Raises RuntimeError 7 when the system cannot create it.

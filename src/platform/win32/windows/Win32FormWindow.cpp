@@ -33,10 +33,9 @@ public:
         RegisterClasses(mContext.Instance());
         mMenuBar.emplace(mContext, *mForm);
         const RECT place = FirstPlace();
-        const bool sizable = mForm->Design().smallest.width > 0;
         const DWORD style =
-            sizable ? DWORD{WS_OVERLAPPEDWINDOW} : DWORD{WS_POPUP | WS_CAPTION | WS_SYSMENU};
-        mWindow = Made(CreateWindowExW(WS_EX_CONTROLPARENT | (sizable ? 0 : WS_EX_DLGMODALFRAME),
+            Sizable() ? DWORD{WS_OVERLAPPEDWINDOW} : DWORD{WS_POPUP | WS_CAPTION | WS_SYSMENU};
+        mWindow = Made(CreateWindowExW(WS_EX_CONTROLPARENT | (Sizable() ? 0 : WS_EX_DLGMODALFRAME),
                                        kFormClass, ToWide(mForm->Caption()).c_str(),
                                        style | WS_CLIPCHILDREN, place.left, place.top,
                                        place.right - place.left, place.bottom - place.top, nullptr,
@@ -155,14 +154,12 @@ private:
         RegisterTerminalClass(instance);
     }
 
+    bool Sizable() const { return mForm->Design().smallest.width > 0; }
+
     RECT FirstPlace() const {
         RECT place = mContext.ToPixels(mForm->Place());
-        const RECT area = Win32Context::MonitorAt(place).rcWork;
-        const LONG right = std::max(area.right - area.left - (place.right - place.left), LONG{0});
-        const LONG down = std::max(area.bottom - area.top - (place.bottom - place.top), LONG{0});
-        OffsetRect(&place, static_cast<int>(area.left + right / 2 - place.left),
-                   static_cast<int>(area.top + down / 2 - place.top));
-        return place;
+        if (!Sizable()) place.bottom += mContext.CaptionExcess();  // the others have room to spare
+        return Win32Context::Centred(place);
     }
 
     void CreateChildren() {

@@ -1,3 +1,4 @@
+#include "platform/win32/services/Win32Handle.hpp"
 #include "platform/win32/windows/Win32ChildControl.hpp"
 
 #include <commctrl.h>
@@ -68,9 +69,10 @@ private:
             Combo().Text(ShownText());
         if (notification == CBN_SELENDCANCEL) FollowValue();
         if (notification != CBN_SELENDOK && (notification != CBN_SELCHANGE || open)) return;
-        if (std::exchange(mChosen, true)) return;
-        PostMessageW(GetAncestor(Window(), GA_ROOT), kChoiceMade,
-                     static_cast<WPARAM>(GetDlgCtrlID(Window())), 0);
+        // With a full queue the next notification tries again.
+        if (!mChosen)
+            mChosen = PostMessageW(GetAncestor(Window(), GA_ROOT), kChoiceMade,
+                                   static_cast<WPARAM>(GetDlgCtrlID(Window())), 0) != 0;
     }
 
     // The height of a combo box includes its drop-down list; closed, its height follows the font.
@@ -168,11 +170,14 @@ public:
 private:
     void Created() override {
         const RECT place = OuterPlace();
-        const HANDLE icon =
-            LoadImageW(mContext.Instance(), MAKEINTRESOURCEW(1), IMAGE_ICON,
-                       place.right - place.left, place.bottom - place.top, LR_SHARED);
-        Send(STM_SETICON, reinterpret_cast<WPARAM>(icon));
+        // A shared icon could be the one of the title bar, in its size.
+        mIcon.reset(static_cast<HICON>(LoadImageW(mContext.Instance(), MAKEINTRESOURCEW(1),
+                                                  IMAGE_ICON, place.right - place.left,
+                                                  place.bottom - place.top, LR_DEFAULTCOLOR)));
+        Send(STM_SETICON, reinterpret_cast<WPARAM>(mIcon.get()));
     }
+
+    Owned<HICON, DestroyIcon> mIcon;
 };
 
 class ProgressChild : public Win32ChildControl {

@@ -15,7 +15,7 @@ std::vector<HWND> WindowsInUse();
 /// the box.
 class Win32DisabledWindows {
 public:
-    /// Does nothing without an `owner`: the system then disables all windows.
+    /// Does nothing without an `owner`: a message box without one disables all windows by itself.
     explicit Win32DisabledWindows(HWND owner);
     ~Win32DisabledWindows();
     Win32DisabledWindows(const Win32DisabledWindows&) = delete;

@@ -62,8 +62,8 @@ std::unique_ptr<SerialPorts> MakeWin32SerialPorts(Win32MessagePump& pump);
 
 /// Opens the port `name` ("COM3") and raises PortOpenError like SerialPorts::Open. `pump` must
 /// outlive it. One write is pending at a time; until it has ended `Write` accepts nothing. Closing
-/// waits for it as long as its bytes take on the line: the system would discard the rest. If the
-/// driver does not end a cancelled request, the port is given up within some seconds.
+/// waits for it as long as its bytes take on the line, at most half a second, then discards the
+/// rest. If the driver does not end a cancelled request, the port is given up within some seconds.
 std::unique_ptr<SerialPort> OpenWin32SerialPort(Win32MessagePump& pump, const std::wstring& name,
                                                 const LineSettings& line);
 

@@ -53,9 +53,8 @@ MouseCell Win32TerminalMouse::CellAt(POINT at) const {
 
 /// What a further click at `at` selects by.
 SelectBy Win32TerminalMouse::CountClick(POINT at) {
-    const LONG now = GetMessageTime();
-    const bool follows = mClicks > 0 &&
-                         static_cast<UINT>(now - mClickedMs) <= GetDoubleClickTime() &&
+    const auto now = static_cast<DWORD>(GetMessageTime());  // wraps around
+    const bool follows = mClicks > 0 && now - mClickedMs <= GetDoubleClickTime() &&
                          std::abs(at.x - mClickedAt.x) <= GetSystemMetrics(SM_CXDOUBLECLK) / 2 &&
                          std::abs(at.y - mClickedAt.y) <= GetSystemMetrics(SM_CYDOUBLECLK) / 2;
     mClicks = follows ? mClicks % 3 + 1 : 1;

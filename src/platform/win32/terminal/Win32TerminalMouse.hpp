@@ -30,7 +30,7 @@ private:
     bool mScrolling = false;  // the mouse is above or below the text meanwhile
     int mClicks = 0;          // in quick succession
     POINT mClickedAt{};
-    LONG mClickedMs = 0;
+    DWORD mClickedMs = 0;
     int mZoom = 0;  // movement of the wheel with Ctrl below one notch
 };
 

@@ -21,7 +21,7 @@
 #include "platform/SharedFiles.hpp"
 #include "platform/portable/CompiledStrings.hpp"
 #include "tests/TemporaryFolder.hpp"
-#include "tests/faults/ReportingPlatform.hpp"
+#include "tests/unit/Table.hpp"
 
 namespace vantor::contract {
 
@@ -81,10 +81,21 @@ class Contract : public testing::TestWithParam<Maker>, protected Subject {
 protected:
     Contract() { GetParam().make(*this); }
 
+    /// From 255 to 0: the last is a NUL, as that of a stored string is.
     static std::string AllBytes() {
         std::string bytes;
-        for (int byte = 0; byte < 256; ++byte) bytes += static_cast<char>(byte);
+        for (int byte = 255; byte >= 0; --byte) bytes += static_cast<char>(byte);
         return bytes;
+    }
+    using Verbs = std::map<std::string, std::function<std::string(const Words&)>>;
+    /// Expects of each row of `table` that its first word, on the same services, has its result.
+    /// "$F" stands for the folder, "$B" for all bytes.
+    void ExpectRows(const std::string& table, const Verbs& verbs) {
+        ExpectTable(table, [&](Words words) {
+            for (std::string& word : words)
+                word = Replaced(Replaced(word, "$F", folder), "$B", AllBytes());
+            return Replaced(verbs.at(words.at(0))(words), AllBytes(), "$B");
+        });
     }
     template <typename Body>
     static std::int32_t ErrorOf(Body&& body) {

@@ -4,54 +4,52 @@
 #include <gtest/gtest.h>
 #include <signal.h>
 #include <sys/resource.h>
-#include <sys/stat.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
+#include <filesystem>
 #include <fstream>
+#include <functional>
+#include <map>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "platform/posix/PosixMessagePump.hpp"
 #include "platform/posix/PosixServices.hpp"
 #include "tests/TemporaryFolder.hpp"
-#include "tests/Words.hpp"
+#include "tests/unit/Table.hpp"
 
 namespace vantor {
 namespace {
 
 namespace fs = std::filesystem;
-using namespace std::string_literals;
 
 class InFolder : public testing::Test {
 protected:
-    void Put(const std::string& name, const std::string& text) const {
-        fs::create_directories(fs::path(folder / name).parent_path());
-        std::ofstream(folder / name) << text;
+    static void Put(const std::string& path, const std::string& text) {
+        fs::create_directories(fs::path(path).parent_path());
+        std::ofstream(path) << text;
     }
-    std::string Text(const std::string& name) const { return ContentOf(folder / name); }
 
     const TemporaryFolder folder;
 };
 
 class PosixRegistryFile : public InFolder {
 protected:
-    RegistryResult Set(Registry& registry, const std::string& name) const {
+    static RegistryResult Set(Registry& registry, const std::string& name) {
         RegistryKey key = 0;
         const RegistryResult result =
             registry.CreateKey(RegistryRoot::CurrentUser, "Soft", kRegistryAllButOwner, key);
         if (result != kRegistrySuccess) return result;
         return registry.SetValue(key, name, kRegistryString, std::string_view("x\0", 2));
     }
-    bool Has(const std::string& name) const {
-        const auto registry = MakePosixRegistry(file);
+    static bool Has(Registry& registry, const std::string& name) {
         RegistryKey key = 0;
         std::uint32_t type = 0;
         std::uint32_t size = 0;
-        registry->OpenKey(RegistryRoot::CurrentUser, "Soft", kRegistryQueryValue, key);
-        return registry->QueryValue(key, name, type, nullptr, size) == kRegistrySuccess;
+        registry.OpenKey(RegistryRoot::CurrentUser, "Soft", kRegistryQueryValue, key);
+        return registry.QueryValue(key, name, type, nullptr, size) == kRegistrySuccess;
     }
 
     const std::string file = folder / "registry.reg";
@@ -75,83 +73,61 @@ TEST_F(PosixRegistryFile, ProgramsThatWriteAtOnceLoseNothingOfEachOther) {
         ASSERT_EQ(waitpid(child, &status, 0), child);
         EXPECT_EQ(status, 0);
     }
-    for (int i = 0; i < 4 * kValues; ++i) EXPECT_TRUE(Has(valueOf(i / kValues, i % kValues))) << i;
+    const auto registry = MakePosixRegistry(file);
+    for (int i = 0; i < 4 * kValues; ++i)
+        EXPECT_TRUE(Has(*registry, valueOf(i / kValues, i % kValues))) << i;
 }
 
-TEST_F(PosixRegistryFile, NeitherOtherProgramsNorCrashesNorFailedWritesCostAValue) {
-    const auto registry = MakePosixRegistry(file);
-    const auto other = MakePosixRegistry(file);
-    ASSERT_EQ(Set(*registry, "a") + Set(*other, "b") + Set(*registry, "c"), kRegistrySuccess);
-    EXPECT_TRUE(Has("a") && Has("b") && Has("c"));
-    Put("registry.reg.new", "REGEDIT4\n\n[HKEY_CURRENT_USER\\So");  // left by a crash
-    ASSERT_EQ(Set(*registry, "d"), kRegistrySuccess);
-    EXPECT_TRUE(Has("a") && Has("b") && Has("c") && Has("d"));
-
-    fs::create_directory(file + ".new");
-    EXPECT_EQ(Set(*registry, "refused"), kRegistryWriteFault);
-    fs::remove(file + ".new");
-    ASSERT_EQ(Set(*registry, "e"), kRegistrySuccess);
-    EXPECT_TRUE(Has("a") && !Has("refused") && Has("e"));
-    const auto nowhere = MakePosixRegistry("/dev/null/registry.reg");
-    EXPECT_NE(Set(*nowhere, "a"), kRegistrySuccess);
-
+/// Lets a file have so many bytes at most; without a number as many as before.
+void Limit(const Words& words) {
     rlimit limit{};
     getrlimit(RLIMIT_FSIZE, &limit);
-    const rlimit before = std::exchange(limit, {10, limit.rlim_max});
+    limit.rlim_cur = words.size() > 1 ? std::stoul(words[1]) : limit.rlim_max;
     signal(SIGXFSZ, SIG_IGN);
     setrlimit(RLIMIT_FSIZE, &limit);
-    EXPECT_EQ(Set(*registry, "too much"), kRegistryWriteFault);
-    setrlimit(RLIMIT_FSIZE, &before);
-    EXPECT_FALSE(fs::exists(file + ".new"));
-    EXPECT_TRUE(Has("e"));
 }
 
-// As by another program within one tick of the file system's clock.
-TEST_F(PosixRegistryFile, AChangeThatTheFilesTimeDoesNotShowIsNotLost) {
-    const auto registry = MakePosixRegistry(file);
-    ASSERT_EQ(Set(*registry, "a"), kRegistrySuccess);
-    struct stat status {};
-    ASSERT_EQ(stat(file.c_str(), &status), 0);
-    std::string text = Text("registry.reg");
-    Put("registry.reg", text.replace(text.find("\"a\""), 3, "\"c\""));
-    const std::array<timespec, 2> times = {status.st_atim, status.st_mtim};
-    ASSERT_EQ(utimensat(AT_FDCWD, file.c_str(), times.data(), 0), 0);
-    ASSERT_EQ(Set(*registry, "b"), kRegistrySuccess);
-    EXPECT_TRUE(Has("b") && Has("c") && !Has("a"));
-}
-
-TEST_F(PosixRegistryFile, ASymbolicLinkIsWrittenThrough) {
-    fs::create_directory(folder / "synced");
-    fs::create_symlink("synced/mine.reg", file);
-    const auto registry = MakePosixRegistry(file);
-    for (const char* name : {"first", "second"}) {
-        ASSERT_EQ(Set(*registry, name), kRegistrySuccess);
-        EXPECT_TRUE(fs::is_symlink(file));
-        EXPECT_NE(Text("synced/mine.reg").find(name), std::string::npos);
-    }
-}
-
-TEST_F(PosixRegistryFile, ADamagedFileIsToldOnceAndNeverWrittenOver) {
-    const std::string sound = "REGEDIT4\n\n[HKEY_CURRENT_USER\\Soft]\n\"ñ\"=\"x\"\n";
-    const std::string path = folder / "ñ/registry.reg";
-    const auto registry = MakePosixRegistry(path);
-    for (const std::string& damage : {"?\n"s, "\"b\"=-\n"s}) {
-        Put("ñ/registry.reg", sound + damage);
-        try {
-            Set(*registry, "a");
-            ADD_FAILURE() << "not told";
-        } catch (const UnreadableStore& error) {
-            EXPECT_EQ(error.Description(), "Invalid file format: " + path + ", line 5");
-            EXPECT_EQ(error.DamagedLine(), 5u);
-        }
-        EXPECT_EQ(Set(*registry, "a"), kRegistryCorrupt);
-        EXPECT_EQ(Text("ñ/registry.reg"), sound + damage);
-        Put("ñ/registry.reg", sound);
-        EXPECT_EQ(Set(*registry, "a"), kRegistrySuccess);
-        EXPECT_NE(Text("ñ/registry.reg").find("\"a\"=\"x\""), std::string::npos);
-    }
-    const auto device = MakePosixRegistry("/dev/null");
-    EXPECT_THROW(Set(*device, "a"), UnreadableStore);
+TEST_F(PosixRegistryFile, LosesNothingAsTheTableSays) {
+    std::map<std::string, std::unique_ptr<Registry>> programs;
+    using W = const Words&;
+    const std::map<std::string, std::function<std::string(W)>> verbs = {
+        {"program", [&](W w) { return programs[w.at(1)] = MakePosixRegistry(w.at(2)), ""; }},
+        {"sets",
+         [&](W w) {
+             RegistryResult result = 0;
+             const RuntimeError error =
+                 Raised([&] { result = Set(*programs.at(w.at(1)), w.at(2)); });
+             return error.Number() == 0 ? Row(result) : error.Description();
+         }},
+        {"has",
+         [&](W w) {
+             std::string found;
+             for (std::size_t i = 2; i < w.size(); ++i)
+                 if (Has(*programs.at(w[1]), w[i])) found += w[i] + " ";
+             return found;
+         }},
+        {"put", [](W w) { return Put(w.at(1), w.at(2)), ""; }},
+        {"put-in-no-time",  // as by another program within one tick of the file system's clock
+         [](W w) {
+             const auto time = fs::last_write_time(w.at(1));
+             Put(w[1], Replaced(ContentOf(w[1]), w.at(2), w.at(3)));
+             return fs::last_write_time(w[1], time), "";
+         }},
+        {"text", [](W w) { return ContentOf(w.at(1)); }},
+        {"limit", [](W w) { return Limit(w), ""; }},
+        {"folder", [](W w) { return fs::create_directory(w.at(1)), ""; }},
+        {"link", [](W w) { return fs::create_symlink(w.at(2), w.at(1)), ""; }},
+        {"removes", [](W w) { return fs::remove(w.at(1)), ""; }},
+        {"kind",
+         [](W w) {
+             const auto kind = fs::symlink_status(w.at(1)).type();
+             return kind == fs::file_type::symlink ? "link" : fs::exists(w[1]) ? "file" : "none";
+         }},
+    };
+    ExpectTable("posix/registry", [&](Words words) {
+        for (std::string& word : words) word = Replaced(word, "$F", folder.Path().string());
+        return Replaced(verbs.at(words.at(0))(words), folder.Path().string(), "$F");
+    });
 }
 
 TEST(PosixProcessDeathTest, SignalsAndExceptionsAreNamedBeforeTheEnd) {
@@ -184,10 +160,10 @@ TEST_F(InFolder, TheSecondInstanceOfATitleIsTold) {
 class PosixPortList : public InFolder {
 protected:
     PosixPortList() {
-        const auto system = ScriptsIn(TESTS "/posix/system.txt");
+        const auto system = ScriptsIn(TABLES "/posix/system.txt");
         for (const std::string& line : system.at("")) {
             const Words words = WordsOf(line);
-            if (words.size() == 2) Put(words[0], words[1]);
+            if (words.size() == 2) Put(folder / words[0], words[1]);
             if (words.size() == 2) continue;
             fs::create_directories(fs::path(folder / words.at(0)).parent_path());
             fs::create_symlink(words.at(2), folder / words[0]);

@@ -67,44 +67,16 @@ ProcessServices MakeProcessServices();
 void MakeHeadless(Subject& subject);
 void MakeNative(Subject& subject);
 
-/// A platform by name, which is part of the names of the tests.
-struct Maker {
-    const char* name;
-    void (*make)(Subject&);
-};
-
-inline auto Platforms() {
-    return testing::Values(Maker{"Headless", MakeHeadless}, Maker{"Native", MakeNative});
-}
-
-class Contract : public testing::TestWithParam<Maker>, protected Subject {
+/// Its parameter makes the services of one platform.
+class Contract : public testing::TestWithParam<void (*)(Subject&)>, protected Subject {
 protected:
-    Contract() { GetParam().make(*this); }
-
-    /// From 255 to 0: the last is a NUL, as that of a stored string is.
-    static std::string AllBytes() {
-        std::string bytes;
-        for (int byte = 255; byte >= 0; --byte) bytes += static_cast<char>(byte);
-        return bytes;
-    }
-    using Verbs = std::map<std::string, std::function<std::string(const Words&)>>;
-    /// Expects of each row of `table` that its first word, on the same services, has its result.
-    /// "$F" stands for the folder, "$B" for all bytes.
-    void ExpectRows(const std::string& table, const Verbs& verbs) {
-        ExpectTable(table, [&](Words words) {
-            for (std::string& word : words)
-                word = Replaced(Replaced(word, "$F", folder), "$B", AllBytes());
-            return Replaced(verbs.at(words.at(0))(words), AllBytes(), "$B");
-        });
-    }
-    template <typename Body>
-    static std::int32_t ErrorOf(Body&& body) {
-        return Raised(body).Number();
-    }
+    Contract() { GetParam()(*this); }
 };
 
-#define INSTANTIATE_CONTRACT(suite)                  \
-    INSTANTIATE_TEST_SUITE_P(Of, suite, Platforms(), \
-                             [](const auto& tested) { return std::string(tested.param.name); })
+#define INSTANTIATE_CONTRACT(suite)                                                    \
+    INSTANTIATE_TEST_SUITE_P(                                                          \
+        Of, suite, testing::Values(MakeHeadless, MakeNative), [](const auto& tested) { \
+            return std::string(tested.param == MakeHeadless ? "Headless" : "Native");  \
+        })
 
 }  // namespace vantor::contract

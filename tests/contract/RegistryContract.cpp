@@ -25,7 +25,7 @@ TEST_P(RegistryContract, DoesWhatTheTableSays) {
     const std::string path = "Software\\Contract Tests";
     std::map<std::string, RegistryKey> keys;
     using W = const Words&;
-    ExpectRows(
+    ExpectTable(
         "contract/registry",
         {{"create",
           [&](W w) {

@@ -54,15 +54,15 @@ TEST_P(SerialPortContract, APortIsListedAndOneThatDoesNotExistIsError68) {
     for (const SerialPortInfo& port : ports->List()) names += port.name + ";";
     EXPECT_NE(names.find(portName + ";"), std::string::npos) << names;
     for (const char* name : {"COM31", "COM33", "COM0", ""})
-        EXPECT_EQ(ErrorOf([&] { ports->Open(name, {}); }), 68) << name;
+        EXPECT_EQ(Raised([&] { ports->Open(name, {}); }).Number(), 68) << name;
 }
 
 TEST_P(SerialPortContract, AnOpenPortIsBusyUntilItIsClosedAndARefusedOpenLeavesItFree) {
-    EXPECT_EQ(ErrorOf([&] { Open({0, Parity::None, 8, 1}); }), 5);
+    EXPECT_EQ(Raised([&] { Open({0, Parity::None, 8, 1}); }).Number(), 5);
     auto port = Open();
-    EXPECT_EQ(ErrorOf([&] { Open(); }), 70);
+    EXPECT_EQ(Raised([&] { Open(); }).Number(), 70);
     port.reset();
-    EXPECT_EQ(ErrorOf([&] { Open({9600, Parity::None, 8, 1}); }), 0);
+    EXPECT_EQ(Raised([&] { Open({9600, Parity::None, 8, 1}); }).Number(), 0);
 }
 
 // A pseudo-terminal shows that the port opens with these settings, and XOFF. It does not show the
@@ -197,7 +197,7 @@ TEST_P(SerialPortContract, ADeviceThatGoesAwayIsError57FromEveryOperationAndTold
         [&] { port->OutputCount(); }, [&] { port->DiscardInput(); }, [&] { port->Break(true); },
         [&] { port->Dtr(false); },    [&] { port->Rts(false); },     [&] { port->Lines(); },
         [&] { port->Errors(); }};
-    for (const auto& operation : kOperations) EXPECT_EQ(ErrorOf(operation), 57);
+    for (const auto& operation : kOperations) EXPECT_EQ(Raised(operation).Number(), 57);
 }
 
 }  // namespace vantor::contract

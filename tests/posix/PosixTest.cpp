@@ -25,39 +25,27 @@ namespace {
 
 namespace fs = std::filesystem;
 
-class InFolder : public testing::Test {
-protected:
-    static void Put(const std::string& path, const std::string& text) {
-        fs::create_directories(fs::path(path).parent_path());
-        std::ofstream(path) << text;
-    }
+RegistryResult Set(Registry& registry, const std::string& name) {
+    RegistryKey key = 0;
+    const RegistryResult result =
+        registry.CreateKey(RegistryRoot::CurrentUser, "Soft", kRegistryAllButOwner, key);
+    if (result != kRegistrySuccess) return result;
+    return registry.SetValue(key, name, kRegistryString, std::string_view("x\0", 2));
+}
 
-    const TemporaryFolder folder;
-};
+bool Has(Registry& registry, const std::string& name) {
+    RegistryKey key = 0;
+    std::uint32_t type = 0;
+    std::uint32_t size = 0;
+    registry.OpenKey(RegistryRoot::CurrentUser, "Soft", kRegistryQueryValue, key);
+    return registry.QueryValue(key, name, type, nullptr, size) == kRegistrySuccess;
+}
 
-class PosixRegistryFile : public InFolder {
-protected:
-    static RegistryResult Set(Registry& registry, const std::string& name) {
-        RegistryKey key = 0;
-        const RegistryResult result =
-            registry.CreateKey(RegistryRoot::CurrentUser, "Soft", kRegistryAllButOwner, key);
-        if (result != kRegistrySuccess) return result;
-        return registry.SetValue(key, name, kRegistryString, std::string_view("x\0", 2));
-    }
-    static bool Has(Registry& registry, const std::string& name) {
-        RegistryKey key = 0;
-        std::uint32_t type = 0;
-        std::uint32_t size = 0;
-        registry.OpenKey(RegistryRoot::CurrentUser, "Soft", kRegistryQueryValue, key);
-        return registry.QueryValue(key, name, type, nullptr, size) == kRegistrySuccess;
-    }
-
-    const std::string file = folder / "registry.reg";
-};
-
-TEST_F(PosixRegistryFile, ProgramsThatWriteAtOnceLoseNothingOfEachOther) {
+TEST(PosixRegistry, ProgramsThatWriteAtOnceLoseNothingOfEachOther) {
     const auto valueOf = [](int program, int i) { return std::to_string(program * 100 + i); };
     constexpr int kValues = 25;
+    const TemporaryFolder folder;
+    const std::string file = folder / "registry.reg";
     std::array<pid_t, 4> children{};
     for (int program = 0; program < 4; ++program) {
         pid_t& child = children.at(static_cast<std::size_t>(program));
@@ -78,6 +66,11 @@ TEST_F(PosixRegistryFile, ProgramsThatWriteAtOnceLoseNothingOfEachOther) {
         EXPECT_TRUE(Has(*registry, valueOf(i / kValues, i % kValues))) << i;
 }
 
+void Put(const std::string& path, const std::string& text) {
+    fs::create_directories(fs::path(path).parent_path());
+    std::ofstream(path) << text;
+}
+
 /// Lets a file have so many bytes at most; without a number as many as before.
 void Limit(const Words& words) {
     rlimit limit{};
@@ -87,25 +80,54 @@ void Limit(const Words& words) {
     setrlimit(RLIMIT_FSIZE, &limit);
 }
 
-TEST_F(PosixRegistryFile, LosesNothingAsTheTableSays) {
-    std::map<std::string, std::unique_ptr<Registry>> programs;
+std::string PortsOf(const std::string& system) {
+    const std::unique_ptr<Clock> clock = MakePosixClock();
+    PosixMessagePump pump(*clock);
+    const auto ports = MakePosixSerialPorts(pump, {}, system);
+    std::string list;
+    for (const SerialPortInfo& port : ports->List()) {
+        list += port.name + '|' + port.description + '|' + port.usbId + '|' + port.serialNumber;
+        for (const std::string& name : port.otherNames)
+            list += '|' + name + '|' + ports->NameOf(system + "/dev/serial/by-id/" + name);
+        list += port.latencyMs ? '|' + std::to_string(*port.latencyMs) + "\n" : "\n";
+    }
+    return list;
+}
+
+/// Programs of the test's folder, and the files that they find there.
+class PosixPrograms : public testing::Test {
+protected:
+    PosixPrograms() { setenv("XDG_RUNTIME_DIR", folder.Path().c_str(), 1); }
+    ~PosixPrograms() override { unsetenv("XDG_RUNTIME_DIR"); }
+
+    const TemporaryFolder folder;
+    std::map<std::string, std::unique_ptr<Registry>> registries;
+    std::map<std::string, std::unique_ptr<Process>> processes;
     using W = const Words&;
-    const std::map<std::string, std::function<std::string(W)>> verbs = {
-        {"program", [&](W w) { return programs[w.at(1)] = MakePosixRegistry(w.at(2)), ""; }},
+    const Actions actions = {
+        {"program",
+         [this](W w) {
+             registries[w.at(1)] = MakePosixRegistry(w.at(2));
+             processes[w[1]] = MakePosixProcess(0, nullptr);
+             return "";
+         }},
         {"sets",
-         [&](W w) {
+         [this](W w) {
              RegistryResult result = 0;
              const RuntimeError error =
-                 Raised([&] { result = Set(*programs.at(w.at(1)), w.at(2)); });
+                 Raised([&] { result = Set(*registries.at(w.at(1)), w.at(2)); });
              return error.Number() == 0 ? Row(result) : error.Description();
          }},
         {"has",
-         [&](W w) {
+         [this](W w) {
              std::string found;
              for (std::size_t i = 2; i < w.size(); ++i)
-                 if (Has(*programs.at(w[1]), w[i])) found += w[i] + " ";
+                 if (Has(*registries.at(w[1]), w[i])) found += w[i] + " ";
              return found;
          }},
+        {"another",
+         [this](W w) { return FromBool(processes.at(w.at(1))->AnotherInstanceRuns(w.at(2))); }},
+        {"ports", [](W w) { return PortsOf(w.at(1)); }},
         {"put", [](W w) { return Put(w.at(1), w.at(2)), ""; }},
         {"put-in-no-time",  // as by another program within one tick of the file system's clock
          [](W w) {
@@ -115,7 +137,7 @@ TEST_F(PosixRegistryFile, LosesNothingAsTheTableSays) {
          }},
         {"text", [](W w) { return ContentOf(w.at(1)); }},
         {"limit", [](W w) { return Limit(w), ""; }},
-        {"folder", [](W w) { return fs::create_directory(w.at(1)), ""; }},
+        {"folder", [](W w) { return fs::create_directories(w.at(1)), ""; }},
         {"link", [](W w) { return fs::create_symlink(w.at(2), w.at(1)), ""; }},
         {"removes", [](W w) { return fs::remove(w.at(1)), ""; }},
         {"kind",
@@ -124,10 +146,18 @@ TEST_F(PosixRegistryFile, LosesNothingAsTheTableSays) {
              return kind == fs::file_type::symlink ? "link" : fs::exists(w[1]) ? "file" : "none";
          }},
     };
-    ExpectTable("posix/registry", [&](Words words) {
-        for (std::string& word : words) word = Replaced(word, "$F", folder.Path().string());
-        return Replaced(verbs.at(words.at(0))(words), folder.Path().string(), "$F");
-    });
+};
+
+TEST_F(PosixPrograms, LoseNothingOfTheirRegistry) {
+    ExpectTable("posix/registry", actions, folder.Path().string());
+}
+
+TEST_F(PosixPrograms, KnowTheOtherInstanceOfTheirTitle) {
+    ExpectTable("posix/instances", actions, folder.Path().string());
+}
+
+TEST_F(PosixPrograms, ListWhatTheSystemKnowsOfEachPort) {
+    ExpectTable("posix/ports", actions, folder.Path().string());
 }
 
 TEST(PosixProcessDeathTest, SignalsAndExceptionsAreNamedBeforeTheEnd) {
@@ -142,50 +172,6 @@ TEST(PosixProcessDeathTest, SignalsAndExceptionsAreNamedBeforeTheEnd) {
     EXPECT_EXIT(dying([] { raise(SIGFPE); }), KilledBySignal(SIGFPE), "Float Invalid Operation");
     const auto lost = []() noexcept { static_cast<void>(std::vector<int>().at(0)); };
     EXPECT_EXIT(dying(lost), KilledBySignal(SIGABRT), "Update: Unhandled Exception: vector");
-}
-
-TEST_F(InFolder, TheSecondInstanceOfATitleIsTold) {
-    setenv("XDG_RUNTIME_DIR", folder.Path().c_str(), 1);
-    const auto first = MakePosixProcess(0, nullptr);
-    EXPECT_FALSE(first->AnotherInstanceRuns("Update / Utility"));
-    EXPECT_FALSE(first->AnotherInstanceRuns("Update / Utility"));
-    const auto second = MakePosixProcess(0, nullptr);
-    EXPECT_TRUE(second->AnotherInstanceRuns("Update / Utility"));
-    EXPECT_FALSE(second->AnotherInstanceRuns("Monitor"));
-    EXPECT_FALSE(fs::is_empty(folder.Path()));
-    unsetenv("XDG_RUNTIME_DIR");
-}
-
-/// The files of posix/system.txt: "PATH TEXT", or "PATH -> TARGET" for a link.
-class PosixPortList : public InFolder {
-protected:
-    PosixPortList() {
-        const auto system = ScriptsIn(TABLES "/posix/system.txt");
-        for (const std::string& line : system.at("")) {
-            const Words words = WordsOf(line);
-            if (words.size() == 2) Put(folder / words[0], words[1]);
-            if (words.size() == 2) continue;
-            fs::create_directories(fs::path(folder / words.at(0)).parent_path());
-            fs::create_symlink(words.at(2), folder / words[0]);
-        }
-    }
-};
-
-TEST_F(PosixPortList, HasWhatTheSystemKnowsOfEachPort) {
-    const std::unique_ptr<Clock> clock = MakePosixClock();
-    PosixMessagePump pump(*clock);
-    const auto ports = MakePosixSerialPorts(pump, {}, folder.Path().string());
-    std::string list;
-    for (const SerialPortInfo& port : ports->List()) {
-        list += port.name + '|' + port.description + '|' + port.usbId + '|' + port.serialNumber;
-        for (const std::string& name : port.otherNames) list += '|' + name;
-        list += port.latencyMs ? '|' + std::to_string(*port.latencyMs) + "\n" : "\n";
-    }
-    EXPECT_EQ(list,
-              "COM1|some_driver||\n"
-              "COM9|FTDI FT232R|0403:6001|A50285BI|usb-FTDI_A50285BI-if00|16\n"
-              "COM21|Acme Modem|2341:0043|\n");
-    EXPECT_EQ(ports->NameOf(folder / "dev/serial/by-id/usb-FTDI_A50285BI-if00"), "COM9");
 }
 
 }  // namespace

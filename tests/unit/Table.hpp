@@ -55,6 +55,27 @@ inline void ExpectTable(const std::string& table,
     EXPECT_GT(rows, 0) << table;
 }
 
+/// From 255 to 0: the last is a NUL, as that of a stored string is.
+inline std::string AllBytes() {
+    std::string bytes;
+    for (int byte = 255; byte >= 0; --byte) bytes += static_cast<char>(byte);
+    return bytes;
+}
+
+/// What the rows that begin with a word do with all their words.
+using Actions = std::map<std::string, std::function<std::string(const Words&)>>;
+
+/// Expects of each row of `table` that its action returns its result. "$F" stands for `folder`,
+/// "$B" for all bytes.
+inline void ExpectTable(const std::string& table, const Actions& actions,
+                        const std::string& folder = "$F") {
+    ExpectTable(table, [&](Words words) {
+        for (std::string& word : words)
+            word = Replaced(Replaced(word, "$F", folder), "$B", AllBytes());
+        return Replaced(Replaced(actions.at(words.at(0))(words), folder, "$F"), AllBytes(), "$B");
+    });
+}
+
 using Argument = const std::string&;
 
 /// What the words "NAME" and "NAME=ARGUMENT" of a row do with a subject.

@@ -311,7 +311,6 @@ const std::map<std::string, Verb> kVerbs = {
     {"key", [](auto& s, auto& w) { s.com.Key(w.at(1)); }},
     {"type", [](auto& s, auto& w) { s.com.Type(w.at(1)); }},
     {"output", [](auto& s, auto& w) { s.com.Output(w.at(1)); }},
-    {"echo", [](auto& s, auto&) { s.com.LocalEcho = true; }},
     {"choose",
      [](auto& s, auto& w) {
          TerminalOptions options = s.com.Options();
@@ -319,17 +318,13 @@ const std::map<std::string, Verb> kVerbs = {
          s.com.Options(options);
      }},
     {"bytes", [](auto& s, auto& w) { s.com.SendBytes(w.at(1)); }},
-    {"break",
-     [](auto& s, auto&) {
-         s.events["error"] = to_string(Raised([&] { s.com.SendBreak(); }).Number());
-     }},
+    {"break", [](auto& s, auto&) { s.com.SendBreak(); }},
     {"timerless", [](auto& s, auto&) { s.pump.refuses = true; }},
     {"dtr", [](auto& s, auto& w) { s.com.Dtr(w.at(1) == "on"); }},
     {"rts", [](auto& s, auto& w) { s.com.Rts(w.at(1) == "on"); }},
     {"cancel", [](auto& s, auto&) { s.com.DropPendingLines(); }},
     {"declines", [](auto& s, auto&) { s.platform.boxes.answers = {BoxAnswer::No}; }},
     {"endless", [](auto& s, auto&) { s.com.EndLines = false; }},
-    {"returnfeeds", [](auto& s, auto&) { s.com.Screen().modes.returnFeeds = true; }},
     {"clipboard", [](auto& s, auto& w) { s.platform.clipboard.Text(w.at(1)); }},
     {"perform", [](auto& s, auto& w) { s.com.PerformCommand(TerminalCommand(Number(w))); }},
     {"invoke", [](auto& s, auto& w) { s.com.Invoke(TerminalCommand(Number(w))); }},
@@ -388,12 +383,9 @@ const std::map<std::string, Verb> kVerbs = {
      [](auto& s, auto& w) {
          s.handles = w.at(1) == "performs";
          s.onCommand = {};
-         if (w.size() > 2) s.onCommand = [&s, w] { Perform(s, {w.begin() + 2, w.end()}); };
+         if (w.size() > 2) s.onCommand = [&s, w] { Perform(s, From(w, 2)); };
      }},
-    {"capture",
-     [](auto& s, auto& w) {
-         s.events["error"] = to_string(Raised([&] { s.com.CaptureFile(w.at(1)); }).Number());
-     }},
+    {"capture", [](auto& s, auto& w) { s.com.CaptureFile(w.at(1)); }},
     {"drain", [](auto& s, auto&) { s.com.DrainOutput(); }},
     {"slow",
      [](auto& s, auto& w) { s.platform.ports.LimitWrites(static_cast<std::size_t>(Number(w))); }},
@@ -431,21 +423,20 @@ const std::map<std::string, Verb> kVerbs = {
     {"unselect", [](auto& s, auto&) { s.com.Unselect(); }},
     {"find", Find},
     {"endfind", [](auto& s, auto&) { s.com.EndFind(); }},
-    {"save",
-     [](auto& s, auto& w) {
-         s.events["error"] = to_string(Raised([&] { s.com.SaveScrollback(w.at(1)); }).Number());
-     }},
+    {"save", [](auto& s, auto& w) { s.com.SaveScrollback(w.at(1)); }},
     {"forget", [](auto& s, auto&) { s.com.ClearScrollback(); }},
     {"box",  // during which ACTION takes place
      [](auto& s, auto& w) {
-         s.platform.boxes.whileOpen = [&s, w](const MessageBoxRequest&) {
-             Perform(s, {w.begin() + 1, w.end()});
-         };
+         s.platform.boxes.whileOpen = [&s, w](const auto&) { Perform(s, From(w, 1)); };
      }},
 };
 
 void Perform(Subject& subject, const Words& words) {
-    kVerbs.at(words.at(0))(subject, words);
+    try {
+        kVerbs.at(words.at(0))(subject, words);
+    } catch (const RuntimeError& error) {
+        subject.events["error"] = to_string(error.Number());
+    }
 }
 
 }  // namespace

@@ -11,7 +11,6 @@
 #include "controls/Controls.hpp"
 #include "controls/Form.hpp"
 #include "controls/TreeView.hpp"
-#include "support/LineSettings.hpp"
 #include "support/text/Text.hpp"
 #include "terminal/TerminalControl.hpp"
 
@@ -22,6 +21,13 @@ constexpr const char* kIcons[] = {"none", "stop", "question", "warning", "inform
 constexpr const char* kButtons[] = {"OK", "YesNo", "YesNoCancel"};
 constexpr const char* kFlowControls[] = {"", " RTS/CTS", " XON/XOFF"};
 constexpr const char* kAnswers[] = {"OK", "Yes", "No", "Cancel"};
+
+// Without the program's own conversion, which a fault could turn into the opposite of itself.
+std::string Line(const LineSettings& line) {
+    return std::to_string(line.bitsPerSecond) + "," + "NOE"[static_cast<std::size_t>(line.parity)] +
+           "," + std::to_string(line.dataBits) + "," + std::to_string(line.stopBits) +
+           kFlowControls[static_cast<std::size_t>(line.flowControl)];
+}
 
 std::string Point(float x, float y) {
     return std::to_string(std::lrint(x)) + "," + std::to_string(std::lrint(y));
@@ -225,8 +231,7 @@ struct RecordedPort : Recorded<SerialPort, std::unique_ptr<SerialPort>> {
 struct RecordedPorts : Recorded<SerialPorts, HeadlessSerialPorts&> {
     using Recorded::Recorded;
     std::unique_ptr<SerialPort> Open(const std::string& name, const LineSettings& line) override {
-        const std::string what = "open " + name + " " + FormatLineSettings(line) +
-                                 kFlowControls[static_cast<std::size_t>(line.flowControl)];
+        const std::string what = "open " + name + " " + Line(line);
         try {
             auto port = mInner.Open(name, line);
             Note(what);

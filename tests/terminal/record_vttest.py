@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Records what vttest sends for the menus that the comments of vttest-*.terminal name.
 
-Runs vttest on a pseudo-terminal of 80 x 24 cells, presses the keys that a script states or RETURN on
-each screen, and writes one action for each answer of vttest. `trace_tests --accept` then adds the
-screens, to be compared with what vttest says must be seen. A development tool; no part of
+Runs vttest on a pseudo-terminal of 80 x 24 cells, presses the keys that the comments state and then
+RETURN on each screen, and writes one action for each answer of vttest. `trace_tests --accept` then
+adds the screens, to be compared with what vttest says must be seen. A development tool; no part of
 scripts/test.
 """
 import fcntl

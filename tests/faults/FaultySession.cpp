@@ -67,8 +67,9 @@ private:
         mLine->Opened(line);
     }
     void Closed() override {
+        // A closed window does not open the port again.
         if (mRecord.opened.size() == 1 && !mRecord.exchanges.empty() &&
-            mRecord.exchanges.back().ChangesSpeed())
+            mRecord.exchanges.back().ChangesSpeed() && !mWindow->Gone())
             Begin(kReopened);
         mLine->Closed();
     }
@@ -122,10 +123,11 @@ private:
     /// the window two letters a control: enabled or disabled, visible or hidden. The abort button
     /// stays as the last lines set it.
     std::string State() const {
-        std::string state = mHeadless.peers.held;
+        std::string state;
         for (const std::string& window : mHeadless.peers.open) state += window + " ";
         if (mHeadless.ports.IsOpen("COM1")) state += "port ";
         if (mHeadless.peers.pointer != MousePointer::Default) state += "pointer ";
+        state += mHeadless.peers.held;
         if (mWindow->Gone()) return state;
         if (mWindow->Session().AwaitsVerdict()) state += "timer ";
         for (const Control* control : mWindow->Controls())
@@ -156,7 +158,7 @@ private:
     void Begin(std::size_t stage) {
         if (stage != kOpening) {
             Require(!mHeadless.peers.held.empty(), "the system may sleep");
-            Require(stage == kReopened || Waits() == (stage < kVerdict), "wrong pointer");
+            Require(Waits() == (stage < kVerdict), "wrong pointer");
         }
         if (!mBegun.insert(stage).second) return;
         for (const Mishap& mishap : mPlan.mishaps)

@@ -143,6 +143,10 @@ TEST_F(Peers, GiveBackWhatWindowsAndFlashesTookAndHaveNamesToReadAloud) {
             if (form->Name() == "frmMain" || form->Name() == "frmMonitor") return;
             names.insert(form->Name());
             ExpectNames(*form);
+            if (form->Name() == "frmSend") {  // a file name may contain "&"
+                const HWND file = ChildOf(*form, "lblFilename");
+                EXPECT_NE(GetWindowLongPtrW(file, GWL_STYLE) & SS_NOPREFIX, 0);
+            }
             SendMessageW(WindowOf(*form), WM_CLOSE, 0, 0);
         });
         main->mnuHelpAbout.Press();
@@ -209,6 +213,8 @@ TEST_F(Peers, OfTheOptionsOpenNothingAgainWhileAHeadingCloses) {
                                      CWP_SKIPINVISIBLE),
               ChildOf(*options, "picDetails"))
         << "the page is still in front";
+    options->cboPort.Items({"COM1", std::string(99, 'M'), "COM3"});
+    EXPECT_GT(SendMessageW(ChildOf(*options, "cboPort"), CB_GETDROPPEDWIDTH, 0, 0), 99 * 8);
     options->Unload();
 }
 

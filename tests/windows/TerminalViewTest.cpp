@@ -224,6 +224,25 @@ TEST_F(TerminalView, LinesOfNeighbouringCellsJoin) {
     EXPECT_EQ(tops[9], tops[4]) << "underlined";
 }
 
+TEST_F(TerminalView, ABoldLetterIsWiderAndAnItalicOneLeans) {
+    screen.MoveTo(0, 0);
+    TerminalParser(screen).Write("H\x1b[1mH\x1b[0;3mH");
+    terminal.Refresh();
+    // The columns of pixels of a cell that have ink.
+    const auto inkAt = [&](int column, int y) {
+        std::vector<int> found;
+        for (int x = 0; x < width; ++x)
+            if (Pixel(view, column * width + x, y) != GetSysColor(COLOR_WINDOW)) found.push_back(x);
+        return found;
+    };
+    const int top = height / 4;
+    const int bottom = height * 2 / 3;
+    EXPECT_EQ(inkAt(0, top), inkAt(0, bottom));
+    EXPECT_GT(inkAt(1, top).size(), inkAt(0, top).size());
+    EXPECT_EQ(inkAt(1, top), inkAt(1, bottom));
+    EXPECT_GT(inkAt(2, top), inkAt(2, bottom));
+}
+
 TEST_F(TerminalView, TheContextMenuShowsWhatIsPossibleAndChosen) {
     const TimerId timer = platform.queue.StartTimer(10, [&] {
         const HWND open = FindWindowW(L"#32768", nullptr);

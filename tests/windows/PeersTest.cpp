@@ -213,6 +213,15 @@ TEST_F(Peers, OfTheOptionsOpenNothingAgainWhileAHeadingCloses) {
                                      CWP_SKIPINVISIBLE),
               ChildOf(*options, "picDetails"))
         << "the page is still in front";
+    TVHITTESTINFO button{};
+    button.pt.y = 8;
+    while ((button.flags & TVHT_ONITEMBUTTON) == 0 && ++button.pt.x < 40)
+        SendMessageW(tree, TVM_HITTEST, 0, reinterpret_cast<LPARAM>(&button));
+    for (const bool open : {true, false}) {
+        SendMessageW(tree, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(button.pt.x, button.pt.y));
+        SendMessageW(tree, WM_LBUTTONUP, 0, MAKELPARAM(button.pt.x, button.pt.y));
+        EXPECT_EQ(headingIs(TVIS_EXPANDED), open);
+    }
     options->cboPort.Items({"COM1", std::string(99, 'M'), "COM3"});
     EXPECT_GT(SendMessageW(ChildOf(*options, "cboPort"), CB_GETDROPPEDWIDTH, 0, 0), 99 * 8);
     options->Unload();

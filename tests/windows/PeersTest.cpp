@@ -217,11 +217,19 @@ TEST_F(Peers, OfTheOptionsOpenNothingAgainWhileAHeadingCloses) {
     button.pt.y = 8;
     while ((button.flags & TVHT_ONITEMBUTTON) == 0 && ++button.pt.x < 40)
         SendMessageW(tree, TVM_HITTEST, 0, reinterpret_cast<LPARAM>(&button));
-    for (const bool open : {true, false}) {
-        SendMessageW(tree, WM_LBUTTONDOWN, MK_LBUTTON, MAKELPARAM(button.pt.x, button.pt.y));
-        SendMessageW(tree, WM_LBUTTONUP, 0, MAKELPARAM(button.pt.x, button.pt.y));
-        EXPECT_EQ(headingIs(TVIS_EXPANDED), open);
-    }
+    const auto click = [&] {
+        const LPARAM at = MAKELPARAM(button.pt.x, button.pt.y);
+        SendMessageW(tree, WM_LBUTTONDOWN, MK_LBUTTON, at);
+        SendMessageW(tree, WM_LBUTTONUP, 0, at);
+    };
+    click();
+    EXPECT_TRUE(headingIs(TVIS_EXPANDED));
+    const LRESULT below =
+        SendMessageW(tree, TVM_GETNEXTITEM, TVGN_CHILD, reinterpret_cast<LPARAM>(heading));
+    SendMessageW(tree, TVM_SELECTITEM, TVGN_CARET, below);
+    EXPECT_TRUE(options->picHolder[0].Enabled());
+    click();
+    EXPECT_FALSE(headingIs(TVIS_EXPANDED) || options->picHolder[0].Enabled());
     options->cboPort.Items({"COM1", std::string(99, 'M'), "COM3"});
     EXPECT_GT(SendMessageW(ChildOf(*options, "cboPort"), CB_GETDROPPEDWIDTH, 0, 0), 99 * 8);
     options->Unload();

@@ -168,10 +168,6 @@ const std::map<std::string, Action>& Actions() {
              s.app->KeyUntil(w.at(1), w.back(), [&] { return s.Holds(From(w, 3)); });
          }},
         {"click", [](S& s, W& w) { s.ClickUntil(w[1], From(w, 3)); }},
-        {"click-at",
-         [](S&, W& w) {
-             ClickAt({Number(w[1]), Number(w.at(2))});
-         }},
         {"double-click",
          [](S& s, W& w) {
              s.DoubleClick({Number(w[1]), Number(w.at(2))});

@@ -158,7 +158,13 @@ TEST_F(TerminalView, EveryKeyDoesItsWork) {
     terminal.Options({.breakKey = true});
     Send(WM_SYSKEYDOWN, VK_F10);
     Send(WM_SYSKEYUP, VK_F10);  // opens no menu, which would wait for the user
-    EXPECT_EQ(wire.received, "\x1b[21~");
+    constexpr LPARAM kWithAlt = LPARAM{KF_ALTDOWN} << 16;
+    Hold({VK_MENU});
+    Send(WM_SYSKEYDOWN, VK_MENU, kWithAlt);
+    Send(WM_SYSKEYDOWN, VK_F5, kWithAlt);
+    Hold({});
+    Send(WM_SYSKEYUP, VK_MENU, 0);  // nor does Alt, released before the key
+    EXPECT_EQ(wire.received, "\x1b[21~\x1b[15;3~");
     const int page = screen.Rows() - 1;
     ExpectTable("keys", [&](Words words) {
         wire.received.clear();

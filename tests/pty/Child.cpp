@@ -21,7 +21,7 @@ void Must(bool ok, const char* what) {
 }  // namespace
 
 Child::Child(std::vector<std::string> arguments, Output output) {
-    const bool pipes = output == Output::Pipes;
+    const bool pipes = output != Output::Terminal;
     std::array<int, 2> out{};
     std::array<int, 2> err{};
     if (pipes)
@@ -33,6 +33,7 @@ Child::Child(std::vector<std::string> arguments, Output output) {
             dup2(open("/dev/null", O_RDONLY | O_CLOEXEC), STDIN_FILENO);
             dup2(out[1], STDOUT_FILENO);
             dup2(err[1], STDERR_FILENO);
+            if (output == Output::None) close_range(STDIN_FILENO, STDERR_FILENO, 0);
         }
         std::vector<char*> argv;
         for (std::string& argument : arguments) argv.push_back(argument.data());

@@ -4,6 +4,7 @@
 #include <sys/types.h>
 
 #include <array>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <vector>
@@ -13,10 +14,10 @@ namespace vantor {
 /// A child process whose output is collected in memory. Killed by the destructor.
 class Child {
 public:
-    enum class Output : bool { Pipes, Terminal };
+    enum class Output : std::uint8_t { Pipes, Terminal, None };
 
     /// Starts `arguments[0]`. With Output::Terminal its three standard streams are one
-    /// pseudo-terminal, and `Out` has all output.
+    /// pseudo-terminal, and `Out` has all output. With Output::None they are closed.
     explicit Child(std::vector<std::string> arguments, Output output = Output::Pipes);
     ~Child();
     Child(const Child&) = delete;

@@ -50,6 +50,14 @@ inline Words WordsOf(std::string_view line) {
     return words;
 }
 
+/// `text` with `other` for each `part`.
+inline std::string Replaced(std::string text, std::string_view part, std::string_view other) {
+    for (auto at = text.find(part); at != std::string::npos;
+         at = text.find(part, at + other.size()))
+        text.replace(at, part.size(), other);
+    return text;
+}
+
 /// The lines of each script in a file, by its name: "== NAME" begins one, and "#" a comment.
 inline std::map<std::string, Words> ScriptsIn(const std::string& path) {
     std::ifstream file(path);

@@ -21,7 +21,7 @@
 #include "platform/SharedFiles.hpp"
 #include "platform/portable/CompiledStrings.hpp"
 #include "tests/TemporaryFolder.hpp"
-#include "tests/faults/ReportingPlatform.hpp"
+#include "tests/unit/Table.hpp"
 
 namespace vantor::contract {
 
@@ -67,33 +67,16 @@ ProcessServices MakeProcessServices();
 void MakeHeadless(Subject& subject);
 void MakeNative(Subject& subject);
 
-/// A platform by name, which is part of the names of the tests.
-struct Maker {
-    const char* name;
-    void (*make)(Subject&);
-};
-
-inline auto Platforms() {
-    return testing::Values(Maker{"Headless", MakeHeadless}, Maker{"Native", MakeNative});
-}
-
-class Contract : public testing::TestWithParam<Maker>, protected Subject {
+/// Its parameter makes the services of one platform.
+class Contract : public testing::TestWithParam<void (*)(Subject&)>, protected Subject {
 protected:
-    Contract() { GetParam().make(*this); }
-
-    static std::string AllBytes() {
-        std::string bytes;
-        for (int byte = 0; byte < 256; ++byte) bytes += static_cast<char>(byte);
-        return bytes;
-    }
-    template <typename Body>
-    static std::int32_t ErrorOf(Body&& body) {
-        return Raised(body).Number();
-    }
+    Contract() { GetParam()(*this); }
 };
 
-#define INSTANTIATE_CONTRACT(suite)                  \
-    INSTANTIATE_TEST_SUITE_P(Of, suite, Platforms(), \
-                             [](const auto& tested) { return std::string(tested.param.name); })
+#define INSTANTIATE_CONTRACT(suite)                                                    \
+    INSTANTIATE_TEST_SUITE_P(                                                          \
+        Of, suite, testing::Values(MakeHeadless, MakeNative), [](const auto& tested) { \
+            return std::string(tested.param == MakeHeadless ? "Headless" : "Native");  \
+        })
 
 }  // namespace vantor::contract

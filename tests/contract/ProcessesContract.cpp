@@ -4,9 +4,7 @@
 #include <fstream>
 #include <iostream>
 #include <map>
-#include <optional>
 
-#include "tests/Words.hpp"
 #include "tests/contract/Contract.hpp"
 
 namespace vantor::contract {
@@ -43,7 +41,6 @@ protected:
         EXPECT_EQ(child.ExitStatus(), kStatusOfChild);
         return output;
     }
-    void Put(const std::string& text) const { std::ofstream(file, std::ios::binary) << text; }
 
     const ProcessServices services = MakeProcessServices();
     const TemporaryFolder folder;
@@ -70,22 +67,13 @@ TEST_F(ProcessesContract, RecordsOfSeveralProcessesAreWholeBelowOneHeader) {
 }
 
 TEST_F(ProcessesContract, ARecordBeginsALineAndTheHeaderIsThatOfAnEmptyFile) {
-    const struct {
-        std::optional<std::string> before;
-        const char* record;
-        const char* after;
-    } kRows[] = {{{}, "", "head\n"},
-                 {{}, "r\n", "head\nr\n"},
-                 {"", "r\n", "head\nr\n"},
-                 {"head\nq\n", "r\n", "head\nq\nr\n"},
-                 {"head\nq", "r\n", "head\nq\r\nr\n"},
-                 {"head\nq", "", "head\nq"}};
-    for (const auto& [before, record, after] : kRows) {
+    // The record, then what the file has before.
+    ExpectTable("contract/records", [this](const Words& words) {
         std::filesystem::remove(file);
-        if (before) Put(*before);
-        services.sharedFiles->Append(file, "head\n", record);
-        EXPECT_EQ(ContentOf(file), after);
-    }
+        if (words.size() > 1) std::ofstream(file, std::ios::binary) << words[1];
+        services.sharedFiles->Append(file, "head\n", words.at(0));
+        return ContentOf(file);
+    });
     for (const std::string& path : {folder.Path().string(), folder / "none/records.csv"})
         EXPECT_NE(Raised([&] { services.sharedFiles->Append(path, "", "r"); }).Number(), 0) << path;
 }

@@ -1,123 +1,53 @@
 // Contract of Registry, as the settings require it.
-#include <algorithm>
-
 #include "tests/contract/Contract.hpp"
 
 namespace vantor::contract {
 
-using namespace std::string_literals;
-
 class RegistryContract : public Contract {
 protected:
-    static constexpr RegistryRoot kRoot = RegistryRoot::CurrentUser;
-
-    RegistryKey Create(const std::string& at) {
-        RegistryKey key = 0;
-        EXPECT_EQ(registry->CreateKey(kRoot, at, kRegistryAllButOwner, key), kRegistrySuccess);
-        return key;
-    }
-    RegistryKey Open(const std::string& at, std::uint32_t access = kRegistryAllButOwner) {
-        RegistryKey key = 0;
-        EXPECT_EQ(registry->OpenKey(kRoot, at, access, key), kRegistrySuccess) << at;
-        return key;
-    }
-    void Set(RegistryKey key, const std::string& name, std::uint32_t type, std::string_view bytes) {
-        EXPECT_EQ(registry->SetValue(key, name, type, bytes), kRegistrySuccess) << name;
-    }
-    /// Queries size and value in two calls, as the settings do.
-    std::string Query(RegistryKey key, const std::string& name, std::uint32_t type) {
-        std::uint32_t found = 0;
+    /// Queries size and value in two calls, as the settings do, or the value with a buffer of
+    /// `most` bytes: result, type, size and bytes.
+    std::string Query(RegistryKey key, const std::string& name, const std::string& most) {
+        std::uint32_t type = 0;
         std::uint32_t size = 0;
-        EXPECT_EQ(registry->QueryValue(key, name, found, nullptr, size), kRegistrySuccess);
-        EXPECT_EQ(found, type);
-        std::string bytes(size, '#');
-        EXPECT_EQ(registry->QueryValue(key, name, found, bytes.data(), size), kRegistrySuccess);
-        EXPECT_EQ(size, bytes.size());
-        return bytes;
+        RegistryResult result = registry->QueryValue(key, name, type, nullptr, size);
+        std::string bytes(most.empty() ? size : std::stoul(most), '#');
+        if (!most.empty()) size = static_cast<std::uint32_t>(bytes.size());
+        if (result == kRegistrySuccess)
+            result = registry->QueryValue(key, name, type, bytes.data(), size);
+        return result == kRegistrySuccess ? Row(result, type, size, bytes) : Row(result, size);
     }
-
-    const std::string path = "Software\\Contract Tests";
 };
 INSTANTIATE_CONTRACT(RegistryContract);
 
-TEST_P(RegistryContract, LookingForAMissingKeyMakesNone) {
-    for (int attempt = 0; attempt < 2; ++attempt) {
-        RegistryKey key = 4711;
-        EXPECT_EQ(registry->OpenKey(kRoot, path + "\\Settings", kRegistryQueryValue, key),
-                  kRegistryFileNotFound);
-        EXPECT_EQ(key, 4711u) << "the caller's key was overwritten";
-    }
-}
-
-TEST_P(RegistryContract, ValuesSurviveARestartByteForByte) {
-    struct Value {
-        const char* name;
-        std::uint32_t type;
-        std::string bytes;
-    };
-    std::string all = AllBytes();
-    std::ranges::reverse(all);  // ends with a NUL, as a string does
-    const std::vector<Value> values = {
-        {"", kRegistryString, "default\0"s},
-        {"Plain", kRegistryString, "38400\0"s},
-        {"Empty", kRegistryString, "\0"s},
-        {"Folder", kRegistryString, "C:\\a \"b\"\\\0"s},
-        {"Scrambled", kRegistryString, "a\0\x01\xFF\x81z\0"s},
-        {"Every byte", kRegistryString, all},
-        {"Number", kRegistryDword, "\x02\x01\x00\xFF"s},
-        {"Bytes", kRegistryBinary, all},
-        {"No bytes", kRegistryBinary, ""},
-        {"Contraseña \\\"", kRegistryString, "x\0"s},
-    };
-    RegistryKey key = Create(path + "\\Settings");
-    const auto expectAll = [&] {
-        for (const Value& value : values)
-            EXPECT_EQ(Query(key, value.name, value.type), value.bytes) << value.name;
-    };
-    for (const Value& value : values) Set(key, value.name, value.type, value.bytes);
-    expectAll();
-    registry = restarted(*registry);
-    key = Open(path + "\\Settings");
-    expectAll();
-}
-
-TEST_P(RegistryContract, TheSizeOfAStringCountsItsNul) {
-    const RegistryKey key = Create(path);
-    Set(key, "Port", kRegistryString, "COM1\0"s);
-    std::uint32_t type = 0;
-    std::uint32_t size = 0;
-    EXPECT_EQ(registry->QueryValue(key, "Port", type, nullptr, size), kRegistrySuccess);
-    EXPECT_EQ(size, 5u);
-    std::string small(4, '#');
-    size = 4;
-    EXPECT_EQ(registry->QueryValue(key, "Port", type, small.data(), size), kRegistryMoreData);
-    EXPECT_EQ(size, 5u);
-    Set(key, "Port", kRegistryDword, "\1\0\0\0"s);
-    EXPECT_EQ(Query(key, "Port", kRegistryDword), "\1\0\0\0"s) << "the new type did not stick";
-}
-
-TEST_P(RegistryContract, AKeyDoesWhatItWasOpenedForAndNoMore) {
-    Set(Create(path), "Kept", kRegistryString, "old\0"s);
-    const RegistryKey reader = Open(path, kRegistryQueryValue);
-    EXPECT_EQ(registry->SetValue(reader, "Kept", kRegistryString, "new\0"s), kRegistryAccessDenied);
-    EXPECT_EQ(Query(reader, "Kept", kRegistryString), "old\0"s);
-    std::uint32_t type = 0;
-    std::uint32_t size = 0;
-    const RegistryKey writer = Open(path, kRegistrySetValue);
-    EXPECT_EQ(registry->QueryValue(writer, "Kept", type, nullptr, size), kRegistryAccessDenied);
-    EXPECT_EQ(registry->QueryValue(reader, "Missing", type, nullptr, size), kRegistryFileNotFound);
-    EXPECT_EQ(registry->CloseKey(writer), kRegistrySuccess);
-    EXPECT_EQ(registry->SetValue(writer, "x", kRegistryString, "y\0"s), kRegistryInvalidHandle);
-    EXPECT_EQ(registry->CloseKey(writer), kRegistryInvalidHandle);
-}
-
-TEST_P(RegistryContract, PathsAndNamesIgnoreCaseAndSpareBackslashes) {
-    Set(Create(path + "\\One\\Two"), "Baud Rate", kRegistryString, "9600\0"s);
-    for (const char* spelling : {"\\ONE\\two", "\\One\\Two\\", "\\one\\\\TWO"})
-        EXPECT_EQ(Query(Open(path + spelling), "BAUD rate", kRegistryString), "9600\0"s)
-            << spelling;
-    Set(Create(path + "\\ONE\\TWO"), "baud rate", kRegistryString, "1200\0"s);
-    EXPECT_EQ(Query(Open(path + "\\One\\Two"), "Baud Rate", kRegistryString), "1200\0"s);
+TEST_P(RegistryContract, DoesWhatTheTableSays) {
+    constexpr auto kRoot = RegistryRoot::CurrentUser;
+    const std::string path = "Software\\Contract Tests";
+    std::map<std::string, RegistryKey> keys;
+    using W = const Words&;
+    ExpectTable(
+        "contract/registry",
+        {{"create",
+          [&](W w) {
+              return Row(
+                  registry->CreateKey(kRoot, path + w.at(2), kRegistryAllButOwner, keys[w.at(1)]));
+          }},
+         {"open",
+          [&](W w) {
+              constexpr RegistryKey kUntouched = 4711;
+              RegistryKey& key = keys[w.at(1)] = kUntouched;
+              const auto access = static_cast<std::uint32_t>(std::stoul(w.at(2)));
+              const RegistryResult result = registry->OpenKey(kRoot, path + w.at(3), access, key);
+              return Row(result, key == kUntouched ? "untouched" : "set");
+          }},
+         {"close", [&](W w) { return Row(registry->CloseKey(keys.at(w.at(1)))); }},
+         {"set",
+          [&](W w) {
+              const auto type = static_cast<std::uint32_t>(std::stoul(w.at(3)));
+              return Row(registry->SetValue(keys.at(w.at(1)), w.at(2), type, w.at(4)));
+          }},
+         {"query", [&](W w) { return Query(keys.at(w.at(1)), w.at(2), w.size() > 3 ? w[3] : ""); }},
+         {"restart", [&](W) { return registry = restarted(*registry), ""; }}});
 }
 
 }  // namespace vantor::contract

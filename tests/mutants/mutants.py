@@ -59,6 +59,14 @@ def faults_of(line):
     return faults
 
 
+def succeeds(*command, **options):
+    try:
+        return subprocess.run(command, stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL,
+                              **options).returncode == 0
+    except subprocess.TimeoutExpired:
+        return False
+
+
 class Copy:
     """One copy of the sources with its build."""
 
@@ -70,31 +78,21 @@ class Copy:
         archive = subprocess.run(["git", "-C", root, "archive", "HEAD"], check=True,
                                  stdout=subprocess.PIPE).stdout
         subprocess.run(["tar", "-x", "-C", self.source, "-m"], input=archive, check=True)
-        subprocess.run(["cmake", "-S", self.source, "-B", self.build, "-G", "Ninja",
-                        "-DCMAKE_BUILD_TYPE=", "-DCMAKE_CXX_FLAGS=-O1 -w -D_GLIBCXX_ASSERTIONS"],
-                       check=True, stdout=subprocess.DEVNULL)
-        if not self.compile():
+        configured = succeeds("cmake", "-S", self.source, "-B", self.build, "-G", "Ninja",
+                              "-DCMAKE_BUILD_TYPE=",
+                              "-DCMAKE_CXX_FLAGS=-O1 -w -D_GLIBCXX_ASSERTIONS")
+        if not configured or not self.compile():
             sys.exit("The sources do not build.")
 
     def compile(self):
-        return subprocess.run(["cmake", "--build", self.build, "-j1", "--target", *SUITES],
-                              stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL).returncode == 0
+        return succeeds("cmake", "--build", self.build, "-j1", "--target", *SUITES)
 
     def noticed(self):
-        for suite in SUITES:
-            try:
-                run = subprocess.run([self.build / suite, "--gtest_fail_fast", "--gtest_brief=1"],
-                                     cwd=self.build, timeout=TIMEOUT_S,
-                                     stdout=subprocess.DEVNULL, stderr=subprocess.DEVNULL)
-            except subprocess.TimeoutExpired:
-                return True
-            if run.returncode != 0:
-                return True
-        return False
+        return not all(succeeds(self.build / suite, "--gtest_fail_fast", "--gtest_brief=1",
+                                cwd=self.build, timeout=TIMEOUT_S) for suite in SUITES)
 
-    def judge(self, fault):
+    def judge(self, file, number, text):
         """None: does not compile; else whether a test notices it."""
-        file, number, text = fault
         path = self.source / file
         original = path.read_text()
         lines = original.split("\n")
@@ -119,9 +117,11 @@ def all_faults(root, folders):
         for path in sorted((root / "src" / folder).rglob("*.[ch]pp")):
             if "windows" in path.parts:
                 continue  # is not part of the native build
-            for number, line in enumerate(path.read_text().split("\n")):
+            file, lines = str(path.relative_to(root)), path.read_text().split("\n")
+            for number, line in enumerate(lines):
                 for text in faults_of(line):
-                    faults.append((str(path.relative_to(root)), number, text))
+                    key = key_of(file, lines, number, text)
+                    faults.append((file, number, line.strip(), text, key))
     return faults
 
 
@@ -136,34 +136,26 @@ def main():
             sys.exit("The tests fail without a fault.")
     faults = all_faults(copies[0].source, folders)
     random.Random(seed).shuffle(faults)
-    original = {}
-    judged, survivors, rest = 0, [], iter(faults)
+    judged, survivors, rest = 0, 0, iter(faults)
 
     def judge(copy):
-        nonlocal judged
-        for fault in rest:
+        nonlocal judged, survivors
+        for file, number, line, text, key in rest:
             if judged >= count:
                 return
-            file, number, text = fault
-            lines = original.setdefault(file, (copies[0].source / file).read_text().split("\n"))
-            if key_of(file, lines, number, text) in equivalent:
-                continue
-            noticed = copy.judge(fault)
+            noticed = None if key in equivalent else copy.judge(file, number, text)
             if noticed is None:
                 continue
             judged += 1
             if not noticed:
-                survivors.append(f"{file}:{number + 1}\n  - {lines[number].strip()}\n"
-                                 f"  + {text.strip()}")
-                print(survivors[-1], flush=True)
+                survivors += 1
+                print(f"{file}:{number + 1}\n  - {line}\n  + {text.strip()}", flush=True)
 
-    for file in {fault[0] for fault in faults}:
-        original[file] = (copies[0].source / file).read_text().split("\n")
     with concurrent.futures.ThreadPoolExecutor() as pool:
         for result in [pool.submit(judge, copy) for copy in copies]:
             result.result()
-    print(f"{judged - len(survivors)} of {judged} faults noticed "
-          f"({100 * (judged - len(survivors)) // max(judged, 1)} %), seed {seed}")
+    print(f"{judged - survivors} of {judged} faults noticed "
+          f"({100 * (judged - survivors) // max(judged, 1)} %), seed {seed}")
 
 
 main()

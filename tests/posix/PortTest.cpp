@@ -16,12 +16,15 @@
 #include <array>
 #include <cstdarg>
 #include <iterator>
+#include <memory>
 #include <string>
 #include <utility>
 
 #include "platform/posix/PosixHandle.hpp"
 #include "platform/posix/PosixMessagePump.hpp"
 #include "platform/posix/PosixServices.hpp"
+#include "support/LineSettings.hpp"
+#include "tests/unit/Table.hpp"
 
 namespace vantor {
 namespace {
@@ -81,96 +84,78 @@ struct termios2 {
     speed_t c_ispeed, c_ospeed;
 };
 
-class PosixPort : public testing::Test {
-protected:
-    PosixPort() {
+/// A pseudo-terminal, and the port on it.
+struct Line {
+    Line() {
         EXPECT_EQ(grantpt(master.Get()) + unlockpt(master.Get()), 0);
         gDriver.replaced = true;
     }
-    ~PosixPort() override { gDriver = {}; }
-    std::unique_ptr<SerialPort> Open(const LineSettings& line) {
-        return MakePosixSerialPorts(pump, {{"COM5", Device()}})->Open("COM5", line);
+    ~Line() {
+        port.reset();
+        gDriver = {};
+    }
+    void Open(const std::string& settings = "9600,N,8,1") {
+        LineSettings line = ParseLineSettings(settings);
+        line.flowControl = flowControl;
+        port = MakePosixSerialPorts(pump, {{"COM5", Device()}})->Open("COM5", line);
     }
     std::string Device() const { return ptsname(master.Get()); }
 
     const std::unique_ptr<Clock> clock = MakePosixClock();
     PosixMessagePump pump{*clock};
     const PosixHandle master{posix_openpt(O_RDWR | O_NOCTTY)};
+    FlowControl flowControl = FlowControl::None;
+    std::unique_ptr<SerialPort> port;
+    std::string out;
 };
 
-TEST_F(PosixPort, SignalsAreSetAndABreakEndsWithThePort) {
-    for (const auto& [flowControl, signals] :
-         {std::pair{FlowControl::None, "DTR off; RTS off; DTR on; RTS on; break on; break off; "},
-          std::pair{FlowControl::Hardware, "DTR off; DTR on; break on; break off; "}}) {
-        auto port = Open({9600, Parity::None, 8, 1, flowControl});
-        EXPECT_EQ(std::exchange(gDriver.signals, {}), "DTR on; RTS on; ");
-        for (const bool on : {false, true}) {
-            port->Dtr(on);
-            port->Rts(on);
-        }
-        port->Break(true);
-        port.reset();
-        EXPECT_EQ(std::exchange(gDriver.signals, {}), signals);
-    }
+const Verbs<Line> kVerbs = {
+    {"hardware", [](Line& l, Argument) { l.flowControl = FlowControl::Hardware; }},
+    {"software", [](Line& l, Argument) { l.flowControl = FlowControl::Software; }},
+    {"open", [](Line& l, Argument settings) { l.Open(settings); }},
+    {"close", [](Line& l, Argument) { l.port.reset(); }},
+    {"dtr", [](Line& l, Argument on) { l.port->Dtr(on == "on"); }},
+    {"rts", [](Line& l, Argument on) { l.port->Rts(on == "on"); }},
+    {"break", [](Line& l, Argument on) { l.port->Break(on == "on"); }},
+    {"asked", [](Line& l, Argument) { l.out += gDriver.signals; }},
+    {"output", [](Line&, Argument bytes) { gDriver.output = std::stoi(bytes); }},
+    {"modem",
+     [](Line& l, Argument bits) {
+         gDriver.modemLines = std::stoi(bits, nullptr, 16);
+         const ModemLines lines = l.port->Lines().value();
+         l.out += Row(lines.cts, lines.dsr, lines.dcd, lines.ri, "| ");
+     }},
+    {"count",
+     [](Line&, Argument count) {
+         gDriver.errors.frame = std::stoi(count);
+         gDriver.errors.parity = 2 * gDriver.errors.frame;
+         gDriver.errors.overrun = 3 * gDriver.errors.frame;
+         gDriver.errors.buf_overrun = 4 * gDriver.errors.frame;
+     }},
+    {"errors",
+     [](Line& l, Argument) {
+         const LineErrors errors = l.port->Errors();
+         l.out += Row(errors.framing, errors.parity, errors.overrun);
+     }},
+    {"settings",
+     [](Line& l, Argument) {
+         termios2 got{};
+         EXPECT_EQ(ioctl(l.master.Get(), TCGETS2, &got), 0);
+         const auto has = [&got](tcflag_t flag) { return (got.c_iflag & flag) != 0; };
+         l.out += Row(got.c_ispeed, got.c_ospeed, has(IXON), has(IXOFF), has(IXANY),
+                      (got.c_cflag & CRTSCTS) != 0, +got.c_cc[VSTART], +got.c_cc[VSTOP]);
+     }},
+};
+
+TEST(PosixPort, AsksItsDriverAsTheTableSays) {
+    ExpectTable("posix/port", kVerbs);
 }
 
-TEST_F(PosixPort, ModemLinesAndErrorsSinceTheOpenAreRead) {
-    gDriver.errors.frame = gDriver.errors.parity = gDriver.errors.overrun = 100;
-    const auto port = Open({});
-    constexpr int kBits[] = {TIOCM_CTS, TIOCM_DSR, TIOCM_CD, TIOCM_RI};
-    constexpr ModemLines kLines[] = {{.cts = true}, {.dsr = true}, {.dcd = true}, {.ri = true}};
-    for (std::size_t i = 0; i < 4; ++i) {
-        gDriver.modemLines = kBits[i];
-        EXPECT_EQ(port->Lines(), kLines[i]) << i;
-    }
-    gDriver.errors.frame += 1;
-    gDriver.errors.parity += 2;
-    gDriver.errors.overrun += 3;
-    gDriver.errors.buf_overrun += 4;
-    EXPECT_EQ(port->Errors(), (LineErrors{.framing = 1, .parity = 2, .overrun = 7}));
-}
-
-// The request for a break waits for the output, for ever if flow control holds it.
-TEST_F(PosixPort, ABreakDiscardsOutputThatWouldHoldItUp) {
-    const auto port = Open({});
-    for (const auto& [output, signals] :
-         {std::pair{0, "break on; "}, std::pair{3, "output discarded; break on; "}}) {
-        gDriver.output = output;
-        gDriver.signals.clear();
-        port->Break(true);
-        EXPECT_EQ(gDriver.signals, signals);
-    }
-}
-
-TEST_F(PosixPort, SpeedAndFlowControlAreThoseOfTheSettings) {
-    using enum FlowControl;
-    constexpr tcflag_t kXonXoff = IXON | IXOFF;
-    constexpr auto kRtsCts = static_cast<tcflag_t>(CRTSCTS);
-    const struct {
-        LineSettings line;
-        tcflag_t input, control;
-    } kRows[] = {{{250000, Parity::None, 8, 1, None}, 0, 0},
-                 {{12345, Parity::None, 8, 1, Hardware}, 0, kRtsCts},
-                 {{4000000, Parity::None, 8, 1, Software}, kXonXoff, 0},
-                 {{9600, Parity::None, 8, 1, Software}, kXonXoff, 0},
-                 {{115200, Parity::None, 8, 1, None}, 0, 0}};
-    for (const auto& [line, input, control] : kRows) {
-        const auto port = Open(line);
-        termios2 got{};
-        ASSERT_EQ(ioctl(master.Get(), TCGETS2, &got), 0);
-        EXPECT_EQ(got.c_ispeed, line.bitsPerSecond);
-        EXPECT_EQ(got.c_ospeed, line.bitsPerSecond);
-        EXPECT_EQ(got.c_iflag & (kXonXoff | IXANY), input) << line.bitsPerSecond;
-        EXPECT_EQ(got.c_cflag & kRtsCts, control) << line.bitsPerSecond;
-        if (input == 0) continue;
-        EXPECT_EQ(got.c_cc[VSTART], 0x11);
-        EXPECT_EQ(got.c_cc[VSTOP], 0x13);
-    }
-}
+class PosixPorts : public testing::Test, protected Line {};
 
 // A read makes the driver deliver, so what the other side has written is available at once.
-TEST_F(PosixPort, InputIsCountedAndReadHoweverShortlyAfterTheLastCount) {
-    const auto port = Open({});
+TEST_F(PosixPorts, InputIsCountedAndReadHoweverShortlyAfterTheLastCount) {
+    Open();
     std::array<char, 8> bytes{};
     for (int i = 0; i < 100; ++i) {
         ASSERT_EQ(port->InputCount(), 0u);
@@ -181,7 +166,7 @@ TEST_F(PosixPort, InputIsCountedAndReadHoweverShortlyAfterTheLastCount) {
     }
 }
 
-TEST_F(PosixPort, OfAGroupIsToldWithTheGroup) {
+TEST_F(PosixPorts, OfAGroupIsToldWithTheGroup) {
     if (geteuid() != 0) GTEST_SKIP() << "only root can make such a device";
     constexpr uid_t kNobody = 65534;
     const std::string device = Device();
@@ -189,7 +174,7 @@ TEST_F(PosixPort, OfAGroupIsToldWithTheGroup) {
     for (const auto& [mode, group] : {std::pair{0660u, "dialout"}, std::pair{0600u, ""}}) {
         ASSERT_EQ(chmod(device.c_str(), mode) + seteuid(kNobody), 0);
         try {
-            Open({});
+            Open();
             ADD_FAILURE() << "opened";
         } catch (const PortOpenError& error) {
             EXPECT_EQ(error.Why(), PortOpenError::Reason::NotPermitted);
@@ -199,13 +184,13 @@ TEST_F(PosixPort, OfAGroupIsToldWithTheGroup) {
     }
 }
 
-TEST_F(PosixPort, OnceClosedIsNotMarkedAsTakenWhileOthersHoldTheDevice) {
+TEST_F(PosixPorts, OnceClosedIsNotMarkedAsTakenWhileOthersHoldTheDevice) {
     const PosixHandle other(open(Device().c_str(), O_RDWR | O_NOCTTY));
     const auto taken = [&other] {
         int answer = -1;
         return ioctl(other.Get(), TIOCGEXCL, &answer) == 0 ? answer : -1;
     };
-    auto port = Open({});
+    Open();
     EXPECT_EQ(taken(), 1);
     port.reset();
     EXPECT_EQ(taken(), 0);

@@ -33,11 +33,9 @@ public:
     }
 
     void TestBody() override {
-        for (std::string line : mLines) {
+        for (const std::string& line : mLines) {
             SCOPED_TRACE(line);
-            for (auto at = line.find("$F"); at != std::string::npos; at = line.find("$F"))
-                line.replace(at, 2, mFolder.Path().string());
-            Perform(WordsOf(line));
+            Perform(WordsOf(Replaced(line, "$F", mFolder.Path().string())));
         }
     }
 

@@ -265,7 +265,7 @@ std::string Exported(const std::string& file) {
 }
 
 // clang-format off
-const std::map<std::string, std::function<std::string(const Words&)>> kFunctions = {
+const Actions kFunctions = {
     {"LeadingNumber", [](const Words& w) { return Row(LeadingNumber(w.at(1))); }},
     {"Number", [](const Words& w) { return Number(w.at(1)); }},
     {"ToInt16", [](const Words& w) { return Row(ToInt16(w.at(1))); }},
@@ -333,7 +333,7 @@ const std::map<std::string, std::function<std::string(const Words&)>> kFunctions
 // clang-format on
 
 TEST(Functions, ReturnWhatTheTableSays) {
-    ExpectTable("functions", [](const Words& words) { return kFunctions.at(words[0])(words); });
+    ExpectTable("functions", kFunctions);
 }
 
 TEST(RegistryText, IsReadAndWrittenAsTheTableSays) {

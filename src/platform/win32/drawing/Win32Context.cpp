@@ -56,6 +56,17 @@ RECT Win32Context::Centred(RECT place) {
     return place;
 }
 
+RECT Win32Context::WindowPlace(const Place& form) const {
+    RECT window = ToPixels(form);
+    window.bottom += CaptionExcess();
+    return window;
+}
+
+Place Win32Context::FormPlace(RECT window) const {
+    window.bottom -= CaptionExcess();
+    return ToTwips(window);
+}
+
 int Win32Context::CaptionExcess() const {
     constexpr float kDesignedTwips = 345;
     return std::max(GetSystemMetrics(SM_CYCAPTION) - ToPixels(kDesignedTwips), 0);

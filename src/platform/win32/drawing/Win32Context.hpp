@@ -27,8 +27,10 @@ public:
     /// `place`, moved to the middle of its monitor's work area, or to its corner when too large.
     static RECT Centred(RECT place);
 
-    /// The pixels by which the user's title bars are higher than the designs of windows assume.
-    int CaptionExcess() const;
+    /// The outer place of a window from the place of its form, and back. The designs of forms
+    /// assume the default title bar: a higher one makes the window higher.
+    RECT WindowPlace(const Place& form) const;
+    Place FormPlace(RECT window) const;
 
     /// The system's message font in another size, and in the typeface `face` if given; cached for
     /// all windows. Raises RuntimeError 7 when the system cannot create it.
@@ -47,6 +49,9 @@ private:
         std::string face;
         Win32Object<HFONT> font;
     };
+
+    /// The pixels by which the user's title bars are higher than the default.
+    int CaptionExcess() const;
 
     HINSTANCE mInstance;
     int mDpi = 96;

@@ -32,10 +32,11 @@ public:
     void Create() {
         RegisterClasses(mContext.Instance());
         mMenuBar.emplace(mContext, *mForm);
-        const RECT place = FirstPlace();
+        const RECT place = Win32Context::Centred(mContext.WindowPlace(mForm->Place()));
+        const bool sizable = mForm->Design().smallest.width > 0;
         const DWORD style =
-            Sizable() ? DWORD{WS_OVERLAPPEDWINDOW} : DWORD{WS_POPUP | WS_CAPTION | WS_SYSMENU};
-        mWindow = Made(CreateWindowExW(WS_EX_CONTROLPARENT | (Sizable() ? 0 : WS_EX_DLGMODALFRAME),
+            sizable ? DWORD{WS_OVERLAPPEDWINDOW} : DWORD{WS_POPUP | WS_CAPTION | WS_SYSMENU};
+        mWindow = Made(CreateWindowExW(WS_EX_CONTROLPARENT | (sizable ? 0 : WS_EX_DLGMODALFRAME),
                                        kFormClass, ToWide(mForm->Caption()).c_str(),
                                        style | WS_CLIPCHILDREN, place.left, place.top,
                                        place.right - place.left, place.bottom - place.top, nullptr,
@@ -85,7 +86,7 @@ public:
         const MONITORINFO monitor = Win32Context::MonitorAt(place);
         OffsetRect(&place, static_cast<int>(monitor.rcWork.left - monitor.rcMonitor.left),
                    static_cast<int>(monitor.rcWork.top - monitor.rcMonitor.top));
-        return mContext.ToTwips(place);
+        return mContext.FormPlace(place);
     }
 
     void FollowForm(Property property) {
@@ -154,14 +155,6 @@ private:
         RegisterTerminalClass(instance);
     }
 
-    bool Sizable() const { return mForm->Design().smallest.width > 0; }
-
-    RECT FirstPlace() const {
-        RECT place = mContext.ToPixels(mForm->Place());
-        if (!Sizable()) place.bottom += mContext.CaptionExcess();  // the others have room to spare
-        return Win32Context::Centred(place);
-    }
-
     void CreateChildren() {
         int id = kFirstChildId;
         // In design order: a panel precedes its children, and the order is the tab order.
@@ -202,7 +195,7 @@ private:
     }
 
     void MoveWindowToModel() {
-        const RECT place = mContext.ToPixels(mForm->Place());
+        const RECT place = mContext.WindowPlace(mForm->Place());
         mMoving = true;
         SetWindowPos(mWindow, nullptr, place.left, place.top, place.right - place.left,
                      place.bottom - place.top, SWP_NOZORDER | SWP_NOACTIVATE);
@@ -386,7 +379,7 @@ private:
         // Before the form lays out the controls above its status bar.
         for (const auto& child : mChildren) child->ParentResized();
         const Place inside = mContext.ToTwips(inner);
-        mForm->Placed(mContext.ToTwips(outer), state, {inside.width, inside.height});
+        mForm->Placed(mContext.FormPlace(outer), state, {inside.width, inside.height});
     }
 
     void OnPaint() {
@@ -409,8 +402,8 @@ private:
 
     void OnSmallest(MINMAXINFO& limits) const {
         const auto [width, height] = mForm->Design().smallest;
-        if (width > 0)
-            limits.ptMinTrackSize = {mContext.ToPixels(width), mContext.ToPixels(height)};
+        const RECT smallest = mContext.WindowPlace({0, 0, width, height});
+        if (width > 0) limits.ptMinTrackSize = {smallest.right, smallest.bottom};
     }
 
     Win32ChildControl* Find(const Control& control) const {

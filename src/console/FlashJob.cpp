@@ -169,7 +169,7 @@ std::optional<Options> FlashJob::WithPort(bool wait, Limit limit, Unit& unit) {
             ShowWaiting("waiting-for-port",
                         Filled(mStrings.Text(Str::WaitingForPort), *options.port));
         mNative.clock->Sleep(kLookMs);
-        unit.stopped = mNative.console->TakeInterrupt();
+        unit.stopped = WaitMustEnd(*mNative.console);
         unit.end.outcome = unit.stopped ? FlashOutcome::Aborted : FlashOutcome::PortNotOpen;
         if (unit.stopped) return std::nullopt;
         if (limit && mNative.clock->Milliseconds() - start >= *limit) {

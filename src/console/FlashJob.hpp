@@ -31,7 +31,7 @@ private:
     /// One update, or what ended the wait for it.
     struct Unit {
         SessionEnd end;
-        bool stopped = false;  ///< the interrupt key ended a wait
+        bool stopped = false;  ///< a wait had to end
     };
     using Limit = std::optional<std::uint64_t>;  // milliseconds to wait; nothing: without end
 

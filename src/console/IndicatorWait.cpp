@@ -16,6 +16,10 @@ constexpr int kSilencesOfOneGone = 2;
 
 }  // namespace
 
+bool WaitMustEnd(Console& console) {
+    return console.TakeInterrupt() || console.ReaderGone();
+}
+
 IndicatorWait::IndicatorWait(SerialPorts& ports, MessagePump& pump, Clock& clock, Console& console,
                              const std::string& portName, const std::string& line)
     : mPump(pump), mClock(clock), mConsole(console), mPort(ports) {
@@ -68,7 +72,7 @@ IndicatorWait::Found IndicatorWait::Call() {
     while (!ReplyIn(reply) && mPort.IsOpen() && mClock.Milliseconds() - start < kReplyMs) {
         Rest();
         reply += mPort.Input();
-        if (mConsole.TakeInterrupt()) {
+        if (WaitMustEnd(mConsole)) {
             mPort.Close();
             return Found::Interrupted;
         }
@@ -91,7 +95,7 @@ bool IndicatorWait::Pause(std::uint32_t ms) {
     const std::uint32_t start = mClock.Milliseconds();
     while (mClock.Milliseconds() - start < ms) {
         Rest();
-        if (mConsole.TakeInterrupt()) return false;
+        if (WaitMustEnd(mConsole)) return false;
     }
     return true;
 }

@@ -49,7 +49,8 @@ void JsonView::Tell(const Notice& notice) {
 
 bool JsonView::Confirm(const std::string& question) {
     mEvents.Write(mEvents.Begin("question").Text("text", Plain(question)).Text("answer", "yes"));
-    return true;
+    // An update that nobody would learn of is not begun.
+    return !mConsole.ReaderGone();
 }
 
 void JsonView::ShowLine(std::int32_t index, std::int32_t last, std::int16_t) {

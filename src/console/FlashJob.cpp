@@ -181,6 +181,7 @@ std::optional<Options> FlashJob::WithPort(bool wait, Limit limit, Unit& unit) {
 }
 
 FlashJob::Unit FlashJob::FlashAt(const Options& options, bool wait, Limit limit) {
+    CheckSettings(*mNative.registry, mStrings);  // the file may have changed since the last one
     FlashRun run(mNative, options, mImage, options.json ? &mEvents : nullptr);
     const bool kept = options.json || !options.record.empty();
     SessionFacts facts = kept ? FactsAt(mOptions.port.value_or(run.PortName())) : SessionFacts();

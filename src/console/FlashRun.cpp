@@ -107,7 +107,12 @@ std::string FlashRun::OpenFailure() const {
 // Command-line values go through the setters of the settings, in an edit that is never applied,
 // so nothing is stored.
 void FlashRun::LoadSettings() {
-    Trapped("tsflash.LoadSettings", [this] { mSettings.Initialize(); });
+    try {
+        mSettings.Initialize();
+    } catch (const RuntimeError& error) {
+        // The defaults of the values that were not read could be of another port.
+        throw Refusal(*mNative.strings, Str::SettingsFileUnreadable, error.Description());
+    }
     mSettings.BeginEdit();
     std::optional<std::string> port = mOptions.port;
     if (port && !mOptions.practice) port = mNative.ports->NameOf(*port);

@@ -88,11 +88,14 @@ void FlashJob::CheckImageToSend() {
 void FlashJob::CheckRecord() {
     const std::string& record = mOptions.record;
     if (record.empty()) return;
-    if (record == mOptions.log || mNative.files->SameFile(record, mOptions.image) ||
-        mNative.files->SameFile(record, mOptions.log))
-        throw Refusal(mStrings, Str::RecordIsImage, record);
-    if (!Ignoring([&] { mNative.sharedFiles->Append(record, RecordHeader(), {}); }))
+    const auto isOther = [&] {
+        return record == mOptions.log || mNative.files->SameFile(record, mOptions.image) ||
+               mNative.files->SameFile(record, mOptions.log);
+    };
+    if (!isOther() && !Ignoring([&] { mNative.sharedFiles->Append(record, RecordHeader(), {}); }))
         throw Refusal(mStrings, Str::RecordNotWritable, record);
+    // Two names of a file that is missing show only now that they are the same.
+    if (isOther()) throw Refusal(mStrings, Str::RecordIsImage, record);
 }
 
 ExitStatus FlashJob::RunSeveral() {

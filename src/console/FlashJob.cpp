@@ -61,6 +61,8 @@ void FlashJob::CheckBefore() {
     mImage = ReadImage(mOptions.image, *mNative.files, mStrings);
     mReport = CheckImage(mImage);
     CheckSettings(*mNative.registry, mStrings);
+    if (mOptions.expect.value_or(mReport.sha256) != mReport.sha256)
+        throw Refusal(mStrings, Str::ImageChanged, mOptions.image);
     CheckImageToSend();
     if (mOptions.json && !mOptions.yes) throw Refusal(mStrings, Str::JsonNeedsYes);
     if (!mOptions.yes && !mNative.console->InputIsTerminal())
@@ -118,7 +120,9 @@ ExitStatus FlashJob::RunSeveral() {
         ConsoleView view(*mNative.console, mStrings, progress, mOptions);
         if (!view.Confirm(FlashSession::Question(mStrings))) return ExitStatus::Aborted;
     }
-    return FlashSeveral(mNative, mOptions, ports, mEvents);
+    Options each = mOptions;
+    each.expect = mReport.sha256;
+    return FlashSeveral(mNative, each, ports, mEvents);
 }
 
 ExitStatus FlashJob::RunRepeatedly() {

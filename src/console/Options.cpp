@@ -83,7 +83,12 @@ constexpr std::array kOptions = {
     OptionRow{Group::Information, "-h", "--help", "", Str::OptionHelp, Choose<Action::Help>},
 };
 
+/// Only for the processes of several ports: neither help nor completion shows it.
+constexpr OptionRow kExpect = {Group::Update, "", "--expect",
+                               "SHA256",      {}, Store<&Options::expect>};
+
 const OptionRow* FindOption(std::string_view name) {
+    if (name == kExpect.name) return &kExpect;
     for (const OptionRow& row : kOptions)
         if (name == row.name || (!row.letter.empty() && name == row.letter)) return &row;
     return nullptr;

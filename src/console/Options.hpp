@@ -34,7 +34,8 @@ struct Options {
     bool json = false;
     std::string completion;  ///< the shell
     bool yes = false;
-    bool strict = false;  ///< refuse a suspicious image
+    std::optional<std::string> expect;  ///< SHA-256 of the image that was checked and confirmed
+    bool strict = false;                ///< refuse a suspicious image
     bool quiet = false;
     bool practice = false;
     std::string practiceCount;  ///< as given

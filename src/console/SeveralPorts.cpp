@@ -26,6 +26,7 @@ std::vector<std::string> ArgumentsFor(const Options& options, const std::string&
     Add(arguments, "--data-bits", options.dataBits);
     Add(arguments, "--stop-bits", options.stopBits);
     Add(arguments, "--wait", options.wait);
+    Add(arguments, "--expect", options.expect);
     if (options.strict) arguments.emplace_back("--strict");
     if (options.practice) arguments.emplace_back("--practice");
     for (const std::string& fault : options.faults) Add(arguments, "--fault", fault);

@@ -111,6 +111,9 @@ void ApplyOption(Options& options, const std::vector<std::string>& arguments, st
         if (at + 1 == arguments.size()) throw Refusal(strings, Str::OptionNeedsValue, name);
         value = arguments[++at];
     }
+    // An empty name, as of a variable that is not set, would silently mean no file.
+    if (value.empty() && row->completion == Completed::Files)
+        throw Refusal(strings, Str::OptionNeedsValue, name);
     row->apply(options, value);
 }
 

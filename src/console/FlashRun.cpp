@@ -15,7 +15,8 @@ SessionView& Chosen(ConsoleView& console, std::optional<JsonView>& json, JsonEve
 
 FlashRun::SinkScope::SinkScope(CErrHandler& errors, const Folders& folders) {
     errors.Title = AppInfo{}.title;
-    errors.Destination(ErrorLogPath(folders));
+    errors.Destination(std::string());  // without a folder for reports there are none
+    Ignoring([&] { errors.Destination(ErrorLogPath(folders)); });
     errors.DisplayMsgOnError = true;
     SetErrorSink(&errors);
 }

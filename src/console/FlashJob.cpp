@@ -48,6 +48,17 @@ std::string ReadImage(const std::string& path, const Files& files, const StringT
     return text;
 }
 
+ExitStatus TellPendingError(NativePlatform& native, const JsonEvents& events, bool json) {
+    const RuntimeError error = PendingError();
+    // User errors are error 5 with a sentence as the description.
+    const bool usage = error.Is(ErrorNumber::InvalidCall);
+    const ExitStatus status = usage ? ExitStatus::Usage : ExitStatus::UpdateFailure;
+    native.console->WriteError("tsflash: " + error.Description() + "\n");
+    if (usage) native.console->WriteError(native.strings->Text(Str::TryHelp) + "\n");
+    if (json) WriteRefusal(events, status, error.Description());
+    return status;
+}
+
 ExitStatus FlashJob::Run() {
     CheckBefore();
     if (mOptions.Several()) return RunSeveral();
@@ -131,14 +142,23 @@ ExitStatus FlashJob::RunRepeatedly() {
     ExitStatus status = ExitStatus::Done;
     for (bool stopped = false; !stopped;) {
         const bool first = done + failed == 0;
-        const Unit unit = FlashOne(!first || mOptions.wait, first ? WaitLimit() : Limit());
+        Unit unit;
+        ExitStatus ended = ExitStatus::Done;
+        try {
+            unit = FlashOne(!first || mOptions.wait, first ? WaitLimit() : Limit());
+            ended = StatusOf(unit.end);
+        } catch (...) {
+            if (first) throw;
+            // The results of those before it still count.
+            ended = TellPendingError(mNative, mEvents, mOptions.json);
+            unit.stopped = true;
+        }
         stopped = unit.stopped;
         // The interrupt key while it waited for a next one: no unit was begun.
         if (stopped && unit.end.outcome == FlashOutcome::Aborted && unit.end.ms == 0) {
             if (first) status = ExitStatus::Aborted;
             break;
         }
-        const ExitStatus ended = StatusOf(unit.end);
         ++(ended == ExitStatus::Done ? done : failed);
         status = Worse(status, ended);
     }
@@ -154,9 +174,12 @@ ExitStatus FlashJob::RunRepeatedly() {
 
 FlashJob::Unit FlashJob::FlashOne(bool wait, Limit limit) {
     Unit unit;
+    const std::uint32_t start = mNative.clock->Milliseconds();
     const std::optional<Options> options = WithPort(wait, limit, unit);
+    const std::uint64_t waitedMs = mNative.clock->Milliseconds() - start;
+    if (limit) limit = *limit - std::min(*limit, waitedMs);
     if (options) return FlashAt(*options, wait, limit);
-    Keep(FactsAt(*mOptions.port), unit);
+    Conclude(FactsAt(*mOptions.port), unit);
     return unit;
 }
 
@@ -206,10 +229,8 @@ FlashJob::Unit FlashJob::FlashAt(const Options& options, bool wait, Limit limit)
     } else {
         EndOfWait(result, unit);
     }
-    Keep(facts, unit);
-    if (!options.repeat || unit.stopped) return unit;
-    TellEnd(unit.end);
-    unit.stopped = !run.AwaitGone();
+    Conclude(facts, unit);
+    if (options.repeat && !unit.stopped) unit.stopped = !run.AwaitGone();
     return unit;
 }
 
@@ -251,7 +272,7 @@ SessionFacts FlashJob::FactsAt(const std::string& port) const {
 }
 
 /// The update has happened: a record that fails now must not hide its result.
-void FlashJob::Keep(const SessionFacts& facts, Unit& unit) {
+void FlashJob::Conclude(const SessionFacts& facts, Unit& unit) {
     SessionEnd& end = unit.end;
     const std::string& record = mOptions.record;
     if (!record.empty() && !unit.stopped && !Ignoring([&] {
@@ -262,6 +283,7 @@ void FlashJob::Keep(const SessionFacts& facts, Unit& unit) {
         mNative.console->WriteError(end.why + "\n");
     }
     if (mOptions.json) WriteEnd(mEvents, end);
+    if (mOptions.repeat && !unit.stopped) TellEnd(end);
 }
 
 void FlashJob::ShowWaiting(const char* stage, const std::string& text) {

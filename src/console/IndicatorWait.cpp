@@ -10,6 +10,7 @@ constexpr std::uint32_t kReplyMs = 1500;
 // A reply that arrives after the session has begun would be taken for the answer to another
 // command.
 constexpr std::uint32_t kQuietMs = 500;
+constexpr int kMostPauses = 10;  // a device that goes on sending is no boot monitor
 constexpr std::uint32_t kPauseMs = 500;
 constexpr std::uint32_t kRestMs = 10;
 constexpr int kSilencesOfOneGone = 2;
@@ -78,13 +79,14 @@ IndicatorWait::Found IndicatorWait::Call() {
         }
     }
     if (!mPort.IsOpen()) return Found::NoPort;
-    const bool ready = ReplyIn(reply) == SendResult::SendOK;
-    for (bool quiet = !ready; !quiet;) {
+    const bool answered = ReplyIn(reply) == SendResult::SendOK;
+    bool ready = false;
+    for (int pauses = 0; answered && !ready && pauses < kMostPauses; ++pauses) {
         if (!Pause(kQuietMs)) {
             mPort.Close();
             return Found::Interrupted;
         }
-        quiet = mPort.Input().empty();
+        ready = mPort.Input().empty();
     }
     mPort.Close();
     if (ready) return Found::BootMonitor;

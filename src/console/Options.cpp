@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "console/OptionTable.hpp"
+#include "console/PortChoice.hpp"
 #include "platform/StringTable.hpp"
 #include "support/text/Text.hpp"
 #include "support/text/Unicode.hpp"
@@ -30,8 +31,8 @@ void AddFault(Options& options, const std::string& value) {
 }
 
 void AddPort(Options& options, const std::string& value) {
-    options.port = value;
-    options.ports.push_back(value);
+    options.port = IsComName(value) ? UpperCase(value) : value;
+    options.ports.push_back(*options.port);
 }
 void Practise(Options& options, const std::string& value) {
     options.practice = true;

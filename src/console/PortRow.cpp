@@ -59,7 +59,10 @@ void PortRow::Close() {
     const ExitStatus status = exit == kInterrupted ? ExitStatus::Aborted : StatusOf(exit);
     mLost = !mTold;
     mStatus = mLost && status == ExitStatus::Done ? ExitStatus::UpdateFailure : status;
-    if (mLost) mState = mStrings.Text(Str::ProcessEnded);
+    if (!mLost) return;
+    mState = status == ExitStatus::Aborted
+                 ? OutcomeText(CodeOf(FlashOutcome::Aborted), status, mStrings)
+                 : mStrings.Text(Str::ProcessEnded);
 }
 
 void PortRow::Interrupt() {

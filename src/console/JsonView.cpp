@@ -70,7 +70,9 @@ void JsonView::Sent(std::string_view bytes) {
 
 void JsonView::Attempt() {
     if (++mAttempt > 1) {
-        const char* cause = mReply.empty() ? "no-reply" : "unclear-reply";
+        // The line end of the reply before may come as late as this.
+        const bool silent = mReply.find_first_not_of("\r\n") == std::string::npos;
+        const char* cause = silent ? "no-reply" : "unclear-reply";
         if (mReply.find("??") != std::string::npos) cause = "refused";
         mEvents.Write(mEvents.Begin("retry")
                           .Number("index", mIndex)

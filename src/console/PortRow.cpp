@@ -69,6 +69,10 @@ void PortRow::Interrupt() {
     if (!mEnded) mProcess->Interrupt();
 }
 
+void PortRow::EndWait() {
+    if (!mEnded && mWaiting) mProcess->CloseOutput();
+}
+
 void PortRow::Take(std::map<std::string, std::string>& event, std::uint32_t nowMs) {
     const std::string& kind = event["event"];
     if (kind == "line") {
@@ -81,6 +85,7 @@ void PortRow::Take(std::map<std::string, std::string>& event, std::uint32_t nowM
         if (event["stage"] == "verdict") mState = mStrings.Text(Str::RowVerdict);
         if (event["stage"] != "image" && event["stage"] != "verdict") mState = event["text"];
         mStreaming = false;
+        mWaiting = event["stage"].starts_with("waiting-");
     } else if (kind == "warning" && event["code"] != "do-not-disconnect") {
         mMessages += mPort + ": " + event["text"] + "\n";
     } else if (kind == "end") {

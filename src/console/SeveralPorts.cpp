@@ -157,6 +157,8 @@ ExitStatus FlashSeveral(NativePlatform& native, const Options& options,
     while (board.Round()) {
         if (native.console->TakeInterrupt())
             for (PortRow& row : rows) row.Interrupt();
+        if (native.console->ReaderGone())
+            for (PortRow& row : rows) row.EndWait();
         native.clock->Sleep(kPollMs);
     }
     ExitStatus status = ExitStatus::Done;

@@ -1,6 +1,7 @@
 // The words of a line of a script or a table, and the scripts and the bytes of a file.
 #pragma once
 
+#include <cstddef>
 #include <fstream>
 #include <iterator>
 #include <map>
@@ -11,6 +12,11 @@
 namespace vantor {
 
 using Words = std::vector<std::string>;
+
+/// The words from number `at` on.
+inline Words From(const Words& words, std::ptrdiff_t at) {
+    return {words.begin() + at, words.end()};
+}
 
 /// The bytes of a file; empty if it cannot be read.
 inline std::string ContentOf(const std::string& path) {

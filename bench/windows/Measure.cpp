@@ -68,11 +68,11 @@ std::string Lines(std::size_t bytes) {
 /// Presses the key of a monitor menu; returns the milliseconds until the menu is open.
 double MillisecondsToMenu(const App& app) {
     const auto start = SteadyClock::now();
-    Key('F', true);
+    Key("Alt+F");
     while (!app.InMenu()) Sleep(1);
     const double milliseconds = SecondsSince(start) * 1e3;
     while (app.InMenu()) {
-        Key(VK_ESCAPE);
+        Key("ESCAPE");
         Sleep(20);
     }
     return milliseconds;
@@ -125,7 +125,7 @@ void Flood(const Shown& shown) {
     table.app->ChooseFile(FileOfRun("capture.txt"));
     table.OpenPort(monitor);
     const auto start = SteadyClock::now();
-    Key(VK_RETURN);
+    Key("RETURN");
     Await("the first bytes", [&] { return std::filesystem::file_size(capture) > 0; });
     double slowest = 0;
     int menus = 0;

@@ -4,6 +4,7 @@
 
 #include <algorithm>
 #include <array>
+#include <map>
 #include <stdexcept>
 
 #include "resources/Designs.hpp"
@@ -16,6 +17,16 @@ constexpr UINT kAnswerMs = 30'000;
 constexpr int kFirstChild = 1000;
 constexpr int kFirstCommand = 2000;
 constexpr int kFileName = 1148;
+
+#define NAMED(key) \
+    { #key, VK_##key }
+const std::map<std::string, int> kKeys = {
+    NAMED(TAB),     NAMED(RETURN),  NAMED(ESCAPE),   NAMED(UP),       NAMED(DOWN),
+    NAMED(LEFT),    NAMED(RIGHT),   NAMED(HOME),     NAMED(END),      NAMED(PRIOR),
+    NAMED(NEXT),    NAMED(INSERT),  NAMED(DELETE),   NAMED(BACK),     NAMED(SPACE),
+    NAMED(CLEAR),   NAMED(ADD),     NAMED(SUBTRACT), NAMED(MULTIPLY), NAMED(DIVIDE),
+    NAMED(DECIMAL), NAMED(NUMPAD8), NAMED(OEM_PLUS), NAMED(PAUSE),    NAMED(CANCEL),
+    NAMED(F2),      NAMED(F4),      NAMED(F10),      NAMED(F12)};
 
 std::wstring& DesktopName() {
     static std::wstring name = ToWide("drive-" + Setting("DRIVE_RUN"));
@@ -41,12 +52,6 @@ bool IsMadeFrom(HWND form, const FormDesign& design) {
         }));
     return GetDlgItem(form, kFirstChild + count - 1) != nullptr &&
            GetDlgItem(form, kFirstChild + count) == nullptr;
-}
-
-std::wstring ClassOf(HWND window) {
-    std::array<wchar_t, 64> name{};
-    return {name.data(), static_cast<std::size_t>(
-                             GetClassNameW(window, name.data(), static_cast<int>(name.size())))};
 }
 
 /// The system kills the processes in this job when the driver ends, even by a crash.
@@ -101,7 +106,13 @@ DWORD WaitForEnd(HANDLE process) {
     return status;
 }
 
-void Key(WORD key, bool withAlt) {
+WORD KeyNamed(const std::string& name) {
+    const auto key = kKeys.find(name);
+    return static_cast<WORD>(key == kKeys.end() ? name.at(0) : key->second);
+}
+
+void Key(const std::string& name) {
+    const bool withAlt = name.starts_with("Alt+");
     std::vector<INPUT> inputs;
     const auto add = [&inputs](WORD which, DWORD flags) {
         INPUT input{};
@@ -112,8 +123,8 @@ void Key(WORD key, bool withAlt) {
         inputs.push_back(input);
     };
     if (withAlt) add(VK_MENU, 0);
-    add(key, 0);
-    add(key, KEYEVENTF_KEYUP);
+    for (const DWORD flags : {DWORD{0}, DWORD{KEYEVENTF_KEYUP}})
+        add(KeyNamed(withAlt ? name.substr(4) : name), flags);
     if (withAlt) add(VK_MENU, KEYEVENTF_KEYUP);
     SendInput(static_cast<UINT>(inputs.size()), inputs.data(), sizeof(INPUT));
 }
@@ -177,24 +188,14 @@ App::~App() {
 }
 
 std::vector<HWND> App::Windows(const wchar_t* windowClass, bool hiddenToo) const {
-    struct Search {
-        DWORD id;
-        std::wstring windowClass;
-        bool hiddenToo;
-        std::vector<HWND> found;
-    } search = {mId, windowClass, hiddenToo, {}};
-    EnumWindows(
-        [](HWND window, LPARAM parameter) {
-            auto& wanted = *reinterpret_cast<Search*>(parameter);
-            DWORD id = 0;
-            GetWindowThreadProcessId(window, &id);
-            if (id == wanted.id && (wanted.hiddenToo || IsWindowVisible(window) != 0) &&
-                ClassOf(window) == wanted.windowClass)
-                wanted.found.push_back(window);
-            return TRUE;
-        },
-        reinterpret_cast<LPARAM>(&search));
-    return search.found;
+    std::vector<HWND> found;
+    HWND window = nullptr;
+    while ((window = FindWindowExW(nullptr, window, windowClass, nullptr)) != nullptr) {
+        DWORD id = 0;
+        GetWindowThreadProcessId(window, &id);
+        if (id == mId && (hiddenToo || IsWindowVisible(window) != 0)) found.push_back(window);
+    }
+    return found;
 }
 
 std::vector<Window> App::Forms(const FormDesign& design) const {
@@ -204,12 +205,10 @@ std::vector<Window> App::Forms(const FormDesign& design) const {
     return found;
 }
 
-Window App::AwaitForm(const FormDesign& design, std::size_t count) const {
+Window App::AwaitForm(const FormDesign& design) const {
     std::vector<Window> forms;
-    Await(std::string("the window ") + design.name, [&] {
-        forms = Forms(design);
-        return forms.size() == count;
-    });
+    Await(std::string("the window ") + design.name,
+          [&] { return !(forms = Forms(design)).empty(); });
     return forms.front();
 }
 
@@ -251,12 +250,12 @@ void App::AwaitInputTaken() const {
 // When a window of the display server gets the focus or the mouse, Wine copies the state of the
 // real keyboard, on which all keys are up. An injected Alt is lost when this happens between it
 // and its key.
-void App::KeyUntil(WORD key, const std::string& what, const std::function<bool()>& condition,
-                   bool withAlt) const {
+void App::KeyUntil(const std::string& key, const std::string& what,
+                   const std::function<bool()>& condition) const {
     constexpr unsigned kLostAfterMs = 3'000;
     constexpr int kPresses = 10;
     for (int presses = 0; presses < kPresses; ++presses) {
-        Key(key, withAlt);
+        Key(key);
         if (Comes(condition, kLostAfterMs)) return;
         AwaitInputTaken();
     }

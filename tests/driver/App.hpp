@@ -30,8 +30,11 @@ Win32Handle StartProgram(const std::string& path);
 /// Waits for a process to end; returns its exit status.
 DWORD WaitForEnd(HANDLE process);
 
-/// Presses and releases a key by SendInput, for the foreground window.
-void Key(WORD key, bool withAlt = false);
+/// A key by the name of its constant without "VK_", or by its letter or digit.
+WORD KeyNamed(const std::string& name);
+
+/// Presses and releases "KEY" or "Alt+KEY" by SendInput, for the foreground window.
+void Key(const std::string& name);
 
 /// Moves the mouse to a point of the screen and clicks there, `times` in quick succession.
 void ClickAt(POINT at, int times = 1);
@@ -86,8 +89,8 @@ public:
 
     /// The other windows made from `design`, topmost first.
     std::vector<Window> Forms(const FormDesign& design) const;
-    /// Waits until `count` of them are open; returns the topmost.
-    Window AwaitForm(const FormDesign& design, std::size_t count = 1) const;
+    /// Waits until one is open, and returns it.
+    Window AwaitForm(const FormDesign& design) const;
     /// A message box or file dialog; null if none is open.
     HWND Dialog() const { return First(L"#32770"); }
     /// A file dialog that takes input.
@@ -107,8 +110,8 @@ public:
     void AwaitInputTaken() const;
     /// Presses `key` and waits for `condition`. Presses it again when the program has processed
     /// all input and the condition is still false: the key was lost.
-    void KeyUntil(WORD key, const std::string& what, const std::function<bool()>& condition,
-                  bool withAlt = false) const;
+    void KeyUntil(const std::string& key, const std::string& what,
+                  const std::function<bool()>& condition) const;
     /// The control that gets the keys; null while no window of the program is in the foreground.
     HWND Focus() const;
     bool IsRunning() const;

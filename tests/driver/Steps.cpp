@@ -26,16 +26,6 @@ const std::map<std::string, const FormDesign*> kDesigns = {
     {"send", &kSendWindowDesign},         {"terminal-settings", &kTerminalSettingsWindowDesign},
     {"find", &kFindWindowDesign},         {"send-bytes", &kSendBytesWindowDesign}};
 
-const std::map<std::string, WORD> kKeys = {
-    {"TAB", VK_TAB},     {"RETURN", VK_RETURN}, {"ESCAPE", VK_ESCAPE},
-    {"UP", VK_UP},       {"DOWN", VK_DOWN},     {"LEFT", VK_LEFT},
-    {"RIGHT", VK_RIGHT}, {"BACK", VK_BACK},     {"F4", VK_F4}};
-
-WORD KeyOf(const std::string& name) {
-    const auto key = kKeys.find(name);
-    return key == kKeys.end() ? static_cast<WORD>(name.at(0)) : key->second;
-}
-
 void MustBeZero(DWORD status) {
     if (status != 0) throw std::runtime_error("ends with an error");
 }
@@ -60,7 +50,6 @@ struct Steps : Workbench {
     void AwaitThat(const Words& words);
 
     void Open(const Window& window) { form = window; }
-    void PressUntil(const Words& words);
     void PlaceAt(int left, int top, int width, int height) const {
         SetWindowPos(app->WindowHandle(), nullptr, left, top, width, height,
                      SWP_NOZORDER | SWP_NOACTIVATE);
@@ -106,11 +95,6 @@ const std::map<std::string, Condition>& Conditions() {
          [](S& s, W&) {
              return s.app->IsShown("picStartup") && !s.app->IsShown("picFlash") &&
                     s.app->IsEnabled("cmdFlash") && s.app->Dialog() == nullptr;
-         }},
-        {"line",
-         [](S& s, W& w) {
-             const std::string text = s.app->Text("lblStatus");  // "Line 5 of 61"
-             return text.starts_with("Line ") && Number(text.substr(5)) >= Number(w[1]);
          }},
         {"percent",
          [](S& s, W& w) {
@@ -167,13 +151,6 @@ const std::map<std::string, Action>& Actions() {
          }},
         {"starts", [](S& s, W&) { s.app.emplace(); }},
         {"ends", [](S& s, W&) { MustBeZero(s.app->Wait()); }},
-        {"restarts",
-         [](S& s, W&) {
-             s.form.reset();
-             s.app->Close();
-             MustBeZero(s.app->Wait());
-             s.app.emplace();
-         }},
         {"second-ends",
          [](S&, W&) { MustBeZero(WaitForEnd(StartProgram(Setting("DRIVE_PROGRAM")).Get())); }},
         {"main", [](S& s, W&) { s.form.reset(); }},
@@ -184,9 +161,12 @@ const std::map<std::string, Action>& Actions() {
         {"keys",
          [](S& s, W& w) {
              s.menuBefore = s.app->Menu();
-             for (const std::string& key : From(w, 1)) Key(KeyOf(key));
+             for (const std::string& key : From(w, 1)) Key(key);
          }},
-        {"key", [](S& s, W& w) { s.PressUntil(w); }},
+        {"key",
+         [](S& s, W& w) {
+             s.app->KeyUntil(w.at(1), w.back(), [&] { return s.Holds(From(w, 3)); });
+         }},
         {"click", [](S& s, W& w) { s.ClickUntil(w[1], From(w, 3)); }},
         {"click-at",
          [](S&, W& w) {
@@ -273,15 +253,6 @@ void Steps::AwaitThat(const Words& words) {
     Await(words.back(), [&] { return Holds(words); });
 }
 
-// key [Alt+]KEY until CONDITION
-void Steps::PressUntil(const Words& words) {
-    const std::string& key = words.at(1);
-    const bool withAlt = key.starts_with("Alt+");
-    app->KeyUntil(
-        KeyOf(withAlt ? key.substr(4) : key), words.back(), [&] { return Holds(From(words, 3)); },
-        withAlt);
-}
-
 // Opens the context menu and presses the keys of an entry, which lead through its submenus. Without
 // keys the menu stays open.
 void Steps::Command(const std::string& keys) const {
@@ -290,7 +261,7 @@ void Steps::Command(const std::string& keys) const {
     Await("the menu", [this] { return app->Menu() != nullptr; });
     for (const char key : keys) {
         const HWND open = app->Menu();
-        app->KeyUntil(static_cast<WORD>(key), "the next menu", [&] { return app->Menu() != open; });
+        app->KeyUntil({key}, "the next menu", [&] { return app->Menu() != open; });
     }
     Await("the end of the menu", [&] { return keys.empty() || !app->InMenu(); });
 }

@@ -6,10 +6,10 @@
 #                                        indicator on COM1, and executes its requests; returns the
 #                                        exit status of the program
 # Needs build/windows (tsupdate, PROGRAM) and build/native (m40sim). Without a display the calling
-# script is re-executed under with_display.sh. Screenshots go to build/screens; transcripts and the
+# script is re-executed on a virtual one. Screenshots go to build/screens; transcripts and the
 # state at a failure stay in build/drive.
 # shellcheck disable=SC2154  # root is the caller's
-[ -n "${DISPLAY:-}" ] || exec "$root/tests/driver/with_display.sh" "$0" "$@"
+[ -n "${DISPLAY:-}" ] || exec xvfb-run -a -s "-screen 0 1920x1280x24" "$0" "$@"
 folder=$root/build/drive
 screens=$root/build/screens
 port=$folder/port
@@ -134,8 +134,9 @@ drive() {
 DRIVE_FOLDER=$(windows_path "$folder")
 DRIVE_PROGRAM=$(windows_path "$root/build/windows/tsupdate.exe")
 DRIVE_SAMPLE=$(windows_path "$root/build/native/sample.run")
+DRIVE_STEPS=$(windows_path "$root/tests/e2e/tsupdate.steps")
 VANTOR_COM1=$port
-export DRIVE_FOLDER DRIVE_PROGRAM DRIVE_SAMPLE VANTOR_COM1
+export DRIVE_FOLDER DRIVE_PROGRAM DRIVE_SAMPLE DRIVE_STEPS VANTOR_COM1
 
 suffix=  # of the screenshot file names
 use_desktop() {

@@ -33,13 +33,9 @@ protected:
 };
 
 void Monkey::PressAKey() {
-    static constexpr WORD kKeys[] = {VK_TAB,  VK_RETURN, VK_ESCAPE, VK_SPACE, VK_UP,
-                                     VK_DOWN, VK_LEFT,   VK_RIGHT,  VK_F10,   'A',
-                                     'O',     'Y',       'N',       'U',      'F'};
-    if (Below(5) == 0)
-        Key(OneOf(std::to_array<WORD>({'F', 'T', 'H', 'A', VK_SPACE, VK_F4})), true);
-    else
-        Key(OneOf(kKeys));
+    Key(OneOf(WordsOf(Below(5) == 0
+                          ? "Alt+F Alt+T Alt+H Alt+A Alt+SPACE Alt+F4"
+                          : "TAB RETURN ESCAPE SPACE UP DOWN LEFT RIGHT F10 A O Y N U F")));
 }
 
 void Monkey::ClickSomewhere() {

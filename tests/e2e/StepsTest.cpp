@@ -1,4 +1,4 @@
-// One test per script of tsupdate.steps.
+// One test per script of the file DRIVE_STEPS.
 #include <gtest/gtest.h>
 
 #include "tests/driver/App.hpp"
@@ -15,7 +15,7 @@ int main(int argc, char** argv) {
     };
     testing::InitGoogleTest(&argc, argv);
     driver::EnterDesktop();
-    for (const auto& [name, lines] : ScriptsIn(STEPS))
+    for (const auto& [name, lines] : ScriptsIn(driver::Setting("DRIVE_STEPS")))
         testing::RegisterTest(
             "TsUpdate", name.c_str(), nullptr, nullptr, __FILE__, __LINE__,
             [name = name, lines = lines]() -> testing::Test* { return new Scripted(name, lines); });

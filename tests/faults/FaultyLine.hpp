@@ -2,12 +2,14 @@
 // end, and injects faults at given bytes. It does not interpret the bytes.
 #pragma once
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
 #include <deque>
-#include <map>
+#include <limits>
 #include <string>
 #include <string_view>
+#include <utility>
 #include <vector>
 
 #include "platform/Clock.hpp"
@@ -29,13 +31,8 @@ enum class LineFaultKind : std::uint8_t {
 struct LineFault {
     LineFaultKind kind = LineFaultKind::Drop;
     Direction direction = Direction::ToDevice;
-    /// Index of the byte in its direction, from 0, counted as sent since construction,
-    /// over all openings. A byte that has already passed is not affected, except that `Unplug` at
-    /// such a one acts at once.
-    std::size_t byte = 0;
+    std::size_t byte = 0;  ///< in its direction, the next one is 0
     std::uint32_t ms = 0;  ///< `Delay`, `Split`: 0 to 3,600,000
-
-    friend bool operator==(const LineFault&, const LineFault&) = default;
 };
 
 /// Used from one thread. Order is preserved: no byte overtakes a delayed one.
@@ -46,37 +43,95 @@ public:
     /// Both outlive the line.
     FaultyLine(FarEnd& device, const Clock& clock) : mDevice(device), mClock(clock) {}
 
-    void Add(const LineFault& fault);
-    /// Bytes sent in `direction` so far.
-    std::size_t Passed(Direction direction) const { return mLanes.at(direction).passed; }
+    void Add(LineFault fault) {
+        Lane& lane = fault.direction == Direction::ToDevice ? mToDevice : mToHost;
+        fault.byte += lane.passed;
+        lane.faults.push_back(fault);
+        UnplugIfDue(lane);
+    }
 
-    void Opened(const LineSettings& line) override;
-    void Closed() override;
-    void Receive(std::string_view bytes) override;
-    std::string Transmit() override;
+    void Opened(const LineSettings& line) override {
+        mOpen = true;
+        mToHost.bytes.clear();
+        mDevice.Opened(line);
+    }
+    void Closed() override {
+        // After an unplug the device has already been closed.
+        if (!mOpen) return;
+        Deliver(std::numeric_limits<std::uint32_t>::max());
+        mOpen = false;
+        mDevice.Closed();
+    }
+    void Receive(std::string_view bytes) override {
+        Pass(mToDevice, bytes);
+        Deliver(mClock.Milliseconds());
+    }
+    std::string Transmit() override {
+        Deliver(mClock.Milliseconds());
+        if (!mUnplugged) Pass(mToHost, mDevice.Transmit());
+        return mUnplugged ? "" : Arrived(mToHost, mClock.Milliseconds());
+    }
     bool HungUp() const override { return mUnplugged || mDevice.HungUp(); }
 
 private:
-    struct Underway {
-        std::uint32_t at;
-        char byte;
-    };
     struct Lane {
         std::size_t passed = 0;
         std::vector<LineFault> faults;
-        std::deque<Underway> bytes;
-        std::uint32_t freeAt = 0;  // earliest arrival of the next byte
+        std::deque<std::pair<std::uint32_t, char>> bytes;  // in transit, with their arrival
+        std::uint32_t freeAt = 0;                          // earliest arrival of the next byte
     };
 
-    void Pass(Direction direction, std::string_view bytes);
-    void PassByte(Lane& lane, char byte);
-    void UnplugIfDue();
-    std::string Arrived(Direction direction, std::uint32_t by);
-    void Deliver(std::uint32_t by);
+    void Pass(Lane& lane, std::string_view bytes) {
+        for (const char byte : bytes) {
+            if (mUnplugged) return;
+            PassByte(lane, byte);
+            ++lane.passed;
+            UnplugIfDue(lane);
+        }
+    }
+
+    void PassByte(Lane& lane, char byte) const {
+        using enum LineFaultKind;
+        std::size_t copies = 1;
+        lane.freeAt = std::max(lane.freeAt, mClock.Milliseconds());
+        for (const LineFault& fault : lane.faults) {
+            if (fault.byte > lane.passed) continue;
+            const std::size_t since = lane.passed - fault.byte;
+            if (fault.kind == Split && since > 0 && since <= 16) lane.freeAt += fault.ms;
+            if (since > 0) continue;
+            if (fault.kind == Drop) copies = 0;
+            if (fault.kind == Double) copies *= 2;
+            if (fault.kind == Garble) byte = static_cast<char>(byte ^ 1);
+            if (fault.kind == Delay) lane.freeAt += fault.ms;
+        }
+        lane.bytes.insert(lane.bytes.end(), copies, {lane.freeAt, byte});
+    }
+
+    // Bytes still in transit are lost with the connection.
+    void UnplugIfDue(const Lane& lane) {
+        for (const LineFault& fault : lane.faults)
+            if (fault.kind == LineFaultKind::Unplug && fault.byte <= lane.passed) mUnplugged = true;
+        if (!mUnplugged || !mOpen) return;
+        mOpen = false;
+        mDevice.Closed();
+    }
+
+    static std::string Arrived(Lane& lane, std::uint32_t by) {
+        std::string arrived;
+        for (; !lane.bytes.empty() && lane.bytes.front().first <= by; lane.bytes.pop_front())
+            arrived += lane.bytes.front().second;
+        return arrived;
+    }
+
+    void Deliver(std::uint32_t by) {
+        const std::string arrived = Arrived(mToDevice, by);
+        if (!arrived.empty() && mOpen) mDevice.Receive(arrived);
+    }
 
     FarEnd& mDevice;
     const Clock& mClock;
-    std::map<Direction, Lane> mLanes = {{Direction::ToDevice, {}}, {Direction::ToHost, {}}};
+    Lane mToDevice;
+    Lane mToHost;
     bool mOpen = false;
     bool mUnplugged = false;
 };

@@ -1,10 +1,11 @@
-// Runs one flash session with given faults on virtual time and checks sends, message boxes and
-// outcome against the bytes that the program received. Does not choose the faults.
+// Runs one flash session with given faults and acts of the user on virtual time. Does not choose
+// them; `Judge` decides whether the program reacted as it must.
 #pragma once
 
-#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <string>
+#include <string_view>
 #include <variant>
 #include <vector>
 
@@ -14,26 +15,26 @@
 
 namespace vantor {
 
-/// The stages of a session. Each begins just before its first byte is sent.
-enum class Stage : std::uint8_t {
-    Opening,
-    WakeUp,
-    Trav,
-    Baud,
-    Reopened,  ///< closed after BAUD, not yet open at the new speed
-    Sysload,
-    FirstLine,
-    MiddleLine,
-    LateLine,  ///< one of the last eleven
-    LastLine,
-    Verdict,  ///< the last line is acknowledged, the status window is open
-    Boot,
-};
-inline constexpr std::array<const char*, 12> kStageNames = {
-    "opening",    "wake-up",     "TRAV",        "BAUD",      "reopened", "SYSLOAD",
-    "first line", "middle line", "last eleven", "last line", "verdict",  "BOOT"};
-
-std::string OutcomeName(FlashOutcome outcome);
+/// The stages of a session. Each but two begins just before its bytes are sent; the lines are 0, 8,
+/// 18 and the last one of the image.
+inline constexpr struct {
+    const char* name;
+    std::string_view sends = "-";
+} kStages[] = {{"opening"},
+               {"wake-up", " \r"},
+               {"TRAV", "TRAV\r"},
+               {"BAUD", "BAUD 115200\r"},
+               {"reopened"},  // closed after BAUD, not yet open at the new speed
+               {"SYSLOAD", "SYSLOAD\r"},
+               {"first line", "S1050000AB004F\r"},
+               {"middle line", "S1050010AB0837\r"},
+               {"last eleven", "S1050024AB1219\r"},
+               {"last line", "S9030000FC\r"},
+               {"verdict", ""},  // the last line is acknowledged, the status window is open
+               {"BOOT", "BOOT\r"}};
+inline constexpr std::size_t kOpening = 0;
+inline constexpr std::size_t kReopened = 4;
+inline constexpr std::size_t kVerdict = 10;
 
 /// The user presses the abort button, or closes the window.
 struct UserAct {
@@ -42,8 +43,7 @@ struct UserAct {
 };
 
 struct Mishap {
-    Stage stage = Stage::Opening;
-    /// `LineFault::byte` counts from the start of the stage.
+    std::size_t stage = kOpening;
     std::variant<LineFault, Fault, UserAct> what;
 };
 
@@ -61,6 +61,10 @@ struct Judgement {
     bool gone = false;        ///< the window was closed
     bool memoryWhole = true;  ///< the indicator holds exactly the image
     std::string violation;    ///< the rules broken, one per line; empty when none
+
+    void Require(bool holds, const std::string& otherwise) {
+        if (!holds && violation.find(otherwise) == std::string::npos) violation += otherwise + "\n";
+    }
 };
 
 /// Runs `plan` on a new window. If the window is still open and no rule was broken, then runs a

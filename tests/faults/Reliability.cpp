@@ -5,41 +5,42 @@
 #include <iostream>
 #include <map>
 
+#include "tests/faults/Judge.hpp"
 #include "tests/faults/Matrix.hpp"
 
 using namespace vantor;
 
 namespace {
 
-[[noreturn]] void Breach(const std::string& violation) {
-    std::cerr << violation;
+void StopAt(const std::string& violation, const std::string& where = {}) {
+    if (violation.empty()) return;
+    std::cerr << where << violation;
     std::exit(EXIT_FAILURE);
 }
 
 void Matrix() {
-    std::cout << "## Every fault in every stage\n\n| fault |";
-    for (const char* stage : kStageNames) std::cout << ' ' << stage << " |";
-    std::cout << "\n|---|";
-    for (std::size_t i = 0; i < kStageNames.size(); ++i) std::cout << "---|";
-    std::cout << '\n';
-    for (const MatrixRow& row : MatrixRows()) {
-        const auto [outcomes, violation] = RunRow(row, true);
-        if (!violation.empty()) Breach(violation);
+    std::string names = "| fault |";
+    std::string rule = "|---|";
+    for (const auto& stage : kStages) {
+        names += std::string(" ") + stage.name + " |";
+        rule += "---|";
+    }
+    std::cout << "## Every fault in every stage\n\n" << names << '\n' << rule << '\n';
+    for (const auto& [outcomes, violation] : RunMatrix(true)) {
+        StopAt(violation);
         std::cout << outcomes << '\n';
     }
 }
 
-void Walk(std::uint64_t seed, std::uint64_t count) {
-    std::map<FlashOutcome, std::uint64_t> tally;
-    std::uint64_t closed = 0;
-    std::uint64_t notWhole = 0;
-    std::uint64_t undisturbed = 0;
-    for (std::uint64_t number = 0; number < count; ++number) {
-        const Plan plan = RandomPlan(seed, number);
+void Walk(const std::string& seed, const std::string& count) {
+    std::map<FlashOutcome, unsigned> tally;
+    unsigned closed = 0;
+    unsigned notWhole = 0;
+    unsigned undisturbed = 0;
+    for (std::uint64_t number = 0; number < std::stoull(count); ++number) {
+        const Plan plan = RandomPlan(std::stoull(seed), number);
         const Judgement judgement = RunSession(plan);
-        if (!judgement.violation.empty())
-            Breach("seed " + std::to_string(seed) + ", session " + std::to_string(number) + ":\n" +
-                   judgement.violation);
+        StopAt(judgement.violation, "seed " + seed + ", session " + std::to_string(number) + ":\n");
         ++tally[judgement.outcome];
         if (judgement.gone) ++closed;
         if (plan.mishaps.empty()) ++undisturbed;
@@ -50,8 +51,8 @@ void Walk(std::uint64_t seed, std::uint64_t count) {
               << " of them with none.\nNo rule was broken.\n\n| outcome | sessions |\n|---|---|\n";
     for (const auto& [outcome, sessions] : tally)
         std::cout << "| " << OutcomeName(outcome) << " | " << sessions << " |\n";
-    std::cout << "\nThe window was closed in " << closed << " of them.\n";
-    std::cout << "An indicator that compares nothing said DONE without the whole image in "
+    std::cout << "\nThe window was closed in " << closed << " of them.\n"
+              << "An indicator that compares nothing said DONE without the whole image in "
               << notWhole << ".\n";
 }
 
@@ -63,5 +64,5 @@ int main(int argc, char** argv) {
         return 2;
     }
     Matrix();
-    Walk(std::strtoull(argv[1], nullptr, 10), std::strtoull(argv[2], nullptr, 10));
+    Walk(argv[1], argv[2]);
 }

@@ -1,9 +1,13 @@
-// The fuzz targets: one function per kind of external input. NAME.seeds holds the first inputs of a
-// target, one a line in quotes; they reach every branch worth mutating.
-#include "tests/fuzz/Fuzz.hpp"
-
+// The fuzz targets: one function per kind of external input, called for many inputs in the same
+// process. NAME.seeds holds the first inputs of a target, one a line in quotes; they reach every
+// branch worth mutating.
 #include <algorithm>
+#include <cstdlib>
+#include <filesystem>
+#include <fstream>
+#include <functional>
 #include <map>
+#include <string_view>
 #include <tuple>
 
 #include "app/base/AppInfo.hpp"
@@ -26,26 +30,69 @@
 #include "support/text/Unicode.hpp"
 #include "terminal/engine/TerminalParser.hpp"
 #include "terminal/view/TerminalSelection.hpp"
+#include "tests/Words.hpp"
 #include "tests/faults/ReportingPlatform.hpp"
 
 namespace vantor {
 namespace {
 
-struct CacheIndexBench {
-    ReportingPlatform headless;
-    std::shared_ptr<frmMain> window =
-        std::make_shared<frmMain>(headless.manager, headless.platform);
-    PromotionalPicture promotion{window->picPicture, headless.platform};
-};
+/// Asserts an invariant of the code under test; a failure counts as a crash.
+void Require(bool holds) {
+    if (!holds) std::abort();
+}
+
+/// False if `body` raises RuntimeError. Any other exception counts as a crash.
+bool Accepts(const std::function<void()>& body) {
+    return Raised(body).Number() == 0;
+}
+
+/// Removes and returns the first `count` bytes of `input`, or all if there are fewer.
+std::string_view Take(std::string_view& input, std::size_t count) {
+    const std::string_view taken = input.substr(0, count);
+    input.remove_prefix(taken.size());
+    return taken;
+}
+
+/// Removes and returns the first byte of `input`, 0 if empty.
+unsigned TakeByte(std::string_view& input) {
+    const std::string_view taken = Take(input, 1);
+    return taken.empty() ? 0 : static_cast<unsigned char>(taken.front());
+}
+
+/// Removes and returns the first line of `input`, without its line feed.
+std::string_view TakeLine(std::string_view& input) {
+    const std::string_view line = Take(input, input.find('\n'));
+    Take(input, 1);
+    return line;
+}
+
+/// Stores `value` as the program's `name` below `path`.
+void Store(Registry& registry, const std::string& path, const std::string& name,
+           std::string_view value) {
+    RegistryKey key = 0;
+    Require(registry.CreateKey(RegistryRoot::CurrentUser, kProgramKey + ("\\" + path),
+                               kRegistryAllButOwner, key) == kRegistrySuccess);
+    registry.SetValue(key, name, kRegistryString, value);
+    registry.CloseKey(key);
+}
+
+/// The platform of all inputs, without message boxes of earlier ones.
+ReportingPlatform& Headless() {
+    static ReportingPlatform headless;
+    headless.boxes.shown.clear();
+    return headless;
+}
 
 /// Index of the picture cache: the first line of the input is the name of the displayed picture,
 /// the rest is cache.txt.
 void CacheIndex(std::string_view input) {
-    static CacheIndexBench bench;
+    ReportingPlatform& headless = Headless();
+    static const auto window = std::make_shared<frmMain>(headless.manager, headless.platform);
+    static const PromotionalPicture promotion(window->picPicture, headless.platform);
     const std::string name(TakeLine(input));
     const std::string index(input);
-    bench.window->picPicture.Tag(name);
-    const std::string address = bench.promotion.Address(ImageLines(index));
+    window->picPicture.Tag(name);
+    const std::string address = promotion.Address(ImageLines(index));
     if (name.empty()) {
         Require(address.starts_with("http:"));
         return;
@@ -75,12 +122,11 @@ void Convert(std::string_view text) {
 }
 
 void Scramble(const std::string& password, std::string_view bytes) {
-    static ReportingPlatform headless;
+    ReportingPlatform& headless = Headless();
     const std::string text = headless.codePage.FromAnsi(bytes);
     Require(headless.codePage.ToAnsi(text) == bytes);
     CEncryption encryption(headless.codePage, headless.files);
     encryption.Password = password;
-    headless.boxes.shown.clear();
     const std::string scrambled = encryption.EncryptStringAscii(text);
     if (!headless.boxes.shown.empty()) {
         // Only an empty key or one so long that its positions overflow may fail.
@@ -116,53 +162,40 @@ void FirmwareImage(std::string_view input) {
     Require(again == text);
 }
 
-struct FormPositionBench {
-    ReportingPlatform headless;
-    std::shared_ptr<frmAbout> window =
-        std::make_shared<frmAbout>(headless.manager, headless.strings);
-    CFormPos position{headless.registry, headless.codePage};
-    RegistryKey key = 0;
-
-    FormPositionBench() {
-        window->Load();
-        position.Form = window.get();
-        Require(headless.registry.CreateKey(position.RootKey,
-                                            position.RegistryPath + "\\" + position.SubKey,
-                                            kRegistryAllButOwner, key) == kRegistrySuccess);
-    }
-    std::string Saved() {
-        position.SaveForm();
-        return headless.registry.Export();
-    }
-};
-
 /// Stored window positions: the first byte selects whether the window is kept on the screen, the
 /// rest is the record.
 void FormPosition(std::string_view input) {
-    static FormPositionBench bench;
     constexpr Place kBefore = {1, 2, 3000, 4000};
-    bench.headless.boxes.shown.clear();
-    bench.window->Place(kBefore);
-    bench.window->State(WindowState::Normal);
+    ReportingPlatform& headless = Headless();
+    static const auto window = std::make_shared<frmAbout>(headless.manager, headless.strings);
+    static CFormPos position(headless.registry, headless.codePage);
+    window->Load();
+    window->Place(kBefore);
+    window->State(WindowState::Normal);
+    position.Form = window.get();
     const bool keepOnScreen = (TakeByte(input) & 1) != 0;
-    bench.headless.registry.SetValue(bench.key, bench.window->Name(), kRegistryString, input);
-    const bool restored = bench.position.RestoreForm(keepOnScreen);
-    const Place place = bench.window->Place();
-    if (!restored || bench.window->State() != WindowState::Normal) {
+    Store(headless.registry, position.SubKey, window->Name(), input);
+    const bool restored = position.RestoreForm(keepOnScreen);
+    const Place place = window->Place();
+    if (!restored || window->State() != WindowState::Normal) {
         Require(place == kBefore);
         return;
     }
-    Require(bench.headless.boxes.shown.empty());
+    Require(headless.boxes.shown.empty());
     Require(place.width >= 0 && place.height >= 0);
-    const Size screen = bench.headless.peers.ScreenSize();
+    const Size screen = headless.peers.ScreenSize();
     // A position at the far edge is allowed for a window smaller than one twip only.
     const auto onScreen = [](float at, float size, float limit) {
         return at >= 0 && (at < limit || (at == limit && size < 1));
     };
     Require(!keepOnScreen || (onScreen(place.left, place.width, screen.width) &&
                               onScreen(place.top, place.height, screen.height)));
-    const std::string saved = bench.Saved();
-    Require(bench.position.RestoreForm(keepOnScreen) && bench.Saved() == saved);
+    const auto saved = [&] {
+        position.SaveForm();
+        return headless.registry.Export();
+    };
+    const std::string before = saved();
+    Require(position.RestoreForm(keepOnScreen) && saved() == before);
 }
 
 using Header = std::tuple<CImageInfo::Type, int, int, int>;
@@ -187,43 +220,29 @@ void ImageInfo(std::string_view input) {
     Require(HeaderOf(std::string(input) + std::string(16, '\0')) == header);
 }
 
-const FormDesign kDesign = {"frmFuzz", "", "", {}, {}};
-
-struct NodeStatesBench {
-    ReportingPlatform headless;
-    std::shared_ptr<Form> window = std::make_shared<Form>(headless.manager, kDesign);
-    TreeView tree{*window, "tvw"};
-    CTreeViewEnh states{headless.registry, headless.codePage};
-    RegistryKey key = 0;
-
-    NodeStatesBench() {
-        tree.Add({.key = "P1", .parent = "", .text = "heading"});
-        tree.Add({.key = "C0", .parent = "P1", .text = "page"});
-        tree.Add({.key = "", .parent = "P1", .text = "without a key"});
-        states.Tree = &tree;
-        Require(headless.registry.CreateKey(states.RootKey,
-                                            states.RegistryPath + "\\" + states.SubKey,
-                                            kRegistryAllButOwner, key) == kRegistrySuccess);
-    }
-    std::string Open() const {
-        std::string open;
-        for (const TreeNode& node : tree.Nodes()) open += node.expanded ? 'x' : '-';
-        return open;
-    }
-};
-
 /// Stored node states of a tree: after restoring any text, save and restore is a round trip.
 void NodeStates(std::string_view input) {
-    static NodeStatesBench bench;
-    bench.headless.boxes.shown.clear();
-    bench.headless.registry.SetValue(bench.key, bench.tree.Name(), kRegistryString, input);
-    bench.states.RestoreNodeStates();
-    const std::string open = bench.Open();
-    bench.states.SaveNodeStates();
-    for (int node = 0; node < 2; ++node)
-        bench.tree.Expanded(node, open[static_cast<std::size_t>(node)] == '-');
-    bench.states.RestoreNodeStates();
-    Require(bench.Open() == open && bench.headless.boxes.shown.empty());
+    static const FormDesign design = {"frmFuzz", "", "", {}, {}};
+    ReportingPlatform& headless = Headless();
+    const auto window = std::make_shared<Form>(headless.manager, design);
+    TreeView tree(*window, "tvw");
+    tree.Add({.key = "P1", .parent = "", .text = "heading"});
+    tree.Add({.key = "C0", .parent = "P1", .text = "page"});
+    tree.Add({.key = "", .parent = "P1", .text = "without a key"});
+    CTreeViewEnh states(headless.registry, headless.codePage);
+    states.Tree = &tree;
+    const auto isOpen = [&tree](int node) {
+        return tree.Nodes()[static_cast<std::size_t>(node)].expanded;
+    };
+    Store(headless.registry, states.SubKey, tree.Name(), input);
+    states.RestoreNodeStates();
+    const bool heading = isOpen(0);
+    const bool page = isOpen(1);
+    states.SaveNodeStates();
+    tree.Expanded(0, !heading);
+    tree.Expanded(1, !page);
+    states.RestoreNodeStates();
+    Require(isOpen(0) == heading && isOpen(1) == page && headless.boxes.shown.empty());
 }
 
 /// Text form of the registry, including damaged and hand-edited files.
@@ -240,27 +259,6 @@ void RegistryText(std::string_view input) {
     Require(other.Import(written) == 0 && other.Export() == written);
 }
 
-/// All that an edit of `settings` without a change stores.
-std::string Saved(CAppSettings& settings, const RegistryHive& registry) {
-    settings.BeginEdit();
-    settings.AutoUnZip(settings.AutoUnZip());
-    settings.ApplyEdit();
-    return registry.Export();
-}
-
-void Store(Registry& registry, std::string_view input) {
-    const AppInfo app;
-    RegistryKey key = 0;
-    registry.CreateKey(RegistryRoot::CurrentUser,
-                       "SOFTWARE\\" + app.companyName + "\\" + app.title + "\\Settings",
-                       kRegistryAllButOwner, key);
-    for (const char* name :
-         {"AutoUnZip", "PassiveFTP", "Port", "Baud", "Parity", "DataBits", "EnableProxy",
-          "ProxyHostname", "ProxtPort", "ProxyUsername", "ProxyPassword", "ProxyType"})
-        registry.SetValue(key, name, kRegistryString, TakeLine(input));
-    registry.CloseKey(key);
-}
-
 /// Stored settings. The first byte of the input selects a property, the rest of the first line is
 /// its new value, which the property rejects or stores. The following lines are the stored values
 /// in loading order. Loaded settings must equal saved ones.
@@ -273,19 +271,29 @@ void Settings(std::string_view input) {
     headless.registry.Clear();
     const unsigned property = TakeByte(input);
     const std::string value(TakeLine(input));
-    Store(headless.registry, input);
+    for (const char* name :
+         {"AutoUnZip", "PassiveFTP", "Port", "Baud", "Parity", "DataBits", "EnableProxy",
+          "ProxyHostname", "ProxtPort", "ProxyUsername", "ProxyPassword", "ProxyType"})
+        Store(headless.registry, "Settings", name, TakeLine(input));
     CAppSettings settings(headless.registry, headless.codePage, headless.files);
     if (!Accepts([&] { settings.Initialize(); })) return;
     // A blank port is stored empty, which the next load replaces with the default.
     if (settings.ProxyPort().empty()) return;
-    const std::string before = Saved(settings, headless.registry);
+    // All that an edit without a change stores.
+    const auto saved = [](CAppSettings& edited) {
+        edited.BeginEdit();
+        edited.AutoUnZip(edited.AutoUnZip());
+        edited.ApplyEdit();
+        return headless.registry.Export();
+    };
+    const std::string before = saved(settings);
     settings.BeginEdit();
     Accepts([&] { (settings.*kProperties[property % std::size(kProperties)])(value); });
     settings.CancelEdit();
-    Require(Saved(settings, headless.registry) == before);
+    Require(saved(settings) == before);
     CAppSettings other(headless.registry, headless.codePage, headless.files);
     other.Initialize();
-    Require(Saved(other, headless.registry) == before);
+    Require(saved(other) == before);
 }
 
 /// Random bytes in chunks of random size on a small terminal screen that is resized in between. The
@@ -325,10 +333,16 @@ void Terminal(std::string_view input) {
     }
 }
 
-}  // namespace
+void (*fuzz)(std::string_view) = nullptr;
 
-void Fuzz(std::string_view target, std::string_view input) {
-    static const std::map<std::string_view, void (*)(std::string_view)> kTargets = {
+}  // namespace
+}  // namespace vantor
+
+/// The program NAME_fuzz runs the target NAME. Its last argument is the corpus folder, which
+/// receives the seeds.
+extern "C" int LLVMFuzzerInitialize(const int* count, char*** arguments) {
+    using namespace vantor;
+    const std::map<std::string, void (*)(std::string_view)> targets = {
         {"cache_index", CacheIndex},
         {"conversions", Conversions},
         {"firmware_image", FirmwareImage},
@@ -339,7 +353,20 @@ void Fuzz(std::string_view target, std::string_view input) {
         {"settings", Settings},
         {"terminal", Terminal},
     };
-    kTargets.at(target)(input);
+    const std::string program = std::filesystem::path(**arguments).filename();
+    const std::string name = program.substr(0, program.rfind('_'));
+    fuzz = targets.at(name);
+    const std::filesystem::path folder = (*arguments)[*count - 1];
+    if (!std::filesystem::is_directory(folder)) return 0;
+    std::ifstream seeds(FOLDER "/" + name + ".seeds");
+    int number = 0;
+    for (std::string line; std::getline(seeds, line);)
+        std::ofstream(folder / ("seed" + std::to_string(++number)), std::ios::binary)
+            << WordsOf(line).at(0);
+    return 0;
 }
 
-}  // namespace vantor
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    vantor::fuzz({reinterpret_cast<const char*>(data), size});
+    return 0;
+}

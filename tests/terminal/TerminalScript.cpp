@@ -2,7 +2,6 @@
 #include <algorithm>
 #include <array>
 #include <functional>
-#include <initializer_list>
 #include <map>
 #include <memory>
 #include <optional>
@@ -13,6 +12,7 @@
 #include <utility>
 
 #include "controls/Form.hpp"
+#include "monitor/TerminalOptionsStore.hpp"
 #include "support/errors/RuntimeError.hpp"
 #include "support/text/Unicode.hpp"
 #include "terminal/TerminalControl.hpp"
@@ -250,32 +250,8 @@ int Number(const Words& words, std::size_t at = 1) {
     return std::stoi(words.at(at));
 }
 
-/// Sets an option of `choose` to a number.
-using Choice = void (*)(TerminalOptions&, int);
-const std::map<std::string, Choice> kChoices = {
-    {"answers", [](auto& o, int n) { o.answersQueries = n != 0; }},
-    {"asks", [](auto& o, int n) { o.askBeforeLongPaste = n != 0; }},
-    {"echo", [](auto& o, int n) { o.localEcho = n != 0; }},
-    {"encoding", [](auto& o, int n) { o.encoding = LineEncoding(n); }},
-    {"enter", [](auto& o, int n) { o.enterKey = EnterKey(n); }},
-    {"flow", [](auto& o, int n) { o.flowControl = FlowControl(n); }},
-    {"pace", [](auto& o, int n) { o.pastePace = PastePace(n); }},
-    {"reopens", [](auto& o, int n) { o.reopens = n != 0; }},
-    {"returnfeeds", [](auto& o, int n) { o.returnFeeds = n != 0; }},
-    {"stamps", [](auto& o, int n) { o.timeStamps = TimeStamps(n); }},
-    {"capturestamps", [](auto& o, int n) { o.captureTimeStamps = n != 0; }},
-};
-
 bool Says(const Words& words, std::string_view word) {
     return std::ranges::find(words, word) != words.end();
-}
-
-/// The index of the word that `words` contain.
-template <typename Choice>
-Choice OneOf(const Words& words, std::initializer_list<std::string_view> choices) {
-    int index = 0;
-    while (!Says(words, choices.begin()[index])) ++index;
-    return static_cast<Choice>(index);
 }
 
 void Press(Subject& subject, const Words& words) {
@@ -311,25 +287,20 @@ const std::map<std::string, Verb> kVerbs = {
     {"key", [](auto& s, auto& w) { s.com.Key(w.at(1)); }},
     {"type", [](auto& s, auto& w) { s.com.Type(w.at(1)); }},
     {"output", [](auto& s, auto& w) { s.com.Output(w.at(1)); }},
-    {"echo", [](auto& s, auto&) { s.com.LocalEcho = true; }},
     {"choose",
      [](auto& s, auto& w) {
-         TerminalOptions options = s.com.Options();
-         kChoices.at(w.at(1))(options, Number(w, 2));
-         s.com.Options(options);
+         s.platform.registry.Import(
+             RegistryWith("Terminal", Quoted(w.at(1)) + "=" + Quoted(w.at(2)) + "\n"));
+         s.com.Options(TerminalOptionsStore(s.platform.registry, s.platform.codePage).Load());
      }},
     {"bytes", [](auto& s, auto& w) { s.com.SendBytes(w.at(1)); }},
-    {"break",
-     [](auto& s, auto&) {
-         s.events["error"] = to_string(Raised([&] { s.com.SendBreak(); }).Number());
-     }},
+    {"break", [](auto& s, auto&) { s.com.SendBreak(); }},
     {"timerless", [](auto& s, auto&) { s.pump.refuses = true; }},
     {"dtr", [](auto& s, auto& w) { s.com.Dtr(w.at(1) == "on"); }},
     {"rts", [](auto& s, auto& w) { s.com.Rts(w.at(1) == "on"); }},
     {"cancel", [](auto& s, auto&) { s.com.DropPendingLines(); }},
     {"declines", [](auto& s, auto&) { s.platform.boxes.answers = {BoxAnswer::No}; }},
     {"endless", [](auto& s, auto&) { s.com.EndLines = false; }},
-    {"returnfeeds", [](auto& s, auto&) { s.com.Screen().modes.returnFeeds = true; }},
     {"clipboard", [](auto& s, auto& w) { s.platform.clipboard.Text(w.at(1)); }},
     {"perform", [](auto& s, auto& w) { s.com.PerformCommand(TerminalCommand(Number(w))); }},
     {"invoke", [](auto& s, auto& w) { s.com.Invoke(TerminalCommand(Number(w))); }},
@@ -388,12 +359,9 @@ const std::map<std::string, Verb> kVerbs = {
      [](auto& s, auto& w) {
          s.handles = w.at(1) == "performs";
          s.onCommand = {};
-         if (w.size() > 2) s.onCommand = [&s, w] { Perform(s, {w.begin() + 2, w.end()}); };
+         if (w.size() > 2) s.onCommand = [&s, w] { Perform(s, From(w, 2)); };
      }},
-    {"capture",
-     [](auto& s, auto& w) {
-         s.events["error"] = to_string(Raised([&] { s.com.CaptureFile(w.at(1)); }).Number());
-     }},
+    {"capture", [](auto& s, auto& w) { s.com.CaptureFile(w.at(1)); }},
     {"drain", [](auto& s, auto&) { s.com.DrainOutput(); }},
     {"slow",
      [](auto& s, auto& w) { s.platform.ports.LimitWrites(static_cast<std::size_t>(Number(w))); }},
@@ -410,17 +378,11 @@ const std::map<std::string, Verb> kVerbs = {
          s.shows = true;
          s.events["repaint"] = "all";  // the first picture
      }},
-    {"view",
-     [](auto& s, auto& w) {
-         TerminalOptions options = s.com.Options();
-         options.view = OneOf<ViewMode>(w, {"text", "controls", "hex"});
-         options.controlNotation =
-             Says(w, "numbers") ? ControlNotation::Numbers : ControlNotation::Pictures;
-         s.com.Options(options);
-     }},
     {"step",
      [](auto& s, auto& w) {
-         s.com.Scroll(OneOf<ScrollStep>(w, {"up", "down", "pageup", "pagedown", "start", "end"}));
+         constexpr std::array kSteps = {"up", "down", "pageup", "pagedown", "start", "end"};
+         const auto* const step = std::ranges::find(kSteps, w.at(1));
+         s.com.Scroll(static_cast<ScrollStep>(step - kSteps.begin()));
      }},
     {"wheel", [](auto& s, auto& w) { s.com.Wheel(Number(w), Number(w, 2)); }},
     {"press", Press},
@@ -431,21 +393,20 @@ const std::map<std::string, Verb> kVerbs = {
     {"unselect", [](auto& s, auto&) { s.com.Unselect(); }},
     {"find", Find},
     {"endfind", [](auto& s, auto&) { s.com.EndFind(); }},
-    {"save",
-     [](auto& s, auto& w) {
-         s.events["error"] = to_string(Raised([&] { s.com.SaveScrollback(w.at(1)); }).Number());
-     }},
+    {"save", [](auto& s, auto& w) { s.com.SaveScrollback(w.at(1)); }},
     {"forget", [](auto& s, auto&) { s.com.ClearScrollback(); }},
     {"box",  // during which ACTION takes place
      [](auto& s, auto& w) {
-         s.platform.boxes.whileOpen = [&s, w](const MessageBoxRequest&) {
-             Perform(s, {w.begin() + 1, w.end()});
-         };
+         s.platform.boxes.whileOpen = [&s, w](const auto&) { Perform(s, From(w, 1)); };
      }},
 };
 
 void Perform(Subject& subject, const Words& words) {
-    kVerbs.at(words.at(0))(subject, words);
+    try {
+        kVerbs.at(words.at(0))(subject, words);
+    } catch (const RuntimeError& error) {
+        subject.events["error"] = to_string(error.Number());
+    }
 }
 
 }  // namespace

@@ -1,16 +1,17 @@
 #include "tests/traces/Recorder.hpp"
 
 #include <algorithm>
-#include <array>
 #include <cmath>
-#include <cstdio>
+#include <initializer_list>
 #include <optional>
+#include <set>
 #include <span>
 #include <vector>
 
 #include "controls/Controls.hpp"
 #include "controls/Form.hpp"
 #include "controls/TreeView.hpp"
+#include "support/text/Text.hpp"
 #include "terminal/TerminalControl.hpp"
 
 namespace vantor::traces {
@@ -21,6 +22,7 @@ constexpr const char* kButtons[] = {"OK", "YesNo", "YesNoCancel"};
 constexpr const char* kFlowControls[] = {"", " RTS/CTS", " XON/XOFF"};
 constexpr const char* kAnswers[] = {"OK", "Yes", "No", "Cancel"};
 
+// Without the program's own conversion, which a fault could turn into the opposite of itself.
 std::string Line(const LineSettings& line) {
     return std::to_string(line.bitsPerSecond) + "," + "NOE"[static_cast<std::size_t>(line.parity)] +
            "," + std::to_string(line.dataBits) + "," + std::to_string(line.stopBits) +
@@ -28,14 +30,12 @@ std::string Line(const LineSettings& line) {
 }
 
 std::string Point(float x, float y) {
-    return std::to_string(std::lround(x)) + "," + std::to_string(std::lround(y));
+    return std::to_string(std::lrint(x)) + "," + std::to_string(std::lrint(y));
 }
 
 std::string Numbers(const Place& place) {
-    std::array<char, 64> text{};
-    std::snprintf(text.data(), text.size(), "%.0f,%.0f %.0fx%.0f", place.left, place.top,
-                  place.width, place.height);
-    return text.data();
+    return Point(place.left, place.top) + " " + std::to_string(std::lrint(place.width)) + "x" +
+           std::to_string(std::lrint(place.height));
 }
 
 /// The text of a window that shows only one; those of other windows are in the tests of windows.
@@ -52,20 +52,13 @@ std::string MessageOf(const Form& form) {
 std::string Quoted(std::string_view text, Quoting quoting) {
     std::string quoted = "\"";
     for (const char c : text) {
-        const auto byte = static_cast<unsigned char>(c);
-        std::array<char, 8> escape{};
-        if (c == '\r') {
-            quoted += "\\r";
-        } else if (c == '\n') {
-            quoted += "\\n";
-        } else if (c == '"' || c == '\\') {
-            quoted += {'\\', c};
-        } else if (byte < 0x20 || byte == 0x7F || (byte > 0x7F && quoting == Quoting::Bytes)) {
-            std::snprintf(escape.data(), escape.size(), "\\x%02X", byte);
-            quoted += escape.data();
-        } else {
+        const bool beyondAscii = static_cast<unsigned char>(c) > 0x7F;
+        if (c == '"')
+            quoted += "\\\"";
+        else if (beyondAscii && quoting == Quoting::Text)
             quoted += c;
-        }
+        else
+            quoted += Escaped({&c, 1}, "\r\n");
     }
     return quoted + "\"";
 }
@@ -98,7 +91,6 @@ struct RecordedPeer : Recorded<FormPeer, std::unique_ptr<FormPeer>> {
             if (const auto* combo = dynamic_cast<const ComboBox*>(control))
                 Note(mForm.Name() + "." + control->Name() + " is " + Quoted(combo->Text()));
         mInner->Show(mode, owner);
-        if (mode == ShowMode::Modal && mRecorder.onModal) mRecorder.onModal(mForm);
     }
     void FormChanged(Property property) override {
         mInner->FormChanged(property);
@@ -111,9 +103,8 @@ struct RecordedPeer : Recorded<FormPeer, std::unique_ptr<FormPeer>> {
         mRecorder.ControlChanged(mForm, control, property);
     }
     void DrawLine(const ThinLine& line) override {
-        mRecorder.Note("line " + Point(line.left, line.top) + " to " +
-                       Point(line.right, line.bottom) +
-                       (line.colour == SystemColour::ButtonShadow ? ", shadow" : ", highlight"));
+        Note("line " + Point(line.left, line.top) + " to " + Point(line.right, line.bottom) +
+             (line.colour == SystemColour::ButtonShadow ? ", shadow" : ", highlight"));
         mInner->DrawLine(line);
     }
     Size TextSize(const Control& control, const std::string& face,
@@ -149,12 +140,7 @@ struct RecordedPeers : Recorded<Peers, HeadlessPeers&> {
 };
 
 struct RecordedBoxes : Recorded<MessageBoxes, HeadlessMessageBoxes&> {
-    RecordedBoxes(Recorder& recorder, HeadlessMessageBoxes& inner) : Recorded(recorder, inner) {
-        mInner.whileOpen = [this](const MessageBoxRequest& request) {
-            if (mRecorder.onText) mRecorder.onText(request.text);
-        };
-    }
-
+    using Recorded::Recorded;
     BoxAnswer Show(const MessageBoxRequest& request) override {
         const NativeWindow owner =
             request.owner == 0 ? mRecorder.Headless().peers.Active() : request.owner;
@@ -185,8 +171,7 @@ struct RecordedDialogs : Recorded<CommonDialogs, HeadlessDialogs&> {
     void NoteDialog(const char* kind, const FileDialogRecord& record) {
         std::string filter = record.filter;
         while (filter.ends_with('\0')) filter.pop_back();
-        for (char& c : filter)
-            if (c == '\0') c = '|';
+        std::ranges::replace(filter, '\0', '|');
         Note(std::string("dialog ") + kind + " " + Quoted(record.title) + ", owner " +
              mRecorder.NameOf(record.owner) + ", extension " + Quoted(record.defaultExtension) +
              ", folder " + Quoted(record.initialFolder) + ", filter " + Quoted(filter) +
@@ -228,22 +213,16 @@ struct RecordedPort : Recorded<SerialPort, std::unique_ptr<SerialPort>> {
         mInner->NotifyOnInput(std::move(notify));
     }
 
-    void Break(bool on) override {
-        NoteSignal("break", on);
-        mInner->Break(on);
-    }
-    void Dtr(bool asserted) override {
-        NoteSignal("DTR", asserted);
-        mInner->Dtr(asserted);
-    }
-    void Rts(bool asserted) override {
-        NoteSignal("RTS", asserted);
-        mInner->Rts(asserted);
-    }
+    void Break(bool on) override { mInner->Break(Noted("break", on)); }
+    void Dtr(bool asserted) override { mInner->Dtr(Noted("DTR", asserted)); }
+    void Rts(bool asserted) override { mInner->Rts(Noted("RTS", asserted)); }
     std::optional<ModemLines> Lines() override { return mInner->Lines(); }
     LineErrors Errors() override { return mInner->Errors(); }
 
-    void NoteSignal(const std::string& signal, bool on) { Note(signal + (on ? " on" : " off")); }
+    bool Noted(const std::string& signal, bool on) {
+        Note(signal + (on ? " on" : " off"));
+        return on;
+    }
 
     std::string mName;
     bool mListens = false;
@@ -252,12 +231,13 @@ struct RecordedPort : Recorded<SerialPort, std::unique_ptr<SerialPort>> {
 struct RecordedPorts : Recorded<SerialPorts, HeadlessSerialPorts&> {
     using Recorded::Recorded;
     std::unique_ptr<SerialPort> Open(const std::string& name, const LineSettings& line) override {
+        const std::string what = "open " + name + " " + Line(line);
         try {
             auto port = mInner.Open(name, line);
-            Note("open " + name + " " + Line(line));
+            Note(what);
             return std::make_unique<RecordedPort>(mRecorder, name, std::move(port));
         } catch (const RuntimeError&) {
-            Note("open " + name + " " + Line(line) + " fails");
+            Note(what + " fails");
             throw;
         }
     }
@@ -268,26 +248,22 @@ struct RecordedPorts : Recorded<SerialPorts, HeadlessSerialPorts&> {
 struct RecordedPump : Recorded<MessagePump, HeadlessPump&> {
     using Recorded::Recorded;
     void PumpPending() override { mInner.PumpPending(); }
-    void AwaitInput() override { mInner.AwaitInput(); }
     void Run() override { mInner.Run(); }
     void Quit() override { mInner.Quit(); }
     TimerId StartTimer(std::uint32_t intervalMs, std::function<void()> tick) override {
-        const TimerId id =
-            mInner.StartTimer(intervalMs, [this, intervalMs, call = std::move(tick)] {
-                if (intervalMs >= 1000) Note("timer ticks");
-                call();
-            });
-        if (intervalMs >= 1000) {
-            Note("timer " + std::to_string(intervalMs) + " ms on");
-            mLong.insert({id, intervalMs});
-        }
-        return id;
+        if (intervalMs < 1000) return mInner.StartTimer(intervalMs, std::move(tick));
+        const TimerId id = mInner.StartTimer(intervalMs, [this, call = std::move(tick)] {
+            Note("timer ticks");
+            call();
+        });
+        Note("timer " + std::to_string(intervalMs) + " ms on");
+        return *mLong.insert(id).first;
     }
     void StopTimer(TimerId id) override {
         if (mLong.erase(id) != 0) Note("timer off");
         mInner.StopTimer(id);
     }
-    std::map<TimerId, std::uint32_t> mLong;
+    std::set<TimerId> mLong;
 };
 
 struct RecordedShell : Recorded<Shell, HeadlessShell&> {
@@ -374,30 +350,15 @@ struct Recorder::Wrappers {
                                        .peers = &peers,
                                        .ports = &ports,
                                        .shell = &shell});
-    WindowManager manager{peers, pump};
 };
 
-Recorder::Recorder(Language language)
-    : mHeadless(language),
-      mWrappers(std::make_unique<Wrappers>(*this)),
-      mStart(mHeadless.clock.Milliseconds()),
-      mNotedAt(mStart - 1) {}
+Recorder::Recorder()
+    : mWrappers(std::make_unique<Wrappers>(*this)), mStart(mHeadless.clock.Milliseconds()) {}
 
 Recorder::~Recorder() = default;
 
 Platform& Recorder::Services() {
     return mWrappers->platform;
-}
-
-WindowManager& Recorder::Manager() {
-    return mWrappers->manager;
-}
-
-std::unique_ptr<CErrHandler> Recorder::MakeErrorHandler() {
-    auto errors = std::make_unique<CErrHandler>(CErrHandler::Services{
-        mHeadless.clock, mWrappers->files, mHeadless.folders, mWrappers->boxes, mHeadless.process});
-    errors->DisplayMsgOnError = true;
-    return errors;
 }
 
 void Recorder::Note(const std::string& event) {
@@ -455,21 +416,33 @@ std::string FullName(const Form& form, const Control& control) {
     return name;
 }
 
-/// How the control differs from the default, as its design says.
-std::string StyleOf(const ControlStyle& style) {
+/// How the control looks now, and differs from the default as its design says.
+std::string LooksOf(const Control& control, const ControlStyle& style) {
+    const auto* const picture = dynamic_cast<const PictureBox*>(&control);
+    const std::initializer_list<std::pair<bool, std::string>> looks = {
+        {!control.Enabled(), "disabled"},
+        {!control.Visible(), "hidden"},
+        {control.Border() == Border::Static, "thin border"},
+        {control.Border() == Border::Sunken, "sunken border"},
+        {picture && picture->Loaded(), "with a picture"},
+        {!control.ToolTip().empty(), "tool tip " + Quoted(control.ToolTip())},
+        {!control.SpokenName().empty(), "named " + Quoted(control.SpokenName())},
+        {style.points != ControlStyle{}.points,
+         std::to_string(std::lround(style.points)) + " points"},
+        {*style.face != '\0', style.face},
+        {style.bold, "bold"},
+        {style.centred, "centred"},
+        {style.verbatim, "verbatim"},
+        {style.defaultButton, "default button"},
+        {style.cancelButton, "cancel button"},
+        {style.holdsFocus, "holds the focus"},
+        {style.clickable, "clickable"},
+        {style.editable, "editable"},
+        {style.ground == Ground::Banner, "banner"},
+        {style.ground == Ground::CaptionBar, "caption bar"}};
     std::string text;
-    if (style.points != ControlStyle{}.points)
-        text += ", " + std::to_string(static_cast<int>(style.points)) + " points";
-    if (*style.face != '\0') text += std::string(", ") + style.face;
-    for (const auto& [holds, name] :
-         {std::pair(style.bold, "bold"), std::pair(style.centred, "centred"),
-          std::pair(style.verbatim, "verbatim"), std::pair(style.defaultButton, "default button"),
-          std::pair(style.cancelButton, "cancel button"),
-          std::pair(style.holdsFocus, "holds the focus"), std::pair(style.clickable, "clickable"),
-          std::pair(style.editable, "editable"),
-          std::pair(style.ground == Ground::Banner, "banner"),
-          std::pair(style.ground == Ground::CaptionBar, "caption bar")})
-        if (holds) text += std::string(", ") + name;
+    for (const auto& [holds, look] : looks)
+        if (holds) text += ", " + look;
     return text;
 }
 
@@ -485,15 +458,7 @@ void Recorder::Describe(const Form& form) {
         std::string text = FullName(form, control) + " " + Quoted(control.Caption());
         if (control.Kind() != ControlKind::MenuItem) text += " " + Numbers(control.Place());
         if (*row.parent != '\0') text += std::string(" in ") + row.parent;
-        if (!control.Enabled()) text += ", disabled";
-        if (!control.Visible()) text += ", hidden";
-        if (control.Border() != Border::None)
-            text += control.Border() == Border::Static ? ", thin border" : ", sunken border";
-        const auto* const picture = dynamic_cast<const PictureBox*>(&control);
-        if (picture && picture->Loaded()) text += ", with a picture";
-        if (!control.ToolTip().empty()) text += ", tool tip " + Quoted(control.ToolTip());
-        if (!control.SpokenName().empty()) text += ", named " + Quoted(control.SpokenName());
-        Note(text + StyleOf(row.style));
+        Note(text + LooksOf(control, row.style));
         if (const auto* combo = dynamic_cast<const ComboBox*>(&control))
             for (const std::string& item : combo->Items()) Note("    item " + Quoted(item));
         if (const auto* tree = dynamic_cast<const TreeView*>(&control))
@@ -501,7 +466,7 @@ void Recorder::Describe(const Form& form) {
                 Note("    node " + node.key + " under " + Quoted(node.parent) + " " +
                      Quoted(node.text) + (node.bold ? ", bold" : "") +
                      (node.expanded ? ", expanded" : ""));
-        if (picture)
+        if (const auto* picture = dynamic_cast<const PictureBox*>(&control))
             for (const PictureBox::Printed& printed : picture->PrintedTexts())
                 Note("    prints " + Quoted(printed.text) + " at " +
                      Point(printed.left, printed.top) + " in " + printed.fontName);
@@ -512,19 +477,18 @@ void Recorder::Describe(const Form& form) {
 
 void Recorder::Opened(const Form& form, NativeWindow window) {
     mForms[window] = &form;
-    for (const Control* control : form.Controls()) mSeen[&form][control] = ValuesOf(*control);
+    for (const Control* control : form.Controls()) mSeen[control] = ValuesOf(*control);
 }
 
 void Recorder::Closed(const Form& form) {
     Note("unload " + form.Name());
-    mSeen.erase(&form);
     std::erase_if(mForms, [&form](const auto& entry) { return entry.second == &form; });
 }
 
 // What has not been shown yet is no change; the texts and places of a new window are part of the
 // tests of windows.
 void Recorder::ControlChanged(const Form& form, const Control& control, Property property) {
-    auto& seen = mSeen[&form][&control];
+    auto& seen = mSeen[&control];
     for (const auto& [what, value] : ValuesOf(control))
         if (std::exchange(seen[what], value) != value && form.Visible())
             Note(FullName(form, control) + " " + value);

@@ -9,7 +9,6 @@
 #include <string>
 #include <string_view>
 
-#include "app/base/CErrHandler.hpp"
 #include "controls/Form.hpp"
 #include "platform/headless/HeadlessPlatform.hpp"
 
@@ -22,7 +21,7 @@ std::string Quoted(std::string_view text, Quoting quoting = Quoting::Text);
 
 class Recorder {
 public:
-    explicit Recorder(Language language);
+    Recorder();
     ~Recorder();
     Recorder(const Recorder&) = delete;
     Recorder& operator=(const Recorder&) = delete;
@@ -30,22 +29,14 @@ public:
     HeadlessPlatform& Headless() { return mHeadless; }
     /// The platform for the program under test: every service reports here what it does.
     Platform& Services();
-    /// For windows without the program's start: their manager, and an error handler that shows the
-    /// errors of traps while it exists.
-    WindowManager& Manager();
-    std::unique_ptr<CErrHandler> MakeErrorHandler();
-
     /// One line of the trace.
     void Note(const std::string& event);
     const std::string& Trace() const { return mTrace; }
     /// Notes all that `form` shows: its size, and each control in tab order.
     void Describe(const Form& form);
 
-    /// Called after a control's caption has changed to the text, and with the text of each box
-    /// while it is open.
+    /// Called after a control's caption has changed to the text.
     std::function<void(const std::string& text)> onText;
-    /// The user of a modal window; the window closes when it returns.
-    std::function<void(Form&)> onModal;
 
     /// Name of the window with this handle; "none" for 0.
     std::string NameOf(NativeWindow window) const;
@@ -62,8 +53,8 @@ private:
     std::unique_ptr<Wrappers> mWrappers;
     std::string mTrace;
     std::uint32_t mStart;
-    std::uint32_t mNotedAt;
-    std::map<const Form*, std::map<const Control*, std::map<std::string, std::string>>> mSeen;
+    std::uint32_t mNotedAt = 0;
+    std::map<const Control*, std::map<std::string, std::string>> mSeen;
     std::map<NativeWindow, const Form*> mForms;
 };
 

@@ -3,8 +3,9 @@
 
 #include <algorithm>
 #include <array>
-#include <iterator>
+#include <functional>
 #include <map>
+#include <optional>
 #include <sstream>
 
 #include "terminal/TerminalKeys.hpp"
@@ -28,6 +29,7 @@ std::string Answer(const Words& words) {
     KeyModes modes;
     KeyModifiers modifiers;
     bool breakKey = false;
+    std::optional<TerminalKey> key;
     const std::map<std::string, std::function<void()>> kWords = {
         {"Shift", [&] { modifiers.shift = true; }},
         {"Alt", [&] { modifiers.alt = true; }},
@@ -39,22 +41,17 @@ std::string Answer(const Words& words) {
         {"crlf", [&] { modes.enterKey = EnterKey::CrLf; }},
         {"del", [&] { modes.backspaceKey = BackspaceKey::Del; }},
         {"breaks", [&] { breakKey = true; }}};
-    std::for_each(words.begin() + 1, words.end(), [&](const auto& word) { kWords.at(word)(); });
-    std::istringstream keys(words[0]);
-    std::string text;
-    for (std::string name; std::getline(keys, name, '+');) {
-        if (kWords.contains(name)) {
-            kWords.at(name)();
-            continue;
-        }
-        const auto* const found = std::ranges::find(kKeys, name);
-        if (found == kKeys.end()) return "no key " + name;
-        const auto key = static_cast<TerminalKey>(std::distance(kKeys.begin(), found));
-        const KeyAction action = ActionOf(key, modifiers, breakKey);
-        text = action == KeyAction::None ? BytesOf(key, modifiers, modes)
-                                         : kActions.at(static_cast<std::size_t>(action));
+    for (const std::string& word : words) {
+        std::istringstream parts(word);
+        for (std::string part; std::getline(parts, part, '+');)
+            if (const auto* const found = std::ranges::find(kKeys, part); found != kKeys.end())
+                key = static_cast<TerminalKey>(found - kKeys.begin());
+            else
+                kWords.at(part)();
     }
-    return text;
+    const KeyAction action = ActionOf(key.value(), modifiers, breakKey);
+    return action == KeyAction::None ? BytesOf(*key, modifiers, modes)
+                                     : kActions.at(static_cast<std::size_t>(action));
 }
 
 TEST(TerminalKeys, EachKeySendsItsBytesOrWorksOnTheWindow) {

@@ -9,6 +9,7 @@
 #include "monitor/frmMonitor.hpp"
 #include "platform/win32/terminal/Win32TerminalPaint.hpp"
 #include "platform/win32/windows/Win32ChildControl.hpp"
+#include "tests/unit/Table.hpp"
 #include "tests/unit/Wire.hpp"
 #include "tests/windows/RealWindows.hpp"
 #include "tests/windows/Replaced.hpp"
@@ -46,7 +47,10 @@ protected:
         width = static_cast<int>(client.right) / screen.Columns();
         height = static_cast<int>(client.bottom) / screen.Rows();
     }
-    ~TerminalView() override { monitor->Unload(); }
+    ~TerminalView() override {
+        Hold({});
+        monitor->Unload();
+    }
 
     LPARAM At(int row, int column) const {
         return MAKELPARAM(column * width + width / 4, row * height + height / 2);
@@ -55,20 +59,12 @@ protected:
         SendMessageW(view, message, first, second);
     }
 
-    /// Keys that are held down while it exists.
-    struct Held {
-        explicit Held(const std::vector<int>& held) {
-            BYTE keys[256] = {};
-            for (const int key : held) keys[key] = 0x80;
-            SetKeyboardState(keys);
-        }
-        Held(const Held&) = delete;
-        Held& operator=(const Held&) = delete;
-        ~Held() {
-            BYTE none[256] = {};
-            SetKeyboardState(none);
-        }
-    };
+    /// Holds these keys down and no others.
+    static void Hold(const std::vector<int>& held) {
+        BYTE keys[256] = {};
+        for (const int key : held) keys[key] = 0x80;
+        SetKeyboardState(keys);
+    }
 
     Wire wire;
     std::shared_ptr<frmMonitor> monitor =
@@ -129,23 +125,11 @@ TEST_F(TerminalView, EachFurtherClickSelectsALargerPart) {
     Send(WM_LBUTTONDOWN, MK_LBUTTON | MK_SHIFT, At(1, 2));
     Send(WM_LBUTTONUP, 0, At(1, 2));
     EXPECT_EQ(terminal.SelectedText(), "one two\r\nthree four") << "by line, as it was begun";
-    {
-        const Held alt({VK_MENU});
-        Send(WM_LBUTTONDOWN, MK_LBUTTON, At(0, 1));
-        Send(WM_MOUSEMOVE, MK_LBUTTON, At(1, 3));
-        Send(WM_LBUTTONUP, 0, At(1, 3));
-    }
+    Hold({VK_MENU});
+    Send(WM_LBUTTONDOWN, MK_LBUTTON, At(0, 1));
+    Send(WM_MOUSEMOVE, MK_LBUTTON, At(1, 3));
+    Send(WM_LBUTTONUP, 0, At(1, 3));
     EXPECT_EQ(terminal.SelectedText(), "ne\r\nhr");
-}
-
-TEST_F(TerminalView, TheTwoHalvesOfACharacterAreOne) {
-    terminal.PerformCommand(TerminalCommand::Open);
-    Send(WM_CHAR, 0xD83D);
-    EXPECT_EQ(platform.boxes.beeps, 0) << "half a character";
-    Send(WM_CHAR, 0xDE00);
-    EXPECT_EQ(platform.boxes.beeps, 1) << "the code page has it not";
-    Send(WM_CHAR, 'a');
-    EXPECT_EQ(wire.received, "a");
 }
 
 TEST_F(TerminalView, NewTextIsAnnouncedNowAndThen) {
@@ -167,122 +151,46 @@ TEST_F(TerminalView, NewTextIsAnnouncedNowAndThen) {
     UnhookWinEvent(hook);
 }
 
+// The rows begin with a line of the scrollback on top, "line" selected in it and "pasted" in the
+// clipboard.
 TEST_F(TerminalView, EveryKeyDoesItsWork) {
     terminal.PerformCommand(TerminalCommand::Open);
     terminal.Options({.breakKey = true});
-    const std::int64_t bottom = screen.TopLine();
+    Send(WM_SYSKEYDOWN, VK_F10);
+    Send(WM_SYSKEYUP, VK_F10);  // opens no menu, which would wait for the user
+    EXPECT_EQ(wire.received, "\x1b[21~");
     const int page = screen.Rows() - 1;
-    const int toBottom = static_cast<int>(bottom) - page;  // as a break does
-    const struct {
-        WPARAM key;
-        std::vector<int> held;
-        std::string sent;
-        int scrolled = 0;
-        std::string clipboard = "pasted";
-    } kRows[] = {{VK_UP, {}, "\x1b[A"},
-                 {VK_DOWN, {}, "\x1b[B"},
-                 {VK_RIGHT, {}, "\x1b[C"},
-                 {VK_LEFT, {}, "\x1b[D"},
-                 {VK_HOME, {VK_SHIFT}, "\x1b[1;2H"},
-                 {VK_END, {VK_CONTROL}, "\x1b[1;5F"},
-                 {VK_DELETE, {}, "\x1b[3~"},
-                 {VK_F2, {}, "\x1bOQ"},
-                 {VK_F12, {}, "\x1b[24~"},
-                 {VK_TAB, {}, "\t"},
-                 {VK_TAB, {VK_SHIFT}, "\x1b[Z"},
-                 {VK_RETURN, {}, "\r"},
-                 {VK_RETURN, {VK_CONTROL}, "\n"},
-                 {VK_ESCAPE, {}, "\x1b"},
-                 {VK_BACK, {}, "\b"},
-                 {VK_BACK, {VK_CONTROL}, "\x7f"},
-                 {VK_SPACE, {}, " "},
-                 {VK_SPACE, {VK_CONTROL}, std::string(1, '\0')},
-                 {VK_ADD, {}, "+"},
-                 {'A', {}, "a"},
-                 {'V', {VK_CONTROL}, "\x16"},
-                 {'V', {VK_CONTROL, VK_SHIFT}, "pasted"},
-                 {'C', {VK_CONTROL, VK_SHIFT}, "", 0, "line"},
-                 {VK_INSERT, {VK_SHIFT}, "pasted"},
-                 {VK_INSERT, {VK_SHIFT, VK_CONTROL}, "\x1b[2;6~"},
-                 {VK_INSERT, {}, "\x1b[2~"},
-                 {VK_INSERT, {VK_CONTROL}, "", 0, "line"},
-                 {VK_F10, {VK_SHIFT}, ""},
-                 {VK_F4, {VK_MENU}, ""},
-                 {VK_UP, {VK_MENU}, ""},
-                 {VK_PRIOR, {}, "\x1b[5~"},
-                 {VK_PRIOR, {VK_SHIFT}, "", -page},
-                 {VK_NEXT, {VK_SHIFT}, "", page},
-                 {VK_UP, {VK_SHIFT, VK_CONTROL}, "", -1},
-                 {VK_HOME, {VK_SHIFT, VK_CONTROL}, "", -page},
-                 {VK_CANCEL, {VK_CONTROL}, "", toBottom},
-                 {VK_PAUSE, {}, "", toBottom},
-                 {'F', {VK_SHIFT, VK_CONTROL}, ""}};
-    for (const auto& row : kRows) {
-        SCOPED_TRACE(row.key);
+    ExpectTable("keys", [&](Words words) {
         wire.received.clear();
+        platform.boxes.beeps = 0;
         platform.clipboard.Text("pasted");
         terminal.ScrollTo(page);
         terminal.Select({page, 0}, {page, 4});
-        const Held keys(row.held);
-        Type(row.key);
-        for (int i = 0; i < 5; ++i) platform.queue.PumpPending();
-        EXPECT_EQ(wire.received, row.sent);
-        EXPECT_EQ(platform.clipboard.Text(), row.clipboard);
-        const bool typed = !row.sent.empty() && row.sent != "pasted";
-        EXPECT_EQ(terminal.SelectedText(), typed ? "" : "line");
-        EXPECT_EQ(terminal.FirstShownLine(), row.sent.empty() ? page + row.scrolled : bottom);
-    }
-}
-
-// As a Spanish or a German layout reports them: AltGr is Ctrl and Alt, and a dead key has
-// no character of its own.
-TEST_F(TerminalView, CharactersOfAltGrAndDeadKeysAreTyped) {
-    terminal.PerformCommand(TerminalCommand::Open);
-    const struct {
+        const auto takes = [&words](const std::string& word) {
+            return std::erase(words, word) > 0;
+        };
+        const bool applicationModes = takes("keypad");
+        screen.modes.applicationKeypad = screen.modes.applicationCursorKeys = applicationModes;
+        const LPARAM flags = takes("extended") ? LPARAM{KF_EXTENDED} << 16 : 0;
         std::vector<int> held;
-        WPARAM key;
-        std::wstring characters;
-        std::string sent;
-    } kRows[] = {{{VK_CONTROL, VK_MENU}, 'Q', L"@", "@"},
-                 {{VK_CONTROL, VK_MENU}, 'E', L"\x20ac", "\x80"},
-                 {{VK_CONTROL, VK_MENU}, '0', L"}", "}"},
-                 {{VK_CONTROL, VK_MENU}, VK_OEM_PLUS, L"]", "]"},
-                 {{VK_CONTROL, VK_MENU}, 'V', L"\xf6", "\xf6"},
-                 {{}, 'E', L"\xe9", "\xe9"},
-                 {{}, VK_SPACE, L"\xb4", "\xb4"},
-                 {{}, VK_RETURN, L"\xb4\r", "\xb4\r"},
-                 {{VK_CONTROL}, 'M', L"\r", "\r"}};
-    for (const auto& row : kRows) {
-        wire.received.clear();
-        const Held keys(row.held);
-        Send(WM_KEYDOWN, row.key);
-        for (const wchar_t character : row.characters) Send(WM_CHAR, character);
-        EXPECT_EQ(wire.received, row.sent) << row.key;
-    }
-}
-
-TEST_F(TerminalView, ModesOfTheFarEndAndTheKeypadDecideWhatIsSent) {
-    terminal.PerformCommand(TerminalCommand::Open);
-    constexpr LPARAM kExtended = LPARAM{KF_EXTENDED} << 16;
-    screen.modes.applicationCursorKeys = true;
-    screen.modes.applicationKeypad = true;
-    Send(WM_KEYDOWN, VK_UP, kExtended);
-    Send(WM_KEYDOWN, VK_NUMPAD8);
-    Send(WM_CHAR, '8');
-    Send(WM_KEYDOWN, VK_RETURN, kExtended);
-    Send(WM_CHAR, '\r');
-    Send(WM_SYSKEYDOWN, VK_F10);
-    Send(WM_SYSKEYUP, VK_F10);  // opens no menu, which would wait for the user
-    EXPECT_EQ(wire.received, "\x1bOA\x1bOx\x1bOM\x1b[21~");
-    constexpr WPARAM kKeys[] = {VK_INSERT,  VK_END,      VK_DOWN,     VK_NEXT,  VK_LEFT,   VK_CLEAR,
-                                VK_RIGHT,   VK_HOME,     VK_UP,       VK_PRIOR, VK_DELETE, VK_ADD,
-                                VK_DECIMAL, VK_SUBTRACT, VK_MULTIPLY, VK_DIVIDE};
-    std::string last;
-    for (const WPARAM key : kKeys) {  // those with two meanings without NumLock
-        Send(WM_KEYDOWN, key);
-        last += wire.received.back();
-    }
-    EXPECT_EQ(last, "pqrstuvwxynknmjo");
+        if (takes("Shift")) held.push_back(VK_SHIFT);
+        if (takes("Ctrl")) held.push_back(VK_CONTROL);
+        if (takes("Alt")) held.push_back(VK_MENU);
+        Hold(held);
+        const WORD key = driver::KeyNamed(words.at(0));
+        if (words.size() == 1) {  // the system makes the character
+            Post(view, WM_KEYDOWN, key, flags);
+        } else {
+            Send(WM_KEYDOWN, key, flags);
+            for (const wchar_t unit : ToWide(words[1])) Send(WM_CHAR, unit);
+        }
+        for (int i = 0; i < 5; ++i) platform.queue.PumpPending();
+        const std::int64_t shown = terminal.FirstShownLine();
+        return Row(
+            shown == screen.TopLine() ? "end" : std::to_string(shown - page),
+            terminal.SelectedText(), platform.clipboard.Text(),
+            wire.received + std::string(static_cast<std::size_t>(platform.boxes.beeps), '\a'));
+    });
 }
 
 TEST_F(TerminalView, LinesOfNeighbouringCellsJoin) {
@@ -314,6 +222,25 @@ TEST_F(TerminalView, LinesOfNeighbouringCellsJoin) {
     EXPECT_TRUE(top(7, 0, 1) == 0 && top(7, width - 1, width) == height) << "the left half";
     EXPECT_EQ(tops[8], height / 2) << "struck out";
     EXPECT_EQ(tops[9], tops[4]) << "underlined";
+}
+
+TEST_F(TerminalView, ABoldLetterIsWiderAndAnItalicOneLeans) {
+    screen.MoveTo(0, 0);
+    TerminalParser(screen).Write("H\x1b[1mH\x1b[0;3mH");
+    terminal.Refresh();
+    // The columns of pixels of a cell that have ink.
+    const auto inkAt = [&](int column, int y) {
+        std::vector<int> found;
+        for (int x = 0; x < width; ++x)
+            if (Pixel(view, column * width + x, y) != GetSysColor(COLOR_WINDOW)) found.push_back(x);
+        return found;
+    };
+    const int top = height / 4;
+    const int bottom = height * 2 / 3;
+    EXPECT_EQ(inkAt(0, top), inkAt(0, bottom));
+    EXPECT_GT(inkAt(1, top).size(), inkAt(0, top).size());
+    EXPECT_EQ(inkAt(1, top), inkAt(1, bottom));
+    EXPECT_GT(inkAt(2, top), inkAt(2, bottom));
 }
 
 TEST_F(TerminalView, TheContextMenuShowsWhatIsPossibleAndChosen) {
@@ -409,7 +336,7 @@ TEST_F(TerminalView, TheFontSizeFollowsWheelAndKeys) {
     for (int i = 0; i < 4; ++i) Send(WM_MOUSEWHEEL, MAKEWPARAM(MK_CONTROL, WHEEL_DELTA / 2));
     const int rows = screen.Rows();
     EXPECT_LT(rows, 24);
-    const Held control({VK_CONTROL});
+    Hold({VK_CONTROL});
     Type(VK_OEM_MINUS);
     EXPECT_GT(screen.Rows(), rows);
     Type(VK_OEM_PLUS);

@@ -7,7 +7,7 @@ set -eu
 root=$(cd "$(dirname "$0")/../.." && pwd)
 wine=$root/scripts/wine
 status=0
-"$root/tests/driver/with_display.sh" "$wine" "$@" || status=1
+xvfb-run -a -s "-screen 0 1920x1280x24" "$wine" "$@" </dev/null || status=1
 
 export LC_ALL=C.UTF-8
 told=$(printf 'mañana\r\n\nlast' | "$wine" "$1" echo 'złoty 25 €' 秤)

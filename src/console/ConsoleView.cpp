@@ -27,14 +27,17 @@ std::string ForConsole(const std::string& text) {
 BoxAnswer ConsoleView::Show(const MessageBoxRequest& request) {
     mProgress.Finish();
     const bool bad = request.icon == BoxIcon::Critical || request.icon == BoxIcon::Exclamation;
-    const std::string text = (request.title.empty() ? AppInfo{}.title : request.title) + "\n" +
-                             ForConsole(request.text) + "\n";
-    if (bad)
+    const bool asks = request.buttons != BoxButtons::Ok && !mOptions.yes;
+    std::string text = (request.title.empty() ? AppInfo{}.title : request.title) + "\n" +
+                       ForConsole(request.text) + "\n";
+    if (asks) text += mStrings.Text(Str::YesNoPrompt);
+    // Nobody sees a question in redirected output.
+    if (bad || (asks && !mConsole.OutputIsTerminal()))
         mConsole.WriteError(text);
     else
         mConsole.Write(text);
     if (request.buttons == BoxButtons::Ok) return BoxAnswer::Ok;
-    return mOptions.yes ? BoxAnswer::Yes : Ask();
+    return asks ? Answer() : BoxAnswer::Yes;
 }
 
 void ConsoleView::Tell(const Notice& notice) {
@@ -45,8 +48,7 @@ void ConsoleView::Tell(const Notice& notice) {
     mConsole.WriteError(notice.text + "\n");
 }
 
-BoxAnswer ConsoleView::Ask() {
-    mConsole.Write(mStrings.Text(Str::YesNoPrompt));
+BoxAnswer ConsoleView::Answer() {
     const std::string answer = UpperCase(TrimBlanks(mConsole.ReadLine().value_or("")));
     const bool yes =
         !answer.empty() && answer.substr(0, 1) == UpperCase(mStrings.Text(Str::YesLetter));

@@ -15,7 +15,8 @@ namespace vantor {
 /// The view of a session whose image is named on the command line, and the boxes of the error
 /// handler. It has no panels and no buttons; the interrupt key is the abort button. Of a box, the
 /// title stands above the message. Warnings and failures go to standard error. Questions are asked
-/// on the console unless `--yes` answers them in advance.
+/// on the console, on standard error where the output is redirected, unless `--yes` answers them in
+/// advance.
 class ConsoleView : public SessionView {
 public:
     /// All outlive the view.
@@ -52,7 +53,7 @@ public:
     void Exit() override {}
 
 private:
-    BoxAnswer Ask();
+    BoxAnswer Answer();
     /// Prints a line below the progress, unless `--quiet` leaves out everything but boxes.
     void Print(const std::string& text);
 

@@ -48,6 +48,17 @@ std::string ReadImage(const std::string& path, const Files& files, const StringT
     return text;
 }
 
+ExitStatus TellPendingError(NativePlatform& native, const JsonEvents& events, bool json) {
+    const RuntimeError error = PendingError();
+    // User errors are error 5 with a sentence as the description.
+    const bool usage = error.Is(ErrorNumber::InvalidCall);
+    const ExitStatus status = usage ? ExitStatus::Usage : ExitStatus::UpdateFailure;
+    native.console->WriteError("tsflash: " + error.Description() + "\n");
+    if (usage) native.console->WriteError(native.strings->Text(Str::TryHelp) + "\n");
+    if (json) WriteRefusal(events, status, error.Description());
+    return status;
+}
+
 ExitStatus FlashJob::Run() {
     CheckBefore();
     if (mOptions.Several()) return RunSeveral();
@@ -61,6 +72,8 @@ void FlashJob::CheckBefore() {
     mImage = ReadImage(mOptions.image, *mNative.files, mStrings);
     mReport = CheckImage(mImage);
     CheckSettings(*mNative.registry, mStrings);
+    if (mOptions.expect.value_or(mReport.sha256) != mReport.sha256)
+        throw Refusal(mStrings, Str::ImageChanged, mOptions.image);
     CheckImageToSend();
     if (mOptions.json && !mOptions.yes) throw Refusal(mStrings, Str::JsonNeedsYes);
     if (!mOptions.yes && !mNative.console->InputIsTerminal())
@@ -88,11 +101,14 @@ void FlashJob::CheckImageToSend() {
 void FlashJob::CheckRecord() {
     const std::string& record = mOptions.record;
     if (record.empty()) return;
-    if (record == mOptions.log || mNative.files->SameFile(record, mOptions.image) ||
-        mNative.files->SameFile(record, mOptions.log))
-        throw Refusal(mStrings, Str::RecordIsImage, record);
-    if (!Ignoring([&] { mNative.sharedFiles->Append(record, RecordHeader(), {}); }))
+    const auto isOther = [&] {
+        return record == mOptions.log || mNative.files->SameFile(record, mOptions.image) ||
+               mNative.files->SameFile(record, mOptions.log);
+    };
+    if (!isOther() && !Ignoring([&] { mNative.sharedFiles->Append(record, RecordHeader(), {}); }))
         throw Refusal(mStrings, Str::RecordNotWritable, record);
+    // Two names of a file that is missing show only now that they are the same.
+    if (isOther()) throw Refusal(mStrings, Str::RecordIsImage, record);
 }
 
 ExitStatus FlashJob::RunSeveral() {
@@ -115,7 +131,9 @@ ExitStatus FlashJob::RunSeveral() {
         ConsoleView view(*mNative.console, mStrings, progress, mOptions);
         if (!view.Confirm(FlashSession::Question(mStrings))) return ExitStatus::Aborted;
     }
-    return FlashSeveral(mNative, mOptions, ports, mEvents);
+    Options each = mOptions;
+    each.expect = mReport.sha256;
+    return FlashSeveral(mNative, each, ports, mEvents);
 }
 
 ExitStatus FlashJob::RunRepeatedly() {
@@ -124,14 +142,23 @@ ExitStatus FlashJob::RunRepeatedly() {
     ExitStatus status = ExitStatus::Done;
     for (bool stopped = false; !stopped;) {
         const bool first = done + failed == 0;
-        const Unit unit = FlashOne(!first || mOptions.wait, first ? WaitLimit() : Limit());
+        Unit unit;
+        ExitStatus ended = ExitStatus::Done;
+        try {
+            unit = FlashOne(!first || mOptions.wait, first ? WaitLimit() : Limit());
+            ended = StatusOf(unit.end);
+        } catch (...) {
+            if (first) throw;
+            // The results of those before it still count.
+            ended = TellPendingError(mNative, mEvents, mOptions.json);
+            unit.stopped = true;
+        }
         stopped = unit.stopped;
         // The interrupt key while it waited for a next one: no unit was begun.
         if (stopped && unit.end.outcome == FlashOutcome::Aborted && unit.end.ms == 0) {
             if (first) status = ExitStatus::Aborted;
             break;
         }
-        const ExitStatus ended = StatusOf(unit.end);
         ++(ended == ExitStatus::Done ? done : failed);
         status = Worse(status, ended);
     }
@@ -147,9 +174,12 @@ ExitStatus FlashJob::RunRepeatedly() {
 
 FlashJob::Unit FlashJob::FlashOne(bool wait, Limit limit) {
     Unit unit;
+    const std::uint32_t start = mNative.clock->Milliseconds();
     const std::optional<Options> options = WithPort(wait, limit, unit);
+    const std::uint64_t waitedMs = mNative.clock->Milliseconds() - start;
+    if (limit) limit = *limit - std::min(*limit, waitedMs);
     if (options) return FlashAt(*options, wait, limit);
-    Keep(FactsAt(*mOptions.port), unit);
+    Conclude(FactsAt(*mOptions.port), unit);
     return unit;
 }
 
@@ -169,7 +199,7 @@ std::optional<Options> FlashJob::WithPort(bool wait, Limit limit, Unit& unit) {
             ShowWaiting("waiting-for-port",
                         Filled(mStrings.Text(Str::WaitingForPort), *options.port));
         mNative.clock->Sleep(kLookMs);
-        unit.stopped = mNative.console->TakeInterrupt();
+        unit.stopped = WaitMustEnd(*mNative.console);
         unit.end.outcome = unit.stopped ? FlashOutcome::Aborted : FlashOutcome::PortNotOpen;
         if (unit.stopped) return std::nullopt;
         if (limit && mNative.clock->Milliseconds() - start >= *limit) {
@@ -181,6 +211,7 @@ std::optional<Options> FlashJob::WithPort(bool wait, Limit limit, Unit& unit) {
 }
 
 FlashJob::Unit FlashJob::FlashAt(const Options& options, bool wait, Limit limit) {
+    CheckSettings(*mNative.registry, mStrings);  // the file may have changed since the last one
     FlashRun run(mNative, options, mImage, options.json ? &mEvents : nullptr);
     const bool kept = options.json || !options.record.empty();
     SessionFacts facts = kept ? FactsAt(mOptions.port.value_or(run.PortName())) : SessionFacts();
@@ -198,10 +229,8 @@ FlashJob::Unit FlashJob::FlashAt(const Options& options, bool wait, Limit limit)
     } else {
         EndOfWait(result, unit);
     }
-    Keep(facts, unit);
-    if (!options.repeat || unit.stopped) return unit;
-    TellEnd(unit.end);
-    unit.stopped = !run.AwaitGone();
+    Conclude(facts, unit);
+    if (options.repeat && !unit.stopped) unit.stopped = !run.AwaitGone();
     return unit;
 }
 
@@ -243,7 +272,7 @@ SessionFacts FlashJob::FactsAt(const std::string& port) const {
 }
 
 /// The update has happened: a record that fails now must not hide its result.
-void FlashJob::Keep(const SessionFacts& facts, Unit& unit) {
+void FlashJob::Conclude(const SessionFacts& facts, Unit& unit) {
     SessionEnd& end = unit.end;
     const std::string& record = mOptions.record;
     if (!record.empty() && !unit.stopped && !Ignoring([&] {
@@ -254,6 +283,7 @@ void FlashJob::Keep(const SessionFacts& facts, Unit& unit) {
         mNative.console->WriteError(end.why + "\n");
     }
     if (mOptions.json) WriteEnd(mEvents, end);
+    if (mOptions.repeat && !unit.stopped) TellEnd(end);
 }
 
 void FlashJob::ShowWaiting(const char* stage, const std::string& text) {

@@ -18,6 +18,10 @@ namespace vantor {
 /// Reads the image. Raises RuntimeError 5 with a sentence when it is missing or unreadable.
 std::string ReadImage(const std::string& path, const Files& files, const StringTable& strings);
 
+/// Tells the error being handled (see PendingError), with `json` also as the end of a run that was
+/// refused. Returns its exit status.
+ExitStatus TellPendingError(NativePlatform& native, const JsonEvents& events, bool json);
+
 class FlashJob {
 public:
     /// All outlive the object.
@@ -31,7 +35,7 @@ private:
     /// One update, or what ended the wait for it.
     struct Unit {
         SessionEnd end;
-        bool stopped = false;  ///< the interrupt key ended a wait
+        bool stopped = false;  ///< a wait had to end
     };
     using Limit = std::optional<std::uint64_t>;  // milliseconds to wait; nothing: without end
 
@@ -49,8 +53,9 @@ private:
     void EndOfWait(IndicatorWait::Result result, Unit& unit);
     std::string Time() const;  // ISO 8601
     SessionFacts FactsAt(const std::string& port) const;
-    /// Writes the record, except of an update that was only waited for, and the JSON end.
-    void Keep(const SessionFacts& facts, Unit& unit);
+    /// Writes the record, except of an update that was only waited for, and the JSON end; with
+    /// --repeat tells the end and what to do next.
+    void Conclude(const SessionFacts& facts, Unit& unit);
     void ShowWaiting(const char* stage, const std::string& text);
     void TellEnd(const SessionEnd& end);
     Limit WaitLimit() const;

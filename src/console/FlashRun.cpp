@@ -15,7 +15,8 @@ SessionView& Chosen(ConsoleView& console, std::optional<JsonView>& json, JsonEve
 
 FlashRun::SinkScope::SinkScope(CErrHandler& errors, const Folders& folders) {
     errors.Title = AppInfo{}.title;
-    errors.Destination(ErrorLogPath(folders));
+    errors.Destination(std::string());  // without a folder for reports there are none
+    Ignoring([&] { errors.Destination(ErrorLogPath(folders)); });
     errors.DisplayMsgOnError = true;
     SetErrorSink(&errors);
 }
@@ -107,7 +108,12 @@ std::string FlashRun::OpenFailure() const {
 // Command-line values go through the setters of the settings, in an edit that is never applied,
 // so nothing is stored.
 void FlashRun::LoadSettings() {
-    Trapped("tsflash.LoadSettings", [this] { mSettings.Initialize(); });
+    try {
+        mSettings.Initialize();
+    } catch (const RuntimeError& error) {
+        // The defaults of the values that were not read could be of another port.
+        throw Refusal(*mNative.strings, Str::SettingsFileUnreadable, error.Description());
+    }
     mSettings.BeginEdit();
     std::optional<std::string> port = mOptions.port;
     if (port && !mOptions.practice) port = mNative.ports->NameOf(*port);

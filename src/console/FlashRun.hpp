@@ -44,8 +44,8 @@ ExitStatus StatusOf(const SessionEnd& end);
 class FlashRun {
 public:
     /// All outlive the object. `events` is null without `--json`. Raises RuntimeError 5 with a
-    /// sentence for an option that the settings or the practice refuse, and for a transcript that
-    /// cannot be written.
+    /// sentence for stored settings that cannot be read, an option that the settings or the
+    /// practice refuse, and a transcript that cannot be written.
     FlashRun(NativePlatform& native, const Options& options, const std::string& image,
              JsonEvents* events);
     FlashRun(const FlashRun&) = delete;

@@ -10,11 +10,16 @@ constexpr std::uint32_t kReplyMs = 1500;
 // A reply that arrives after the session has begun would be taken for the answer to another
 // command.
 constexpr std::uint32_t kQuietMs = 500;
+constexpr int kMostPauses = 10;  // a device that goes on sending is no boot monitor
 constexpr std::uint32_t kPauseMs = 500;
 constexpr std::uint32_t kRestMs = 10;
 constexpr int kSilencesOfOneGone = 2;
 
 }  // namespace
+
+bool WaitMustEnd(Console& console) {
+    return console.TakeInterrupt() || console.ReaderGone();
+}
 
 IndicatorWait::IndicatorWait(SerialPorts& ports, MessagePump& pump, Clock& clock, Console& console,
                              const std::string& portName, const std::string& line)
@@ -68,19 +73,20 @@ IndicatorWait::Found IndicatorWait::Call() {
     while (!ReplyIn(reply) && mPort.IsOpen() && mClock.Milliseconds() - start < kReplyMs) {
         Rest();
         reply += mPort.Input();
-        if (mConsole.TakeInterrupt()) {
+        if (WaitMustEnd(mConsole)) {
             mPort.Close();
             return Found::Interrupted;
         }
     }
     if (!mPort.IsOpen()) return Found::NoPort;
-    const bool ready = ReplyIn(reply) == SendResult::SendOK;
-    for (bool quiet = !ready; !quiet;) {
+    const bool answered = ReplyIn(reply) == SendResult::SendOK;
+    bool ready = false;
+    for (int pauses = 0; answered && !ready && pauses < kMostPauses; ++pauses) {
         if (!Pause(kQuietMs)) {
             mPort.Close();
             return Found::Interrupted;
         }
-        quiet = mPort.Input().empty();
+        ready = mPort.Input().empty();
     }
     mPort.Close();
     if (ready) return Found::BootMonitor;
@@ -91,7 +97,7 @@ bool IndicatorWait::Pause(std::uint32_t ms) {
     const std::uint32_t start = mClock.Milliseconds();
     while (mClock.Milliseconds() - start < ms) {
         Rest();
-        if (mConsole.TakeInterrupt()) return false;
+        if (WaitMustEnd(mConsole)) return false;
     }
     return true;
 }

@@ -13,6 +13,10 @@
 
 namespace vantor {
 
+/// True when a wait for an update must end: the interrupt key was pressed, or nobody would learn of
+/// the update, as after the end of the process that started this one.
+bool WaitMustEnd(Console& console);
+
 /// Asks for the boot monitor as a session does, again and again. Closes the port after each time.
 class IndicatorWait {
 public:
@@ -25,7 +29,7 @@ public:
 
     /// Waits at most `limitMs` (nothing: without end) for an indicator in its boot monitor, and
     /// calls `show` whenever it begins to wait for something else. NoPort and NoAnswer say what was
-    /// missing at the end of the time.
+    /// missing at the end of the time. Interrupted: see WaitMustEnd.
     Result UntilReady(std::optional<std::uint64_t> limitMs, const std::function<void(Stage)>& show);
 
     /// Waits until the port or the indicator has gone (Ready), or for the Enter key (Ready).
@@ -36,7 +40,7 @@ private:
     enum class Found : std::uint8_t { NoPort, Silence, OtherReply, BootMonitor, Interrupted };
 
     Found Call();
-    /// Pumps for `ms`; false after the interrupt key.
+    /// Pumps for `ms`; false when the wait must end.
     bool Pause(std::uint32_t ms);
     void Rest();
 

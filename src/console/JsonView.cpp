@@ -49,7 +49,8 @@ void JsonView::Tell(const Notice& notice) {
 
 bool JsonView::Confirm(const std::string& question) {
     mEvents.Write(mEvents.Begin("question").Text("text", Plain(question)).Text("answer", "yes"));
-    return true;
+    // An update that nobody would learn of is not begun.
+    return !mConsole.ReaderGone();
 }
 
 void JsonView::ShowLine(std::int32_t index, std::int32_t last, std::int16_t) {
@@ -69,7 +70,9 @@ void JsonView::Sent(std::string_view bytes) {
 
 void JsonView::Attempt() {
     if (++mAttempt > 1) {
-        const char* cause = mReply.empty() ? "no-reply" : "unclear-reply";
+        // The line end of the reply before may come as late as this.
+        const bool silent = mReply.find_first_not_of("\r\n") == std::string::npos;
+        const char* cause = silent ? "no-reply" : "unclear-reply";
         if (mReply.find("??") != std::string::npos) cause = "refused";
         mEvents.Write(mEvents.Begin("retry")
                           .Number("index", mIndex)

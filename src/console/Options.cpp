@@ -5,6 +5,7 @@
 #include <string_view>
 
 #include "console/OptionTable.hpp"
+#include "console/PortChoice.hpp"
 #include "platform/StringTable.hpp"
 #include "support/text/Text.hpp"
 #include "support/text/Unicode.hpp"
@@ -30,8 +31,8 @@ void AddFault(Options& options, const std::string& value) {
 }
 
 void AddPort(Options& options, const std::string& value) {
-    options.port = value;
-    options.ports.push_back(value);
+    options.port = IsComName(value) ? UpperCase(value) : value;
+    options.ports.push_back(*options.port);
 }
 void Practise(Options& options, const std::string& value) {
     options.practice = true;
@@ -83,7 +84,12 @@ constexpr std::array kOptions = {
     OptionRow{Group::Information, "-h", "--help", "", Str::OptionHelp, Choose<Action::Help>},
 };
 
+/// Only for the processes of several ports: neither help nor completion shows it.
+constexpr OptionRow kExpect = {Group::Update, "", "--expect",
+                               "SHA256",      {}, Store<&Options::expect>};
+
 const OptionRow* FindOption(std::string_view name) {
+    if (name == kExpect.name) return &kExpect;
     for (const OptionRow& row : kOptions)
         if (name == row.name || (!row.letter.empty() && name == row.letter)) return &row;
     return nullptr;
@@ -106,6 +112,9 @@ void ApplyOption(Options& options, const std::vector<std::string>& arguments, st
         if (at + 1 == arguments.size()) throw Refusal(strings, Str::OptionNeedsValue, name);
         value = arguments[++at];
     }
+    // An empty name, as of a variable that is not set, would silently mean no file.
+    if (value.empty() && row->completion == Completed::Files)
+        throw Refusal(strings, Str::OptionNeedsValue, name);
     row->apply(options, value);
 }
 

@@ -25,7 +25,7 @@ struct Options {
     std::optional<std::string> parity;
     std::optional<std::string> dataBits;
     std::optional<std::string> stopBits;
-    std::vector<std::string> ports;   ///< all that are given; `port` is the last of them
+    std::vector<std::string> ports;   ///< all that are given, COM names in capitals; `port` is last
     std::optional<std::string> wait;  ///< seconds; 0: without end
     bool repeat = false;
     std::string log;     ///< empty: no transcript
@@ -34,7 +34,8 @@ struct Options {
     bool json = false;
     std::string completion;  ///< the shell
     bool yes = false;
-    bool strict = false;  ///< refuse a suspicious image
+    std::optional<std::string> expect;  ///< SHA-256 of the image that was checked and confirmed
+    bool strict = false;                ///< refuse a suspicious image
     bool quiet = false;
     bool practice = false;
     std::string practiceCount;  ///< as given

@@ -30,11 +30,6 @@ std::vector<Row> Rows(const std::vector<SerialPortInfo>& ports, const StringTabl
     return rows;
 }
 
-bool IsComName(const std::string& given) {
-    return given.size() > 3 && SameText(given.substr(0, 3), "COM") &&
-           given.find_first_not_of("0123456789", 3) == std::string::npos;
-}
-
 bool IsCalled(const SerialPortInfo& port, const std::string& given) {
     return SameText(port.name, given) || port.device == given ||
            (!port.serialNumber.empty() && SameText(port.serialNumber, given)) ||
@@ -55,6 +50,11 @@ std::string Names(const std::vector<SerialPortInfo>& ports, const StringTable& s
 }
 
 }  // namespace
+
+bool IsComName(const std::string& given) {
+    return given.size() > 3 && SameText(given.substr(0, 3), "COM") &&
+           given.find_first_not_of("0123456789", 3) == std::string::npos;
+}
 
 std::string PortTable(const std::vector<SerialPortInfo>& ports, const StringTable& strings) {
     if (ports.empty()) return strings.Text(Str::NoPortFound) + "\n";

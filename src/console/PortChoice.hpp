@@ -13,6 +13,9 @@ namespace vantor {
 
 class StringTable;
 
+/// True for "COM9" in capitals or not.
+bool IsComName(const std::string& given);
+
 /// The ports as a table with a line of headings; a sentence when there is none.
 std::string PortTable(const std::vector<SerialPortInfo>& ports, const StringTable& strings);
 

@@ -59,11 +59,18 @@ void PortRow::Close() {
     const ExitStatus status = exit == kInterrupted ? ExitStatus::Aborted : StatusOf(exit);
     mLost = !mTold;
     mStatus = mLost && status == ExitStatus::Done ? ExitStatus::UpdateFailure : status;
-    if (mLost) mState = mStrings.Text(Str::ProcessEnded);
+    if (!mLost) return;
+    mState = status == ExitStatus::Aborted
+                 ? OutcomeText(CodeOf(FlashOutcome::Aborted), status, mStrings)
+                 : mStrings.Text(Str::ProcessEnded);
 }
 
 void PortRow::Interrupt() {
     if (!mEnded) mProcess->Interrupt();
+}
+
+void PortRow::EndWait() {
+    if (!mEnded && mWaiting) mProcess->CloseOutput();
 }
 
 void PortRow::Take(std::map<std::string, std::string>& event, std::uint32_t nowMs) {
@@ -78,6 +85,7 @@ void PortRow::Take(std::map<std::string, std::string>& event, std::uint32_t nowM
         if (event["stage"] == "verdict") mState = mStrings.Text(Str::RowVerdict);
         if (event["stage"] != "image" && event["stage"] != "verdict") mState = event["text"];
         mStreaming = false;
+        mWaiting = event["stage"].starts_with("waiting-");
     } else if (kind == "warning" && event["code"] != "do-not-disconnect") {
         mMessages += mPort + ": " + event["text"] + "\n";
     } else if (kind == "end") {

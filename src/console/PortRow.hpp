@@ -22,6 +22,8 @@ public:
     /// Reads what the process has written. The complete lines are returned, and shown in the row.
     std::string Read(std::uint32_t nowMs);
     void Interrupt();
+    /// Ends the wait of the process for an update; one that has begun goes on.
+    void EndWait();
     bool Ended() const { return mEnded; }
     ExitStatus Status() const { return mStatus; }
     /// True when the process has ended without saying so.
@@ -52,6 +54,7 @@ private:
     int mPercent = 0;
     std::uint32_t mImageStart = 0;
     bool mStreaming = false;
+    bool mWaiting = false;
     bool mTold = false;  // the process has told its end
     bool mEnded = false;
     bool mLost = false;

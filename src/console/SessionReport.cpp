@@ -106,9 +106,10 @@ void WriteEnd(const JsonEvents& events, const SessionEnd& end) {
 }
 
 void WriteRefusal(const JsonEvents& events, ExitStatus status, const std::string& reason) {
-    const bool refused = status == ExitStatus::Usage;
+    const char* outcome = status == ExitStatus::Usage ? "refused" : "error";
+    if (status == ExitStatus::Aborted) outcome = CodeOf(FlashOutcome::Aborted);
     events.Write(events.Begin("end")
-                     .Text("outcome", refused ? "refused" : "error")
+                     .Text("outcome", outcome)
                      .Number("exit", static_cast<int>(status))
                      .Text("reason", reason));
 }

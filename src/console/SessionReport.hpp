@@ -36,7 +36,7 @@ void WriteFindings(const JsonEvents& events, const ImageReport& report, const St
 void WriteStart(const JsonEvents& events, const SessionFacts& facts, const std::string& line,
                 const ImageReport& report);
 void WriteEnd(const JsonEvents& events, const SessionEnd& end);
-/// The end of a run that never reached a session, with its reason.
+/// The end of a run that never reached a session, with its reason: refused, aborted, or an error.
 void WriteRefusal(const JsonEvents& events, ExitStatus status, const std::string& reason);
 
 /// The last object of a run with several updates.

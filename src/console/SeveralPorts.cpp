@@ -26,6 +26,7 @@ std::vector<std::string> ArgumentsFor(const Options& options, const std::string&
     Add(arguments, "--data-bits", options.dataBits);
     Add(arguments, "--stop-bits", options.stopBits);
     Add(arguments, "--wait", options.wait);
+    Add(arguments, "--expect", options.expect);
     if (options.strict) arguments.emplace_back("--strict");
     if (options.practice) arguments.emplace_back("--practice");
     for (const std::string& fault : options.faults) Add(arguments, "--fault", fault);
@@ -156,6 +157,8 @@ ExitStatus FlashSeveral(NativePlatform& native, const Options& options,
     while (board.Round()) {
         if (native.console->TakeInterrupt())
             for (PortRow& row : rows) row.Interrupt();
+        if (native.console->ReaderGone())
+            for (PortRow& row : rows) row.EndWait();
         native.clock->Sleep(kPollMs);
     }
     ExitStatus status = ExitStatus::Done;

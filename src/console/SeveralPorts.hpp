@@ -13,9 +13,9 @@
 namespace vantor {
 
 /// Starts this program once for each of `ports` and shows what the processes tell: a row a port on
-/// a terminal, else lines; their JSON with `--json`. The interrupt key goes to all. Returns the
-/// worst exit status. `ports` are not empty. Raises nothing: a process that cannot be started has
-/// failed.
+/// a terminal, else lines; their JSON with `--json`. The interrupt key goes to all. When nobody
+/// reads the output any more, those that still wait for an indicator end. Returns the worst exit
+/// status. `ports` are not empty. Raises nothing: a process that cannot be started has failed.
 ExitStatus FlashSeveral(NativePlatform& native, const Options& options,
                         const std::vector<std::string>& ports, const JsonEvents& events);
 

@@ -79,14 +79,7 @@ ExitStatus RunTsFlash(NativePlatform& native) {
         if (options.port && !options.Several()) events.SetPort(*options.port);
         return Act(native, options, events);
     } catch (...) {
-        const RuntimeError error = PendingError();
-        // User errors are error 5 with a sentence as the description.
-        const bool usage = error.Is(ErrorNumber::InvalidCall);
-        const ExitStatus status = usage ? ExitStatus::Usage : ExitStatus::UpdateFailure;
-        native.console->WriteError("tsflash: " + error.Description() + "\n");
-        if (usage) native.console->WriteError(strings.Text(Str::TryHelp) + "\n");
-        if (json) WriteRefusal(events, status, error.Description());
-        return status;
+        return TellPendingError(native, events, json);
     }
 }
 

@@ -16,6 +16,9 @@ public:
     /// does not block. False when that has ended and all of it was read.
     virtual bool Read(std::string& output) = 0;
 
+    /// Reads no more: the process finds that nobody reads its output. `Read` returns false.
+    virtual void CloseOutput() = 0;
+
     /// Passes on the interrupt key of this process. Does nothing on Windows, where the console
     /// sends the key to all its processes.
     virtual void Interrupt() = 0;

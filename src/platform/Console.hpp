@@ -25,6 +25,10 @@ public:
     /// The same for standard error.
     virtual void WriteError(std::string_view utf8) = 0;
 
+    /// True when standard output is a pipe that nobody reads any more. Always false for other
+    /// outputs, so also for a terminal that has disappeared.
+    virtual bool ReaderGone() { return false; }
+
     /// On a terminal: moves to the start of the row `rows` above and clears from there on.
     virtual void ClearRowsAbove(unsigned /*rows*/) {}
 

@@ -10,6 +10,7 @@
 
 #include <array>
 #include <chrono>
+#include <cstdint>
 #include <functional>
 #include <string>
 #include <system_error>
@@ -21,12 +22,12 @@ namespace vantor {
 /// A child process whose output is collected in memory. Killed by the destructor.
 class Child {
 public:
-    enum class Output : bool { Pipes, Terminal };
+    enum class Output : std::uint8_t { Pipes, Terminal, None };
 
     /// Starts `arguments[0]`. With Output::Terminal its three standard streams are one
-    /// pseudo-terminal, and `Out` has all output.
+    /// pseudo-terminal, and `Out` has all output. With Output::None they are closed.
     explicit Child(std::vector<std::string> arguments, Output output = Output::Pipes) {
-        const bool pipes = output == Output::Pipes;
+        const bool pipes = output != Output::Terminal;
         std::array<int, 2> out{};
         std::array<int, 2> err{};
         if (pipes) Must(pipe2(out.data(), O_CLOEXEC) + pipe2(err.data(), O_CLOEXEC) == 0);
@@ -37,6 +38,7 @@ public:
                 dup2(open("/dev/null", O_RDONLY | O_CLOEXEC), STDIN_FILENO);
                 dup2(out[1], STDOUT_FILENO);
                 dup2(err[1], STDERR_FILENO);
+                if (output == Output::None) close_range(STDIN_FILENO, STDERR_FILENO, 0);
             }
             std::vector<char*> argv;
             for (std::string& argument : arguments) argv.push_back(argument.data());

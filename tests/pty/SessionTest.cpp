@@ -127,6 +127,7 @@ const std::map<std::string, Session::Verb>& Session::Verbs() {
         {"port", [](S& s, W& w) { s.mPort = w.at(0); }},
         {"flash", [](S& s, W& w) { s.Start(w, Child::Output::Pipes); }},
         {"terminal", [](S& s, W& w) { s.Start(w, Child::Output::Terminal); }},
+        {"closed", [](S& s, W& w) { s.Start(w, Child::Output::None); }},
         {"times",
          [](S& s, W& w) {
              for (int i = std::stoi(w.at(0)); i > 0; --i) s.Perform({w.begin() + 1, w.end()});

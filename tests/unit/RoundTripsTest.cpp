@@ -61,15 +61,28 @@ struct PipedConsole : Console {
     bool pressed = false;
 };
 
-/// An indicator connected by a USB adapter.
+/// An indicator connected by a USB adapter; with a negative latency a device that only sends.
 struct Adapter : IndicatorFarEnd {
     Adapter(VirtualIndicator& indicator, const Clock& time, Micros latency)
-        : IndicatorFarEnd(indicator, time), clock(time), timer(latency) {}
+        : IndicatorFarEnd(indicator, time), clock(time), timer(latency), sends(latency < 0) {}
     std::string Transmit() override {
+        if (sends) return "OK ";
         return timer.Pass(IndicatorFarEnd::Transmit(), Micros{clock.Milliseconds()} * 1000);
     }
     const Clock& clock;
     LatencyTimer timer;
+    bool sends;
+};
+
+/// Ports of which the first is called "late" as well, from 8 s on.
+struct LatePorts : HeadlessSerialPorts {
+    LatePorts(HeadlessPump& pump, const Clock& time) : HeadlessSerialPorts(pump), clock(time) {}
+    std::vector<SerialPortInfo> List() const override {
+        std::vector<SerialPortInfo> ports = HeadlessSerialPorts::List();
+        if (clock.Milliseconds() >= 8000) ports.at(0).serialNumber = "late";
+        return ports;
+    }
+    const Clock& clock;
 };
 
 /// All texts but one.
@@ -99,7 +112,7 @@ std::string Flash(const Words& words) {
     native.process = std::move(process);
     auto clock = std::make_unique<HeadlessClock>();
     auto pump = std::make_unique<HeadlessPump>(*clock);
-    auto ports = std::make_unique<HeadlessSerialPorts>(*pump);
+    auto ports = std::make_unique<LatePorts>(*pump, *clock);
     Adapter adapter(indicator, *clock, std::stoll(words.at(0)) * 1000);
     ports->Plug("COM1", adapter);
     native.clock = std::move(clock);
@@ -108,7 +121,9 @@ std::string Flash(const Words& words) {
     auto files = std::make_unique<HeadlessFiles>();
     files->Add("m40.run", ImageOf(40));
     native.files = std::move(files);
-    native.folders = std::make_unique<HeadlessFolders>();
+    auto folders = std::make_unique<HeadlessFolders>();
+    folders->home.clear();
+    native.folders = std::move(folders);
     native.registry = std::make_unique<RegistryHive>();
     native.codePage = std::make_unique<CodePage1252>();
     native.strings = std::make_unique<Incomplete>(std::stoi(words.at(2)));
@@ -117,6 +132,7 @@ std::string Flash(const Words& words) {
     native.console = std::move(console);
     const std::uint32_t start = native.clock->Milliseconds();
     const auto status = static_cast<int>(RunTsFlash(native));
+    EXPECT_FALSE(native.files->Exists("C:\\ERRORS.TXT"));
     const std::string log = native.files->ReadAll("log.txt");
     return Row(status, native.clock->Milliseconds() - start) + "\n" + shown.errors +
            log.substr(log.rfind('\n', log.rfind(" -- closed")) + 1);

@@ -30,6 +30,8 @@ public:
         }
     }
 
+    void CloseOutput() override { mOutput = PosixHandle(); }
+
     void Interrupt() override {
         if (!mEnded) kill(mId, SIGINT);  // fails only for a process that has ended
     }

@@ -69,6 +69,12 @@ public:
     void Write(std::string_view utf8) override { WriteTo(STDOUT_FILENO, utf8); }
     void WriteError(std::string_view utf8) override { WriteTo(STDERR_FILENO, utf8); }
 
+    bool ReaderGone() override {
+        pollfd output{STDOUT_FILENO, 0, 0};
+        // A terminal that has disappeared reports POLLHUP as well.
+        return poll(&output, 1, 0) == 1 && output.revents == POLLERR;
+    }
+
     unsigned Columns() const override {
         constexpr unsigned kUnknown = 80;
         winsize size{};

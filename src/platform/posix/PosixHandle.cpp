@@ -1,8 +1,10 @@
 #include "platform/posix/PosixHandle.hpp"
 
 #include <fcntl.h>
+#include <sys/file.h>
 
 #include <algorithm>
+#include <ctime>
 
 #include "support/errors/RuntimeError.hpp"
 
@@ -53,6 +55,19 @@ int ReadInto(FileContents& contents, const std::string& path, std::size_t most) 
 }
 
 }  // namespace
+
+bool LockOpenFile(int descriptor) {
+    constexpr int kTries = 1000;
+    constexpr timespec kPause = {0, 5'000'000};
+    // LOCK_NB: with a blocking lock, one stopped process would hang all the others.
+    for (int i = 0; i < kTries; ++i) {
+        if (flock(descriptor, LOCK_EX | LOCK_NB) == 0) return true;
+        if (errno != EWOULDBLOCK && errno != EINTR) return false;
+        nanosleep(&kPause, nullptr);  // a shorter pause is harmless
+    }
+    errno = EWOULDBLOCK;
+    return false;
+}
 
 FileContents ReadRegularFile(const std::string& path, std::size_t most) {
     FileContents contents;

@@ -56,6 +56,10 @@ inline bool WriteAll(int descriptor, std::string_view& bytes) {
     return true;
 }
 
+/// Locks the open file for this process, until it is closed. Waits for a few seconds while another
+/// process has it locked. False on failure, with the reason in errno.
+bool LockOpenFile(int descriptor);
+
 struct FileContents {
     int systemError = 0;  ///< why there are none; EISDIR for anything but a regular file
     struct stat status {};

@@ -9,6 +9,7 @@
 #include "platform/portable/RegistryHive.hpp"
 #include "platform/posix/PosixMessagePump.hpp"
 #include "platform/posix/PosixServices.hpp"
+#include "platform/posix/PosixStreams.hpp"
 #include "support/Traps.hpp"
 
 namespace vantor {
@@ -30,6 +31,7 @@ std::unique_ptr<Registry> RegistryOf(const Folders& folders) {
 }  // namespace
 
 NativePlatform MakeNativePlatform(int argc, char** argv) {
+    OpenStandardStreams();
     NativePlatform native;
     native.process = MakePosixProcess(argc, argv);
     native.clock = MakePosixClock();

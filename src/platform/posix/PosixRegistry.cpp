@@ -1,6 +1,5 @@
 // The registry on POSIX. It adds only storage to the in-memory registry.
 #include <fcntl.h>
-#include <sys/file.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -62,16 +61,8 @@ void CreateFolders(const fs::path& folder) {
 
 /// An open file, locked until it is destroyed; not open on failure, with the reason in errno.
 PosixHandle LockedFile(const std::string& path) {
-    constexpr int kTries = 1000;
-    constexpr timespec kPause = {0, 5'000'000};
     PosixHandle file(open(path.c_str(), O_RDWR | O_CREAT | O_CLOEXEC, kFileMode));
-    // LOCK_NB: with a blocking lock, one stopped process would hang all the others.
-    for (int i = 0; file.IsOpen() && i < kTries; ++i) {
-        if (flock(file.Get(), LOCK_EX | LOCK_NB) == 0) return file;
-        if (errno != EWOULDBLOCK && errno != EINTR) return {};
-        nanosleep(&kPause, nullptr);  // a shorter pause is harmless
-    }
-    return {};
+    return file.IsOpen() && LockOpenFile(file.Get()) ? std::move(file) : PosixHandle();
 }
 
 /// Identifies one state of the file by node, size and time; all zero when there is no file.

@@ -1,6 +1,5 @@
 // Files to which several processes append, on POSIX.
 #include <fcntl.h>
-#include <sys/file.h>
 
 #include "platform/posix/PosixHandle.hpp"
 #include "platform/posix/PosixServices.hpp"
@@ -15,9 +14,7 @@ PosixHandle Locked(const std::string& path, struct stat& status) {
     constexpr int kFlags = O_RDWR | O_APPEND | O_CREAT | O_CLOEXEC | O_NONBLOCK;
     PosixHandle file(Uninterrupted([&] { return open(path.c_str(), kFlags, kMode); }));
     if (!file.IsOpen()) RaiseFileError(errno);
-    if (Uninterrupted([&] { return flock(file.Get(), LOCK_EX); }) != 0 ||
-        fstat(file.Get(), &status) != 0)
-        RaiseFileError(errno);
+    if (!LockOpenFile(file.Get()) || fstat(file.Get(), &status) != 0) RaiseFileError(errno);
     if (!S_ISREG(status.st_mode)) RaiseFileError(EINVAL);
     return file;
 }

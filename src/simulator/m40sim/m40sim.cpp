@@ -19,6 +19,7 @@
 #include <thread>
 #include <utility>
 
+#include "platform/posix/PosixStreams.hpp"
 #include "simulator/Fault.hpp"
 #include "simulator/FlashMemory.hpp"
 #include "simulator/LatencyTimer.hpp"
@@ -404,6 +405,7 @@ void StopOnSignals() {
 
 int main(int argc, char** argv) {
     using namespace vantor;
+    OpenStandardStreams();
     const std::span<char* const> arguments(argv, static_cast<std::size_t>(argc));
     try {
         Options options =

@@ -31,6 +31,8 @@ public:
         }
     }
 
+    void CloseOutput() override { mOutput = Win32Handle(); }
+
     void Interrupt() override {}
 
     int ExitStatus() override {

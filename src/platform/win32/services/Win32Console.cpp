@@ -8,6 +8,8 @@
 #include "platform/win32/services/Win32EndOfSession.hpp"
 #include "platform/win32/services/Win32Services.hpp"
 
+#include <winternl.h>
+
 namespace vantor {
 namespace {
 
@@ -114,6 +116,17 @@ public:
 
     bool InputIsTerminal() const override { return IsConsole(GetStdHandle(STD_INPUT_HANDLE)); }
     bool OutputIsTerminal() const override { return IsConsole(GetStdHandle(STD_OUTPUT_HANDLE)); }
+
+    // No call of the Win32 API tells it without a write, and a write of no bytes reads as the end
+    // of the output.
+    bool ReaderGone() override {
+        constexpr ULONG kConnected = 3;  // FILE_PIPE_CONNECTED_STATE
+        IO_STATUS_BLOCK status{};
+        FILE_PIPE_LOCAL_INFORMATION pipe{};
+        return NT_SUCCESS(NtQueryInformationFile(GetStdHandle(STD_OUTPUT_HANDLE), &status, &pipe,
+                                                 sizeof pipe, FilePipeLocalInformation)) &&
+               pipe.NamedPipeState != kConnected;
+    }
 
     unsigned Columns() const override {
         constexpr unsigned kUnknown = 80;

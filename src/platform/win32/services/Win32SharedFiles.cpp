@@ -5,18 +5,33 @@
 namespace vantor {
 namespace {
 
-/// Opens the file and locks one byte far behind its end, which hinders no reader. Closing it
-/// releases the lock.
+/// Locks one byte far behind the end of the file, which hinders no reader. Waits for some seconds
+/// while another process has it locked. False on failure.
+bool Lock(HANDLE file) {
+    constexpr int kTries = 1000;
+    constexpr DWORD kPauseMs = 5;
+    OVERLAPPED place{};
+    place.OffsetHigh = 0x7fffffff;
+    // At once: a lock that is waited for would hang this process behind one that is stopped.
+    for (int i = 0; i < kTries; ++i) {
+        if (LockFileEx(file, LOCKFILE_EXCLUSIVE_LOCK | LOCKFILE_FAIL_IMMEDIATELY, 0, 1, 0,
+                       &place) != 0)
+            return true;
+        if (GetLastError() != ERROR_LOCK_VIOLATION) return false;
+        Sleep(kPauseMs);
+    }
+    SetLastError(ERROR_LOCK_VIOLATION);
+    return false;
+}
+
+/// Opens and locks the file; closing it releases the lock.
 Win32Handle Locked(const std::string& path) {
     Win32Handle file(CreateFileW(HostPath(path).c_str(), GENERIC_READ | GENERIC_WRITE,
                                  FILE_SHARE_READ | FILE_SHARE_WRITE, nullptr, OPEN_ALWAYS,
                                  FILE_ATTRIBUTE_NORMAL, nullptr));
     if (!file.IsOpen()) RaiseFileError(GetLastError());
     if (GetFileType(file.Get()) != FILE_TYPE_DISK) RaiseFileError(ERROR_INVALID_PARAMETER);
-    OVERLAPPED place{};
-    place.OffsetHigh = 0x7fffffff;
-    if (LockFileEx(file.Get(), LOCKFILE_EXCLUSIVE_LOCK, 0, 1, 0, &place) == 0)
-        RaiseFileError(GetLastError());
+    if (!Lock(file.Get())) RaiseFileError(GetLastError());
     return file;
 }
 

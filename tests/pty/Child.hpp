@@ -41,6 +41,7 @@ public:
                 if (output == Output::None) close_range(STDIN_FILENO, STDERR_FILENO, 0);
             }
             std::vector<char*> argv;
+            argv.reserve(arguments.size() + 1);
             for (std::string& argument : arguments) argv.push_back(argument.data());
             argv.push_back(nullptr);
             execv(argv[0], argv.data());

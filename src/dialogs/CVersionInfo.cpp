@@ -34,8 +34,7 @@ bool CVersionInfo::ReadBlock(const std::string& path) {
 
 std::string CVersionInfo::GetInfoBlock(const std::string& name) const {
     std::string value;
-    if (!mVersions.QueryString(mBlock, "\\StringFileInfo\\" + mTranslation + "\\" + name, value))
-        value.clear();
+    mVersions.QueryString(mBlock, "\\StringFileInfo\\" + mTranslation + "\\" + name, value);
     return value;
 }
 

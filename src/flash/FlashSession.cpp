@@ -161,7 +161,6 @@ bool FlashSession::Stream(const std::string& fileName, const CMMTimer& stopwatch
             const LineResult sent = SendLine(line);
             if (sent == LineResult::EndWanted) return false;
             if (sent == LineResult::Refused) {
-                mLastAccepted = false;
                 mOutcome = FlashOutcome::LineRefused;
                 Report(BoxIcon::Exclamation, Text(Str::FlashFailure),
                        Text(Str::UpdateFailureTitle));

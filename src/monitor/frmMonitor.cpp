@@ -76,8 +76,6 @@ void frmMonitor::Form_Load() {
         LoadResources(*this, mPlatform.strings);
         ConfigureTerminal();
         UpdateStatus();
-        UpdatePort();
-        UpdateSettings();
     });
 }
 
@@ -382,8 +380,7 @@ void frmMonitor::mnuCaptureSend_Click() {
     });
 }
 
-bool frmMonitor::SendFile(const std::string& fileName) {
-    bool sent = false;
+void frmMonitor::SendFile(const std::string& fileName) {
     const auto progress = std::make_shared<frmSend>(Manager(), mPlatform.strings);
     mProgress.push_back(progress);
     Trapped(
@@ -395,13 +392,12 @@ bool frmMonitor::SendFile(const std::string& fileName) {
             if (!FileExists(fileName)) return;
             mPlatform.pump.PumpPending();
             if (Gone()) return;
-            sent = SendLines(GetFile(fileName), *progress);
+            SendLines(GetFile(fileName), *progress);
         },
         [&] {
             progress->Unload();
             std::erase(mProgress, progress);
         });
-    return sent;
 }
 
 /// Normal files only: hidden and system files count as missing.
@@ -418,14 +414,13 @@ std::string frmMonitor::GetFile(const std::string& fileName) {
     return text;
 }
 
-bool frmMonitor::SendLines(const std::string& text, frmSend& progress) {
+void frmMonitor::SendLines(const std::string& text, frmSend& progress) {
     const std::vector<std::string_view> lines = SplitLines(text);
     const auto last = static_cast<std::int32_t>(lines.size() - 1);
     CDelay delay(mPlatform.clock, mPlatform.pump);
     delay.Waiting = [this](bool& cancel) { cancel = Gone() || !comMonitor.PortOpen(); };
-    bool sent = false;
     bool lost = false;
-    if (Gone()) return false;
+    if (Gone()) return;
     comMonitor.FollowOutput(true);
     comMonitor.EndLines = true;
     comMonitor.Screen().modes.autoWrap = true;
@@ -434,21 +429,18 @@ bool frmMonitor::SendLines(const std::string& text, frmSend& progress) {
         comMonitor.Output(lines[i]);
         delay.Delay(kLineIntervalMs);
         AwaitDriver(delay, progress);
-        if (Gone()) return false;
+        if (Gone()) return;
         lost = !comMonitor.PortOpen();
-        sent = !lost;
         if (lost) break;
         progress.status(LineOf(mPlatform.strings, static_cast<std::int32_t>(i), last));
         mPlatform.pump.PumpPending();
-        if (Gone()) return false;
-        sent = !MustStop(progress);
-        if (sent) continue;
+        if (Gone()) return;
+        if (!MustStop(progress)) continue;
         comMonitor.DropPendingLines();
         break;
     }
     comMonitor.FollowOutput(false);
     if (lost) TellPortTrouble();
-    return sent;
 }
 
 /// Keeps the progress in step with a slow line. Cancel could not stop lines already queued.

@@ -50,9 +50,9 @@ public:
 
     /// Sends the file line by line, at most one every 50 ms and only after the driver has accepted
     /// the previous one, pumping messages meanwhile. Splits at CR LF only and skips blank lines.
-    /// True when at least one line was sent and the send was not cancelled; false when a window or
-    /// the port was closed meanwhile, the device was lost, or an update was started.
-    bool SendFile(const std::string& fileName);
+    /// Ends early when the send is cancelled, a window or the port is closed, the device is lost,
+    /// or an update is started.
+    void SendFile(const std::string& fileName);
 
     TerminalControl comMonitor;
     StatusBar sbStatusBar{*this, "sbStatusBar", {"status", "port", "settings"}};
@@ -100,7 +100,7 @@ private:
     static Str TitleOf(FileUse use);
     std::string AskForFile(FileUse use);
     std::string GetFile(const std::string& fileName);
-    bool SendLines(const std::string& text, frmSend& progress);
+    void SendLines(const std::string& text, frmSend& progress);
     bool FileExists(const std::string& fileName) const;
     void AwaitDriver(CDelay& delay, const frmSend& progress);
     bool MustStop(const frmSend& progress) const;

@@ -25,7 +25,8 @@ public:
                                   std::uint16_t& codePage) const = 0;
 
     /// Looks up `subBlock` ("\StringFileInfo\040904E4\FileVersion") in `block` (VerQueryValue) and
-    /// sets `value` to the string, its terminating or padding NULs included. False when not found.
+    /// sets `value` to the string, its terminating or padding NULs included. False when not found;
+    /// `value` is then unchanged.
     virtual bool QueryString(const std::vector<char>& block, const std::string& subBlock,
                              std::string& value) const = 0;
 };

@@ -153,7 +153,9 @@ struct Subject {
         now["slept"] = to_string(platform.clock.Milliseconds() - platform.pump.pumps - 1000);
         now["timers"] = to_string(pump.running.size());
         now["clipboard"] = Quoted(platform.clipboard.Text());
-        events["sent"] = Quoted(std::exchange(wire.received, {}), Quoting::Bytes);
+        const std::string sent = std::exchange(wire.received, {});
+        events["sent"] =
+            sent.size() > 10'000 ? to_string(sent.size()) + " bytes" : Quoted(sent, Quoting::Bytes);
         events["beeps"] = to_string(std::exchange(platform.boxes.beeps, 0));
         events["line"] = std::exchange(wire.signals, {});
         for (const std::string& box : Told(platform)) events["box"] += Quoted(box);

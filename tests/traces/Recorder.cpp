@@ -390,6 +390,8 @@ std::map<std::string, std::string> ValuesOf(const Control& control) {
         values["value"] = std::to_string(bar->Value()) + " %";
     if (const auto* combo = dynamic_cast<const ComboBox*>(&control))
         values["value"] = "is " + Quoted(combo->Text());
+    if (const auto* terminal = dynamic_cast<const TerminalControl*>(&control))
+        values["font"] = std::to_string(terminal->Options().fontPoints) + " points";
     if (const auto* status = dynamic_cast<const StatusBar*>(&control))
         for (const StatusBar::Panel& panel : status->Panels())
             values[panel.key] = panel.key + " " + Quoted(panel.text);

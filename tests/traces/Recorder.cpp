@@ -47,24 +47,6 @@ std::string MessageOf(const Form& form) {
     return texts.size() == 1 ? ": " + Quoted(texts.front()) : "";
 }
 
-}  // namespace
-
-std::string Quoted(std::string_view text, Quoting quoting) {
-    std::string quoted = "\"";
-    for (const char c : text) {
-        const bool beyondAscii = static_cast<unsigned char>(c) > 0x7F;
-        if (c == '"')
-            quoted += "\\\"";
-        else if (beyondAscii && quoting == Quoting::Text)
-            quoted += c;
-        else
-            quoted += Escaped({&c, 1}, "\r\n");
-    }
-    return quoted + "\"";
-}
-
-namespace {
-
 /// A service of the program that notes what it does before the `Inner` one does it.
 template <typename Service, typename Inner>
 struct Recorded : Service {
@@ -330,6 +312,20 @@ struct RecordedFiles : Recorded<Files, HeadlessFiles&> {
 };
 
 }  // namespace
+
+std::string Quoted(std::string_view text, Quoting quoting) {
+    std::string quoted = "\"";
+    for (const char c : text) {
+        const bool beyondAscii = static_cast<unsigned char>(c) > 0x7F;
+        if (c == '"')
+            quoted += "\\\"";
+        else if (beyondAscii && quoting == Quoting::Text)
+            quoted += c;
+        else
+            quoted += Escaped({&c, 1}, "\r\n");
+    }
+    return quoted + "\"";
+}
 
 struct Recorder::Wrappers {
     explicit Wrappers(Recorder& recorder) : mRecorder(recorder) {}

@@ -1,7 +1,7 @@
 #!/bin/sh
 # Takes screenshots of all stages of tsupdate.exe into build/screens, in both languages, at 96 and
-# 144 dots per inch. A stage that does not appear makes the exit status 1; the other scripts still run.
-# Needs build/windows and build/native.
+# 144 dots per inch. A stage that does not appear makes the exit status 1; the other scripts still
+# run. Needs build/windows and build/native.
 set -eu
 root=$(cd "$(dirname "$0")/../.." && pwd)
 . "$root/tests/driver/drive.sh"

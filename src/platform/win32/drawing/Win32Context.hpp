@@ -6,7 +6,7 @@
 
 #include "controls/Control.hpp"
 #include "platform/win32/drawing/Win32Objects.hpp"
-#include "platform/win32/drawing/Win32SpokenNames.hpp"
+#include "platform/win32/drawing/Win32SpokenTexts.hpp"
 
 namespace vantor {
 
@@ -38,7 +38,7 @@ public:
 
     HeldObjects held;
     std::vector<HWND> formWindows;  ///< in creation order; the first is the main window
-    Win32SpokenNames spokenNames;
+    Win32SpokenTexts spokenTexts;
     HCURSOR cursor = nullptr;   ///< the pointer of all windows; null: each window's own
     std::wstring reasonToStay;  ///< reason that blocks a shutdown; empty: none
 

@@ -40,7 +40,7 @@ void Win32TerminalSpeech::AnnounceSoon() {
 void Win32TerminalSpeech::OnAnnounceTimer() {
     KillTimer(mWindow.handle, kTerminalAnnounceTimer);
     mAnnouncing = false;
-    mWindow.context.spokenNames.SetValue(mWindow.handle, ShownText());
+    mWindow.context.spokenTexts.SetValue(mWindow.handle, ShownText());
     NotifyWinEvent(EVENT_OBJECT_VALUECHANGE, mWindow.handle, OBJID_CLIENT, CHILDID_SELF);
     NotifyWinEvent(EVENT_OBJECT_LIVEREGIONCHANGED, mWindow.handle, OBJID_CLIENT, CHILDID_SELF);
 }

@@ -53,7 +53,7 @@ void Win32ChildControl::Follow(Property property) {
         // The windows of these controls do not display their text.
         const std::wstring name = ToWide(mControl.SpokenName());
         SetWindowTextW(mWindow, name.c_str());
-        mContext.spokenNames.Set(mWindow, name);
+        mContext.spokenTexts.SetName(mWindow, name);
     }
     if (property == Property::Repaint) {
         CatchUp();
@@ -90,7 +90,7 @@ void Win32ChildControl::FollowPlace() {
 }
 
 void Win32ChildControl::ForgetSpokenName() {
-    if (!mControl.SpokenName().empty()) mContext.spokenNames.Forget(mWindow);
+    if (!mControl.SpokenName().empty()) mContext.spokenTexts.Forget(mWindow);
 }
 
 void Win32ChildControl::FollowBorder() {

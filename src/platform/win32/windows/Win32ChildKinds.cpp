@@ -1,4 +1,3 @@
-#include "platform/win32/services/Win32Handle.hpp"
 #include "platform/win32/windows/Win32ChildControl.hpp"
 
 #include <commctrl.h>
@@ -8,6 +7,7 @@
 #include <vector>
 
 #include "controls/Controls.hpp"
+#include "platform/win32/services/Win32Handle.hpp"
 #include "platform/win32/terminal/Win32TerminalView.hpp"
 
 namespace vantor {
@@ -44,7 +44,7 @@ public:
 
     void Follow(Property property) override {
         if (property == Property::SpokenName)  // its window text is its value
-            mContext.spokenNames.Set(Window(), ToWide(Combo().SpokenName()));
+            mContext.spokenTexts.SetName(Window(), ToWide(Combo().SpokenName()));
         else
             Win32ChildControl::Follow(property);
     }
@@ -233,7 +233,7 @@ public:
         if (property == Property::Value || property == Property::Repaint)
             FollowTerminal(*mView, property);
         else if (property == Property::SpokenName)  // its window text is its contents
-            mContext.spokenNames.Set(Window(), ToWide(Terminal().SpokenName()));
+            mContext.spokenTexts.SetName(Window(), ToWide(Terminal().SpokenName()));
         else if (property != Property::Border)  // it always has the same one
             Win32ChildControl::Follow(property);
     }

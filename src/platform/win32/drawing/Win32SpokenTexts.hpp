@@ -10,16 +10,16 @@ struct IAccPropServices;
 namespace vantor {
 
 /// Used from one thread, on which it keeps COM initialised.
-class Win32SpokenNames {
+class Win32SpokenTexts {
 public:
-    Win32SpokenNames();
-    ~Win32SpokenNames();
-    Win32SpokenNames(const Win32SpokenNames&) = delete;
-    Win32SpokenNames& operator=(const Win32SpokenNames&) = delete;
+    Win32SpokenTexts();
+    ~Win32SpokenTexts();
+    Win32SpokenTexts(const Win32SpokenTexts&) = delete;
+    Win32SpokenTexts& operator=(const Win32SpokenTexts&) = delete;
 
     /// Sets the accessible name of `window` (IAccPropServices::SetHwndPropStr); call `Forget`
     /// before it is destroyed. Without the service, screen readers use the window text.
-    void Set(HWND window, const std::wstring& name);
+    void SetName(HWND window, const std::wstring& name);
     /// Sets the accessible value likewise: the text of a window whose name is another.
     void SetValue(HWND window, const std::wstring& value);
     void Forget(HWND window);

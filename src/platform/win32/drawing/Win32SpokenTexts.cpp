@@ -1,4 +1,4 @@
-#include "platform/win32/drawing/Win32SpokenNames.hpp"
+#include "platform/win32/drawing/Win32SpokenTexts.hpp"
 
 #include <oleacc.h>
 
@@ -11,23 +11,23 @@ constexpr DWORD kClient = static_cast<DWORD>(OBJID_CLIENT);
 
 }  // namespace
 
-Win32SpokenNames::Win32SpokenNames()
+Win32SpokenTexts::Win32SpokenTexts()
     : mPrepared(SUCCEEDED(CoInitializeEx(nullptr, COINIT_APARTMENTTHREADED))) {}
 
-Win32SpokenNames::~Win32SpokenNames() {
+Win32SpokenTexts::~Win32SpokenTexts() {
     if (mService != nullptr) mService->Release();
     if (mPrepared) CoUninitialize();
 }
 
-void Win32SpokenNames::Set(HWND window, const std::wstring& name) {
+void Win32SpokenTexts::SetName(HWND window, const std::wstring& name) {
     SetProperty(window, PROPID_ACC_NAME, name);
 }
 
-void Win32SpokenNames::SetValue(HWND window, const std::wstring& value) {
+void Win32SpokenTexts::SetValue(HWND window, const std::wstring& value) {
     SetProperty(window, PROPID_ACC_VALUE, value);
 }
 
-void Win32SpokenNames::SetProperty(HWND window, const GUID& property, const std::wstring& text) {
+void Win32SpokenTexts::SetProperty(HWND window, const GUID& property, const std::wstring& text) {
     if (mService == nullptr &&
         FAILED(CoCreateInstance(CLSID_AccPropServices, nullptr, CLSCTX_INPROC_SERVER,
                                 IID_IAccPropServices, reinterpret_cast<void**>(&mService))))
@@ -35,7 +35,7 @@ void Win32SpokenNames::SetProperty(HWND window, const GUID& property, const std:
     mService->SetHwndPropStr(window, kClient, CHILDID_SELF, property, text.c_str());
 }
 
-void Win32SpokenNames::Forget(HWND window) {
+void Win32SpokenTexts::Forget(HWND window) {
     if (mService == nullptr) return;
     std::array<MSAAPROPID, 2> properties = {PROPID_ACC_NAME, PROPID_ACC_VALUE};
     mService->ClearHwndProps(window, kClient, CHILDID_SELF, properties.data(),
